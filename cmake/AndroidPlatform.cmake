@@ -1,0 +1,9 @@
+# The parts of the Android platform that Debian packages: liblog, libutils and libcutils, as target `android_platform`.
+
+find_path(ANDROID_INCLUDE_DIR utils/RefBase.h PATHS /usr/include/android REQUIRED)
+add_library(android_platform INTERFACE)
+target_include_directories(android_platform SYSTEM INTERFACE ${ANDROID_INCLUDE_DIR})
+foreach(name IN ITEMS utils cutils log)
+    find_library(ANDROID_${name}_LIBRARY ${name} PATH_SUFFIXES android REQUIRED)
+    target_link_libraries(android_platform INTERFACE ${ANDROID_${name}_LIBRARY})
+endforeach()

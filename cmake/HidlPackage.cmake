@@ -1,0 +1,63 @@
+# Runs hidl-gen at build time and makes a shared library of what it writes. Nothing generated is kept in the tree.
+
+find_program(HIDL_GEN hidl-gen REQUIRED)
+
+# hidl_generate(<prefix> PACKAGE <name> DIRECTORY <directory of its .hal files> ROOTS <package root>:<directory>...
+#               [DEPENDS <file>...])
+#
+# Sets <prefix>_SOURCES and <prefix>_HEADERS, the files that hidl-gen makes of PACKAGE (as in android.hidl.base@1.0),
+# and <prefix>_INCLUDE_DIR, where to find the headers. DEPENDS names .hal files of other packages that it imports.
+function(hidl_generate prefix)
+    cmake_parse_arguments(HIDL "" "PACKAGE;DIRECTORY" "ROOTS;DEPENDS" ${ARGN})
+    string(REGEX MATCH "^([^@]+)@(.+)$" matched ${HIDL_PACKAGE})
+    string(REPLACE "." "/" path ${CMAKE_MATCH_1})
+    set(path ${path}/${CMAKE_MATCH_2})
+    set(out ${CMAKE_CURRENT_BINARY_DIR}/hidl/${HIDL_PACKAGE})
+    set(roots)
+    foreach(root IN LISTS HIDL_ROOTS)
+        list(APPEND roots -r ${root})
+    endforeach()
+
+    file(GLOB hals CONFIGURE_DEPENDS ${HIDL_DIRECTORY}/*.hal)
+    set(sources)
+    set(headers)
+    foreach(hal IN LISTS hals)
+        cmake_path(GET hal STEM name)
+        if(name STREQUAL types)
+            list(APPEND sources ${out}/${path}/types.cpp)
+            list(APPEND headers ${out}/${path}/types.h ${out}/${path}/hwtypes.h)
+        else()
+            string(SUBSTRING ${name} 1 -1 base)
+            list(APPEND sources ${out}/${path}/${base}All.cpp)
+            foreach(kind IN ITEMS I IHw BnHw BpHw Bs)
+                list(APPEND headers ${out}/${path}/${kind}${base}.h)
+            endforeach()
+        endif()
+    endforeach()
+
+    set(generate ${HIDL_GEN} -p ${CMAKE_SOURCE_DIR} -o ${out} -R ${roots})
+    add_custom_command(
+        OUTPUT ${sources} ${headers}
+        COMMAND ${generate} -L c++-headers ${HIDL_PACKAGE}
+        COMMAND ${generate} -L c++-sources ${HIDL_PACKAGE}
+        DEPENDS ${hals} ${HIDL_DEPENDS}
+        COMMENT "hidl-gen ${HIDL_PACKAGE}"
+        VERBATIM)
+    set(${prefix}_SOURCES ${sources} PARENT_SCOPE)
+    set(${prefix}_HEADERS ${headers} PARENT_SCOPE)
+    set(${prefix}_INCLUDE_DIR ${out} PARENT_SCOPE)
+endfunction()
+
+# add_hidl_library(<target> PACKAGE ... DIRECTORY ... ROOTS ... [DEPENDS ...])
+#
+# The interface library of a package: a shared library, so that a process has one registry of its interfaces however
+# many libraries and programs use them.
+function(add_hidl_library target)
+    hidl_generate(GENERATED ${ARGN})
+    cmake_parse_arguments(HIDL "" "PACKAGE" "" ${ARGN})
+    add_library(${target} SHARED ${GENERATED_SOURCES} ${GENERATED_HEADERS})
+    set_target_properties(${target} PROPERTIES OUTPUT_NAME ${HIDL_PACKAGE} PREFIX "")
+    target_include_directories(${target} SYSTEM PUBLIC ${GENERATED_INCLUDE_DIR})
+    target_compile_options(${target} PRIVATE -w)
+    target_link_libraries(${target} PUBLIC hidl_host)
+endfunction()
