@@ -1,0 +1,123 @@
+#include "child_process.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+extern char** environ;
+
+namespace hbbtv::test {
+
+namespace {
+
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    for (std::string& text : texts) pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+std::vector<std::string> EnvironmentWith(const std::vector<std::string>& additions) {
+    std::vector<std::string> all = additions;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string name(*entry, strcspn(*entry, "=") + 1);
+        bool replaced = false;
+        for (const std::string& addition : additions) replaced = replaced || addition.rfind(name, 0) == 0;
+        if (!replaced) all.emplace_back(*entry);
+    }
+    return all;
+}
+
+}  // namespace
+
+ChildProcess::ChildProcess(const std::vector<std::string>& argv, const std::vector<std::string>& environment) {
+    int input[2];
+    int output[2];
+    if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0) {
+        std::perror("pipe2");
+        std::abort();
+    }
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, output[1], STDERR_FILENO);
+    std::vector<std::string> arguments = argv;
+    std::vector<std::string> variables = EnvironmentWith(environment);
+    const int error = posix_spawnp(&mPid, argv[0].c_str(), &actions, nullptr, Pointers(arguments).data(),
+                                   Pointers(variables).data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) {
+        std::fprintf(stderr, "cannot start %s: %s\n", argv[0].c_str(), strerror(error));
+        std::abort();
+    }
+    close(input[0]);
+    close(output[1]);
+    mInput = input[1];
+    mOutput = output[0];
+    mReader = std::thread([this] { ReadOutput(); });
+}
+
+ChildProcess::~ChildProcess() {
+    Kill();
+    mReader.join();
+    CloseInput();
+    close(mOutput);
+}
+
+void ChildProcess::ReadOutput() {
+    char buffer[4096];
+    ssize_t n;
+    while ((n = read(mOutput, buffer, sizeof(buffer))) > 0) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mText.append(buffer, static_cast<size_t>(n));
+    }
+}
+
+std::string ChildProcess::Output() const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mText;
+}
+
+bool ChildProcess::WaitForOutput(const std::string& text, std::chrono::milliseconds patience) const {
+    return WaitFor([&] { return Output().find(text) != std::string::npos; }, patience);
+}
+
+void ChildProcess::Write(const std::string& text) {
+    if (write(mInput, text.data(), text.size()) != static_cast<ssize_t>(text.size())) std::perror("write to child");
+}
+
+void ChildProcess::CloseInput() {
+    if (mInput >= 0) close(mInput);
+    mInput = -1;
+}
+
+void ChildProcess::Signal(int signal) {
+    if (!mExit) kill(mPid, signal);
+}
+
+std::optional<int> ChildProcess::WaitForExit(std::chrono::milliseconds patience) {
+    WaitFor(
+        [this] {
+            int status = 0;
+            if (!mExit && waitpid(mPid, &status, WNOHANG) == mPid) {
+                mExit = WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+            }
+            return mExit.has_value();
+        },
+        patience);
+    return mExit;
+}
+
+void ChildProcess::Kill() {
+    Signal(SIGKILL);
+    WaitForExit();
+}
+
+}  // namespace hbbtv::test
