@@ -1,6 +1,7 @@
 #include "child_process.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -50,8 +51,8 @@ ChildProcess::ChildProcess(const std::vector<std::string>& argv, const std::vect
     posix_spawn_file_actions_adddup2(&actions, output[1], STDERR_FILENO);
     std::vector<std::string> arguments = argv;
     std::vector<std::string> variables = EnvironmentWith(environment);
-    const int error = posix_spawnp(&mPid, argv[0].c_str(), &actions, nullptr, Pointers(arguments).data(),
-                                   Pointers(variables).data());
+    const int error =
+        posix_spawnp(&mPid, argv[0].c_str(), &actions, nullptr, Pointers(arguments).data(), Pointers(variables).data());
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0) {
         std::fprintf(stderr, "cannot start %s: %s\n", argv[0].c_str(), strerror(error));
@@ -66,18 +67,25 @@ ChildProcess::ChildProcess(const std::vector<std::string>& argv, const std::vect
 
 ChildProcess::~ChildProcess() {
     Kill();
+    mStop = true;
     mReader.join();
     CloseInput();
     close(mOutput);
 }
 
+// Ends with the output's last writer, which may be a child of the child, or when the object goes.
 void ChildProcess::ReadOutput() {
+    constexpr int kLookAtStopMs = 20;
     char buffer[4096];
-    ssize_t n;
-    while ((n = read(mOutput, buffer, sizeof(buffer))) > 0) {
+    while (!mStop) {
+        pollfd ready{mOutput, POLLIN, 0};
+        if (poll(&ready, 1, kLookAtStopMs) <= 0) continue;
+        const ssize_t n = read(mOutput, buffer, sizeof(buffer));
+        if (n <= 0) break;
         std::lock_guard<std::mutex> lock(mMutex);
         mText.append(buffer, static_cast<size_t>(n));
     }
+    mAllRead = true;
 }
 
 std::string ChildProcess::Output() const {
@@ -112,12 +120,13 @@ std::optional<int> ChildProcess::WaitForExit(std::chrono::milliseconds patience)
             return mExit.has_value();
         },
         patience);
+    if (mExit) WaitFor([this] { return mAllRead.load(); }, patience);
     return mExit;
 }
 
 void ChildProcess::Kill() {
     Signal(SIGKILL);
-    WaitForExit();
+    WaitForExit(std::chrono::seconds(1));
 }
 
 }  // namespace hbbtv::test

@@ -2,6 +2,7 @@
 // killed and reaped at the latest when the object goes.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <mutex>
 #include <optional>
@@ -35,8 +36,8 @@ class ChildProcess {
 
     void Signal(int signal);
 
-    // Waits for its end: the exit code, or minus the signal that ended it, or nothing when it still runs. All output
-    // is in Output() by then.
+    // Waits for its end and for the rest of its output: the exit code, or minus the signal that ended it, or nothing
+    // when it still runs.
     std::optional<int> WaitForExit(std::chrono::milliseconds patience = kPatience);
 
     // SIGKILL, and wait.
@@ -51,6 +52,8 @@ class ChildProcess {
     std::optional<int> mExit;
     mutable std::mutex mMutex;
     std::string mText;  // guarded by mMutex
+    std::atomic<bool> mStop{false};
+    std::atomic<bool> mAllRead{false};
     std::thread mReader;
 };
 
