@@ -1,0 +1,140 @@
+#include "ipc/socket/tolm_ipc_internal_socket.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "ipc/tolm_log.h"
+
+namespace tolm {
+
+namespace {
+
+constexpr size_t kChunk = 1024;
+
+struct Free {
+    void operator()(void* block) const { free(block); }
+};
+
+// A signal is no reason to lose one's place in the stream.
+ssize_t Receive(int fd, void* to, size_t size) {
+    ssize_t n;
+    do {
+        n = recvfrom(fd, to, size, MSG_WAITALL, nullptr, nullptr);
+    } while (n < 0 && errno == EINTR);
+    return n;
+}
+
+void PeerClosed(bool& alive) {
+    alive = false;
+    TOLM_SOCKET_LOG(ANDROID_LOG_WARN, "peer closed!");
+}
+
+// The announced size is any number that a peer likes to write, and a vector that cannot grow ends the process. So
+// malloc is asked first; volatile, since compilers leave out an allocation that nobody uses.
+bool Reserve(std::vector<unsigned char>& payload, size_t capacity) {
+    if (payload.capacity() >= capacity) return true;
+    void* volatile probe = malloc(capacity);
+    const bool possible = probe != nullptr;
+    free(probe);
+    if (possible) payload.reserve(capacity);
+    return possible;
+}
+
+bool ReceiveHeader(int fd, TolmIpcSocketMsgHeader& header, bool& alive) {
+    auto* bytes = reinterpret_cast<unsigned char*>(&header);
+    size_t received = 0;
+    while (received < sizeof(header)) {
+        const ssize_t n = Receive(fd, bytes + received, sizeof(header) - received);
+        if (n == 0) {
+            PeerClosed(alive);
+            return false;
+        }
+        if (n < 0) {
+            // The full-width colon is in the text that log filters on the device look for.
+            TOLM_SOCKET_LOG(ANDROID_LOG_WARN, "Recv Error：:%s", strerror(errno));
+            return false;
+        }
+        received += static_cast<size_t>(n);
+    }
+    return true;
+}
+
+}  // namespace
+
+bool SendInternalSocket(int fd, int port, TolmIpcMessageType type, const std::vector<unsigned char>& payload,
+                        bool& alive) {
+    const TolmIpcSocketMsgHeader header{static_cast<uint32_t>(payload.size()), type, port};
+    size_t remaining = sizeof(header) + payload.size();
+    const std::unique_ptr<unsigned char, Free> message(static_cast<unsigned char*>(malloc(remaining)));
+    if (message == nullptr) {
+        TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "malloc error");
+        return false;
+    }
+    memcpy(message.get(), &header, sizeof(header));
+    if (!payload.empty()) memcpy(message.get() + sizeof(header), payload.data(), payload.size());
+
+    const unsigned char* next = message.get();
+    while (remaining > 0) {
+        const ssize_t n = sendto(fd, next, std::min(remaining, kChunk), MSG_NOSIGNAL, nullptr, 0);
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            if (errno == EPIPE) {
+                PeerClosed(alive);
+            } else {
+                TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Send Error: %s", strerror(errno));
+            }
+            return false;
+        }
+        next += n;
+        remaining -= static_cast<size_t>(n);
+    }
+    return true;
+}
+
+bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsigned char>& payload, bool& alive) {
+    if (!ReceiveHeader(fd, header, alive)) return false;
+    if (header.size == 0) {
+        PeerClosed(alive);
+        return false;
+    }
+    if (!Reserve(payload, payload.size() + header.size)) {
+        alive = false;
+        TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "malloc error");
+        return false;
+    }
+    unsigned char chunk[kChunk] = {};
+    size_t remaining = header.size;
+    while (remaining > 0) {
+        const ssize_t n = Receive(fd, chunk, std::min(remaining, kChunk));
+        if (n == 0) {
+            PeerClosed(alive);
+            return false;
+        }
+        if (n < 0) {
+            TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Recv Error: %s", strerror(errno));
+            return false;
+        }
+        payload.insert(payload.end(), chunk, chunk + n);
+        remaining -= static_cast<size_t>(n);
+    }
+    return true;
+}
+
+sockaddr_un SocketAddress(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    strncpy(address.sun_path, path.c_str(), sizeof(address.sun_path) - 1);
+    return address;
+}
+
+void CloseSocket(int fd) {
+    if (fd >= 0) close(fd);
+}
+
+}  // namespace tolm

@@ -1,0 +1,163 @@
+#include "ipc/socket/tolm_ipc_server_socket.h"
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ipc/socket/tolm_ipc_internal_socket.h"
+#include "ipc/tolm_ipc_key_converter.h"
+#include "ipc/tolm_log.h"
+
+namespace tolm {
+
+namespace {
+
+constexpr int kBacklog = 100;
+
+}  // namespace
+
+TolmIpcServerSocket::TolmIpcServerSocket(TolmIpcKeyId key, TolmIpcServerDelegate* delegate) : mDelegate(delegate) {
+    const std::string& name = TolmIpcKeyConverter::GetInstance()->GetSocketName(key);
+    const std::string path = GetSocketFilePath(name);
+    TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "socket_name:%s, socket_path:%s", name.c_str(), path.c_str());
+    Listen(path);
+}
+
+void TolmIpcServerSocket::Listen(const std::string& path) {
+    if (unlink(path.c_str()) != 0 && errno != ENOENT) {
+        TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "server unlink file Error: %s", strerror(errno));
+    }
+    mListenFd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (mListenFd < 0) {
+        TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "server socket fd is negative, Error: %s", strerror(errno));
+        return;
+    }
+    const sockaddr_un address = SocketAddress(path);
+    if (bind(mListenFd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+        TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Bind Error: %s", strerror(errno));
+        return;
+    }
+    if (listen(mListenFd, kBacklog) != 0) {
+        TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Listen Error: %s", strerror(errno));
+        return;
+    }
+    if (chmod(path.c_str(), 0777) != 0) {
+        TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "chmod is negative, Error: %s", strerror(errno));
+    }
+}
+
+TolmIpcServerSocket::~TolmIpcServerSocket() {
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mRunning = false;
+        // A shut down socket wakes the thread that waits in accept or in a read. Nothing is closed while a thread may
+        // still use its number.
+        shutdown(mListenFd, SHUT_RDWR);
+        for (const Connection& connection : mConnections) shutdown(connection.fd, SHUT_RDWR);
+    }
+    mChanged.notify_all();
+    mAcceptThread.Join();
+    CloseSocket(mListenFd);
+    std::unique_lock<std::mutex> lock(mMutex);
+    mChanged.wait(lock, [this] { return mConnections.empty(); });
+    mEnded.Join();
+}
+
+void TolmIpcServerSocket::Start() {
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        if (mRunning) return;
+        mRunning = true;
+    }
+    if (!mAcceptThread.Start([this] { Run(); })) {
+        TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "thread error");
+    }
+}
+
+bool TolmIpcServerSocket::Running() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mRunning;
+}
+
+void TolmIpcServerSocket::Run() {
+    int failures = 0;
+    while (Running()) {
+        sockaddr_un peer{};
+        socklen_t length = sizeof(peer);
+        const int fd = accept4(mListenFd, reinterpret_cast<sockaddr*>(&peer), &length, SOCK_CLOEXEC);
+        if (fd >= 0) {
+            failures = 0;
+            StartConnection(fd, peer);
+        } else if (Running()) {
+            TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "accept Error: %s", strerror(errno));
+            PauseAfterFailures(++failures);
+        }
+    }
+}
+
+// Accepting goes on at once after a failure. A failure that stays (no descriptors left, a socket that could not be
+// bound) must not fill the log and a processor for ever, so a long run of them is slowed down.
+void TolmIpcServerSocket::PauseAfterFailures(int failures) {
+    constexpr int kAtOnce = 100;
+    constexpr std::chrono::milliseconds kPause{100};
+    if (failures < kAtOnce) return;
+    std::unique_lock<std::mutex> lock(mMutex);
+    mChanged.wait_for(lock, kPause, [this] { return !mRunning; });
+}
+
+void TolmIpcServerSocket::StartConnection(int fd, const sockaddr_un& peer) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    const auto connection = mConnections.insert(mConnections.end(), Connection{fd, {}});
+    // The new thread cannot end before its own handle is stored: for that it needs the mutex.
+    const bool started = mRunning && connection->thread.Start([this, connection, fd, peer] {
+        OnRecv(fd, peer);
+        EndConnection(connection);
+    });
+    if (started) return;
+    if (mRunning) TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "thread error");
+    CloseSocket(fd);
+    mConnections.erase(connection);
+}
+
+void TolmIpcServerSocket::OnRecv(int fd, sockaddr_un) {
+    bool alive = true;
+    std::vector<unsigned char> payload;
+    while (Running()) {
+        // A message whose header came is handed on even when reading its payload failed, with what has come of it: the
+        // JSON layer says what is wrong with it.
+        TolmIpcSocketMsgHeader header{};
+        RecvInternalSocket(fd, header, payload, alive);
+        if (!alive) break;
+        if (header.type == TOLM_IPC_MSG_SYNC) {
+            std::vector<unsigned char> reply;
+            mDelegate->OnRecvSync(payload, reply, header.port);
+            SendInternalSocket(fd, header.port, TOLM_IPC_MSG_REPLY, reply, alive);
+            if (!alive) break;
+        } else if (header.type == TOLM_IPC_MSG_ASYNC) {
+            mDelegate->OnRecv(payload, header.port);
+        }
+        payload.clear();
+    }
+}
+
+// The thread joins the one that ended before it and leaves itself to the next, so at most one is unjoined at any time.
+void TolmIpcServerSocket::EndConnection(Connections::iterator connection) {
+    TolmThread previous;
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        CloseSocket(connection->fd);
+        previous = std::exchange(mEnded, std::move(connection->thread));
+        mConnections.erase(connection);
+        mChanged.notify_all();
+    }
+    previous.Join();
+}
+
+}  // namespace tolm

@@ -1,0 +1,59 @@
+// The IPC server over a Unix-domain stream socket: one thread that accepts, one thread per connection.
+#pragma once
+
+#include <sys/un.h>
+
+#include <condition_variable>
+#include <list>
+#include <mutex>
+
+#include "ipc/tolm_ipc_server.h"
+#include "ipc/tolm_ipc_types.h"
+#include "ipc/tolm_thread.h"
+
+namespace tolm {
+
+class TolmIpcServerSocket : public TolmIpcServer {
+  public:
+    // Creates the key's socket file, replacing an old one, and listens on it. What fails is logged; the server can be
+    // started all the same, and its accept calls then fail.
+    TolmIpcServerSocket(TolmIpcKeyId key, TolmIpcServerDelegate* delegate);
+
+    // Ends all connections and joins all threads. A delegate that runs is waited for.
+    ~TolmIpcServerSocket() override;
+
+    // Starts accepting. Once.
+    void Start() override;
+
+  private:
+    struct Connection {
+        int fd;
+        TolmThread thread;
+    };
+    using Connections = std::list<Connection>;
+
+    void Listen(const std::string& path);
+
+    // The accept thread.
+    void Run();
+    void StartConnection(int fd, const sockaddr_un& peer);
+    void PauseAfterFailures(int failures);
+
+    // A connection thread; the peer's address is of no use.
+    void OnRecv(int fd, sockaddr_un peer);
+    void EndConnection(Connections::iterator connection);
+
+    bool Running();
+
+    int mListenFd = -1;
+    TolmIpcServerDelegate* const mDelegate;
+    TolmThread mAcceptThread;
+
+    std::mutex mMutex;
+    std::condition_variable mChanged;  // mRunning became false, or a connection ended
+    bool mRunning = false;             // guarded by mMutex
+    Connections mConnections;          // guarded by mMutex
+    TolmThread mEnded;                 // guarded by mMutex; joined by the next thread that ends, or by the destructor
+};
+
+}  // namespace tolm

@@ -1,0 +1,169 @@
+#include "ipc/src/tolm_adaptor_call.h"
+
+#include "ipc/src/tolm_hbbtv_ipc_tools.h"
+#include "ipc/src/tolm_json_text.h"
+#include "ipc/tolm_log.h"
+
+namespace tolm {
+
+namespace {
+
+Member MemberOf(const char* key, Member::Kind kind) {
+    Member member{};
+    member.key = key;
+    member.kind = kind;
+    return member;
+}
+
+void Add(const Member& member, Json::Value& object) {
+    Json::Value& value = object[Json::StaticString(member.key)];
+    switch (member.kind) {
+        case Member::Kind::kInt:
+            value = member.asInt;
+            break;
+        case Member::Kind::kUInt:
+            value = member.asUInt;
+            break;
+        case Member::Kind::kBool:
+            value = member.asBool;
+            break;
+        case Member::Kind::kReal:
+            value = member.asReal;
+            break;
+        case Member::Kind::kText:
+            value = *member.asText;
+            break;
+        case Member::Kind::kPointer:
+            TolmHbbtvIpcTools::AddPointerValue(member.asPointer, member.key, object);
+            break;
+    }
+}
+
+Json::Value Request(const Family& family, const Method& method, std::initializer_list<Member> members) {
+    Json::Value request(Json::objectValue);
+    request[Json::StaticString("type")] = family.type;
+    request[Json::StaticString("method")] = method.code;
+    for (const Member& member : members) Add(member, request);
+    return request;
+}
+
+}  // namespace
+
+Member Int(const char* key, int value) {
+    Member member = MemberOf(key, Member::Kind::kInt);
+    member.asInt = value;
+    return member;
+}
+
+Member UInt(const char* key, unsigned value) {
+    Member member = MemberOf(key, Member::Kind::kUInt);
+    member.asUInt = value;
+    return member;
+}
+
+Member Bool(const char* key, bool value) {
+    Member member = MemberOf(key, Member::Kind::kBool);
+    member.asBool = value;
+    return member;
+}
+
+Member Real(const char* key, double value) {
+    Member member = MemberOf(key, Member::Kind::kReal);
+    member.asReal = value;
+    return member;
+}
+
+Member Text(const char* key, const std::string& value) {
+    Member member = MemberOf(key, Member::Kind::kText);
+    member.asText = &value;
+    return member;
+}
+
+Member Pointer(const char* key, const void* value) {
+    Member member = MemberOf(key, Member::Kind::kPointer);
+    member.asPointer = value;
+    return member;
+}
+
+Target ToInt(const char* key, int& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<int*>(out) = ReadInt(object, k);
+                return true;
+            }};
+}
+
+Target ToUInt(const char* key, unsigned& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<unsigned*>(out) = ReadUInt(object, k);
+                return true;
+            }};
+}
+
+Target ToUInt64(const char* key, uint64_t& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<uint64_t*>(out) = ReadUInt64(object, k);
+                return true;
+            }};
+}
+
+Target ToBool(const char* key, bool& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<bool*>(out) = ReadBool(object, k);
+                return true;
+            }};
+}
+
+Target ToReal(const char* key, double& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<double*>(out) = ReadReal(object, k);
+                return true;
+            }};
+}
+
+Target ToText(const char* key, std::string& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<std::string*>(out) = ReadText(object, k);
+                return true;
+            }};
+}
+
+Target ToPointer(const char* key, void*& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                return TolmHbbtvIpcTools::ParsePointerValue(object, k, static_cast<void**>(out)) == 0;
+            }};
+}
+
+bool Read(const Json::Value& object, std::initializer_list<Target> targets) {
+    bool all = true;
+    for (const Target& target : targets) all = target.read(object, target.key, target.to) && all;
+    return all;
+}
+
+int Call(TolmBaseClient& client, const Family& family, const Method& method, std::initializer_list<Member> request,
+         std::initializer_list<Target> results) {
+    LogEnter(family.tag, method);
+    Json::Value reply;
+    int status = client.SendIpc(Request(family, method, request), reply);
+    if (status == 0 && !Read(reply, results)) status = -1;
+    LogLeave(family.tag, method);
+    return status;
+}
+
+int Post(TolmBaseClient& client, const Family& family, const Method& method, std::initializer_list<Member> request) {
+    LogEnter(family.tag, method);
+    const int status = client.SendIpcWithNoRet(Request(family, method, request));
+    LogLeave(family.tag, method);
+    return status;
+}
+
+void LogEnter(const char* tag, const Method& place) {
+    __android_log_print(ANDROID_LOG_VERBOSE, tag, "[tolm](%s:%d) %s: ENTER", LogFileName(place.file), place.line,
+                        place.operation);
+}
+
+void LogLeave(const char* tag, const Method& place) {
+    __android_log_print(ANDROID_LOG_VERBOSE, tag, "[tolm](%s:%d) %s: LEAVE", LogFileName(place.file), place.line,
+                        place.operation);
+}
+
+}  // namespace tolm

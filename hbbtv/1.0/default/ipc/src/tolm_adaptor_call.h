@@ -1,0 +1,102 @@
+// The words in which an adaptor writes the rows of its wire table, and the one function that carries a row out.
+//
+//     int TolmVideoBroadcastAdaptorIpc::GetVolume(const void* vb, unsigned& volume) {
+//         return Call(16, {Pointer("vb_handle", vb)}, {ToUInt("volume", volume)});
+//     }
+//
+// Keys are literals. Nothing is converted on the way: the word says the JSON type, and an argument of another type does
+// not compile.
+#pragma once
+
+#include <json/json.h>
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+
+#include "ipc/src/tolm_base_client.h"
+
+namespace tolm {
+
+// What the requests of a family have in common.
+struct Family {
+    const char* tag;  // of its log lines
+    int type;         // the member "type" of each request
+};
+
+// An operation: its code on the wire, and for the log lines its name and place, which come from where the code stands.
+struct Method {
+    Method(int theCode, const char* theFile = __builtin_FILE(), int theLine = __builtin_LINE(),
+           const char* theOperation = __builtin_FUNCTION())
+        : code(theCode), file(theFile), line(theLine), operation(theOperation) {}
+
+    int code;
+    const char* file;
+    int line;
+    const char* operation;
+};
+
+// A member of a request. Lives as long as the expression it stands in: texts are not copied.
+struct Member {
+    enum class Kind { kInt, kUInt, kBool, kReal, kText, kPointer };
+
+    const char* key;
+    Kind kind;
+    union {
+        int asInt;
+        unsigned asUInt;
+        bool asBool;
+        double asReal;
+        const std::string* asText;
+        const void* asPointer;
+    };
+};
+
+Member Int(const char* key, int value);
+Member UInt(const char* key, unsigned value);
+Member Bool(const char* key, bool value);
+Member Real(const char* key, double value);
+Member Text(const char* key, const std::string& value);
+Member Pointer(const char* key, const void* value);
+template <typename T>
+Member Int(const char* key, T value) = delete;
+template <typename T>
+Member UInt(const char* key, T value) = delete;
+template <typename T>
+Member Bool(const char* key, T value) = delete;
+template <typename T>
+Member Real(const char* key, T value) = delete;
+
+// A member of a reply or an event and the variable that it is read into. All but a pointer are read leniently: a member
+// that is missing or cannot be converted gives 0, false or "". A pointer that is no text fails, and its variable keeps
+// its value; null is the empty text.
+struct Target {
+    const char* key;
+    void* to;
+    bool (*read)(const Json::Value& object, const char* key, void* to);
+};
+
+Target ToInt(const char* key, int& to);
+Target ToUInt(const char* key, unsigned& to);
+Target ToUInt64(const char* key, uint64_t& to);
+Target ToBool(const char* key, bool& to);
+Target ToReal(const char* key, double& to);
+Target ToText(const char* key, std::string& to);
+Target ToPointer(const char* key, void*& to);
+
+// Reads all targets: whether none failed.
+bool Read(const Json::Value& object, std::initializer_list<Target> targets);
+
+// Carries out an operation: logs ENTER and LEAVE, sends the request and waits for the reply. The status is the
+// platform's "ret", or -1 when there was no proper reply or a result failed. Results are read only on status 0.
+int Call(TolmBaseClient& client, const Family& family, const Method& method, std::initializer_list<Member> request,
+         std::initializer_list<Target> results = {});
+
+// The same for an operation without a reply: 0 when it was written.
+int Post(TolmBaseClient& client, const Family& family, const Method& method, std::initializer_list<Member> request);
+
+// The ENTER and LEAVE lines around an operation or handler that is not in the table.
+void LogEnter(const char* tag, const Method& place);
+void LogLeave(const char* tag, const Method& place);
+
+}  // namespace tolm

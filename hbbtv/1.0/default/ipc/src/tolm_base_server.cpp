@@ -1,0 +1,55 @@
+#include "ipc/src/tolm_base_server.h"
+
+#include "ipc/src/tolm_hbbtv_ipc_server_delegate_mgr.h"
+#include "ipc/src/tolm_json_text.h"
+#include "ipc/tolm_log.h"
+
+namespace {
+
+constexpr char kTag[] = "[ipc_base]";
+
+// Whether a message is a JSON object.
+bool ParseMessage(const std::vector<unsigned char>& msg, Json::Value& document) {
+    if (tolm::ParseJson(msg, document) && document.isObject()) return true;
+    TOLM_LOG(ANDROID_LOG_WARN, kTag, "Ipc2Json failed");
+    return false;
+}
+
+}  // namespace
+
+TolmBaseServer::TolmBaseServer(TolmIpcKeyId key, int port) : mKey(key), mPort(port) {}
+
+TolmBaseServer::~TolmBaseServer() {
+    Stop();
+}
+
+bool TolmBaseServer::Start() {
+    TolmHbbtvIpcServerDelegateMgr::Get().CreateIpcServer(mKey, mPort, this);
+    return true;
+}
+
+void TolmBaseServer::Stop() {
+    TolmHbbtvIpcServerDelegateMgr::Get().DeleteIpcServer(mKey, mPort);
+}
+
+void TolmBaseServer::OnRecv(const std::vector<unsigned char>& msg, int port) {
+    Json::Value document;
+    if (!ParseMessage(msg, document)) return;
+    if (tolm::LogEnabled(ANDROID_LOG_DEBUG, kTag)) {
+        TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "recv msg:%s in m_ipc_id(%x) port(%d)", document.toStyledString().c_str(),
+                 mKey, port);
+    }
+    ReceiveIpc(document);
+}
+
+void TolmBaseServer::OnRecvSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply, int port) {
+    Json::Value document;
+    if (!ParseMessage(msg, document)) return;
+    Json::Value out;
+    ReceiveIpc(document, out);
+    reply = tolm::ToStyledBytes(out);
+    if (tolm::LogEnabled(ANDROID_LOG_DEBUG, kTag)) {
+        TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "recv msg:%s and out_msg:%s in m_ipc_id(%x) port(%d)",
+                 document.toStyledString().c_str(), out.toStyledString().c_str(), mKey, port);
+    }
+}

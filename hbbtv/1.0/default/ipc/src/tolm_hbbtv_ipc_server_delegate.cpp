@@ -1,0 +1,57 @@
+#include "ipc/src/tolm_hbbtv_ipc_server_delegate.h"
+
+#include "ipc/tolm_ipc_factory.h"
+#include "ipc/tolm_log.h"
+
+namespace {
+
+constexpr char kTag[] = "[ipc_base]";
+
+}  // namespace
+
+TolmHbbtvIpcServerDelegate::TolmHbbtvIpcServerDelegate(TolmIpcKeyId key)
+    : mKey(key), mServer(tolm::TolmIpcFactory::GetInstance()->CreateIpcServer(key, this, TOLM_IPC_TYPE_SOCKET)) {
+    mServer->Start();
+}
+
+TolmHbbtvIpcServerDelegate::~TolmHbbtvIpcServerDelegate() {
+    mServer.reset();
+}
+
+void TolmHbbtvIpcServerDelegate::RegisterIpcServerDelegate(int port, tolm::TolmIpcServerDelegate* receiver) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (!mReceivers.emplace(port, receiver).second) {
+        TOLM_LOG(ANDROID_LOG_ERROR, kTag, "ipc server start in channel(%x) port(%d) repeatedly ", mKey, port);
+        return;
+    }
+    TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "ipc server start success in channel(%x) port(%d)", mKey, port);
+}
+
+void TolmHbbtvIpcServerDelegate::UnRegisterIpcServerDelegate(int port) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mReceivers.erase(port) == 0) return;
+    TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "ipc server stop success in channel(%x) port(%d)", mKey, port);
+}
+
+tolm::TolmIpcServerDelegate* TolmHbbtvIpcServerDelegate::FindLocked(int port) {
+    const auto found = mReceivers.find(port);
+    if (found != mReceivers.end() && found->second != nullptr) return found->second;
+    TOLM_LOG(ANDROID_LOG_WARN, kTag, "channel(%x) port(%d): no receiver", mKey, port);
+    return nullptr;
+}
+
+void TolmHbbtvIpcServerDelegate::OnRecv(const std::vector<unsigned char>& msg, int port) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (tolm::TolmIpcServerDelegate* receiver = FindLocked(port)) receiver->OnRecv(msg, port);
+}
+
+void TolmHbbtvIpcServerDelegate::OnRecvSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply,
+                                            int port) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (tolm::TolmIpcServerDelegate* receiver = FindLocked(port)) receiver->OnRecvSync(msg, reply, port);
+}
+
+size_t TolmHbbtvIpcServerDelegate::GetNum() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mReceivers.size();
+}

@@ -1,0 +1,27 @@
+// All endpoints that this process serves: creates the server of a key with its first receiver and ends it with its
+// last.
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+
+#include "ipc/src/tolm_hbbtv_ipc_server_delegate.h"
+
+// Any thread, but no receiver's handler.
+class TolmHbbtvIpcServerDelegateMgr {
+  public:
+    // Destroyed when the process exits, which ends all servers.
+    static TolmHbbtvIpcServerDelegateMgr& Get();
+
+    void CreateIpcServer(TolmIpcKeyId key, int port, tolm::TolmIpcServerDelegate* receiver);
+
+    // When it returns, the receiver is called no more.
+    void DeleteIpcServer(TolmIpcKeyId key, int port);
+
+  private:
+    TolmHbbtvIpcServerDelegateMgr() = default;
+
+    std::mutex mMutex;  // taken before that of a demultiplexer
+    std::unordered_map<TolmIpcKeyId, std::shared_ptr<TolmHbbtvIpcServerDelegate>> mServers;  // guarded by mMutex
+};

@@ -1,0 +1,153 @@
+#include "ipc/src/tolm_json_text.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <ostream>
+#include <streambuf>
+
+namespace tolm {
+
+namespace {
+
+// Appends what is written to it to a vector.
+class ByteSink : public std::streambuf {
+  public:
+    void WriteTo(std::vector<unsigned char>* bytes) { mBytes = bytes; }
+
+  private:
+    int_type overflow(int_type c) override {
+        mBytes->push_back(static_cast<unsigned char>(c));
+        return c;
+    }
+
+    std::streamsize xsputn(const char* text, std::streamsize size) override {
+        mBytes->insert(mBytes->end(), text, text + size);
+        return size;
+    }
+
+    std::vector<unsigned char>* mBytes = nullptr;
+};
+
+// Making a writer costs as much as writing a small message, so each thread keeps one.
+class StyledWriter {
+  public:
+    StyledWriter() : mWriter(Json::StreamWriterBuilder().newStreamWriter()), mStream(&mSink) {}
+
+    void Write(const Json::Value& document, std::vector<unsigned char>& bytes) {
+        mSink.WriteTo(&bytes);
+        if (document.hasComment(Json::commentBefore)) mStream << '\n';
+        mWriter->write(document, &mStream);
+        mStream << '\n';
+    }
+
+  private:
+    const std::unique_ptr<Json::StreamWriter> mWriter;
+    ByteSink mSink;
+    std::ostream mStream;
+};
+
+// Follows the brackets of a text, without regard to whether it is JSON otherwise.
+class DepthCheck {
+  public:
+    // Whether no value lies too deep.
+    bool Run(const char* begin, const char* end) {
+        // Nearly all texts have too few brackets to be too deep.
+        if (std::count(begin, end, '[') + std::count(begin, end, '{') < kMaxJsonDepth) return true;
+        for (const char* c = begin; c != end; ++c) {
+            if (*c == '"') {
+                c = EndOfString(c, end);
+            } else if (*c == '/' && end - c > 1 && (c[1] == '/' || c[1] == '*')) {
+                c = EndOfComment(c, end);
+                if (c == end) return true;
+                continue;
+            } else if (*c == ']' || *c == '}') {
+                --mDepth;
+                continue;
+            } else if (!IsValue(*c)) {
+                continue;
+            }
+            if (mDepth >= kMaxJsonDepth) return false;
+            if (c == end) return true;
+            if (*c == '[' || *c == '{') ++mDepth;
+        }
+        return true;
+    }
+
+  private:
+    static bool IsValue(char c) { return strchr(" \t\r\n,:", c) == nullptr; }
+
+    static const char* EndOfString(const char* c, const char* end) {
+        for (++c; c != end && *c != '"'; ++c) {
+            if (*c == '\\' && c + 1 != end) ++c;
+        }
+        return c;
+    }
+
+    static const char* EndOfComment(const char* c, const char* end) {
+        const bool block = c[1] == '*';
+        for (c += 2; c != end; ++c) {
+            if (!block && (*c == '\n' || *c == '\r')) return c;
+            if (block && *c == '*' && c + 1 != end && c[1] == '/') return c + 1;
+        }
+        return end;
+    }
+
+    int mDepth = 0;
+};
+
+const Json::Value& Member(const Json::Value& object, const char* key) {
+    const Json::Value* member = object.isObject() ? object.find(key, key + strlen(key)) : nullptr;
+    return member != nullptr ? *member : Json::Value::nullSingleton();
+}
+
+}  // namespace
+
+std::vector<unsigned char> ToStyledBytes(const Json::Value& document) {
+    static thread_local StyledWriter writer;
+    std::vector<unsigned char> bytes;
+    writer.Write(document, bytes);
+    return bytes;
+}
+
+bool ParseJson(const std::vector<unsigned char>& bytes, Json::Value& document) {
+    static thread_local Json::Reader reader;
+    if (bytes.size() > kMaxJsonBytes) return false;
+    const char* text = reinterpret_cast<const char*>(bytes.data());
+    return DepthCheck().Run(text, text + bytes.size()) && reader.parse(text, text + bytes.size(), document, true);
+}
+
+int ReadInt(const Json::Value& object, const char* key) {
+    const Json::Value& member = Member(object, key);
+    return member.isConvertibleTo(Json::intValue) ? member.asInt() : 0;
+}
+
+unsigned ReadUInt(const Json::Value& object, const char* key) {
+    const Json::Value& member = Member(object, key);
+    return member.isConvertibleTo(Json::uintValue) ? member.asUInt() : 0;
+}
+
+Json::UInt64 ReadUInt64(const Json::Value& object, const char* key) {
+    constexpr double kTwoTo64 = 18446744073709551616.0;
+    const Json::Value& member = Member(object, key);
+    const bool convertible = member.isUInt64() || member.isBool() ||
+                             (member.isDouble() && member.asDouble() >= 0 && member.asDouble() < kTwoTo64);
+    return convertible ? member.asLargestUInt() : 0;
+}
+
+bool ReadBool(const Json::Value& object, const char* key) {
+    const Json::Value& member = Member(object, key);
+    return member.isConvertibleTo(Json::booleanValue) && member.asBool();
+}
+
+double ReadReal(const Json::Value& object, const char* key) {
+    const Json::Value& member = Member(object, key);
+    return member.isConvertibleTo(Json::realValue) ? member.asDouble() : 0;
+}
+
+std::string ReadText(const Json::Value& object, const char* key) {
+    const Json::Value& member = Member(object, key);
+    return member.isConvertibleTo(Json::stringValue) ? member.asString() : std::string();
+}
+
+}  // namespace tolm
