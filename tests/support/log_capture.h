@@ -1,0 +1,48 @@
+// The log lines of the code under test. A program that uses it replaces liblog's __android_log_print and
+// __android_log_is_loggable by those of log_capture.cpp.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "wait_for.h"
+
+namespace hbbtv::test {
+
+struct LogLine {
+    int priority;  // ANDROID_LOG_...
+    std::string tag;
+    std::string text;  // all of it
+
+    // The parts of "[tolm](file:line) function: message". In a line of another form, the message is the whole text.
+    std::string file;
+    int line;
+    std::string function;
+    std::string message;
+};
+
+// Collects all lines of the process from its construction to its end; one at a time. Without one, lines are dropped.
+class LogCapture {
+  public:
+    // Lines below `minimum` count as filtered, like those that the log's settings drop on a device.
+    explicit LogCapture(int minimum = 2 /* ANDROID_LOG_VERBOSE */);
+    ~LogCapture();
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+
+    std::vector<LogLine> Lines() const;
+
+    // Lines of this priority, tag and message.
+    int Count(int priority, const std::string& tag, const std::string& message) const;
+
+    bool WaitForLine(int priority, const std::string& tag, const std::string& message) const {
+        return WaitFor([&] { return Count(priority, tag, message) > 0; });
+    }
+
+    // All lines, for the message of a failed assertion.
+    std::string Text() const;
+
+    void Clear();
+};
+
+}  // namespace hbbtv::test
