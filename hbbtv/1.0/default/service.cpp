@@ -1,0 +1,45 @@
+// The process that publishes the HIDL interfaces of this package. Their implementations are loaded from the library
+// vantorel.hardware.hbbtv@1.0-impl.
+
+#include <hidl/HidlTransportSupport.h>
+#include <hidl/LegacySupport.h>
+#include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
+
+#include <cstdio>
+
+using ::android::OK;
+using ::android::hardware::configureRpcThreadpool;
+using ::android::hardware::joinRpcThreadpool;
+using ::android::hardware::registerPassthroughServiceImplementation;
+
+namespace {
+
+// A family of the platform that stops answering keeps every thread that has called it, and the other families must go
+// on. A client waits in one call per thread of its own: four client processes (the browser, the television's menu, its
+// channel list, a test tool) with 15 threads each, as many as a binder pool has by default, may all hang there. That
+// leaves a thread for each of the 18 families. Threads are only made when they are needed.
+constexpr size_t kClientThreads = 4 * 15;
+constexpr size_t kFamilies = 18;
+constexpr size_t kThreads = kClientThreads + kFamilies;
+
+template <typename Interface>
+bool Publish() {
+    if (registerPassthroughServiceImplementation<Interface>() == OK) {
+        printf("serving %s/default\n", Interface::descriptor);
+        return true;
+    }
+    fprintf(stderr, "cannot serve %s/default: is vantorel.hardware.hbbtv@1.0-impl.so where libraries are looked for?\n",
+            Interface::descriptor);
+    return false;
+}
+
+}  // namespace
+
+int main() {
+    configureRpcThreadpool(kThreads, true /* callerWillJoin */);
+    const bool published = Publish<::vantorel::hardware::hbbtv::V1_0::IVideoBroadcast>();
+    fflush(stdout);
+    if (!published) return 1;
+    joinRpcThreadpool();
+    return 0;
+}

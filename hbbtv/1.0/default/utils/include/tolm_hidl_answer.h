@@ -1,0 +1,117 @@
+// How a service method reaches its adaptor and answers its caller. A method that only forwards is one statement:
+//
+//     Return<void> VideoBroadcast::GetVolume(int64_t vb, GetVolume_cb _hidl_cb) {
+//         return Answer(_hidl_cb, &Adaptor::GetVolume, Handle(vb));
+//     }
+//
+// The adaptor operation is called with the arguments and with value-initialised results; then the caller is answered,
+// exactly once: the HIDL stub ends the process for a second answer or a missing one.
+#pragma once
+
+#include <hidl/HidlSupport.h>
+#include <hidl/Status.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace vantorel::hardware::hbbtv::implementation {
+
+// The platform's pointer in a handle or context: its low 32 bits, on 64-bit builds too.
+inline void* Handle(int64_t handle) {
+    return reinterpret_cast<void*>(static_cast<uintptr_t>(static_cast<uint32_t>(handle)));
+}
+
+// A handle or context of the platform's pointer: the high half is zero.
+inline int64_t ToHandle(const void* pointer) {
+    return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pointer));
+}
+
+namespace details {
+
+// An argument of the client as the adaptor takes it.
+template <typename Parameter, typename Argument>
+Parameter ToAdaptor(const Argument& argument) {
+    static_assert(std::is_pointer_v<Parameter> == std::is_pointer_v<Argument>, "a handle needs Handle()");
+    if constexpr (std::is_enum_v<Argument>) {
+        return static_cast<std::underlying_type_t<Argument>>(argument);
+    } else {
+        return argument;
+    }
+}
+
+// A result of the adaptor as the client gets it. Texts and vectors stay where they are.
+template <typename Result>
+Result ToHidl(const void* pointer) {
+    return ToHandle(pointer);
+}
+
+template <typename Result>
+Result ToHidl(const std::string& text) {
+    ::android::hardware::hidl_string result;
+    result.setToExternal(text.c_str(), text.size());
+    return result;
+}
+
+template <typename Result, typename Element>
+Result ToHidl(std::vector<Element>& elements) {
+    Result result;
+    result.setToExternal(elements.data(), elements.size());
+    return result;
+}
+
+template <typename Result, typename Value, typename = std::enable_if_t<std::is_arithmetic_v<Value>>>
+Result ToHidl(const Value& value) {
+    return static_cast<Result>(value);
+}
+
+// Calls the operation with all of `values`: the arguments and, behind them, the results.
+template <typename Adaptor, typename... Parameters, typename Values>
+int CallAdaptor(int (Adaptor::*operation)(Parameters...), Values& values) {
+    Adaptor* adaptor = Adaptor::GetInstance();
+    if (adaptor == nullptr) return -1;
+    return std::apply([&](auto&... value) { return (adaptor->*operation)(value...); }, values);
+}
+
+// Copies the arguments to the front of `values`.
+template <typename Values, size_t... Index, typename... Arguments>
+void SetArguments(Values& values, std::index_sequence<Index...>, const Arguments&... arguments) {
+    ((std::get<Index>(values) = ToAdaptor<std::tuple_element_t<Index, Values>>(arguments)), ...);
+}
+
+// Answers with what stands behind the first `kFirst` of `values`.
+template <size_t kFirst, typename... Results, typename Values, size_t... Index>
+void AnswerWith(const std::function<void(int32_t, Results...)>& callback, int status, Values& values,
+                std::index_sequence<Index...>) {
+    callback(status, ToHidl<std::decay_t<Results>>(std::get<kFirst + Index>(values))...);
+}
+
+}  // namespace details
+
+// For methods with results: status first, then the results, which are zero when the adaptor did not write them.
+template <typename... Results, typename Adaptor, typename... Parameters, typename... Arguments>
+::android::hardware::Return<void> Answer(const std::function<void(int32_t, Results...)>& callback,
+                                         int (Adaptor::*operation)(Parameters...), const Arguments&... arguments) {
+    static_assert(sizeof...(Parameters) == sizeof...(Arguments) + sizeof...(Results),
+                  "the operation takes another number of arguments or gives another number of results");
+    std::tuple<std::decay_t<Parameters>...> values{};
+    details::SetArguments(values, std::index_sequence_for<Arguments...>(), arguments...);
+    const int status = details::CallAdaptor(operation, values);
+    details::AnswerWith<sizeof...(Arguments)>(callback, status, values, std::index_sequence_for<Results...>());
+    return ::android::hardware::Void();
+}
+
+// For methods whose only result is the status.
+template <typename Adaptor, typename... Parameters, typename... Arguments>
+::android::hardware::Return<int32_t> Status(int (Adaptor::*operation)(Parameters...), const Arguments&... arguments) {
+    static_assert(sizeof...(Parameters) == sizeof...(Arguments), "the operation takes another number of arguments");
+    std::tuple<std::decay_t<Parameters>...> values{};
+    details::SetArguments(values, std::index_sequence_for<Arguments...>(), arguments...);
+    return details::CallAdaptor(operation, values);
+}
+
+}  // namespace vantorel::hardware::hbbtv::implementation

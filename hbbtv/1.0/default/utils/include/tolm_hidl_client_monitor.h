@@ -1,0 +1,83 @@
+// What the services that have clients with callbacks share: the holder of the registered callback, and the watch over
+// its process.
+#pragma once
+
+#include <mutex>
+#include <utility>
+
+#include "utils/include/i_tolm_death_recipient.h"
+
+// The registered callback of a service, or null. `sp` itself bears no two threads; this does.
+template <typename Callback>
+class TolmClientHolder {
+  public:
+    android::sp<Callback> Get() const {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mCallback;
+    }
+
+    // Gives the callback that was held.
+    android::sp<Callback> Exchange(android::sp<Callback> callback) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return std::exchange(mCallback, std::move(callback));
+    }
+
+  private:
+    mutable std::mutex mMutex;
+    android::sp<Callback> mCallback;  // guarded by mMutex
+};
+
+// Base of such a service. Any thread.
+class TolmHidlClientMonitor : public ITolmHidlClientEvent {
+  public:
+    using IBase = android::hidl::base::V1_0::IBase;
+
+    // Begins to watch a client's process: its death comes by OnHidlClientDied(), once.
+    void StartMonitor(const android::sp<IBase>& cb);
+
+    // Ends that.
+    void StopMonitor(const android::sp<IBase>& cb);
+
+  protected:
+    // `tag` is that of the service's log lines.
+    explicit TolmHidlClientMonitor(const char* tag);
+    ~TolmHidlClientMonitor();
+
+    // Whether there is no living client: monitoring was stopped, or the client died.
+    bool ClientDied() const { return mRecipient->IsDied(); }
+
+    // Puts a callback into the holder, in place of another one, and watches it.
+    template <typename Callback>
+    void Hold(TolmClientHolder<Callback>& holder, const android::sp<Callback>& callback) {
+        std::lock_guard<std::mutex> lock(mRegistration);
+        Forget(holder.Exchange(callback));
+        StartMonitor(callback);
+    }
+
+    // Empties the holder and ends the watch.
+    template <typename Callback>
+    void Drop(TolmClientHolder<Callback>& holder) {
+        std::lock_guard<std::mutex> lock(mRegistration);
+        StopMonitor(holder.Get());
+        holder.Exchange(nullptr);
+    }
+
+    // The same if the holder still holds the client that died: whether it did.
+    template <typename Callback>
+    bool DropDead(TolmClientHolder<Callback>& holder, const android::wp<IBase>& who) {
+        std::lock_guard<std::mutex> lock(mRegistration);
+        const android::sp<Callback> held = holder.Get();
+        if (android::wp<IBase>(android::sp<IBase>(held)) != who) return false;
+        StopMonitor(held);
+        holder.Exchange(nullptr);
+        return true;
+    }
+
+  private:
+    // Ends the watch over a client that was replaced; null is none.
+    void Forget(const android::sp<IBase>& client);
+
+    const char* const mTag;
+    const android::sp<TolmHidlClientDeathRecipient> mRecipient;
+    std::mutex mRegistration;  // a holder and the watch over what it holds change together
+};

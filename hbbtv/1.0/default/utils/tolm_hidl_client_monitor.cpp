@@ -1,0 +1,40 @@
+#include "utils/include/tolm_hidl_client_monitor.h"
+
+#include <android/hidl/base/1.0/IBase.h>
+
+#include "ipc/tolm_log.h"
+
+TolmHidlClientMonitor::TolmHidlClientMonitor(const char* tag)
+    : mTag(tag), mRecipient(new TolmHidlClientDeathRecipient(this)) {}
+
+TolmHidlClientMonitor::~TolmHidlClientMonitor() {
+    mRecipient->Detach();
+}
+
+// A client that is dead already cannot be linked or unlinked; its notice comes all the same, or is not wanted. The
+// process ends when nobody looks at a transport that has failed, so isOk() is asked.
+void TolmHidlClientMonitor::StartMonitor(const android::sp<IBase>& cb) {
+    TOLM_LOG(ANDROID_LOG_INFO, mTag, "ClientDeathRecipient::StartMonitor");
+    mRecipient->Watch(cb);
+    if (cb != nullptr) {
+        (void)cb->linkToDeath(mRecipient, 0).isOk();
+    } else {
+        TOLM_LOG(ANDROID_LOG_ERROR, mTag, "cb is null");
+    }
+}
+
+void TolmHidlClientMonitor::StopMonitor(const android::sp<IBase>& cb) {
+    TOLM_LOG(ANDROID_LOG_INFO, mTag, "ClientDeathRecipient::StopMonitor");
+    mRecipient->SetDied(true);
+    if (cb != nullptr) {
+        Forget(cb);
+    } else {
+        TOLM_LOG(ANDROID_LOG_ERROR, mTag, "cb is null");
+    }
+}
+
+void TolmHidlClientMonitor::Forget(const android::sp<IBase>& client) {
+    if (client == nullptr) return;
+    mRecipient->Unwatch(client);
+    (void)client->unlinkToDeath(mRecipient).isOk();
+}

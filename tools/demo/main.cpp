@@ -1,0 +1,233 @@
+// hbbtv-demo: a client like the HbbTV browser, in a process of its own. It drives a video/broadcast object through the
+// service and shows what was asked, what came back and which events arrived. Meant for the simulated platform's default
+// line-up, by whose services it tunes.
+
+#include <hidl/HidlTransportSupport.h>
+#include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
+
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "event_log.h"
+#include "transcript.h"
+
+namespace hbbtv::demo {
+
+namespace {
+
+using android::sp;
+using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
+using vantorel::hardware::hbbtv::V1_0::TolmHbbtvAVComponentType;
+using vantorel::hardware::hbbtv::V1_0::TolmVBPlayState;
+
+constexpr std::chrono::seconds kPatience{10};
+constexpr int64_t kContext = 0xbeef;
+constexpr int64_t kPresenting = static_cast<int64_t>(TolmVBPlayState::PRESENTING);
+
+struct Service {
+    const char* name;
+    int32_t onid, tsid, sid;
+};
+
+// Free-to-air services of 19.2 degrees east, and a scrambled one of 13 degrees east.
+constexpr Service kDasErste{"Das Erste HD", 1, 1019, 10301};
+constexpr Service kZdf{"ZDF HD", 1, 1011, 11110};
+constexpr Service kRai{"Rai 1 HD", 318, 5200, 3401};
+constexpr int32_t kDvbS = 11;
+constexpr int32_t kEncrypted = 4;
+
+std::string Hex(int64_t handle) {
+    char text[32];
+    std::snprintf(text, sizeof(text), "0x%llx", static_cast<unsigned long long>(handle));
+    return text;
+}
+
+class Demo {
+  public:
+    explicit Demo(const sp<IVideoBroadcast>& service) : mService(service), mEvents(new EventLog(mTranscript)) {}
+
+    // Whether everything went as it should.
+    bool Run() {
+        const bool done = Create() && Bind() && Tune(kDasErste) && Tune(kZdf) && Zap() && Ask() && Volume() &&
+                          Components() && TuneToScrambled();
+        return Leave() && done;
+    }
+
+  private:
+    using Clock = Transcript::Clock;
+
+    // A call without results.
+    bool Call(const std::string& what, const std::function<android::hardware::Return<int32_t>()>& call) {
+        const auto start = Clock::now();
+        const auto status = call();
+        const auto took = Clock::now() - start;
+        const bool ok = status.isOk() && static_cast<int32_t>(status) == 0;
+        mTranscript.Call(what, !status.isOk() ? "the service is gone" : ok ? "done" : "status " + std::to_string(status),
+                         took);
+        return ok;
+    }
+
+    // A call with one result: `call` is given the callback for it; `show` makes words of it.
+    template <typename Result>
+    bool Get(const std::string& what,
+             const std::function<android::hardware::Return<void>(std::function<void(int32_t, Result)>)>& call,
+             const std::function<std::string(Result)>& show, Result& result) {
+        int32_t status = -1;
+        const auto start = Clock::now();
+        const auto returned = call([&](int32_t theStatus, Result theResult) {
+            status = theStatus;
+            result = theResult;
+        });
+        const auto took = Clock::now() - start;
+        const bool ok = returned.isOk() && status == 0;
+        mTranscript.Call(what, ok ? show(result) : "status " + std::to_string(status), took);
+        return ok;
+    }
+
+    bool Expect(bool came, const std::string& what) {
+        if (!came) mTranscript.Event("(nothing)", "expected " + what + ", and it did not come");
+        return came;
+    }
+
+    bool Create() {
+        mTranscript.Step("Create a video/broadcast object and listen to its events");
+        return Get<int64_t>(
+                   "Create(context " + Hex(kContext) + ")", [&](auto cb) { return mService->Create(kContext, cb); },
+                   [](int64_t vb) { return "object " + Hex(vb); }, mVb) &&
+               Call("RegisterCallback", [&] { return mService->RegisterCallback(mVb, mEvents, kContext); });
+    }
+
+    bool Bind() {
+        mTranscript.Step("Bind to the channel that is on");
+        int64_t channel = 0;
+        return Get<int64_t>(
+                   "BindToCurrentChannel", [&](auto cb) { return mService->BindToCurrentChannel(mVb, cb); },
+                   [&](int64_t handle) { return mEvents->NameOf(handle); }, channel) &&
+               Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
+    }
+
+    bool CreateChannel(const Service& service, int64_t& channel) {
+        const std::string triplet =
+            std::to_string(service.onid) + ", " + std::to_string(service.tsid) + ", " + std::to_string(service.sid);
+        const bool ok = Get<int64_t>(
+            "CreateChannel_2(DVB-S, " + triplet + ")",
+            [&](auto cb) {
+                return mService->CreateChannel_2(mVb, kDvbS, service.onid, service.tsid, service.sid, 0, "", cb);
+            },
+            [](int64_t handle) { return "channel " + Hex(handle); }, channel);
+        if (ok) mEvents->Name(channel, service.name);
+        return ok;
+    }
+
+    bool SetChannel(const Service& service, int64_t channel) {
+        mEvents->Forget();
+        return Call("SetChannel(" + std::string(service.name) + ")",
+                    [&] { return mService->SetChannel(mVb, channel, false, ""); });
+    }
+
+    bool Tune(const Service& service) {
+        mTranscript.Step("Tune to " + std::string(service.name));
+        int64_t channel = 0;
+        return CreateChannel(service, channel) && SetChannel(service, channel) &&
+               Expect(mEvents->WaitFor("onChannelChangeSucceeded", channel, kPatience), "the channel change") &&
+               Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
+    }
+
+    bool Zap() {
+        mTranscript.Step("Zap: one up, one down");
+        mEvents->Forget();
+        const bool up = Call("NextChannel", [&] { return mService->NextChannel(mVb); }) &&
+                        Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
+        mEvents->Forget();
+        return up && Call("PrevChannel", [&] { return mService->PrevChannel(mVb); }) &&
+               Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
+    }
+
+    bool Ask() {
+        mTranscript.Step("Ask how things stand");
+        int64_t channel = 0;
+        TolmVBPlayState state = TolmVBPlayState::UNREALIZED;
+        return Get<int64_t>(
+                   "GetCurrentChannel", [&](auto cb) { return mService->GetCurrentChannel(mVb, cb); },
+                   [&](int64_t handle) { return mEvents->NameOf(handle); }, channel) &&
+               Get<TolmVBPlayState>(
+                   "GetPlayState", [&](auto cb) { return mService->GetPlayState(mVb, cb); },
+                   [](TolmVBPlayState s) { return PlayStateName(static_cast<int32_t>(s)); }, state) &&
+               state == TolmVBPlayState::PRESENTING;
+    }
+
+    bool Volume() {
+        constexpr uint32_t kVolume = 35;
+        uint32_t volume = 0;
+        return Call("SetVolume(35)", [&] { return mService->SetVolume(mVb, kVolume); }) &&
+               Get<uint32_t>(
+                   "GetVolume", [&](auto cb) { return mService->GetVolume(mVb, cb); },
+                   [](uint32_t v) { return std::to_string(v); }, volume) &&
+               Expect(volume == kVolume, "volume 35");
+    }
+
+    bool CountComponents(const char* kind, TolmHbbtvAVComponentType type) {
+        uint32_t count = 0;
+        return Get<uint32_t>(
+            "GetAVComponentNumByType(" + std::string(kind) + ")",
+            [&](auto cb) { return mService->GetAVComponentNumByType(mVb, type, cb); },
+            [](uint32_t n) { return std::to_string(n); }, count);
+    }
+
+    bool Components() {
+        return CountComponents("video", TolmHbbtvAVComponentType::VIDEO) &&
+               CountComponents("audio", TolmHbbtvAVComponentType::AUDIO) &&
+               CountComponents("subtitle", TolmHbbtvAVComponentType::SUBTITLE);
+    }
+
+    bool TuneToScrambled() {
+        mTranscript.Step("Tune to a service that cannot be shown: " + std::string(kRai.name));
+        int64_t channel = 0;
+        return CreateChannel(kRai, channel) && SetChannel(kRai, channel) &&
+               Expect(mEvents->WaitFor("onChannelChangeError", kEncrypted, kPatience), "the error \"encrypted\"");
+    }
+
+    // Also after a failure, so that the platform is left as it was.
+    bool Leave() {
+        if (mVb == 0) return false;
+        mTranscript.Step("Leave");
+        const bool unregistered = Call("UnregisterCallback", [&] { return mService->UnregisterCallback(mVb); });
+        return Call("Destroy", [&] { return mService->Destroy(mVb); }) && unregistered;
+    }
+
+    Transcript mTranscript;
+    const sp<IVideoBroadcast> mService;
+    const sp<EventLog> mEvents;
+    int64_t mVb = 0;
+};
+
+// The service may still be starting.
+sp<IVideoBroadcast> FindService() {
+    const auto deadline = Transcript::Clock::now() + kPatience;
+    while (Transcript::Clock::now() < deadline) {
+        if (sp<IVideoBroadcast> service = IVideoBroadcast::tryGetService()) return service;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+}  // namespace hbbtv::demo
+
+int main() {
+    using namespace hbbtv::demo;
+    const auto service = FindService();
+    if (service == nullptr) {
+        std::fprintf(stderr,
+                     "hbbtv-demo: no service has registered IVideoBroadcast/default within 10 s.\n"
+                     "Start it with scripts/demo, or set HIDL_HOST_DIR to the directory of the one that runs.\n");
+        return 3;
+    }
+    const bool ok = Demo(service).Run();
+    std::printf("\n%s\n", ok ? "All went as it should." : "Something did not go as it should: see above.");
+    return ok ? 0 : 1;
+}
