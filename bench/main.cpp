@@ -2,6 +2,7 @@
 
 #include <hidl/HidlTransportSupport.h>
 #include <sched.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>

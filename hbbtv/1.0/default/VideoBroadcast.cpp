@@ -197,7 +197,7 @@ Return<int32_t> VideoBroadcast::ChangeDisplaySource(int32_t source) {
     return Status(&Adaptor::ChangeDisplaySource, source);
 }
 
-void VideoBroadcast::OnHidlClientDied(uint64_t, const wp<IBase>& who) {
+void VideoBroadcast::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
     TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
     if (!DropDead(mVBCallback, who)) return;
     if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->ClearCallback();

@@ -75,7 +75,7 @@ class VideoBroadcast : public IVideoBroadcast, public TolmHidlClientMonitor {
                                               const hidl_string& eventName) override;
     Return<int32_t> ChangeDisplaySource(int32_t source) override;
 
-    void OnHidlClientDied(uint64_t cookie, const wp<IBase>& who) override;
+    void OnHidlClientDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) override;
 };
 
 // Forwards an event of the adaptor to the registered client and frees the record's texts. On the adaptor's server

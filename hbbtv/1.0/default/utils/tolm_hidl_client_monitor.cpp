@@ -1,7 +1,5 @@
 #include "utils/include/tolm_hidl_client_monitor.h"
 
-#include <android/hidl/base/1.0/IBase.h>
-
 #include "ipc/tolm_log.h"
 
 TolmHidlClientMonitor::TolmHidlClientMonitor(const char* tag)

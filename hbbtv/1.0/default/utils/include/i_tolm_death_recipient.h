@@ -1,6 +1,7 @@
 // How a service learns that the client which registered a callback with it has died.
 #pragma once
 
+#include <android/hidl/base/1.0/IBase.h>
 #include <hidl/HidlSupport.h>
 
 #include <mutex>

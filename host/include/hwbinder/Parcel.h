@@ -1,0 +1,174 @@
+// The arguments or the results of one call, written by one side and read by the other in the same order. Scalars stand
+// in a stream; the memory of structs, vectors and strings stands in an arena, and the stream and a table say what is
+// where; objects stand in a table of nodes. Everything read is checked against all of this.
+#pragma once
+
+#include <cutils/native_handle.h>
+#include <hwbinder/IBinder.h>
+#include <utils/Errors.h>
+#include <utils/RefBase.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+struct iovec;
+
+namespace android {
+namespace hardware {
+
+namespace host {
+
+// Head of a parcel on the wire. Behind it: stream (padded to 8 bytes), node table, buffer table, arena.
+struct WireHead {
+    uint32_t streamSize;
+    uint32_t nodeCount;
+    uint32_t bufferCount;
+    uint32_t arenaSize;
+};
+
+struct WireNode {
+    enum Kind : uint32_t {
+        kNull = 0,
+        kSenders = 1,    // an object of the sender, by the sender's number
+        kReceivers = 2,  // an object of the receiver, by the receiver's number
+    };
+    uint32_t kind;
+    uint32_t zero;
+    uint64_t number;
+};
+
+struct WireBuffer {
+    static constexpr uint32_t kNoParent = UINT32_MAX;
+    uint32_t parent;        // index of the buffer that points to this one
+    uint32_t parentOffset;  // of the pointer in the parent
+    uint32_t offset;        // in the arena, a multiple of 8
+    uint32_t length;
+};
+
+// The other end of a received parcel, which is told when the parcel does not hold what it claims to.
+class ParcelSource {
+  public:
+    virtual ~ParcelSource() = default;
+    virtual void ParcelIsDamaged() = 0;
+};
+
+}  // namespace host
+
+class Parcel {
+  public:
+    Parcel() = default;
+    Parcel(const Parcel&) = delete;
+    Parcel& operator=(const Parcel&) = delete;
+    Parcel(Parcel&&) noexcept = default;
+    Parcel& operator=(Parcel&&) noexcept = default;
+
+    // Bodies above this are refused with FAILED_TRANSACTION, as on the device.
+    static constexpr size_t kMaxSize = 1024 * 1024 - 8 * 1024;
+
+    status_t writeInterfaceToken(const char* interface);
+    // Whether the parcel was written for this interface.
+    bool enforceInterface(const char* interface) const;
+
+    status_t writeBool(bool value);
+    status_t writeInt8(int8_t value);
+    status_t writeUint8(uint8_t value);
+    status_t writeInt16(int16_t value);
+    status_t writeUint16(uint16_t value);
+    status_t writeInt32(int32_t value);
+    status_t writeUint32(uint32_t value);
+    status_t writeInt64(int64_t value);
+    status_t writeUint64(uint64_t value);
+    status_t writeFloat(float value);
+    status_t writeDouble(double value);
+    status_t writeText(const char* text, size_t length);
+
+    status_t readBool(bool* value) const;
+    status_t readInt8(int8_t* value) const;
+    status_t readUint8(uint8_t* value) const;
+    status_t readInt16(int16_t* value) const;
+    status_t readUint16(uint16_t* value) const;
+    status_t readInt32(int32_t* value) const;
+    status_t readUint32(uint32_t* value) const;
+    status_t readInt64(int64_t* value) const;
+    status_t readUint64(uint64_t* value) const;
+    status_t readFloat(float* value) const;
+    status_t readDouble(double* value) const;
+    // The text is not terminated; it lives as long as the parcel.
+    status_t readText(const char** text, size_t* length) const;
+
+    // Copies the memory at once. The handle names the buffer as the parent of embedded ones.
+    status_t writeBuffer(const void* buffer, size_t length, size_t* handle);
+    status_t writeEmbeddedBuffer(const void* buffer, size_t length, size_t* handle, size_t parentHandle,
+                                 size_t parentOffset);
+
+    // Gives memory of the parcel, valid as long as it. Reading an embedded buffer sets the pointer in its parent.
+    status_t readBuffer(size_t length, size_t* handle, const void** buffer) const;
+    status_t readEmbeddedBuffer(size_t length, size_t* handle, size_t parentHandle, size_t parentOffset,
+                                const void** buffer) const;
+
+    status_t writeStrongBinder(const sp<IBinder>& binder);
+    status_t readNullableStrongBinder(sp<IBinder>* binder) const;
+
+    // Only null crosses: descriptors of files are not carried (INVALID_OPERATION).
+    status_t writeNativeHandleNoDup(const native_handle_t* handle);
+    status_t readNullableNativeHandleNoDup(const native_handle_t** handle) const;
+
+    // ---- The transport's side -----------------------------------------------------------------------------------
+
+    // Why writing failed, for a writer who did not look; FAILED_TRANSACTION when it grew too big.
+    status_t writeError() const { return mError; }
+
+    const std::vector<sp<IBinder>>& nodes() const { return mNodes; }
+    void setNodes(std::vector<sp<IBinder>>&& nodes) { mNodes = std::move(nodes); }
+
+    size_t wireSize() const;
+    static constexpr int kMaxPieces = 6;
+    // The pieces of the body in the order of the wire, without copying: they live as long as the parcel, `head` and
+    // `wireNodes` (one per node). Returns how many there are.
+    int wirePieces(host::WireHead* head, const host::WireNode* wireNodes, iovec* pieces) const;
+
+    // Takes over a received body and checks its structure; false when it has none. The arena is used in place.
+    bool adopt(std::unique_ptr<uint64_t[]> body, size_t size);
+    const host::WireNode* wireNodes(size_t* count) const;
+    void setSource(const std::shared_ptr<host::ParcelSource>& source) { mSource = source; }
+
+    // The parcel is well formed but is not what the reader's interface says: its source cannot be trusted any further.
+    status_t damaged() const;
+
+  private:
+    status_t append(const void* data, size_t length);
+    status_t addBuffer(const void* data, size_t length, size_t* handle, uint32_t parent, uint32_t parentOffset);
+    template <typename T>
+    status_t appendScalar(T value);
+    template <typename T>
+    status_t readScalar(T* value) const;
+    status_t readReference(uint32_t marker, uint32_t* next, uint32_t count) const;
+    status_t takeBuffer(size_t length, size_t* handle, uint32_t parent, uint32_t parentOffset, uint8_t** buffer) const;
+    bool checkBuffers() const;
+
+    // Writing.
+    status_t mError = OK;
+    std::vector<uint8_t> mStream;
+    std::vector<host::WireBuffer> mBuffers;
+    std::vector<uint8_t> mArena;
+
+    // Both ways: as written, or as received and resolved.
+    std::vector<sp<IBinder>> mNodes;
+
+    // Reading: the received body, the tables in it, and how far reading has come.
+    std::unique_ptr<uint64_t[]> mBody;
+    host::WireHead mHead = {};
+    const uint8_t* mReadStream = nullptr;
+    const host::WireNode* mReadNodes = nullptr;
+    const host::WireBuffer* mReadBuffers = nullptr;
+    uint8_t* mReadArena = nullptr;
+    mutable size_t mReadPosition = 0;
+    mutable uint32_t mNextBuffer = 0;
+    mutable uint32_t mNextNode = 0;
+    std::shared_ptr<host::ParcelSource> mSource;
+};
+
+}  // namespace hardware
+}  // namespace android

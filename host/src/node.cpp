@@ -1,0 +1,201 @@
+// Nodes, and how a call that has arrived is carried out.
+#include "node.h"
+
+#define LOG_TAG "hidl_host"
+#include <log/log.h>
+
+#include <algorithm>
+
+#include "session.h"
+
+namespace android {
+namespace hardware {
+
+BHwBinder::BHwBinder() : mOnewayQueue(std::make_unique<host::OnewayQueue>()) {}
+BHwBinder::~BHwBinder() = default;
+
+status_t BHwBinder::transact(uint32_t code, const Parcel&, Parcel*, uint32_t, TransactCallback) {
+    ALOGE("method %u called through the node of an object of this process", code);
+    return INVALID_OPERATION;
+}
+
+status_t BHwBinder::linkToDeath(const sp<DeathRecipient>&, void*, uint32_t) {
+    return INVALID_OPERATION;
+}
+status_t BHwBinder::unlinkToDeath(const wp<DeathRecipient>&, void*, uint32_t, wp<DeathRecipient>*) {
+    return INVALID_OPERATION;
+}
+
+namespace host {
+
+// ---- BpHwBinder ----
+
+BpHwBinder::~BpHwBinder() {
+    mSession->ProxyIsGone(this, mNumber, mTimesReceived);
+}
+
+status_t BpHwBinder::transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags, TransactCallback) {
+    return mSession->Transact(mNumber, code, data, reply, (flags & FLAG_ONEWAY) != 0);
+}
+
+status_t BpHwBinder::linkToDeath(const sp<DeathRecipient>& recipient, void*, uint32_t) {
+    // Recipients that were forgotten without unlinking make room here. The others are held until the lock is released:
+    // one of these references may become the last one.
+    std::vector<sp<DeathRecipient>> held;
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mDeathReported) return DEAD_OBJECT;
+    const auto gone = [&](const wp<DeathRecipient>& known) {
+        held.push_back(known.promote());
+        return held.back() == nullptr;
+    };
+    mRecipients.erase(std::remove_if(mRecipients.begin(), mRecipients.end(), gone), mRecipients.end());
+    mRecipients.push_back(recipient);
+    // The session may die at this very moment and post the same again: only one of them reports.
+    if (mSession->IsDead()) PostObituary();
+    return OK;
+}
+
+status_t BpHwBinder::unlinkToDeath(const wp<DeathRecipient>& recipient, void*, uint32_t,
+                                   wp<DeathRecipient>* outRecipient) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mDeathReported) return DEAD_OBJECT;
+    const auto found = std::find(mRecipients.begin(), mRecipients.end(), recipient);
+    if (found == mRecipients.end()) return NAME_NOT_FOUND;
+    if (outRecipient != nullptr) *outRecipient = *found;
+    mRecipients.erase(found);
+    return OK;
+}
+
+void BpHwBinder::SessionDied() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (!mRecipients.empty()) PostObituary();
+}
+
+namespace {
+
+class Obituary : public Task {
+  public:
+    explicit Obituary(const sp<BpHwBinder>& node) : mNode(node) {}
+    void Run() override { mNode->ReportDeath(); }
+
+  private:
+    const sp<BpHwBinder> mNode;
+};
+
+}  // namespace
+
+void BpHwBinder::PostObituary() {
+    ThreadPool::Get().Post(std::make_unique<Obituary>(this));
+}
+
+void BpHwBinder::ReportDeath() {
+    std::vector<wp<DeathRecipient>> recipients;
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        if (mDeathReported || mRecipients.empty()) return;
+        mDeathReported = true;
+        recipients.swap(mRecipients);
+    }
+    for (const wp<DeathRecipient>& weak : recipients) {
+        const sp<DeathRecipient> recipient = weak.promote();
+        if (recipient != nullptr) recipient->binderDied(wp<IBinder>(this));
+    }
+}
+
+// ---- IncomingCall ----
+
+namespace {
+
+// What this thread is serving, for the parent of calls that it makes.
+struct Serving {
+    const Session* session;
+    uint64_t id;
+    unsigned depth;
+};
+thread_local Serving tServing = {nullptr, 0, 0};
+
+// Calls served inside of each other by one thread. A peer that nests deeper would use up the thread's stack.
+constexpr unsigned kMaxDepth = 100;
+
+}  // namespace
+
+IncomingCall::IncomingCall(const std::shared_ptr<Session>& session, const sp<BHwBinder>& target, uint32_t code,
+                           bool oneway, uint64_t id, Parcel&& data, size_t size)
+    : mSession(session), mTarget(target), mCode(code), mOneway(oneway), mId(id), mData(std::move(data)), mSize(size) {}
+
+IncomingCall::~IncomingCall() {
+    mSession->CallIsDone(mSize);
+}
+
+uint64_t IncomingCall::ServedFor(const Session* session) {
+    return tServing.session == session ? tServing.id : 0;
+}
+
+void IncomingCall::Run() {
+    const Serving before = tServing;
+    // One-way: nobody waits, so calls made meanwhile have no parent.
+    tServing = {mOneway ? nullptr : mSession.get(), mOneway ? 0 : mId, before.depth + 1};
+    if (before.depth >= kMaxDepth) {
+        ALOGE("calls nest too deep: refusing one");
+        mSession->Reply(mId, FAILED_TRANSACTION, nullptr);
+    } else {
+        Serve();
+    }
+    tServing = before;
+}
+
+status_t IncomingCall::Serve() {
+    Parcel reply;
+    if (mOneway) return mTarget->onTransact(mCode, mData, &reply, IBinder::FLAG_ONEWAY, [](Parcel&) {});
+    bool answered = false;
+    const auto answer = [&](Parcel& results) {
+        answered = true;
+        mSession->Reply(mId, OK, &results);
+    };
+    const status_t status = mTarget->onTransact(mCode, mData, &reply, 0, answer);
+    if (!answered) mSession->Reply(mId, status, &reply);
+    return status;
+}
+
+// ---- OnewayQueue ----
+
+// Carries out one call, then waits in the pool for the next turn: many objects share few threads.
+class OnewayQueue::Turn : public Task {
+  public:
+    explicit Turn(const sp<BHwBinder>& owner) : mOwner(owner) {}
+
+    void Run() override {
+        OnewayQueue& queue = mOwner->onewayQueue();
+        queue.Next()->Run();
+        if (!queue.FinishTurn()) ThreadPool::Get().Post(std::make_unique<Turn>(mOwner));
+    }
+
+  private:
+    const sp<BHwBinder> mOwner;
+};
+
+void OnewayQueue::Push(const sp<BHwBinder>& owner, std::unique_ptr<IncomingCall> call) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mCalls.push_back(std::move(call));
+    if (mBusy) return;
+    mBusy = true;
+    ThreadPool::Get().Post(std::make_unique<Turn>(owner));
+}
+
+std::unique_ptr<IncomingCall> OnewayQueue::Next() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    std::unique_ptr<IncomingCall> call = std::move(mCalls.front());
+    mCalls.pop_front();
+    return call;
+}
+
+// Whether no call waits.
+bool OnewayQueue::FinishTurn() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mBusy = !mCalls.empty();
+    return !mBusy;
+}
+
+}  // namespace host
+}  // namespace hardware
+}  // namespace android

@@ -1,0 +1,168 @@
+// Sending without blocking.
+#include "outbox.h"
+
+#define LOG_TAG "hidl_host"
+#include <hwbinder/Parcel.h>
+#include <log/log.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+
+#include "thread_pool.h"
+
+namespace android {
+namespace hardware {
+namespace host {
+
+namespace {
+
+// Calls are refused while more than this waits for the peer.
+constexpr size_t kRoomForCalls = 4 * Parcel::kMaxSize;
+// A peer for which more than this waits has stopped reading altogether; only replies and the like get this far.
+constexpr size_t kMostWaiting = 4 * kRoomForCalls;
+// How long a sender waits for room before it is refused.
+constexpr std::chrono::seconds kPatience{1};
+
+size_t TotalSize(const iovec* pieces, int count) {
+    size_t size = 0;
+    for (int i = 0; i < count; ++i) size += pieces[i].iov_len;
+    return size;
+}
+
+}  // namespace
+
+Outbox::~Outbox() {
+    if (mFd >= 0) close(mFd);
+}
+
+status_t Outbox::Send(iovec* pieces, int count, Patience patience) {
+    std::unique_lock<std::mutex> lock(mMutex);
+    if (mBroken) return DEAD_OBJECT;
+    if (mWaiting.empty()) {
+        const status_t status = SendNowLocked(pieces, count);
+        if (status != OK || count == 0) return status;
+    } else if (patience == Patience::kSome && !WaitForRoomLocked(lock, TotalSize(pieces, count))) {
+        return mBroken ? DEAD_OBJECT : FAILED_TRANSACTION;
+    }
+    KeepLocked(pieces, count);
+    return mBroken ? DEAD_OBJECT : OK;
+}
+
+bool Outbox::WaitForRoomLocked(std::unique_lock<std::mutex>& lock, size_t size) {
+    const auto hasRoom = [&] { return mBroken || mWaitingBytes + size <= kRoomForCalls; };
+    if (!hasRoom() && !mStalled) mStalled = !mChanged.wait_for(lock, kPatience, hasRoom);
+    return hasRoom() && !mBroken;
+}
+
+// Sends what the socket takes, and leaves the rest in `pieces`.
+status_t Outbox::SendNowLocked(iovec*& pieces, int& count) {
+    while (count > 0) {
+        msghdr message = {};
+        message.msg_iov = pieces;
+        message.msg_iovlen = static_cast<size_t>(count);
+        const ssize_t n = sendmsg(mFd, &message, MSG_DONTWAIT | MSG_NOSIGNAL);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == ENOBUFS || errno == ENOMEM)) return OK;
+        if (n < 0) {
+            mBroken = true;
+            mChanged.notify_all();
+            return DEAD_OBJECT;
+        }
+        size_t sent = static_cast<size_t>(n);
+        while (count > 0 && sent >= pieces->iov_len) {
+            sent -= pieces->iov_len;
+            ++pieces;
+            --count;
+        }
+        if (count > 0) {
+            pieces->iov_base = static_cast<uint8_t*>(pieces->iov_base) + sent;
+            pieces->iov_len -= sent;
+        }
+    }
+    return OK;
+}
+
+void Outbox::KeepLocked(const iovec* pieces, int count) {
+    std::vector<uint8_t> frame;
+    frame.reserve(TotalSize(pieces, count));
+    for (int i = 0; i < count; ++i) {
+        const uint8_t* data = static_cast<const uint8_t*>(pieces[i].iov_base);
+        frame.insert(frame.end(), data, data + pieces[i].iov_len);
+    }
+    mWaitingBytes += frame.size();
+    mWaiting.push_back(std::move(frame));
+    if (mWaitingBytes > kMostWaiting) {
+        ALOGE("a peer does not read what it is sent: closing the connection");
+        mBroken = true;
+        mChanged.notify_all();
+        shutdown(mFd, SHUT_RDWR);
+        return;
+    }
+    if (!mFlushing) StartFlusherLocked();
+}
+
+// When there is no thread to be had, the next sender tries again.
+void Outbox::StartFlusherLocked() {
+    mFlushing = StartThread("hidl-writer", false, [self = shared_from_this()] { self->Flush(); });
+    mChanged.notify_all();
+}
+
+void Outbox::Flush() {
+    std::unique_lock<std::mutex> lock(mMutex);
+    while (FlushSomeLocked()) {
+        pollfd writable = {mFd, POLLOUT, 0};
+        lock.unlock();
+        poll(&writable, 1, -1);
+        lock.lock();
+    }
+    mFlushing = false;
+    mChanged.notify_all();
+}
+
+// False when nothing is left to do.
+bool Outbox::FlushSomeLocked() {
+    while (!mBroken && !mWaiting.empty()) {
+        std::vector<uint8_t>& first = mWaiting.front();
+        iovec rest = {first.data() + mSentOfFirst, first.size() - mSentOfFirst};
+        iovec* pieces = &rest;
+        int count = 1;
+        SendNowLocked(pieces, count);
+        if (count > 0 && !mBroken) {
+            mSentOfFirst = first.size() - rest.iov_len;
+            return true;
+        }
+        mWaitingBytes -= first.size();
+        mSentOfFirst = 0;
+        mWaiting.pop_front();
+        if (mWaitingBytes <= kRoomForCalls / 2) mStalled = false;
+        mChanged.notify_all();
+    }
+    return false;
+}
+
+void Outbox::Shutdown() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mBroken = true;
+    mChanged.notify_all();
+    if (mFd >= 0) shutdown(mFd, SHUT_RDWR);
+}
+
+void Outbox::Close() {
+    std::unique_lock<std::mutex> lock(mMutex);
+    mBroken = true;
+    mChanged.notify_all();
+    shutdown(mFd, SHUT_RDWR);
+    mChanged.wait(lock, [this] { return !mFlushing; });
+    mWaiting.clear();
+    mWaitingBytes = 0;
+    close(mFd);
+    mFd = -1;
+}
+
+}  // namespace host
+}  // namespace hardware
+}  // namespace android

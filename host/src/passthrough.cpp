@@ -1,0 +1,93 @@
+// Loading of passthrough implementations, and the wrapper that makes their one-way methods return at once.
+#include "passthrough.h"
+
+#define LOG_TAG "hidl_host"
+#include <dirent.h>
+#include <dlfcn.h>
+#include <hidl/HidlPassthroughSupport.h>
+#include <hidl/HidlTransportUtils.h>
+#include <hidl/Static.h>
+#include <log/log.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <sstream>
+#include <vector>
+
+namespace android {
+namespace hardware {
+
+using ::android::hidl::base::V1_0::IBase;
+
+namespace host {
+
+namespace {
+
+// Of one directory, in the order of their names.
+std::vector<std::string> LibrariesIn(const std::string& directory, const std::string& prefix) {
+    std::vector<std::string> libraries;
+    const std::string suffix = ".so";
+    DIR* const entries = opendir(directory.c_str());
+    if (entries == nullptr) return libraries;
+    while (const dirent* entry = readdir(entries)) {
+        const std::string name = entry->d_name;
+        const bool matches = name.size() >= prefix.size() + suffix.size() &&
+                             name.compare(0, prefix.size(), prefix) == 0 &&
+                             name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
+        if (matches) libraries.push_back(directory + "/" + name);
+    }
+    closedir(entries);
+    std::sort(libraries.begin(), libraries.end());
+    return libraries;
+}
+
+// Null when the library does not have the interface or this instance of it. A library that has given an object stays.
+sp<IBase> FetchFrom(const std::string& library, const std::string& function, const std::string& instance) {
+    void* const handle = dlopen(library.c_str(), RTLD_LAZY);
+    if (handle == nullptr) {
+        ALOGE("cannot load %s: %s", library.c_str(), dlerror());
+        return nullptr;
+    }
+    using Fetch = IBase* (*)(const char* name);
+    const Fetch fetch = reinterpret_cast<Fetch>(dlsym(handle, function.c_str()));
+    const sp<IBase> object = fetch == nullptr ? nullptr : fetch(instance.c_str());
+    if (object == nullptr) dlclose(handle);
+    return object;
+}
+
+}  // namespace
+
+sp<IBase> LoadPassthrough(const std::string& descriptor, const std::string& instance) {
+    const size_t colons = descriptor.find("::");
+    const char* const path = getenv("HIDL_HOST_PASSTHROUGH_PATH");
+    if (colons != std::string::npos && path != nullptr) {
+        const std::string prefix = descriptor.substr(0, colons) + "-impl";
+        const std::string function = "HIDL_FETCH_" + descriptor.substr(colons + 2);
+        std::istringstream directories(path);
+        for (std::string directory; std::getline(directories, directory, ':');) {
+            for (const std::string& library : LibrariesIn(directory, prefix)) {
+                const sp<IBase> object = FetchFrom(library, function, instance);
+                if (object != nullptr) return object;
+            }
+        }
+    }
+    ALOGE("no passthrough implementation of %s/%s in %s", descriptor.c_str(), instance.c_str(),
+          path == nullptr ? "HIDL_HOST_PASSTHROUGH_PATH, which is not set" : path);
+    return nullptr;
+}
+
+}  // namespace host
+
+namespace details {
+
+sp<IBase> wrapPassthroughInternal(const sp<IBase>& object) {
+    const std::string descriptor = getDescriptor(object.get());
+    const auto construct = getBsConstructorMap().get(descriptor);
+    if (construct) return construct(object.get());
+    ALOGE("interface %s is not known in this process", descriptor.c_str());
+    return nullptr;
+}
+
+}  // namespace details
+}  // namespace hardware
+}  // namespace android

@@ -1,0 +1,137 @@
+// The thread pool and what the public headers offer of it.
+#include "thread_pool.h"
+
+#define LOG_TAG "hidl_host"
+#include <hidl/HidlTransportSupport.h>
+#include <hwbinder/ProcessState.h>
+#include <log/log.h>
+#include <pthread.h>
+#include <signal.h>
+
+#include <system_error>
+#include <thread>
+
+namespace android {
+namespace hardware {
+namespace host {
+
+bool StartThread(const char* name, bool forUserCode, std::function<void()> body) {
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    if (!forUserCode) pthread_sigmask(SIG_SETMASK, &all, &before);
+    bool started = true;
+    try {
+        std::thread thread([name, body = std::move(body)] {
+            pthread_setname_np(pthread_self(), name);
+            body();
+        });
+        thread.detach();
+    } catch (const std::system_error& error) {
+        ALOGE("cannot start thread %s: %s", name, error.what());
+        started = false;
+    }
+    if (!forUserCode) pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return started;
+}
+
+ThreadPool& ThreadPool::Get() {
+    static ThreadPool* const pool = new ThreadPool;
+    return *pool;
+}
+
+void ThreadPool::Configure(size_t maxThreads, bool callerWillJoin) {
+    LOG_ALWAYS_FATAL_IF(maxThreads == 0 && callerWillJoin,
+                        "a thread pool that the caller joins has at least one thread");
+    std::lock_guard<std::mutex> lock(mMutex);
+    mMaxThreads = callerWillJoin ? maxThreads - 1 : maxThreads;
+    mConfigured = true;
+}
+
+void ThreadPool::Start() {
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        if (mStarted) return;
+        mStarted = true;
+    }
+    AddThreads();
+}
+
+void ThreadPool::Post(std::unique_ptr<Task> task) {
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mTasks.push_back(std::move(task));
+        if (mTasks.size() <= mIdle || mThreads >= mMaxThreads || !mStarted) {
+            mWork.notify_one();
+            return;
+        }
+    }
+    AddThreads();
+}
+
+// As many threads as there are tasks that nobody waits for. When the system has no thread left, the tasks stay for the
+// threads there are, and the next task tries again.
+void ThreadPool::AddThreads() {
+    for (;;) {
+        {
+            std::lock_guard<std::mutex> lock(mMutex);
+            mWork.notify_one();
+            if (mTasks.size() <= mIdle || mThreads >= mMaxThreads) return;
+            ++mThreads;
+            // Until it gets to work it counts as waiting, so that a task is not counted twice.
+            ++mIdle;
+        }
+        if (StartThread("hidl-pool", true, [this] { RunTasks(); })) continue;
+        std::lock_guard<std::mutex> lock(mMutex);
+        --mThreads;
+        --mIdle;
+        return;
+    }
+}
+
+void ThreadPool::Join() {
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        LOG_ALWAYS_FATAL_IF(!mConfigured, "joinRpcThreadpool() without configureRpcThreadpool()");
+        ++mIdle;
+    }
+    RunTasks();
+}
+
+// The caller has counted this thread as idle.
+void ThreadPool::RunTasks() {
+    std::unique_lock<std::mutex> lock(mMutex);
+    for (;;) {
+        mWork.wait(lock, [this] { return !mTasks.empty(); });
+        std::unique_ptr<Task> task = std::move(mTasks.front());
+        mTasks.pop_front();
+        --mIdle;
+        lock.unlock();
+        task->Run();
+        task.reset();
+        lock.lock();
+        ++mIdle;
+    }
+}
+
+}  // namespace host
+
+ProcessState* ProcessState::self() {
+    static ProcessState* const state = new ProcessState;
+    return state;
+}
+
+void ProcessState::startThreadPool() {
+    host::ThreadPool::Get().Start();
+}
+
+void configureRpcThreadpool(size_t maxThreads, bool callerWillJoin) {
+    host::ThreadPool::Get().Configure(maxThreads, callerWillJoin);
+}
+
+void joinRpcThreadpool() {
+    host::ThreadPool::Get().Join();
+}
+
+}  // namespace hardware
+}  // namespace android
