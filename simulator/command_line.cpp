@@ -1,0 +1,105 @@
+// Options by CLI11: see command_line.h.
+#include "command_line.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <cstdlib>
+#include <iostream>
+
+namespace hbbtv::sim {
+
+namespace {
+
+constexpr long long kLongestTime = 24LL * 60 * 60 * 1000;
+
+const char* const kExamples = R"(Examples:
+  hbbtv-sim --trace                                 sockets in $TMPDIR or /tmp, every message on the screen
+  hbbtv-sim --directory /tmp/tv --line-up my.json   a line-up of your own
+  hbbtv-sim --tune-time 0ms --seed 7                fast, with the same handles and programmes every time
+  hbbtv-sim --fault stop-answering:video_broadcast  a platform that hangs
+  hbbtv-sim --tell "zap next"                       to the simulator that runs: the viewer zaps
+  hbbtv-sim --tell help                             what else it can be told
+
+Exit codes: 0 ended by SIGINT or SIGTERM (or told), 1 --tell was refused or nobody is there, 2 wrong options,
+3 the line-up was refused, 4 the sockets cannot be served.)";
+
+// "300ms", "2s", or plain milliseconds.
+std::optional<std::chrono::milliseconds> ReadTime(const std::string& text) {
+    const size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    const std::string unit = text.substr(digits);
+    if (digits == 0 || digits > 9 || (unit != "" && unit != "ms" && unit != "s")) return std::nullopt;
+    const long long number = std::stoll(text.substr(0, digits)) * (unit == "s" ? 1000 : 1);
+    if (number > kLongestTime) return std::nullopt;
+    return std::chrono::milliseconds(number);
+}
+
+std::string CheckTime(const std::string& text) {
+    return ReadTime(text) ? "" : "\"" + text + "\" is no time: write 300ms or 2s, at most a day";
+}
+
+std::string CheckFault(const std::string& text) {
+    const bool good = text.rfind("stop-answering:", 0) == 0;
+    return good ? "" : "\"" + text + "\" is no fault: there is stop-answering:FAMILY";
+}
+
+std::string DefaultDirectory() {
+    const char* directory = std::getenv("TMPDIR");
+    return directory != nullptr ? directory : "/tmp";
+}
+
+}  // namespace
+
+Options ReadCommandLine(int argc, char** argv) {
+    Options options;
+    options.directory = DefaultDirectory();
+    std::string tuneTime = "300ms";
+    std::string streamEventInterval = "2s";
+    uint32_t seed = 0;
+    std::string tell;
+    CLI::App app(
+        "The TV platform's side of the HbbTV service library, simulated: it serves the platform's sockets,\n"
+        "answers every request and sends the events.");
+    app.name("hbbtv-sim");
+    app.footer(kExamples);
+    app.set_version_flag("--version", "hbbtv-sim " HBBTV_VERSION);
+    app.add_option("--line-up", options.lineUp, "The services that are received (JSON file)")->type_name("FILE");
+    app.add_option("--directory", options.directory, "Where the sockets are")->type_name("DIR")->capture_default_str();
+    app.add_option("--tune-time", tuneTime, "From a change of channel to its picture")
+        ->type_name("TIME")
+        ->check(CheckTime)
+        ->capture_default_str();
+    app.add_option("--stream-event-interval", streamEventInterval, "Between two stream events, 0 for none")
+        ->type_name("TIME")
+        ->check(CheckTime)
+        ->capture_default_str();
+    app.add_option("--permanent-error", options.settings.permanentErrorEvent,
+                   "Event in front of PlayState when tuning fails for good: channel-error (default), channel-changed")
+        ->type_name("EVENT")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, PermanentErrorEvent>{
+                                                {"channel-error", PermanentErrorEvent::ChannelError},
+                                                {"channel-changed", PermanentErrorEvent::ChannelChanged}})
+                        .description(""));
+    CLI::Option* seedOption =
+        app.add_option("--seed", seed, "The same handles and programmes for the same number")->type_name("NUMBER");
+    app.add_flag("--trace", options.trace, "One line per request with its reply, and per event");
+    app.add_option("--fault", options.faults, "Something that does not work: stop-answering:FAMILY")
+        ->type_name("FAULT")
+        ->check(CheckFault);
+    CLI::Option* tellOption =
+        app.add_option("--tell", tell, "Send a command to the simulator that runs in DIR, and end")
+            ->type_name("COMMAND");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        throw EndNow{app.exit(e) == 0 ? kEnded : kUsage};
+    }
+    options.settings.tuneTime = *ReadTime(tuneTime);
+    options.settings.streamEventInterval = *ReadTime(streamEventInterval);
+    if (seedOption->count() > 0) options.settings.seed = seed;
+    if (tellOption->count() > 0) options.tell = tell;
+    for (std::string& fault : options.faults) fault[fault.find(':')] = ' ';
+    return options;
+}
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,42 @@
+// Strict reading of request members: see arguments.h.
+#include "core/arguments.h"
+
+#include "core/handles.h"
+
+namespace hbbtv::sim {
+
+const Json::Value& Arguments::Member(const char* name, bool (Json::Value::*hasType)() const,
+                                     const char* typeName) const {
+    if (!mRequest.isMember(name)) throw Refused(std::string("member \"") + name + "\" is missing");
+    const Json::Value& member = mRequest[name];
+    if (!(member.*hasType)()) throw Refused(std::string("member \"") + name + "\" is not " + typeName);
+    return member;
+}
+
+int Arguments::Int(const char* name) const {
+    return Member(name, &Json::Value::isInt, "a 32-bit integer").asInt();
+}
+
+unsigned Arguments::UInt(const char* name) const {
+    return Member(name, &Json::Value::isUInt, "an integer from 0 to 4294967295").asUInt();
+}
+
+bool Arguments::Bool(const char* name) const {
+    return Member(name, &Json::Value::isBool, "true or false").asBool();
+}
+
+double Arguments::Real(const char* name) const {
+    return Member(name, &Json::Value::isNumeric, "a number").asDouble();
+}
+
+std::string Arguments::Text(const char* name) const {
+    return Member(name, &Json::Value::isString, "a text").asString();
+}
+
+uint64_t Arguments::Pointer(const char* name) const {
+    const auto pointer = ReadPointer(Member(name, &Json::Value::isString, "a handle's text").asString());
+    if (!pointer) throw Refused(std::string("member \"") + name + "\" is not a handle's text");
+    return *pointer;
+}
+
+}  // namespace hbbtv::sim

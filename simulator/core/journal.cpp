@@ -1,0 +1,68 @@
+// Log and trace lines: see journal.h.
+#include "core/journal.h"
+
+#include <json/writer.h>
+
+#include <cstdio>
+
+namespace hbbtv::sim {
+
+namespace {
+
+constexpr size_t kLongestExcerpt = 60;
+constexpr size_t kLongestValue = 200;
+
+std::string ReadableValue(const Json::Value& value) {
+    if (value.isString()) {
+        const std::string text = value.asString();
+        const bool handle = text.size() < 20 && text.rfind("0x", 0) == 0 &&
+                            text.find_first_not_of("0123456789abcdef", 2) == std::string::npos;
+        if (handle) return text;
+    }
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    std::string text = Json::writeString(builder, value);
+    if (text.size() > kLongestValue) text = text.substr(0, kLongestValue) + "...";
+    return text;
+}
+
+}  // namespace
+
+void Journal::Log(const std::string& line) {
+    std::fprintf(stderr, "hbbtv-sim: %s\n", line.c_str());
+}
+
+void Journal::Request(const std::string& operation, const std::string& arguments, const std::string& outcome,
+                      std::chrono::duration<double, std::milli> time) const {
+    if (!mTrace) return;
+    const char* blank = arguments.empty() ? "" : " ";
+    std::printf("> %s%s%s | %s (%.1f ms)\n", operation.c_str(), blank, arguments.c_str(), outcome.c_str(),
+                time.count());
+}
+
+void Journal::Event(const std::string& name, const std::string& members, const std::string& outcome) const {
+    if (!mTrace) return;
+    std::printf("* %s %s%s%s\n", name.c_str(), members.c_str(), outcome.empty() ? "" : " | ", outcome.c_str());
+}
+
+std::string Readable(const Json::Value& object, const std::string& codeMember) {
+    if (!object.isObject()) return ReadableValue(object);
+    std::string line;
+    for (auto member = object.begin(); member != object.end(); ++member) {
+        const std::string name = member.name();
+        if (name == "type" || name == codeMember) continue;
+        if (!line.empty()) line += ' ';
+        line += name + '=' + ReadableValue(*member);
+    }
+    return line;
+}
+
+std::string Excerpt(const std::string& text) {
+    std::string line;
+    for (const char c : text.substr(0, kLongestExcerpt)) {
+        line += c >= 0x20 && c < 0x7f ? c : '.';
+    }
+    return text.size() > kLongestExcerpt ? line + "..." : line;
+}
+
+}  // namespace hbbtv::sim

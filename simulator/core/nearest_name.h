@@ -1,0 +1,12 @@
+// For messages about a name that nobody knows: the known one that was probably meant.
+#pragma once
+
+#include <set>
+#include <string>
+
+namespace hbbtv::sim {
+
+// `; did you mean "number"?` when a known name is near, otherwise `; known are "a", "b"`.
+std::string DidYouMean(const std::string& name, const std::set<std::string>& known);
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,21 @@
+// What the command line sets for the behaviour of the families.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+
+namespace hbbtv::sim {
+
+// What is said when tuning fails for good. The standard's table of states lists ChannelChanged there, the description
+// of the events leads one to expect ChannelError.
+enum class PermanentErrorEvent { ChannelError, ChannelChanged };
+
+struct Settings {
+    std::optional<uint32_t> seed;
+    std::chrono::milliseconds tuneTime{300};
+    PermanentErrorEvent permanentErrorEvent = PermanentErrorEvent::ChannelError;
+    std::chrono::milliseconds streamEventInterval{2000};  // 0: no stream events
+};
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,89 @@
+// Selection of components: see component_selection.h.
+#include "families/video_broadcast/component_selection.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+// A description leaves open what is negative, zero or empty; the tag alone decides when it has one.
+bool Fits(const Component& wanted, const Component& candidate) {
+    if (wanted.type != candidate.type) return false;
+    if (wanted.tag >= 0) return wanted.tag == candidate.tag;
+    return (wanted.encoding.empty() || wanted.encoding == candidate.encoding) &&
+           (wanted.language.empty() || wanted.language == candidate.language) &&
+           (wanted.audioChannels <= 0 || wanted.audioChannels == candidate.audioChannels) &&
+           (wanted.aspectRatio <= 0 || wanted.aspectRatio == candidate.aspectRatio) &&
+           wanted.audioDescription == candidate.audioDescription;
+}
+
+}  // namespace
+
+void ComponentSelection::Start(std::shared_ptr<const Service> service) {
+    mService = std::move(service);
+    mActive = {Usual(ComponentType::Video), Usual(ComponentType::Audio), nullptr};
+}
+
+void ComponentSelection::Clear() {
+    mService.reset();
+    mActive = {};
+}
+
+ComponentList ComponentSelection::All() const {
+    return mService ? mService->components : ComponentList();
+}
+
+ComponentList ComponentSelection::All(ComponentType type) const {
+    ComponentList found;
+    for (const auto& component : All()) {
+        if (component->type == type) found.push_back(component);
+    }
+    return found;
+}
+
+ComponentList ComponentSelection::Active() const {
+    ComponentList found;
+    for (const auto& component : mActive) {
+        if (component) found.push_back(component);
+    }
+    return found;
+}
+
+ComponentList ComponentSelection::Active(ComponentType type) const {
+    const auto& component = mActive[static_cast<size_t>(type)];
+    return component ? ComponentList{component} : ComponentList();
+}
+
+std::shared_ptr<Component> ComponentSelection::Resolve(const std::shared_ptr<Component>& wanted) const {
+    const ComponentList all = All();
+    for (const auto& component : all) {
+        if (component == wanted) return component;
+    }
+    if (!wanted->description) return nullptr;
+    for (const auto& component : all) {
+        if (Fits(*wanted, *component)) return component;
+    }
+    return nullptr;
+}
+
+std::shared_ptr<Component> ComponentSelection::Usual(ComponentType type) const {
+    for (const auto& component : All(type)) {
+        if (!component->audioDescription) return component;
+    }
+    return nullptr;
+}
+
+bool ComponentSelection::Select(const std::shared_ptr<Component>& component) {
+    auto& active = mActive[static_cast<size_t>(component->type)];
+    if (active == component) return false;
+    active = component;
+    return true;
+}
+
+bool ComponentSelection::Unselect(ComponentType type) {
+    auto& active = mActive[static_cast<size_t>(type)];
+    if (!active) return false;
+    active.reset();
+    return true;
+}
+
+}  // namespace hbbtv::sim

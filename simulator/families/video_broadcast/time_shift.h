@@ -1,0 +1,59 @@
+// Time shift of one video/broadcast object: a buffer that begins when play first leaves the live picture and holds the
+// last half hour. All times to the outside are milliseconds.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <vector>
+
+#include "core/event_loop.h"
+
+namespace hbbtv::sim {
+
+// Values of OIPF DAE volume 5.
+enum class TimeShiftMode { Off = 0, Local = 1, Network = 2, LocalThenNetwork = 3 };
+enum class SeekReference { Start = 0, Current = 1, End = 2 };
+
+class TimeShift {
+  public:
+    static const std::vector<double>& Speeds();
+
+    // `onNormalSpeed`: play met an end of the buffer and goes on at speed 1.
+    TimeShift(EventLoop& loop, std::function<void()> onNormalSpeed);
+
+    // The mode is a preference: it counts when the next time shift begins.
+    TimeShiftMode mode = TimeShiftMode::Local;
+
+    bool Active() const { return mActive; }
+    TimeShiftMode CurrentMode() const;
+
+    double Speed() const { return mSpeed; }
+    void SetSpeed(double speed);  // begins the time shift; `mode` is not Off
+
+    // False, and nothing moved, when the place is outside the buffer.
+    bool Seek(int offset, SeekReference reference);
+
+    void Stop();
+
+    unsigned Position() const;   // from the start of the buffer
+    unsigned Offset() const;     // behind the live picture
+    unsigned MaxOffset() const;  // the most that Offset can become
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    Clock::time_point Begin(Clock::time_point now) const;
+    Clock::time_point Place(Clock::time_point now) const;
+    void WatchEnds();
+
+    bool mActive = false;
+    TimeShiftMode mCurrent = TimeShiftMode::Off;
+    double mSpeed = 1.0;
+    Clock::time_point mBegin;   // when the buffer began
+    Clock::time_point mAnchor;  // when play was at mPlace, the broadcast of that time
+    Clock::time_point mPlace;
+    Timer mEnd;
+    std::function<void()> mOnNormalSpeed;
+};
+
+}  // namespace hbbtv::sim

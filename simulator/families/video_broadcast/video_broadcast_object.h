@@ -1,0 +1,93 @@
+// One video/broadcast object: the states and transitions of OIPF DAE volume 5, with their events in order. It knows
+// nothing of messages; the family turns requests into calls of it.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "core/event_loop.h"
+#include "families/settings.h"
+#include "families/video_broadcast/component_selection.h"
+#include "families/video_broadcast/object_events.h"
+#include "families/video_broadcast/time_shift.h"
+#include "platform/tv.h"
+
+namespace hbbtv::sim {
+
+// Values of OIPF DAE volume 5.
+enum class PlayState { Unrealized = 0, Connecting = 1, Presenting = 2, Stopped = 3 };
+
+class VideoBroadcastObject {
+  public:
+    // `onServiceLeft` is called whenever the service that was tuned is left.
+    VideoBroadcastObject(Tv& tv, EventLoop& loop, EventSink& sink, const Settings& settings,
+                         std::function<void()> onServiceLeft);
+    ~VideoBroadcastObject();
+    VideoBroadcastObject(const VideoBroadcastObject&) = delete;
+    VideoBroadcastObject& operator=(const VideoBroadcastObject&) = delete;
+
+    PlayState State() const { return mState; }
+    const std::shared_ptr<Channel>& Current() const { return mChannel; }  // null when unrealized
+
+    void SetChannel(const std::shared_ptr<Channel>& channel, int quiet);  // null: Release
+    void Step(int steps);                                                 // 1 next, -1 previous
+    std::shared_ptr<Channel> Bind();                                      // null when it cannot
+    void Stop();
+    void Release();
+
+    // From outside: the signal goes or the parents' lock falls, and it passes again. False in other states.
+    bool TransientProblem(ChannelError error);
+    bool ProblemEnded();
+    bool PermanentProblem(ChannelError error);
+
+    bool StartRecording();
+    bool StopRecording();
+    int RecordingState() const;
+
+    // Play speed, through time shift. Refused is thrown when the object does not present.
+    void SetSpeed(double speed);
+    void Resume();
+    void Seek(int offset, SeekReference reference);
+    void StopTimeShift();
+    double Speed() const;
+
+    // Components there are none of while nothing is presented.
+    ComponentSelection& Components() { return mState == PlayState::Presenting ? mComponents : mNoComponents; }
+
+    TimeShift& Shift() { return mShift; }
+    ObjectEvents& Events() { return mEvents; }
+
+    // What is only kept.
+    struct {
+        int x = 0, y = 0, width = 0, height = 0;
+    } window;
+    bool fullScreen = false;
+    unsigned volume = 50;
+
+  private:
+    std::optional<ChannelError> WhyNot(const Channel& channel) const;
+    void Tune(const std::shared_ptr<Channel>& channel, int quiet);
+    void MediaStarts();
+    void Enter(PlayState state, int error = 0);
+    void Leave(PlayState state, int error);
+    void SayChannelError(const std::shared_ptr<Channel>& channel, ChannelError error);
+    void SayChannelChanged();
+    void RequirePresenting() const;
+
+    Tv& mTv;
+    const Settings& mSettings;
+    std::function<void()> mOnServiceLeft;
+    ObjectEvents mEvents;
+    ComponentSelection mComponents;
+    ComponentSelection mNoComponents;
+    TimeShift mShift;
+    Timer mTuning;
+    PlayState mState = PlayState::Unrealized;
+    std::shared_ptr<Channel> mChannel;
+    int mQuiet = 0;
+    bool mProblem = false;  // connecting because of a problem that may pass
+    bool mRecording = false;
+};
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,62 @@
+// hbbtv-sim: options, line-up, sockets, and then the loop until a signal comes.
+#include <csignal>
+#include <cstdio>
+#include <exception>
+
+#include "command_line.h"
+#include "simulator.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+int TellOther(const Options& options) {
+    const std::string answer = Tell(options.directory + "/" + kControlSocket, *options.tell);
+    std::printf("%s\n", answer.c_str());
+    return answer.rfind("ok", 0) == 0 ? kEnded : kTellFailed;
+}
+
+int Serve(const Options& options) {
+    const LineUp lineUp = options.lineUp.empty() ? DefaultLineUp() : ReadLineUp(options.lineUp);
+    const Journal journal(options.trace);
+    EventLoop loop;
+    loop.StopOnSignals({SIGINT, SIGTERM});
+    Simulator simulator(loop, journal, lineUp, options.settings, options.directory);
+    for (const std::string& fault : options.faults) {
+        const std::string answer = simulator.Command(fault);
+        if (answer == "ok") continue;
+        std::fprintf(stderr, "hbbtv-sim: --fault: %s\n", answer.c_str());
+        return kUsage;
+    }
+    std::printf("%sready\n", simulator.Summary().c_str());
+    loop.Run();
+    return kEnded;
+}
+
+int Main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    try {
+        const Options options = ReadCommandLine(argc, argv);
+        return options.tell ? TellOther(options) : Serve(options);
+    } catch (const EndNow& end) {
+        return end.exitCode;
+    } catch (const BadLineUp& e) {
+        std::fprintf(stderr, "hbbtv-sim: the line-up is refused: %s\n", e.what());
+        return kLineUpRefused;
+    } catch (const CannotServe& e) {
+        std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
+        return kCannotServe;
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
+        return kTellFailed;
+    }
+}
+
+}  // namespace
+
+}  // namespace hbbtv::sim
+
+int main(int argc, char** argv) {
+    return hbbtv::sim::Main(argc, argv);
+}

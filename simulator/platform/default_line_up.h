@@ -1,0 +1,8 @@
+// simulator/data/lineup.json, put into the program at build time.
+#pragma once
+
+namespace hbbtv::sim {
+
+extern const char* const kDefaultLineUp;
+
+}  // namespace hbbtv::sim

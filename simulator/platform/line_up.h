@@ -1,0 +1,99 @@
+// The services that the simulated television receives, as the line-up file describes them. The file's format is
+// documented in docs/simulator.md.
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace hbbtv::sim {
+
+// Values of OIPF DAE volume 5.
+enum class ComponentType { Video = 0, Audio = 1, Subtitle = 2 };
+enum class ChannelType { Tv = 0, Radio = 1, Other = 2 };
+enum class IdType {
+    Analog = 0,
+    DvbC = 10,
+    DvbS = 11,
+    DvbT = 12,
+    DvbSiDirect = 13,
+    DvbC2 = 14,
+    DvbS2 = 15,
+    DvbT2 = 16,
+    IptvSds = 40,
+    IptvUri = 41
+};
+
+struct Component {
+    ComponentType type = ComponentType::Video;
+    int tag = 0;
+    int pid = 0;
+    std::string encoding;
+    bool encrypted = false;
+    double aspectRatio = 0;         // video
+    std::string language;           // audio and subtitles, ISO 639-2
+    bool audioDescription = false;  // audio
+    int audioChannels = 0;          // audio
+    bool hearingImpaired = false;   // subtitles
+    std::string label;
+    bool description = false;  // made by a client: no component of a service, but a description of one
+};
+
+struct Network {
+    std::string id;
+    std::string name;
+    std::string position;  // of a satellite, as people write it: "19.2E"; empty otherwise
+    IdType delivery = IdType::DvbS;
+    int networkId = 0;
+};
+
+enum class Access {
+    Free,
+    Scrambled,
+    Locked
+};  // Scrambled: no key or module for it; Locked: by the parents, with a PIN
+
+struct Service {
+    std::string name;
+    std::string provider;
+    std::shared_ptr<const Network> network;
+    int onid = 0;
+    int tsid = 0;
+    int sid = 0;
+    ChannelType type = ChannelType::Tv;
+    bool highDefinition = false;
+    int number = 0;      // on the remote control; 0 for a service that is not in the channel list
+    bool listed = true;  // on air without being in the channel list when false
+    Access access = Access::Free;
+    bool received = true;
+    std::vector<std::shared_ptr<Component>> components;
+};
+
+struct LineUp {
+    std::vector<std::shared_ptr<Service>> services;  // in the order of the file, which is the order of zapping
+
+    std::shared_ptr<Service> Find(int onid, int tsid, int sid) const;
+    std::shared_ptr<Service> FindNumber(int number) const;
+
+    // The listed service `steps` behind this one, round and round. Null when this one is not listed.
+    std::shared_ptr<Service> Neighbour(const Service& from, int steps) const;
+
+    std::shared_ptr<Service> First() const;
+};
+
+// A line-up that cannot be used; the text says where (name:line:column) and why.
+class BadLineUp : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+// `name` stands for the text in messages.
+LineUp ParseLineUp(const std::string& text, const std::string& name);
+
+LineUp ReadLineUp(const std::string& path);
+
+// The line-up that is built into the program.
+LineUp DefaultLineUp();
+
+}  // namespace hbbtv::sim

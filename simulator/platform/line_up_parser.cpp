@@ -1,0 +1,345 @@
+// The line-up file from text to services. Whatever is wrong gets one sentence with its line and column, and a name that
+// nobody knows gets the nearest one that is known.
+#include <json/reader.h>
+
+#include <cctype>
+#include <exception>
+#include <map>
+#include <set>
+#include <tuple>
+
+#include "core/nearest_name.h"
+#include "platform/line_up.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+using Names = std::map<std::string, int>;
+
+const Names kDeliveries{{"DVB_C", 10}, {"DVB_S", 11}, {"DVB_T", 12}, {"DVB_C2", 14}, {"DVB_S2", 15}, {"DVB_T2", 16}};
+const Names kChannelTypes{{"TV", 0}, {"RADIO", 1}, {"OTHER", 2}};
+const Names kDefinitions{{"SD", 0}, {"HD", 1}};
+const Names kAccess{{"free", 0}, {"scrambled", 1}, {"locked", 2}};
+const Names kReceptions{{"none", 0}, {"good", 1}};
+const Names kComponentTypes{{"video", 0}, {"audio", 1}, {"subtitle", 2}};
+
+// OIPF DAE volume 2, media formats.
+const Names kEncodings[] = {
+    {{"AVC_HD_25", 0},
+     {"AVC_HD_30", 0},
+     {"AVC_SD_25", 0},
+     {"AVC_SD_30", 0},
+     {"AVC_SP_25", 0},
+     {"AVC_SP_30", 0},
+     {"AVC_3D_25", 0},
+     {"AVC_3D_30", 0},
+     {"MPEG2_SD_25", 0},
+     {"MPEG2_SD_30", 0},
+     {"MPEG2_HD_25", 0},
+     {"MPEG2_HD_30", 0}},
+    {{"HEAAC", 0}, {"HEAAC2", 0}, {"HEAAC_MPS", 0}, {"MPEG1_L2", 0}, {"AC3", 0}, {"E-AC3", 0}, {"DTS", 0}},
+    {{"DVB-SUBT", 0}, {"EBU-SUBT", 0}, {"CEA-SUBT", 0}, {"3GPP-TT", 0}}};
+
+constexpr int kLargestId = 65535;
+constexpr int kLargestPid = 8190;
+constexpr int kLargestTag = 255;
+constexpr int kLargestNumber = 9999;
+constexpr int kMostChannels = 24;
+constexpr int kDeepestNesting = 32;
+
+std::string Quoted(const std::string& text) {
+    return "\"" + text + "\"";
+}
+
+// Text and name of the file, and the one way in which it is refused.
+class Source {
+  public:
+    Source(const std::string& text, std::string name) : mText(text), mName(std::move(name)) {}
+
+    [[noreturn]] void Refuse(const Json::Value& where, const std::string& reason) const {
+        RefuseAt(static_cast<size_t>(where.getOffsetStart()), reason);
+    }
+
+    [[noreturn]] void RefuseAt(size_t offset, const std::string& reason) const {
+        size_t line = 1;
+        size_t column = 1;
+        for (size_t i = 0; i < offset && i < mText.size(); ++i) {
+            column = mText[i] == '\n' ? 1 : column + 1;
+            if (mText[i] == '\n') ++line;
+        }
+        throw BadLineUp(mName + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + reason);
+    }
+
+    [[noreturn]] void RefuseSyntax(const std::string& errors) const;
+
+    Json::Value Parse() const;
+
+  private:
+    const std::string& mText;
+    std::string mName;
+};
+
+// The JSON reader's own report: "* Line 3, Column 5\n  Missing ...\nSee Line ...". Its first error is the one to fix.
+void Source::RefuseSyntax(const std::string& errors) const {
+    unsigned line = 1;
+    unsigned column = 1;
+    std::sscanf(errors.c_str(), "* Line %u, Column %u", &line, &column);
+    const size_t begin = errors.find_first_not_of(" \n", errors.find('\n'));
+    std::string reason = begin == std::string::npos ? "" : errors.substr(begin, errors.find('\n', begin) - begin);
+    while (!reason.empty() && reason.back() == '.') reason.pop_back();
+    throw BadLineUp(mName + ":" + std::to_string(line) + ":" + std::to_string(column) + ": not JSON: " + reason);
+}
+
+Json::Value Source::Parse() const {
+    if (mText.find_first_not_of(" \t\r\n") == std::string::npos) RefuseAt(0, "the file is empty");
+    Json::CharReaderBuilder builder;
+    builder["collectComments"] = false;
+    builder["allowComments"] = false;
+    builder["allowTrailingCommas"] = false;
+    builder["failIfExtra"] = true;
+    builder["rejectDupKeys"] = true;
+    builder["stackLimit"] = kDeepestNesting;
+    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    Json::Value root;
+    std::string errors;
+    bool good = false;
+    try {
+        good = reader->parse(mText.data(), mText.data() + mText.size(), &root, &errors);
+    } catch (const std::exception&) {
+        RefuseAt(0, "the file nests deeper than " + std::to_string(kDeepestNesting) + " levels");
+    }
+    if (!good) RefuseSyntax(errors);
+    return root;
+}
+
+// One JSON object of the file with the members that it may have. What it is called ("service") opens every sentence.
+class Object {
+  public:
+    Object(const Source& source, const Json::Value& value, std::string what, const std::set<std::string>& known)
+        : mSource(source), mValue(value), mWhat(std::move(what)) {
+        if (!value.isObject()) source.Refuse(value, "a " + mWhat + " is written as an object, in { }");
+        for (const std::string& name : value.getMemberNames()) {
+            if (known.count(name) == 0) {
+                source.Refuse(value[name], "a " + mWhat + " has no member " + Quoted(name) + DidYouMean(name, known));
+            }
+        }
+    }
+
+    bool Has(const char* name) const { return mValue.isMember(name); }
+
+    const Json::Value& Member(const char* name) const {
+        if (!Has(name)) mSource.Refuse(mValue, "the " + mWhat + " lacks the member " + Quoted(name));
+        return mValue[name];
+    }
+
+    std::string Text(const char* name) const {
+        const Json::Value& member = Member(name);
+        if (!member.isString()) Refuse(name, "is not a text");
+        if (member.asString().empty()) Refuse(name, "is empty");
+        return member.asString();
+    }
+
+    std::string Text(const char* name, const char* otherwise) const { return Has(name) ? Text(name) : otherwise; }
+
+    int Int(const char* name, int least, int most) const {
+        const Json::Value& member = Member(name);
+        const std::string range = std::to_string(least) + " to " + std::to_string(most);
+        if (!member.isInt()) Refuse(name, "is not a whole number from " + range);
+        if (member.asInt() < least || member.asInt() > most) {
+            Refuse(name, "is " + std::to_string(member.asInt()) + ", it has to be from " + range);
+        }
+        return member.asInt();
+    }
+
+    bool Bool(const char* name, bool otherwise) const {
+        if (!Has(name)) return otherwise;
+        if (!mValue[name].isBool()) Refuse(name, "is neither true nor false");
+        return mValue[name].asBool();
+    }
+
+    double Real(const char* name, double otherwise, double least, double most) const {
+        if (!Has(name)) return otherwise;
+        const Json::Value& member = mValue[name];
+        if (!member.isNumeric() || member.asDouble() < least || member.asDouble() > most) {
+            Refuse(name, "is not a number from " + std::to_string(least).substr(0, 3) + " to " +
+                             std::to_string(most).substr(0, 3));
+        }
+        return member.asDouble();
+    }
+
+    int OneOf(const char* name, const Names& names) const {
+        const std::string text = Text(name);
+        const auto found = names.find(text);
+        if (found != names.end()) return found->second;
+        std::set<std::string> known;
+        for (const auto& entry : names) known.insert(entry.first);
+        Refuse(name, "is " + Quoted(text) + ", which is not known" + DidYouMean(text, known));
+    }
+
+    int OneOf(const char* name, const Names& names, int otherwise) const {
+        return Has(name) ? OneOf(name, names) : otherwise;
+    }
+
+    const Json::Value& List(const char* name) const {
+        const Json::Value& member = Member(name);
+        if (!member.isArray()) Refuse(name, "is written as a list, in [ ]");
+        return member;
+    }
+
+    void Only(bool allowed, const char* name, const std::string& whose) const {
+        if (!allowed && Has(name)) Refuse(name, "belongs to " + whose + " only");
+    }
+
+    [[noreturn]] void Refuse(const char* name, const std::string& reason) const {
+        mSource.Refuse(mValue[name], "the member " + Quoted(name) + " of the " + mWhat + " " + reason);
+    }
+
+    [[noreturn]] void Refuse(const std::string& reason) const { mSource.Refuse(mValue, reason); }
+
+  private:
+    const Source& mSource;
+    const Json::Value& mValue;
+    std::string mWhat;
+};
+
+Network ReadNetwork(const Source& source, const Json::Value& value) {
+    const Object object(source, value, "network", {"id", "name", "position", "delivery", "nid"});
+    Network network;
+    network.id = object.Text("id");
+    network.name = object.Text("name");
+    network.position = object.Text("position", "");
+    network.delivery = static_cast<IdType>(object.OneOf("delivery", kDeliveries));
+    network.networkId = object.Int("nid", 0, kLargestId);
+    return network;
+}
+
+std::string Language(const Object& object) {
+    const std::string language = object.Text("language");
+    const bool good =
+        language.size() == 3 && language.find_first_not_of("abcdefghijklmnopqrstuvwxyz") == std::string::npos;
+    if (!good) object.Refuse("language", "is not an ISO 639-2 code of three small letters");
+    return language;
+}
+
+Component ReadComponent(const Source& source, const Json::Value& value) {
+    const Object object(source, value, "component",
+                        {"type", "tag", "pid", "encoding", "encrypted", "aspectRatio", "language", "audioDescription",
+                         "channels", "hearingImpaired", "label"});
+    Component component;
+    component.type = static_cast<ComponentType>(object.OneOf("type", kComponentTypes));
+    const bool video = component.type == ComponentType::Video;
+    const bool audio = component.type == ComponentType::Audio;
+    const bool subtitle = component.type == ComponentType::Subtitle;
+    object.Only(video, "aspectRatio", "video components");
+    object.Only(audio, "audioDescription", "audio components");
+    object.Only(audio, "channels", "audio components");
+    object.Only(subtitle, "hearingImpaired", "subtitle components");
+    object.Only(!video, "language", "audio and subtitle components");
+    component.tag = object.Int("tag", 0, kLargestTag);
+    component.pid = object.Int("pid", 0, kLargestPid);
+    object.OneOf("encoding", kEncodings[static_cast<int>(component.type)]);
+    component.encoding = object.Text("encoding");
+    component.encrypted = object.Bool("encrypted", false);
+    component.label = object.Text("label", "");
+    if (video) component.aspectRatio = object.Real("aspectRatio", 1.78, 1.0, 3.0);
+    if (!video) component.language = Language(object);
+    if (audio) component.audioDescription = object.Bool("audioDescription", false);
+    if (audio) component.audioChannels = object.Has("channels") ? object.Int("channels", 1, kMostChannels) : 2;
+    if (subtitle) component.hearingImpaired = object.Bool("hearingImpaired", false);
+    return component;
+}
+
+class LineUpReader {
+  public:
+    explicit LineUpReader(const Source& source) : mSource(source) {}
+
+    LineUp Read() {
+        const Json::Value root = mSource.Parse();
+        const Object object(mSource, root, "line-up", {"networks", "services"});
+        for (const Json::Value& value : object.List("networks")) AddNetwork(value);
+        for (const Json::Value& value : object.List("services")) AddService(value);
+        if (mLastNumber == 0) object.Refuse("services", "holds no service that is in the channel list");
+        return std::move(mLineUp);
+    }
+
+  private:
+    void AddNetwork(const Json::Value& value) {
+        const auto network = std::make_shared<const Network>(ReadNetwork(mSource, value));
+        if (!mNetworks.emplace(network->id, network).second) {
+            mSource.Refuse(value, "there is another network with the id " + Quoted(network->id));
+        }
+    }
+
+    std::shared_ptr<const Network> NetworkOf(const Object& object) const {
+        const std::string id = object.Text("network");
+        const auto found = mNetworks.find(id);
+        if (found != mNetworks.end()) return found->second;
+        std::set<std::string> ids;
+        for (const auto& entry : mNetworks) ids.insert(entry.first);
+        object.Refuse("network", "is " + Quoted(id) + ", and there is no such network" + DidYouMean(id, ids));
+    }
+
+    void AddService(const Json::Value& value) {
+        const Object object(mSource, value, "service",
+                            {"name", "provider", "network", "onid", "tsid", "sid", "type", "definition", "number",
+                             "listed", "access", "reception", "components"});
+        auto service = std::make_shared<Service>();
+        service->name = object.Text("name");
+        service->provider = object.Text("provider", "");
+        service->network = NetworkOf(object);
+        service->onid = object.Int("onid", 0, kLargestId);
+        service->tsid = object.Int("tsid", 0, kLargestId);
+        service->sid = object.Int("sid", 0, kLargestId);
+        service->type = static_cast<ChannelType>(object.OneOf("type", kChannelTypes));
+        object.Only(service->type != ChannelType::Radio, "definition", "services with a picture");
+        service->highDefinition = object.OneOf("definition", kDefinitions, 0) == 1;
+        service->access = static_cast<Access>(object.OneOf("access", kAccess, 0));
+        service->received = object.OneOf("reception", kReceptions, 1) == 1;
+        service->listed = object.Bool("listed", true);
+        ReadNumber(object, *service);
+        ReadComponents(object, *service);
+        if (mLineUp.Find(service->onid, service->tsid, service->sid)) {
+            object.Refuse("there is another service with the onid, tsid and sid of " + Quoted(service->name));
+        }
+        mLineUp.services.push_back(std::move(service));
+    }
+
+    void ReadNumber(const Object& object, Service& service) {
+        object.Only(service.listed, "number", "services that are in the channel list");
+        if (!service.listed) return;
+        service.number = object.Int("number", 1, kLargestNumber);
+        if (service.number <= mLastNumber) {
+            object.Refuse("number", "is " + std::to_string(service.number) + " and follows " +
+                                        std::to_string(mLastNumber) + ": services stand in the order of their numbers");
+        }
+        mLastNumber = service.number;
+    }
+
+    void ReadComponents(const Object& object, Service& service) const {
+        std::set<int> tags;
+        for (const Json::Value& value : object.List("components")) {
+            const auto component = std::make_shared<Component>(ReadComponent(mSource, value));
+            if (!tags.insert(component->tag).second) {
+                mSource.Refuse(value, Quoted(service.name) + " has another component with the tag " +
+                                          std::to_string(component->tag));
+            }
+            service.components.push_back(component);
+        }
+        if (service.components.empty()) object.Refuse("components", "is empty");
+    }
+
+    const Source& mSource;
+    std::map<std::string, std::shared_ptr<const Network>> mNetworks;
+    LineUp mLineUp;
+    int mLastNumber = 0;
+};
+
+}  // namespace
+
+LineUp ParseLineUp(const std::string& text, const std::string& name) {
+    const Source source(text, name);
+    return LineUpReader(source).Read();
+}
+
+}  // namespace hbbtv::sim

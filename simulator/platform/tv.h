@@ -1,0 +1,108 @@
+// The television that the families share: its line-up, its one tuner, its programme schedule, and the handles of the
+// objects that more than one family knows.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/handles.h"
+#include "platform/line_up.h"
+#include "platform/schedule.h"
+
+namespace hbbtv::sim {
+
+// Why a channel cannot be presented; values of OIPF DAE volume 5.
+enum class ChannelError {
+    NotSupported = 0,
+    CannotTune = 1,
+    TunerLocked = 2,
+    ParentalLock = 3,
+    Encrypted = 4,
+    UnknownChannel = 5,
+    Interrupted = 6,
+    BeingRecorded = 7,
+    CannotResolveUri = 8,
+    NotEnoughBandwidth = 9,
+    NoNextOrPrevious = 10,
+    NotEnoughResources = 11,
+    NotInTransportStream = 12,
+    Unidentified = 100
+};
+
+// A channel as clients know it. Made from a service of the line-up, or by a client from numbers; in the latter case
+// `service` is null when the numbers name nothing that is on air.
+struct Channel {
+    int idType = 0;
+    int onid = 0;
+    int tsid = 0;
+    int sid = 0;
+    int sourceId = 0;
+    std::string dsd;
+    std::string ipBroadcastId;
+    std::shared_ptr<const Service> service;
+};
+
+using ComponentList = std::vector<std::shared_ptr<Component>>;
+
+// One tuner for the viewer and all applications. Whoever connects or presents uses it; it stays on its channel when
+// the user lets go, so there is always a channel on.
+class Tuner {
+  public:
+    const std::shared_ptr<Channel>& On() const { return mOn; }
+    bool FreeFor(const void* user) const { return !mTaken && (mUser == nullptr || mUser == user); }
+    const void* LatestUser() const { return mLatest; }
+
+    void Set(std::shared_ptr<Channel> channel) { mOn = std::move(channel); }
+    void Use(const void* user, std::shared_ptr<Channel> channel);
+    void Leave(const void* user);
+    void Forget(const void* user);
+
+    // By something that is no application: nobody can tune then.
+    void TakeAway(bool taken) { mTaken = taken; }
+
+    bool recorded = false;  // what is on is being recorded: no change of channel
+
+  private:
+    std::shared_ptr<Channel> mOn;
+    const void* mUser = nullptr;
+    const void* mLatest = nullptr;
+    bool mTaken = false;
+};
+
+class Tv {
+  public:
+    // Without a seed the handles differ from run to run; the schedule is the same for everybody who gives none.
+    Tv(LineUp theLineUp, std::optional<uint32_t> seed);
+
+    // The channel of a service, always the same one.
+    std::shared_ptr<Channel> ChannelOf(const std::shared_ptr<const Service>& service);
+
+    // A channel from numbers. When they name a service of the line-up, it is that service's channel.
+    std::shared_ptr<Channel> MakeChannel(Channel numbers);
+
+    // Why the tuner cannot even try.
+    std::optional<ChannelError> Refusal(const Channel& channel) const;
+
+    // What is found once it is tuned: nothing when it can be presented.
+    static std::optional<ChannelError> Obstacle(const Channel& channel);
+
+    LineUp lineUp;
+    Schedule schedule;
+    HandleSource handleSource;
+    HandleTable<Channel> channels;
+    HandleTable<Component> components;
+    HandleTable<ComponentList> componentLists;
+    HandleTable<Programme> programmes;
+    HandleTable<ProgrammeList> programmeLists;
+    Tuner tuner;
+    int displaySource = 0;
+
+  private:
+    bool Receives(int idType) const;
+
+    std::map<const Service*, std::shared_ptr<Channel>> mChannelOfService;
+};
+
+}  // namespace hbbtv::sim
