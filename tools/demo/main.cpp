@@ -57,16 +57,12 @@ class Demo {
     }
 
   private:
-    using Clock = Transcript::Clock;
-
     // A call without results.
     bool Call(const std::string& what, const std::function<android::hardware::Return<int32_t>()>& call) {
-        const auto start = Clock::now();
+        mTranscript.Ask(what);
         const auto status = call();
-        const auto took = Clock::now() - start;
         const bool ok = status.isOk() && static_cast<int32_t>(status) == 0;
-        mTranscript.Call(what, !status.isOk() ? "the service is gone" : ok ? "done" : "status " + std::to_string(status),
-                         took);
+        mTranscript.Answer(!status.isOk() ? "the service is gone" : ok ? "done" : "status " + std::to_string(status));
         return ok;
     }
 
@@ -76,14 +72,13 @@ class Demo {
              const std::function<android::hardware::Return<void>(std::function<void(int32_t, Result)>)>& call,
              const std::function<std::string(Result)>& show, Result& result) {
         int32_t status = -1;
-        const auto start = Clock::now();
+        mTranscript.Ask(what);
         const auto returned = call([&](int32_t theStatus, Result theResult) {
             status = theStatus;
             result = theResult;
         });
-        const auto took = Clock::now() - start;
         const bool ok = returned.isOk() && status == 0;
-        mTranscript.Call(what, ok ? show(result) : "status " + std::to_string(status), took);
+        mTranscript.Answer(ok ? show(result) : "status " + std::to_string(status));
         return ok;
     }
 

@@ -4,6 +4,8 @@
 #include <chrono>
 #include <mutex>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace hbbtv::demo {
 
@@ -14,17 +16,23 @@ class Transcript {
     // A heading between steps.
     void Step(const std::string& title);
 
-    // A call: what was asked, what came back, how long it took.
-    void Call(const std::string& what, const std::string& answer, Clock::duration took);
+    // A call that is about to be made. Events that come before its answer are shown behind it.
+    void Ask(const std::string& what);
+
+    // What came back, and how long it took.
+    void Answer(const std::string& answer);
 
     // An event. Any thread.
     void Event(const std::string& what, const std::string& values);
 
   private:
-    void Line(const std::string& text);
+    void LineLocked(Clock::time_point when, const std::string& text);
 
     const Clock::time_point mStart = Clock::now();
-    std::mutex mMutex;  // one line at a time
+    std::mutex mMutex;
+    std::string mAsked;                                                // guarded by mMutex; empty between calls
+    Clock::time_point mAskedAt;                                        // guarded by mMutex
+    std::vector<std::pair<Clock::time_point, std::string>> mDeferred;  // guarded by mMutex
 };
 
 }  // namespace hbbtv::demo

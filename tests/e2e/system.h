@@ -1,0 +1,45 @@
+// The programs of the system as processes of a test: the service, the simulated platform, clients.
+#pragma once
+
+#include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
+
+#include <string>
+
+#include "child_process.h"
+
+namespace hbbtv::test {
+
+// In the directory of the test's ScratchDirectory.
+class ServiceProcess : public ChildProcess {
+  public:
+    ServiceProcess()
+        : ChildProcess({HBBTV_SERVICE_PROGRAM}, {std::string("HIDL_HOST_PASSTHROUGH_PATH=") + HBBTV_LIBRARIES}) {}
+};
+
+class SimulatedPlatform : public ChildProcess {
+  public:
+    SimulatedPlatform() : ChildProcess({HBBTV_SIM_PROGRAM, "--tune-time", "20ms"}) {}
+
+    bool Ready() { return WaitForOutput("ready"); }
+};
+
+// A client that registers a callback and then waits until it is ended: see registered_client.cpp.
+class RegisteredClient : public ChildProcess {
+  public:
+    RegisteredClient() : ChildProcess({HBBTV_REGISTERED_CLIENT_PROGRAM}) {}
+
+    bool Registered() { return WaitForOutput("registered\n"); }
+};
+
+// The service's video/broadcast interface, waiting for the service to start; null when it does not in time.
+inline android::sp<vantorel::hardware::hbbtv::V1_0::IVideoBroadcast> FindVideoBroadcast() {
+    using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
+    android::sp<IVideoBroadcast> service;
+    WaitFor([&] {
+        service = IVideoBroadcast::tryGetService();
+        return service != nullptr && service->ping().isOk();
+    });
+    return service;
+}
+
+}  // namespace hbbtv::test
