@@ -4,8 +4,8 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <algorithm>
 #include <cstdlib>
-#include <iostream>
 
 namespace hbbtv::sim {
 
@@ -55,6 +55,7 @@ Options ReadCommandLine(int argc, char** argv) {
     options.directory = DefaultDirectory();
     std::string tuneTime = "300ms";
     std::string streamEventInterval = "2s";
+    std::string permanentError = "channel-error";
     uint32_t seed = 0;
     std::string tell;
     CLI::App app(
@@ -73,13 +74,10 @@ Options ReadCommandLine(int argc, char** argv) {
         ->type_name("TIME")
         ->check(CheckTime)
         ->capture_default_str();
-    app.add_option("--permanent-error", options.settings.permanentErrorEvent,
-                   "Event in front of PlayState when tuning fails for good: channel-error (default), channel-changed")
+    app.add_option("--permanent-error", permanentError, "Event in front of PlayState when tuning fails for good")
         ->type_name("EVENT")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, PermanentErrorEvent>{
-                                                {"channel-error", PermanentErrorEvent::ChannelError},
-                                                {"channel-changed", PermanentErrorEvent::ChannelChanged}})
-                        .description(""));
+        ->check(CLI::IsMember({"channel-error", "channel-changed"}).description("channel-error|channel-changed"))
+        ->capture_default_str();
     CLI::Option* seedOption =
         app.add_option("--seed", seed, "The same handles and programmes for the same number")->type_name("NUMBER");
     app.add_flag("--trace", options.trace, "One line per request with its reply, and per event");
@@ -96,6 +94,9 @@ Options ReadCommandLine(int argc, char** argv) {
     }
     options.settings.tuneTime = *ReadTime(tuneTime);
     options.settings.streamEventInterval = *ReadTime(streamEventInterval);
+    const bool changed = permanentError == "channel-changed";
+    options.settings.permanentErrorEvent =
+        changed ? PermanentErrorEvent::ChannelChanged : PermanentErrorEvent::ChannelError;
     if (seedOption->count() > 0) options.settings.seed = seed;
     if (tellOption->count() > 0) options.tell = tell;
     for (std::string& fault : options.faults) fault[fault.find(':')] = ' ';

@@ -37,7 +37,8 @@ std::string DidYouMean(const std::string& name, const std::set<std::string>& kno
     size_t least = std::max<size_t>(name.size() / 2, 1) + 1;
     std::string all;
     for (const std::string& candidate : known) {
-        const size_t distance = name.size() > kLongestName ? least : Distance(name, candidate);
+        const bool begun = !name.empty() && candidate.rfind(name, 0) == 0;
+        const size_t distance = name.size() > kLongestName ? least : begun ? 1 : Distance(name, candidate);
         if (distance < least) {
             least = distance;
             nearest = candidate;

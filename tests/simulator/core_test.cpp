@@ -1,0 +1,227 @@
+// Small parts of the simulator by themselves: frames, handles, names, the schedule, and events that wait for a reply.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <thread>
+
+#include "core/event_sender.h"
+#include "core/frame.h"
+#include "core/handles.h"
+#include "core/json_text.h"
+#include "core/nearest_name.h"
+#include "platform/schedule.h"
+#include "raw_peers.h"
+#include "scratch_directory.h"
+
+namespace hbbtv::sim {
+namespace {
+
+TEST(Frames, AreTwelveBytesOfHeaderAndThePayload) {
+    const std::string bytes = Encode({3, 7, "abc"});
+    EXPECT_EQ(bytes, std::string("\x03\0\0\0\x03\0\0\0\x07\0\0\0abc", 15));
+}
+
+TEST(Frames, ComeOutWholeHoweverTheirBytesArrive) {
+    const std::string bytes = Encode({2, -1, "one"}) + Encode({1, 5, ""}) + Encode({2, 6, "three"});
+    FrameReader reader;
+    std::vector<std::string> payloads;
+    for (const char byte : bytes) {
+        reader.Take(&byte, 1);
+        while (const auto frame = reader.Next()) payloads.push_back(frame->payload);
+    }
+    EXPECT_EQ(payloads, (std::vector<std::string>{"one", "", "three"}));
+    EXPECT_FALSE(reader.InMessage());
+}
+
+TEST(Frames, AboveTheLimitAreNamedAndNeverComeOut) {
+    FrameReader reader;
+    const std::string bytes("\x01\0\x40\0\x02\0\0\0\x07\0\0\0", 12);  // 4 MiB and one byte
+    reader.Take(bytes.data(), bytes.size());
+    EXPECT_FALSE(reader.Next().has_value());
+    EXPECT_EQ(reader.Oversized(), 4194305u);
+}
+
+TEST(PointerTexts, AreWrittenAsCDoes) {
+    EXPECT_EQ(PointerText(0), "");
+    EXPECT_EQ(PointerText(0xFEDC1234), "0xfedc1234");
+    EXPECT_EQ(PointerText(0x7fff00000001), "0x7fff00000001");
+}
+
+TEST(PointerTexts, AreReadAsCDoes) {
+    EXPECT_EQ(ReadPointer(""), 0u);
+    EXPECT_EQ(ReadPointer("(nil)"), 0u);
+    EXPECT_EQ(ReadPointer("0x0"), 0u);
+    EXPECT_EQ(ReadPointer("0xfedc1234"), 0xfedc1234u);
+    EXPECT_EQ(ReadPointer(" 0XFEDC1234 etc"), 0xfedc1234u);
+    EXPECT_EQ(ReadPointer("fedc"), 0xfedcu);
+    EXPECT_EQ(ReadPointer("0xffffffffffffffff"), UINT64_MAX);
+    EXPECT_FALSE(ReadPointer("0x10000000000000000").has_value());
+    EXPECT_FALSE(ReadPointer("handle").has_value());
+    EXPECT_FALSE(ReadPointer("0x").has_value());
+    EXPECT_FALSE(ReadPointer("-1").has_value());
+}
+
+TEST(Handles, AreNeverZeroAndNeverGivenOutAgainSoon) {
+    HandleSource source(1);
+    std::set<Handle> seen;
+    for (int i = 0; i < 100000; ++i) {
+        const Handle handle = source.New();
+        EXPECT_NE(handle, 0u);
+        EXPECT_TRUE(seen.insert(handle).second);
+    }
+}
+
+TEST(Handles, NameOneObjectOfOneKindUntilTheyAreRemoved) {
+    HandleSource source(1);
+    HandleTable<int> numbers(source);
+    HandleTable<std::string> texts(source);
+    const auto number = std::make_shared<int>(5);
+    const Handle handle = numbers.HandleOf(number);
+    EXPECT_EQ(numbers.HandleOf(number), handle);
+    EXPECT_EQ(numbers.Find(handle), number);
+    EXPECT_EQ(texts.Find(handle), nullptr);
+    EXPECT_EQ(numbers.Find(handle | (uint64_t{1} << 32)), nullptr);
+    EXPECT_TRUE(numbers.Remove(handle));
+    EXPECT_FALSE(numbers.Remove(handle));
+    EXPECT_EQ(numbers.Find(handle), nullptr);
+    EXPECT_NE(numbers.HandleOf(number), handle);
+    EXPECT_EQ(numbers.HandleOf(nullptr), 0u);
+}
+
+TEST(Handles, OfOneKindComeToAnEndBeforeTheMemoryDoes) {
+    HandleSource source(1);
+    HandleTable<int> numbers(source);
+    std::vector<std::shared_ptr<int>> all;
+    EXPECT_THROW(
+        {
+            for (int i = 0; i < 100000; ++i) numbers.HandleOf(std::make_shared<int>(i));
+        },
+        std::exception);
+}
+
+TEST(Json, ThatNestsTooDeepIsRefusedWithThatReason) {
+    Json::Value document;
+    std::string error;
+    EXPECT_FALSE(ParseJson(std::string(100000, '['), document, error));
+    EXPECT_EQ(error, "nested deeper than 32 levels");
+    EXPECT_TRUE(ParseJson("{\"a\": [[1]]}", document, error));
+}
+
+TEST(NearestName, IsTheOneWithTheFewestChanges) {
+    EXPECT_EQ(DidYouMean("nmae", {"name", "network"}), "; did you mean \"name\"?");
+    EXPECT_EQ(DidYouMean("zip", {"zap", "signal"}), "; did you mean \"zap\"?");
+    EXPECT_EQ(DidYouMean("video", {"video_broadcast", "channel"}), "; did you mean \"video_broadcast\"?");
+    EXPECT_EQ(DidYouMean("elephant", {"a", "b"}), "; known are \"a\", \"b\"");
+    EXPECT_EQ(DidYouMean("x", {}), "");
+}
+
+class GeneratedSchedule : public testing::Test {
+  protected:
+    static constexpr std::time_t kDay = 86400;
+    static constexpr std::time_t kSomeDay = 20000 * kDay;
+
+    LineUp mLineUp = DefaultLineUp();
+    std::shared_ptr<const Service> mService = mLineUp.First();
+    Schedule mSchedule{0};
+};
+
+TEST_F(GeneratedSchedule, FillsADayWithoutGapAndOverlap) {
+    for (const auto& service : mLineUp.services) {
+        std::time_t end = kSomeDay;
+        for (const auto& programme : mSchedule.Between(service, kSomeDay, kSomeDay + kDay)) {
+            EXPECT_EQ(programme->start, end) << service->name;
+            EXPECT_GE(programme->duration, 600);
+            EXPECT_FALSE(programme->name.empty());
+            end = programme->start + programme->duration;
+        }
+        EXPECT_EQ(end, kSomeDay + kDay) << service->name;
+    }
+}
+
+TEST_F(GeneratedSchedule, KnowsWhatRunsAtEveryMinuteAndWhatFollows) {
+    for (std::time_t time = kSomeDay; time < kSomeDay + kDay + 7200; time += 60) {
+        const ProgrammeList both = mSchedule.NowAndNext(mService, time);
+        ASSERT_EQ(both.size(), 2u);
+        EXPECT_LE(both[0]->start, time);
+        EXPECT_GT(both[0]->start + both[0]->duration, time);
+        EXPECT_EQ(both[1]->start, both[0]->start + both[0]->duration);
+    }
+}
+
+TEST_F(GeneratedSchedule, IsTheSameForTheSameSeedAndAnotherForAnother) {
+    const auto names = [&](Schedule& schedule) {
+        std::string all;
+        for (const auto& programme : schedule.Between(mService, kSomeDay, kSomeDay + kDay))
+            all += programme->name + ",";
+        return all;
+    };
+    Schedule same(0);
+    Schedule other(1);
+    EXPECT_EQ(names(mSchedule), names(same));
+    EXPECT_NE(names(mSchedule), names(other));
+}
+
+// An event that asks for a reply. The loop runs on the test's thread, the library's end on another.
+class EventWithReply : public testing::Test {
+  protected:
+    // Runs until the reply, or its absence, is known.
+    Json::Value SendAndWait() {
+        Json::Value result;
+        mSender.SendAndWait("Question", Json::Value("?"), [&](const Json::Value& reply) {
+            result = reply;
+            mLoop.Stop();
+        });
+        mLoop.Run();
+        return result;
+    }
+
+    test::ScratchDirectory mDirectory;
+    Journal mJournal{false};
+    EventLoop mLoop;
+    EventSender mSender{mLoop, mJournal, mDirectory / "events", 7};
+};
+
+TEST_F(EventWithReply, IsARequestWhoseReplyArrives) {
+    test::LibraryStandIn served(mDirectory / "events");
+    std::optional<test::RawFrame> question;
+    std::thread library([&] {
+        question = served.Next();
+        served.Reply("{\"ret\": 5}");
+    });
+    EXPECT_EQ(SendAndWait()["ret"], 5);
+    library.join();
+    ASSERT_TRUE(question.has_value());
+    EXPECT_EQ(question->type, 2);
+    EXPECT_EQ(question->port, 7);
+}
+
+TEST_F(EventWithReply, GetsNoneWhenTheReplyIsEmpty) {
+    test::LibraryStandIn served(mDirectory / "events");
+    std::thread library([&] {
+        served.Next();
+        served.Reply("");
+    });
+    EXPECT_TRUE(SendAndWait().isNull());
+    library.join();
+}
+
+TEST_F(EventWithReply, IsAskedOnceMoreWhenTheConnectionGoesAndThenGivenUp) {
+    test::LibraryStandIn served(mDirectory / "events");
+    int asked = 0;
+    std::thread library([&] {
+        for (; asked < 2; ++asked) {
+            served.Next();
+            served.Disconnect();
+        }
+    });
+    EXPECT_TRUE(SendAndWait().isNull());
+    library.join();
+    EXPECT_EQ(asked, 2);
+}
+
+TEST_F(EventWithReply, GetsNoneWhenNobodyServesTheSocket) {
+    EXPECT_TRUE(SendAndWait().isNull());
+}
+
+}  // namespace
+}  // namespace hbbtv::sim

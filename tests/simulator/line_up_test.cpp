@@ -1,0 +1,239 @@
+// Reading of line-ups: the default one, and a sentence with line and column for everything that can be wrong.
+#include "platform/line_up.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace hbbtv::sim {
+namespace {
+
+const char* const kNetworks = R"("networks": [{"id": "sat", "name": "S", "delivery": "DVB_S", "nid": 1}])";
+const char* const kPicture = R"({"type": "video", "tag": 1, "pid": 100, "encoding": "AVC_HD_25"})";
+
+std::string Service(const std::string& more, const std::string& components = kPicture) {
+    return R"({"name": "A", "network": "sat", "onid": 1, "tsid": 2, "sid": 3, "type": "TV", "number": 4, )" + more +
+           R"("components": [)" + components + "]}";
+}
+
+std::string File(const std::string& services) {
+    return std::string("{") + kNetworks + ", \"services\": [" + services + "]}";
+}
+
+// The sentence with which the text is refused, without place; empty when it is not.
+std::string Refusal(const std::string& text) {
+    try {
+        ParseLineUp(text, "f");
+        return "";
+    } catch (const BadLineUp& e) {
+        const char* sentence = std::strchr(e.what(), ' ');
+        return sentence == nullptr ? e.what() : sentence + 1;
+    }
+}
+
+TEST(DefaultLineUp, HoldsTheServicesThatItIsMadeOf) {
+    const LineUp lineUp = DefaultLineUp();
+    ASSERT_EQ(lineUp.services.size(), 39u);
+    EXPECT_EQ(lineUp.First()->name, "Das Erste HD");
+    const auto bbc = lineUp.Find(9018, 4176, 4165);
+    ASSERT_NE(bbc, nullptr);
+    EXPECT_EQ(bbc->name, "BBC One");
+    EXPECT_FALSE(bbc->highDefinition);
+    EXPECT_EQ(bbc->network->delivery, IdType::DvbT);
+    for (const int sid : {3401, 3402, 3403}) {
+        ASSERT_NE(lineUp.Find(318, 5200, sid), nullptr);
+        EXPECT_EQ(lineUp.Find(318, 5200, sid)->access, Access::Scrambled);
+        EXPECT_EQ(lineUp.Find(318, 5200, sid)->network->position, "13E");
+    }
+    EXPECT_FALSE(lineUp.Find(1, 1111, 7200)->received);
+    EXPECT_EQ(lineUp.Find(1, 1011, 11191)->type, ChannelType::Radio);
+    EXPECT_FALSE(lineUp.Find(1, 65283, 28186)->listed);
+}
+
+TEST(DefaultLineUp, GivesEveryServiceASoundAndEveryTelevisionServiceAPicture) {
+    for (const auto& service : DefaultLineUp().services) {
+        int pictures = 0;
+        int sounds = 0;
+        for (const auto& component : service->components) {
+            pictures += component->type == ComponentType::Video;
+            sounds += component->type == ComponentType::Audio;
+        }
+        EXPECT_EQ(pictures, service->type == ChannelType::Radio ? 0 : 1) << service->name;
+        EXPECT_GE(sounds, 1) << service->name;
+    }
+}
+
+TEST(LineUpFile, GivesWhatIsLeftOutItsUsualValue) {
+    const LineUp lineUp = ParseLineUp(File(Service("")), "f");
+    ASSERT_EQ(lineUp.services.size(), 1u);
+    const auto& service = *lineUp.services[0];
+    EXPECT_EQ(service.name, "A");
+    EXPECT_EQ(service.number, 4);
+    EXPECT_TRUE(service.listed);
+    EXPECT_TRUE(service.received);
+    EXPECT_EQ(service.access, Access::Free);
+    EXPECT_FALSE(service.highDefinition);
+    EXPECT_DOUBLE_EQ(service.components[0]->aspectRatio, 1.78);
+    EXPECT_FALSE(service.components[0]->encrypted);
+}
+
+TEST(LineUpFile, WalksItsListRoundInBothDirections) {
+    const LineUp lineUp = DefaultLineUp();
+    const auto first = lineUp.First();
+    EXPECT_EQ(lineUp.Neighbour(*first, 1)->name, "ZDF HD");
+    EXPECT_EQ(lineUp.Neighbour(*first, -1)->name, "1LIVE");
+    EXPECT_EQ(lineUp.Neighbour(*lineUp.Neighbour(*first, -1), 1), first);
+    EXPECT_EQ(lineUp.Neighbour(*lineUp.Find(1, 65283, 28186), 1), nullptr);
+}
+
+TEST(LineUpFile, IsRefusedWithLineAndColumn) {
+    const std::string text =
+        std::string("{") + kNetworks + ",\n\"services\": [\n  " + Service("\n   \"nmae\": 1,") + "]}";
+    try {
+        ParseLineUp(text, "lineup.json");
+        FAIL();
+    } catch (const BadLineUp& e) {
+        EXPECT_STREQ(e.what(), "lineup.json:4:12: a service has no member \"nmae\"; did you mean \"name\"?");
+    }
+}
+
+struct Wrong {
+    const char* name;
+    std::string text;
+    std::string sentence;
+};
+
+void PrintTo(const Wrong& wrong, std::ostream* out) {
+    *out << wrong.name;
+}
+
+std::string WrongName(const testing::TestParamInfo<Wrong>& info) {
+    return info.param.name;
+}
+
+class WrongLineUp : public testing::TestWithParam<Wrong> {};
+
+TEST_P(WrongLineUp, IsRefusedWithASentence) {
+    EXPECT_EQ(Refusal(GetParam().text), GetParam().sentence);
+}
+
+std::string With(const std::string& from, const std::string& to) {
+    std::string text = File(Service(""));
+    const size_t at = text.find(from);
+    return at == std::string::npos ? "the test is wrong" : text.replace(at, from.size(), to);
+}
+
+std::string WithSound(const std::string& members) {
+    return File(
+        Service("", std::string(kPicture) + ", {\"type\": \"audio\", \"tag\": 2, \"pid\": 101, " + members + "}"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Every, WrongLineUp,
+    testing::Values(
+        Wrong{"Empty", " \n", "the file is empty"},
+        Wrong{"NoJson", "{\"networks\": [}", "not JSON: Syntax error: value, object or array expected"},
+        Wrong{"TwoDocuments", File(Service("")) + "{}", "not JSON: Extra non-whitespace after JSON value"},
+        Wrong{"NoObject", "[]", "a line-up is written as an object, in { }"},
+        Wrong{"Nesting", "{\"networks\": " + std::string(5000, '['), "the file nests deeper than 32 levels"},
+        Wrong{"NoNetworks", "{\"services\": []}", "the line-up lacks the member \"networks\""},
+        Wrong{"NoServices", std::string("{") + kNetworks + "}", "the line-up lacks the member \"services\""},
+        Wrong{"ServicesNoList", std::string("{") + kNetworks + ", \"services\": {}}",
+              "the member \"services\" of the line-up is written as a list, in [ ]"},
+        Wrong{"ServicesEmpty", File(""),
+              "the member \"services\" of the line-up holds no service that is in the channel list"},
+        Wrong{"ServiceNoObject", File("3"), "a service is written as an object, in { }"},
+        Wrong{"NumberTwice", File(Service("\"number\": 5, ")), "not JSON: Duplicate key: 'number'"},
+        Wrong{"NoName", With("\"name\": \"A\", ", ""), "the service lacks the member \"name\""},
+        Wrong{"NameNoText", With("\"A\"", "7"), "the member \"name\" of the service is not a text"},
+        Wrong{"NameEmpty", With("\"A\"", "\"\""), "the member \"name\" of the service is empty"},
+        Wrong{"UnknownNetwork", With("\"network\": \"sat\"", "\"network\": \"set\""),
+              "the member \"network\" of the service is \"set\", and there is no such network; did you mean \"sat\"?"},
+        Wrong{"UnknownDelivery", With("DVB_S", "DVB_X"),
+              "the member \"delivery\" of the network is \"DVB_X\", which is not known; did you mean \"DVB_C\"?"},
+        Wrong{"OnidText", With("\"onid\": 1", "\"onid\": \"1\""),
+              "the member \"onid\" of the service is not a whole number from 0 to 65535"},
+        Wrong{"OnidLarge", With("\"onid\": 1", "\"onid\": 65536"),
+              "the member \"onid\" of the service is 65536, it has to be from 0 to 65535"},
+        Wrong{"SidHuge", With("\"sid\": 3", "\"sid\": 1e300"),
+              "the member \"sid\" of the service is not a whole number from 0 to 65535"},
+        Wrong{"TypeUnknown", With("\"TV\"", "\"tv\""),
+              "the member \"type\" of the service is \"tv\", which is not known; did you mean \"TV\"?"},
+        Wrong{
+            "TypeStrange", With("\"TV\"", "\"Television\""),
+            "the member \"type\" of the service is \"Television\", which is not known; known are \"OTHER\", \"RADIO\", "
+            "\"TV\""},
+        Wrong{"RadioPicture", With("\"TV\", ", "\"RADIO\", \"definition\": \"HD\", "),
+              "the member \"definition\" of the service belongs to services with a picture only"},
+        Wrong{"Number0", With("\"number\": 4", "\"number\": 0"),
+              "the member \"number\" of the service is 0, it has to be from 1 to 9999"},
+        Wrong{"NumberUnlisted", File(Service("\"listed\": false, ")),
+              "the member \"number\" of the service belongs to services that are in the channel list only"},
+        Wrong{"ListedNoBool", File(Service("\"listed\": 1, ")),
+              "the member \"listed\" of the service is neither true nor false"},
+        Wrong{
+            "AccessUnknown", File(Service("\"access\": \"scrambbled\", ")),
+            "the member \"access\" of the service is \"scrambbled\", which is not known; did you mean \"scrambled\"?"},
+        Wrong{"ReceptionUnknown", File(Service("\"reception\": \"bad\", ")),
+              "the member \"reception\" of the service is \"bad\", which is not known; known are \"good\", \"none\""},
+        Wrong{"SameTriplet",
+              File(Service("") + R"(, {"name": "B", "network": "sat", "onid": 1, "tsid": 2, "sid": 3, "type": "TV",
+                                      "number": 5, "components": [)" +
+                   kPicture + "]}"),
+              "there is another service with the onid, tsid and sid of \"B\""},
+        Wrong{"SameNumber",
+              File(Service("") + R"(, {"name": "B", "network": "sat", "onid": 1, "tsid": 2, "sid": 9,
+                                      "type": "TV", "number": 4, "components": [)" +
+                   kPicture + "]}"),
+              "the member \"number\" of the service is 4 and follows 4: services stand in the order of their numbers"},
+        Wrong{"NoComponents", File(Service("", "")), "the member \"components\" of the service is empty"},
+        Wrong{"SameTag", File(Service("", std::string(kPicture) + ", " + kPicture)),
+              "\"A\" has another component with the tag 1"},
+        Wrong{"PidLarge", With("\"pid\": 100", "\"pid\": 8191"),
+              "the member \"pid\" of the component is 8191, it has to be from 0 to 8190"},
+        Wrong{"EncodingUnknown", With("AVC_HD_25", "AVC_HD25"),
+              "the member \"encoding\" of the component is \"AVC_HD25\", which is not known; did you mean "
+              "\"AVC_HD_25\"?"},
+        Wrong{"SoundAsPicture", WithSound("\"encoding\": \"AVC_HD_25\", \"language\": \"deu\""),
+              "the member \"encoding\" of the component is \"AVC_HD_25\", which is not known; known are \"AC3\", "
+              "\"DTS\", \"E-AC3\", \"HEAAC\", \"HEAAC2\", \"HEAAC_MPS\", \"MPEG1_L2\""},
+        Wrong{"NoLanguage", WithSound("\"encoding\": \"AC3\""), "the component lacks the member \"language\""},
+        Wrong{"LanguageForm", WithSound("\"encoding\": \"AC3\", \"language\": \"de\""),
+              "the member \"language\" of the component is not an ISO 639-2 code of three small letters"},
+        Wrong{"ChannelsMany", WithSound("\"encoding\": \"AC3\", \"language\": \"deu\", \"channels\": 99"),
+              "the member \"channels\" of the component is 99, it has to be from 1 to 24"},
+        Wrong{"RatioOfSound", WithSound("\"encoding\": \"AC3\", \"language\": \"deu\", \"aspectRatio\": 1.78"),
+              "the member \"aspectRatio\" of the component belongs to video components only"},
+        Wrong{"RatioStrange", With("\"AVC_HD_25\"", "\"AVC_HD_25\", \"aspectRatio\": 178"),
+              "the member \"aspectRatio\" of the component is not a number from 1.0 to 3.0"}),
+    WrongName);
+
+TEST(LineUpFile, CutOffAnywhereIsRefusedAndNeverRead) {
+    const std::string text = File(Service(""));
+    for (size_t length = 0; length < text.size(); ++length) {
+        EXPECT_NE(Refusal(text.substr(0, length)), "") << length;
+    }
+}
+
+TEST(LineUpFile, WithAnyByteReplacedIsReadOrRefusedButNothingElse) {
+    const std::string text = File(Service(""));
+    for (size_t at = 0; at < text.size(); ++at) {
+        for (const char byte : {'\0', '"', '{', ']', '9', '\xff'}) {
+            std::string damaged = text;
+            damaged[at] = byte;
+            EXPECT_NO_THROW(Refusal(damaged)) << at;
+        }
+    }
+}
+
+TEST(LineUpFile, ThatIsNotThereIsRefusedWithTheReason) {
+    try {
+        ReadLineUp("/nowhere/lineup.json");
+        FAIL();
+    } catch (const BadLineUp& e) {
+        EXPECT_STREQ(e.what(), "/nowhere/lineup.json: cannot be opened: No such file or directory");
+    }
+}
+
+}  // namespace
+}  // namespace hbbtv::sim

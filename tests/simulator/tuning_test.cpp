@@ -1,0 +1,278 @@
+// Channels, tuning and several objects, beyond the rows of the state table.
+#include "simulated_platform.h"
+
+namespace hbbtv::test {
+namespace {
+
+using Events = std::vector<std::string>;
+
+class Tuning : public SimulatedPlatform {
+  protected:
+    void SetUp() override { Start({"--tune-time", "0ms"}); }
+};
+
+TEST_F(Tuning, NextWalksTheListInOrderAndRoundPastUnlistedServices) {
+    const std::string vb = ObjectIn("presenting");
+    const std::string one = Channel(vb, 1);
+    Channel(vb, 2), Channel(vb, 5);
+    EXPECT_EQ(RetOf(vb, kPrevChannel), 0);
+    EXPECT_EQ(EventsUntil("PlayState 1 3"), (Events{"PlayState 1 0", "ChannelChanged Locked 0", "PlayState 1 3"}));
+    EXPECT_EQ(RetOf(vb, kNextChannel), 0);
+    EXPECT_EQ(EventsUntil("PlayState 2 0"), (Events{"PlayState 1 0", "ChannelChanged One 0", "PlayState 2 0"}));
+    EXPECT_EQ(RetOf(vb, kNextChannel), 0);
+    EXPECT_EQ(EventsUntil("PlayState 2 0"), (Events{"PlayState 1 0", "ChannelChanged Two 0", "PlayState 2 0"}));
+    EXPECT_EQ(RetOf(vb, kPrevChannel), 0);
+    EventsUntil("PlayState 2 0");
+    EXPECT_EQ(AskOf(vb, kGetCurrentChannel)["channel"], one);
+}
+
+TEST_F(Tuning, AQuietChangePassesItsNumberOn) {
+    const std::string vb = ObjectIn("unrealized");
+    EXPECT_EQ(RetOf(vb, kSetChannelQuiet,
+                    {{"channel", Channel(vb, 2)}, {"trickPlay", true}, {"url", "http://a.test"}, {"quiet", 2}}),
+              0);
+    EXPECT_EQ(EventsUntil("PlayState 2 0"), (Events{"PlayState 1 0", "ChannelChanged Two 2", "PlayState 2 0"}));
+}
+
+TEST_F(Tuning, AChannelByDescriptorIsFoundByItsServiceIdAndOtherwiseGivesError12) {
+    const std::string vb = ObjectIn("unrealized");
+    const auto create = [&](int sid) {
+        return AskOf(vb, kCreateChannel1, {{"idType", 13}, {"dsd", "C\x01\x02"}, {"sid", sid}})["channel"].asString();
+    };
+    EXPECT_EQ(create(2), Channel(vb, 2));
+    EXPECT_EQ(SetChannel(vb, create(77)), 0);
+    EXPECT_EQ(NextEventJson()["errorState"], 12);
+}
+
+TEST_F(Tuning, AnIpChannelCannotBeResolved) {
+    const std::string vb = ObjectIn("unrealized");
+    const std::string channel = AskOf(vb, kCreateChannel2,
+                                      {{"idType", 41},
+                                       {"onid", 0},
+                                       {"tsid", 0},
+                                       {"sid", 0},
+                                       {"sourceId", 0},
+                                       {"ipBroadcastId", "udp://239.0.0.1:5000"}})["channel"]
+                                    .asString();
+    EXPECT_EQ(SetChannel(vb, channel), 0);
+    EXPECT_EQ(NextEventJson()["errorState"], 8);
+}
+
+TEST_F(Tuning, AServiceHasTheSameHandleHoweverItIsAskedFor) {
+    const std::string vb = ObjectIn("presenting");
+    const std::string one = Channel(vb, 1);
+    EXPECT_EQ(Channel(vb, 1), one);
+    EXPECT_EQ(AskOf(vb, kGetCurrentChannel)["channel"], one);
+    EXPECT_EQ(AskOf(vb, kBindToCurrentChannel)["channel"], one);
+    EXPECT_NE(Channel(vb, 2), one);
+}
+
+TEST_F(Tuning, TwoObjectsHaveTwoStatesAndTheirEventsTwoContexts) {
+    const std::string first = ObjectIn("presenting", "0x1000");
+    const std::string second = NewObject("0x2000");
+    EXPECT_NE(first, second);
+    EXPECT_EQ(State(first), 2);
+    EXPECT_EQ(State(second), 0);
+    EXPECT_EQ(SetChannel(second, Channel(second, 2)), 0);
+    Json::Value event = NextEventJson();
+    EXPECT_EQ(event["context"], "0x2000");
+    EXPECT_EQ(event["event"], 0);
+    EXPECT_EQ(event["errorState"], 2) << "the first object uses the only tuner";
+    EXPECT_EQ(State(first), 2);
+    EXPECT_EQ(RetOf(first, kStop), 0);
+    event = NextEventJson();
+    EXPECT_EQ(event["context"], "0x1000");
+    EXPECT_EQ(event["state"], 3);
+    EXPECT_EQ(SetChannel(second, Channel(second, 2)), 0);
+    EXPECT_EQ(NextEventJson()["context"], "0x2000");
+    EventsUntil("PlayState 2 0");
+    EXPECT_EQ(State(first), 3);
+    EXPECT_EQ(State(second), 2);
+    EXPECT_EQ(RetOf(first, kNextChannel), 0);
+    EXPECT_EQ(NextEvent(), "ChannelError Two 2");
+    EXPECT_EQ(AskOf(first, kGetCurrentChannel)["channel"], Channel(first, 1));
+    EXPECT_EQ(AskOf(first, kBindToCurrentChannel)["channel"], "");
+    EXPECT_EQ(NextEvent(), "PlayState 3 11");
+}
+
+TEST_F(Tuning, ASecondObjectCannotBindWhileTheFirstPresents) {
+    ObjectIn("presenting");
+    const std::string second = NewObject();
+    EXPECT_EQ(AskOf(second, kBindToCurrentChannel)["channel"], "");
+    EXPECT_EQ(NextEvent(), "PlayState 0 11");
+}
+
+TEST_F(Tuning, AnObjectWithoutARegisteredCallbackIsSilent) {
+    const std::string silent = Ask(kCreate, {{"context", "0x1"}})["vb_handle"].asString();
+    EXPECT_EQ(RetOf(silent, kBindToCurrentChannel), 0);
+    EXPECT_EQ(RetOf(silent, kRelease), 0);
+    const std::string vb = ObjectIn("unrealized");
+    EXPECT_EQ(EventsSoFar(vb), Events{});
+    EXPECT_EQ(RetOf(vb, kUnregisterCallback), 0);
+    EXPECT_EQ(RetOf(vb, kBindToCurrentChannel), 0);
+    EXPECT_EQ(RetOf(vb, kRegisterCallback, {{"context", "0xabc"}}), 0);
+    EXPECT_EQ(RetOf(vb, kStop), 0);
+    const Json::Value event = NextEventJson();
+    EXPECT_EQ(event["state"], 3);
+    EXPECT_EQ(event["context"], "0xabc");
+}
+
+TEST_F(Tuning, ANullContextComesBackAsTheEmptyText) {
+    const std::string vb = NewObject("");
+    EXPECT_EQ(RetOf(vb, kBindToCurrentChannel), 0);
+    EXPECT_EQ(NextEventJson()["context"], "");
+}
+
+TEST_F(Tuning, ReleaseKeepsTheObjectAndDestroyEndsIt) {
+    const std::string vb = ObjectIn("presenting");
+    EXPECT_EQ(RetOf(vb, kRelease), 0);
+    EXPECT_EQ(RetOf(vb, kGetPlayState), 0);
+    EXPECT_EQ(RetOf(vb, kDestroy), 0);
+    for (const int method : {kRelease, kDestroy, kGetPlayState, kStop, kGetVolume, kBindToCurrentChannel}) {
+        EXPECT_EQ(RetOf(vb, method), -1) << method;
+    }
+}
+
+TEST_F(Tuning, DestroyOfAPresentingObjectFreesTheTunerWithoutAWord) {
+    const std::string vb = ObjectIn("presenting");
+    EXPECT_EQ(RetOf(vb, kDestroy), 0);
+    const std::string other = NewObject("0x2");
+    EXPECT_EQ(RetOf(other, kBindToCurrentChannel), 0);
+    const Json::Value event = NextEventJson();
+    EXPECT_EQ(event["context"], "0x2");
+    EXPECT_EQ(event["state"], 2);
+}
+
+TEST_F(Tuning, AHandleOfTheWrongKindIsRefused) {
+    const std::string vb = ObjectIn("presenting");
+    const std::string channel = Channel(vb, 2);
+    const std::string component = AskOf(vb, kGetComponent, {{"comType", 0}, {"index", 0}})["component"].asString();
+    ASSERT_NE(component, "");
+    EXPECT_EQ(RetOf(channel, kGetPlayState), -1);
+    EXPECT_EQ(RetOf(component, kStop), -1);
+    EXPECT_EQ(RetOf("", kStop), -1);
+    EXPECT_EQ(RetOf("0x12345", kStop), -1);
+    EXPECT_EQ(SetChannel(vb, vb), -1);
+    EXPECT_EQ(SetChannel(vb, component), -1);
+    EXPECT_EQ(SetChannel(vb, "0x12345"), -1);
+    EXPECT_EQ(RetOf(vb, kSelectComponent, {{"component", channel}}), -1);
+    EXPECT_EQ(EventsSoFar(vb), Events{}) << "what is refused causes no event";
+    EXPECT_EQ(State(vb), 2);
+}
+
+TEST_F(Tuning, AHandleIsReadInEveryFormThatCReads) {
+    const std::string vb = ObjectIn("presenting");
+    std::string upper = vb.substr(2);
+    for (char& c : upper) c = static_cast<char>(toupper(c));
+    EXPECT_EQ(AskOf("0X" + upper, kGetPlayState)["state"], 2);
+    EXPECT_EQ(AskOf("  " + vb + " and more", kGetPlayState)["state"], 2);
+    EXPECT_EQ(AskOf(vb.substr(2), kGetPlayState)["state"], 2);
+    EXPECT_EQ(RetOf("0x1" + std::string(8 - upper.size(), '0') + upper, kGetPlayState), -1)
+        << "33 bits are no handle of this platform";
+    EXPECT_EQ(SetChannel(vb, "(nil)"), 0);
+    EXPECT_EQ(State(vb), 0);
+}
+
+TEST_F(Tuning, WhatIsRecordedMayNotBeLeft) {
+    const std::string vb = ObjectIn("presenting");
+    EXPECT_EQ(RetOf(vb, kStopRecording), -1);
+    ASSERT_EQ(Tell("record"), "ok");
+    EXPECT_EQ(NextEvent(), "Recording 4");
+    EXPECT_EQ(AskOf(vb, kGetRecordingState)["state"], 4);
+    EXPECT_EQ(SetChannel(vb, Channel(vb, 2)), 0);
+    EXPECT_EQ(NextEvent(), "ChannelError Two 7");
+    EXPECT_EQ(State(vb), 2);
+    EXPECT_EQ(RetOf(vb, kStopRecording), 0);
+    EXPECT_EQ(NextEvent(), "Recording 6");
+    EXPECT_EQ(AskOf(vb, kGetRecordingState)["state"], 0);
+    EXPECT_EQ(SetChannel(vb, Channel(vb, 2)), 0);
+    EXPECT_EQ(EventsUntil("PlayState 2 0").size(), 3u);
+}
+
+TEST_F(SimulatedPlatform, ASecondTuneWhileConnectingTakesTheFirstOnesPlace) {
+    Start({"--tune-time", "200ms"});
+    const std::string vb = NewObject();
+    const std::string one = Channel(vb, 1);
+    const std::string two = Channel(vb, 2);
+    EXPECT_EQ(SetChannel(vb, one), 0);
+    EXPECT_EQ(State(vb), 1);
+    EXPECT_EQ(SetChannel(vb, two), 0);
+    EXPECT_EQ(AskOf(vb, kGetCurrentChannel)["channel"], two);
+    EXPECT_EQ(EventsUntil("PlayState 2 0"),
+              (Events{"PlayState 1 0", "PlayState 1 0", "ChannelChanged Two 0", "PlayState 2 0"}));
+    EXPECT_EQ(EventsSoFar(vb), Events{});
+}
+
+TEST_F(SimulatedPlatform, StopAndReleaseWhileConnectingEndTheTuning) {
+    Start({"--tune-time", "50ms"});
+    const std::string vb = NewObject();
+    EXPECT_EQ(SetChannel(vb, Channel(vb, 1)), 0);
+    EXPECT_EQ(RetOf(vb, kStop), 0);
+    EXPECT_EQ(SetChannel(vb, Channel(vb, 1)), 0);
+    EXPECT_EQ(RetOf(vb, kRelease), 0);
+    EXPECT_EQ(SetChannel(vb, Channel(vb, 2)), 0);
+    EXPECT_EQ(EventsUntil("PlayState 2 0"), (Events{"PlayState 1 0", "PlayState 3 0", "PlayState 1 0", "PlayState 0 0",
+                                                    "PlayState 1 0", "ChannelChanged Two 0", "PlayState 2 0"}));
+}
+
+TEST_F(SimulatedPlatform, TuningTakesTheTimeThatWasAskedFor) {
+    Start({"--tune-time", "300ms"});
+    const std::string vb = NewObject();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(SetChannel(vb, Channel(vb, 1)), 0);
+    EventsUntil("PlayState 2 0");
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300));
+}
+
+TEST_F(SimulatedPlatform, AnEventLeavesAfterTheReplyThatCausedIt) {
+    Start({"--tune-time", "0ms", "--trace"});
+    const std::string vb = NewObject();
+    EXPECT_EQ(SetChannel(vb, Channel(vb, 2)), 0);
+    EventsUntil("PlayState 2 0");
+    const std::string trace = mSimulator->Output();
+    EXPECT_LT(trace.find("> SetChannel "), trace.find("* ChannelChanged ")) << trace;
+}
+
+TEST_F(SimulatedPlatform, TheSameSeedGivesTheSameHandles) {
+    std::vector<std::string> handles;
+    for (int run = 0; run < 2; ++run) {
+        Start({"--seed", "7"});
+        const std::string vb = NewObject();
+        handles.push_back(vb + " " + Channel(vb, 1));
+        mClient.reset();
+        EXPECT_EQ(Stop(), 0);
+    }
+    EXPECT_EQ(handles[0], handles[1]);
+}
+
+TEST_F(SimulatedPlatform, WithoutASeedTheHandlesDifferFromRunToRun) {
+    std::vector<std::string> handles;
+    for (int run = 0; run < 2; ++run) {
+        Start();
+        handles.push_back(NewObject());
+        mClient.reset();
+        EXPECT_EQ(Stop(), 0);
+    }
+    EXPECT_NE(handles[0], handles[1]);
+}
+
+TEST_F(SimulatedPlatform, SomeHandlesHaveTheTopBitSetAndAllAreDifferent) {
+    Start();
+    std::map<std::string, int> handles;
+    int large = 0;
+    for (int i = 0; i < 64; ++i) {
+        const std::string vb = Ask(kCreate, {{"context", "0x1"}})["vb_handle"].asString();
+        EXPECT_EQ(vb.rfind("0x", 0), 0u);
+        EXPECT_EQ(vb.find_first_not_of("0123456789abcdef", 2), std::string::npos);
+        EXPECT_LE(vb.size(), 10u);
+        large += vb.size() == 10 && vb[2] >= '8' ? 1 : 0;
+        handles[vb] = i;
+        EXPECT_EQ(RetOf(vb, kDestroy), 0);
+    }
+    EXPECT_EQ(handles.size(), 64u);
+    EXPECT_GT(large, 0);
+    EXPECT_LT(large, 64);
+}
+
+}  // namespace
+}  // namespace hbbtv::test
