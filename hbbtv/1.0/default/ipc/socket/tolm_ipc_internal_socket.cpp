@@ -46,11 +46,12 @@ bool Reserve(std::vector<unsigned char>& payload, size_t capacity) {
     return possible;
 }
 
+// `header` is not touched before all of it has come: who goes by its type must not act on a part.
 bool ReceiveHeader(int fd, TolmIpcSocketMsgHeader& header, bool& alive) {
-    auto* bytes = reinterpret_cast<unsigned char*>(&header);
+    unsigned char bytes[sizeof(header)];
     size_t received = 0;
-    while (received < sizeof(header)) {
-        const ssize_t n = Receive(fd, bytes + received, sizeof(header) - received);
+    while (received < sizeof(bytes)) {
+        const ssize_t n = Receive(fd, bytes + received, sizeof(bytes) - received);
         if (n == 0) {
             PeerClosed(alive);
             return false;
@@ -62,6 +63,7 @@ bool ReceiveHeader(int fd, TolmIpcSocketMsgHeader& header, bool& alive) {
         }
         received += static_cast<size_t>(n);
     }
+    memcpy(&header, bytes, sizeof(header));
     return true;
 }
 

@@ -47,54 +47,55 @@ class StyledWriter {
     std::ostream mStream;
 };
 
-// Follows the brackets of a text, without regard to whether it is JSON otherwise.
-class DepthCheck {
-  public:
-    // Whether no value lies too deep.
-    bool Run(const char* begin, const char* end) {
-        // Nearly all texts have too few brackets to be too deep.
-        if (std::count(begin, end, '[') + std::count(begin, end, '{') < kMaxJsonDepth) return true;
-        for (const char* c = begin; c != end; ++c) {
-            if (*c == '"') {
-                c = EndOfString(c, end);
-            } else if (*c == '/' && end - c > 1 && (c[1] == '/' || c[1] == '*')) {
-                c = EndOfComment(c, end);
-                if (c == end) return true;
-                continue;
-            } else if (*c == ']' || *c == '}') {
-                --mDepth;
-                continue;
-            } else if (!IsValue(*c)) {
-                continue;
-            }
-            if (mDepth >= kMaxJsonDepth) return false;
-            if (c == end) return true;
-            if (*c == '[' || *c == '{') ++mDepth;
-        }
-        return true;
+const char* EndOfString(const char* c, const char* end) {
+    for (++c; c != end && *c != '"'; ++c) {
+        if (*c == '\\' && c + 1 != end) ++c;
     }
+    return c;
+}
 
-  private:
-    static bool IsValue(char c) { return strchr(" \t\r\n,:", c) == nullptr; }
+bool BeginsComment(const char* c, const char* end) {
+    return *c == '/' && end - c > 1 && (c[1] == '/' || c[1] == '*');
+}
 
-    static const char* EndOfString(const char* c, const char* end) {
-        for (++c; c != end && *c != '"'; ++c) {
-            if (*c == '\\' && c + 1 != end) ++c;
-        }
-        return c;
+const char* EndOfComment(const char* c, const char* end) {
+    const bool block = c[1] == '*';
+    for (c += 2; c != end; ++c) {
+        if (!block && (*c == '\n' || *c == '\r')) return c;
+        if (block && *c == '*' && c + 1 != end && c[1] == '/') return c + 1;
     }
+    return end;
+}
 
-    static const char* EndOfComment(const char* c, const char* end) {
-        const bool block = c[1] == '*';
-        for (c += 2; c != end; ++c) {
-            if (!block && (*c == '\n' || *c == '\r')) return c;
-            if (block && *c == '*' && c + 1 != end && c[1] == '/') return c + 1;
+bool ClosesAtOnce(const char* array, const char* end) {
+    const char* next =
+        std::find_if(array + 1, end, [](char c) { return c != ' ' && c != '\t' && c != '\r' && c != '\n'; });
+    return next != end && *next == ']';
+}
+
+// Whether jsoncpp's reader can go through the text without being asked for a value that lies too deep; whether the text
+// is JSON otherwise does not matter. In the innermost array the reader asks for a value as soon as anything but the
+// closing bracket follows, be it a comment or the text's end; in the innermost object behind a member's name.
+bool WithinDepth(const char* begin, const char* end) {
+    // Nearly all texts have too few brackets to be too deep.
+    if (std::count(begin, end, '[') + std::count(begin, end, '{') < kMaxJsonDepth) return true;
+    int depth = 0;
+    for (const char* c = begin; c != end; ++c) {
+        if (*c == '"') {
+            if (depth == kMaxJsonDepth) return false;
+            c = EndOfString(c, end);
+        } else if (BeginsComment(c, end)) {
+            c = EndOfComment(c, end);
+        } else if (*c == '[' || *c == '{') {
+            if (++depth > kMaxJsonDepth) return false;
+            if (depth == kMaxJsonDepth && *c == '[' && !ClosesAtOnce(c, end)) return false;
+        } else if (*c == ']' || *c == '}') {
+            if (--depth <= 0) return true;  // the document's end: what is behind it is not read
         }
-        return end;
+        if (c == end) return true;
     }
-
-    int mDepth = 0;
-};
+    return true;
+}
 
 const Json::Value& Member(const Json::Value& object, const char* key) {
     const Json::Value* member = object.isObject() ? object.find(key, key + strlen(key)) : nullptr;
@@ -114,7 +115,7 @@ bool ParseJson(const std::vector<unsigned char>& bytes, Json::Value& document) {
     static thread_local Json::Reader reader;
     if (bytes.size() > kMaxJsonBytes) return false;
     const char* text = reinterpret_cast<const char*>(bytes.data());
-    return DepthCheck().Run(text, text + bytes.size()) && reader.parse(text, text + bytes.size(), document, true);
+    return WithinDepth(text, text + bytes.size()) && reader.parse(text, text + bytes.size(), document, true);
 }
 
 int ReadInt(const Json::Value& object, const char* key) {

@@ -1,0 +1,35 @@
+#include "process_usage.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace hbbtv::test {
+
+namespace {
+
+long NumberBehind(const std::string& status, const std::string& name) {
+    const size_t at = status.find("\n" + name + ":");
+    return at == std::string::npos ? -1 : std::stol(status.substr(at + name.size() + 2));
+}
+
+}  // namespace
+
+ProcessUsage UsageOfThisProcess() {
+    std::ifstream file("/proc/self/status");
+    const std::string status{std::istreambuf_iterator<char>(file), {}};
+    file.close();
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    // The directory's own descriptor is among them.
+    const auto open = std::distance(begin(descriptors), end(descriptors)) - 1;
+    return {NumberBehind(status, "VmRSS"), NumberBehind(status, "VmSize"), static_cast<int>(open),
+            static_cast<int>(NumberBehind(status, "Threads"))};
+}
+
+std::string ToText(const ProcessUsage& usage) {
+    return std::to_string(usage.residentKiB) + " KiB resident, " + std::to_string(usage.addressSpaceKiB) +
+           " KiB address space, " + std::to_string(usage.descriptors) + " descriptors, " +
+           std::to_string(usage.threads) + " threads";
+}
+
+}  // namespace hbbtv::test

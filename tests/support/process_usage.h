@@ -1,0 +1,20 @@
+// What a process occupies, as the kernel counts it.
+#pragma once
+
+#include <string>
+
+namespace hbbtv::test {
+
+struct ProcessUsage {
+    long residentKiB;
+    long addressSpaceKiB;
+    int descriptors;
+    int threads;
+};
+
+ProcessUsage UsageOfThisProcess();
+
+// For the message of a failed assertion.
+std::string ToText(const ProcessUsage& usage);
+
+}  // namespace hbbtv::test

@@ -1,0 +1,249 @@
+// What counts as a JSON document, and that nothing which a peer may write makes the parser throw: on the device that
+// would end the process.
+#include <json/json.h>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "ipc/src/tolm_json_text.h"
+
+namespace {
+
+bool Parses(const std::string& text, Json::Value& document) {
+    return tolm::ParseJson(std::vector<unsigned char>(text.begin(), text.end()), document);
+}
+
+bool Parses(const std::string& text) {
+    Json::Value document;
+    return Parses(text, document);
+}
+
+// jsoncpp's own word on a text; giving up by throwing counts as no.
+bool ReaderAccepts(const std::string& text) {
+    Json::Value document;
+    Json::Reader reader;
+    try {
+        return reader.parse(text.data(), text.data() + text.size(), document, true);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+std::string Times(int count, const std::string& text) {
+    std::string all;
+    for (int i = 0; i < count; ++i) all += text;
+    return all;
+}
+
+std::string InArrays(int depth, const std::string& inner) {
+    return Times(depth, "[") + inner + Times(depth, "]");
+}
+
+std::string InObjects(int depth, const std::string& inner) {
+    return Times(depth, "{\"a\":") + inner + Times(depth, "}");
+}
+
+std::string InBoth(int depth, const std::string& inner) {
+    std::string begin;
+    std::string end;
+    for (int i = 0; i < depth; ++i) {
+        begin += i % 2 == 0 ? "[" : "{\"a\":";
+        end.insert(0, i % 2 == 0 ? "]" : "}");
+    }
+    return begin + inner + end;
+}
+
+void ExpectParses(bool expected, const std::string& text, const char* what) {
+    EXPECT_EQ(expected, Parses(text)) << what;
+    EXPECT_EQ(expected, ReaderAccepts(text)) << "jsoncpp: " << what;
+}
+
+TEST(ParseJson, ReadsAnObject) {
+    Json::Value document;
+    ASSERT_TRUE(Parses("{\"ret\" : 3, \"name\" : \"x\"}\n", document));
+    EXPECT_EQ(3, document["ret"].asInt());
+    EXPECT_EQ("x", document["name"].asString());
+}
+
+TEST(ParseJson, ReadsEveryKindOfValueAsADocument) {
+    for (const char* text : {"null", "true", "false", "0", "-1", "1.5", "\"text\"", "[]", "{}", " \t\r\n{}\n"}) {
+        EXPECT_TRUE(Parses(text)) << text;
+    }
+}
+
+TEST(ParseJson, CollectsComments) {
+    Json::Value document;
+    ASSERT_TRUE(Parses("// before\n{\"a\": 1}", document));
+    EXPECT_EQ("// before", document.getComment(Json::commentBefore));
+}
+
+TEST(ParseJson, LeavesNothingOfTheDocumentBefore) {
+    Json::Value document;
+    ASSERT_TRUE(Parses("{\"a\": 1}", document));
+    ASSERT_TRUE(Parses("{\"b\": 2}", document));
+    EXPECT_FALSE(document.isMember("a"));
+}
+
+TEST(ParseJson, RefusesDamagedTexts) {
+    for (const char* text : {"",
+                             " ",
+                             "\n",
+                             "{",
+                             "}",
+                             "[",
+                             "]",
+                             "[1,",
+                             "[1",
+                             "{\"a\"",
+                             "{\"a\":",
+                             "{\"a\":1",
+                             "{\"a\" 1}",
+                             "{a:1}",
+                             "{1:1}",
+                             "nul",
+                             "tru",
+                             "xyz",
+                             "\"open",
+                             "\"\\",
+                             "\"\\u12",
+                             "\"\\u12g4\"",
+                             "\"\\q\"",
+                             "/",
+                             "/*",
+                             "/* open",
+                             "//",
+                             "[1 2]",
+                             "{\"a\":1 \"b\":2}",
+                             "[,]",
+                             "[1,,2]",
+                             "{,}",
+                             "'a'",
+
+                             "1e",
+                             "+1",
+                             "[0x10]",
+                             "NaN",
+                             "Infinity",
+                             "{\"a\":1]",
+                             "[1}",
+                             "\xef\xbb\xbf{}",
+                             "\xff",
+                             "1e999"}) {
+        ExpectParses(false, text, text);
+    }
+}
+
+TEST(ParseJson, RefusesAZeroByteOutsideATextAndKeepsAnEscapedOneInside) {
+    ExpectParses(false, std::string("\0{}", 3), "zero byte before");
+    ExpectParses(false, std::string("{\0}", 3), "zero byte inside");
+    Json::Value document;
+    ASSERT_TRUE(Parses("[\"a\\u0000b\"]", document));
+    EXPECT_EQ(std::string("a\0b", 3), document[0].asString());
+}
+
+TEST(ParseJson, IgnoresWhatIsBehindTheDocument) {
+    for (const char* text : {"{} x", "{}}", "{}{", "[] 1"}) ExpectParses(true, text, text);
+    ExpectParses(true, "{}" + Times(3000, "["), "brackets behind an object");
+    ExpectParses(true, InArrays(1000, "") + Times(3000, "["), "brackets behind the deepest array");
+}
+
+TEST(ParseJson, AcceptsAScalarIn999ContainersAndNoneIn1000) {
+    for (const char* scalar : {"1", "null", "\"text\"", "-2.5", "true"}) {
+        ExpectParses(true, InArrays(999, scalar), scalar);
+        ExpectParses(true, InObjects(999, scalar), scalar);
+        ExpectParses(true, InBoth(999, scalar), scalar);
+        for (const int depth : {1000, 1001, 5000}) {
+            ExpectParses(false, InArrays(depth, scalar), scalar);
+            ExpectParses(false, InObjects(depth, scalar), scalar);
+            ExpectParses(false, InBoth(depth, scalar), scalar);
+        }
+    }
+}
+
+TEST(ParseJson, AcceptsA1000thEmptyContainerAndNo1001st) {
+    for (const char* empty : {"[]", "{}", "[ ]", "{ }", "[\t\r\n]"}) {
+        ExpectParses(true, InArrays(998, empty), empty);
+        ExpectParses(true, InArrays(999, empty), empty);
+        ExpectParses(true, InObjects(999, empty), empty);
+        ExpectParses(true, InBoth(999, empty), empty);
+        ExpectParses(false, InArrays(1000, empty), empty);
+        ExpectParses(false, InObjects(1000, empty), empty);
+        ExpectParses(false, InBoth(1000, empty), empty);
+    }
+}
+
+TEST(ParseJson, RefusesAnInnermostArrayThatDoesNotCloseAtOnce) {
+    // The reader asks for a value here, which would lie too deep, before it looks at what there is.
+    for (const char* end : {"", " ", "\n"}) ExpectParses(false, Times(1000, "[") + end, "the text's end");
+    for (const char* inner : {",", ":", "}", "/", "/**/", "//\n", "\"", "x", "\v]", "\f]"}) {
+        ExpectParses(false, Times(1000, "[") + inner, inner);
+        ExpectParses(false, InArrays(1000, inner), inner);
+    }
+    ExpectParses(false, Times(1000, "[") + std::string(1, '\0'), "zero byte");
+    ExpectParses(true, InArrays(999, "/**/1"), "a comment one level higher");
+}
+
+TEST(ParseJson, RefusesAnInnermostObjectWithAMember) {
+    for (const char* inner : {"\"a\":1", "\"a\":", "\"a\"", "\"\":[]", "\"a\":/**/1", "/**/\"a\":1"}) {
+        ExpectParses(false, InObjects(999, "{" + std::string(inner) + "}"), inner);
+    }
+    ExpectParses(true, InObjects(999, "{/* nothing */}"), "a comment in the innermost object");
+}
+
+TEST(ParseJson, DoesNotCountBracketsInTexts) {
+    const std::string brackets = Times(3000, "[{");
+    ExpectParses(true, "\"" + brackets + "\"", "text");
+    ExpectParses(true, "{\"" + brackets + "\":\"" + brackets + "\"}", "name and value");
+    ExpectParses(true, "[\"\\\"" + brackets + "\"]", "behind an escaped quotation mark");
+    ExpectParses(true, "[\"\\\\\"," + Times(900, "[") + Times(900, "]") + "]", "behind an escaped backslash");
+    ExpectParses(false, "[\"\\\\\"," + InArrays(999, "1") + "]", "too deep behind an escaped backslash");
+    ExpectParses(true, InArrays(999, "\"" + brackets + "\""), "in the deepest text");
+}
+
+TEST(ParseJson, DoesNotCountBracketsInComments) {
+    const std::string brackets = Times(3000, "[{");
+    ExpectParses(true, "/*" + brackets + "*/{}", "block");
+    ExpectParses(true, "//" + brackets + "\n{}", "line");
+    ExpectParses(true, "//" + brackets + "\r{}", "line ended by a carriage return");
+    ExpectParses(true, "[1, /*" + brackets + "\"*/ 2]", "with a quotation mark");
+    ExpectParses(true, "/*/" + brackets + "*/{}", "a slash is not yet the end");
+    ExpectParses(true, "{} //" + brackets, "at the end");
+    ExpectParses(false, "/**/" + InArrays(1001, ""), "too deep behind a comment");
+    ExpectParses(false, "//\n" + InArrays(1000, "1"), "too deep behind a line");
+    ExpectParses(false, "/*\"*/" + InArrays(1000, "1"), "too deep behind a quotation mark in a comment");
+    ExpectParses(false, "[\"//\"," + InArrays(999, "1") + "]", "too deep behind a text that looks like a comment");
+}
+
+TEST(ParseJson, SurvivesBracketsThatDoNotMatch) {
+    for (const std::string& text :
+         {Times(5000, "["), Times(5000, "{"), Times(5000, "]"), Times(5000, "}"), Times(5000, "[}"), Times(5000, "{]"),
+          Times(5000, "[{"), Times(2000, "]") + Times(5000, "["), Times(999, "[") + "}" + Times(5000, "["),
+          Times(999, "[") + "\"" + Times(5000, "["), Times(999, "[") + "/*" + Times(5000, "[")}) {
+        ExpectParses(false, text, text.substr(0, 4).c_str());
+    }
+}
+
+TEST(ParseJson, CountsSiblingsNotAsDepth) {
+    ExpectParses(true, "[" + Times(5000, "[],{},") + "[]]", "siblings");
+}
+
+TEST(ParseJson, AcceptsExactly64MiBAndRefusesOneByteMore) {
+    std::string text = "{\"a\":1}";
+    text.resize(size_t{64} << 20, ' ');
+    EXPECT_TRUE(Parses(text));
+    text += ' ';
+    EXPECT_FALSE(Parses(text));
+}
+
+TEST(ParseJson, WorksAfterAFailure) {
+    EXPECT_FALSE(Parses("[1, {\"a\": [// open"));
+    EXPECT_FALSE(Parses(InArrays(1000, "1")));
+    Json::Value document;
+    ASSERT_TRUE(Parses("{\"a\": 1}", document));
+    EXPECT_EQ("{\n\t\"a\" : 1\n}\n", document.toStyledString());
+}
+
+}  // namespace
