@@ -65,7 +65,8 @@ std::string NameOf(const ::testing::TestParamInfo<Row>& info) {
 
 void ExpectTheProtocolsOperations(const std::vector<Row>& rows) {
     std::vector<std::string> expected;
-    for (const Json::Value& operation : ReadProtocolFile(UnderTest().protocol)["operations"]) {
+    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
+    for (const Json::Value& operation : protocol["operations"]) {
         expected.push_back(operation["name"].asString());
     }
     std::vector<std::string> names;
