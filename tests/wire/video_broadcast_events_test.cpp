@@ -328,6 +328,15 @@ TEST_F(Events, OfChangedContentShowOnlyWhatTheirFlagsName) {
     }
 }
 
+TEST_F(Events, LikeTheProtocolsExampleArrive) {
+    Register(Pointer(1));
+    SendEvent(ReadProtocolFile("video_broadcast")["examples"]["event"]["document"].toStyledString());
+    const std::vector<ReceivedEvent> received = Received();
+    ASSERT_EQ(received.size(), 1u);
+    EXPECT_EQ(received[0].code, 2);
+    EXPECT_EQ(received[0].payload, "channelHandle=0x4f10; viewerChannelHandle=0x4f10; quiet=0");
+}
+
 TEST_F(Events, GoToTheReceiverOfTheirObject) {
     Register(Pointer(1));
     RegisterMediaSync(Pointer(2));
