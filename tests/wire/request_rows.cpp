@@ -3,7 +3,6 @@
 #include <android/log.h>
 
 #include <memory>
-#include <regex>
 
 #include "log_capture.h"
 #include "protocol_file.h"
@@ -15,14 +14,22 @@ namespace {
 
 constexpr char kJsonTag[] = "[ipc_base]";
 
+bool AllOf(const std::string& text, const char* characters) {
+    return !text.empty() && text.find_first_not_of(characters) == std::string::npos;
+}
+
 // How a value of each type is written in the rows.
 bool IsWrittenAs(const std::string& type, const std::string& value) {
-    if (type == "int") return std::regex_match(value, std::regex("-[0-9]+"));
-    if (type == "uint") return std::regex_match(value, std::regex("[0-9]+")) && std::stoull(value) > 0x7fffffffu;
+    constexpr char kDigits[] = "0123456789";
+    const std::string quoted = value.size() > 2 ? value.substr(1, value.size() - 2) : "";
+    if (type == "int") return value[0] == '-' && AllOf(value.substr(1), kDigits);
+    if (type == "uint") return AllOf(value, kDigits) && std::stoull(value) > 0x7fffffffu;
     if (type == "bool") return value == "true" || value == "false";
-    if (type == "double") return std::regex_match(value, std::regex("-?[0-9]+\\.[0-9]+"));
-    if (type == "pointer") return std::regex_match(value, std::regex("\"0x[89a-f][0-9a-f]{7}\""));
-    return type == "string" && std::regex_match(value, std::regex("\"[^0].*\""));
+    if (type == "double") return AllOf(value, "-.0123456789") && value.find('.') != std::string::npos;
+    if (value[0] != '"') return false;
+    if (type == "string") return !quoted.empty() && quoted[0] != '0';
+    return type == "pointer" && quoted.size() == 10 && quoted.rfind("0x", 0) == 0 && quoted[2] >= '8' &&
+           AllOf(quoted.substr(2), "0123456789abcdef");
 }
 
 Json::Value OperationOf(const Json::Value& protocol, const std::string& name) {
