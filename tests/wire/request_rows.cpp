@@ -1,0 +1,294 @@
+#include "request_rows.h"
+
+#include <android/log.h>
+
+#include <memory>
+
+#include "log_capture.h"
+#include "protocol_file.h"
+#include "written_json.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+constexpr char kJsonTag[] = "[ipc_base]";
+
+bool AllOf(const std::string& text, const char* characters) {
+    return !text.empty() && text.find_first_not_of(characters) == std::string::npos;
+}
+
+// How a value of each type is written in the rows.
+bool IsWrittenAs(const std::string& type, const std::string& value) {
+    constexpr char kDigits[] = "0123456789";
+    const std::string quoted = value.size() > 2 ? value.substr(1, value.size() - 2) : "";
+    if (type == "int") return value[0] == '-' && AllOf(value.substr(1), kDigits);
+    if (type == "uint") return AllOf(value, kDigits) && std::stoull(value) > 0x7fffffffu;
+    if (type == "bool") return value == "true" || value == "false";
+    if (type == "double") return AllOf(value, "-.0123456789") && value.find('.') != std::string::npos;
+    if (value[0] != '"') return false;
+    if (type == "string") return !quoted.empty() && quoted[0] != '0';
+    return type == "pointer" && quoted.size() == 10 && quoted.rfind("0x", 0) == 0 && quoted[2] >= '8' &&
+           AllOf(quoted.substr(2), "0123456789abcdef");
+}
+
+Json::Value OperationOf(const Json::Value& protocol, const std::string& name) {
+    for (const Json::Value& operation : protocol["operations"]) {
+        if (operation["name"] == name) return operation;
+    }
+    return Json::Value();
+}
+
+void ExpectWrittenAs(const Json::Value& member, const std::string& key, const std::string& value) {
+    EXPECT_EQ(member["key"].asString(), key);
+    EXPECT_TRUE(IsWrittenAs(member["type"].asString(), value)) << key << " is no " << member["type"] << ": " << value;
+}
+
+std::vector<std::string> AllShownBefore(const std::vector<Result>& results) {
+    std::vector<std::string> all;
+    for (const Result& result : results) all.push_back(ShownBefore(result.type));
+    return all;
+}
+
+}  // namespace
+
+const char* ShownBefore(const std::string& type) {
+    if (type == "int") return "-77777";
+    if (type == "uint") return "77777";
+    if (type == "bool") return "true";
+    if (type == "double") return "0.0625";
+    if (type == "string") return "\"before\"";
+    if (type == "pointer") return "0xbef0";
+    return "no type";
+}
+
+void PrintTo(const Row& row, std::ostream* out) {
+    *out << row.operation;
+}
+
+std::string NameOf(const ::testing::TestParamInfo<Row>& info) {
+    return info.param.operation;
+}
+
+void ExpectTheProtocolsOperations(const std::vector<Row>& rows) {
+    std::vector<std::string> expected;
+    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
+    for (const Json::Value& operation : protocol["operations"]) {
+        expected.push_back(operation["name"].asString());
+    }
+    std::vector<std::string> names;
+    for (const Row& row : rows) names.push_back(row.operation);
+    EXPECT_EQ(names, expected);
+}
+
+RowTest::RowTest()
+    : mProtocol(ReadProtocolFile(UnderTest().protocol)),
+      mSocket(mProtocol["endpoints"]["requests"]["socket"].asString()) {}
+
+std::string RowTest::ReplyWith(const std::string& ret) const {
+    WrittenMembers members;
+    if (!ret.empty()) members.emplace_back("ret", ret);
+    for (const Result& result : GetParam().results) members.emplace_back(result.key, result.json);
+    return ObjectOf(members);
+}
+
+void RowTest::ExpectResults(const Outcome& outcome, int status) const {
+    EXPECT_EQ(outcome.status, status);
+    std::vector<std::string> expected;
+    for (const Result& result : GetParam().results) expected.emplace_back(result.shown);
+    EXPECT_EQ(outcome.results, expected);
+}
+
+void RowTest::ExpectUntouched(const Outcome& outcome, int status) const {
+    EXPECT_EQ(outcome.status, status);
+    EXPECT_EQ(outcome.results, AllShownBefore(GetParam().results));
+}
+
+TEST_P(Request, IsARowOfTheProtocol) {
+    const Json::Value operation = OperationOf(mProtocol, GetParam().operation);
+    ASSERT_TRUE(operation.isObject());
+    EXPECT_EQ(operation["form"], "request");
+    EXPECT_NE(operation["doc"].asString(), "");
+
+    WrittenMembers written = MembersOf(GetParam().request);
+    const Json::Value& envelope = mProtocol["envelope"];
+    if (envelope.isMember("type")) {
+        ASSERT_FALSE(written.empty());
+        EXPECT_EQ(written[0].first, envelope["type"]["key"].asString());
+        EXPECT_EQ(written[0].second, std::to_string(envelope["type"]["value"].asInt()));
+        written.erase(written.begin());
+    }
+    ASSERT_FALSE(written.empty());
+    EXPECT_EQ(written[0].first, envelope["code"]["key"].asString());
+    EXPECT_EQ(written[0].second, std::to_string(operation["code"].asInt()));
+    written.erase(written.begin());
+
+    ASSERT_EQ(written.size(), operation["request"].size());
+    for (Json::ArrayIndex i = 0; i < written.size(); ++i) {
+        ExpectWrittenAs(operation["request"][i], written[i].first, written[i].second);
+    }
+    ASSERT_EQ(GetParam().results.size(), operation["reply"].size());
+    for (Json::ArrayIndex i = 0; i < GetParam().results.size(); ++i) {
+        const Result& result = GetParam().results[i];
+        EXPECT_EQ(operation["reply"][i]["type"].asString(), result.type);
+        EXPECT_NE(operation["reply"][i]["out"].asString(), "");
+        ExpectWrittenAs(operation["reply"][i], result.key, result.json);
+    }
+}
+
+TEST_P(Request, IsWhatTheProtocolSays) {
+    FakePlatform platform(mSocket, ReplyWith("0"));
+    GetParam().call();
+    const std::vector<Frame> frames = platform.Frames();
+    ASSERT_EQ(frames.size(), 1u);
+    EXPECT_EQ(frames[0].type, kRequest);
+    EXPECT_EQ(frames[0].port, mProtocol["endpoints"]["requests"]["port"].asInt());
+    EXPECT_EQ(frames[0].payload, Styled(GetParam().request));
+}
+
+TEST_P(Request, StandsBetweenEnterAndLeaveInTheLog) {
+    LogCapture log;
+    std::atomic<int> entered{0};
+    std::atomic<int> left{0};
+    FakePlatform platform(mSocket, [&](const Frame&) {
+        entered = log.Count(ANDROID_LOG_VERBOSE, UnderTest().tag, "ENTER");
+        left = log.Count(ANDROID_LOG_VERBOSE, UnderTest().tag, "LEAVE");
+        return ReplyWith("0");
+    });
+    GetParam().call();
+    EXPECT_EQ(entered, 1);
+    EXPECT_EQ(left, 0);
+
+    std::vector<LogLine> lines;
+    for (const LogLine& line : log.Lines()) {
+        if (line.tag == UnderTest().tag) lines.push_back(line);
+    }
+    ASSERT_EQ(lines.size(), 2u) << log.Text();
+    EXPECT_EQ(lines[0].message, "ENTER");
+    EXPECT_EQ(lines[1].message, "LEAVE");
+    for (const LogLine& line : lines) {
+        EXPECT_EQ(line.priority, ANDROID_LOG_VERBOSE);
+        EXPECT_EQ(line.file, UnderTest().sourceFile);
+        EXPECT_GT(line.line, 0);
+        EXPECT_EQ(line.function, GetParam().operation);
+        EXPECT_EQ(line.text,
+                  "[tolm](" + line.file + ":" + std::to_string(line.line) + ") " + line.function + ": " + line.message);
+    }
+}
+
+TEST_P(Reply, GivesTheResults) {
+    FakePlatform platform(mSocket, ReplyWith("0"));
+    ExpectResults(GetParam().call(), 0);
+}
+
+TEST_P(Reply, MayHoldWhatNobodyReads) {
+    FakePlatform platform(mSocket, WithMember(WithMember(ReplyWith("0"), "more", "[1, {\"ret\": 5}]"), "Ret", "9"));
+    ExpectResults(GetParam().call(), 0);
+}
+
+TEST_P(Reply, IsReadLeniently) {
+    FakePlatform platform(mSocket, ReplyWith("0"));
+    for (size_t i = 0; i < GetParam().results.size(); ++i) {
+        const Result& result = GetParam().results[i];
+        for (const Reading& reading : ReadingsOf(result.type, ShownBefore(result.type))) {
+            SCOPED_TRACE(std::string(result.key) + ": " + reading.json);
+            platform.SetReply(WithMember(ReplyWith("0"), result.key, reading.json));
+            const Outcome outcome = GetParam().call();
+            EXPECT_EQ(outcome.status, reading.shown != nullptr ? 0 : -1);
+            ASSERT_GT(outcome.results.size(), i);
+            EXPECT_EQ(outcome.results[i], reading.shown != nullptr ? reading.shown : ShownBefore(result.type));
+        }
+    }
+    // The call without a result does not look at other members.
+    platform.SetReply("{\"ret\": 0}");
+    const bool fails = !GetParam().results.empty() && std::string(GetParam().results[0].type) == "pointer";
+    EXPECT_EQ(GetParam().call().status, fails ? -1 : 0);
+}
+
+TEST_P(Reply, WithAnotherRetWritesNoResults) {
+    const std::vector<std::pair<const char*, int>> rets = {
+        {"1", 1}, {"3", 3}, {"-1", -1}, {"-5", -5}, {"2147483647", 2147483647}, {"-2147483648", -2147483647 - 1},
+    };
+    FakePlatform platform(mSocket, "");
+    for (const auto& [ret, status] : rets) {
+        SCOPED_TRACE(ret);
+        platform.SetReply(ReplyWith(ret));
+        ExpectUntouched(GetParam().call(), status);
+    }
+}
+
+TEST_P(Reply, WithoutAnIntegerAsRetIsAFailure) {
+    LogCapture log;
+    FakePlatform platform(mSocket, "");
+    int failures = 0;
+    for (const char* ret :
+         {"", "\"0\"", "\"3\"", "null", "false", "0.5", "2147483648", "4294967296", "1e300", "[0]", "{}"}) {
+        SCOPED_TRACE(ret);
+        platform.SetReply(ReplyWith(ret));
+        ExpectUntouched(GetParam().call(), -1);
+        EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 1 1 0"), ++failures) << log.Text();
+    }
+    EXPECT_EQ(platform.Connections(), 1);
+}
+
+TEST_P(Reply, ThatIsNoObjectIsAFailure) {
+    LogCapture log;
+    FakePlatform platform(mSocket, "");
+    int failures = 0;
+    for (const char* reply : {"null", "0", "true", "\"ret\"", "[]", "[{\"ret\": 0}]"}) {
+        SCOPED_TRACE(reply);
+        platform.SetReply(reply);
+        ExpectUntouched(GetParam().call(), -1);
+        EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 1 1 0"), ++failures) << log.Text();
+    }
+    // No failure of the connection: the next reply comes over the same one.
+    platform.SetReply(ReplyWith("0"));
+    ExpectResults(GetParam().call(), 0);
+    EXPECT_EQ(platform.Connections(), 1);
+}
+
+TEST_P(Reply, ThatIsNoJsonIsAFailure) {
+    LogCapture log;
+    FakePlatform platform(mSocket, "");
+    const std::string tooDeep = "{\"ret\": 0, \"a\": " + std::string(1001, '[') + std::string(1001, ']') + "}";
+    int failures = 0;
+    for (const std::string& reply :
+         {std::string("nonsense"), std::string("{\"ret\": 0"), std::string("{ret: 0}"), std::string(" "),
+          std::string(1, '\0'), std::string("\xff\xfe"), std::string("{\"ret\": 1e999}"), tooDeep}) {
+        SCOPED_TRACE(reply.substr(0, 40));
+        platform.SetReply(reply);
+        ExpectUntouched(GetParam().call(), -1);
+        EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 1 0 1"), ++failures) << log.Text();
+    }
+    platform.SetReply(ReplyWith("0"));
+    ExpectResults(GetParam().call(), 0);
+    EXPECT_EQ(platform.Connections(), 1);
+}
+
+TEST_P(Reply, OfSizeZeroIsAClosedConnection) {
+    LogCapture log;
+    FakePlatform platform(mSocket, "");
+    ExpectUntouched(GetParam().call(), -1);
+    EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 0 1 1"), 1) << log.Text();
+    platform.SetReply(ReplyWith("0"));
+    ExpectResults(GetParam().call(), 0);
+    EXPECT_EQ(platform.Connections(), 2);
+}
+
+TEST_P(PlatformProcess, MayBeDownAndComeBack) {
+    LogCapture log;
+    ExpectUntouched(GetParam().call(), -1);
+    EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 0 1 1"), 1) << log.Text();
+    for (int i = 0; i < 2; ++i) {
+        {
+            FakePlatform platform(mSocket, ReplyWith("0"));
+            ExpectResults(GetParam().call(), 0);
+            EXPECT_EQ(platform.Frames().size(), 1u);
+        }
+        log.Clear();
+        ExpectUntouched(GetParam().call(), -1);
+        EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 0 1 1"), 1) << log.Text();
+    }
+}
+
+}  // namespace hbbtv::test

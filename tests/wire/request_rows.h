@@ -1,0 +1,126 @@
+// The requests of a family, held to its protocol file and to the wire, row by row. A program of a family compiles
+// request_rows.cpp, says what it tests (UnderTest()) and instantiates the suites at the end for its table of rows.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <json/json.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "lenient_readings.h"
+#include "raw_socket.h"
+#include "scratch_directory.h"
+
+namespace hbbtv::test {
+
+struct FamilyUnderTest {
+    const char* protocol;      // name of its protocol file
+    const char* tag;           // of its log lines
+    const char* sourceFile;    // that its log lines name
+    void (*deleteInstance)();  // ends its adaptor
+};
+
+const FamilyUnderTest& UnderTest();
+
+// What a call gave: its status, and its results as text.
+struct Outcome {
+    int status;
+    std::vector<std::string> results;
+};
+
+// A result in the platform's reply.
+struct Result {
+    const char* key;
+    const char* type;   // as in the protocol file
+    const char* json;   // the value in the reply
+    const char* shown;  // what the caller gets, as text
+};
+
+struct Row {
+    const char* operation;
+    std::function<Outcome()> call;
+    // The request as a line of JSON, members in the protocol's order. So that types can be told apart, an int is
+    // negative, a uint has its top bit set, and so has a pointer.
+    const char* request;
+    std::vector<Result> results;
+};
+
+// What a result variable holds before the call.
+template <typename T>
+T Before();
+template <>
+inline int Before() {
+    return -77777;
+}
+template <>
+inline unsigned Before() {
+    return 77777;
+}
+template <>
+inline bool Before() {
+    return true;
+}
+template <>
+inline double Before() {
+    return 0.0625;
+}
+template <>
+inline std::string Before() {
+    return "before";
+}
+template <>
+inline void* Before() {
+    return reinterpret_cast<void*>(0xbef0);
+}
+
+// The same as text, for a type of the protocol files.
+const char* ShownBefore(const std::string& type);
+
+// The call of an operation without a result.
+template <typename Adaptor, typename Operation, typename... Arguments>
+std::function<Outcome()> Tell(Operation operation, Arguments... arguments) {
+    return [operation, arguments...]() mutable {
+        return Outcome{(Adaptor::GetInstance()->*operation)(arguments...), {}};
+    };
+}
+
+// The call of an operation with one result, its last parameter.
+template <typename Adaptor, typename T, typename Operation, typename... Arguments>
+std::function<Outcome()> Ask(Operation operation, Arguments... arguments) {
+    return [operation, arguments...]() mutable {
+        T result = Before<T>();
+        const int status = (Adaptor::GetInstance()->*operation)(arguments..., result);
+        return Outcome{status, {Show(result)}};
+    };
+}
+
+void PrintTo(const Row& row, std::ostream* out);
+std::string NameOf(const ::testing::TestParamInfo<Row>& info);
+
+// That every operation of the protocol file has a row, in the same order, and every row an operation.
+void ExpectTheProtocolsOperations(const std::vector<Row>& rows);
+
+class RowTest : public ::testing::TestWithParam<Row> {
+  protected:
+    RowTest();
+    ~RowTest() override { UnderTest().deleteInstance(); }
+
+    // The reply of the row, or the same with other members.
+    std::string ReplyWith(const std::string& ret) const;
+
+    void ExpectResults(const Outcome& outcome, int status) const;
+    void ExpectUntouched(const Outcome& outcome, int status) const;
+
+    ScratchDirectory mDirectory;
+    const Json::Value mProtocol;
+    const std::string mSocket;
+};
+
+class Request : public RowTest {};
+class Reply : public RowTest {};
+class PlatformProcess : public RowTest {};
+
+}  // namespace hbbtv::test
