@@ -208,6 +208,7 @@ bool Session::ReadFrame(SocketReader& reader) {
     }
     const char* const wrong = Handle(head, std::move(body));
     if (wrong != nullptr) Abandon(wrong);
+    ThreadPool::Get().TryAgain();
     return wrong == nullptr;
 }
 

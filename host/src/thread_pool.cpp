@@ -70,7 +70,7 @@ void ThreadPool::Post(std::unique_ptr<Task> task) {
 }
 
 // As many threads as there are tasks that nobody waits for. When the system has no thread left, the tasks stay for the
-// threads there are, and the next task tries again.
+// threads there are, and what arrives next tries again.
 void ThreadPool::AddThreads() {
     for (;;) {
         {
@@ -80,7 +80,8 @@ void ThreadPool::AddThreads() {
             // Until it gets to work it counts as waiting, so that a task is not counted twice.
             ++mIdle;
         }
-        if (StartThread("hidl-pool", true, [this] { RunTasks(); })) continue;
+        mIsShort = !StartThread("hidl-pool", true, [this] { RunTasks(); });
+        if (!mIsShort) continue;
         std::lock_guard<std::mutex> lock(mMutex);
         --mThreads;
         --mIdle;
