@@ -57,7 +57,7 @@ void Session::Bury() {
         for (const auto& entry : mWaiters) {
             entry.second->done = true;
             entry.second->status = DEAD_OBJECT;
-            entry.second->changed.notify_one();
+            entry.second->changed->notify_one();
         }
         mWaiters.clear();
         exports = mNodes.TakeExports();
@@ -72,6 +72,11 @@ void Session::Bury() {
 }
 
 // ---- Sending ----
+
+const std::shared_ptr<std::condition_variable>& Session::Waiter::ChangedOfThisThread() {
+    thread_local const std::shared_ptr<std::condition_variable> changed = std::make_shared<std::condition_variable>();
+    return changed;
+}
 
 status_t Session::Transact(uint64_t node, uint32_t code, const Parcel& data, Parcel* reply, bool oneway) {
     FrameHead head = {};
@@ -95,8 +100,7 @@ sp<IBinder> Session::Lookup(const std::string& name) {
 }
 
 status_t Session::Call(FrameHead head, const Parcel& data, Parcel* reply) {
-    Waiter waiter;
-    waiter.reply = reply;
+    Waiter waiter(reply);
     {
         std::lock_guard<std::mutex> lock(mMutex);
         if (mDead) return DEAD_OBJECT;
@@ -116,7 +120,7 @@ status_t Session::Call(FrameHead head, const Parcel& data, Parcel* reply) {
 status_t Session::Wait(Waiter& waiter) {
     std::unique_lock<std::mutex> lock(mMutex);
     for (;;) {
-        waiter.changed.wait(lock, [&] { return waiter.done || !waiter.nested.empty(); });
+        waiter.changed->wait(lock, [&] { return waiter.done || !waiter.nested.empty(); });
         if (waiter.nested.empty()) return waiter.status;
         std::unique_ptr<IncomingCall> call = std::move(waiter.nested.front());
         waiter.nested.pop_front();
@@ -204,6 +208,7 @@ bool Session::ReadFrame(SocketReader& reader) {
     }
     const char* const wrong = Handle(head, std::move(body));
     if (wrong != nullptr) Abandon(wrong);
+    ThreadPool::Get().TryAgain();
     return wrong == nullptr;
 }
 
@@ -251,23 +256,30 @@ const char* Session::HandleCall(const FrameHead& head, Parcel&& data) {
     } else if (oneway) {
         target->onewayQueue().Push(target, std::move(call));
     } else {
-        std::lock_guard<std::mutex> lock(mMutex);
-        HandOverLocked(head.parent, call);
+        HandOver(head.parent, std::move(call));
     }
     return wrong;
 }
 
 // To the thread that waits for the call on whose behalf this one is made; else, or when that call has its reply
 // already, to the pool.
-void Session::HandOverLocked(uint64_t parent, std::unique_ptr<IncomingCall>& call) {
-    const auto found = parent == 0 ? mWaiters.end() : mWaiters.find(parent);
-    if (found == mWaiters.end()) return ThreadPool::Get().Post(std::move(call));
-    found->second->nested.push_back(std::move(call));
-    found->second->changed.notify_one();
+void Session::HandOver(uint64_t parent, std::unique_ptr<IncomingCall> call) {
+    std::shared_ptr<std::condition_variable> changed;
+    if (parent != 0) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        const auto found = mWaiters.find(parent);
+        if (found != mWaiters.end()) {
+            found->second->nested.push_back(std::move(call));
+            changed = found->second->changed;
+        }
+    }
+    if (changed == nullptr) return ThreadPool::Get().Post(std::move(call));
+    changed->notify_one();
 }
 
 const char* Session::HandleReply(const FrameHead& head, Parcel&& results) {
     std::vector<sp<IBinder>> nodes;
+    std::shared_ptr<std::condition_variable> changed;
     const char* wrong = nullptr;
     {
         std::lock_guard<std::mutex> lock(mMutex);
@@ -281,9 +293,10 @@ const char* Session::HandleReply(const FrameHead& head, Parcel&& results) {
             if (waiter.reply != nullptr) *waiter.reply = std::move(results);
             waiter.status = head.status;
             waiter.done = true;
-            waiter.changed.notify_one();
+            changed = waiter.changed;
         }
     }
+    if (changed != nullptr) changed->notify_one();
     if (!nodes.empty()) ThreadPool::Get().ReleaseLater(std::move(nodes));
     return wrong;
 }

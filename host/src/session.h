@@ -68,11 +68,17 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
   private:
     // A thread that waits for a reply. Lives on that thread's stack, guarded by mMutex.
     struct Waiter {
-        std::condition_variable changed;
+        explicit Waiter(Parcel* results) : reply(results), changed(ChangedOfThisThread()) {}
+
+        Parcel* const reply;
         bool done = false;
         status_t status = OK;
-        Parcel* reply = nullptr;
         std::deque<std::unique_ptr<IncomingCall>> nested;
+        // Shared, so that it can be notified when mMutex is released and the waiter may be gone. One per thread: of the
+        // waiters of one thread only the innermost waits.
+        const std::shared_ptr<std::condition_variable> changed;
+
+        static const std::shared_ptr<std::condition_variable>& ChangedOfThisThread();
     };
 
     // Sending.
@@ -91,7 +97,7 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
     const char* HandleRelease(const FrameHead& head);
     const char* HandleLookup(const FrameHead& head, const Parcel& data);
     bool ResolveNodesLocked(const Parcel& parcel, std::vector<sp<IBinder>>* nodes);
-    void HandOverLocked(uint64_t parent, std::unique_ptr<IncomingCall>& call);
+    void HandOver(uint64_t parent, std::unique_ptr<IncomingCall> call);
     void Abandon(const char* why);
     void Bury();
 

@@ -58,30 +58,30 @@ void ThreadPool::Start() {
 }
 
 void ThreadPool::Post(std::unique_ptr<Task> task) {
+    bool needsThread;
     {
         std::lock_guard<std::mutex> lock(mMutex);
         mTasks.push_back(std::move(task));
-        if (mTasks.size() <= mIdle || mThreads >= mMaxThreads || !mStarted) {
-            mWork.notify_one();
-            return;
-        }
+        needsThread = mStarted && mTasks.size() > mIdle && mThreads < mMaxThreads;
     }
-    AddThreads();
+    // The lock is free by now: the thread that wakes does not have to wait for it.
+    mWork.notify_one();
+    if (needsThread) AddThreads();
 }
 
 // As many threads as there are tasks that nobody waits for. When the system has no thread left, the tasks stay for the
-// threads there are, and the next task tries again.
+// threads there are, and what arrives next tries again.
 void ThreadPool::AddThreads() {
     for (;;) {
         {
             std::lock_guard<std::mutex> lock(mMutex);
-            mWork.notify_one();
             if (mTasks.size() <= mIdle || mThreads >= mMaxThreads) return;
             ++mThreads;
             // Until it gets to work it counts as waiting, so that a task is not counted twice.
             ++mIdle;
         }
-        if (StartThread("hidl-pool", true, [this] { RunTasks(); })) continue;
+        mIsShort = !StartThread("hidl-pool", true, [this] { RunTasks(); });
+        if (!mIsShort) continue;
         std::lock_guard<std::mutex> lock(mMutex);
         --mThreads;
         --mIdle;

@@ -2,6 +2,7 @@
 // that other processes held. One pool per process, never destroyed: its threads run on while the process exits.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -38,6 +39,12 @@ class ThreadPool {
     // Any thread; never blocks and runs nothing itself.
     void Post(std::unique_ptr<Task> task);
 
+    // Tries again to start the threads that the system did not give. Called with every frame that arrives, because what
+    // arrives does not always come with a task of its own.
+    void TryAgain() {
+        if (mIsShort) AddThreads();
+    }
+
     // Lets go of something in a pool thread, because its destructor may be user code.
     template <typename T>
     void ReleaseLater(T&& reference) {
@@ -57,6 +64,8 @@ class ThreadPool {
 
     void AddThreads();
     [[noreturn]] void RunTasks();
+
+    std::atomic<bool> mIsShort{false};  // the last start of a thread failed
 
     std::mutex mMutex;
     std::condition_variable mWork;

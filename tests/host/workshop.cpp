@@ -11,8 +11,6 @@ namespace hbbtv::test {
 
 namespace {
 
-std::atomic<int> gWorkshops{0};
-
 // "?" and what went wrong when the listener cannot be asked.
 std::string AnswerOf(const sp<IListener>& listener, const hidl_string& question) {
     if (listener == nullptr) return "?no listener";
@@ -37,17 +35,6 @@ Return<uint32_t> Bouncer::bounce(uint32_t depth, const sp<IBouncer>& other) {
 std::vector<std::thread::id> Bouncer::Threads() {
     std::lock_guard<std::mutex> lock(mMutex);
     return mThreads;
-}
-
-Workshop::Workshop() {
-    ++gWorkshops;
-}
-Workshop::~Workshop() {
-    --gWorkshops;
-}
-
-int Workshop::Count() {
-    return gWorkshops;
 }
 
 Return<void> Workshop::scalars(bool truth, int32_t small, uint32_t natural, int64_t big, uint64_t huge, double real,
@@ -161,9 +148,15 @@ Return<void> Workshop::postSlowly(uint32_t number) {
 void Workshop::Hold() {
     std::unique_lock<std::mutex> lock(mMutex);
     ++mHolding;
+    mHoldingThreads.insert(std::this_thread::get_id());
     mChanged.wait(lock, [this] { return mLetGo > 0; });
     --mLetGo;
     --mHolding;
+}
+
+std::set<std::thread::id> Workshop::HoldingThreads() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mHoldingThreads;
 }
 
 Return<void> Workshop::hold() {

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <set>
 #include <thread>
 #include <vector>
 
@@ -38,9 +39,6 @@ class Bouncer : public IBouncer {
 
 class Workshop : public IWorkbench {
   public:
-    Workshop();
-    ~Workshop() override;
-
     Return<void> scalars(bool truth, int32_t small, uint32_t natural, int64_t big, uint64_t huge, double real,
                          scalars_cb callback) override;
     Return<void> echo(const hidl_string& text, echo_cb callback) override;
@@ -68,8 +66,8 @@ class Workshop : public IWorkbench {
     Return<void> echoThrough(const hidl_string& instance, const hidl_string& text, echoThrough_cb callback) override;
     Return<uint32_t> tools() override;
 
-    // How many workshops exist in this process.
-    static int Count();
+    // The threads on which calls were held.
+    std::set<std::thread::id> HoldingThreads();
 
   private:
     sp<IListener> Listener();
@@ -79,6 +77,7 @@ class Workshop : public IWorkbench {
     std::condition_variable mChanged;
     sp<IListener> mListener;
     std::vector<uint32_t> mPosted;
+    std::set<std::thread::id> mHoldingThreads;
     uint32_t mHolding = 0;
     uint32_t mLetGo = 0;
 };

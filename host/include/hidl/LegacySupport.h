@@ -4,6 +4,7 @@
 #include <hidl/HidlTransportSupport.h>
 #include <log/log.h>
 
+#include <cstdlib>
 #include <string>
 
 namespace android {
@@ -16,7 +17,7 @@ status_t registerPassthroughServiceImplementation(const std::string& name = "def
     if (service == nullptr) {
         __android_log_print(ANDROID_LOG_ERROR, "hidl_host", "no passthrough implementation of %s/%s",
                             Interface::descriptor, name.c_str());
-        return UNKNOWN_ERROR;
+        return EXIT_FAILURE;  // as a main program returns it
     }
     const status_t status = service->registerAsService(name);
     if (status != OK) {

@@ -1,0 +1,422 @@
+// Calls between two processes: what crosses, on which threads, and what fails how.
+#include <hwbinder/Parcel.h>
+
+#include <limits>
+
+#include "fixtures.h"
+
+namespace hbbtv::test {
+
+using ::android::sp;
+using ::android::hardware::IBinder;
+using ::android::hardware::Parcel;
+
+namespace {
+
+using DataAcrossProcesses = WithService;
+using Calls = WithService;
+using OnewayCalls = WithService;
+using Callbacks = WithService;
+using TransportErrors = WithService;
+
+// Makes a call by hand, as no proxy would.
+Status CallByHand(const sp<IBase>& proxy, const char* token, uint32_t method, uint32_t flags) {
+    Parcel data;
+    Parcel reply;
+    data.writeInterfaceToken(token);
+    return Status::fromStatusT(getOrCreateCachedBinder(proxy.get())->transact(method, data, &reply, flags));
+}
+
+}  // namespace
+
+// ---- What crosses ----
+
+TEST_F(DataAcrossProcesses, ScalarsKeepTheirExtremes) {
+    bool called = false;
+    const Return<void> extremes = mService->scalars(
+        true, std::numeric_limits<int32_t>::min(), std::numeric_limits<uint32_t>::max(),
+        std::numeric_limits<int64_t>::min(), std::numeric_limits<uint64_t>::max(), 0.1, [&](const auto& same) {
+            called = true;
+            EXPECT_TRUE(same.truth);
+            EXPECT_EQ(same.small, std::numeric_limits<int32_t>::min());
+            EXPECT_EQ(same.natural, std::numeric_limits<uint32_t>::max());
+            EXPECT_EQ(same.big, std::numeric_limits<int64_t>::min());
+            EXPECT_EQ(same.huge, std::numeric_limits<uint64_t>::max());
+            EXPECT_EQ(same.real, 0.1);
+        });
+    EXPECT_TRUE(extremes.isOk());
+    EXPECT_TRUE(called);
+}
+
+TEST_F(DataAcrossProcesses, EnumsComeBack) {
+    EXPECT_EQ(static_cast<Colour>(mService->nextColour(Colour::GREEN)), Colour::BLUE);
+    EXPECT_EQ(static_cast<Colour>(mService->nextColour(Colour::BLUE)), Colour::RED);
+}
+
+TEST_F(DataAcrossProcesses, StringsKeepEmbeddedNulsButCompareUpToTheFirst) {
+    const std::string text("front\0back", 10);
+    bool called = false;
+    const Return<void> echoed = mService->echo(text, [&](const hidl_string& same) {
+        called = true;
+        EXPECT_EQ(same.size(), 10u);
+        EXPECT_EQ(std::string(same), text);
+        EXPECT_EQ(same, hidl_string("front"));
+        EXPECT_EQ(::android::hardware::toString(same), "\"front\"");
+    });
+    EXPECT_TRUE(echoed.isOk() && called);
+    EXPECT_EQ(Echo(mService, ""), "");
+}
+
+TEST_F(DataAcrossProcesses, VectorsOfScalarsAndStringsComeBack) {
+    for (const size_t size : {0u, 1u, 1000u}) {
+        hidl_vec<uint32_t> numbers(size);
+        hidl_vec<hidl_string> words(size);
+        for (size_t i = 0; i < size; ++i) {
+            numbers[i] = static_cast<uint32_t>(i * 7);
+            words[i] = std::string(i % 20, 'x');
+        }
+        int called = 0;
+        const Return<void> first = mService->numbers(numbers, [&](const auto& same) { called += same == numbers; });
+        const Return<void> second = mService->words(words, [&](const auto& same) { called += same == words; });
+        EXPECT_TRUE(first.isOk() && second.isOk());
+        EXPECT_EQ(called, 2) << size;
+    }
+}
+
+TEST_F(DataAcrossProcesses, StructsWithStringsAndVectorsComeBack) {
+    hidl_vec<Item> items;
+    items.resize(9);
+    for (uint32_t i = 0; i < 9; ++i) items[i] = MakeItem(i);
+    bool same = false;
+    EXPECT_TRUE(mService->items(items, [&](const hidl_vec<Item>& back) { same = back == items; }).isOk());
+    EXPECT_TRUE(same);
+}
+
+TEST_F(DataAcrossProcesses, SeveralResultsArriveTogether) {
+    bool called = false;
+    const Return<void> summary =
+        mService->summary({MakeItem(2), MakeItem(3)}, "All",
+                          [&](int32_t status, const auto& title, uint32_t total, const auto& names, const Item& first) {
+                              called = true;
+                              EXPECT_EQ(status, 0);
+                              EXPECT_EQ(title, "All!");
+                              EXPECT_EQ(total, 15u);
+                              EXPECT_EQ(names, (hidl_vec<hidl_string>{"item 2", "item 3"}));
+                              EXPECT_EQ(first, MakeItem(2));
+                          });
+    EXPECT_TRUE(summary.isOk() && called);
+}
+
+TEST_F(DataAcrossProcesses, ResultsOutliveTheCallbackOnlyAsCopies) {
+    hidl_vec<Item> kept;
+    EXPECT_TRUE(mService->items({MakeItem(3)}, [&](const hidl_vec<Item>& back) { kept = back; }).isOk());
+    ASSERT_EQ(kept.size(), 1u);
+    EXPECT_EQ(kept[0], MakeItem(3));
+}
+
+TEST_F(DataAcrossProcesses, ADataTypeTellsItsValues) {
+    EXPECT_EQ(toString(Colour::GREEN), "GREEN");
+    int values = 0;
+    for (const Colour colour : ::android::hardware::hidl_enum_range<Colour>()) values += colour <= Colour::BLUE;
+    EXPECT_EQ(values, 3);
+    EXPECT_NE(toString(MakeItem(1)).find(".name = \"item 1\""), std::string::npos);
+}
+
+TEST_F(DataAcrossProcesses, TheBaseInterfaceAnswers) {
+    std::string descriptor;
+    size_t hashes = 0;
+    int32_t pid = 0;
+    EXPECT_TRUE(mService->ping().isOk());
+    EXPECT_TRUE(mService->interfaceDescriptor([&](const auto& name) { descriptor = name; }).isOk());
+    EXPECT_TRUE(mService->getHashChain([&](const auto& chain) { hashes = chain.size(); }).isOk());
+    EXPECT_TRUE(mService->getDebugInfo([&](const auto& info) { pid = info.pid; }).isOk());
+    EXPECT_TRUE(mService->debug(::android::hardware::hidl_handle(), {"option"}).isOk());
+    EXPECT_TRUE(mService->notifySyspropsChanged().isOk());
+    EXPECT_EQ(descriptor, IWorkbench::descriptor);
+    EXPECT_EQ(hashes, 3u);
+    EXPECT_EQ(pid, mPeer.Pid());
+}
+
+// ---- Objects as arguments ----
+
+TEST_F(Callbacks, ANullInterfaceArrivesAsNull) {
+    EXPECT_FALSE(mService->setListener(nullptr).withDefault(true));
+    const Return<sp<IListener>> none = mService->listener();
+    ASSERT_TRUE(none.isOk());
+    EXPECT_EQ(static_cast<sp<IListener>>(none), nullptr);
+    const sp<Workshop> local = new Workshop;
+    EXPECT_FALSE(local->setListener(nullptr).withDefault(true));
+}
+
+TEST_F(Callbacks, AnObjectThatComesHomeIsItself) {
+    const sp<Listener> listener = new Listener;
+    ASSERT_TRUE(mService->setListener(listener).withDefault(false));
+    const sp<IListener> home = mService->listener();
+    EXPECT_EQ(home.get(), listener.get());
+    EXPECT_FALSE(home->isRemote());
+}
+
+TEST_F(Callbacks, EveryArrivalIsANewProxyOfTheSameObject) {
+    const sp<IBouncer> first = mService->bouncer();
+    const sp<IBouncer> other = mService->bouncer();
+    EXPECT_FALSE(interfacesEqual(first, other));
+
+    const sp<IWorkshop> once = IWorkshop::getService();
+    const sp<IWorkshop> again = IWorkshop::getService();
+    EXPECT_NE(once, again);
+    EXPECT_TRUE(interfacesEqual(once, again));
+    EXPECT_FALSE(interfacesEqual(once, nullptr));
+    EXPECT_EQ(getOrCreateCachedBinder(once.get()), getOrCreateCachedBinder(again.get()));
+
+    // The service has the same view of what this process hands to it.
+    const sp<Listener> listener = new Listener;
+    ASSERT_TRUE(mService->setListener(listener).withDefault(false));
+    EXPECT_TRUE(mService->isListener(listener).withDefault(false));
+    EXPECT_FALSE(mService->isListener(new Listener).withDefault(true));
+}
+
+TEST_F(Callbacks, AnObjectThatNobodyRefersToAnyMoreIsReleased) {
+    const sp<Listener> listener = new Listener;
+    const wp<Listener> weak = listener;
+    ASSERT_TRUE(mService->setListener(listener).withDefault(false));
+    EXPECT_GT(listener->getStrongCount(), 1);
+    ASSERT_FALSE(mService->setListener(nullptr).withDefault(true));
+    EXPECT_TRUE(WaitFor([&] { return listener->getStrongCount() == 1; }));
+}
+
+TEST_F(Callbacks, AreServedByTheThreadThatWaitsForTheCall) {
+    const sp<Listener> listener = new Listener;
+    ASSERT_TRUE(mService->setListener(listener).withDefault(false));
+    EXPECT_EQ(Ask(mService, "why"), "answer to why");
+    EXPECT_EQ(listener->Threads(), std::vector<std::thread::id>{std::this_thread::get_id()});
+}
+
+TEST_F(Callbacks, FromOtherThreadsOfTheServiceAreServedByThePool) {
+    const sp<Listener> listener = new Listener;
+    ASSERT_TRUE(mService->setListener(listener).withDefault(false));
+    std::string answer;
+    EXPECT_TRUE(mService->askFromElsewhere("why", [&](const auto& reply) { answer = reply; }).isOk());
+    EXPECT_EQ(answer, "answer to why");
+    ASSERT_EQ(listener->Threads().size(), 1u);
+    EXPECT_NE(listener->Threads()[0], std::this_thread::get_id());
+}
+
+TEST_F(Callbacks, NestTwentyDeepOnOneThread) {
+    const sp<Bouncer> mine = new Bouncer;
+    const sp<IBouncer> theirs = mService->bouncer();
+    EXPECT_EQ(theirs->bounce(20, mine).withDefault(0), 20u);
+    EXPECT_EQ(mine->Threads(), std::vector<std::thread::id>(10, std::this_thread::get_id()));
+}
+
+TEST_F(Callbacks, ThatNestWithoutEndAreRefusedInsteadOfUsingUpTheStack) {
+    const sp<Bouncer> mine = new Bouncer;
+    const sp<IBouncer> theirs = mService->bouncer();
+    EXPECT_GE(theirs->bounce(100000, mine).withDefault(0), 1000000u);
+    EXPECT_EQ(Echo(mService, "still here"), "still here");
+}
+
+// ---- Answers ----
+
+TEST_F(Calls, ANullResultCallbackIsRefusedWithoutCalling) {
+    const Return<void> refused = mService->echo("text", nullptr);
+    EXPECT_FALSE(refused.isOk());
+    EXPECT_NE(refused.description().find("EX_ILLEGAL_ARGUMENT"), std::string::npos) << refused.description();
+    const sp<Workshop> local = new Workshop;
+    EXPECT_THROW(local->echo("text", nullptr).isOk(), std::bad_function_call);
+}
+
+TEST_F(Calls, TheAnswerArrivesWithTheCallbackNotWithTheEndOfTheMethod) {
+    std::string answer;
+    EXPECT_TRUE(mService->answerThenHold([&](const auto& reply) { answer = reply; }).isOk());
+    EXPECT_EQ(answer, "answered");
+    EXPECT_TRUE(WaitFor([&] { return Holding(mService) == 1; }));
+    EXPECT_TRUE(mService->letGo().isOk());
+    EXPECT_TRUE(WaitFor([&] { return Holding(mService) == 0; }));
+}
+
+TEST_F(Calls, ManyThreadsShareOneConnection) {
+    std::atomic<int> right{0};
+    {
+        std::vector<std::unique_ptr<Caller>> callers;
+        for (int i = 0; i < 8; ++i) {
+            callers.push_back(std::make_unique<Caller>([&, i] {
+                for (int j = 0; j < 200; ++j) {
+                    const std::string text = std::to_string(i) + "." + std::to_string(j);
+                    right += Echo(mService, text) == text;
+                }
+            }));
+        }
+    }
+    EXPECT_EQ(right, 8 * 200);
+}
+
+// ---- One-way ----
+
+TEST_F(OnewayCalls, AreCarriedOutInOrder) {
+    for (uint32_t i = 0; i < 5000; ++i) ASSERT_TRUE(mService->post(i).isOk());
+    EXPECT_TRUE(WaitFor([&] { return Posted(mService).size() == 5000; }));
+    EXPECT_EQ(Posted(mService), CountUp(5000));
+}
+
+TEST_F(OnewayCalls, ReturnAtOnceAndRunOneAtATime) {
+    for (uint32_t i = 0; i < 3; ++i) ASSERT_TRUE(mService->postSlowly(i).isOk());
+    // The second thread of the service is free all the time, but only one of the three is carried out.
+    EXPECT_TRUE(WaitFor([&] { return Holding(mService) == 1; }));
+    EXPECT_EQ(Posted(mService), CountUp(0));
+    for (uint32_t done = 1; done <= 3; ++done) {
+        EXPECT_LE(Holding(mService), 1u);
+        EXPECT_TRUE(mService->letGo().isOk());
+        EXPECT_TRUE(WaitFor([&] { return Posted(mService).size() == done; }));
+    }
+    EXPECT_EQ(Posted(mService), CountUp(3));
+}
+
+TEST_F(OnewayCalls, NeverRunOnAWaitingThread) {
+    const sp<Listener> listener = new Listener;
+    ASSERT_TRUE(mService->setListener(listener).withDefault(false));
+    EXPECT_EQ(mService->emit(100).withDefault(0), 100u);
+    EXPECT_TRUE(WaitFor([&] { return listener->Events().size() == 100; }));
+    EXPECT_EQ(listener->Events(), CountUp(100));
+    for (const std::thread::id thread : listener->Threads()) EXPECT_NE(thread, std::this_thread::get_id());
+}
+
+TEST_F(OnewayCalls, AreRefusedByTheStubWhenTheFlagIsWrong) {
+    const sp<Listener> listener = new Listener;
+    ASSERT_TRUE(mService->setListener(listener).withDefault(false));
+    constexpr uint32_t kPost = 15;
+    EXPECT_EQ(CallByHand(mService, IWorkshop::descriptor, kPost, 0).transactionError(), ::android::UNKNOWN_ERROR);
+    EXPECT_EQ(Posted(mService), CountUp(0));
+    // The other way round nobody hears of the refusal, and nothing is carried out.
+    constexpr uint32_t kSetListener = 9;
+    EXPECT_EQ(CallByHand(mService, IWorkshop::descriptor, kSetListener, IBinder::FLAG_ONEWAY).transactionError(),
+              ::android::OK);
+    EXPECT_TRUE(mService->isListener(listener).withDefault(false));
+}
+
+TEST_F(OnewayCalls, ToADeadObjectFail) {
+    mPeer.Kill();
+    EXPECT_TRUE(WaitFor([&] { return mService->post(1).isDeadObject(); }));
+}
+
+TEST_F(OnewayCalls, ToAStoppedClientAreRefusedInTheEndAndTheServiceLivesOn) {
+    Peer client({"listen", "default"});
+    client.Signal(SIGSTOP);
+    // More than any buffer takes.
+    EXPECT_LT(mService->emit(200000).withDefault(200000), 200000u);
+    EXPECT_EQ(Echo(mService, "alive"), "alive");
+    client.Kill();
+    EXPECT_TRUE(WaitFor([&] { return mService->emit(1).withDefault(1) == 0; }));
+}
+
+// ---- Failures ----
+
+TEST_F(TransportErrors, AnUnknownMethodIsAnUnknownTransaction) {
+    const Status status = CallByHand(mService, IWorkshop::descriptor, 12345, 0);
+    EXPECT_EQ(status.transactionError(), ::android::UNKNOWN_TRANSACTION);
+    EXPECT_EQ(status.exceptionCode(), Status::EX_TRANSACTION_FAILED);
+}
+
+TEST_F(TransportErrors, ACallForAnotherInterfaceIsABadType) {
+    EXPECT_EQ(CallByHand(mService, IListener::descriptor, 1, 0).transactionError(), ::android::BAD_TYPE);
+    EXPECT_EQ(Echo(mService, "alive"), "alive");
+}
+
+TEST_F(TransportErrors, ADeadObjectIsToldApart) {
+    mPeer.Kill();
+    EXPECT_TRUE(WaitFor([&] { return mService->ping().isDeadObject(); }));
+    const Return<int32_t> pid = mService->pid();
+    EXPECT_FALSE(pid.isOk());
+    EXPECT_TRUE(pid.isDeadObject());
+    EXPECT_NE(pid.description().find("DEAD_OBJECT"), std::string::npos) << pid.description();
+}
+
+TEST_F(TransportErrors, AMessageAboveOneMebibyteLessEightKibibytesFails) {
+    constexpr size_t kLimit = 1024 * 1024 - 8 * 1024;
+    EXPECT_EQ(Echo(mService, std::string(kLimit - 500, 'x')), std::string(kLimit - 500, 'x'));
+    for (const size_t size : {kLimit, kLimit * 3}) {
+        const std::string text(size, 'x');
+        bool called = false;
+        const Return<void> echoed = mService->echo(text, [&](const hidl_string&) { called = true; });
+        EXPECT_FALSE(echoed.isOk());
+        EXPECT_NE(echoed.description().find("FAILED_TRANSACTION"), std::string::npos) << echoed.description();
+        EXPECT_FALSE(called);
+    }
+    EXPECT_EQ(Echo(mService, "alive"), "alive");
+}
+
+TEST_F(TransportErrors, AnAnswerAboveTheLimitFailsAtTheCaller) {
+    // Fits as an argument, but comes back with a title and the names a second time.
+    const std::string text(700 * 1024, 'x');
+    Item item = MakeItem(1);
+    item.name = text;
+    bool called = false;
+    const Return<void> summary = mService->summary({item}, "title", [&](auto&&...) { called = true; });
+    EXPECT_FALSE(summary.isOk());
+    EXPECT_NE(summary.description().find("FAILED_TRANSACTION"), std::string::npos) << summary.description();
+    EXPECT_FALSE(called);
+    EXPECT_EQ(Echo(mService, "alive"), "alive");
+}
+
+TEST_F(TransportErrors, AnObjectOfAThirdProcessIsRefused) {
+    Peer third({"serve", "third"});
+    const sp<IWorkshop> thirds = IWorkshop::getService("third");
+    const sp<Listener> listener = new Listener;
+    ASSERT_TRUE(thirds->setListener(listener).withDefault(false));
+    const sp<IBouncer> bouncer = thirds->bouncer();
+    const Return<uint32_t> bounced = static_cast<sp<IBouncer>>(mService->bouncer())->bounce(1, bouncer);
+    EXPECT_FALSE(bounced.isOk());
+    EXPECT_NE(bounced.description().find("INVALID_OPERATION"), std::string::npos) << bounced.description();
+    EXPECT_EQ(Echo(mService, "alive"), "alive");
+}
+
+// ---- The pool ----
+
+TEST(ThreadPools, HaveOneThreadWhenNotConfigured) {
+    const ScratchDirectory scratch;
+    const sp<Workshop> own = new Workshop;
+    ASSERT_EQ(own->registerAsService("own"), ::android::OK);
+    Peer first({"hold", "own"});
+    EXPECT_TRUE(WaitFor([&] { return Holding(own) == 1; }));
+    // The lookup of the second is answered, but its first call waits for the thread.
+    ChildProcess second({HOST_TEST_PEER, "hold", "own"});
+    EXPECT_TRUE(own->letGo().isOk());
+    EXPECT_EQ(first.WaitForExit(), 0);
+    EXPECT_TRUE(WaitFor([&] { return Holding(own) == 1; }));
+    EXPECT_TRUE(own->letGo().isOk());
+    EXPECT_EQ(second.WaitForExit(), 0);
+    EXPECT_EQ(own->HoldingThreads().size(), 1u);
+}
+
+TEST(ThreadPools, HaveAsManyThreadsAsConfigured) {
+    const ScratchDirectory scratch;
+    Peer peer({"serve", "default", "3"});
+    const sp<IWorkshop> service = IWorkshop::getService();
+    Caller first([&] { EXPECT_TRUE(service->hold().isOk()); });
+    Caller second([&] { EXPECT_TRUE(service->hold().isOk()); });
+    EXPECT_TRUE(WaitFor([&] { return Holding(service) == 2; }));
+    EXPECT_TRUE(service->letGo().isOk());
+    EXPECT_TRUE(service->letGo().isOk());
+}
+
+TEST(ThreadPools, ThatTheCallerIsToJoinServeNothingBefore) {
+    const ScratchDirectory scratch;
+    Peer peer({"serve-by-joining", "default"});
+    // Finding the service asks it for its interfaces, which takes the thread.
+    Caller caller([&] { EXPECT_EQ(Echo(IWorkshop::getService(), "text"), "text"); });
+    EXPECT_TRUE(WaitFor([] { return HasThread("hidl-reader"); }));
+    peer.Write("join\n");
+    caller.Join();
+    EXPECT_TRUE(peer.WaitForOutput("asked for its interfaces"));
+    EXPECT_LT(peer.Output().find("joining"), peer.Output().find("asked for its interfaces")) << peer.Output();
+}
+
+TEST(ThreadPools, OfAProcessThatOnlyCallsServeNestedCallbacksWithoutAThread) {
+    const ScratchDirectory scratch;
+    Peer peer({"serve", "default"});
+    const sp<IWorkshop> service = IWorkshop::getService();
+    const sp<Bouncer> mine = new Bouncer;
+    // One thread on each side, and neither locks up.
+    EXPECT_EQ(static_cast<sp<IBouncer>>(service->bouncer())->bounce(20, mine).withDefault(0), 20u);
+}
+
+}  // namespace hbbtv::test
