@@ -219,17 +219,16 @@ TEST_F(CommandLine, DamagedControlLinesEndNothing) {
 }
 
 TEST_F(CommandLine, AClosedOutputDoesNotEndIt) {
-    const auto shell = std::make_unique<ChildProcess>(
-        std::vector<std::string>{"sh", "-c",
-                                 std::string("exec 3>&1; { ") + HBBTV_SIM_PROGRAM +
-                                     " --trace & echo $! >&3; wait $!; echo code=$? >&3; } | head -n 1"});
-    ASSERT_TRUE(shell->WaitForOutput("line-up:"));
-    ASSERT_TRUE(WaitFor([&] { return RawClient(mRequestSocket).Connected(); }));
-    mSimulator = Launch({"--version"});
+    const std::string pipe = mDirectory / "output";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const std::string command = std::string("exec ") + HBBTV_SIM_PROGRAM + " --trace > " + pipe + " 2>&1";
+    mSimulator = std::make_unique<ChildProcess>(std::vector<std::string>{"sh", "-c", command});
+    EXPECT_TRUE(WaitFor([&] { return RawClient(mRequestSocket).Connected(); }));
+    close(reader);
     mClient = std::make_unique<RawClient>(mRequestSocket);
     for (int i = 0; i < 20; ++i) EXPECT_EQ(Ask(kCreate, {{"context", "0x1"}})["ret"], 0);
-    kill(std::stoi(shell->Output()), SIGTERM);
-    EXPECT_TRUE(shell->WaitForOutput("code=0")) << shell->Output();
+    EXPECT_EQ(Stop(), 0);
 }
 
 }  // namespace
