@@ -1,6 +1,5 @@
 // The server socket: its file, what it hands on, and that each connection gets its own replies.
 #include <android/log.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -271,26 +270,6 @@ TEST(ServerSocketFailures, SaysThatTheModeCouldNotBeSet) {
         << log.Text();
     EXPECT_TRUE(out.HasLine("tolm_IPC \"chmod is negative, Error: No such file or directory\""));
     EXPECT_TRUE(std::filesystem::is_socket((deep + "/" + kName).substr(0, 107)));
-}
-
-TEST(ServerSocketFailures, SaysThatThereIsNoDescriptorLeft) {
-    const ScratchDirectory directory;
-    const LogCapture log;
-    const StdoutCapture out;
-    RecordingDelegate delegate;
-    rlimit before{};
-    getrlimit(RLIMIT_NOFILE, &before);
-    const rlimit none{3, before.rlim_max};
-    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &none));
-    {
-        TolmIpcServerSocket server(kKey, &delegate);
-        server.Start();
-        EXPECT_TRUE(log.WaitForLine(ANDROID_LOG_ERROR, "tolm_IPC", "accept Error: Bad file descriptor")) << log.Text();
-    }
-    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &before));
-    EXPECT_EQ(1, log.Count(ANDROID_LOG_ERROR, "tolm_IPC", "server socket fd is negative, Error: Too many open files"))
-        << log.Text();
-    EXPECT_TRUE(out.HasLine("tolm_IPC \"server socket fd is negative, Error: Too many open files\""));
 }
 
 }  // namespace
