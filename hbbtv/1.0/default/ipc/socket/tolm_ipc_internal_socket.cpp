@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <mutex>
 
 #include "ipc/tolm_log.h"
 
@@ -36,9 +37,12 @@ void PeerClosed(bool& alive) {
 }
 
 // The announced size is any number that a peer likes to write, and a vector that cannot grow ends the process. So
-// malloc is asked first; volatile, since compilers leave out an allocation that nobody uses.
+// malloc is asked first; volatile, since compilers leave out an allocation that nobody uses. One thread at a time, or
+// two would be promised the same memory.
 bool Reserve(std::vector<unsigned char>& payload, size_t capacity) {
+    static std::mutex sMutex;
     if (payload.capacity() >= capacity) return true;
+    std::lock_guard<std::mutex> lock(sMutex);
     void* volatile probe = malloc(capacity);
     const bool possible = probe != nullptr;
     free(probe);

@@ -7,6 +7,8 @@ namespace {
 
 constexpr char kTag[] = "[ipc_base]";
 
+thread_local bool tInHandler = false;
+
 }  // namespace
 
 TolmHbbtvIpcServerDelegate::TolmHbbtvIpcServerDelegate(TolmIpcKeyId key)
@@ -42,16 +44,28 @@ tolm::TolmIpcServerDelegate* TolmHbbtvIpcServerDelegate::FindLocked(int port) {
 
 void TolmHbbtvIpcServerDelegate::OnRecv(const std::vector<unsigned char>& msg, int port) {
     std::lock_guard<std::mutex> lock(mMutex);
-    if (tolm::TolmIpcServerDelegate* receiver = FindLocked(port)) receiver->OnRecv(msg, port);
+    tolm::TolmIpcServerDelegate* receiver = FindLocked(port);
+    if (receiver == nullptr) return;
+    tInHandler = true;
+    receiver->OnRecv(msg, port);
+    tInHandler = false;
 }
 
 void TolmHbbtvIpcServerDelegate::OnRecvSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply,
                                             int port) {
     std::lock_guard<std::mutex> lock(mMutex);
-    if (tolm::TolmIpcServerDelegate* receiver = FindLocked(port)) receiver->OnRecvSync(msg, reply, port);
+    tolm::TolmIpcServerDelegate* receiver = FindLocked(port);
+    if (receiver == nullptr) return;
+    tInHandler = true;
+    receiver->OnRecvSync(msg, reply, port);
+    tInHandler = false;
 }
 
 size_t TolmHbbtvIpcServerDelegate::GetNum() {
     std::lock_guard<std::mutex> lock(mMutex);
     return mReceivers.size();
+}
+
+bool TolmHbbtvIpcServerDelegate::InHandler() {
+    return tInHandler;
 }

@@ -30,6 +30,9 @@ class TolmHbbtvIpcServerDelegate : public tolm::TolmIpcServerDelegate {
     // Number of registered ports.
     size_t GetNum();
 
+    // Whether the calling thread is inside a receiver's handler.
+    static bool InHandler();
+
   private:
     tolm::TolmIpcServerDelegate* FindLocked(int port);
 

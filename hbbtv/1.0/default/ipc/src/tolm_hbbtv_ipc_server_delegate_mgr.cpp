@@ -5,6 +5,12 @@ TolmHbbtvIpcServerDelegateMgr& TolmHbbtvIpcServerDelegateMgr::Get() {
     return g_mgr;
 }
 
+TolmHbbtvIpcServerDelegateMgr::~TolmHbbtvIpcServerDelegateMgr() {
+    if (!TolmHbbtvIpcServerDelegate::InHandler()) return;
+    static const Servers* const kLeft = new Servers(std::move(mServers));
+    static_cast<void>(kLeft);
+}
+
 void TolmHbbtvIpcServerDelegateMgr::CreateIpcServer(TolmIpcKeyId key, int port, tolm::TolmIpcServerDelegate* receiver) {
     std::lock_guard<std::mutex> lock(mMutex);
     std::shared_ptr<TolmHbbtvIpcServerDelegate>& server = mServers[key];

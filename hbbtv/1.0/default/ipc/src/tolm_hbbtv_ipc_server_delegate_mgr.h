@@ -11,7 +11,8 @@
 // Any thread, but no receiver's handler.
 class TolmHbbtvIpcServerDelegateMgr {
   public:
-    // Destroyed when the process exits, which ends all servers.
+    // Destroyed when the process exits, which ends all servers; but for a process that ends from inside a handler,
+    // which cannot be waited for.
     static TolmHbbtvIpcServerDelegateMgr& Get();
 
     void CreateIpcServer(TolmIpcKeyId key, int port, tolm::TolmIpcServerDelegate* receiver);
@@ -20,8 +21,11 @@ class TolmHbbtvIpcServerDelegateMgr {
     void DeleteIpcServer(TolmIpcKeyId key, int port);
 
   private:
+    using Servers = std::unordered_map<TolmIpcKeyId, std::shared_ptr<TolmHbbtvIpcServerDelegate>>;
+
     TolmHbbtvIpcServerDelegateMgr() = default;
+    ~TolmHbbtvIpcServerDelegateMgr();
 
     std::mutex mMutex;  // taken before that of a demultiplexer
-    std::unordered_map<TolmIpcKeyId, std::shared_ptr<TolmHbbtvIpcServerDelegate>> mServers;  // guarded by mMutex
+    Servers mServers;   // guarded by mMutex
 };

@@ -1,0 +1,139 @@
+// What happens to a message for which there is no memory. Plain builds limit the process's address space; under a
+// sanitizer, which needs that for itself, its options limit the size of one allocation (see CMakeLists.txt).
+#include <android/log.h>
+#include <malloc.h>
+#include <sys/resource.h>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "build_kind.h"
+#include "ipc/socket/tolm_ipc_internal_socket.h"
+#include "ipc/socket/tolm_ipc_server_socket.h"
+#include "log_capture.h"
+#include "process_usage.h"
+#include "raw_socket.h"
+#include "recording_delegate.h"
+#include "scratch_directory.h"
+#include "socket_pair.h"
+#include "stdout_capture.h"
+
+namespace {
+
+using hbbtv::test::Frame;
+using hbbtv::test::FrameBytes;
+using hbbtv::test::HeaderBytes;
+using hbbtv::test::kSanitized;
+using hbbtv::test::LogCapture;
+using hbbtv::test::RawConnection;
+using hbbtv::test::RecordingDelegate;
+using hbbtv::test::ScratchDirectory;
+using hbbtv::test::SocketPair;
+using hbbtv::test::StdoutCapture;
+using hbbtv::test::UsageOfThisProcess;
+using tolm::TolmIpcServerSocket;
+
+constexpr char kTag[] = "tolm_IPC";
+
+// No allocation of more than 192 MiB succeeds while it lives; smaller ones, and threads, do.
+class MemoryLimit {
+  public:
+    MemoryLimit() {
+        mallopt(M_ARENA_MAX, 1);  // each other one would take its part of what is left
+        getrlimit(RLIMIT_AS, &mBefore);
+        if (kSanitized) return;
+        rlimit limit = mBefore;
+        limit.rlim_cur = static_cast<rlim_t>(UsageOfThisProcess().addressSpaceKiB) * 1024 + (160u << 20);
+        EXPECT_EQ(0, setrlimit(RLIMIT_AS, &limit));
+    }
+    ~MemoryLimit() { setrlimit(RLIMIT_AS, &mBefore); }
+    MemoryLimit(const MemoryLimit&) = delete;
+    MemoryLimit& operator=(const MemoryLimit&) = delete;
+
+  private:
+    rlimit mBefore{};
+};
+
+constexpr size_t kTooMuch = (192u << 20) + 1;
+
+TEST(MemoryLimit, ClosesAConnectionThatAnnouncesTooMuchAndNoOther) {
+    const ScratchDirectory directory;
+    const StdoutCapture out;
+    const LogCapture log;
+    RecordingDelegate delegate;
+    TolmIpcServerSocket server(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB, &delegate);
+    server.Start();
+    const std::string path = directory / "service_hbbtv_to_plugin_vb";
+    RawConnection bystander = RawConnection::To(path);
+    const MemoryLimit limit;
+    int errors = 0;
+    for (const uint32_t size : {static_cast<uint32_t>(kTooMuch), 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+        for (const int type : {1, 2, 3}) {
+            RawConnection peer = RawConnection::To(path);
+            ASSERT_TRUE(peer.Write(HeaderBytes(size, type, 7)));
+            EXPECT_TRUE(peer.PeerCloses());
+            EXPECT_EQ(++errors, log.Count(ANDROID_LOG_ERROR, kTag, "malloc error")) << log.Text();
+            ASSERT_TRUE(bystander.Write(FrameBytes(2, 7, "hello")));
+            const std::optional<Frame> reply = bystander.ReadFrame();
+            ASSERT_TRUE(reply.has_value());
+            EXPECT_EQ("hello", reply->payload);
+        }
+    }
+    EXPECT_TRUE(out.HasLine("tolm_IPC \"malloc error\""));
+    for (const Frame& frame : delegate.Frames()) EXPECT_EQ("hello", frame.payload);
+}
+
+// Each of them could be stored alone, both together not.
+TEST(MemoryLimit, LivesWhenManyConnectionsAnnounceMuchAtOnce) {
+    const ScratchDirectory directory;
+    const StdoutCapture out;
+    const LogCapture log;
+    RecordingDelegate delegate;
+    TolmIpcServerSocket server(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB, &delegate);
+    server.Start();
+    const std::string path = directory / "service_hbbtv_to_plugin_vb";
+    RawConnection bystander = RawConnection::To(path);
+    const MemoryLimit limit;
+    for (int round = 0; round < (kSanitized ? 5 : 100); ++round) {
+        std::vector<RawConnection> peers;
+        for (int i = 0; i < 3; ++i) peers.push_back(RawConnection::To(path));
+        for (RawConnection& peer : peers) peer.Write(HeaderBytes(100u << 20, 1, 7));
+        ASSERT_TRUE(bystander.Write(FrameBytes(2, 7, "hello")));
+        ASSERT_TRUE(bystander.ReadFrame().has_value());
+    }
+}
+
+TEST(MemoryLimit, StoresNoReplyThatIsTooLargeAndTakesThePlatformForGone) {
+    const StdoutCapture out;
+    const LogCapture log;
+    const MemoryLimit limit;
+    SocketPair pair;
+    ASSERT_TRUE(pair.far.Write(HeaderBytes(0xFFFFFFFF, 3, 7)));
+    tolm::TolmIpcSocketMsgHeader header{};
+    std::vector<unsigned char> payload;
+    bool alive = true;
+    EXPECT_FALSE(tolm::RecvInternalSocket(pair.near.Fd(), header, payload, alive));
+    EXPECT_FALSE(alive);
+    EXPECT_EQ(1, log.Count(ANDROID_LOG_ERROR, kTag, "malloc error")) << log.Text();
+}
+
+TEST(MemoryLimit, SendsNoMessageThatCannotBePutTogether) {
+    const StdoutCapture out;
+    const LogCapture log;
+    // Takes most of what is allowed; a second block of the size does not fit.
+    std::vector<unsigned char> payload(kTooMuch - 1);
+    const MemoryLimit limit;
+    SocketPair pair;
+    bool alive = true;
+    EXPECT_FALSE(tolm::SendInternalSocket(pair.near.Fd(), 7, TOLM_IPC_MSG_ASYNC, payload, alive));
+    EXPECT_TRUE(alive);
+    EXPECT_EQ(1, log.Count(ANDROID_LOG_ERROR, kTag, "malloc error")) << log.Text();
+    EXPECT_TRUE(out.HasLine("tolm_IPC \"malloc error\""));
+    pair.near.Close();
+    EXPECT_EQ("", pair.far.Read(1));
+}
+
+}  // namespace
