@@ -33,6 +33,21 @@ void Receive(const TolmVideoBroadcastEvent& event, const TolmVideoBroadcastEvent
     TolmFreeVideoBroadcastEventInfo(event, mine);
 }
 
+std::atomic<bool> gInHandler{false};
+std::atomic<bool> gDeleting{false};
+std::atomic<int> gOtherInstances{0};
+
+// Asks for the instance again and again, from before its deletion begins until that waits for this handler.
+void AskForTheInstance(const TolmVideoBroadcastEvent&, const TolmVideoBroadcastEventInfo&, const void*) {
+    Vb* const instance = Vb::GetInstance();
+    gInHandler = true;
+    WaitFor([] { return gDeleting.load(); });
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
+    while (std::chrono::steady_clock::now() < end) {
+        if (Vb::GetInstance() != instance) ++gOtherInstances;
+    }
+}
+
 class VideoBroadcastInstance : public ::testing::Test {
   protected:
     ~VideoBroadcastInstance() override { Vb::DeleteInstance(); }
@@ -119,6 +134,16 @@ TEST_F(VideoBroadcastInstance, NeedNotExistToBeDeleted) {
     Vb::DeleteInstance();
     EXPECT_EQ(mLog.Count(3, "[ipc_base]", kStopped), 0);
     EXPECT_NE(Vb::GetInstance(), nullptr);
+}
+
+TEST_F(VideoBroadcastInstance, IsThereForAHandlerThatItsDeletionWaitsFor) {
+    ASSERT_EQ(Vb::GetInstance()->RegisterCallback(nullptr, &AskForTheInstance, nullptr), 0);
+    RawConnection platform = RawConnection::To(ServedSocket());
+    platform.Write(FrameBytes(kOneWay, 7, "{\"type\": \"videobroadcast\", \"event\": 4}"));
+    ASSERT_TRUE(WaitFor([] { return gInHandler.load(); }));
+    gDeleting = true;
+    Vb::DeleteInstance();
+    EXPECT_EQ(gOtherInstances, 0);
 }
 
 TEST_F(VideoBroadcastInstance, GoesPromptlyWhileEventsCome) {

@@ -5,6 +5,9 @@
 #include <atomic>
 #include <mutex>
 #include <new>
+#include <type_traits>
+
+#include "ipc/src/tolm_base_server.h"
 
 namespace tolm {
 
@@ -22,10 +25,16 @@ class TolmAdaptorInstance {
     }
 
     // Returns when its endpoint is no longer served. Not while another thread uses the instance, and not from inside an
-    // event.
+    // event; an event that is under way is waited for.
     static void DeleteInstance() {
         std::lock_guard<std::mutex> lock(sMutex);
-        delete sInstance.exchange(nullptr, std::memory_order_acq_rel);
+        Adaptor* const instance = sInstance.load(std::memory_order_relaxed);
+        if (instance == nullptr) return;
+        // While the pointer is still there: the handler that is waited for may ask for the instance, and must not wait
+        // for the mutex in its turn.
+        if constexpr (std::is_base_of_v<TolmBaseServer, Adaptor>) instance->TolmBaseServer::Stop();
+        sInstance.store(nullptr, std::memory_order_release);
+        delete instance;
     }
 
   private:
