@@ -49,6 +49,13 @@ status_t Outbox::Send(iovec* pieces, int count, Patience patience) {
         return mBroken ? DEAD_OBJECT : FAILED_TRANSACTION;
     }
     KeepLocked(pieces, count);
+    if (!mBroken && !mFlushing && patience == Patience::kSome) {
+        // There is no thread for it: this one, which may wait for the peer, does the work.
+        mFlushing = true;
+        lock.unlock();
+        Flush();
+        lock.lock();
+    }
     return mBroken ? DEAD_OBJECT : OK;
 }
 
@@ -105,7 +112,7 @@ void Outbox::KeepLocked(const iovec* pieces, int count) {
     if (!mFlushing) StartFlusherLocked();
 }
 
-// When there is no thread to be had, the next sender tries again.
+// When there is no thread to be had, the sender does it, or the next one if this one must not wait.
 void Outbox::StartFlusherLocked() {
     mFlushing = StartThread("hidl-writer", false, [self = shared_from_this()] { self->Flush(); });
     mChanged.notify_all();
