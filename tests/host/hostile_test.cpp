@@ -41,9 +41,7 @@ using ::android::hardware::host::WireNode;
 
 // Numbers of methods of IWorkshop, in the order of its declaration.
 constexpr uint32_t kEcho = 2;
-constexpr uint32_t kItems = 5;
 constexpr uint32_t kSetListener = 9;
-constexpr uint32_t kPost = 15;
 constexpr uint32_t kPostSlowly = 17;
 
 // One workshop for all sessions of this process.
