@@ -24,10 +24,16 @@ constexpr char kTag[] = "[ipc_vb]";
 // A stream event carries a few dozen bytes; more than this is no event.
 constexpr unsigned kMaxStreamEventText = 1u << 20;
 
+char* Allocate(size_t size) {
+    auto* block = static_cast<char*>(malloc(size));
+    if (block == nullptr && size > 0) TOLM_LOG(ANDROID_LOG_ERROR, kTag, "malloc error");
+    return block;
+}
+
 Target ToOwnedText(const char* key, TolmOwnedText& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
                 const std::string text = tolm::ReadText(object, k);
-                auto* copy = static_cast<char*>(malloc(text.size() + 1));
+                char* copy = Allocate(text.size() + 1);
                 if (copy == nullptr) return false;
                 memcpy(copy, text.c_str(), text.size() + 1);
                 *static_cast<TolmOwnedText*>(out) = {copy, static_cast<uint32_t>(text.size())};
@@ -54,7 +60,7 @@ bool ReadStreamEventText(const Json::Value& msg, TolmOwnedText& to) {
         TOLM_LOG(ANDROID_LOG_WARN, kTag, "textLen %u is too long", length);
         return false;
     }
-    to.text = static_cast<char*>(malloc(length));
+    to.text = Allocate(length);
     if (to.text == nullptr && length > 0) return false;
     to.length = length;
     for (unsigned i = 0; i < length; ++i) {
