@@ -201,13 +201,9 @@ int Main(const std::string& directory) {
         {"SetChannel at the adaptor", "small request, floor", false, 0.90,
          [&] { return MicrosecondsEach(kSmall, [&] { adaptor->SetChannel(vb, channel, false, noUrl); }); }},
         {"SetChannel through the service, in process", "small request, floor", false, 0,
-         [&] {
-             return MicrosecondsEach(kSmall, [&] { (void)local->SetChannel(kVb, kChannel, false, "").isOk(); });
-         }},
+         [&] { return MicrosecondsEach(kSmall, [&] { (void)local->SetChannel(kVb, kChannel, false, "").isOk(); }); }},
         {"SetChannel over HIDL from another process", "small request, floor", false, 0,
-         [&] {
-             return MicrosecondsEach(kSmall, [&] { (void)remote->SetChannel(kVb, kChannel, false, "").isOk(); });
-         }},
+         [&] { return MicrosecondsEach(kSmall, [&] { (void)remote->SetChannel(kVb, kChannel, false, "").isOk(); }); }},
         {"64 KiB reply, floor", "", false, 0,
          [&] { return MicrosecondsEach(kBulk, [&] { FloorExchange(floorFd, PlayStateRequest()); }); }},
         {"64 KiB reply at the adaptor", "64 KiB reply, floor", false, 1.15,

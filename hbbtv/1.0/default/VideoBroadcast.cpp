@@ -244,9 +244,9 @@ Return<void> Forward(IVideoBroadcastCallback& client, TolmVideoBroadcastEvent ev
             return client.onParentalRating(Text(info.parentalRating.contentId), ToHandle(info.parentalRating.ratings),
                                            Text(info.parentalRating.drmSystemId));
         case TOLM_VB_EVENT_PARENTAL_RATING_BLOCKED:
-            return client.onParentalRatingBlocked(
-                Text(info.parentalRating.contentId), ToHandle(info.parentalRating.ratings),
-                Text(info.parentalRating.drmSystemId), info.parentalRating.blocked);
+            return client.onParentalRatingBlocked(Text(info.parentalRating.contentId),
+                                                  ToHandle(info.parentalRating.ratings),
+                                                  Text(info.parentalRating.drmSystemId), info.parentalRating.blocked);
         case TOLM_VB_EVENT_DRM_RIGHTS_ERROR:
             return client.onDrmRightsError(info.drmRightsError.error, Text(info.drmRightsError.contentId),
                                            Text(info.drmRightsError.drmSystemId),

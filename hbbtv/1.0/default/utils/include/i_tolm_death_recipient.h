@@ -12,8 +12,7 @@
 class ITolmHidlClientEvent {
   public:
     // `who` is the callback that was registered; nobody may hold it any more.
-    virtual void OnHidlClientDied(uint64_t cookie,
-                                  const android::wp<android::hidl::base::V1_0::IBase>& who) = 0;
+    virtual void OnHidlClientDied(uint64_t cookie, const android::wp<android::hidl::base::V1_0::IBase>& who) = 0;
 
   protected:
     ~ITolmHidlClientEvent() = default;  // nobody owns a service by this interface
