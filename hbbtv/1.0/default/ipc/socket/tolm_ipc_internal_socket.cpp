@@ -36,18 +36,48 @@ void PeerClosed(bool& alive) {
     TOLM_SOCKET_LOG(ANDROID_LOG_WARN, "peer closed!");
 }
 
-// The announced size is any number that a peer likes to write, and a vector that cannot grow ends the process. So
-// malloc is asked first; volatile, since compilers leave out an allocation that nobody uses. One thread at a time, or
-// two would be promised the same memory.
-bool Reserve(std::vector<unsigned char>& payload, size_t capacity) {
-    static std::mutex sMutex;
-    if (payload.capacity() >= capacity) return true;
-    std::lock_guard<std::mutex> lock(sMutex);
-    void* volatile probe = malloc(capacity);
-    const bool possible = probe != nullptr;
+// A vector that cannot grow ends the process, so malloc is asked first; volatile, since compilers leave out an
+// allocation that nobody uses. One thread at a time, or two would be promised the same memory.
+std::mutex sMemoryMutex;
+
+bool AvailableLocked(size_t size) {
+    void* volatile probe = malloc(size);
+    const bool available = probe != nullptr;
     free(probe);
-    if (possible) payload.reserve(capacity);
-    return possible;
+    return available;
+}
+
+bool Reserve(std::vector<unsigned char>& payload, size_t capacity) {
+    if (payload.capacity() >= capacity) return true;
+    std::lock_guard<std::mutex> lock(sMemoryMutex);
+    if (!AvailableLocked(capacity)) return false;
+    payload.reserve(capacity);
+    return true;
+}
+
+// The announced size is any number that a peer likes to write. One that could not be stored is refused at once; of a
+// large one only the first part is reserved, and the rest as its bytes come.
+bool ReserveAhead(std::vector<unsigned char>& payload, size_t size) {
+    constexpr size_t kAhead = 1u << 20;
+    if (size > payload.max_size() - payload.size()) return false;
+    if (size <= kAhead) return Reserve(payload, payload.size() + size);
+    std::lock_guard<std::mutex> lock(sMemoryMutex);
+    if (!AvailableLocked(payload.size() + size)) return false;
+    payload.reserve(payload.size() + kAhead);
+    return true;
+}
+
+bool Append(const unsigned char* bytes, size_t size, std::vector<unsigned char>& payload) {
+    const size_t needed = payload.size() + size;
+    if (needed > payload.capacity() && !Reserve(payload, std::max(needed, 2 * payload.capacity()))) return false;
+    payload.insert(payload.end(), bytes, bytes + size);
+    return true;
+}
+
+bool CannotStore(bool& alive) {
+    alive = false;
+    TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "malloc error");
+    return false;
 }
 
 // `header` is not touched before all of it has come: who goes by its type must not act on a part.
@@ -109,11 +139,7 @@ bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsi
         PeerClosed(alive);
         return false;
     }
-    if (!Reserve(payload, payload.size() + header.size)) {
-        alive = false;
-        TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "malloc error");
-        return false;
-    }
+    if (!ReserveAhead(payload, header.size)) return CannotStore(alive);
     unsigned char chunk[kChunk] = {};
     size_t remaining = header.size;
     while (remaining > 0) {
@@ -126,7 +152,7 @@ bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsi
             TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Recv Error: %s", strerror(errno));
             return false;
         }
-        payload.insert(payload.end(), chunk, chunk + n);
+        if (!Append(chunk, static_cast<size_t>(n), payload)) return CannotStore(alive);
         remaining -= static_cast<size_t>(n);
     }
     return true;
