@@ -37,7 +37,7 @@ TEST_F(TrapsDeathTest, AFailedReturnThatNobodyLooksAtEndsTheProcess) {
 }
 
 TEST_F(TrapsDeathTest, TheValueOfAFailedReturnEndsTheProcess) {
-    EXPECT_DEATH(static_cast<int32_t>(FailedNumber()), "EX_ILLEGAL_ARGUMENT");
+    EXPECT_DEATH([[maybe_unused]] const int32_t number = FailedNumber(), "EX_ILLEGAL_ARGUMENT");
 }
 
 TEST_F(TrapsDeathTest, AFailedReturnThatWasLookedAtIsHarmless) {

@@ -32,9 +32,11 @@ class Receiver : public TolmBaseServer {
 }  // namespace
 
 int main() {
-    // Like an adaptor, neither is ever destroyed.
-    (new Receiver(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB, 7))->Start();
-    (new Receiver(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_SM, 8))->Start();
+    // Like adaptors, never destroyed.
+    static Receiver* const broadcast = new Receiver(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB, 7);
+    static Receiver* const search = new Receiver(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_SM, 8);
+    broadcast->Start();
+    search->Start();
     std::cout << "serving" << std::endl;
     std::string line;
     while (std::getline(std::cin, line)) {

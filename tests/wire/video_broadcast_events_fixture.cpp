@@ -260,8 +260,9 @@ std::string PayloadOf(const EventRow& row, const std::map<std::string, std::stri
     return Joined(members);
 }
 
-EventsFixture::EventsFixture()
-    : mConnection((Vb::GetInstance(), RawConnection::To(mDirectory / "service_hbbtv_to_plugin_vb"))) {
+EventsFixture::EventsFixture(int leastPriority)
+    : mLog(leastPriority),
+      mConnection((Vb::GetInstance(), RawConnection::To(mDirectory / "service_hbbtv_to_plugin_vb"))) {
     std::lock_guard<std::mutex> lock(gMutex);
     gReceived.clear();
 }

@@ -1,6 +1,7 @@
 // The platform's side of the video/broadcast events endpoint, and a receiver that keeps what reaches it.
 #pragma once
 
+#include <android/log.h>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -54,7 +55,8 @@ class EventsFixture : public ::testing::Test {
   protected:
     using Vb = TolmVideoBroadcastAdaptorIpc;
 
-    EventsFixture();
+    // Lines of a lower priority are dropped by the log.
+    explicit EventsFixture(int leastPriority = ANDROID_LOG_VERBOSE);
     ~EventsFixture() override;
 
     static const void* Pointer(uintptr_t bits) { return reinterpret_cast<const void*>(bits); }

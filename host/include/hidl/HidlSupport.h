@@ -62,7 +62,7 @@ struct hidl_handle {
   private:
     details::hidl_pointer<const native_handle_t> mHandle;
     bool mOwnsHandle;
-    uint8_t mPadding[7];
+    [[maybe_unused]] uint8_t mPadding[7];
 };
 
 // Bytes with a NUL behind them. The size counts embedded NULs; comparisons and toString() stop at the first one.
@@ -99,7 +99,7 @@ struct hidl_string {
     details::hidl_pointer<const char> mBuffer;
     uint32_t mSize;
     bool mOwnsBuffer;
-    uint8_t mPadding[3];  // always zero: the memory crosses processes as it is
+    [[maybe_unused]] uint8_t mPadding[3];  // always zero: the memory crosses processes as it is
 };
 
 #define HIDL_STRING_OPERATOR(op)                                          \
@@ -252,7 +252,7 @@ struct hidl_vec {
     details::hidl_pointer<T> mBuffer;
     uint32_t mSize;
     bool mOwnsBuffer;
-    uint8_t mPadding[3];  // always zero: the memory crosses processes as it is
+    [[maybe_unused]] uint8_t mPadding[3];  // always zero: the memory crosses processes as it is
 };
 
 template <typename T>

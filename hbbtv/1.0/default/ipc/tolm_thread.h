@@ -18,6 +18,9 @@ class TolmThread {
     // Whether the thread runs. Not while an earlier one is still to be joined.
     bool Start(std::function<void()> body);
 
+    // Whether there is a thread to be joined.
+    bool Joinable() const { return mJoinable; }
+
     // Waits for the thread's end; nothing to do when there is none.
     void Join();
 

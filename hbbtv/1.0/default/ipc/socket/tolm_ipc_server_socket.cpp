@@ -86,9 +86,20 @@ bool TolmIpcServerSocket::Running() {
     return mRunning;
 }
 
+// A platform that connects for every event may do so faster than the connections' threads can end, and threads would
+// pile up until no more can be started. So with many connections at once the next is accepted when one has ended, or
+// else after a pause.
+bool TolmIpcServerSocket::RunningWithRoom() {
+    constexpr size_t kMany = 64;
+    constexpr std::chrono::milliseconds kPause{10};
+    std::unique_lock<std::mutex> lock(mMutex);
+    mChanged.wait_for(lock, kPause, [this] { return !mRunning || mConnections.size() < kMany; });
+    return mRunning;
+}
+
 void TolmIpcServerSocket::Run() {
     int failures = 0;
-    while (Running()) {
+    while (RunningWithRoom()) {
         sockaddr_un peer{};
         socklen_t length = sizeof(peer);
         const int fd = accept4(mListenFd, reinterpret_cast<sockaddr*>(&peer), &length, SOCK_CLOEXEC);
@@ -147,17 +158,20 @@ void TolmIpcServerSocket::OnRecv(int fd, sockaddr_un) {
     }
 }
 
-// The thread joins the one that ended before it and leaves itself to the next, so at most one is unjoined at any time.
+// The thread joins those that ended before it and leaves itself to the next, so that at most one is unjoined when all
+// have ended; and it counts as a connection until nothing holds it up any more.
 void TolmIpcServerSocket::EndConnection(Connections::iterator connection) {
-    TolmThread previous;
-    {
-        std::lock_guard<std::mutex> lock(mMutex);
-        CloseSocket(connection->fd);
-        previous = std::exchange(mEnded, std::move(connection->thread));
-        mConnections.erase(connection);
-        mChanged.notify_all();
+    std::unique_lock<std::mutex> lock(mMutex);
+    CloseSocket(std::exchange(connection->fd, -1));
+    while (mEnded.Joinable()) {
+        TolmThread previous = std::move(mEnded);
+        lock.unlock();
+        previous.Join();
+        lock.lock();
     }
-    previous.Join();
+    mEnded = std::move(connection->thread);
+    mConnections.erase(connection);
+    mChanged.notify_all();
 }
 
 }  // namespace tolm

@@ -27,7 +27,7 @@ class TolmIpcServerSocket : public TolmIpcServer {
 
   private:
     struct Connection {
-        int fd;
+        int fd;  // -1 once it is closed
         TolmThread thread;
     };
     using Connections = std::list<Connection>;
@@ -36,6 +36,7 @@ class TolmIpcServerSocket : public TolmIpcServer {
 
     // The accept thread.
     void Run();
+    bool RunningWithRoom();
     void StartConnection(int fd, const sockaddr_un& peer);
     void PauseAfterFailures(int failures);
 

@@ -6,9 +6,7 @@ TolmHbbtvIpcServerDelegateMgr& TolmHbbtvIpcServerDelegateMgr::Get() {
 }
 
 TolmHbbtvIpcServerDelegateMgr::~TolmHbbtvIpcServerDelegateMgr() {
-    if (!TolmHbbtvIpcServerDelegate::InHandler()) return;
-    static const Servers* const kLeft = new Servers(std::move(mServers));
-    static_cast<void>(kLeft);
+    if (!TolmHbbtvIpcServerDelegate::InHandler()) delete &mServers;
 }
 
 void TolmHbbtvIpcServerDelegateMgr::CreateIpcServer(TolmIpcKeyId key, int port, tolm::TolmIpcServerDelegate* receiver) {

@@ -26,6 +26,6 @@ class TolmHbbtvIpcServerDelegateMgr {
     TolmHbbtvIpcServerDelegateMgr() = default;
     ~TolmHbbtvIpcServerDelegateMgr();
 
-    std::mutex mMutex;  // taken before that of a demultiplexer
-    Servers mServers;   // guarded by mMutex
+    std::mutex mMutex;                 // taken before that of a demultiplexer
+    Servers& mServers = *new Servers;  // guarded by mMutex; on the heap, to be left there by the destructor
 };
