@@ -1,5 +1,5 @@
 // What happens to a message for which there is no memory. Plain builds limit the process's address space; under a
-// sanitizer, which needs that for itself, its options limit the size of one allocation (see CMakeLists.txt).
+// sanitizer, which needs that for itself, its options limit the size of one allocation (sanitizer_options.cpp).
 #include <android/log.h>
 #include <malloc.h>
 #include <sys/resource.h>

@@ -192,6 +192,47 @@ TEST_F(Registry, DeletesTheLastPortWhileMessagesFlow) {
     for (std::thread& platform : platforms) platform.join();
 }
 
+// The handler that the deletion waits for is not held up by it.
+TEST_F(Registry, ServesOtherEndpointsFromAHandlerWhileItsOwnIsDeleted) {
+    std::atomic<bool> inside{false};
+    std::atomic<bool> deleting{false};
+    auto receiver = std::make_unique<EventReceiver>(kKey, 7, [&](const Json::Value&, Json::Value&) {
+        inside = true;
+        hbbtv::test::WaitFor([&] { return deleting.load(); });
+        // Some of these rounds find the deletion waiting.
+        for (int round = 0; round < 100; ++round) {
+            EventReceiver other(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_SM, 8);
+            other.Start();
+        }
+    });
+    receiver->Start();
+    RawConnection connection = Connect();
+    ASSERT_TRUE(connection.Write(FrameBytes(2, 7, "{}")));
+    ASSERT_TRUE(hbbtv::test::WaitFor([&] { return inside.load(); }));
+    deleting = true;
+    receiver.reset();
+    EXPECT_EQ(100, mLog.Count(ANDROID_LOG_DEBUG, kTag, "ipc server stop success in channel(31) port(8)"));
+}
+
+TEST_F(Registry, TakesAnotherPortWhileAHandlerRuns) {
+    std::atomic<bool> inside{false};
+    std::atomic<bool> release{false};
+    EventReceiver first(kKey, 7, [&](const Json::Value&, Json::Value&) {
+        inside = true;
+        EXPECT_TRUE(hbbtv::test::WaitFor([&] { return release.load(); }));
+    });
+    first.Start();
+    RawConnection connection = Connect();
+    ASSERT_TRUE(connection.Write(FrameBytes(2, 7, "{}")));
+    ASSERT_TRUE(hbbtv::test::WaitFor([&] { return inside.load(); }));
+    EventReceiver second(kKey, 8);
+    second.Start();
+    release = true;
+    ASSERT_TRUE(connection.ReadFrame().has_value());
+    ASSERT_TRUE(connection.Write(FrameBytes(1, 8, "{}")));
+    EXPECT_TRUE(second.WaitForMessages(1));
+}
+
 TEST_F(Registry, IsUsedByManyThreadsAtOnce) {
     std::vector<std::thread> threads;
     for (int port = 0; port < 6; ++port) {

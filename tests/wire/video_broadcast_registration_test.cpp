@@ -1,5 +1,7 @@
 // Who receives video/broadcast events, and from when to when.
 
+#include <future>
+
 #include "video_broadcast_events_fixture.h"
 
 namespace hbbtv::test {
@@ -35,7 +37,16 @@ void MediaSync(const TolmMediaSyncEvent&, const TolmMediaSyncEventInfo&, const v
     ++gMediaSync;
 }
 
-class Registration : public EventsFixture {};
+class Registration : public EventsFixture {
+  protected:
+    // For the platform's threads.
+    std::string AskOverAnotherConnection() const {
+        RawConnection connection = RawConnection::To(mDirectory / "service_hbbtv_to_plugin_vb");
+        connection.Write(FrameBytes(kRequest, 7, kEvent));
+        const std::optional<Frame> reply = connection.ReadFrame();
+        return reply ? reply->payload : "no reply";
+    }
+};
 
 }  // namespace
 
@@ -111,27 +122,27 @@ TEST_F(Registration, HoldsWhenThePlatformRefusesIt) {
 
 TEST_F(Registration, IsInPlaceBeforeThePlatformKnowsOfIt) {
     // The platform sends an event first and answers the request after that event was handled.
-    std::string reply;
+    std::promise<std::string> reply;
     mPlatform.SetAnswer([&](const Frame& request) {
         EXPECT_NE(request.payload.find("\"method\" : 3,"), std::string::npos);
-        reply = Ask(kEvent);
+        reply.set_value(AskOverAnotherConnection());
         return std::string("{\"ret\": 0}");
     });
     EXPECT_EQ(Adaptor().RegisterCallback(Pointer(1), &First, Pointer(0xabcd)), 0);
-    EXPECT_EQ(reply, "{\n\t\"ret\" : 0\n}\n");
+    EXPECT_EQ(reply.get_future().get(), "{\n\t\"ret\" : 0\n}\n");
     EXPECT_EQ(gFirst, 1);
 }
 
 TEST_F(Registration, IsGoneBeforeThePlatformKnowsOfIt) {
     EXPECT_EQ(Adaptor().RegisterCallback(Pointer(1), &First, Pointer(0xabcd)), 0);
-    std::string reply;
+    std::promise<std::string> reply;
     mPlatform.SetAnswer([&](const Frame& request) {
         EXPECT_NE(request.payload.find("\"method\" : 4,"), std::string::npos);
-        reply = Ask(kEvent);
+        reply.set_value(AskOverAnotherConnection());
         return std::string("{\"ret\": 0}");
     });
     EXPECT_EQ(Adaptor().UnregisterCallback(Pointer(1)), 0);
-    EXPECT_EQ(reply, "null\n");
+    EXPECT_EQ(reply.get_future().get(), "null\n");
     EXPECT_EQ(gFirst, 0);
 }
 

@@ -300,9 +300,15 @@ using hidl_bitfield = typename std::underlying_type<T>::type;
 
 namespace details {
 
-// The values of an enum type; generated code specialises it for every enum of a package.
+// The values of an enum type; generated code specialises it for every enum of a package. Inside a namespace without a
+// name, because the specialisations stand in headers without `inline`: clang would give them to the linker more than
+// once.
+inline namespace enum_values {
+inline namespace {
 template <typename T>
 constexpr std::array<T, 0> hidl_enum_values = {};
+}  // namespace
+}  // namespace enum_values
 
 template <typename T>
 std::string toHexString(T value, bool prefix = true) {

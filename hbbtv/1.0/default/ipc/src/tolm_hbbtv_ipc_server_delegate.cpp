@@ -35,7 +35,12 @@ void TolmHbbtvIpcServerDelegate::UnRegisterIpcServerDelegate(int port) {
     TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "ipc server stop success in channel(%x) port(%d)", mKey, port);
 }
 
-tolm::TolmIpcServerDelegate* TolmHbbtvIpcServerDelegate::FindLocked(int port) {
+void TolmHbbtvIpcServerDelegate::WaitForDelivery() {
+    std::lock_guard<std::mutex> lock(mDelivery);
+}
+
+tolm::TolmIpcServerDelegate* TolmHbbtvIpcServerDelegate::Find(int port) {
+    std::lock_guard<std::mutex> lock(mMutex);
     const auto found = mReceivers.find(port);
     if (found != mReceivers.end() && found->second != nullptr) return found->second;
     TOLM_LOG(ANDROID_LOG_WARN, kTag, "channel(%x) port(%d): no receiver", mKey, port);
@@ -43,8 +48,8 @@ tolm::TolmIpcServerDelegate* TolmHbbtvIpcServerDelegate::FindLocked(int port) {
 }
 
 void TolmHbbtvIpcServerDelegate::OnRecv(const std::vector<unsigned char>& msg, int port) {
-    std::lock_guard<std::mutex> lock(mMutex);
-    tolm::TolmIpcServerDelegate* receiver = FindLocked(port);
+    std::lock_guard<std::mutex> delivery(mDelivery);
+    tolm::TolmIpcServerDelegate* receiver = Find(port);
     if (receiver == nullptr) return;
     tInHandler = true;
     receiver->OnRecv(msg, port);
@@ -53,8 +58,8 @@ void TolmHbbtvIpcServerDelegate::OnRecv(const std::vector<unsigned char>& msg, i
 
 void TolmHbbtvIpcServerDelegate::OnRecvSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply,
                                             int port) {
-    std::lock_guard<std::mutex> lock(mMutex);
-    tolm::TolmIpcServerDelegate* receiver = FindLocked(port);
+    std::lock_guard<std::mutex> delivery(mDelivery);
+    tolm::TolmIpcServerDelegate* receiver = Find(port);
     if (receiver == nullptr) return;
     tInHandler = true;
     receiver->OnRecvSync(msg, reply, port);

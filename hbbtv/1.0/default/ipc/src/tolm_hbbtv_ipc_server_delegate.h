@@ -19,11 +19,13 @@ class TolmHbbtvIpcServerDelegate : public tolm::TolmIpcServerDelegate {
     // The first receiver of a port stays; another one is refused with an error line. The receiver is not owned.
     void RegisterIpcServerDelegate(int port, tolm::TolmIpcServerDelegate* receiver);
 
-    // Waits for a delivery that is under way: when it returns, the receiver is called no more.
+    // The receiver is called no more once WaitForDelivery() has returned.
     void UnRegisterIpcServerDelegate(int port);
 
-    // Called by the server. One message of the key is handled at a time; a receiver must not register or unregister on
-    // its own key from inside its handler.
+    // Waits for a handler that is running. Not from inside one.
+    void WaitForDelivery();
+
+    // Called by the server. One message of the key is handled at a time.
     void OnRecv(const std::vector<unsigned char>& msg, int port) override;
     void OnRecvSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply, int port) override;
 
@@ -34,10 +36,11 @@ class TolmHbbtvIpcServerDelegate : public tolm::TolmIpcServerDelegate {
     static bool InHandler();
 
   private:
-    tolm::TolmIpcServerDelegate* FindLocked(int port);
+    tolm::TolmIpcServerDelegate* Find(int port);
 
     const TolmIpcKeyId mKey;
-    std::mutex mMutex;
+    std::mutex mDelivery;  // held while a receiver runs; taken before all other mutexes
+    std::mutex mMutex;     // held for no longer than it takes to look into the map
     std::unordered_map<int, tolm::TolmIpcServerDelegate*> mReceivers;  // guarded by mMutex
     std::unique_ptr<tolm::TolmIpcServer> mServer;
 };

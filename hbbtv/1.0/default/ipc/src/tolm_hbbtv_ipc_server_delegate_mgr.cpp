@@ -17,14 +17,16 @@ void TolmHbbtvIpcServerDelegateMgr::CreateIpcServer(TolmIpcKeyId key, int port, 
 }
 
 void TolmHbbtvIpcServerDelegateMgr::DeleteIpcServer(TolmIpcKeyId key, int port) {
-    // Destroyed after the mutex is released: ending a server waits for its threads, and a handler on one of them may be
-    // about to create the endpoint of another family.
-    std::shared_ptr<TolmHbbtvIpcServerDelegate> last;
-    std::lock_guard<std::mutex> lock(mMutex);
-    const auto found = mServers.find(key);
-    if (found == mServers.end()) return;
-    found->second->UnRegisterIpcServerDelegate(port);
-    if (found->second->GetNum() > 0) return;
-    last = std::move(found->second);
-    mServers.erase(found);
+    // A handler is waited for without the mutex: it may be about to create the endpoint of another family. So are the
+    // threads of a server that has no port any more, when it is destroyed here.
+    std::shared_ptr<TolmHbbtvIpcServerDelegate> server;
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        const auto found = mServers.find(key);
+        if (found == mServers.end()) return;
+        server = found->second;
+        server->UnRegisterIpcServerDelegate(port);
+        if (server->GetNum() == 0) mServers.erase(found);
+    }
+    server->WaitForDelivery();
 }

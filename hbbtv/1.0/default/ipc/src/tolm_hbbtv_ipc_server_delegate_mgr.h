@@ -8,7 +8,7 @@
 
 #include "ipc/src/tolm_hbbtv_ipc_server_delegate.h"
 
-// Any thread, but no receiver's handler.
+// Any thread; a receiver's handler only for other keys than its own.
 class TolmHbbtvIpcServerDelegateMgr {
   public:
     // Destroyed when the process exits, which ends all servers; but for a process that ends from inside a handler,
@@ -26,6 +26,6 @@ class TolmHbbtvIpcServerDelegateMgr {
     TolmHbbtvIpcServerDelegateMgr() = default;
     ~TolmHbbtvIpcServerDelegateMgr();
 
-    std::mutex mMutex;                 // taken before that of a demultiplexer
+    std::mutex mMutex;                 // never held while a handler is waited for
     Servers& mServers = *new Servers;  // guarded by mMutex; on the heap, to be left there by the destructor
 };
