@@ -1,62 +1,16 @@
-// A video/broadcast client's callback that keeps what it is told, one line per call, and what is linked to its death.
+// A video/broadcast client's callback that keeps what it is told.
 #pragma once
 
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcastCallback.h>
 
-#include <mutex>
-#include <sstream>
 #include <string>
-#include <vector>
+
+#include "recording_client.h"
 
 namespace hbbtv::test {
 
-class RecordingCallback : public vantorel::hardware::hbbtv::V1_0::IVideoBroadcastCallback {
+class RecordingCallback : public RecordingClient<vantorel::hardware::hbbtv::V1_0::IVideoBroadcastCallback> {
   public:
-    template <typename T>
-    using Return = ::android::hardware::Return<T>;
-    using Text = ::android::hardware::hidl_string;
-    using Recipient = ::android::hardware::hidl_death_recipient;
-
-    std::vector<std::string> Calls() const {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mCalls;
-    }
-
-    // Recipients that are linked now.
-    std::vector<android::sp<Recipient>> Linked() const {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mLinked;
-    }
-
-    // Tells the linked recipients that this client's process has ended.
-    void Die() {
-        for (const android::sp<Recipient>& recipient : Linked()) {
-            recipient->serviceDied(0, android::wp<android::hidl::base::V1_0::IBase>(this));
-        }
-    }
-
-    Return<bool> linkToDeath(const android::sp<Recipient>& recipient, uint64_t cookie) override {
-        std::lock_guard<std::mutex> lock(mMutex);
-        mLinked.push_back(recipient);
-        mCookie = cookie;
-        return true;
-    }
-
-    Return<bool> unlinkToDeath(const android::sp<Recipient>& recipient) override {
-        std::lock_guard<std::mutex> lock(mMutex);
-        for (auto linked = mLinked.begin(); linked != mLinked.end(); ++linked) {
-            if (*linked != recipient) continue;
-            mLinked.erase(linked);
-            return true;
-        }
-        return false;
-    }
-
-    uint64_t Cookie() const {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mCookie;
-    }
-
     Return<void> onVideoBroadcastEvent(int32_t event) override { return Note("onVideoBroadcastEvent", event); }
 
     Return<void> onChannelChangeError(int64_t channel, int32_t errorState) override {
@@ -105,23 +59,6 @@ class RecordingCallback : public vantorel::hardware::hbbtv::V1_0::IVideoBroadcas
         return Note("onStreamEvent", std::string(url), std::string(eventName), std::string(data),
                     std::string(text.begin(), text.end()), std::string(status));
     }
-
-  private:
-    // "name value value ..."; numbers in decimal, texts as they are.
-    template <typename... Values>
-    Return<void> Note(const char* name, const Values&... values) {
-        std::ostringstream line;
-        line << name;
-        ((line << ' ' << values), ...);
-        std::lock_guard<std::mutex> lock(mMutex);
-        mCalls.push_back(line.str());
-        return ::android::hardware::Void();
-    }
-
-    mutable std::mutex mMutex;
-    std::vector<std::string> mCalls;              // guarded by mMutex
-    std::vector<android::sp<Recipient>> mLinked;  // guarded by mMutex
-    uint64_t mCookie = ~uint64_t{0};              // guarded by mMutex
 };
 
 }  // namespace hbbtv::test

@@ -6,6 +6,7 @@
 
 #include "log_capture.h"
 #include "protocol_file.h"
+#include "wire_texts.h"
 #include "written_json.h"
 
 namespace hbbtv::test {
@@ -24,6 +25,7 @@ bool IsWrittenAs(const std::string& type, const std::string& value) {
     const std::string quoted = value.size() > 2 ? value.substr(1, value.size() - 2) : "";
     if (type == "int") return value[0] == '-' && AllOf(value.substr(1), kDigits);
     if (type == "uint") return AllOf(value, kDigits) && std::stoull(value) > 0x7fffffffu;
+    if (type == "count") return AllOf(value, kDigits);
     if (type == "bool") return value == "true" || value == "false";
     if (type == "double") return AllOf(value, "-.0123456789") && value.find('.') != std::string::npos;
     if (value[0] != '"') return false;
@@ -37,6 +39,29 @@ Json::Value OperationOf(const Json::Value& protocol, const std::string& name) {
         if (operation["name"] == name) return operation;
     }
     return Json::Value();
+}
+
+// The members of an operation's request; the last may be repeated, as often as the written request says. The member
+// that counts it has the type "count".
+std::vector<Json::Value> MembersOfRequest(const Json::Value& operation, const WrittenMembers& written) {
+    std::vector<Json::Value> members(operation["request"].begin(), operation["request"].end());
+    if (members.empty() || !members.back().isMember("repeat")) return members;
+    const Json::Value repeated = members.back();
+    members.pop_back();
+    int count = 0;
+    for (size_t i = 0; i < members.size() && i < written.size(); ++i) {
+        if (members[i]["key"] != repeated["repeat"]) continue;
+        EXPECT_EQ(members[i]["type"].asString(), "uint");
+        members[i]["type"] = "count";
+        count = std::stoi(written[i].second);
+    }
+    const std::string key = repeated["key"].asString();
+    const size_t number = key.find("%d");
+    for (int i = 0; i < count; ++i) {
+        members.push_back(repeated);
+        members.back()["key"] = key.substr(0, number) + std::to_string(i) + key.substr(number + 2);
+    }
+    return members;
 }
 
 void ExpectWrittenAs(const Json::Value& member, const std::string& key, const std::string& value) {
@@ -70,6 +95,14 @@ std::string NameOf(const ::testing::TestParamInfo<Row>& info) {
     return info.param.operation;
 }
 
+void PrintTo(const TextRow& row, std::ostream* out) {
+    *out << row.operation;
+}
+
+std::string NameOfTextRow(const ::testing::TestParamInfo<TextRow>& info) {
+    return info.param.operation;
+}
+
 void ExpectTheProtocolsOperations(const std::vector<Row>& rows) {
     std::vector<std::string> expected;
     const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
@@ -79,6 +112,53 @@ void ExpectTheProtocolsOperations(const std::vector<Row>& rows) {
     std::vector<std::string> names;
     for (const Row& row : rows) names.push_back(row.operation);
     EXPECT_EQ(names, expected);
+}
+
+void ExpectTheProtocolsEndpoint(const char* name, int key, const char* socket, int port, const char* servedBy) {
+    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
+    const Json::Value& endpoint = protocol["endpoints"][name];
+    EXPECT_EQ(endpoint["key"].asInt(), key);
+    EXPECT_EQ(endpoint["socket"].asString(), socket);
+    EXPECT_EQ(endpoint["port"].asInt(), port);
+    EXPECT_EQ(endpoint["served_by"].asString(), servedBy);
+}
+
+void ExpectNoEventsInTheProtocol() {
+    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
+    EXPECT_FALSE(protocol["endpoints"].isMember("events"));
+    EXPECT_FALSE(protocol.isMember("events"));
+}
+
+void ExpectTheProtocolsCodes(int type, const std::vector<int>& codes) {
+    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
+    EXPECT_EQ(protocol["envelope"]["type"]["key"].asString(), "type");
+    EXPECT_EQ(protocol["envelope"]["type"]["value"].asInt(), type);
+    EXPECT_EQ(protocol["envelope"]["code"]["key"].asString(), "method");
+    std::vector<int> written;
+    for (const Json::Value& operation : protocol["operations"]) written.push_back(operation["code"].asInt());
+    EXPECT_EQ(written, codes);
+}
+
+std::vector<int> Codes(int first, int last) {
+    std::vector<int> codes;
+    for (int code = first; code <= last; ++code) codes.push_back(code);
+    return codes;
+}
+
+void ExpectTheProtocolsExample(const char* operation, const std::function<Outcome()>& call, const char* request,
+                               const std::vector<std::string>& results) {
+    const ScratchDirectory directory;
+    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
+    const Json::Value& example = protocol["examples"]["request"];
+    EXPECT_EQ(example["operation"].asString(), operation);
+    FakePlatform platform(protocol["endpoints"]["requests"]["socket"].asString(), example["reply"].toStyledString());
+    const Outcome outcome = call();
+    UnderTest().deleteInstance();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.results, results);
+    ASSERT_EQ(platform.Frames().size(), 1u);
+    EXPECT_EQ(platform.Frames()[0].payload, Styled(request));
+    EXPECT_EQ(platform.Frames()[0].payload, example["document"].toStyledString());
 }
 
 RowTest::RowTest()
@@ -123,9 +203,10 @@ TEST_P(Request, IsARowOfTheProtocol) {
     EXPECT_EQ(written[0].second, std::to_string(operation["code"].asInt()));
     written.erase(written.begin());
 
-    ASSERT_EQ(written.size(), operation["request"].size());
-    for (Json::ArrayIndex i = 0; i < written.size(); ++i) {
-        ExpectWrittenAs(operation["request"][i], written[i].first, written[i].second);
+    const std::vector<Json::Value> members = MembersOfRequest(operation, written);
+    ASSERT_EQ(written.size(), members.size());
+    for (size_t i = 0; i < written.size(); ++i) {
+        ExpectWrittenAs(members[i], written[i].first, written[i].second);
     }
     ASSERT_EQ(GetParam().results.size(), operation["reply"].size());
     for (Json::ArrayIndex i = 0; i < GetParam().results.size(); ++i) {
@@ -205,6 +286,25 @@ TEST_P(Reply, IsReadLeniently) {
     EXPECT_EQ(GetParam().call().status, fails ? -1 : 0);
 }
 
+TEST_P(Reply, GivesTextsUnchanged) {
+    FakePlatform platform(mSocket, "");
+    for (size_t i = 0; i < GetParam().results.size(); ++i) {
+        const Result& result = GetParam().results[i];
+        if (std::string(result.type) != "string") continue;
+        for (const WireText& text : WireTexts()) {
+            SCOPED_TRACE(text.name);
+            platform.SetReply(WithMember(ReplyWith("0"), result.key, text.onTheWire));
+            const Outcome outcome = GetParam().call();
+            EXPECT_EQ(outcome.status, 0);
+            ASSERT_GT(outcome.results.size(), i);
+            EXPECT_EQ(outcome.results[i], Show(text.readBack));
+        }
+        // A platform need not escape what is not ASCII.
+        platform.SetReply(WithMember(ReplyWith("0"), result.key, "\"K\xc3\xb6ln \xe2\x82\xac \xf0\x9f\x93\xba\""));
+        EXPECT_EQ(GetParam().call().results[i], "\"K\xc3\xb6ln \xe2\x82\xac \xf0\x9f\x93\xba\"");
+    }
+}
+
 TEST_P(Reply, WithAnotherRetWritesNoResults) {
     const std::vector<std::pair<const char*, int>> rets = {
         {"1", 1}, {"3", 3}, {"-1", -1}, {"-5", -5}, {"2147483647", 2147483647}, {"-2147483648", -2147483647 - 1},
@@ -273,6 +373,26 @@ TEST_P(Reply, OfSizeZeroIsAClosedConnection) {
     platform.SetReply(ReplyWith("0"));
     ExpectResults(GetParam().call(), 0);
     EXPECT_EQ(platform.Connections(), 2);
+}
+
+TEST_P(Texts, StandOnTheWireAsJsonStrings) {
+    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
+    FakePlatform platform(protocol["endpoints"]["requests"]["socket"].asString(), "{\"ret\": 0}");
+    for (const WireText& text : WireTexts()) {
+        SCOPED_TRACE(text.name);
+        WrittenMembers members = MembersOf(GetParam().request);
+        int texts = 0;
+        for (auto& [key, value] : members) {
+            if (value != "\"\"") continue;
+            value = text.onTheWire;
+            ++texts;
+        }
+        EXPECT_GT(texts, 0);
+        platform.ForgetFrames();
+        GetParam().call(text.text);
+        ASSERT_EQ(platform.Frames().size(), 1u);
+        EXPECT_EQ(platform.Frames()[0].payload, Styled(ObjectOf(members)));
+    }
 }
 
 TEST_P(PlatformProcess, MayBeDownAndComeBack) {

@@ -6,6 +6,7 @@
 
 #include <json/json.h>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -25,6 +26,11 @@ struct FamilyUnderTest {
 
 const FamilyUnderTest& UnderTest();
 
+// A handle, as operations take it.
+inline const void* Handle(uint32_t bits) {
+    return reinterpret_cast<const void*>(static_cast<uintptr_t>(bits));
+}
+
 // What a call gave: its status, and its results as text.
 struct Outcome {
     int status;
@@ -43,9 +49,16 @@ struct Row {
     const char* operation;
     std::function<Outcome()> call;
     // The request as a line of JSON, members in the protocol's order. So that types can be told apart, an int is
-    // negative, a uint has its top bit set, and so has a pointer.
+    // negative, a uint has its top bit set (but for one that counts), and so has a pointer.
     const char* request;
     std::vector<Result> results;
+};
+
+// An operation that takes texts.
+struct TextRow {
+    const char* operation;
+    std::function<void(const std::string& text)> call;
+    const char* request;  // as in a row, with "" in place of each text
 };
 
 // What a result variable holds before the call.
@@ -103,6 +116,14 @@ std::string NameOf(const ::testing::TestParamInfo<Row>& info);
 // That every operation of the protocol file has a row, in the same order, and every row an operation.
 void ExpectTheProtocolsOperations(const std::vector<Row>& rows);
 
+// What the protocol file says of an endpoint, of the type and the codes, and of the example of a request.
+void ExpectTheProtocolsEndpoint(const char* name, int key, const char* socket, int port, const char* servedBy);
+void ExpectNoEventsInTheProtocol();
+void ExpectTheProtocolsCodes(int type, const std::vector<int>& codes);
+std::vector<int> Codes(int first, int last);
+void ExpectTheProtocolsExample(const char* operation, const std::function<Outcome()>& call, const char* request,
+                               const std::vector<std::string>& results);
+
 class RowTest : public ::testing::TestWithParam<Row> {
   protected:
     RowTest();
@@ -122,5 +143,15 @@ class RowTest : public ::testing::TestWithParam<Row> {
 class Request : public RowTest {};
 class Reply : public RowTest {};
 class PlatformProcess : public RowTest {};
+
+void PrintTo(const TextRow& row, std::ostream* out);
+std::string NameOfTextRow(const ::testing::TestParamInfo<TextRow>& info);
+
+class Texts : public ::testing::TestWithParam<TextRow> {
+  protected:
+    ~Texts() override { UnderTest().deleteInstance(); }
+
+    ScratchDirectory mDirectory;
+};
 
 }  // namespace hbbtv::test

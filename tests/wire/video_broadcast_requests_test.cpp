@@ -1,7 +1,6 @@
 // Every operation of the video/broadcast adaptor: its call, its request and its reply, written out.
 
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
-#include "protocol_file.h"
 #include "request_rows.h"
 
 namespace hbbtv::test {
@@ -11,10 +10,6 @@ namespace {
 using Vb = TolmVideoBroadcastAdaptorIpc;
 
 constexpr uint32_t kVbBits = 0x8000a1b2;
-
-const void* Handle(uint32_t bits) {
-    return reinterpret_cast<const void*>(static_cast<uintptr_t>(bits));
-}
 
 const void* const kVb = Handle(kVbBits);
 
@@ -233,6 +228,21 @@ const std::vector<Row>& Rows() {
     return *rows;
 }
 
+const TextRow kTexts[] = {
+    {"SetChannel", [](const std::string& text) { Vb::GetInstance()->SetChannel(kVb, Handle(2), false, text); },
+     R"({"type": 3, "method": 11, "vb_handle": "0x8000a1b2", "channel": "0x2", "trickPlay": false, "url": ""})"},
+    {"AddStreamEventListener",
+     [](const std::string& text) { Vb::GetInstance()->AddStreamEventListener(text, text, text); },
+     R"({"type": 3, "method": 64, "strurl": "", "dvburl": "", "event_name": ""})"},
+    {"CreateAudioComponent",
+     [](const std::string& text) {
+         void* component = nullptr;
+         Vb::GetInstance()->CreateAudioComponent(kVb, 2, text, false, 3, text, component);
+     },
+     R"({"type": 3, "method": 47, "vb_handle": "0x8000a1b2", "componentTag": 2, "language": "",)"
+     R"( "audioDescription": false, "channels": 3, "encoding": ""})"},
+};
+
 }  // namespace
 
 const FamilyUnderTest& UnderTest() {
@@ -244,34 +254,23 @@ const FamilyUnderTest& UnderTest() {
 INSTANTIATE_TEST_SUITE_P(VideoBroadcastRows, Request, ::testing::ValuesIn(Rows()), NameOf);
 INSTANTIATE_TEST_SUITE_P(VideoBroadcastRows, Reply, ::testing::ValuesIn(Rows()), NameOf);
 INSTANTIATE_TEST_SUITE_P(VideoBroadcastRows, PlatformProcess, ::testing::ValuesIn(Rows()), NameOf);
+INSTANTIATE_TEST_SUITE_P(VideoBroadcastRows, Texts, ::testing::ValuesIn(kTexts), NameOfTextRow);
 
 TEST(VideoBroadcastProtocol, HasTheRowsOfThisTest) {
     ExpectTheProtocolsOperations(Rows());
 }
 
 TEST(VideoBroadcastProtocol, NamesTheEndpoints) {
-    const Json::Value endpoints = ReadProtocolFile("video_broadcast")["endpoints"];
-    EXPECT_EQ(endpoints["requests"]["key"].asInt(), 28);
-    EXPECT_EQ(endpoints["requests"]["socket"].asString(), "service_plugin_to_hbbtv_vb");
-    EXPECT_EQ(endpoints["requests"]["port"].asInt(), 7);
-    EXPECT_EQ(endpoints["requests"]["served_by"].asString(), "platform");
-    EXPECT_EQ(endpoints["events"]["key"].asInt(), 50);
-    EXPECT_EQ(endpoints["events"]["socket"].asString(), "service_hbbtv_to_plugin_vb");
-    EXPECT_EQ(endpoints["events"]["port"].asInt(), 7);
-    EXPECT_EQ(endpoints["events"]["served_by"].asString(), "library");
+    ExpectTheProtocolsEndpoint("requests", 28, "service_plugin_to_hbbtv_vb", 7, "platform");
+    ExpectTheProtocolsEndpoint("events", 50, "service_hbbtv_to_plugin_vb", 7, "library");
 }
 
 TEST(VideoBroadcastProtocol, HasTheTypeAndTheCodesOfTheFamily) {
-    const Json::Value protocol = ReadProtocolFile("video_broadcast");
-    EXPECT_EQ(protocol["envelope"]["type"]["value"].asInt(), 3);
-    EXPECT_EQ(protocol["envelope"]["code"]["key"].asString(), "method");
     std::vector<int> codes;
-    for (const Json::Value& operation : protocol["operations"]) codes.push_back(operation["code"].asInt());
-    std::vector<int> expected;
     for (int code = 0; code <= 65; ++code) {
-        if (code != 34 && (code <= 50 || code >= 63)) expected.push_back(code);
+        if (code != 34 && (code <= 50 || code >= 63)) codes.push_back(code);
     }
-    EXPECT_EQ(codes, expected);
+    ExpectTheProtocolsCodes(3, codes);
 }
 
 }  // namespace hbbtv::test

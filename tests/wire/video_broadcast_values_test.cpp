@@ -36,57 +36,7 @@ class VideoBroadcastValues : public ::testing::Test {
     FakePlatform mPlatform{"service_plugin_to_hbbtv_vb", "{\"ret\": 0}"};
 };
 
-struct Text {
-    const char* name;
-    std::string text;
-    std::string onTheWire;
-};
-
-const Text kTexts[] = {
-    {"Empty", "", R"("")"},
-    {"Quotes", R"(say "no" \ /)", R"("say \"no\" \\ /")"},
-    {"ControlCharacters", "\b\f\n\r\t\x01\x1f\x7f", "\"\\b\\f\\n\\r\\t\\u0001\\u001f\x7f\""},
-    {"Utf8", "K\xc3\xb6ln \xe2\x82\xac \xf0\x9f\x93\xba", R"("K\u00f6ln \u20ac \ud83d\udcfa")"},
-    {"NoUtf8", "a\xff z", R"("a\ufffd z")"},
-    {"ZeroByte", std::string("a\0b", 3), R"("a\u0000b")"},
-    {"Long", std::string(64 * 1024, 'x'), "\"" + std::string(64 * 1024, 'x') + "\""},
-    {"LooksLikeJson", R"(","method":0,")", R"("\",\"method\":0,\"")"},
-    {"LooksLikeAFormat", "%s%n%d", R"("%s%n%d")"},
-};
-
-void PrintTo(const Text& text, std::ostream* out) {
-    *out << text.name;
-}
-
-class VideoBroadcastTexts : public VideoBroadcastValues, public ::testing::WithParamInterface<Text> {};
-
 }  // namespace
-
-TEST_P(VideoBroadcastTexts, StandOnTheWireAsJsonStrings) {
-    const std::string& text = GetParam().text;
-    const std::string& wire = GetParam().onTheWire;
-    void* handle = nullptr;
-
-    EXPECT_EQ(Adaptor().SetChannel(Handle(1), Handle(2), false, text), 0);
-    EXPECT_EQ(Sent(),
-              "{\n\t\"channel\" : \"0x2\",\n\t\"method\" : 11,\n\t\"trickPlay\" : false,\n\t\"type\" : 3,\n"
-              "\t\"url\" : " +
-                  wire + ",\n\t\"vb_handle\" : \"0x1\"\n}\n");
-
-    EXPECT_EQ(Adaptor().AddStreamEventListener(text, text, text), 0);
-    EXPECT_EQ(Sent(), "{\n\t\"dvburl\" : " + wire + ",\n\t\"event_name\" : " + wire +
-                          ",\n\t\"method\" : 64,\n\t\"strurl\" : " + wire + ",\n\t\"type\" : 3\n}\n");
-
-    Adaptor().CreateAudioComponent(Handle(1), 2, text, false, 3, text, handle);
-    EXPECT_EQ(Sent(),
-              "{\n\t\"audioDescription\" : false,\n\t\"channels\" : 3,\n\t\"componentTag\" : 2,\n"
-              "\t\"encoding\" : " +
-                  wire + ",\n\t\"language\" : " + wire +
-                  ",\n\t\"method\" : 47,\n\t\"type\" : 3,\n\t\"vb_handle\" : \"0x1\"\n}\n");
-}
-
-INSTANTIATE_TEST_SUITE_P(Values, VideoBroadcastTexts, ::testing::ValuesIn(kTexts),
-                         [](const auto& test) { return test.param.name; });
 
 TEST_F(VideoBroadcastValues, HandlesStandOnTheWireInHexadecimal) {
     const std::pair<uintptr_t, const char*> handles[] = {

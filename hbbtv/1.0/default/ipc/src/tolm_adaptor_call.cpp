@@ -15,26 +15,36 @@ Member MemberOf(const char* key, Member::Kind kind) {
     return member;
 }
 
+void AddNumberedPointers(const Member& member, Json::Value& object) {
+    size_t index = 0;
+    for (const void* pointer : *member.asPointers) {
+        TolmHbbtvIpcTools::AddPointerValue(pointer, member.key + std::to_string(index++), object);
+    }
+}
+
 void Add(const Member& member, Json::Value& object) {
-    Json::Value& value = object[Json::StaticString(member.key)];
+    const Json::StaticString key(member.key);
     switch (member.kind) {
         case Member::Kind::kInt:
-            value = member.asInt;
+            object[key] = member.asInt;
             break;
         case Member::Kind::kUInt:
-            value = member.asUInt;
+            object[key] = member.asUInt;
             break;
         case Member::Kind::kBool:
-            value = member.asBool;
+            object[key] = member.asBool;
             break;
         case Member::Kind::kReal:
-            value = member.asReal;
+            object[key] = member.asReal;
             break;
         case Member::Kind::kText:
-            value = *member.asText;
+            object[key] = *member.asText;
             break;
         case Member::Kind::kPointer:
             TolmHbbtvIpcTools::AddPointerValue(member.asPointer, member.key, object);
+            break;
+        case Member::Kind::kNumberedPointers:
+            AddNumberedPointers(member, object);
             break;
     }
 }
@@ -82,6 +92,12 @@ Member Text(const char* key, const std::string& value) {
 Member Pointer(const char* key, const void* value) {
     Member member = MemberOf(key, Member::Kind::kPointer);
     member.asPointer = value;
+    return member;
+}
+
+Member NumberedPointers(const char* key, const std::vector<void*>& values) {
+    Member member = MemberOf(key, Member::Kind::kNumberedPointers);
+    member.asPointers = &values;
     return member;
 }
 
@@ -139,20 +155,23 @@ bool Read(const Json::Value& object, std::initializer_list<Target> targets) {
     return all;
 }
 
-int Call(TolmBaseClient& client, const Family& family, const Method& method, std::initializer_list<Member> request,
-         std::initializer_list<Target> results) {
-    LogEnter(family.tag, method);
+TolmAdaptorClient::TolmAdaptorClient(TolmIpcKeyId key, int port, const Family& family)
+    : TolmBaseClient(key, port), mFamily(family) {}
+
+int TolmAdaptorClient::Call(const Method& method, std::initializer_list<Member> request,
+                            std::initializer_list<Target> results) {
+    LogEnter(mFamily.tag, method);
     Json::Value reply;
-    int status = client.SendIpc(Request(family, method, request), reply);
+    int status = SendIpc(Request(mFamily, method, request), reply);
     if (status == 0 && !Read(reply, results)) status = -1;
-    LogLeave(family.tag, method);
+    LogLeave(mFamily.tag, method);
     return status;
 }
 
-int Post(TolmBaseClient& client, const Family& family, const Method& method, std::initializer_list<Member> request) {
-    LogEnter(family.tag, method);
-    const int status = client.SendIpcWithNoRet(Request(family, method, request));
-    LogLeave(family.tag, method);
+int TolmAdaptorClient::Post(const Method& method, std::initializer_list<Member> request) {
+    LogEnter(mFamily.tag, method);
+    const int status = SendIpcWithNoRet(Request(mFamily, method, request));
+    LogLeave(mFamily.tag, method);
     return status;
 }
 

@@ -1,4 +1,4 @@
-// The words in which an adaptor writes the rows of its wire table, and the one function that carries a row out.
+// The words in which an adaptor writes the rows of its wire table, and the base that carries a row out.
 //
 //     int TolmVideoBroadcastAdaptorIpc::GetVolume(const void* vb, unsigned& volume) {
 //         return Call(16, {Pointer("vb_handle", vb)}, {ToUInt("volume", volume)});
@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "ipc/src/tolm_base_client.h"
 
@@ -38,7 +39,7 @@ struct Method {
 
 // A member of a request. Lives as long as the expression it stands in: texts are not copied.
 struct Member {
-    enum class Kind { kInt, kUInt, kBool, kReal, kText, kPointer };
+    enum class Kind { kInt, kUInt, kBool, kReal, kText, kPointer, kNumberedPointers };
 
     const char* key;
     Kind kind;
@@ -49,6 +50,7 @@ struct Member {
         double asReal;
         const std::string* asText;
         const void* asPointer;
+        const std::vector<void*>* asPointers;
     };
 };
 
@@ -58,6 +60,7 @@ Member Bool(const char* key, bool value);
 Member Real(const char* key, double value);
 Member Text(const char* key, const std::string& value);
 Member Pointer(const char* key, const void* value);
+Member NumberedPointers(const char* key, const std::vector<void*>& values);  // key0, key1, ...
 template <typename T>
 Member Int(const char* key, T value) = delete;
 template <typename T>
@@ -87,13 +90,23 @@ Target ToPointer(const char* key, void*& to);
 // Reads all targets: whether none failed.
 bool Read(const Json::Value& object, std::initializer_list<Target> targets);
 
-// Carries out an operation: logs ENTER and LEAVE, sends the request and waits for the reply. The status is the
-// platform's "ret", or -1 when there was no proper reply or a result failed. Results are read only on status 0.
-int Call(TolmBaseClient& client, const Family& family, const Method& method, std::initializer_list<Member> request,
-         std::initializer_list<Target> results = {});
+// The client side of every adaptor.
+class TolmAdaptorClient : public TolmBaseClient {
+  protected:
+    // `family` is kept by reference: a constant of the adaptor's file.
+    TolmAdaptorClient(TolmIpcKeyId key, int port, const Family& family);
+    ~TolmAdaptorClient() = default;
 
-// The same for an operation without a reply: 0 when it was written.
-int Post(TolmBaseClient& client, const Family& family, const Method& method, std::initializer_list<Member> request);
+    // Carries out an operation: logs ENTER and LEAVE, sends the request and waits for the reply. The status is the
+    // platform's "ret", or -1 when there was no proper reply or a result failed. Results are read only on status 0.
+    int Call(const Method& method, std::initializer_list<Member> request, std::initializer_list<Target> results = {});
+
+    // The same for an operation without a reply: 0 when it was written.
+    int Post(const Method& method, std::initializer_list<Member> request);
+
+  private:
+    const Family& mFamily;
+};
 
 // The ENTER and LEAVE lines around an operation or handler that is not in the table.
 void LogEnter(const char* tag, const Method& place);

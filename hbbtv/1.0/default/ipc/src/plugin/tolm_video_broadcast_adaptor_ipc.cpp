@@ -14,18 +14,13 @@ constexpr int kPort = 7;
 }  // namespace
 
 TolmVideoBroadcastAdaptorIpc::TolmVideoBroadcastAdaptorIpc()
-    : TolmBaseClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB, kPort),
+    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB, kPort, kFamily),
       TolmBaseServer(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB, kPort) {
     Start();
 }
 
 TolmVideoBroadcastAdaptorIpc::~TolmVideoBroadcastAdaptorIpc() {
     TolmBaseServer::Stop();
-}
-
-int TolmVideoBroadcastAdaptorIpc::Call(const Method& method, std::initializer_list<Member> request,
-                                       std::initializer_list<Target> results) {
-    return tolm::Call(*this, kFamily, method, request, results);
 }
 
 int TolmVideoBroadcastAdaptorIpc::Create(const void* context, void*& vb) {

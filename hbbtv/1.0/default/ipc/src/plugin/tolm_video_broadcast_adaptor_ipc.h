@@ -6,7 +6,6 @@
 #include "ipc/src/plugin/tolm_video_broadcast_events.h"
 #include "ipc/src/tolm_adaptor_call.h"
 #include "ipc/src/tolm_adaptor_instance.h"
-#include "ipc/src/tolm_base_client.h"
 #include "ipc/src/tolm_base_server.h"
 #include "ipc/src/tolm_callback_slot.h"
 
@@ -23,7 +22,7 @@ using TolmMediaSyncCallback = void (*)(const TolmMediaSyncEvent& event, const To
 // platform did not answer properly; results are written only on success. `vb` is the handle of a video/broadcast
 // object, and `channel`, `component`, `programme` and lists are handles as well. What the integers mean is the
 // platform's business; the interface package names the values that are known.
-class TolmVideoBroadcastAdaptorIpc : public TolmBaseClient,
+class TolmVideoBroadcastAdaptorIpc : public tolm::TolmAdaptorClient,
                                      public TolmBaseServer,
                                      public tolm::TolmAdaptorInstance<TolmVideoBroadcastAdaptorIpc> {
   public:
@@ -107,9 +106,6 @@ class TolmVideoBroadcastAdaptorIpc : public TolmBaseClient,
     friend class tolm::TolmAdaptorInstance<TolmVideoBroadcastAdaptorIpc>;
     TolmVideoBroadcastAdaptorIpc();
     ~TolmVideoBroadcastAdaptorIpc() override;
-
-    int Call(const tolm::Method& method, std::initializer_list<tolm::Member> request,
-             std::initializer_list<tolm::Target> results = {});
 
     bool ForwardVideoBroadcastEvent(const Json::Value& msg);
     bool ForwardMediaSyncEvent(const Json::Value& msg);

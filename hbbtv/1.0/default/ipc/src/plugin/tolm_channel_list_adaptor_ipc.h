@@ -1,0 +1,26 @@
+// The platform's channel lists.
+#pragma once
+
+#include <string>
+
+#include "ipc/src/tolm_adaptor_call.h"
+#include "ipc/src/tolm_adaptor_instance.h"
+
+// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
+// platform did not answer properly; results are written only on success. `list` is a channel list's handle, valid until
+// it is released; channels are given by their handles.
+class TolmChannelListAdaptorIpc : public tolm::TolmAdaptorClient,
+                                  public tolm::TolmAdaptorInstance<TolmChannelListAdaptorIpc> {
+  public:
+    int Release(const void* list);
+    int GetLength(const void* list, unsigned& len);
+    int Item(const void* list, int index, void*& channel);
+    int GetChannel(const void* list, const std::string& channelID, void*& channel);
+    int GetChannelByTriplet(const void* list, int onid, int tsid, int sid, int nid, void*& channel);
+    int GetChannelBySourceID(const void* list, int sourceID, void*& channel);
+
+  private:
+    friend class tolm::TolmAdaptorInstance<TolmChannelListAdaptorIpc>;
+    TolmChannelListAdaptorIpc();
+    ~TolmChannelListAdaptorIpc() = default;
+};

@@ -1,0 +1,94 @@
+#include "method_rows.h"
+
+#include <cstdio>
+#include <new>
+#include <sstream>
+
+namespace {
+
+bool gNoMemory = false;
+
+}  // namespace
+
+// What adaptors are made with; everything else uses the throwing form.
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    return gNoMemory ? nullptr : ::operator new(size);
+}
+
+namespace hbbtv::test {
+
+void PrintTo(const MethodRow& row, std::ostream* out) {
+    *out << row.name;
+}
+
+std::string NameOf(const testing::TestParamInfo<MethodRow>& row) {
+    return row.param.name;
+}
+
+std::string Shown(int64_t handle) {
+    char text[64];
+    snprintf(text, sizeof(text), "0x%llx", static_cast<unsigned long long>(handle));
+    return text;
+}
+
+std::string Shown(const android::hardware::hidl_string& text) {
+    return text;
+}
+
+Json::Value Parsed(const std::string& text) {
+    Json::Value document;
+    std::string errors;
+    std::istringstream stream(text);
+    EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), stream, &document, &errors)) << errors;
+    return document;
+}
+
+namespace {
+
+std::string ReplyOf(const MethodRow& row, int ret) {
+    Json::Value reply = Parsed(row.reply);
+    reply["ret"] = ret;
+    return reply.toStyledString();
+}
+
+// "-1 0x0" and the like, with another status.
+std::string FailedWith(const std::string& status, const MethodRow& row) {
+    const std::string answer = row.answerWithoutAdaptor;
+    return status + answer.substr(2);
+}
+
+}  // namespace
+
+TEST_P(Method, AsksThePlatformAndAnswersOnce) {
+    FakePlatform platform(UnderTest().socket, ReplyOf(GetParam(), 0));
+
+    EXPECT_EQ(GetParam().answer, GetParam().call());
+
+    ASSERT_EQ(1u, platform.Frames().size());
+    Json::Value expected = Parsed(GetParam().request);
+    expected["type"] = UnderTest().type;
+    expected["method"] = GetParam().code;
+    EXPECT_EQ(expected, Parsed(platform.Frames()[0].payload));
+    EXPECT_EQ(kRequest, platform.Frames()[0].type);
+    EXPECT_EQ(UnderTest().port, platform.Frames()[0].port);
+}
+
+TEST_P(Method, PassesThePlatformsStatusOnWithZeroResults) {
+    FakePlatform platform(UnderTest().socket, ReplyOf(GetParam(), 17));
+    EXPECT_EQ(FailedWith("17", GetParam()), GetParam().call());
+}
+
+TEST_P(Method, GivesMinusOneAndZeroWhenThePlatformIsDown) {
+    EXPECT_EQ(FailedWith("-1", GetParam()), GetParam().call());
+}
+
+TEST_P(Method, GivesMinusOneAndZeroWithoutAnAdaptor) {
+    FakePlatform platform(UnderTest().socket, ReplyOf(GetParam(), 0));
+    gNoMemory = true;
+    const std::string answer = GetParam().call();
+    gNoMemory = false;
+    EXPECT_EQ(GetParam().answerWithoutAdaptor, answer);
+    EXPECT_TRUE(platform.Frames().empty());
+}
+
+}  // namespace hbbtv::test

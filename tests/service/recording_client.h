@@ -1,0 +1,80 @@
+// A client's callback that keeps what it is told, one line per call, and what is linked to its death.
+#pragma once
+
+#include <android/hidl/base/1.0/IBase.h>
+
+#include <mutex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace hbbtv::test {
+
+template <typename Callback>
+class RecordingClient : public Callback {
+  public:
+    template <typename T>
+    using Return = ::android::hardware::Return<T>;
+    using Text = ::android::hardware::hidl_string;
+    using Recipient = ::android::hardware::hidl_death_recipient;
+
+    std::vector<std::string> Calls() const {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mCalls;
+    }
+
+    // Recipients that are linked now.
+    std::vector<android::sp<Recipient>> Linked() const {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mLinked;
+    }
+
+    // Tells the linked recipients that this client's process has ended.
+    void Die() {
+        for (const android::sp<Recipient>& recipient : Linked()) {
+            recipient->serviceDied(0, android::wp<android::hidl::base::V1_0::IBase>(this));
+        }
+    }
+
+    Return<bool> linkToDeath(const android::sp<Recipient>& recipient, uint64_t cookie) override {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mLinked.push_back(recipient);
+        mCookie = cookie;
+        return true;
+    }
+
+    Return<bool> unlinkToDeath(const android::sp<Recipient>& recipient) override {
+        std::lock_guard<std::mutex> lock(mMutex);
+        for (auto linked = mLinked.begin(); linked != mLinked.end(); ++linked) {
+            if (*linked != recipient) continue;
+            mLinked.erase(linked);
+            return true;
+        }
+        return false;
+    }
+
+    uint64_t Cookie() const {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mCookie;
+    }
+
+  protected:
+    // "name value value ..."; numbers in decimal, texts as they are.
+    template <typename... Values>
+    Return<void> Note(const char* name, const Values&... values) {
+        std::ostringstream line;
+        line << name;
+        ((line << ' ' << values), ...);
+        std::lock_guard<std::mutex> lock(mMutex);
+        mCalls.push_back(line.str());
+        return ::android::hardware::Void();
+    }
+
+  private:
+    mutable std::mutex mMutex;
+    std::vector<std::string> mCalls;              // guarded by mMutex
+    std::vector<android::sp<Recipient>> mLinked;  // guarded by mMutex
+    uint64_t mCookie = ~uint64_t{0};              // guarded by mMutex
+};
+
+}  // namespace hbbtv::test
