@@ -1,17 +1,22 @@
-// A client process for the tests: registers a callback, says "registered", writes a line for each event and lives until
-// it is killed or told "unregister" on standard input.
+// A client process for the tests: registers a callback with the family that it is told, says "registered", writes a
+// line for each event and lives until it is killed or told "unregister" on standard input.
 
+#include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include <cstdio>
+#include <functional>
 #include <iostream>
 #include <string>
 
 #include "recording_callback.h"
+#include "recording_config_callback.h"
 
 namespace {
 
 using android::sp;
+using android::hardware::Return;
+using vantorel::hardware::hbbtv::V1_0::IChannelConfig;
 using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
 
 constexpr int64_t kVb = 0x1000;
@@ -26,11 +31,36 @@ class PrintingCallback : public hbbtv::test::RecordingCallback {
     }
 };
 
+class PrintingConfigCallback : public hbbtv::test::RecordingConfigCallback {
+  public:
+    Return<void> OnChannelConfigEvent(int32_t event, const Info& info, int64_t context) override {
+        printf("channel configuration %d %d %lld\n", event, info.reserved, static_cast<long long>(context));
+        fflush(stdout);
+        return ::android::hardware::Void();
+    }
+};
+
+struct Registration {
+    std::function<Return<int32_t>()> begin;
+    std::function<Return<int32_t>()> end;
+};
+
+Registration RegistrationOf(const std::string& family) {
+    if (family == "channel_config") {
+        const sp<IChannelConfig> service = IChannelConfig::getService();
+        return {[=] { return service->RegisterCallback(new PrintingConfigCallback, kContext); },
+                [=] { return service->UnregisterCallback(); }};
+    }
+    const sp<IVideoBroadcast> service = IVideoBroadcast::getService();
+    return {[=] { return service->RegisterCallback(kVb, new PrintingCallback, kContext); },
+            [=] { return service->UnregisterCallback(kVb); }};
+}
+
 }  // namespace
 
-int main() {
-    const sp<IVideoBroadcast> service = IVideoBroadcast::getService();
-    const auto status = service->RegisterCallback(kVb, new PrintingCallback, kContext);
+int main(int argc, char** argv) {
+    const Registration registration = RegistrationOf(argc > 1 ? argv[1] : "video_broadcast");
+    const auto status = registration.begin();
     if (!status.isOk() || static_cast<int32_t>(status) != 0) {
         printf("not registered\n");
         return 1;
@@ -40,7 +70,7 @@ int main() {
     std::string command;
     while (std::getline(std::cin, command)) {
         if (command != "unregister") continue;
-        printf(service->UnregisterCallback(kVb).isOk() ? "unregistered\n" : "not unregistered\n");
+        printf(registration.end().isOk() ? "unregistered\n" : "not unregistered\n");
         fflush(stdout);
     }
     return 0;

@@ -26,20 +26,25 @@ class SimulatedPlatform : public ChildProcess {
 // A client that registers a callback and then waits until it is ended: see registered_client.cpp.
 class RegisteredClient : public ChildProcess {
   public:
-    RegisteredClient() : ChildProcess({HBBTV_REGISTERED_CLIENT_PROGRAM}) {}
+    explicit RegisteredClient(const std::string& family = "video_broadcast")
+        : ChildProcess({HBBTV_REGISTERED_CLIENT_PROGRAM, family}) {}
 
     bool Registered() { return WaitForOutput("registered\n"); }
 };
 
-// The service's video/broadcast interface, waiting for the service to start; null when it does not in time.
-inline android::sp<vantorel::hardware::hbbtv::V1_0::IVideoBroadcast> FindVideoBroadcast() {
-    using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
-    android::sp<IVideoBroadcast> service;
+// An interface of the service, waiting for the service to start; null when it does not in time.
+template <typename Interface>
+android::sp<Interface> Find() {
+    android::sp<Interface> service;
     WaitFor([&] {
-        service = IVideoBroadcast::tryGetService();
+        service = Interface::tryGetService();
         return service != nullptr && service->ping().isOk();
     });
     return service;
+}
+
+inline android::sp<vantorel::hardware::hbbtv::V1_0::IVideoBroadcast> FindVideoBroadcast() {
+    return Find<vantorel::hardware::hbbtv::V1_0::IVideoBroadcast>();
 }
 
 }  // namespace hbbtv::test

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "ChannelConfig.h"
+#include "ipc/src/plugin/tolm_channel_config_adaptor_ipc.h"
 #include "log_capture.h"
 #include "method_rows.h"
 #include "recording_config_callback.h"
@@ -205,6 +206,28 @@ TEST_F(ChannelConfigEvents, TheLateDeathNoticeOfAReplacedClientLeavesItsSuccesso
     EXPECT_EQ(1u, second->Linked().size());
     Send(kEvent);
     EXPECT_THAT(second->Calls(), ElementsAre("OnChannelConfigEvent 0 65 5"));
+}
+
+TEST_F(ChannelConfigEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierClientStays) {
+    Register(mClient);
+    TolmChannelConfigAdaptorIpc::DeleteInstance();
+    const NoMemoryForAdaptors noMemory;
+    const sp<RecordingConfigCallback> second = new RecordingConfigCallback;
+    EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(second, 5)));
+    EXPECT_THAT(second->Linked(), IsEmpty());
+    EXPECT_EQ(1u, mClient->Linked().size());
+    TolmChannelConfigCallback(0, {'A'}, nullptr);
+    EXPECT_THAT(mClient->Calls(), ElementsAre("OnChannelConfigEvent 0 65 0"));
+}
+
+TEST_F(ChannelConfigEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
+    Register(mClient);
+    TolmChannelConfigAdaptorIpc::DeleteInstance();
+    const NoMemoryForAdaptors noMemory;
+    EXPECT_EQ(-1, static_cast<int32_t>(mService->UnregisterCallback()));
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    TolmChannelConfigCallback(0, {'A'}, nullptr);
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
 TEST_F(ChannelConfigEvents, RegistrationsAndDeathsBesideEventsDoNotDisturbEachOther) {

@@ -1,12 +1,13 @@
 #include "method_rows.h"
 
+#include <atomic>
 #include <cstdio>
 #include <new>
 #include <sstream>
 
 namespace {
 
-bool gNoMemory = false;
+std::atomic<bool> gNoMemory{false};
 
 }  // namespace
 
@@ -33,6 +34,14 @@ std::string Shown(int64_t handle) {
 
 std::string Shown(const android::hardware::hidl_string& text) {
     return text;
+}
+
+NoMemoryForAdaptors::NoMemoryForAdaptors() {
+    gNoMemory = true;
+}
+
+NoMemoryForAdaptors::~NoMemoryForAdaptors() {
+    gNoMemory = false;
 }
 
 Json::Value Parsed(const std::string& text) {
@@ -84,10 +93,8 @@ TEST_P(Method, GivesMinusOneAndZeroWhenThePlatformIsDown) {
 
 TEST_P(Method, GivesMinusOneAndZeroWithoutAnAdaptor) {
     FakePlatform platform(UnderTest().socket, ReplyOf(GetParam(), 0));
-    gNoMemory = true;
-    const std::string answer = GetParam().call();
-    gNoMemory = false;
-    EXPECT_EQ(GetParam().answerWithoutAdaptor, answer);
+    const NoMemoryForAdaptors noMemory;
+    EXPECT_EQ(GetParam().answerWithoutAdaptor, GetParam().call());
     EXPECT_TRUE(platform.Frames().empty());
 }
 

@@ -53,6 +53,15 @@ std::string Shown(const Value& value) {
 
 Json::Value Parsed(const std::string& text);
 
+// As long as it lives there is no memory for an adaptor, so that GetInstance() gives none where there is none yet.
+class NoMemoryForAdaptors {
+  public:
+    NoMemoryForAdaptors();
+    ~NoMemoryForAdaptors();
+    NoMemoryForAdaptors(const NoMemoryForAdaptors&) = delete;
+    NoMemoryForAdaptors& operator=(const NoMemoryForAdaptors&) = delete;
+};
+
 // The words of the rows for the service that a HIDL_FETCH_... function makes.
 template <auto Fetch>
 struct ServiceOf {

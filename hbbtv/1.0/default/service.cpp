@@ -3,6 +3,11 @@
 
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/LegacySupport.h>
+#include <vantorel/hardware/hbbtv/1.0/IChannel.h>
+#include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
+#include <vantorel/hardware/hbbtv/1.0/IChannelList.h>
+#include <vantorel/hardware/hbbtv/1.0/IFavouriteList.h>
+#include <vantorel/hardware/hbbtv/1.0/IFavouriteListCollection.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include <cstdio>
@@ -11,6 +16,7 @@ using ::android::OK;
 using ::android::hardware::configureRpcThreadpool;
 using ::android::hardware::joinRpcThreadpool;
 using ::android::hardware::registerPassthroughServiceImplementation;
+using namespace ::vantorel::hardware::hbbtv::V1_0;
 
 namespace {
 
@@ -33,11 +39,23 @@ bool Publish() {
     return false;
 }
 
+// Whether all could be.
+bool PublishAll() {
+    bool published = true;
+    published &= Publish<IVideoBroadcast>();
+    published &= Publish<IChannel>();
+    published &= Publish<IChannelList>();
+    published &= Publish<IChannelConfig>();
+    published &= Publish<IFavouriteList>();
+    published &= Publish<IFavouriteListCollection>();
+    return published;
+}
+
 }  // namespace
 
 int main() {
     configureRpcThreadpool(kThreads, true /* callerWillJoin */);
-    const bool published = Publish<::vantorel::hardware::hbbtv::V1_0::IVideoBroadcast>();
+    const bool published = PublishAll();
     fflush(stdout);
     if (!published) return 1;
     joinRpcThreadpool();
