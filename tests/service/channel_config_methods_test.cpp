@@ -82,9 +82,11 @@ TEST(ChannelConfig, MakesListsOfAnyLength) {
         std::vector<int64_t> channels;
         for (int i = 0; i < length; ++i) channels.push_back(0x100000000 * i + 1 + i);
         int64_t list = 0;
+        platform.ForgetFrames();
         ASSERT_TRUE(service->CreateChannelList(channels, [&](int32_t, int64_t handle) { list = handle; }).isOk());
         EXPECT_EQ(0x5a20, list);
-        const Json::Value request = Parsed(platform.Frames().back().payload);
+        ASSERT_EQ(1u, platform.Frames().size());
+        const Json::Value request = Parsed(platform.Frames()[0].payload);
         EXPECT_EQ(length, request["size"].asInt());
         ASSERT_EQ(static_cast<size_t>(length) + 3, request.size());
         for (int i = 0; i < length; ++i) {

@@ -97,7 +97,8 @@ TEST_F(CreatedChannelList, IsReadFromHandleWhenItIsFiltered) {
     mPlatform.SetReply("{\"ret\": 0, \"handle\": \"0x5a30\"}");
     EXPECT_EQ(Config::GetInstance()->CreateFilteredList(false, true, false, "fav:1", list), 0);
     EXPECT_EQ(list, Channel(0x5a30));
-    EXPECT_EQ(mPlatform.Frames().back().payload,
+    ASSERT_EQ(mPlatform.Frames().size(), 2u);
+    EXPECT_EQ(mPlatform.Frames()[1].payload,
               "{\n\t\"blocked\" : false,\n\t\"favourite\" : true,\n\t\"favouriteListID\" : \"fav:1\",\n"
               "\t\"hidden\" : false,\n\t\"method\" : 9,\n\t\"type\" : 19\n}\n");
 }

@@ -75,7 +75,8 @@ TEST_F(ChannelRequests, AReleasedOrNullChannelIsThePlatformsBusiness) {
     EXPECT_EQ(Adaptor().GetName(kChannel, name), -7);
     EXPECT_EQ(Adaptor().GetName(nullptr, name), -7);
     EXPECT_EQ(name, "before");
-    EXPECT_EQ(mPlatform.Frames().back().payload, "{\n\t\"c_handle\" : \"\",\n\t\"method\" : 13,\n\t\"type\" : 12\n}\n");
+    ASSERT_EQ(mPlatform.Frames().size(), 3u);
+    EXPECT_EQ(mPlatform.Frames()[2].payload, "{\n\t\"c_handle\" : \"\",\n\t\"method\" : 13,\n\t\"type\" : 12\n}\n");
 }
 
 TEST_F(ChannelRequests, OfManyThreadsEachGetTheirOwnReply) {
