@@ -67,10 +67,26 @@ struct Service {
     bool listed = true;  // on air without being in the channel list when false
     Access access = Access::Free;
     bool received = true;
+    std::string longName;  // empty: the name
+    std::string description;
+    std::vector<std::string> genres;
+    std::string logoUrl;
+    bool hidden = false;      // in the list, but not shown to the viewer
+    int frequency = 0;        // kHz, 0 when not known
+    std::string uri;          // of an IP service; its onid, tsid and sid are 0
+    std::string programmeId;  // how programme data in XMLTV names the service; empty when it does not
     std::vector<std::shared_ptr<Component>> components;
 };
 
+// A list of favourites as the line-up brings it along.
+struct FavouriteServices {
+    std::string id;
+    std::string name;
+    std::vector<std::shared_ptr<const Service>> services;
+};
+
 struct LineUp {
+    std::vector<FavouriteServices> favouriteLists;
     std::vector<std::shared_ptr<Service>> services;  // in the order of the file, which is the order of zapping
 
     std::shared_ptr<Service> Find(int onid, int tsid, int sid) const;
