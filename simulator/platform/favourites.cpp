@@ -70,7 +70,6 @@ void Favourites::Take(const Json::Value& document) {
         if (lists.back().id.empty()) throw std::runtime_error("a list without id");
         if (!ids.insert(lists.back().id).second) throw std::runtime_error("two lists with one id");
     }
-    if (lists.size() > kMostLists) throw std::runtime_error("more than 1000 lists");
     const std::string inUse = TextIn(document, "inUse");
     if (ids.count(inUse) == 0) throw std::runtime_error("the list in use is not there");
     mKept = std::move(lists);

@@ -224,7 +224,7 @@ TEST_F(ChannelLists, TheBroadcastSupervisorIsAVideoBroadcastObjectOfTheTelevisio
     EXPECT_EQ(NameOf(Handle(Of::ChannelConfig, 2, "handle")), "Two");
 }
 
-TEST_F(ChannelLists, TellOfAnotherListInUseBehindTheReply) {
+TEST_F(ChannelLists, TellOfAnotherListInUse) {
     Register();
     const std::string list = CreateList({ChannelOf(1)});
     EXPECT_EQ(SetList(list), 0);
