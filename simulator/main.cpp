@@ -47,6 +47,9 @@ int Main(int argc, char** argv) {
     } catch (const CannotServe& e) {
         std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
         return kCannotServe;
+    } catch (const CannotKeep& e) {
+        std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
+        return kCannotKeep;
     } catch (const std::exception& e) {
         std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
         return kTellFailed;

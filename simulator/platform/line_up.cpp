@@ -13,37 +13,15 @@ namespace {
 
 constexpr size_t kLargestFile = 16u << 20;
 
-std::vector<std::shared_ptr<Service>> Listed(const LineUp& lineUp) {
-    std::vector<std::shared_ptr<Service>> listed;
-    for (const auto& service : lineUp.services) {
-        if (service->listed) listed.push_back(service);
-    }
-    return listed;
-}
-
 }  // namespace
 
 std::shared_ptr<Service> LineUp::Find(int onid, int tsid, int sid) const {
-    for (const auto& service : services) {
-        if (service->onid == onid && service->tsid == tsid && service->sid == sid) return service;
+    for (; mIndexed < services.size(); ++mIndexed) {
+        const auto& service = services[mIndexed];
+        if (service->uri.empty()) mByTriplet.emplace(std::tie(service->onid, service->tsid, service->sid), service);
     }
-    return nullptr;
-}
-
-std::shared_ptr<Service> LineUp::FindNumber(int number) const {
-    for (const auto& service : services) {
-        if (service->listed && service->number == number) return service;
-    }
-    return nullptr;
-}
-
-std::shared_ptr<Service> LineUp::Neighbour(const Service& from, int steps) const {
-    const auto listed = Listed(*this);
-    const int count = static_cast<int>(listed.size());
-    for (int i = 0; i < count; ++i) {
-        if (listed[i].get() == &from) return listed[((i + steps) % count + count) % count];
-    }
-    return nullptr;
+    const auto found = mByTriplet.find({onid, tsid, sid});
+    return found == mByTriplet.end() ? nullptr : found->second;
 }
 
 std::shared_ptr<Service> LineUp::First() const {

@@ -2,9 +2,11 @@
 // documented in docs/simulator.md.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace hbbtv::sim {
@@ -89,13 +91,15 @@ struct LineUp {
     std::vector<FavouriteServices> favouriteLists;
     std::vector<std::shared_ptr<Service>> services;  // in the order of the file, which is the order of zapping
 
+    // Null without one. Services are only ever added, with their numbers in place. IP services have no such numbers.
     std::shared_ptr<Service> Find(int onid, int tsid, int sid) const;
-    std::shared_ptr<Service> FindNumber(int number) const;
-
-    // The listed service `steps` behind this one, round and round. Null when this one is not listed.
-    std::shared_ptr<Service> Neighbour(const Service& from, int steps) const;
 
     std::shared_ptr<Service> First() const;
+
+  private:
+    // Grows behind `services`, so that looking up while reading is no walk through what was read.
+    mutable std::map<std::tuple<int, int, int>, std::shared_ptr<Service>> mByTriplet;
+    mutable size_t mIndexed = 0;
 };
 
 // A line-up that cannot be used; the text says where (name:line:column) and why.
