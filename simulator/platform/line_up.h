@@ -1,7 +1,8 @@
-// The services that the simulated television receives, as the line-up file describes them. The file's format is
-// documented in docs/simulator.md.
+// The services that the simulated television receives, as the line-up file describes them. The formats that it may have
+// are documented in docs/simulator.md.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -89,7 +90,12 @@ struct LineUp {
     std::vector<FavouriteServices> favouriteLists;
     std::vector<std::shared_ptr<Service>> services;  // in the order of the file, which is the order of zapping
 
+    // A broadcast service; those that come by IP have no such numbers.
     std::shared_ptr<Service> Find(int onid, int tsid, int sid) const;
+
+    // A service that comes by IP.
+    std::shared_ptr<Service> FindUri(const std::string& uri) const;
+
     std::shared_ptr<Service> FindNumber(int number) const;
 
     // The listed service `steps` behind this one, round and round. Null when this one is not listed.
@@ -104,10 +110,14 @@ class BadLineUp : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// `name` stands for the text in messages.
+// Gets a sentence with its place for everything that a line-up says and that cannot be used by itself.
+using LineUpWarning = std::function<void(const std::string&)>;
+
+// The simulator's own format. `name` stands for the text in messages.
 LineUp ParseLineUp(const std::string& text, const std::string& name);
 
-LineUp ReadLineUp(const std::string& path);
+// A file in any of the formats, told apart by what is in it; of a directory, its lamedb.
+LineUp ReadLineUp(const std::string& path, const LineUpWarning& warn);
 
 // The line-up that is built into the program.
 LineUp DefaultLineUp();

@@ -24,8 +24,9 @@ bool IsIp(int idType) {
 }
 
 bool SameMedium(int idType, const Service& service) {
-    const bool any = idType == static_cast<int>(IdType::DvbSiDirect);
-    return any || Medium(idType) == Medium(static_cast<int>(service.network->delivery));
+    const int delivery = static_cast<int>(service.network->delivery);
+    const bool any = idType == static_cast<int>(IdType::DvbSiDirect) && !IsIp(delivery);
+    return any || Medium(idType) == Medium(delivery);
 }
 
 }  // namespace
@@ -65,13 +66,15 @@ std::shared_ptr<Channel> Tv::ChannelOf(const std::shared_ptr<const Service>& ser
         channel->onid = service->onid;
         channel->tsid = service->tsid;
         channel->sid = service->sid;
+        channel->ipBroadcastId = service->uri;
         channel->service = service;
     }
     return channel;
 }
 
 std::shared_ptr<Channel> Tv::MakeChannel(Channel numbers) {
-    const auto service = IsIp(numbers.idType) ? nullptr : lineUp.Find(numbers.onid, numbers.tsid, numbers.sid);
+    const auto service = IsIp(numbers.idType) ? lineUp.FindUri(numbers.ipBroadcastId)
+                                              : lineUp.Find(numbers.onid, numbers.tsid, numbers.sid);
     if (service && SameMedium(numbers.idType, *service)) return ChannelOf(service);
     return std::make_shared<Channel>(std::move(numbers));
 }
