@@ -97,7 +97,12 @@ class BouquetReader {
         if (!text) return;
         Lines lines(*text, path, mWarn);
         while (lines.Next()) {
-            if (const auto reference = Behind(lines.Line(), "#SERVICE")) ReadListed(lines, *reference);
+            const std::string_view line = Trimmed(lines.Line());
+            if (const auto reference = Behind(line, "#SERVICE")) {
+                ReadListed(lines, *reference);
+            } else if (!line.empty() && line[0] != '#') {
+                lines.Warn(Quotation(line) + " is not understood; it is skipped");
+            }
         }
     }
 
@@ -117,8 +122,8 @@ class BouquetReader {
         if (!text) return;
         Lines lines(*text, mDirectory + file, mWarn);
         FavouriteServices list;
-        list.id = file;
-        list.name = file;
+        list.id = ReadableText(file);
+        list.name = list.id;
         std::set<const Service*> members;
         std::shared_ptr<Service> latest;
         while (lines.Next()) {

@@ -380,6 +380,17 @@ TEST_F(Receiver, BouquetsGiveTheOrderAndTheListsOfFavourites) {
     EXPECT_EQ(lists[2].services, Members{services[4]});
 }
 
+TEST_F(Receiver, ABouquetHasAReadableNameWhateverItsFileIsCalled) {
+    Write("lamedb", std::string(kTransponders) + kA + "end\n");
+    Write("bouquets.tv", Listed("userbouquet.\xfc.tv"));
+    Write("userbouquet.\xfc.tv", "#SERVICE 1:0:1:1:1:1:C00000:0:0:0:\n");
+    const Reading reading = ReadingOfFile(mDirectory / "lamedb");
+    ASSERT_EQ(reading.lineUp.favouriteLists.size(), 1u);
+    EXPECT_EQ(reading.lineUp.favouriteLists[0].id, "userbouquet.\xc3\xbc.tv");
+    EXPECT_EQ(reading.lineUp.favouriteLists[0].name, "userbouquet.\xc3\xbc.tv");
+    EXPECT_EQ(reading.lineUp.favouriteLists[0].services.size(), 1u);
+}
+
 TEST_F(Receiver, AServiceThatIsNeitherTelevisionNorRadioIsListedByABouquet) {
     Write("lamedb",
           std::string(kTransponders) + kA + "3:00c00000:1:1:12:0\nData\np:\n4:00c00000:1:1:12:0\nMore\np:\nend\n");
@@ -437,7 +448,7 @@ TEST_F(Receiver, BouquetsThatCannotBeReadAreSkippedWithTheirPlace) {
     Write("bouquets.tv",
           Listed("userbouquet.none.tv") + Listed("../secret.tv") + Listed("folder") +
               "#SERVICE 1:519:1:0:0:0:0:0:0:0:FROM BOUQUET \"userbouquet.hidden.tv\" ORDER BY bouquet\n" +
-              "#SERVICE 1:0:19:283D:3FB:1:C00000:0:0:0:\n" + Listed("userbouquet.none.tv"));
+              "#SERVICE 1:0:19:283D:3FB:1:C00000:0:0:0:\n" + Listed("userbouquet.none.tv") + "what?\n");
     std::filesystem::create_directory(mDirectory / "folder");
     std::filesystem::create_directory(mDirectory / "bouquets.radio");
     const Reading reading = ReadingOfFile(mDirectory / "lamedb");
@@ -451,6 +462,7 @@ TEST_F(Receiver, BouquetsThatCannotBeReadAreSkippedWithTheirPlace) {
                list + ":4: the bouquet \"userbouquet.hidden.tv\" is hidden on the receiver; it is skipped",
                list + ":5: \"1:0:19:283D:3FB:1:C00000:0:0:0:\" names no bouquet; it is skipped",
                list + ":6: the bouquet \"userbouquet.none.tv\" was named before; it is skipped",
+               list + ":7: \"what?\" is not understood; it is skipped",
                mDirectory / "bouquets.radio: is no regular file; the bouquet is skipped"}));
 }
 
