@@ -16,6 +16,8 @@ constexpr long long kLongestTime = 24LL * 60 * 60 * 1000;
 const char* const kExamples = R"(Examples:
   hbbtv-sim --trace                                 sockets in $TMPDIR or /tmp, every message on the screen
   hbbtv-sim --directory /tmp/tv --line-up my.json   a line-up of your own
+  hbbtv-sim --line-up playlist.m3u                  the streams of a playlist
+  hbbtv-sim --line-up /mnt/receiver/etc/enigma2     the services and bouquets of a receiver
   hbbtv-sim --tune-time 0ms --seed 7                fast, with the same handles and programmes every time
   hbbtv-sim --fault stop-answering:video_broadcast  a platform that hangs
   hbbtv-sim --state ~/.tv                           favourite lists outlast the simulator
@@ -69,7 +71,8 @@ Options ReadCommandLine(int argc, char** argv) {
     app.name("hbbtv-sim");
     app.footer(kExamples);
     app.set_version_flag("--version", "hbbtv-sim " HBBTV_VERSION);
-    app.add_option("--line-up", options.lineUp, "The services that are received (JSON file)")->type_name("FILE");
+    app.add_option("--line-up", options.lineUp, "The services that are received (JSON, M3U or enigma2 lamedb)")
+        ->type_name("FILE");
     app.add_option("--directory", options.directory, "Where the sockets are")->type_name("DIR")->capture_default_str();
     app.add_option("--state", options.settings.stateDirectory, "What outlasts the simulator, made when it is missing")
         ->type_name("DIR")

@@ -17,7 +17,7 @@ int TellOther(const Options& options) {
 }
 
 int Serve(const Options& options) {
-    const LineUp lineUp = options.lineUp.empty() ? DefaultLineUp() : ReadLineUp(options.lineUp);
+    const LineUp lineUp = options.lineUp.empty() ? DefaultLineUp() : ReadLineUp(options.lineUp, Journal::Log);
     const Journal journal(options.trace);
     EventLoop loop;
     loop.StopOnSignals({SIGINT, SIGTERM});

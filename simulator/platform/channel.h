@@ -30,9 +30,7 @@ struct Channel {
     std::string logoUrl;
     bool hidden = false;
 
-    bool OverIp() const {
-        return idType == static_cast<int>(IdType::IptvSds) || idType == static_cast<int>(IdType::IptvUri);
-    }
+    bool OverIp() const { return IsIp(static_cast<IdType>(idType)); }
     int Number() const { return service ? service->number : 0; }
     int Nid() const { return service ? service->network->networkId : 0; }
     ChannelType Type() const { return service ? service->type : ChannelType::Other; }

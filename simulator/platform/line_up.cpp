@@ -1,17 +1,18 @@
 // Looking services up, and where line-ups come from: see line_up.h.
 #include "platform/line_up.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
+#include <algorithm>
+#include <filesystem>
 
 #include "platform/default_line_up.h"
+#include "platform/line_up_formats.h"
+#include "platform/line_up_text.h"
 
 namespace hbbtv::sim {
 
 namespace {
 
-constexpr size_t kLargestFile = 16u << 20;
+constexpr int kMostWarnings = 1000;
 
 }  // namespace
 
@@ -31,15 +32,32 @@ std::shared_ptr<Service> LineUp::First() const {
     return nullptr;
 }
 
-LineUp ReadLineUp(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw BadLineUp(path + ": cannot be opened: " + std::strerror(errno));
-    std::string text(kLargestFile + 1, '\0');
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    if (file.bad()) throw BadLineUp(path + ": cannot be read: " + std::strerror(errno));
-    text.resize(static_cast<size_t>(file.gcount()));
-    if (text.size() > kLargestFile) throw BadLineUp(path + ": is larger than 16 MiB");
-    return ParseLineUp(text, path);
+LineUp ParseAnyLineUp(const std::string& text, const std::string& path, const LineUpWarning& warn) {
+    const std::string_view blanks = " \t\r\n";
+    const std::string_view whole = WithoutByteOrderMark(text);
+    const size_t first = std::min(whole.find_first_not_of(blanks), whole.size());
+    const std::string_view start = whole.substr(first, whole.find_first_of("\r\n", first) - first);
+    if (StartsWith(start, "#EXT")) return ParseM3u(text, path, warn);
+    if (StartsWith(start, "eDVB services ")) return ParseLamedb(text, path, warn);
+    if (start.empty() || start[0] == '{' || start[0] == '[') return ParseLineUp(text, path);
+    const auto line = 1 + std::count(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(first), '\n');
+    const std::string place = path + ":" + std::to_string(line);
+    if (StartsWith(start, "#NAME")) throw BadLineUp(place + ": this is a bouquet; the line-up is the lamedb beside it");
+    throw BadLineUp(place + ": " + Quotation(start) +
+                    " begins no line-up: neither JSON ({) nor M3U (#EXTM3U) nor lamedb (eDVB services)");
+}
+
+LineUp ReadLineUp(const std::string& path, const LineUpWarning& warn) {
+    std::error_code error;
+    const bool directory = std::filesystem::is_directory(path, error);
+    const std::string file = directory ? (std::filesystem::path(path) / "lamedb").string() : path;
+    int warnings = 0;
+    LineUp lineUp = ParseAnyLineUp(ReadWhole(file), file, [&](const std::string& warning) {
+        if (++warnings <= kMostWarnings) warn(warning);
+    });
+    const int more = warnings - kMostWarnings;
+    if (more > 0) warn(file + ": there are " + std::to_string(more) + " more warnings");
+    return lineUp;
 }
 
 LineUp DefaultLineUp() {

@@ -1,7 +1,8 @@
-// The services that the simulated television receives, as the line-up file describes them. The file's format is
-// documented in docs/simulator.md.
+// The services that the simulated television receives, as the line-up file describes them. The formats that it may have
+// are documented in docs/simulator.md.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -41,6 +42,10 @@ struct Component {
     std::string label;
     bool description = false;  // made by a client: no component of a service, but a description of one
 };
+
+constexpr bool IsIp(IdType type) {
+    return type == IdType::IptvSds || type == IdType::IptvUri;
+}
 
 struct Network {
     std::string id;
@@ -108,10 +113,14 @@ class BadLineUp : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// `name` stands for the text in messages.
+// Gets a sentence with its place for everything that a line-up says and that cannot be used by itself.
+using LineUpWarning = std::function<void(const std::string&)>;
+
+// The simulator's own format. `name` stands for the text in messages.
 LineUp ParseLineUp(const std::string& text, const std::string& name);
 
-LineUp ReadLineUp(const std::string& path);
+// A file in any of the formats, told apart by what is in it; of a directory, its lamedb.
+LineUp ReadLineUp(const std::string& path, const LineUpWarning& warn);
 
 // The line-up that is built into the program.
 LineUp DefaultLineUp();

@@ -20,8 +20,9 @@ int Medium(int idType) {
 }
 
 bool SameMedium(int idType, const Service& service) {
-    const bool any = idType == static_cast<int>(IdType::DvbSiDirect);
-    return any || Medium(idType) == Medium(static_cast<int>(service.network->delivery));
+    const int delivery = static_cast<int>(service.network->delivery);
+    const bool any = idType == static_cast<int>(IdType::DvbSiDirect) && !IsIp(service.network->delivery);
+    return any || Medium(idType) == Medium(delivery);
 }
 
 std::vector<KeptFavourites> Brought(const LineUp& lineUp) {
@@ -72,7 +73,8 @@ Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theStat
 
 std::shared_ptr<Channel> Tv::MakeChannel(Channel numbers) {
     if (numbers.OverIp()) {
-        if (auto known = serviceChannels.WithUri(numbers.ipBroadcastId)) return known;
+        const auto known = serviceChannels.WithUri(numbers.ipBroadcastId);
+        if (known && SameMedium(numbers.idType, *known->service)) return known;
     } else {
         const auto service = lineUp.Find(numbers.onid, numbers.tsid, numbers.sid);
         if (service && SameMedium(numbers.idType, *service)) return serviceChannels.Of(service);

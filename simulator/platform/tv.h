@@ -74,7 +74,8 @@ class Tv {
     Tv(const Tv&) = delete;
     Tv& operator=(const Tv&) = delete;
 
-    // A channel from numbers. When they name a service of the line-up, it is that service's channel.
+    // A channel from numbers, or by IP from its broadcast id, which is the service's URI. When they name a service of
+    // the line-up, it is that service's channel.
     std::shared_ptr<Channel> MakeChannel(Channel numbers);
 
     // Why the tuner cannot even try.

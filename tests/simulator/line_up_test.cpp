@@ -310,7 +310,7 @@ TEST(LineUpFile, WithAnyByteReplacedIsReadOrRefusedButNothingElse) {
 
 TEST(LineUpFile, ThatIsNotThereIsRefusedWithTheReason) {
     try {
-        ReadLineUp("/nowhere/lineup.json");
+        ReadLineUp("/nowhere/lineup.json", [](const std::string& warning) { ADD_FAILURE() << warning; });
         FAIL();
     } catch (const BadLineUp& e) {
         EXPECT_STREQ(e.what(), "/nowhere/lineup.json: cannot be opened: No such file or directory");
