@@ -8,6 +8,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IChannel.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelList.h>
+#include <vantorel/hardware/hbbtv/1.0/IDsmcc.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteList.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteListCollection.h>
 #include <vantorel/hardware/hbbtv/1.0/ILocalSystem.h>
@@ -51,6 +52,7 @@ bool PublishAll() {
     published &= Publish<IChannel>();
     published &= Publish<IChannelConfig>();
     published &= Publish<IChannelList>();
+    published &= Publish<IDsmcc>();
     published &= Publish<IFavouriteList>();
     published &= Publish<IFavouriteListCollection>();
     published &= Publish<ILocalSystem>();
