@@ -206,6 +206,17 @@ TEST_F(DsmccEvents, TheLateDeathNoticeOfAReplacedClientLeavesItsSuccessorAlone) 
     EXPECT_THAT(second->Calls(), ElementsAre(kCall));
 }
 
+TEST_F(DsmccEvents, ADeathThatIsToldWhileTheClientIsReplacedLeavesItsSuccessorAlone) {
+    const sp<RecordingDsmccCallback> second = new RecordingDsmccCallback;
+    Register(mClient);
+    Register(second);
+    mService->OnHidlClientDied(0, android::wp<android::hidl::base::V1_0::IBase>(mClient.get()));
+    EXPECT_EQ(1u, second->Linked().size());
+    EXPECT_EQ(0, Monitored("ClientDeathRecipient::StopMonitor"));
+    Send(kEvent);
+    EXPECT_THAT(second->Calls(), ElementsAre(kCall));
+}
+
 TEST_F(DsmccEvents, AreNotForwardedOnceMonitoringHasStopped) {
     Register(mClient);
     mService->StopMonitor(mClient);
