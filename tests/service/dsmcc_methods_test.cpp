@@ -49,7 +49,8 @@ class DsmccMethods : public testing::Test {
 };
 
 TEST_F(DsmccMethods, OnRequestFileTellsThePlatformAndWaitsForNoReply) {
-    FakePlatform platform(UnderTest().socket, [](const Frame&) { return std::nullopt; });
+    // Answers requests only: whoever waited for a reply would get 5.
+    FakePlatform platform(UnderTest().socket, R"({"ret": 5})");
     EXPECT_EQ("0", kRequestFile());
     ASSERT_TRUE(platform.WaitForFrames(1));
     EXPECT_EQ(kOneWay, platform.Frames()[0].type);

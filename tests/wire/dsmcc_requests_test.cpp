@@ -102,7 +102,8 @@ TEST(DsmccProtocol, HasAnExampleThatIsWhatTravels) {
 }
 
 TEST_F(FileRequest, IsAOneWayMessageAndWaitsForNoReply) {
-    FakePlatform platform("service_dsmcc_to_hbbtv", [](const Frame&) { return std::nullopt; });
+    // Answers requests only: whoever waited for a reply would get 5.
+    FakePlatform platform("service_dsmcc_to_hbbtv", "{\"ret\": 5}");
     EXPECT_EQ(Ask("text 0 of url", Handle(0xcafe0000)), 0);
     ASSERT_TRUE(platform.WaitForFrames(1));
     const Frame frame = platform.Frames()[0];
