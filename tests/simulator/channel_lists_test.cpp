@@ -110,6 +110,20 @@ TEST_F(ChannelLists, OfTheClientsOwnNeedEveryChannelThatTheyAnnounce) {
     EXPECT_EQ(Ret(Of::ChannelConfig, 8, {}), -1);
 }
 
+TEST_F(ChannelLists, ComeToAnEndBeforeTheMemoryDoes) {
+    constexpr unsigned kLength = 99999;
+    const std::string one = ChannelOf(1);  // out of the list of all, which holds 7
+    Members members{{"size", kLength}};
+    for (unsigned i = 0; i < kLength; ++i) members["channel" + std::to_string(i)] = one;
+    std::string list;
+    for (int i = 0; i < 10; ++i) list = Handle(Of::ChannelConfig, 8, "list", members);
+    EXPECT_EQ(Ask(Of::ChannelList, 1, {{"cl_handle", list}})["len"], 99999);
+    EXPECT_NE(CreateList({one, one, one}), "");
+    EXPECT_EQ(Ret(Of::ChannelConfig, 8, {{"size", 1u}, {"channel0", one}}), -1);
+    EXPECT_EQ(Ret(Of::ChannelList, 0, {{"cl_handle", list}}), 0);
+    EXPECT_EQ(Ret(Of::ChannelConfig, 8, members), 0);
+}
+
 TEST_F(ChannelLists, FilteredHoldTheChannelsWhoseEveryPropertyIsAsTheFlagSays) {
     EXPECT_EQ(Names(Filtered(false, false, false)), "Scrambled Dark Wave");
     EXPECT_EQ(Names(Filtered(false, true, false)), "One Two");

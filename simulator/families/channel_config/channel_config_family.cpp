@@ -9,7 +9,7 @@ namespace hbbtv::sim {
 
 namespace {
 
-constexpr size_t kMostEntries = 4000000;  // in all lists that have a handle
+constexpr size_t kMostEntries = 1000000;  // in all lists that have a handle
 
 class ChannelConfigFamily : public Family {
   public:
