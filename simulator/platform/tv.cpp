@@ -1,6 +1,8 @@
 // The shared television: see tv.h.
 #include "platform/tv.h"
 
+#include "platform/schedule.h"
+
 namespace hbbtv::sim {
 
 namespace {
@@ -51,14 +53,14 @@ void Tuner::Forget(const void* user) {
     if (mLatest == user) mLatest = nullptr;
 }
 
-Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState)
+Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState, std::unique_ptr<Guide> theGuide)
     : state(theState),
       lineUp(std::move(theLineUp)),
       serviceChannels(lineUp),
       channelList(serviceChannels.Listed()),
       favourites(std::make_shared<Favourites>(
           state, Brought(lineUp), [this](const std::string& ccid) { return serviceChannels.WithCcid(ccid); })),
-      schedule(seed.value_or(0)),
+      guide(theGuide ? std::move(theGuide) : std::make_unique<Schedule>(seed.value_or(0))),
       handleSource(seed),
       channels(handleSource),
       channelLists(handleSource),
@@ -67,7 +69,8 @@ Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theStat
       components(handleSource),
       componentLists(handleSource),
       programmes(handleSource),
-      programmeLists(handleSource) {
+      programmeLists(handleSource),
+      ratingCollections(handleSource) {
     tuner.Set(serviceChannels.Of(lineUp.First()));
 }
 

@@ -1,5 +1,5 @@
-// The television that the families share: its line-up, its channel and favourite lists, its one tuner, its programme
-// schedule, what it remembers, and the handles of the objects that more than one family knows.
+// The television that the families share: its line-up, its channel and favourite lists, its one tuner, its guide of
+// programmes, what it remembers, and the handles of the objects that more than one family knows.
 #pragma once
 
 #include <functional>
@@ -11,8 +11,8 @@
 #include "core/handles.h"
 #include "platform/channel_lists.h"
 #include "platform/favourites.h"
+#include "platform/guide.h"
 #include "platform/line_up.h"
-#include "platform/schedule.h"
 #include "platform/service_channels.h"
 #include "platform/state_store.h"
 
@@ -69,8 +69,9 @@ enum class ConfigChange : char { ChannelList = 'L', FavouriteList = 'F' };
 class Tv {
   public:
     // Without a seed the handles differ from run to run; the schedule is the same for everybody who gives none. The
-    // store lives longer.
-    Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState);
+    // store lives longer. Without a guide programmes are made up.
+    Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState,
+       std::unique_ptr<Guide> theGuide = nullptr);
     Tv(const Tv&) = delete;
     Tv& operator=(const Tv&) = delete;
 
@@ -89,7 +90,7 @@ class Tv {
     ServiceChannels serviceChannels;
     ChannelLists channelList;
     std::shared_ptr<Favourites> favourites;
-    Schedule schedule;
+    std::unique_ptr<Guide> guide;  // never null
     HandleSource handleSource;
     HandleTable<Channel> channels;
     HandleTable<ChannelList> channelLists;
@@ -99,6 +100,7 @@ class Tv {
     HandleTable<ComponentList> componentLists;
     HandleTable<Programme> programmes;
     HandleTable<ProgrammeList> programmeLists;
+    HandleTable<ParentalRatings> ratingCollections;
     Tuner tuner;
     int displaySource = 0;
 
