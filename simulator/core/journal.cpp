@@ -50,7 +50,7 @@ std::string Readable(const Json::Value& object, const std::string& codeMember) {
     std::string line;
     for (auto member = object.begin(); member != object.end(); ++member) {
         const std::string name = member.name();
-        if (name == "type" || name == codeMember) continue;
+        if (!codeMember.empty() && (name == "type" || name == codeMember)) continue;
         if (!line.empty()) line += ' ';
         line += name + '=' + ReadableValue(*member);
     }

@@ -43,6 +43,8 @@ struct Component {
     bool description = false;  // made by a client: no component of a service, but a description of one
 };
 
+using ComponentList = std::vector<std::shared_ptr<Component>>;
+
 constexpr bool IsIp(IdType type) {
     return type == IdType::IptvSds || type == IdType::IptvUri;
 }
@@ -82,7 +84,7 @@ struct Service {
     int frequency = 0;        // kHz, 0 when not known
     std::string uri;          // of an IP service; its onid, tsid and sid are 0
     std::string programmeId;  // how programme data in XMLTV names the service; empty when it does not
-    std::vector<std::shared_ptr<Component>> components;
+    ComponentList components;
 };
 
 // A list of favourites as the line-up brings it along.

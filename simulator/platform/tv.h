@@ -36,8 +36,6 @@ enum class ChannelError {
     Unidentified = 100
 };
 
-using ComponentList = std::vector<std::shared_ptr<Component>>;
-
 // One tuner for the viewer and all applications. Whoever connects or presents uses it; it stays on its channel when
 // the user lets go, so there is always a channel on.
 class Tuner {
