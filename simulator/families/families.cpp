@@ -1,12 +1,16 @@
 // The list of families: see families.h.
 #include "families/families.h"
 
+#include "families/application_manager/application_manager_family.h"
+#include "families/mtm/mtm_family.h"
 #include "families/video_broadcast/video_broadcast_family.h"
 
 namespace hbbtv::sim {
 
 std::vector<std::unique_ptr<Family>> MakeFamilies(const FamilySetup& setup) {
     std::vector<std::unique_ptr<Family>> families;
+    families.push_back(MakeApplicationManagerFamily(setup));
+    families.push_back(MakeMtmFamily(setup));
     families.push_back(MakeVideoBroadcastFamily(setup));
     return families;
 }
