@@ -42,6 +42,16 @@ TEST_F(Absence, EndsWithTheNextTuning) {
     TuneToTab(2, 3);
 }
 
+TEST_F(Absence, EndsForOtherApplicationsTooWhenATabIsMade) {
+    TelevisionWithBrowser::Start();
+    mBrowser.reset();
+    Tell("zap 3");
+    ExpectSaid("no browser answers", 1);
+    ServeBrowser();
+    TuneToTab(2, 3);
+    EXPECT_NE(NextCommand().find("https://free.test/"), std::string::npos);
+}
+
 TEST_F(Absence, EndsWithAnythingThatTheBrowserTells) {
     TelevisionWithBrowser::Start();
     mBrowser.reset();

@@ -21,13 +21,13 @@ TEST_F(TabTable, TabsComeAndGoAsTheBrowserSays) {
     EXPECT_EQ(Notify(0, {{"tabid", 7}}), 0) << "told twice";
     EXPECT_EQ(Notify(0, {{"tabid", 0}}), 0);
     EXPECT_EQ(Tell("tabs"),
-              "ok browser not asked, status 0, memory 0; tab 0: no application, empty, hidden; "
+              "ok browser there, status 0, memory 0; tab 0: no application, empty, hidden; "
               "tab 7: no application, empty, hidden");
     EXPECT_EQ(Notify(1, {{"tabid", 7}}), 0);
     EXPECT_EQ(TabEntry(7), "");
     EXPECT_EQ(Notify(0, {{"tabid", 8}}), 0);
     EXPECT_EQ(Notify(3), 0);
-    EXPECT_EQ(Tell("tabs"), "ok browser not asked, status 0, memory 0");
+    EXPECT_EQ(Tell("tabs"), "ok browser there, status 0, memory 0");
     EXPECT_EQ(Tell("tabs 3"), "error: usage: tabs");
 }
 
@@ -44,11 +44,11 @@ TEST_F(TabTable, ATabIsShownHiddenAndFocused) {
 
 TEST_F(TabTable, TheLoadingStateHasTheCodeOfTabShowAndNoTab) {
     EXPECT_EQ(Notify(6, {{"is_loading", true}, {"can_back", true}, {"can_forward", false}}), 0);
-    EXPECT_EQ(Head(), "ok browser not asked, status 0, memory 0, loading, can go back");
+    EXPECT_EQ(Head(), "ok browser there, status 0, memory 0, loading, can go back");
     EXPECT_EQ(Notify(6, {{"is_loading", false}, {"can_back", false}, {"can_forward", true}}), 0);
-    EXPECT_EQ(Head(), "ok browser not asked, status 0, memory 0, can go forward");
+    EXPECT_EQ(Head(), "ok browser there, status 0, memory 0, can go forward");
     EXPECT_EQ(Notify(6, {{"is_loading", true}, {"can_back", true}, {"can_forward", 1}}), -1);
-    EXPECT_EQ(Head(), "ok browser not asked, status 0, memory 0, can go forward") << "nothing of it was taken";
+    EXPECT_EQ(Head(), "ok browser there, status 0, memory 0, can go forward") << "nothing of it was taken";
 }
 
 TEST_F(TabTable, APageLoadsAndIsShownWithItsTitleAndUrl) {
@@ -79,7 +79,7 @@ TEST_F(TabTable, APageThatCannotBeLoadedSaysWhyAndItsApplicationStays) {
 
 TEST_F(TabTable, TheBrowsersMemoryAndThatOfATabAreKept) {
     EXPECT_EQ(Notify(14, {{"mem_status", 2}}), 0);
-    EXPECT_EQ(Head(), "ok browser not asked, status 0, memory 2");
+    EXPECT_EQ(Head(), "ok browser there, status 0, memory 2");
     EXPECT_EQ(Notify(0, {{"tabid", 1}}), 0);
     EXPECT_EQ(Notify(15, {{"tabid", 1}, {"level", 4}}), 0);
     EXPECT_EQ(TabEntry(1), "tab 1: no application, empty, hidden, memory level 4");

@@ -61,11 +61,7 @@ void Browser::Open(const ApplicationPointer& application) {
     if (IsXmlSignalling(application->url)) AskForSignalling(application);
 }
 
-// It is there: what has no tab gets one.
-void Browser::Back() {
-    if (mLeftovers) mCommands.DestroyAllApps();
-    mLeftovers = false;
-    mKnown = Known::There;
+void Browser::OpenAll() {
     const std::vector<ApplicationPointer> running = mTv.applications.Running();
     for (const auto& application : running) Open(application);
 }
@@ -86,6 +82,7 @@ void Browser::SignallingCame(const ApplicationPointer& application, const Json::
 }
 
 void Browser::AskForTab(const ApplicationPointer& application) {
+    DestroyLeftovers();
     mAsked.insert(application.get());
     mCommands.CreateApp(PageOf(*application), [this, application](const Json::Value& reply) {
         mAsked.erase(application.get());
@@ -110,10 +107,10 @@ void Browser::TabCame(const ApplicationPointer& application, const Json::Value& 
     } catch (const Refused& e) {
         return NoTab(application, reply, e.what());
     }
-    mKnown = Known::There;
     mSaidNobody = false;
     mSaidRefused.erase(application.get());
     Fill(*id, application);
+    FoundThere();
 }
 
 void Browser::Fill(int tab, const ApplicationPointer& application) {
@@ -193,7 +190,21 @@ ApplicationPointer Browser::SendKey(const RemoteKey& key) {
 
 void Browser::Heard() {
     KeepPinging();
-    if (mKnown == Known::NotThere) Back();
+    FoundThere();
+}
+
+// What waited for it gets its tab now.
+void Browser::FoundThere() {
+    const bool wasAway = mKnown == Known::NotThere;
+    mKnown = Known::There;
+    if (!wasAway) return;
+    DestroyLeftovers();
+    OpenAll();
+}
+
+void Browser::DestroyLeftovers() {
+    if (mLeftovers) mCommands.DestroyAllApps();
+    mLeftovers = false;
 }
 
 void Browser::KeepPinging() {
@@ -215,7 +226,8 @@ void Browser::Ponged(const Json::Value& reply) {
     const auto status = Number(reply, "status");
     if (!status) return Lost();
     mTv.tabs.browserStatus = *status;
-    Back();
+    FoundThere();
+    OpenAll();
 }
 
 // Who does not answer has no tabs either: a new one does not know those of the old one.

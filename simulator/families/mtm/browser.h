@@ -43,7 +43,7 @@ class Browser : public ApplicationWatcher {
     enum class Known { Nothing, There, NotThere };
 
     void Open(const ApplicationPointer& application);
-    void Back();
+    void OpenAll();
     void AskForSignalling(const ApplicationPointer& application);
     void SignallingCame(const ApplicationPointer& application, const Json::Value& reply);
     void AskForTab(const ApplicationPointer& application);
@@ -52,6 +52,8 @@ class Browser : public ApplicationWatcher {
     void AskForRenderProcess(int tab);
     void NoTab(const ApplicationPointer& application, const Json::Value& reply, const std::string& what);
     void Show(int tab, const Application& application);
+    void FoundThere();
+    void DestroyLeftovers();
     void KeepPinging();
     void Ping();
     void Ponged(const Json::Value& reply);
