@@ -3,11 +3,13 @@
 
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/LegacySupport.h>
+#include <vantorel/hardware/hbbtv/1.0/IApplicationManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannel.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelList.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteList.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteListCollection.h>
+#include <vantorel/hardware/hbbtv/1.0/IMtm.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include <cstdio>
@@ -48,6 +50,8 @@ bool PublishAll() {
     published &= Publish<IChannelConfig>();
     published &= Publish<IFavouriteList>();
     published &= Publish<IFavouriteListCollection>();
+    published &= Publish<IApplicationManager>();
+    published &= Publish<IMtm>();
     return published;
 }
 
