@@ -18,7 +18,7 @@ class ServiceProcess : public ChildProcess {
 
 class SimulatedPlatform : public ChildProcess {
   public:
-    SimulatedPlatform() : ChildProcess({HBBTV_SIM_PROGRAM, "--tune-time", "20ms"}) {}
+    SimulatedPlatform() : ChildProcess({HBBTV_SIM_PROGRAM, "--tune-time", "20ms", "--ping-interval", "100ms"}) {}
 
     bool Ready() { return WaitForOutput("ready"); }
 };

@@ -187,5 +187,25 @@ TEST_F(Commands, ACrashedTabIsDestroyedAndItsApplicationEnds) {
     EXPECT_EQ(TabEntry(3), "tab 3: Start (11.1), empty, hidden, render process 1003") << "the number is used again";
 }
 
+class AtTheStart : public TelevisionWithBrowser {};
+
+TEST_F(AtTheStart, TheFirstServicesApplicationStartsToo) {
+    const std::string lineUp = mDirectory / "one.json";
+    WriteFile(lineUp, R"({"networks": [{"id": "sat", "name": "Satellite", "delivery": "DVB_S", "nid": 1}],
+        "services": [{"name": "One", "network": "sat", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1,
+            "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}],
+            "applications": [{"name": "First", "organisation": 1, "application": 2, "control": "autostart",
+                              "url": "http://first.test/"}]}]})");
+    ServeApplicationEvents();
+    ServeBrowser();
+    mSimulator = Launch({"--line-up", lineUp, "--tune-time", "0ms", "--ping-interval", "0ms", "--trace"});
+    EXPECT_EQ(NextCommand(),
+              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true url=\"http://first.test/\"");
+    Reply(R"({"ret": 0, "tabid": 3})");
+    EXPECT_TRUE(mSimulator->WaitForOutput("* CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true"));
+    EXPECT_TRUE(mSimulator->WaitForOutput("url=\"http://first.test/\" | waits for a reply\n"));
+    EXPECT_TRUE(mSimulator->WaitForOutput("* CreateApp | < ret=0 tabid=3\n")) << mSimulator->Output();
+}
+
 }  // namespace
 }  // namespace hbbtv::test
