@@ -82,8 +82,10 @@ TEST_F(Commands, ATabThatComesAfterItsServiceWasLeftIsDestroyed) {
     Tell("zap 2");
     EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
     Tell("zap 1");
+    EXPECT_EQ(Notify(0, {{"tabid", 8}}), 0);
     Reply(R"({"ret": 0, "tabid": 8})");
     EXPECT_EQ(NextCommand(), "DestroyApp tabid=8");
+    EXPECT_EQ(TabEntry(8), "tab 8: no application, closing, hidden");
 }
 
 TEST_F(Commands, AnApplicationThatIsSignalledInXmlIsLoadedFromThePlaceInTheFile) {
@@ -100,6 +102,22 @@ TEST_F(Commands, AnApplicationThatIsSignalledInXmlIsLoadedFromThePlaceInTheFile)
               "url=\"http://xml.test/app/start.html?a=1&b=2\"");
 }
 
+TEST_F(Commands, AHugeFileOfSignallingIsReadInNoTime) {
+    const std::string tags(1000000, '<');
+    std::string escapes;
+    for (int i = 0; i < 300000; ++i) escapes += "&amp;";
+    for (const std::string& text : {tags, tags + "><a>", "<URLBase>" + escapes + "</URLBase>"}) {
+        Tell("zap 6");
+        EXPECT_EQ(NextCommand().rfind("GetXmlFile ", 0), 0u);
+        Json::Value reply;
+        reply["ret"] = 0;
+        reply["xmlFile"] = text;
+        Reply(reply.toStyledString());
+        Tell("zap 1");
+    }
+    TuneToTab(2, 3);
+}
+
 class BadSignalling : public Commands, public testing::WithParamInterface<const char*> {};
 
 TEST_P(BadSignalling, GivesNoTabAndOneLogLine) {
@@ -111,12 +129,14 @@ TEST_P(BadSignalling, GivesNoTabAndOneLogLine) {
     EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Every, BadSignalling,
-    testing::Values(R"({"ret": -1, "xmlFile": ""})", R"({"ret": 0})", R"({"ret": 0, "xmlFile": 7})",
-                    R"({"ret": 0, "xmlFile": ""})", R"({"ret": 0, "xmlFile": "<a><b></a>"})",
-                    R"({"ret": 0, "xmlFile": "<URLBase>http://x/"})", R"({"ret": 0, "xmlFile": "<URLBase"})",
-                    R"({"ret": 0, "xmlFile": "<applicationLocation>a</applicationLocation>"})", R"([0])"));
+INSTANTIATE_TEST_SUITE_P(Every, BadSignalling,
+                         testing::Values(R"({"ret": -1, "xmlFile": "<applicationLocation>http://x/</a>"})",
+                                         R"({"ret": 0})", R"({"ret": 0, "xmlFile": 7})", R"({"ret": 0, "xmlFile": ""})",
+                                         R"({"ret": 0, "xmlFile": "<a><b></a>"})",
+                                         R"({"ret": 0, "xmlFile": "<URLBase>http://x/"})",
+                                         R"({"ret": 0, "xmlFile": "<URLBase"})",
+                                         R"({"ret": 0, "xmlFile": "<applicationLocation>a</applicationLocation>"})",
+                                         R"([0])"));
 
 class BadTab : public Commands, public testing::WithParamInterface<const char*> {};
 

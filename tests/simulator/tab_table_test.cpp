@@ -121,7 +121,7 @@ TEST_F(TabTable, UnknownTabsAreRefused) {
                        {"description", "d"}, {"progress", 0.1}, {"level", 1}};
     for (const int method : {1, 2, 4, 5, 6, 8, 9, 10, 11, 12, 13, 15, 16, 33}) EXPECT_EQ(Notify(method, text), -1);
     EXPECT_EQ(Notify(0, {{"tabid", -1}}), -1);
-    EXPECT_EQ(Tell("tabs"), "ok browser not asked, status 0, memory 0");
+    EXPECT_EQ(Tell("tabs"), "ok browser there, status 0, memory 0");
 }
 
 TEST_F(TabTable, TheTwoHundredFiftySeventhTabIsRefused) {

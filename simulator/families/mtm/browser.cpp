@@ -77,7 +77,7 @@ void Browser::AskForSignalling(const ApplicationPointer& application) {
 void Browser::SignallingCame(const ApplicationPointer& application, const Json::Value& reply) {
     const bool text = Good(reply) && reply["xmlFile"].isString();
     const auto location = text ? LocationIn(reply["xmlFile"].asString()) : std::nullopt;
-    if (!location) return NoTab(application, reply, "it gives no application's place for " + application->url);
+    if (!location) return NoTab(application, reply, "it gives no application's place for " + Excerpt(application->url));
     mTv.applications.FoundDocument(application, *location);
 }
 
@@ -94,6 +94,7 @@ void Browser::TabCame(const ApplicationPointer& application, const Json::Value& 
     const auto id = Number(reply, "tabid");
     if (!application->running) {
         if (id) mCommands.DestroyApp(*id);
+        if (Tab* tab = id ? mTv.tabs.Find(*id) : nullptr) tab->state = TabState::Closing;
         return;
     }
     if (!id) return NoTab(application, reply, "it makes none");
@@ -188,12 +189,6 @@ ApplicationPointer Browser::SendKey(const RemoteKey& key) {
 
 // --- Whether somebody is there
 
-void Browser::Heard() {
-    KeepPinging();
-    FoundThere();
-}
-
-// What waited for it gets its tab now.
 void Browser::FoundThere() {
     const bool wasAway = mKnown == Known::NotThere;
     mKnown = Known::There;

@@ -24,8 +24,11 @@ class Browser : public ApplicationWatcher {
     void Bound(const ApplicationPointer& application) override;
     void Ended(const ApplicationPointer& application) override;
 
-    // A message of its own came from the browser.
-    void Heard();
+    // Something came from the browser: what waited for it gets its tab now.
+    void FoundThere();
+
+    // Starts the pings when there is anything to ask about.
+    void KeepPinging();
 
     // To the topmost application that takes the key. Null, and nothing is sent, when none does.
     ApplicationPointer SendKey(const RemoteKey& key);
@@ -52,9 +55,7 @@ class Browser : public ApplicationWatcher {
     void AskForRenderProcess(int tab);
     void NoTab(const ApplicationPointer& application, const Json::Value& reply, const std::string& what);
     void Show(int tab, const Application& application);
-    void FoundThere();
     void DestroyLeftovers();
-    void KeepPinging();
     void Ping();
     void Ponged(const Json::Value& reply);
     void Lost();

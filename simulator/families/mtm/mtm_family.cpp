@@ -109,8 +109,9 @@ MtmFamily::MtmFamily(const FamilySetup& setup)
 
 void MtmFamily::AddNotification(int code, const char* name, void (MtmFamily::*method)(In)) {
     Row(code, name, [this, method](In in, Out) {
+        mBrowser.FoundThere();
         (this->*method)(in);
-        mBrowser.Heard();
+        mBrowser.KeepPinging();
     });
 }
 

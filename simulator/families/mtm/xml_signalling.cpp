@@ -5,6 +5,8 @@ namespace hbbtv::sim {
 
 namespace {
 
+constexpr size_t kLongest = 4096;
+
 std::string WithoutBlanks(const std::string& text) {
     const size_t begin = text.find_first_not_of(" \t\r\n");
     return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(" \t\r\n") - begin + 1);
@@ -16,16 +18,18 @@ std::string WithoutEscapes(std::string text) {
     return text;
 }
 
-// The text between the element's start and whatever tag comes next.
+// The text between the element's start and whatever tag comes next; empty when there is none of a sensible length.
 std::string TextOf(const std::string& xml, const std::string& element) {
-    for (size_t at = xml.find('<'); at != std::string::npos; at = xml.find('<', at + 1)) {
+    size_t at = xml.find('<');
+    while (at != std::string::npos) {
         const size_t end = xml.find('>', at);
-        if (end == std::string::npos) break;
-        std::string name = xml.substr(at + 1, xml.find_first_of(" \t\r\n/>", at + 1) - at - 1);
-        name.erase(0, name.find(':') + 1);
         const size_t next = xml.find('<', end);
         if (next == std::string::npos) break;
-        if (name == element) return WithoutEscapes(WithoutBlanks(xml.substr(end + 1, next - end - 1)));
+        std::string name = xml.substr(at + 1, xml.find_first_of(" \t\r\n/>", at + 1) - at - 1);
+        name.erase(0, name.find(':') + 1);
+        const size_t length = next - end - 1;
+        if (name == element && length <= kLongest) return WithoutEscapes(WithoutBlanks(xml.substr(end + 1, length)));
+        at = next;
     }
     return "";
 }
