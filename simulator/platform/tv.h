@@ -1,5 +1,6 @@
-// The television that the families share: its line-up, its one tuner, its programme schedule, its applications and
-// their tabs, and the handles of the objects that more than one family knows.
+// The television that the families share: its line-up, its channel and favourite lists, its one tuner, its programme
+// schedule, its applications and their tabs, what it remembers, and the handles of the objects that more than one
+// family knows.
 #pragma once
 
 #include <functional>
@@ -10,8 +11,12 @@
 
 #include "core/handles.h"
 #include "platform/applications.h"
+#include "platform/channel_lists.h"
+#include "platform/favourites.h"
 #include "platform/line_up.h"
 #include "platform/schedule.h"
+#include "platform/service_channels.h"
+#include "platform/state_store.h"
 #include "platform/tabs.h"
 
 namespace hbbtv::sim {
@@ -32,19 +37,6 @@ enum class ChannelError {
     NotEnoughResources = 11,
     NotInTransportStream = 12,
     Unidentified = 100
-};
-
-// A channel as clients know it. Made from a service of the line-up, or by a client from numbers; in the latter case
-// `service` is null when the numbers name nothing that is on air.
-struct Channel {
-    int idType = 0;
-    int onid = 0;
-    int tsid = 0;
-    int sid = 0;
-    int sourceId = 0;
-    std::string dsd;
-    std::string ipBroadcastId;
-    std::shared_ptr<const Service> service;
 };
 
 using ComponentList = std::vector<std::shared_ptr<Component>>;
@@ -79,15 +71,19 @@ class Tuner {
     std::vector<std::function<void()>> mWatchers;
 };
 
+// What of the channel configuration has changed; the letter goes with the event.
+enum class ConfigChange : char { ChannelList = 'L', FavouriteList = 'F' };
+
 class Tv {
   public:
-    // Without a seed the handles differ from run to run; the schedule is the same for everybody who gives none.
-    Tv(LineUp theLineUp, std::optional<uint32_t> seed);
+    // Without a seed the handles differ from run to run; the schedule is the same for everybody who gives none. The
+    // store lives longer.
+    Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState);
+    Tv(const Tv&) = delete;
+    Tv& operator=(const Tv&) = delete;
 
-    // The channel of a service, always the same one.
-    std::shared_ptr<Channel> ChannelOf(const std::shared_ptr<const Service>& service);
-
-    // A channel from numbers. When they name a service of the line-up, it is that service's channel.
+    // A channel from numbers, or by IP from its broadcast id, which is the service's URI. When they name a service of
+    // the line-up, it is that service's channel.
     std::shared_ptr<Channel> MakeChannel(Channel numbers);
 
     // Why the tuner cannot even try.
@@ -96,10 +92,17 @@ class Tv {
     // What is found once it is tuned: nothing when it can be presented.
     static std::optional<ChannelError> Obstacle(const Channel& channel);
 
+    const StateStore& state;
     LineUp lineUp;
+    ServiceChannels serviceChannels;
+    ChannelLists channelList;
+    std::shared_ptr<Favourites> favourites;
     Schedule schedule;
     HandleSource handleSource;
     HandleTable<Channel> channels;
+    HandleTable<ChannelList> channelLists;
+    HandleTable<FavouriteList> favouriteLists;
+    HandleTable<Favourites> favouriteCollections;
     HandleTable<Component> components;
     HandleTable<ComponentList> componentLists;
     HandleTable<Programme> programmes;
@@ -112,10 +115,14 @@ class Tv {
         unsigned width = 1920, height = 1080;
     } resolution;
 
+    // Set by the families that know, called by those that do not.
+    std::function<void(ConfigChange)> onConfigChange = [](ConfigChange) {};
+    std::function<Handle()> broadcastSupervisor = [] { return Handle{0}; };
+
   private:
     bool Receives(int idType) const;
 
-    std::map<const Service*, std::shared_ptr<Channel>> mChannelOfService;
+    unsigned mMadeChannels = 0;
 };
 
 }  // namespace hbbtv::sim

@@ -2,6 +2,7 @@
 // line for each event and lives until it is killed or told "unregister" on standard input.
 
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
+#include <vantorel/hardware/hbbtv/1.0/IDsmcc.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include <cstdio>
@@ -11,12 +12,14 @@
 
 #include "recording_callback.h"
 #include "recording_config_callback.h"
+#include "recording_dsmcc_callback.h"
 
 namespace {
 
 using android::sp;
 using android::hardware::Return;
 using vantorel::hardware::hbbtv::V1_0::IChannelConfig;
+using vantorel::hardware::hbbtv::V1_0::IDsmcc;
 using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
 
 constexpr int64_t kVb = 0x1000;
@@ -40,6 +43,15 @@ class PrintingConfigCallback : public hbbtv::test::RecordingConfigCallback {
     }
 };
 
+class PrintingDsmccCallback : public hbbtv::test::RecordingDsmccCallback {
+  public:
+    Return<void> OnDsmccFileEvent(int32_t type, const Text& url, const Text& filePath, int64_t context) override {
+        printf("file %d '%s' %s %lld\n", type, url.c_str(), filePath.c_str(), static_cast<long long>(context));
+        fflush(stdout);
+        return ::android::hardware::Void();
+    }
+};
+
 struct Registration {
     std::function<Return<int32_t>()> begin;
     std::function<Return<int32_t>()> end;
@@ -49,6 +61,11 @@ Registration RegistrationOf(const std::string& family) {
     if (family == "channel_config") {
         const sp<IChannelConfig> service = IChannelConfig::getService();
         return {[=] { return service->RegisterCallback(new PrintingConfigCallback, kContext); },
+                [=] { return service->UnregisterCallback(); }};
+    }
+    if (family == "dsmcc") {
+        const sp<IDsmcc> service = IDsmcc::getService();
+        return {[=] { return service->RegisterCallback(new PrintingDsmccCallback); },
                 [=] { return service->UnregisterCallback(); }};
     }
     const sp<IVideoBroadcast> service = IVideoBroadcast::getService();

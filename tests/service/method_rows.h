@@ -30,7 +30,7 @@ const InterfaceUnderTest& UnderTest();
 struct MethodRow {
     const char* name;
 
-    // What the caller is answered: "status", or "status value".
+    // What the caller is answered: "status", or "status value ...".
     std::function<std::string()> call;
 
     int code;
@@ -38,6 +38,7 @@ struct MethodRow {
     const char* reply;    // members besides "ret"
     const char* answer;
     const char* answerWithoutAdaptor;
+    const char* statusFor17 = "17";  // what becomes of this status of the platform
 };
 
 void PrintTo(const MethodRow& row, std::ostream* out);
@@ -77,16 +78,17 @@ struct ServiceOf {
         };
     }
 
-    // A method with a result: `call` is given the result callback.
-    template <typename Value, typename Call>
+    // A method with results: `call` is given the result callback.
+    template <typename... Values, typename Call>
     static std::function<std::string()> Result(Call call) {
         return [call] {
             const auto service = Make();
             std::string answer = "no answer";
             int times = 0;
-            const auto returned = call(*service, [&](int32_t status, const Value& value) {
+            const auto returned = call(*service, [&](int32_t status, const Values&... values) {
                 ++times;
-                answer = Shown(status) + " " + Shown(value);
+                answer = Shown(status);
+                ((answer += " " + Shown(values)), ...);
             });
             EXPECT_TRUE(returned.isOk());
             EXPECT_EQ(1, times);

@@ -30,6 +30,7 @@ BrowserCommands::Page PageOf(const Application& application) {
 }
 
 std::string Origin(const Service& service) {
+    if (!service.uri.empty()) return service.uri;
     char text[40];
     std::snprintf(text, sizeof(text), "dvb://%x.%x.%x", static_cast<unsigned>(service.onid),
                   static_cast<unsigned>(service.tsid), static_cast<unsigned>(service.sid));

@@ -134,6 +134,13 @@ Target ToUInt(const char* key, unsigned& to) {
             }};
 }
 
+Target ToIntBits(const char* key, unsigned& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<unsigned*>(out) = static_cast<unsigned>(ReadInt(object, k));
+                return true;
+            }};
+}
+
 Target ToUInt64(const char* key, uint64_t& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
                 *static_cast<uint64_t*>(out) = ReadUInt64(object, k);

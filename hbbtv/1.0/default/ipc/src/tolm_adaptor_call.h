@@ -85,6 +85,7 @@ struct Target {
 
 Target ToInt(const char* key, int& to);
 Target ToUInt(const char* key, unsigned& to);
+Target ToIntBits(const char* key, unsigned& to);  // an int of the wire: -1 gives 4294967295
 Target ToUInt64(const char* key, uint64_t& to);
 Target ToBool(const char* key, bool& to);
 Target ToFlag(const char* key, bool& to);  // of an int: whether it is not 0
