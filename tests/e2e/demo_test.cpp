@@ -30,7 +30,14 @@ TEST(Demo, TellsOfTheChannelChangesAndOfAnApplicationAndEndsWell) {
     ChildProcess demo({HBBTV_DEMO_PROGRAM});
     EXPECT_EQ(0, demo.WaitForExit());
 
-    ExpectInOrder(demo.Output(), {"Create(context 0xbeef)",
+    ExpectInOrder(demo.Output(), {"Walk through the channel list",
+                                  "-> 35 channels",
+                                  "no  name                        type   onid  tsid   sid",
+                                  "   1  Das Erste HD                TV        1  1019 10301",
+                                  "ZDF HD                      TV        1  1011 11110",
+                                  "Dlf                         RADIO     1  1011 11191",
+                                  "calls in",
+                                  "Create(context 0xbeef)",
                                   "RegisterCallback",
                                   "BindToCurrentChannel",
                                   "presenting",

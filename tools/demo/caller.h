@@ -2,6 +2,7 @@
 #pragma once
 
 #include <hidl/HidlSupport.h>
+#include <hidl/Status.h>
 
 #include <cstdint>
 #include <functional>

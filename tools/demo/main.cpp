@@ -1,6 +1,6 @@
 // hbbtv-demo: a client like the HbbTV browser, in a process of its own. It drives a video/broadcast object through the
-// service, is given an application's tab, and shows what was asked, what came back and which events arrived. Meant for
-// the simulated platform's default line-up, by whose services it tunes.
+// service, walks through the channel list, is given an application's tab, and shows what was asked, what came back and
+// which events arrived. Meant for the simulated platform's default line-up, by whose services it tunes.
 
 #include <hidl/HidlTransportSupport.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
@@ -12,6 +12,7 @@
 
 #include "application_demo.h"
 #include "caller.h"
+#include "channel_walk.h"
 #include "event_log.h"
 #include "transcript.h"
 
@@ -54,12 +55,17 @@ class Demo {
 
     // Whether everything went as it should.
     bool Run() {
-        const bool done = Create() && Bind() && Tune(kDasErste) && Tune(kZdf) && Zap() && Ask() && Volume() &&
+        const bool done = Walk() && Create() && Bind() && Tune(kDasErste) && Tune(kZdf) && Zap() && Ask() && Volume() &&
                           Components() && TuneToScrambled() && Applications();
         return Leave() && done;
     }
 
   private:
+    bool Walk() {
+        return WalkChannels(mTranscript, mCaller,
+                            [this](int64_t channel, const std::string& name) { mEvents->Name(channel, name); });
+    }
+
     bool Create() {
         mTranscript.Step("Create a video/broadcast object and listen to its events");
         return mCaller.Get(
