@@ -30,7 +30,7 @@ const InterfaceUnderTest& UnderTest();
 struct MethodRow {
     const char* name;
 
-    // What the caller is answered: "status", or "status value".
+    // What the caller is answered: "status", or "status value ...".
     std::function<std::string()> call;
 
     int code;
@@ -46,6 +46,7 @@ std::string NameOf(const testing::TestParamInfo<MethodRow>& row);
 // A value as text: a handle in hexadecimal, a number in decimal, a text as it is.
 std::string Shown(int64_t handle);
 std::string Shown(const android::hardware::hidl_string& text);
+std::string Shown(const android::hardware::hidl_vec<int32_t>& numbers);  // [1, 2]
 template <typename Value>
 std::string Shown(const Value& value) {
     return std::to_string(static_cast<std::conditional_t<std::is_enum_v<Value>, int32_t, Value>>(value));
@@ -77,16 +78,17 @@ struct ServiceOf {
         };
     }
 
-    // A method with a result: `call` is given the result callback.
-    template <typename Value, typename Call>
+    // A method with results: `call` is given the result callback.
+    template <typename... Values, typename Call>
     static std::function<std::string()> Result(Call call) {
         return [call] {
             const auto service = Make();
             std::string answer = "no answer";
             int times = 0;
-            const auto returned = call(*service, [&](int32_t status, const Value& value) {
+            const auto returned = call(*service, [&](int32_t status, const Values&... values) {
                 ++times;
-                answer = Shown(status) + " " + Shown(value);
+                answer = Shown(status);
+                ((answer += " " + Shown(values)), ...);
             });
             EXPECT_TRUE(returned.isOk());
             EXPECT_EQ(1, times);
@@ -99,5 +101,8 @@ class Method : public testing::TestWithParam<MethodRow> {
   protected:
     ScratchDirectory mDirectory;
 };
+
+// The same for a method that does not wait for the platform.
+class OneWayMethod : public Method {};
 
 }  // namespace hbbtv::test

@@ -33,6 +33,15 @@ std::vector<Reading> ReadingsOf(const std::string& type, const char* unchanged) 
             {"{}", "0"},
         };
     }
+    if (type == "flag") {
+        return {
+            {"", "false"},          {"null", "false"},       {"true", "true"},        {"false", "false"},
+            {"1", "true"},          {"0", "false"},          {"7", "true"},           {"-7", "true"},
+            {"2147483647", "true"}, {"2147483648", "false"}, {"-2147483648", "true"}, {"4294967297", "false"},
+            {"2.5", "true"},        {"0.5", "false"},        {"1e300", "false"},      {"\"1\"", "false"},
+            {"\"true\"", "false"},  {"[1]", "false"},        {"{\"a\": 1}", "false"},
+        };
+    }
     if (type == "uint") {
         return {
             {"", "0"},           {"null", "0"},
@@ -45,6 +54,51 @@ std::vector<Reading> ReadingsOf(const std::string& type, const char* unchanged) 
             {"\"text\"", "0"},   {"[7]", "0"},
             {"[]", "0"},         {"{\"a\": 7}", "0"},
             {"{}", "0"},
+        };
+    }
+    if (type == "few") {
+        return {
+            {"", "0"},
+            {"null", "0"},
+            {"true", "1"},
+            {"false", "0"},
+            {"7", "7"},
+            {"-1", "0"},
+            {"65536", "65536"},
+            {"65537", nullptr},
+            {"65536.5", "65536"},
+            {"65537.5", nullptr},
+            {"4294967295", nullptr},
+            {"4294967296", "0"},
+            {"1e300", "0"},
+            {"\"7\"", "0"},
+            {"\"65537\"", "0"},
+            {"[7]", "0"},
+            {"{\"a\": 7}", "0"},
+        };
+    }
+    if (type == "int64") {
+        return {
+            {"", "0"},
+            {"null", "0"},
+            {"true", "1"},
+            {"false", "0"},
+            {"7", "7"},
+            {"-7", "-7"},
+            {"4294967296", "4294967296"},
+            {"9223372036854775807", "9223372036854775807"},
+            {"9223372036854775808", "0"},
+            {"-9223372036854775808", "-9223372036854775808"},
+            {"-9223372036854777857", "0"},
+            {"2.5", "2"},
+            {"-2.5", "-2"},
+            {"9.2e18", "9200000000000000000"},
+            {"9.3e18", "0"},
+            {"-9.3e18", "0"},
+            {"1e300", "0"},
+            {"\"7\"", "0"},
+            {"[7]", "0"},
+            {"{\"a\": 7}", "0"},
         };
     }
     if (type == "uint64") {
@@ -159,6 +213,10 @@ std::string Show(unsigned long value) {
     return std::to_string(value);
 }
 
+std::string Show(long value) {
+    return std::to_string(value);
+}
+
 std::string Show(bool value) {
     return value ? "true" : "false";
 }
@@ -179,6 +237,18 @@ std::string Show(const std::string& value) {
     std::string text = "\"";
     for (const char c : value) text += c == '\0' ? std::string("\\0") : std::string(1, c);
     return text + "\"";
+}
+
+std::string Show(const std::vector<int>& values) {
+    std::string text;
+    for (const int value : values) text += (text.empty() ? "" : " ") + Show(value);
+    return "[" + text + "]";
+}
+
+std::string Show(const std::vector<std::pair<int, int>>& values) {
+    std::string text;
+    for (const auto& [first, second] : values) text += (text.empty() ? "" : " ") + Show(first) + "/" + Show(second);
+    return "[" + text + "]";
 }
 
 }  // namespace hbbtv::test

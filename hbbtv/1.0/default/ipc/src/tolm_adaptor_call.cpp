@@ -15,6 +15,10 @@ Member MemberOf(const char* key, Member::Kind kind) {
     return member;
 }
 
+std::string NumberedKey(size_t index) {
+    return ("k" + std::to_string(index)).substr(0, 3);
+}
+
 void AddNumberedPointers(const Member& member, Json::Value& object) {
     size_t index = 0;
     for (const void* pointer : *member.asPointers) {
@@ -45,6 +49,9 @@ void Add(const Member& member, Json::Value& object) {
             break;
         case Member::Kind::kNumberedPointers:
             AddNumberedPointers(member, object);
+            break;
+        case Member::Kind::kArray:
+            object[key] = *member.asArray;
             break;
     }
 }
@@ -101,6 +108,18 @@ Member NumberedPointers(const char* key, const std::vector<void*>& values) {
     return member;
 }
 
+Member Array(const char* key, const Json::Value& elements) {
+    Member member = MemberOf(key, Member::Kind::kArray);
+    member.asArray = &elements;
+    return member;
+}
+
+Json::Value Object(std::initializer_list<Member> members) {
+    Json::Value object(Json::objectValue);
+    for (const Member& member : members) Add(member, object);
+    return object;
+}
+
 Target ToInt(const char* key, int& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
                 *static_cast<int*>(out) = ReadInt(object, k);
@@ -111,6 +130,29 @@ Target ToInt(const char* key, int& to) {
 Target ToUInt(const char* key, unsigned& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
                 *static_cast<unsigned*>(out) = ReadUInt(object, k);
+                return true;
+            }};
+}
+
+Target ToIntBits(const char* key, unsigned& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<unsigned*>(out) = static_cast<unsigned>(ReadInt(object, k));
+                return true;
+            }};
+}
+
+Target ToCount(const char* key, unsigned& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                const unsigned count = ReadUInt(object, k);
+                if (count > kMostNumbered) return false;
+                *static_cast<unsigned*>(out) = count;
+                return true;
+            }};
+}
+
+Target ToInt64(const char* key, int64_t& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<int64_t*>(out) = ReadInt64(object, k);
                 return true;
             }};
 }
@@ -146,6 +188,17 @@ Target ToText(const char* key, std::string& to) {
 Target ToPointer(const char* key, void*& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
                 return TolmHbbtvIpcTools::ParsePointerValue(object, k, static_cast<void**>(out)) == 0;
+            }};
+}
+
+Target ToNumberedInts(const char* countKey, std::vector<int>& to) {
+    return {countKey, &to, [](const Json::Value& object, const char* k, void* out) {
+                const int count = ReadInt(object, k);
+                if (count > kMostNumbered) return false;
+                for (int i = 0; i < count; ++i) {
+                    static_cast<std::vector<int>*>(out)->push_back(ReadInt(object, NumberedKey(i).c_str()));
+                }
+                return true;
             }};
 }
 

@@ -39,7 +39,7 @@ struct Method {
 
 // A member of a request. Lives as long as the expression it stands in: texts are not copied.
 struct Member {
-    enum class Kind { kInt, kUInt, kBool, kReal, kText, kPointer, kNumberedPointers };
+    enum class Kind { kInt, kUInt, kBool, kReal, kText, kPointer, kNumberedPointers, kArray };
 
     const char* key;
     Kind kind;
@@ -51,6 +51,7 @@ struct Member {
         const std::string* asText;
         const void* asPointer;
         const std::vector<void*>* asPointers;
+        const Json::Value* asArray;
     };
 };
 
@@ -61,6 +62,7 @@ Member Real(const char* key, double value);
 Member Text(const char* key, const std::string& value);
 Member Pointer(const char* key, const void* value);
 Member NumberedPointers(const char* key, const std::vector<void*>& values);  // key0, key1, ...
+Member Array(const char* key, const Json::Value& elements);                  // each of them an Object()
 template <typename T>
 Member Int(const char* key, T value) = delete;
 template <typename T>
@@ -70,9 +72,12 @@ Member Bool(const char* key, T value) = delete;
 template <typename T>
 Member Real(const char* key, T value) = delete;
 
+// An element of an array.
+Json::Value Object(std::initializer_list<Member> members);
+
 // A member of a reply or an event and the variable that it is read into. All but a pointer are read leniently: a member
 // that is missing or cannot be converted gives 0, false or "". A pointer that is no text fails, and its variable keeps
-// its value; null is the empty text.
+// its value; null is the empty text. So does a count above kMostNumbered.
 struct Target {
     const char* key;
     void* to;
@@ -81,11 +86,21 @@ struct Target {
 
 Target ToInt(const char* key, int& to);
 Target ToUInt(const char* key, unsigned& to);
+Target ToIntBits(const char* key, unsigned& to);  // an int of the wire: -1 gives 4294967295
+Target ToCount(const char* key, unsigned& to);
+Target ToInt64(const char* key, int64_t& to);
 Target ToUInt64(const char* key, uint64_t& to);
 Target ToBool(const char* key, bool& to);
 Target ToReal(const char* key, double& to);
 Target ToText(const char* key, std::string& to);
 Target ToPointer(const char* key, void*& to);
+
+// Appends the members k0, k1, ..., as many as the count says; one above kMostNumbered fails, and nothing is appended.
+// The platform has room for three characters in such a name: k10 also stands for 100 to 109, for 1000 to 1099, ...
+Target ToNumberedInts(const char* countKey, std::vector<int>& to);
+
+// Lists of numbers on the wire are short. The count comes from outside, and no more than this is made of it.
+constexpr int kMostNumbered = 65536;
 
 // Reads all targets: whether none failed.
 bool Read(const Json::Value& object, std::initializer_list<Target> targets);
