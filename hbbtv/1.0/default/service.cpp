@@ -3,11 +3,16 @@
 
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/LegacySupport.h>
+#include <vantorel/hardware/hbbtv/1.0/IAVComponent.h>
+#include <vantorel/hardware/hbbtv/1.0/IAVControl.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannel.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelList.h>
+#include <vantorel/hardware/hbbtv/1.0/IConfiguration.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteList.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteListCollection.h>
+#include <vantorel/hardware/hbbtv/1.0/IProgramme.h>
+#include <vantorel/hardware/hbbtv/1.0/ISearchManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include <cstdio>
@@ -42,12 +47,17 @@ bool Publish() {
 // Whether all could be.
 bool PublishAll() {
     bool published = true;
-    published &= Publish<IVideoBroadcast>();
+    published &= Publish<IAVComponent>();
+    published &= Publish<IAVControl>();
     published &= Publish<IChannel>();
-    published &= Publish<IChannelList>();
     published &= Publish<IChannelConfig>();
+    published &= Publish<IChannelList>();
+    published &= Publish<IConfiguration>();
     published &= Publish<IFavouriteList>();
     published &= Publish<IFavouriteListCollection>();
+    published &= Publish<IProgramme>();
+    published &= Publish<ISearchManager>();
+    published &= Publish<IVideoBroadcast>();
     return published;
 }
 
