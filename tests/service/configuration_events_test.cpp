@@ -102,7 +102,7 @@ class ConfigurationEvent : public ConfigurationEvents, public testing::WithParam
 
 }  // namespace
 
-TEST_P(ConfigurationEvent, ReachesAllClientsInTheOrderOfTheirRegistrations) {
+TEST_P(ConfigurationEvent, ReachesAllClients) {
     EXPECT_EQ(0, Register(mClient));
     EXPECT_EQ(-1, Register(mSecond));
     Send(GetParam().event);
@@ -122,6 +122,35 @@ TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationIsToldThePlatformAndGivesIts
     EXPECT_THAT(Requests(), ElementsAre(kRegister));
     Send(kEvent);
     for (const sp<Client>& client : {mClient, mSecond, mThird}) EXPECT_THAT(client->Calls(), ElementsAre(kCall));
+}
+
+// Notes its name in a list that several clients share. Events come on one thread.
+class NamedClient : public Client {
+  public:
+    NamedClient(const char* name, std::string* told) : mName(name), mTold(told) {}
+
+    Return<void> onConfigurationEvent(int32_t, const Info&) override {
+        *mTold += mName;
+        return ::android::hardware::Void();
+    }
+
+  private:
+    const char* const mName;
+    std::string* const mTold;
+};
+
+TEST_F(ConfigurationEvents, ReachTheClientsInTheOrderOfTheirRegistrations) {
+    std::string told;
+    const sp<Client> b = new NamedClient("b", &told);
+    Register(new NamedClient("c", &told));
+    Register(b);
+    Register(new NamedClient("a", &told));
+    Send(kEvent);
+    EXPECT_EQ("cba", told);
+    Unregister(b);
+    Register(b);
+    Send(kEvent);
+    EXPECT_EQ("cbacab", told);
 }
 
 TEST_F(ConfigurationEvents, ReachAClientInTheOrderOfTheEvents) {
