@@ -57,7 +57,7 @@ struct Rows : ServiceOf<&HIDL_FETCH_IConfiguration> {
             {"GetSubtitleEnable", Result<bool>([](auto& s, auto cb) { return s.GetSubtitleEnable(cb); }), 28, "{}",
              R"({"enable": true})", "0 1", "-1 0"},
             {"GetDttNetworkIds", Result<hidl_vec<int32_t>>([](auto& s, auto cb) { return s.GetDttNetworkIds(cb); }), 32,
-             "{}", R"({"num": 3, "k0": 12289, "k1": -32, "k2": 0})", "0 [12289, -32, 0]", "-1 []"},
+             "{}", R"({"num": 3, "k0": 12289, "k1": -32, "k2": 0})", "0 [12289 -32 0]", "-1 []"},
             {"GetRatingAge", Result<int32_t>([](auto& s, auto cb) { return s.GetRatingAge(cb); }), 35, "{}",
              R"({"age": -45})", "0 -45", "-1 0"},
             {"GetDNTPolicy", Result<int32_t>([](auto& s, auto cb) { return s.GetDNTPolicy(cb); }), 36, "{}",

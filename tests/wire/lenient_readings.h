@@ -9,11 +9,12 @@ namespace hbbtv::test {
 
 struct Reading {
     const char* json;   // the member's value; empty when the member is missing
-    const char* shown;  // what is read, as text (Show()); null when reading fails, as with pointers that are no text
+    const char* shown;  // what is read, as text (Show()); null when reading fails, which only pointers do
 };
 
-// For a type of the protocol files, "flag" (an int of which only zero matters) or "few" (a uint of at most 65536): one
-// reading for each kind of JSON value, and for the limits of the type. An unchanged pointer is shown as `unchanged`.
+// For a type of the protocol files, or "flag", an int of which only zero matters: one reading for each kind of JSON
+// value, and for the limits of the type. An unchanged pointer is shown as `unchanged`. A uint of at most 65536 is a
+// "few", which fails above that.
 std::vector<Reading> ReadingsOf(const std::string& type, const char* unchanged);
 
 // Values as text.

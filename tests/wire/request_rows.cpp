@@ -19,13 +19,18 @@ bool AllOf(const std::string& text, const char* characters) {
     return !text.empty() && text.find_first_not_of(characters) == std::string::npos;
 }
 
+// Whether a member of this type says how many numbers or pairs of numbers a list has.
+bool Counts(const std::string& type) {
+    return type == "count" || type == "pairs";
+}
+
 // How a value of each type is written in the rows.
 bool IsWrittenAs(const std::string& type, const std::string& value) {
     constexpr char kDigits[] = "0123456789";
     const std::string quoted = value.size() > 2 ? value.substr(1, value.size() - 2) : "";
     if (type == "int") return value[0] == '-' && AllOf(value.substr(1), kDigits);
     if (type == "uint") return AllOf(value, kDigits) && std::stoull(value) > 0x7fffffffu;
-    if (type == "count") return AllOf(value, kDigits);
+    if (Counts(type)) return AllOf(value, kDigits);
     if (type == "bool") return value == "true" || value == "false";
     if (type == "double") return AllOf(value, "-.0123456789") && value.find('.') != std::string::npos;
     if (type == "array") return value == "null" || value[0] == '[';
@@ -35,6 +40,13 @@ bool IsWrittenAs(const std::string& type, const std::string& value) {
            AllOf(quoted.substr(2), "0123456789abcdef");
 }
 
+// The type that the member of a result has among those as they were written.
+std::string TypeAsWritten(const std::string& type) {
+    if (type == "flag") return "int";
+    if (type == "few") return "uint";
+    return type == "length" ? "count" : type;
+}
+
 Json::Value OperationOf(const Json::Value& protocol, const std::string& name) {
     for (const Json::Value& operation : protocol["operations"]) {
         if (operation["name"] == name) return operation;
@@ -42,8 +54,7 @@ Json::Value OperationOf(const Json::Value& protocol, const std::string& name) {
     return Json::Value();
 }
 
-// A list of members as it was written. The last one may be repeated, as often as the one that counts it says; that has
-// the type "count".
+// A list of members as it was written. The last one may be repeated, as often as the one that counts it says.
 std::vector<Json::Value> MembersAsWritten(const Json::Value& list, const WrittenMembers& written) {
     std::vector<Json::Value> members(list.begin(), list.end());
     int count = 0;
@@ -55,7 +66,7 @@ std::vector<Json::Value> MembersAsWritten(const Json::Value& list, const Written
             if (members[i]["key"] != counter) continue;
             const std::string type = list[static_cast<Json::ArrayIndex>(i)]["type"].asString();
             EXPECT_TRUE(type == "int" || type == "uint") << type;
-            members[i]["type"] = "count";
+            members[i]["type"] = member.isMember("fields") ? "pairs" : "count";
             count = std::stoi(written[i].second);
         }
     }
@@ -69,13 +80,6 @@ std::vector<Json::Value> MembersAsWritten(const Json::Value& list, const Written
         members.back()["key"] = key.substr(0, number) + std::to_string(i) + key.substr(number + 2);
     }
     return members;
-}
-
-// The type that a result has in the members as they were written.
-std::string InTheProtocol(const std::string& type) {
-    if (type == "flag") return "int";
-    if (type == "few") return "uint";
-    return type == "length" ? "count" : type;
 }
 
 void ExpectWrittenAs(const Json::Value& member, const std::string& key, const std::string& value) {
@@ -97,13 +101,16 @@ std::vector<std::string> AllShownBefore(const std::vector<Result>& results) {
 
 const char* ShownBefore(const std::string& type) {
     if (type == "int") return "-77777";
-    if (type == "uint" || type == "few") return "77777";
+    if (type == "uint") return "77777";
     if (type == "bool") return "true";
     if (type == "double") return "0.0625";
-    if (type == "string" || type == "length") return "\"before\"";
+    if (type == "string") return "\"before\"";
     if (type == "pointer") return "0xbef0";
     if (type == "flag") return "true";
     if (type == "count") return "[-77777]";
+    if (type == "pairs") return "[-77777/-77777]";
+    if (type == "length") return "\"before\"";
+    if (type == "few") return "77777";
     return "no type";
 }
 
@@ -244,12 +251,12 @@ TEST_P(Request, IsARowOfTheProtocol) {
     for (size_t i = 0; i < reply.size(); ++i) {
         const Result& result = GetParam().results[i];
         const std::string type = result.type;
-        EXPECT_EQ(reply[i]["type"].asString(), InTheProtocol(type));
-        EXPECT_EQ(reply[i]["out"].asString().empty(), InTheProtocol(type) == "count");
+        EXPECT_EQ(reply[i]["type"].asString(), TypeAsWritten(type));
+        EXPECT_EQ(reply[i]["out"].asString().empty(), Counts(TypeAsWritten(type)));
+        ExpectWrittenAs(reply[i], result.key, result.json);
         if (type == "few") {
             EXPECT_EQ(reply[i]["max"].asInt(), 65536);
         }
-        ExpectWrittenAs(reply[i], result.key, result.json);
     }
 }
 
@@ -309,7 +316,7 @@ TEST_P(Reply, IsReadLeniently) {
     for (size_t i = 0; i < GetParam().results.size(); ++i) {
         const Result& result = GetParam().results[i];
         // Lists have tests of their own.
-        if (result.shown == nullptr || InTheProtocol(result.type) == "count") continue;
+        if (result.shown == nullptr || Counts(TypeAsWritten(result.type))) continue;
         for (const Reading& reading : ReadingsOf(result.type, ShownBefore(result.type))) {
             SCOPED_TRACE(std::string(result.key) + ": " + reading.json);
             platform.SetReply(WithMember(ReplyWith("0"), result.key, reading.json));

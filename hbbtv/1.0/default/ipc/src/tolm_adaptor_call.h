@@ -39,7 +39,7 @@ struct Method {
 
 // A member of a request. Lives as long as the expression it stands in: texts are not copied.
 struct Member {
-    enum class Kind { kInt, kUInt, kBool, kReal, kText, kPointer, kNumberedPointers, kArray };
+    enum class Kind { kInt, kUInt, kBool, kReal, kText, kArray, kPointer, kNumberedPointers };
 
     const char* key;
     Kind kind;

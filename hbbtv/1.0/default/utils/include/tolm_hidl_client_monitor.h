@@ -66,6 +66,9 @@ class TolmHidlClientMonitor : public ITolmHidlClientEvent {
     // Whether there is no living client: monitoring was stopped, or the client died.
     bool ClientDied() const { return mRecipient->IsDied(); }
 
+    // Corrects that, for a service with several clients.
+    void SetClientDied(bool died) { mRecipient->SetDied(died); }
+
     // Puts a callback into the holder, in place of another one, and watches it.
     template <typename Callback>
     void Hold(TolmClientHolder<Callback>& holder, const android::sp<Callback>& callback) {
@@ -95,9 +98,6 @@ class TolmHidlClientMonitor : public ITolmHidlClientEvent {
 
     // Ends the watch over a client and leaves the flag alone; null is none.
     void Forget(const android::sp<IBase>& client);
-
-    // Sets the flag of ClientDied(), for a service with several clients.
-    void SetClientDied(bool died) { mRecipient->SetDied(died); }
 
   private:
     const char* const mTag;
