@@ -51,12 +51,13 @@ endfunction()
 # add_hidl_library(<target> PACKAGE ... DIRECTORY ... ROOTS ... [DEPENDS ...])
 #
 # The interface library of a package: a shared library, so that a process has one registry of its interfaces however
-# many libraries and programs use them.
+# many libraries and programs use them. The target's property HIDL_INCLUDE_DIR says where its headers are.
 function(add_hidl_library target)
     hidl_generate(GENERATED ${ARGN})
     cmake_parse_arguments(HIDL "" "PACKAGE" "" ${ARGN})
     add_library(${target} SHARED ${GENERATED_SOURCES} ${GENERATED_HEADERS})
-    set_target_properties(${target} PROPERTIES OUTPUT_NAME ${HIDL_PACKAGE} PREFIX "")
+    set_target_properties(${target} PROPERTIES
+        OUTPUT_NAME ${HIDL_PACKAGE} PREFIX "" HIDL_INCLUDE_DIR ${GENERATED_INCLUDE_DIR})
     target_include_directories(${target} SYSTEM PUBLIC ${GENERATED_INCLUDE_DIR})
     target_compile_options(${target} PRIVATE -w)
     target_link_libraries(${target} PUBLIC hidl_host)

@@ -16,13 +16,16 @@ constexpr long long kLongestTime = 24LL * 60 * 60 * 1000;
 const char* const kExamples = R"(Examples:
   hbbtv-sim --trace                                 sockets in $TMPDIR or /tmp, every message on the screen
   hbbtv-sim --directory /tmp/tv --line-up my.json   a line-up of your own
+  hbbtv-sim --line-up playlist.m3u                  the streams of a playlist
+  hbbtv-sim --line-up /mnt/receiver/etc/enigma2     the services and bouquets of a receiver
   hbbtv-sim --tune-time 0ms --seed 7                fast, with the same handles and programmes every time
   hbbtv-sim --fault stop-answering:video_broadcast  a platform that hangs
+  hbbtv-sim --state ~/.tv                           favourite lists outlast the simulator
   hbbtv-sim --tell "zap next"                       to the simulator that runs: the viewer zaps
   hbbtv-sim --tell help                             what else it can be told
 
 Exit codes: 0 ended by SIGINT or SIGTERM (or told), 1 --tell was refused or nobody is there, 2 wrong options,
-3 the line-up was refused, 4 the sockets cannot be served.)";
+3 the line-up was refused, 4 the sockets cannot be served, 5 the state directory cannot be used.)";
 
 // "300ms", "2s", or plain milliseconds.
 std::optional<std::chrono::milliseconds> ReadTime(const std::string& text) {
@@ -36,6 +39,10 @@ std::optional<std::chrono::milliseconds> ReadTime(const std::string& text) {
 
 std::string CheckTime(const std::string& text) {
     return ReadTime(text) ? "" : "\"" + text + "\" is no time: write 300ms or 2s, at most a day";
+}
+
+std::string CheckState(const std::string& text) {
+    return text.empty() ? "the state directory has no name" : "";
 }
 
 std::string CheckFault(const std::string& text) {
@@ -64,8 +71,12 @@ Options ReadCommandLine(int argc, char** argv) {
     app.name("hbbtv-sim");
     app.footer(kExamples);
     app.set_version_flag("--version", "hbbtv-sim " HBBTV_VERSION);
-    app.add_option("--line-up", options.lineUp, "The services that are received (JSON file)")->type_name("FILE");
+    app.add_option("--line-up", options.lineUp, "The services that are received (JSON, M3U or enigma2 lamedb)")
+        ->type_name("FILE");
     app.add_option("--directory", options.directory, "Where the sockets are")->type_name("DIR")->capture_default_str();
+    app.add_option("--state", options.settings.stateDirectory, "What outlasts the simulator, made when it is missing")
+        ->type_name("DIR")
+        ->check(CheckState);
     app.add_option("--tune-time", tuneTime, "From a change of channel to its picture")
         ->type_name("TIME")
         ->check(CheckTime)

@@ -17,7 +17,7 @@ int TellOther(const Options& options) {
 }
 
 int Serve(const Options& options) {
-    const LineUp lineUp = options.lineUp.empty() ? DefaultLineUp() : ReadLineUp(options.lineUp);
+    const LineUp lineUp = options.lineUp.empty() ? DefaultLineUp() : ReadLineUp(options.lineUp, Journal::Log);
     const Journal journal(options.trace);
     EventLoop loop;
     loop.StopOnSignals({SIGINT, SIGTERM});
@@ -47,6 +47,9 @@ int Main(int argc, char** argv) {
     } catch (const CannotServe& e) {
         std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
         return kCannotServe;
+    } catch (const CannotKeep& e) {
+        std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
+        return kCannotKeep;
     } catch (const std::exception& e) {
         std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
         return kTellFailed;

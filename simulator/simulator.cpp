@@ -1,6 +1,7 @@
 // Puts the parts together: see simulator.h.
 #include "simulator.h"
 
+#include <algorithm>
 #include <sstream>
 
 #include "core/frame_connection.h"
@@ -28,7 +29,8 @@ Simulator::Simulator(EventLoop& loop, const Journal& journal, LineUp lineUp, con
       mJournal(journal),
       mSettings(settings),
       mDirectory(std::move(directory)),
-      mTv(std::move(lineUp), settings.seed) {
+      mState(settings.stateDirectory),
+      mTv(std::move(lineUp), settings.seed, mState) {
     const FamilySetup setup{mLoop, mTv, mSettings,
                             [this](const FamilyAddress& address) -> EventSink& { return SinkOf(address); }};
     for (auto& family : MakeFamilies(setup)) Serve(std::move(family));
@@ -62,6 +64,7 @@ std::string Simulator::Summary() const {
         const FamilyAddress& address = entry.second->Served().Address();
         text << "serving: " << mDirectory << "/" << address.requestSocket << " (" << address.name << ")\n";
     }
+    if (!mSettings.stateDirectory.empty()) text << "state: " << mSettings.stateDirectory << "\n";
     text << "control: " << mControl->Path() << "\n";
     return text.str();
 }
@@ -73,7 +76,9 @@ std::string Simulator::Command(const std::string& line) {
     input >> name;
     for (std::string word; input >> word;) words.push_back(word);
     try {
-        const std::string answer = Run(name, words);
+        std::string answer = Run(name, words);
+        std::replace_if(
+            answer.begin(), answer.end(), [](unsigned char c) { return c < 0x20; }, ' ');  // it is one line
         return answer.empty() ? "ok" : "ok " + answer;
     } catch (const std::exception& e) {
         return std::string("error: ") + e.what();

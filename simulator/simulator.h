@@ -20,7 +20,7 @@ extern const char* const kControlSocket;
 
 class Simulator {
   public:
-    // Throws CannotServe.
+    // Throws CannotServe and CannotKeep.
     Simulator(EventLoop& loop, const Journal& journal, LineUp lineUp, const Settings& settings, std::string directory);
     ~Simulator();
     Simulator(const Simulator&) = delete;
@@ -43,6 +43,7 @@ class Simulator {
     const Journal& mJournal;
     Settings mSettings;
     std::string mDirectory;
+    StateStore mState;
     Tv mTv;
     std::vector<std::unique_ptr<EventSender>> mSenders;
     std::map<std::string, std::unique_ptr<Dispatcher>> mFamilies;  // by name

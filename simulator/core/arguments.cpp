@@ -5,6 +5,12 @@
 
 namespace hbbtv::sim {
 
+namespace {
+
+constexpr size_t kLongestKept = 256u << 10;
+
+}  // namespace
+
 const Json::Value& Arguments::Member(const char* name, bool (Json::Value::*hasType)() const,
                                      const char* typeName) const {
     if (!mRequest.isMember(name)) throw Refused(std::string("member \"") + name + "\" is missing");
@@ -31,6 +37,12 @@ double Arguments::Real(const char* name) const {
 
 std::string Arguments::Text(const char* name) const {
     return Member(name, &Json::Value::isString, "a text").asString();
+}
+
+std::string Arguments::ShortText(const char* name) const {
+    std::string text = Text(name);
+    if (text.size() > kLongestKept) throw Refused(std::string("member \"") + name + "\" is longer than 256 KiB");
+    return text;
 }
 
 uint64_t Arguments::Pointer(const char* name) const {

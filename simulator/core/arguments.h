@@ -24,7 +24,8 @@ class Arguments {
     bool Bool(const char* name) const;
     double Real(const char* name) const;
     std::string Text(const char* name) const;
-    uint64_t Pointer(const char* name) const;  // 0 for the null pointer
+    std::string ShortText(const char* name) const;  // one that is kept: at most 256 KiB
+    uint64_t Pointer(const char* name) const;       // 0 for the null pointer
 
     bool Has(const char* name) const { return mRequest.isMember(name); }
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace hbbtv::sim {
 
@@ -13,6 +14,7 @@ enum class PermanentErrorEvent { ChannelError, ChannelChanged };
 
 struct Settings {
     std::optional<uint32_t> seed;
+    std::string stateDirectory;  // empty: nothing outlives the simulator
     std::chrono::milliseconds tuneTime{300};
     PermanentErrorEvent permanentErrorEvent = PermanentErrorEvent::ChannelError;
     std::chrono::milliseconds streamEventInterval{2000};  // 0: no stream events

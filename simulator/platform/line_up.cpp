@@ -1,49 +1,28 @@
 // Looking services up, and where line-ups come from: see line_up.h.
 #include "platform/line_up.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
+#include <algorithm>
+#include <filesystem>
 
 #include "platform/default_line_up.h"
+#include "platform/line_up_formats.h"
+#include "platform/line_up_text.h"
 
 namespace hbbtv::sim {
 
 namespace {
 
-constexpr size_t kLargestFile = 16u << 20;
-
-std::vector<std::shared_ptr<Service>> Listed(const LineUp& lineUp) {
-    std::vector<std::shared_ptr<Service>> listed;
-    for (const auto& service : lineUp.services) {
-        if (service->listed) listed.push_back(service);
-    }
-    return listed;
-}
+constexpr int kMostWarnings = 1000;
 
 }  // namespace
 
 std::shared_ptr<Service> LineUp::Find(int onid, int tsid, int sid) const {
-    for (const auto& service : services) {
-        if (service->onid == onid && service->tsid == tsid && service->sid == sid) return service;
+    for (; mIndexed < services.size(); ++mIndexed) {
+        const auto& service = services[mIndexed];
+        if (service->uri.empty()) mByTriplet.emplace(std::tie(service->onid, service->tsid, service->sid), service);
     }
-    return nullptr;
-}
-
-std::shared_ptr<Service> LineUp::FindNumber(int number) const {
-    for (const auto& service : services) {
-        if (service->listed && service->number == number) return service;
-    }
-    return nullptr;
-}
-
-std::shared_ptr<Service> LineUp::Neighbour(const Service& from, int steps) const {
-    const auto listed = Listed(*this);
-    const int count = static_cast<int>(listed.size());
-    for (int i = 0; i < count; ++i) {
-        if (listed[i].get() == &from) return listed[((i + steps) % count + count) % count];
-    }
-    return nullptr;
+    const auto found = mByTriplet.find({onid, tsid, sid});
+    return found == mByTriplet.end() ? nullptr : found->second;
 }
 
 std::shared_ptr<Service> LineUp::First() const {
@@ -53,15 +32,32 @@ std::shared_ptr<Service> LineUp::First() const {
     return nullptr;
 }
 
-LineUp ReadLineUp(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw BadLineUp(path + ": cannot be opened: " + std::strerror(errno));
-    std::string text(kLargestFile + 1, '\0');
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    if (file.bad()) throw BadLineUp(path + ": cannot be read: " + std::strerror(errno));
-    text.resize(static_cast<size_t>(file.gcount()));
-    if (text.size() > kLargestFile) throw BadLineUp(path + ": is larger than 16 MiB");
-    return ParseLineUp(text, path);
+LineUp ParseAnyLineUp(const std::string& text, const std::string& path, const LineUpWarning& warn) {
+    const std::string_view blanks = " \t\r\n";
+    const std::string_view whole = WithoutByteOrderMark(text);
+    const size_t first = std::min(whole.find_first_not_of(blanks), whole.size());
+    const std::string_view start = whole.substr(first, whole.find_first_of("\r\n", first) - first);
+    if (StartsWith(start, "#EXT")) return ParseM3u(text, path, warn);
+    if (StartsWith(start, "eDVB services ")) return ParseLamedb(text, path, warn);
+    if (start.empty() || start[0] == '{' || start[0] == '[') return ParseLineUp(text, path);
+    const auto line = 1 + std::count(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(first), '\n');
+    const std::string place = path + ":" + std::to_string(line);
+    if (StartsWith(start, "#NAME")) throw BadLineUp(place + ": this is a bouquet; the line-up is the lamedb beside it");
+    throw BadLineUp(place + ": " + Quotation(start) +
+                    " begins no line-up: neither JSON ({) nor M3U (#EXTM3U) nor lamedb (eDVB services)");
+}
+
+LineUp ReadLineUp(const std::string& path, const LineUpWarning& warn) {
+    std::error_code error;
+    const bool directory = std::filesystem::is_directory(path, error);
+    const std::string file = directory ? (std::filesystem::path(path) / "lamedb").string() : path;
+    int warnings = 0;
+    LineUp lineUp = ParseAnyLineUp(ReadWhole(file), file, [&](const std::string& warning) {
+        if (++warnings <= kMostWarnings) warn(warning);
+    });
+    const int more = warnings - kMostWarnings;
+    if (more > 0) warn(file + ": there are " + std::to_string(more) + " more warnings");
+    return lineUp;
 }
 
 LineUp DefaultLineUp() {

@@ -1,10 +1,13 @@
-// The services that the simulated television receives, as the line-up file describes them. The file's format is
-// documented in docs/simulator.md.
+// The services that the simulated television receives, as the line-up file describes them. The formats that it may have
+// are documented in docs/simulator.md.
 #pragma once
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace hbbtv::sim {
@@ -39,6 +42,10 @@ struct Component {
     std::string label;
     bool description = false;  // made by a client: no component of a service, but a description of one
 };
+
+constexpr bool IsIp(IdType type) {
+    return type == IdType::IptvSds || type == IdType::IptvUri;
+}
 
 struct Network {
     std::string id;
@@ -89,13 +96,15 @@ struct LineUp {
     std::vector<FavouriteServices> favouriteLists;
     std::vector<std::shared_ptr<Service>> services;  // in the order of the file, which is the order of zapping
 
+    // Null without one. Services are only ever added, with their numbers in place. IP services have no such numbers.
     std::shared_ptr<Service> Find(int onid, int tsid, int sid) const;
-    std::shared_ptr<Service> FindNumber(int number) const;
-
-    // The listed service `steps` behind this one, round and round. Null when this one is not listed.
-    std::shared_ptr<Service> Neighbour(const Service& from, int steps) const;
 
     std::shared_ptr<Service> First() const;
+
+  private:
+    // Grows behind `services`, so that looking up while reading is no walk through what was read.
+    mutable std::map<std::tuple<int, int, int>, std::shared_ptr<Service>> mByTriplet;
+    mutable size_t mIndexed = 0;
 };
 
 // A line-up that cannot be used; the text says where (name:line:column) and why.
@@ -104,10 +113,14 @@ class BadLineUp : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// `name` stands for the text in messages.
+// Gets a sentence with its place for everything that a line-up says and that cannot be used by itself.
+using LineUpWarning = std::function<void(const std::string&)>;
+
+// The simulator's own format. `name` stands for the text in messages.
 LineUp ParseLineUp(const std::string& text, const std::string& name);
 
-LineUp ReadLineUp(const std::string& path);
+// A file in any of the formats, told apart by what is in it; of a directory, its lamedb.
+LineUp ReadLineUp(const std::string& path, const LineUpWarning& warn);
 
 // The line-up that is built into the program.
 LineUp DefaultLineUp();

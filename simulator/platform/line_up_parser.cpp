@@ -46,6 +46,8 @@ constexpr int kLargestPid = 8190;
 constexpr int kLargestTag = 255;
 constexpr int kLargestNumber = 9999;
 constexpr int kMostChannels = 24;
+constexpr int kHighestFrequency = 100000000;  // kHz; satellites send at 10 to 13 GHz
+constexpr size_t kMostGenres = 256;
 constexpr int kDeepestNesting = 32;
 
 std::string Quoted(const std::string& text) {
@@ -256,10 +258,12 @@ class LineUpReader {
 
     LineUp Read() {
         const Json::Value root = mSource.Parse();
-        const Object object(mSource, root, "line-up", {"networks", "services"});
+        const Object object(mSource, root, "line-up", {"networks", "services", "favouriteLists"});
         for (const Json::Value& value : object.List("networks")) AddNetwork(value);
         for (const Json::Value& value : object.List("services")) AddService(value);
         if (mLastNumber == 0) object.Refuse("services", "holds no service that is in the channel list");
+        if (!object.Has("favouriteLists")) return std::move(mLineUp);
+        for (const Json::Value& value : object.List("favouriteLists")) AddFavouriteList(value);
         return std::move(mLineUp);
     }
 
@@ -282,8 +286,9 @@ class LineUpReader {
 
     void AddService(const Json::Value& value) {
         const Object object(mSource, value, "service",
-                            {"name", "provider", "network", "onid", "tsid", "sid", "type", "definition", "number",
-                             "listed", "access", "reception", "components"});
+                            {"name",        "provider", "network", "onid",   "tsid",      "sid",        "type",
+                             "definition",  "number",   "listed",  "access", "reception", "components", "longName",
+                             "description", "genres",   "logo",    "hidden", "frequency", "programmeId"});
         auto service = std::make_shared<Service>();
         service->name = object.Text("name");
         service->provider = object.Text("provider", "");
@@ -299,6 +304,7 @@ class LineUpReader {
         service->listed = object.Bool("listed", true);
         ReadNumber(object, *service);
         ReadComponents(object, *service);
+        ReadDetails(object, *service);
         if (mLineUp.Find(service->onid, service->tsid, service->sid)) {
             object.Refuse("there is another service with the onid, tsid and sid of " + Quoted(service->name));
         }
@@ -329,8 +335,48 @@ class LineUpReader {
         if (service.components.empty()) object.Refuse("components", "is empty");
     }
 
+    void ReadDetails(const Object& object, Service& service) const {
+        object.Only(service.listed, "hidden", "services that are in the channel list");
+        service.longName = object.Text("longName", "");
+        service.description = object.Text("description", "");
+        service.logoUrl = object.Text("logo", "");
+        service.hidden = object.Bool("hidden", false);
+        if (object.Has("frequency")) service.frequency = object.Int("frequency", 1, kHighestFrequency);
+        service.programmeId = object.Text("programmeId", "");
+        if (!object.Has("genres")) return;
+        for (const Json::Value& genre : object.List("genres")) {
+            if (!genre.isString() || genre.asString().empty()) mSource.Refuse(genre, "a genre is a text, not empty");
+            service.genres.push_back(genre.asString());
+        }
+        const std::string most = std::to_string(kMostGenres);
+        if (service.genres.size() > kMostGenres) object.Refuse("genres", "holds more than " + most + " genres");
+    }
+
+    void AddFavouriteList(const Json::Value& value) {
+        const Object object(mSource, value, "favourite list", {"id", "name", "services"});
+        FavouriteServices list;
+        list.id = object.Text("id");
+        list.name = object.Text("name");
+        if (!mFavouriteIds.insert(list.id).second) {
+            object.Refuse("id", "is " + Quoted(list.id) + ", as that of another favourite list");
+        }
+        for (const Json::Value& member : object.List("services")) list.services.push_back(Favourite(member));
+        mLineUp.favouriteLists.push_back(std::move(list));
+    }
+
+    std::shared_ptr<const Service> Favourite(const Json::Value& value) const {
+        const Object object(mSource, value, "favourite", {"onid", "tsid", "sid"});
+        const int onid = object.Int("onid", 0, kLargestId);
+        const int tsid = object.Int("tsid", 0, kLargestId);
+        const int sid = object.Int("sid", 0, kLargestId);
+        const auto service = mLineUp.Find(onid, tsid, sid);
+        if (!service) object.Refuse("there is no service with the onid, tsid and sid of this favourite");
+        return service;
+    }
+
     const Source& mSource;
     std::map<std::string, std::shared_ptr<const Network>> mNetworks;
+    std::set<std::string> mFavouriteIds;
     LineUp mLineUp;
     int mLastNumber = 0;
 };

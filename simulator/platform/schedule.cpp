@@ -49,9 +49,11 @@ const Kind kRadio[] = {
 };
 
 std::mt19937 Generator(uint32_t seed, const Service& service, std::time_t day) {
-    std::seed_seq words{seed, static_cast<uint32_t>(service.onid), static_cast<uint32_t>(service.tsid),
-                        static_cast<uint32_t>(service.sid), static_cast<uint32_t>(day / kDay)};
-    return std::mt19937(words);
+    std::vector<uint32_t> words{seed, static_cast<uint32_t>(service.onid), static_cast<uint32_t>(service.tsid),
+                                static_cast<uint32_t>(service.sid), static_cast<uint32_t>(day / kDay)};
+    for (const char c : service.uri) words.push_back(static_cast<unsigned char>(c));
+    std::seed_seq sequence(words.begin(), words.end());
+    return std::mt19937(sequence);
 }
 
 // The library's distributions differ between systems; this does not.
@@ -94,7 +96,7 @@ ProgrammeList Schedule::MakeDay(const std::shared_ptr<const Service>& service, s
 }
 
 const ProgrammeList& Schedule::Day(const std::shared_ptr<const Service>& service, std::time_t day) {
-    const auto key = std::make_tuple(service->onid, service->tsid, service->sid, day);
+    const auto key = std::make_tuple(service->onid, service->tsid, service->sid, service->uri, day);
     const auto known = mDays.find(key);
     if (known != mDays.end()) return known->second;
     if (mDays.size() >= kMostDays) mDays.clear();

@@ -42,7 +42,7 @@ class Schedule {
     ProgrammeList MakeDay(const std::shared_ptr<const Service>& service, std::time_t day) const;
 
     uint32_t mSeed;
-    std::map<std::tuple<int, int, int, std::time_t>, ProgrammeList> mDays;
+    std::map<std::tuple<int, int, int, std::string, std::time_t>, ProgrammeList> mDays;
 };
 
 }  // namespace hbbtv::sim

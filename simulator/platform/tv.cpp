@@ -19,13 +19,19 @@ int Medium(int idType) {
     }
 }
 
-bool IsIp(int idType) {
-    return idType == static_cast<int>(IdType::IptvSds) || idType == static_cast<int>(IdType::IptvUri);
+bool SameMedium(int idType, const Service& service) {
+    const int delivery = static_cast<int>(service.network->delivery);
+    const bool any = idType == static_cast<int>(IdType::DvbSiDirect) && !IsIp(service.network->delivery);
+    return any || Medium(idType) == Medium(delivery);
 }
 
-bool SameMedium(int idType, const Service& service) {
-    const bool any = idType == static_cast<int>(IdType::DvbSiDirect);
-    return any || Medium(idType) == Medium(static_cast<int>(service.network->delivery));
+std::vector<KeptFavourites> Brought(const LineUp& lineUp) {
+    std::vector<KeptFavourites> lists;
+    for (const FavouriteServices& list : lineUp.favouriteLists) {
+        lists.push_back({list.id, list.name, {}});
+        for (const auto& service : list.services) lists.back().ccids.push_back(CcidOf(*service));
+    }
+    return lists;
 }
 
 }  // namespace
@@ -45,34 +51,35 @@ void Tuner::Forget(const void* user) {
     if (mLatest == user) mLatest = nullptr;
 }
 
-Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed)
-    : lineUp(std::move(theLineUp)),
+Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState)
+    : state(theState),
+      lineUp(std::move(theLineUp)),
+      serviceChannels(lineUp),
+      channelList(serviceChannels.Listed()),
+      favourites(std::make_shared<Favourites>(
+          state, Brought(lineUp), [this](const std::string& ccid) { return serviceChannels.WithCcid(ccid); })),
       schedule(seed.value_or(0)),
       handleSource(seed),
       channels(handleSource),
+      channelLists(handleSource),
+      favouriteLists(handleSource),
+      favouriteCollections(handleSource),
       components(handleSource),
       componentLists(handleSource),
       programmes(handleSource),
       programmeLists(handleSource) {
-    tuner.Set(ChannelOf(lineUp.First()));
-}
-
-std::shared_ptr<Channel> Tv::ChannelOf(const std::shared_ptr<const Service>& service) {
-    std::shared_ptr<Channel>& channel = mChannelOfService[service.get()];
-    if (!channel) {
-        channel = std::make_shared<Channel>();
-        channel->idType = static_cast<int>(service->network->delivery);
-        channel->onid = service->onid;
-        channel->tsid = service->tsid;
-        channel->sid = service->sid;
-        channel->service = service;
-    }
-    return channel;
+    tuner.Set(serviceChannels.Of(lineUp.First()));
 }
 
 std::shared_ptr<Channel> Tv::MakeChannel(Channel numbers) {
-    const auto service = IsIp(numbers.idType) ? nullptr : lineUp.Find(numbers.onid, numbers.tsid, numbers.sid);
-    if (service && SameMedium(numbers.idType, *service)) return ChannelOf(service);
+    if (numbers.OverIp()) {
+        const auto known = serviceChannels.WithUri(numbers.ipBroadcastId);
+        if (known && SameMedium(numbers.idType, *known->service)) return known;
+    } else {
+        const auto service = lineUp.Find(numbers.onid, numbers.tsid, numbers.sid);
+        if (service && SameMedium(numbers.idType, *service)) return serviceChannels.Of(service);
+    }
+    numbers.ccid = "ccid:made-" + std::to_string(++mMadeChannels);
     return std::make_shared<Channel>(std::move(numbers));
 }
 
@@ -85,7 +92,7 @@ bool Tv::Receives(int idType) const {
 
 std::optional<ChannelError> Tv::Refusal(const Channel& channel) const {
     if (channel.service) return std::nullopt;
-    if (IsIp(channel.idType)) return ChannelError::CannotResolveUri;
+    if (channel.OverIp()) return ChannelError::CannotResolveUri;
     if (!Receives(channel.idType)) return ChannelError::NotSupported;
     return channel.dsd.empty() ? ChannelError::UnknownChannel : ChannelError::NotInTransportStream;
 }

@@ -1,15 +1,20 @@
-// The television that the families share: its line-up, its one tuner, its programme schedule, and the handles of the
-// objects that more than one family knows.
+// The television that the families share: its line-up, its channel and favourite lists, its one tuner, its programme
+// schedule, what it remembers, and the handles of the objects that more than one family knows.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "core/handles.h"
+#include "platform/channel_lists.h"
+#include "platform/favourites.h"
 #include "platform/line_up.h"
 #include "platform/schedule.h"
+#include "platform/service_channels.h"
+#include "platform/state_store.h"
 
 namespace hbbtv::sim {
 
@@ -29,19 +34,6 @@ enum class ChannelError {
     NotEnoughResources = 11,
     NotInTransportStream = 12,
     Unidentified = 100
-};
-
-// A channel as clients know it. Made from a service of the line-up, or by a client from numbers; in the latter case
-// `service` is null when the numbers name nothing that is on air.
-struct Channel {
-    int idType = 0;
-    int onid = 0;
-    int tsid = 0;
-    int sid = 0;
-    int sourceId = 0;
-    std::string dsd;
-    std::string ipBroadcastId;
-    std::shared_ptr<const Service> service;
 };
 
 using ComponentList = std::vector<std::shared_ptr<Component>>;
@@ -71,15 +63,19 @@ class Tuner {
     bool mTaken = false;
 };
 
+// What of the channel configuration has changed; the letter goes with the event.
+enum class ConfigChange : char { ChannelList = 'L', FavouriteList = 'F' };
+
 class Tv {
   public:
-    // Without a seed the handles differ from run to run; the schedule is the same for everybody who gives none.
-    Tv(LineUp theLineUp, std::optional<uint32_t> seed);
+    // Without a seed the handles differ from run to run; the schedule is the same for everybody who gives none. The
+    // store lives longer.
+    Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState);
+    Tv(const Tv&) = delete;
+    Tv& operator=(const Tv&) = delete;
 
-    // The channel of a service, always the same one.
-    std::shared_ptr<Channel> ChannelOf(const std::shared_ptr<const Service>& service);
-
-    // A channel from numbers. When they name a service of the line-up, it is that service's channel.
+    // A channel from numbers, or by IP from its broadcast id, which is the service's URI. When they name a service of
+    // the line-up, it is that service's channel.
     std::shared_ptr<Channel> MakeChannel(Channel numbers);
 
     // Why the tuner cannot even try.
@@ -88,10 +84,17 @@ class Tv {
     // What is found once it is tuned: nothing when it can be presented.
     static std::optional<ChannelError> Obstacle(const Channel& channel);
 
+    const StateStore& state;
     LineUp lineUp;
+    ServiceChannels serviceChannels;
+    ChannelLists channelList;
+    std::shared_ptr<Favourites> favourites;
     Schedule schedule;
     HandleSource handleSource;
     HandleTable<Channel> channels;
+    HandleTable<ChannelList> channelLists;
+    HandleTable<FavouriteList> favouriteLists;
+    HandleTable<Favourites> favouriteCollections;
     HandleTable<Component> components;
     HandleTable<ComponentList> componentLists;
     HandleTable<Programme> programmes;
@@ -99,10 +102,14 @@ class Tv {
     Tuner tuner;
     int displaySource = 0;
 
+    // Set by the families that know, called by those that do not.
+    std::function<void(ConfigChange)> onConfigChange = [](ConfigChange) {};
+    std::function<Handle()> broadcastSupervisor = [] { return Handle{0}; };
+
   private:
     bool Receives(int idType) const;
 
-    std::map<const Service*, std::shared_ptr<Channel>> mChannelOfService;
+    unsigned mMadeChannels = 0;
 };
 
 }  // namespace hbbtv::sim

@@ -4,6 +4,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IAVControl.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
 #include <vantorel/hardware/hbbtv/1.0/IConfiguration.h>
+#include <vantorel/hardware/hbbtv/1.0/IDsmcc.h>
 #include <vantorel/hardware/hbbtv/1.0/ISearchManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
@@ -16,6 +17,7 @@
 #include "recording_callback.h"
 #include "recording_config_callback.h"
 #include "recording_configuration_callback.h"
+#include "recording_dsmcc_callback.h"
 #include "recording_search_callback.h"
 
 namespace {
@@ -25,6 +27,7 @@ using android::hardware::Return;
 using vantorel::hardware::hbbtv::V1_0::IAVControl;
 using vantorel::hardware::hbbtv::V1_0::IChannelConfig;
 using vantorel::hardware::hbbtv::V1_0::IConfiguration;
+using vantorel::hardware::hbbtv::V1_0::IDsmcc;
 using vantorel::hardware::hbbtv::V1_0::ISearchManager;
 using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
 
@@ -67,6 +70,15 @@ class PrintingConfigurationCallback : public hbbtv::test::RecordingConfiguration
     }
 };
 
+class PrintingDsmccCallback : public hbbtv::test::RecordingDsmccCallback {
+  public:
+    Return<void> OnDsmccFileEvent(int32_t type, const Text& url, const Text& filePath, int64_t context) override {
+        printf("file %d '%s' %s %lld\n", type, url.c_str(), filePath.c_str(), static_cast<long long>(context));
+        fflush(stdout);
+        return ::android::hardware::Void();
+    }
+};
+
 class PrintingSearchCallback : public hbbtv::test::RecordingSearchCallback {
   public:
     Return<void> OnSearchManagerEvent(int32_t event, const Info& info, int64_t context) override {
@@ -99,6 +111,11 @@ Registration RegistrationOf(const std::string& family) {
         const sp<PrintingConfigurationCallback> callback = new PrintingConfigurationCallback;
         return {[=] { return service->RegisterCallback(callback); },
                 [=] { return service->UnregisterCallback(callback); }, family == "configuration" ? 0 : -1};
+    }
+    if (family == "dsmcc") {
+        const sp<IDsmcc> service = IDsmcc::getService();
+        return {[=] { return service->RegisterCallback(new PrintingDsmccCallback); },
+                [=] { return service->UnregisterCallback(); }};
     }
     if (family == "search_manager") {
         const sp<ISearchManager> service = ISearchManager::getService();

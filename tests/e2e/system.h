@@ -4,6 +4,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include <string>
+#include <vector>
 
 #include "child_process.h"
 
@@ -18,9 +19,16 @@ class ServiceProcess : public ChildProcess {
 
 class SimulatedPlatform : public ChildProcess {
   public:
-    SimulatedPlatform() : ChildProcess({HBBTV_SIM_PROGRAM, "--tune-time", "20ms"}) {}
+    explicit SimulatedPlatform(const std::vector<std::string>& options = {}) : ChildProcess(Command(options)) {}
 
     bool Ready() { return WaitForOutput("ready"); }
+
+  private:
+    static std::vector<std::string> Command(const std::vector<std::string>& options) {
+        std::vector<std::string> command{HBBTV_SIM_PROGRAM, "--tune-time", "20ms"};
+        command.insert(command.end(), options.begin(), options.end());
+        return command;
+    }
 };
 
 // A client that registers a callback and then waits until it is ended: see registered_client.cpp.

@@ -380,6 +380,27 @@ TEST_F(ConfigurationEvents, AnEndBesideARegistrationLeavesTheNewClientServed) {
     }
 }
 
+// Either the death comes first and drops all, or the client is taken back first and its death no longer matters.
+TEST_F(ConfigurationEvents, ADeathBesideTheEndOfItsClientDropsAllOrNone) {
+    for (int i = 0; i < 200; ++i) {
+        const sp<Client> staying = new Client;
+        const sp<Client> dying = new Client;
+        EXPECT_EQ(0, Register(staying));
+        EXPECT_EQ(-1, Register(dying));
+        mPlatform.ForgetFrames();
+        std::thread death([&] { dying->Die(); });
+        const int status = Unregister(dying);
+        death.join();
+        Send(kEvent);
+        if (status == -1 && Requests().empty()) {
+            EXPECT_THAT(staying->Calls(), ElementsAre(kCall));
+            EXPECT_EQ(0, Unregister(staying));
+        } else {
+            EXPECT_THAT(staying->Calls(), IsEmpty());
+        }
+    }
+}
+
 TEST(ConfigurationWithoutPlatform, ForgetsItsClientAllTheSame) {
     const ScratchDirectory directory;
     const sp<Configuration> service = new Configuration;

@@ -194,7 +194,9 @@ TEST_F(CommandLine, TellAnswersWhatItRefusesAndEndsWithCode1) {
         {"zap", "error: usage: zap next|previous|NUMBER\n"},
         {"zap 77", "error: there is no such channel in the list\n"},
         {"signal lost", "error: there is no video/broadcast object\n"},
-        {"stop-answering nothing", "error: there is no family \"nothing\"; known are \"video_broadcast\"\n"},
+        {"stop-answering nothing",
+         "error: there is no family \"nothing\"; known are \"channel\", \"channel_config\", \"channel_list\", "
+         "\"favourite_list\", \"favourite_list_collection\", \"video_broadcast\"\n"},
         {"fail much", "error: usage: fail [ERROR]\n"},
         {"record it", "error: usage: record\n"}};
     for (const auto& entry : refused) {

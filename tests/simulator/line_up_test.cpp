@@ -20,6 +20,12 @@ std::string File(const std::string& services) {
     return std::string("{") + kNetworks + ", \"services\": [" + services + "]}";
 }
 
+std::string FileWith(const std::string& favouriteLists) {
+    std::string text = File(Service(""));
+    text.insert(text.size() - 1, ", \"favouriteLists\": [" + favouriteLists + "]");
+    return text;
+}
+
 // The sentence with which the text is refused, without place; empty when it is not.
 std::string Refusal(const std::string& text) {
     try {
@@ -48,6 +54,12 @@ TEST(DefaultLineUp, HoldsTheServicesThatItIsMadeOf) {
     EXPECT_FALSE(lineUp.Find(1, 1111, 7200)->received);
     EXPECT_EQ(lineUp.Find(1, 1011, 11191)->type, ChannelType::Radio);
     EXPECT_FALSE(lineUp.Find(1, 65283, 28186)->listed);
+    EXPECT_EQ(lineUp.Find(1, 65283, 28180), nullptr);
+    EXPECT_TRUE(lineUp.Find(8564, 1002, 2101)->hidden);
+    EXPECT_EQ(lineUp.Find(1, 1010, 11160)->genres, std::vector<std::string>{"Children"});
+    ASSERT_EQ(lineUp.favouriteLists.size(), 2u);
+    EXPECT_EQ(lineUp.favouriteLists[0].name, "News");
+    EXPECT_EQ(lineUp.favouriteLists[0].services[2]->name, "BBC News");
 }
 
 TEST(DefaultLineUp, GivesEveryServiceASoundAndEveryTelevisionServiceAPicture) {
@@ -75,15 +87,41 @@ TEST(LineUpFile, GivesWhatIsLeftOutItsUsualValue) {
     EXPECT_FALSE(service.highDefinition);
     EXPECT_DOUBLE_EQ(service.components[0]->aspectRatio, 1.78);
     EXPECT_FALSE(service.components[0]->encrypted);
+    EXPECT_EQ(service.longName, "");
+    EXPECT_EQ(service.description, "");
+    EXPECT_TRUE(service.genres.empty());
+    EXPECT_EQ(service.logoUrl, "");
+    EXPECT_FALSE(service.hidden);
+    EXPECT_EQ(service.frequency, 0);
+    EXPECT_EQ(service.programmeId, "");
+    EXPECT_TRUE(lineUp.favouriteLists.empty());
 }
 
-TEST(LineUpFile, WalksItsListRoundInBothDirections) {
-    const LineUp lineUp = DefaultLineUp();
-    const auto first = lineUp.First();
-    EXPECT_EQ(lineUp.Neighbour(*first, 1)->name, "ZDF HD");
-    EXPECT_EQ(lineUp.Neighbour(*first, -1)->name, "1LIVE");
-    EXPECT_EQ(lineUp.Neighbour(*lineUp.Neighbour(*first, -1), 1), first);
-    EXPECT_EQ(lineUp.Neighbour(*lineUp.Find(1, 65283, 28186), 1), nullptr);
+TEST(LineUpFile, SaysWhatChannelsTellAboutAService) {
+    const LineUp lineUp = ParseLineUp(
+        File(Service(R"("longName": "The A", "description": "First", "genres": ["News", "Sport"], "hidden": true,
+                        "logo": "http://a/a.png", "frequency": 11493750, "programmeId": "a.tv", )")),
+        "f");
+    const auto& service = *lineUp.services[0];
+    EXPECT_EQ(service.longName, "The A");
+    EXPECT_EQ(service.description, "First");
+    EXPECT_EQ(service.genres, (std::vector<std::string>{"News", "Sport"}));
+    EXPECT_TRUE(service.hidden);
+    EXPECT_EQ(service.logoUrl, "http://a/a.png");
+    EXPECT_EQ(service.frequency, 11493750);
+    EXPECT_EQ(service.programmeId, "a.tv");
+}
+
+TEST(LineUpFile, BringsFavouriteListsAlong) {
+    const LineUp lineUp = ParseLineUp(FileWith(R"({"id": "f", "name": "Mine", "services": [
+        {"onid": 1, "tsid": 2, "sid": 3}]}, {"id": "g", "name": "None", "services": []})"),
+                                      "f");
+    ASSERT_EQ(lineUp.favouriteLists.size(), 2u);
+    EXPECT_EQ(lineUp.favouriteLists[0].id, "f");
+    EXPECT_EQ(lineUp.favouriteLists[0].name, "Mine");
+    ASSERT_EQ(lineUp.favouriteLists[0].services.size(), 1u);
+    EXPECT_EQ(lineUp.favouriteLists[0].services[0], lineUp.services[0]);
+    EXPECT_TRUE(lineUp.favouriteLists[1].services.empty());
 }
 
 TEST(LineUpFile, IsRefusedWithLineAndColumn) {
@@ -121,6 +159,12 @@ std::string With(const std::string& from, const std::string& to) {
     std::string text = File(Service(""));
     const size_t at = text.find(from);
     return at == std::string::npos ? "the test is wrong" : text.replace(at, from.size(), to);
+}
+
+std::string Repeated(const std::string& text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i) all += text;
+    return all;
 }
 
 std::string WithSound(const std::string& members) {
@@ -186,6 +230,44 @@ INSTANTIATE_TEST_SUITE_P(
                                       "type": "TV", "number": 4, "components": [)" +
                    kPicture + "]}"),
               "the member \"number\" of the service is 4 and follows 4: services stand in the order of their numbers"},
+        Wrong{"GenresNoList", File(Service("\"genres\": \"News\", ")),
+              "the member \"genres\" of the service is written as a list, in [ ]"},
+        Wrong{"GenreNoText", File(Service("\"genres\": [\"News\", 3], ")), "a genre is a text, not empty"},
+        Wrong{"GenreEmpty", File(Service("\"genres\": [\"\"], ")), "a genre is a text, not empty"},
+        Wrong{"GenresMany", File(Service("\"genres\": [\"a\"" + Repeated(", \"a\"", 256) + "], ")),
+              "the member \"genres\" of the service holds more than 256 genres"},
+        Wrong{"LongNameEmpty", File(Service("\"longName\": \"\", ")),
+              "the member \"longName\" of the service is empty"},
+        Wrong{"DescriptionNoText", File(Service("\"description\": [], ")),
+              "the member \"description\" of the service is not a text"},
+        Wrong{"LogoNoText", File(Service("\"logo\": 1, ")), "the member \"logo\" of the service is not a text"},
+        Wrong{"ProgrammeIdNoText", File(Service("\"programmeId\": 1, ")),
+              "the member \"programmeId\" of the service is not a text"},
+        Wrong{"HiddenNoBool", File(Service("\"hidden\": \"yes\", ")),
+              "the member \"hidden\" of the service is neither true nor false"},
+        Wrong{"HiddenUnlisted",
+              File(Service("") + R"(, {"name": "B", "network": "sat", "onid": 1, "tsid": 2, "sid": 9, "type": "TV",
+                                      "listed": false, "hidden": true, "components": [)" +
+                   kPicture + "]}"),
+              "the member \"hidden\" of the service belongs to services that are in the channel list only"},
+        Wrong{"FrequencyZero", File(Service("\"frequency\": 0, ")),
+              "the member \"frequency\" of the service is 0, it has to be from 1 to 100000000"},
+        Wrong{"FrequencyReal", File(Service("\"frequency\": 11.5, ")),
+              "the member \"frequency\" of the service is not a whole number from 1 to 100000000"},
+        Wrong{"FavouritesNoList", With("{\"networks\"", "{\"favouriteLists\": {}, \"networks\""),
+              "the member \"favouriteLists\" of the line-up is written as a list, in [ ]"},
+        Wrong{"FavouriteListUnnamed", FileWith(R"({"id": "f", "services": []})"),
+              "the favourite list lacks the member \"name\""},
+        Wrong{"FavouriteListMisspelt", FileWith(R"({"id": "f", "name": "F", "service": []})"),
+              "a favourite list has no member \"service\"; did you mean \"services\"?"},
+        Wrong{"SameFavouriteList", FileWith(R"({"id": "f", "name": "F", "services": []},
+                                               {"id": "f", "name": "G", "services": []})"),
+              "the member \"id\" of the favourite list is \"f\", as that of another favourite list"},
+        Wrong{"FavouriteIncomplete", FileWith(R"({"id": "f", "name": "F", "services": [{"onid": 1, "tsid": 2}]})"),
+              "the favourite lacks the member \"sid\""},
+        Wrong{"FavouriteUnknown",
+              FileWith(R"({"id": "f", "name": "F", "services": [{"onid": 1, "tsid": 2, "sid": 4}]})"),
+              "there is no service with the onid, tsid and sid of this favourite"},
         Wrong{"NoComponents", File(Service("", "")), "the member \"components\" of the service is empty"},
         Wrong{"SameTag", File(Service("", std::string(kPicture) + ", " + kPicture)),
               "\"A\" has another component with the tag 1"},
@@ -228,7 +310,7 @@ TEST(LineUpFile, WithAnyByteReplacedIsReadOrRefusedButNothingElse) {
 
 TEST(LineUpFile, ThatIsNotThereIsRefusedWithTheReason) {
     try {
-        ReadLineUp("/nowhere/lineup.json");
+        ReadLineUp("/nowhere/lineup.json", [](const std::string& warning) { ADD_FAILURE() << warning; });
         FAIL();
     } catch (const BadLineUp& e) {
         EXPECT_STREQ(e.what(), "/nowhere/lineup.json: cannot be opened: No such file or directory");

@@ -60,7 +60,7 @@ std::unique_ptr<ChildProcess> SimulatedPlatform::Launch(const std::vector<std::s
 
 void SimulatedPlatform::Start(std::vector<std::string> options) {
     const std::string lineUp = mDirectory / "small.json";
-    WriteFile(lineUp, kSmallLineUp);
+    WriteFile(lineUp, mLineUp);
     options.insert(options.begin(), {"--line-up", lineUp});
     mSimulator = Launch(options);
     ASSERT_TRUE(mSimulator->WaitForOutput("ready\n")) << mSimulator->Output();

@@ -82,7 +82,7 @@ class SimulatedPlatform : public testing::Test {
   protected:
     using Members = std::map<std::string, Json::Value>;
 
-    // Starts the program with the small line-up and these options, and waits until it is ready.
+    // Starts the program with the line-up of the test (mLineUp) and these options, and waits until it is ready.
     void Start(std::vector<std::string> options = {});
 
     // The program with these options and nothing else, not waited for.
@@ -130,6 +130,7 @@ class SimulatedPlatform : public testing::Test {
     std::string ObjectIn(const std::string& state, const std::string& context = "0xc0de");
 
     ScratchDirectory mDirectory;
+    std::string mLineUp = kSmallLineUp;
     std::string mRequestSocket = mDirectory / "service_plugin_to_hbbtv_vb";
     std::string mEventSocket = mDirectory / "service_hbbtv_to_plugin_vb";
     std::unique_ptr<LibraryStandIn> mLibrary;

@@ -229,6 +229,7 @@ TEST_F(SimulatedPlatform, AnEventLeavesAfterTheReplyThatCausedIt) {
     const std::string vb = NewObject();
     EXPECT_EQ(SetChannel(vb, Channel(vb, 2)), 0);
     EventsUntil("PlayState 2 0");
+    ASSERT_TRUE(mSimulator->WaitForOutput("* ChannelChanged ")) << mSimulator->Output();
     const std::string trace = mSimulator->Output();
     EXPECT_LT(trace.find("> SetChannel "), trace.find("* ChannelChanged ")) << trace;
 }

@@ -359,7 +359,7 @@ TEST_P(Reply, WithAnotherRetWritesNoResults) {
     for (const auto& [ret, status] : rets) {
         SCOPED_TRACE(ret);
         platform.SetReply(ReplyWith(ret));
-        ExpectUntouched(GetParam().call(), status);
+        ExpectUntouched(GetParam().call(), GetParam().failsWithMinusOne ? -1 : status);
     }
 }
 

@@ -58,7 +58,8 @@ struct Row {
     // negative, a uint has its top bit set (but for one that counts), and so has a pointer.
     const char* request;
     std::vector<Result> results;
-    const char* form = "request";  // as in the protocol file
+    const char* form = "request";    // as in the protocol file
+    bool failsWithMinusOne = false;  // whether any other "ret" than 0 gives -1 instead of itself
 };
 
 // An operation that takes texts.

@@ -5,12 +5,17 @@
 #include <hidl/LegacySupport.h>
 #include <vantorel/hardware/hbbtv/1.0/IAVComponent.h>
 #include <vantorel/hardware/hbbtv/1.0/IAVControl.h>
+#include <vantorel/hardware/hbbtv/1.0/IApplicationPrivatedata.h>
+#include <vantorel/hardware/hbbtv/1.0/ICapabilities.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannel.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelList.h>
 #include <vantorel/hardware/hbbtv/1.0/IConfiguration.h>
+#include <vantorel/hardware/hbbtv/1.0/IDsmcc.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteList.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteListCollection.h>
+#include <vantorel/hardware/hbbtv/1.0/ILocalSystem.h>
+#include <vantorel/hardware/hbbtv/1.0/IParentalControlManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IProgramme.h>
 #include <vantorel/hardware/hbbtv/1.0/ISearchManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
@@ -49,12 +54,17 @@ bool PublishAll() {
     bool published = true;
     published &= Publish<IAVComponent>();
     published &= Publish<IAVControl>();
+    published &= Publish<IApplicationPrivatedata>();
+    published &= Publish<ICapabilities>();
     published &= Publish<IChannel>();
     published &= Publish<IChannelConfig>();
     published &= Publish<IChannelList>();
     published &= Publish<IConfiguration>();
+    published &= Publish<IDsmcc>();
     published &= Publish<IFavouriteList>();
     published &= Publish<IFavouriteListCollection>();
+    published &= Publish<ILocalSystem>();
+    published &= Publish<IParentalControlManager>();
     published &= Publish<IProgramme>();
     published &= Publish<ISearchManager>();
     published &= Publish<IVideoBroadcast>();

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <ctime>
 
+#include "families/members.h"
 #include "families/video_broadcast/stream_event_listeners.h"
 #include "families/video_broadcast/video_broadcast_object.h"
 
@@ -17,12 +18,6 @@ constexpr unsigned kLoudest = 100;
 ComponentType TypeOf(int number) {
     if (number < 0 || number > 2) throw Refused("there is no component type " + std::to_string(number));
     return static_cast<ComponentType>(number);
-}
-
-template <typename List>
-const typename List::value_type& At(const List& list, unsigned index) {
-    if (index < list.size()) return list[index];
-    throw Refused("index " + std::to_string(index) + " of " + std::to_string(list.size()));
 }
 
 class VideoBroadcastFamily : public Family {
@@ -112,6 +107,8 @@ class VideoBroadcastFamily : public Family {
     std::string TakeTuner(const std::vector<std::string>& words);
     std::string Record(const std::vector<std::string>& words);
 
+    std::shared_ptr<Object> NewObject();
+    Handle Supervisor();
     Object& Named(In in) const;
     Object* Viewed() const;
     Object& InFront() const;
@@ -120,17 +117,13 @@ class VideoBroadcastFamily : public Family {
     ProgrammeList Programmes(Object* object);
     std::string AddDescription(Component component);
 
-    template <typename T>
-    static std::string Text(HandleTable<T>& table, const std::shared_ptr<T>& object) {
-        return PointerText(table.HandleOf(object));
-    }
-
     EventLoop& mLoop;
     Tv& mTv;
     const Settings& mSettings;
     EventSink& mSink;
     HandleTable<Object> mObjects;
     std::vector<Object*> mInOrder;  // of creation
+    std::shared_ptr<Object> mSupervisor;
     StreamEventListeners mListeners;
 };
 
@@ -144,6 +137,7 @@ VideoBroadcastFamily::VideoBroadcastFamily(const FamilySetup& setup)
       mListeners(setup.loop, setup.settings.streamEventInterval, [this] { return Viewed(); }) {
     AddRows();
     AddCommands();
+    mTv.broadcastSupervisor = [this] { return Supervisor(); };
 }
 
 void VideoBroadcastFamily::AddRows() {
@@ -220,9 +214,7 @@ void VideoBroadcastFamily::AddCommands() {
 // --- Which one is meant
 
 VideoBroadcastObject& VideoBroadcastFamily::Named(In in) const {
-    const auto object = mObjects.Find(in.Pointer("vb_handle"));
-    if (!object) throw Refused("\"vb_handle\" names no video/broadcast object");
-    return *object;
+    return *Find(mObjects, in, "vb_handle", "video/broadcast object");
 }
 
 // The one that used the tuner last; when it is gone, the newest.
@@ -240,30 +232,40 @@ VideoBroadcastObject& VideoBroadcastFamily::InFront() const {
 }
 
 std::shared_ptr<Channel> VideoBroadcastFamily::NamedChannel(In in) const {
-    const uint64_t handle = in.Pointer("channel");
-    const auto channel = mTv.channels.Find(handle);
-    if (handle != 0 && !channel) throw Refused("\"channel\" names no channel");
-    return channel;
+    return in.Pointer("channel") == 0 ? nullptr : Find(mTv.channels, in, "channel", "channel");
 }
 
 std::shared_ptr<Component> VideoBroadcastFamily::NamedComponent(In in) const {
-    const auto component = mTv.components.Find(in.Pointer("component"));
-    if (!component) throw Refused("\"component\" names no component");
-    return component;
+    return Find(mTv.components, in, "component", "component");
 }
 
 // --- Lifecycle
 
+std::shared_ptr<VideoBroadcastObject> VideoBroadcastFamily::NewObject() {
+    return std::make_shared<Object>(mTv, mLoop, mSink, mSettings, [this] { mListeners.ServiceLeft(InFront()); });
+}
+
 void VideoBroadcastFamily::Create(In in, Out out) {
     in.Pointer("context");  // events come with the context of the registration, so this one is only looked at
-    const auto object =
-        std::make_shared<Object>(mTv, mLoop, mSink, mSettings, [this] { mListeners.ServiceLeft(InFront()); });
+    const auto object = NewObject();
     out["vb_handle"] = Text(mObjects, object);
     mInOrder.push_back(object.get());
 }
 
+// The television's own object. It counts as the oldest, so it is the viewer's only when no client has one in use.
+Handle VideoBroadcastFamily::Supervisor() {
+    if (!mSupervisor) {
+        const auto object = NewObject();
+        mObjects.HandleOf(object);
+        mInOrder.insert(mInOrder.begin(), object.get());
+        mSupervisor = object;
+    }
+    return mObjects.HandleOf(mSupervisor);
+}
+
 void VideoBroadcastFamily::Destroy(In in, Out) {
     Object& object = Named(in);
+    if (&object == mSupervisor.get()) throw Refused("the broadcast supervisor is the television's own");
     object.Events().Unregister();  // an object that is gone says nothing
     object.Release();
     mInOrder.erase(std::remove(mInOrder.begin(), mInOrder.end(), &object), mInOrder.end());
@@ -492,31 +494,22 @@ void VideoBroadcastFamily::RemoveStreamEventListener(In in, Out) {
 
 // --- At the television
 
-std::string Word(const std::vector<std::string>& words) {
-    return words.size() == 1 ? words[0] : "";
-}
-
-std::optional<int> Number(const std::string& word) {
-    const bool digits = !word.empty() && word.size() <= 5 && word.find_first_not_of("0123456789") == std::string::npos;
-    if (!digits) return std::nullopt;
-    return std::stoi(word);
-}
-
 std::string VideoBroadcastFamily::Zap(const std::vector<std::string>& words) {
     const std::string word = Word(words);
     const auto number = Number(word);
     const int steps = word == "next" ? 1 : word == "previous" ? -1 : 0;
     if (!number && steps == 0) throw Refused("usage: zap next|previous|NUMBER");
-    const auto& on = *mTv.tuner.On();
-    const auto service = number ? mTv.lineUp.FindNumber(*number) : mTv.lineUp.Neighbour(*on.service, steps);
-    if (!service) throw Refused("there is no such channel in the list");
-    const auto channel = mTv.ChannelOf(service);
+    const ChannelLists& list = mTv.channelList;
+    const auto channel = number ? list.WithNumber(*number) : list.Neighbour(*mTv.tuner.On(), steps);
+    if (!channel) throw Refused("there is no such channel in the list");
     if (Object* object = Viewed()) {
         object->SetChannel(channel, 0);
+    } else if (mTv.Refusal(*channel)) {
+        throw Refused("the channel is not received");
     } else {
         mTv.tuner.Set(channel);
     }
-    return service->name;
+    return channel->name;
 }
 
 std::string VideoBroadcastFamily::Signal(const std::vector<std::string>& words) {

@@ -99,14 +99,14 @@ void VideoBroadcastObject::MediaStarts() {
 
 void VideoBroadcastObject::Step(int steps) {
     if (mState == PlayState::Unrealized) return SayChannelError(nullptr, ChannelError::NoNextOrPrevious);
-    const auto service = mTv.lineUp.Neighbour(*mChannel->service, steps);
-    if (!service) {
+    const auto channel = mTv.channelList.Neighbour(*mChannel, steps);
+    if (!channel) {
         SayChannelError(nullptr, ChannelError::NoNextOrPrevious);
         const bool connecting = mState == PlayState::Connecting;
         if (connecting) Leave(PlayState::Unrealized, static_cast<int>(ChannelError::NoNextOrPrevious));
         return;
     }
-    SetChannel(mTv.ChannelOf(service), 0);
+    SetChannel(channel, 0);
 }
 
 std::shared_ptr<Channel> VideoBroadcastObject::Bind() {

@@ -1,0 +1,19 @@
+// What an application is told of the television: IApplicationPrivatedata over the platform's adaptor of it.
+#pragma once
+
+#include <vantorel/hardware/hbbtv/1.0/IApplicationPrivatedata.h>
+
+namespace vantorel::hardware::hbbtv::implementation {
+
+using ::android::hardware::Return;
+using V1_0::IApplicationPrivatedata;
+
+class ApplicationPrivatedata : public IApplicationPrivatedata {
+  public:
+    Return<void> GetFreeMem(GetFreeMem_cb _hidl_cb) override;
+    Return<void> GetCurrentChannel(GetCurrentChannel_cb _hidl_cb) override;
+};
+
+extern "C" IApplicationPrivatedata* HIDL_FETCH_IApplicationPrivatedata(const char* name);
+
+}  // namespace vantorel::hardware::hbbtv::implementation

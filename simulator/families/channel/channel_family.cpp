@@ -1,0 +1,151 @@
+// Requests of the channel family: see channel_family.h.
+#include "families/channel/channel_family.h"
+
+#include <map>
+#include <set>
+
+#include "core/nearest_name.h"
+#include "families/members.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+constexpr unsigned kMostGenres = 256;
+
+using FieldReader = std::string (*)(const Service&);
+
+// What no operation of its own gives.
+const std::map<std::string, FieldReader> kFields{
+    {"definition", [](const Service& service) -> std::string { return service.highDefinition ? "HD" : "SD"; }},
+    {"network", [](const Service& service) { return service.network->name; }},
+    {"position", [](const Service& service) { return service.network->position; }},
+    {"programmeId", [](const Service& service) { return service.programmeId; }},
+    {"provider", [](const Service& service) { return service.provider; }}};
+
+std::string Field(const Channel& channel, const std::string& fieldId) {
+    const auto field = kFields.find(fieldId);
+    if (field != kFields.end()) return channel.service ? field->second(*channel.service) : "";
+    std::set<std::string> known;
+    for (const auto& entry : kFields) known.insert(entry.first);
+    throw Refused("there is no field \"" + fieldId.substr(0, 100) + "\"" + DidYouMean(fieldId.substr(0, 100), known));
+}
+
+// There is one logo, of a size that nobody knows.
+std::string Logo(const Channel& channel, int width, int height) {
+    if (width < 0 || height < 0) throw Refused("the logo has a negative size");
+    return channel.logoUrl;
+}
+
+void SetGenreNum(Channel& channel, unsigned count) {
+    if (count > kMostGenres) throw Refused("a channel has at most " + std::to_string(kMostGenres) + " genres");
+    channel.genres.resize(count);
+}
+
+void SetGenre(Channel& channel, unsigned index, std::string genre) {
+    At(channel.genres, index);
+    channel.genres[index] = std::move(genre);
+}
+
+class ChannelFamily : public Family {
+  public:
+    explicit ChannelFamily(const FamilySetup& setup)
+        : Family({"channel", "service_plugin_to_hbbtv_vb_chn", "", 2, "method", 12}), mTv(setup.tv) {
+        AddIdentity();
+        AddState();
+        AddTexts();
+    }
+
+  private:
+    using In = const Arguments&;
+    using Out = Json::Value&;
+
+    std::shared_ptr<Channel> Named(In in) const { return Find(mTv.channels, in, "c_handle", "channel"); }
+
+    // A row that reads the channel into one member of the reply.
+    template <typename Read>
+    void Get(int code, const char* name, const char* member, Read read) {
+        Row(code, name, [this, member, read](In in, Out out) { out[member] = read(*Named(in)); });
+    }
+
+    // The same with members of the request.
+    template <typename Read>
+    void GetBy(int code, const char* name, const char* member, Read read) {
+        Row(code, name, [this, member, read](In in, Out out) { out[member] = read(*Named(in), in); });
+    }
+
+    template <typename Change>
+    void Set(int code, const char* name, Change change) {
+        Row(code, name, [this, change](In in, Out) { change(*Named(in), in); });
+    }
+
+    void AddIdentity();
+    void AddState();
+    void AddTexts();
+
+    Tv& mTv;
+};
+
+// What nothing that is received has (an ATSC source, an analogue carrier, a minor number) is 0.
+void ChannelFamily::AddIdentity() {
+    Row(0, "Release", [this](In in, Out) { Remove(mTv.channels, in, "c_handle", "channel"); });
+    Get(1, "GetChannelType", "channelType", [](const Channel& c) { return static_cast<int>(c.Type()); });
+    Get(2, "GetIdType", "idType", [](const Channel& c) { return c.idType; });
+    Get(3, "GetCcid", "ccid", [](const Channel& c) { return c.ccid; });
+    Get(4, "GetTunerID", "tunerId", [](const Channel& c) { return c.service && !c.OverIp() ? "tuner:1" : ""; });
+    Get(5, "GetOnid", "onid", [](const Channel& c) { return c.onid; });
+    Get(6, "GetNid", "nid", [](const Channel& c) { return c.Nid(); });
+    Get(7, "GetTsid", "tsid", [](const Channel& c) { return c.tsid; });
+    Get(8, "GetSid", "sid", [](const Channel& c) { return c.sid; });
+    Get(9, "GetSourceID", "sourceId", [](const Channel& c) { return c.sourceId; });
+    Get(10, "GetFreq", "freq", [](const Channel& c) { return c.service ? c.service->frequency : 0; });
+    Get(11, "GetCni", "cni", [](const Channel&) { return 0; });
+    Get(14, "GetMajorChannel", "majorChannel", [](const Channel& c) { return c.Number(); });
+    Get(15, "GetMinorChannel", "minorChannel", [](const Channel&) { return 0; });
+    Get(16, "GetDsd", "dsd", [](const Channel& c) { return c.dsd; });
+    Get(22, "GetIpBroadcastID", "ipBroadcastId", [](const Channel& c) { return c.ipBroadcastId; });
+    Get(41, "GetTerminalChannel", "terminalChannel", [](const Channel& c) { return c.Number(); });
+}
+
+// Bit rate and rebuffering time are those of streams over IP, of which the line-up says neither.
+void ChannelFamily::AddState() {
+    Get(17, "GetFavourite", "favourite", [this](const Channel& c) { return !mTv.favourites->Holding(c).empty(); });
+    Get(18, "GetFavIDsNum", "num",
+        [this](const Channel& c) { return static_cast<unsigned>(mTv.favourites->Holding(c).size()); });
+    GetBy(19, "GetFavIDsNameByIndex", "name",
+          [this](const Channel& c, In in) { return At(mTv.favourites->Holding(c), in.UInt("index"))->id; });
+    Get(20, "GetLocked", "locked", [](const Channel& c) { return c.Blocked(); });
+    Get(21, "GetManualBlock", "manualBlock", [](const Channel& c) { return c.Blocked(); });
+    Get(23, "GetChannelMaxBitRate", "maxBitrate", [](const Channel&) { return 0u; });
+    Get(24, "GetChannelTTR", "ttr", [](const Channel&) { return 0; });
+    Get(25, "GetRecordable", "recordable", [](const Channel& c) { return c.CanBePresented(); });
+    Get(30, "GetAuthorized", "authorized",
+        [](const Channel& c) { return c.service && c.service->access != Access::Scrambled; });
+    Set(35, "SetHidden", [](Channel& c, In in) { c.hidden = in.Bool("hidden"); });
+    Get(36, "GetHidden", "hidden", [](const Channel& c) { return c.hidden; });
+}
+
+void ChannelFamily::AddTexts() {
+    Set(12, "SetName", [](Channel& c, In in) { c.name = in.ShortText("name"); });
+    Get(13, "GetName", "name", [](const Channel& c) { return c.name; });
+    Set(26, "SetLongName", [](Channel& c, In in) { c.longName = in.ShortText("longname"); });
+    Get(27, "GetLongName", "longname", [](const Channel& c) { return c.longName.value_or(c.name); });
+    Set(28, "SetDescription", [](Channel& c, In in) { c.description = in.ShortText("description"); });
+    Get(29, "GetDescription", "description", [](const Channel& c) { return c.description; });
+    Set(31, "SetGenreNum", [](Channel& c, In in) { SetGenreNum(c, in.UInt("num")); });
+    Set(32, "SetGenreByIndex", [](Channel& c, In in) { SetGenre(c, in.UInt("index"), in.ShortText("genre")); });
+    Get(33, "GetGenreNum", "num", [](const Channel& c) { return static_cast<unsigned>(c.genres.size()); });
+    GetBy(34, "GetGenreByIndex", "genre", [](const Channel& c, In in) { return At(c.genres, in.UInt("index")); });
+    Set(37, "SetLogoURL", [](Channel& c, In in) { c.logoUrl = in.ShortText("url"); });
+    Get(38, "GetLogoURL", "url", [](const Channel& c) { return c.logoUrl; });
+    GetBy(39, "GetField", "field", [](const Channel& c, In in) { return Field(c, in.Text("fieldId")); });
+    GetBy(40, "GetLogo", "logo", [](const Channel& c, In in) { return Logo(c, in.Int("width"), in.Int("height")); });
+}
+
+}  // namespace
+
+std::unique_ptr<Family> MakeChannelFamily(const FamilySetup& setup) {
+    return std::make_unique<ChannelFamily>(setup);
+}
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,157 @@
+// The fixture around the families of channels: see channel_platform.h.
+#include "channel_platform.h"
+
+namespace hbbtv::test {
+
+const char* const kChannelLineUp = R"({
+    "networks": [{"id": "sat", "name": "Satellite", "position": "19.2E", "delivery": "DVB_S", "nid": 133},
+                 {"id": "cable", "name": "Cable", "delivery": "DVB_C", "nid": 200}],
+    "services": [
+        {"name": "One", "network": "sat", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1, "provider": "ARD",
+         "longName": "Number One", "description": "The first.", "genres": ["News", "Sport"], "definition": "HD",
+         "logo": "http://logos/one.png", "frequency": 11493750, "programmeId": "one.tv",
+         "components": [{"type": "video", "tag": 1, "pid": 101, "encoding": "AVC_HD_25"}]},
+        {"name": "Two", "network": "sat", "onid": 1, "tsid": 1, "sid": 2, "type": "TV", "number": 2,
+         "components": [{"type": "video", "tag": 1, "pid": 201, "encoding": "MPEG2_SD_25"}]},
+        {"name": "Scrambled", "network": "sat", "onid": 1, "tsid": 1, "sid": 3, "type": "TV", "number": 3,
+         "access": "scrambled",
+         "components": [{"type": "video", "tag": 1, "pid": 301, "encoding": "MPEG2_SD_25", "encrypted": true}]},
+        {"name": "Dark", "network": "sat", "onid": 1, "tsid": 1, "sid": 4, "type": "TV", "number": 4,
+         "reception": "none",
+         "components": [{"type": "video", "tag": 1, "pid": 401, "encoding": "MPEG2_SD_25"}]},
+        {"name": "Locked", "network": "sat", "onid": 1, "tsid": 1, "sid": 5, "type": "TV", "number": 5,
+         "access": "locked",
+         "components": [{"type": "video", "tag": 1, "pid": 501, "encoding": "MPEG2_SD_25"}]},
+        {"name": "Shy", "network": "sat", "onid": 1, "tsid": 1, "sid": 6, "type": "OTHER", "number": 6, "hidden": true,
+         "components": [{"type": "video", "tag": 1, "pid": 601, "encoding": "MPEG2_SD_25"}]},
+        {"name": "Wave", "network": "cable", "onid": 2, "tsid": 1, "sid": 7, "type": "RADIO", "number": 7,
+         "components": [{"type": "audio", "tag": 1, "pid": 701, "encoding": "MPEG1_L2", "language": "deu"}]},
+        {"name": "Spare", "network": "sat", "onid": 1, "tsid": 1, "sid": 9, "type": "TV", "listed": false,
+         "components": [{"type": "video", "tag": 1, "pid": 901, "encoding": "MPEG2_SD_25"}]}
+    ],
+    "favouriteLists": [
+        {"id": "fav:a", "name": "All mine", "services": [{"onid": 1, "tsid": 1, "sid": 2},
+            {"onid": 1, "tsid": 1, "sid": 5}, {"onid": 1, "tsid": 1, "sid": 6}]},
+        {"id": "fav:b", "name": "Tea", "services": [{"onid": 1, "tsid": 1, "sid": 1}, {"onid": 1, "tsid": 1, "sid": 2}]}
+    ]
+})";
+
+namespace {
+
+struct Endpoint {
+    const char* socket;
+    int port;
+    int type;
+};
+
+const Endpoint& EndpointOf(Of family) {
+    static const std::map<Of, Endpoint> endpoints{
+        {Of::Channel, {"service_plugin_to_hbbtv_vb_chn", 2, 12}},
+        {Of::ChannelList, {"service_plugin_to_hbbtv_vb_chn_list", 4, 14}},
+        {Of::ChannelConfig, {"service_plugin_to_hbbtv_vb_chn_config", 3, 19}},
+        {Of::FavouriteList, {"service_plugin_to_hbbtv_vb_fav_list", 5, 15}},
+        {Of::Collection, {"service_plugin_to_hbbtv_vb_fav_list_collect", 6, 15}}};
+    return endpoints.at(family);
+}
+
+}  // namespace
+
+void ChannelPlatform::Begin(std::vector<std::string> options) {
+    mClients.clear();
+    options.insert(options.end(), {"--tune-time", "0ms"});
+    Start(options);
+    if (!mConfigEvents) {
+        mConfigEvents = std::make_unique<LibraryStandIn>(mDirectory / "service_hbbtv_to_plugin_vb_chn_config");
+    }
+}
+
+void ChannelPlatform::RestartRemembering() {
+    EXPECT_EQ(Stop(), 0) << mSimulator->Output();
+    BeginRemembering();
+}
+
+Json::Value ChannelPlatform::Ask(Of family, int method, const Members& members) {
+    const Endpoint& endpoint = EndpointOf(family);
+    auto& client = mClients[family];
+    if (!client) client = std::make_unique<RawClient>(mDirectory / endpoint.socket);
+    Json::Value request;
+    request["type"] = endpoint.type;
+    request["method"] = method;
+    for (const auto& member : members) request[member.first] = member.second;
+    client->Send(2, endpoint.port, request.toStyledString());
+    const auto reply = client->Receive();
+    if (!reply) {
+        ADD_FAILURE() << "no reply to " << endpoint.socket << " method " << method << "\n" << mSimulator->Output();
+        return Json::Value(Json::objectValue);
+    }
+    EXPECT_EQ(reply->type, 3);
+    EXPECT_EQ(reply->port, endpoint.port);
+    return Parsed(reply->text);
+}
+
+std::string ChannelPlatform::Handle(Of family, int method, const char* member, const Members& members) {
+    const Json::Value reply = Ask(family, method, members);
+    EXPECT_EQ(reply["ret"], 0) << "method " << method << "\n" << mSimulator->Output();
+    EXPECT_TRUE(reply[member].isString()) << "method " << method;
+    return reply[member].asString();
+}
+
+std::string ChannelPlatform::FavouriteListOf(const std::string& favId) {
+    return Handle(Of::Collection, 15, "list", {{"flc_handle", Collection()}, {"favId", favId}});
+}
+
+std::string ChannelPlatform::CreateList(const std::vector<std::string>& channels) {
+    Members members{{"size", static_cast<unsigned>(channels.size())}};
+    for (size_t i = 0; i < channels.size(); ++i) members["channel" + std::to_string(i)] = channels[i];
+    return Handle(Of::ChannelConfig, 8, "list", members);
+}
+
+std::string ChannelPlatform::Filtered(bool blocked, bool favourite, bool hidden, const std::string& favouriteListId) {
+    return Handle(
+        Of::ChannelConfig, 9, "handle",
+        {{"blocked", blocked}, {"favourite", favourite}, {"hidden", hidden}, {"favouriteListID", favouriteListId}});
+}
+
+std::string ChannelPlatform::ChannelOf(int sid) {
+    return Handle(Of::ChannelList, 4, "channel",
+                  {{"cl_handle", GetChannelList()}, {"onid", -1}, {"tsid", 1}, {"sid", sid}, {"nid", -1}});
+}
+
+std::string ChannelPlatform::NamesOf(Of family, const char* handleMember, int itemMethod, const std::string& list) {
+    const unsigned length = Ask(family, 1, {{handleMember, list}})["len"].asUInt();
+    std::string names;
+    for (unsigned i = 0; i < length; ++i) {
+        const int index = static_cast<int>(i);
+        names += (i == 0 ? "" : " ") +
+                 NameOf(Handle(family, itemMethod, "channel", {{handleMember, list}, {"index", index}}));
+    }
+    return names;
+}
+
+std::string ChannelPlatform::FavouriteIds() {
+    const std::string collection = Collection();
+    const unsigned length = Ask(Of::Collection, 13, {{"flc_handle", collection}})["len"].asUInt();
+    std::string ids;
+    for (unsigned i = 0; i < length; ++i) {
+        const std::string list =
+            Handle(Of::Collection, 14, "list", {{"flc_handle", collection}, {"index", static_cast<int>(i)}});
+        ids += (i == 0 ? "" : " ") + Ask(Of::FavouriteList, 2, {{"fl_handle", list}})["favId"].asString();
+    }
+    return ids;
+}
+
+std::string ChannelPlatform::NextChange() {
+    const auto frame = mConfigEvents->Next();
+    if (!frame) {
+        ADD_FAILURE() << "no event came\n" << mSimulator->Output();
+        return "";
+    }
+    EXPECT_EQ(frame->type, 1);
+    EXPECT_EQ(frame->port, 3);
+    const Json::Value event = Parsed(frame->text);
+    EXPECT_EQ(event["event"], 0);
+    EXPECT_EQ(event.getMemberNames(), (std::vector<std::string>{"event", "reserved"}));
+    return event["reserved"].asString();
+}
+
+}  // namespace hbbtv::test

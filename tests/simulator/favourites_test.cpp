@@ -1,0 +1,364 @@
+// Favourite lists and their collection: reading, changing, committing, and what a restart leaves of it.
+#include <signal.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "channel_platform.h"
+
+namespace hbbtv::test {
+namespace {
+
+class FavouriteLists : public ChannelPlatform {
+  protected:
+    void SetUp() override { BeginRemembering(); }
+
+    int OfList(const std::string& list, int method, Members members = {}) {
+        members["fl_handle"] = list;
+        return Ret(Of::FavouriteList, method, members);
+    }
+
+    int OfCollection(int method, Members members = {}) {
+        members["flc_handle"] = Collection();
+        return Ret(Of::Collection, method, members);
+    }
+
+    int Insert(const std::string& list, int index, const std::string& ccid) {
+        return OfList(list, 9, {{"index", index}, {"ccid", ccid}});
+    }
+
+    int RemoveFrom(const std::string& list, int index) { return OfList(list, 10, {{"index", index}}); }
+    int Commit(const std::string& list) { return OfList(list, 11); }
+    int CommitCollection() { return OfCollection(18); }
+    int Activate(const std::string& favId) { return OfCollection(19, {{"favId", favId}}); }
+
+    std::string Create(const std::string& name) {
+        return Handle(Of::Collection, 16, "list", {{"flc_handle", Collection()}, {"name", name}});
+    }
+
+    std::string ListName(const std::string& list) {
+        return Ask(Of::FavouriteList, 4, {{"fl_handle", list}})["name"].asString();
+    }
+
+    std::string IdOf(const std::string& list) {
+        return Ask(Of::FavouriteList, 2, {{"fl_handle", list}})["favId"].asString();
+    }
+
+    std::string Find(const std::string& list, int method, const Members& members) {
+        Members all = members;
+        all["fl_handle"] = list;
+        const std::string channel = Handle(Of::FavouriteList, method, "channel", all);
+        return channel.empty() ? "none" : NameOf(channel);
+    }
+
+    std::string StateFile() const { return StateDirectory() + "/favourites.json"; }
+};
+
+TEST_F(FavouriteLists, AreThoseOfTheLineUpAtFirst) {
+    EXPECT_EQ(OfCollection(13), 0);
+    EXPECT_EQ(FavouriteIds(), "fav:a fav:b");
+    EXPECT_EQ(ListName(FavouriteListOf("fav:a")), "All mine");
+    EXPECT_EQ(Favourites(FavouriteListOf("fav:a")), "Two Locked Shy");
+    EXPECT_EQ(Favourites(FavouriteListOf("fav:b")), "One Two");
+    EXPECT_EQ(CurrentFavourites(), FavouriteListOf("fav:a")) << "the first one is in use";
+    EXPECT_EQ(FavouriteListOf("fav:z"), "") << "no such list";
+    for (const int index : {-1, 2}) EXPECT_EQ(OfCollection(14, {{"index", index}}), -1);
+}
+
+TEST_F(FavouriteLists, FindTheirChannels) {
+    const std::string list = FavouriteListOf("fav:a");
+    EXPECT_EQ(Find(list, 6, {{"channelID", "ccid:1.1.5"}}), "Locked");
+    EXPECT_EQ(Find(list, 6, {{"channelID", "ccid:1.1.1"}}), "none");
+    EXPECT_EQ(Find(list, 7, {{"onid", 1}, {"tsid", 1}, {"sid", 6}}), "Shy");
+    EXPECT_EQ(Find(list, 7, {{"onid", 1}, {"tsid", -1}, {"sid", 6}}), "Shy");
+    EXPECT_EQ(Find(list, 7, {{"onid", 2}, {"tsid", 1}, {"sid", 6}}), "none");
+    EXPECT_EQ(Find(list, 8, {{"sourceID", 0}}), "none");
+    EXPECT_EQ(Find(list, 8, {{"sourceID", 5}}), "none");
+    for (const int index : {-1, 3}) EXPECT_EQ(OfList(list, 5, {{"index", index}}), -1);
+}
+
+TEST_F(FavouriteLists, TakeChannelsAtAnyPlaceAndGiveThemUpAgain) {
+    const std::string list = FavouriteListOf("fav:b");
+    EXPECT_EQ(Insert(list, 0, "ccid:2.1.7"), 0);
+    EXPECT_EQ(Insert(list, 3, "ccid:1.1.4"), 0);
+    EXPECT_EQ(Insert(list, 1, "ccid:1.1.9"), 0);
+    EXPECT_EQ(Favourites(list), "Wave Spare One Two Dark");
+    EXPECT_EQ(Find(list, 6, {{"channelID", "ccid:1.1.4"}}), "Dark");
+    EXPECT_EQ(Insert(list, 6, "ccid:1.1.3"), -1);
+    EXPECT_EQ(Insert(list, -1, "ccid:1.1.3"), -1);
+    EXPECT_EQ(Insert(list, 0, "ccid:1.1.77"), -1) << "no such channel";
+    EXPECT_EQ(RemoveFrom(list, 4), 0);
+    EXPECT_EQ(RemoveFrom(list, 1), 0);
+    EXPECT_EQ(Favourites(list), "Wave One Two");
+    EXPECT_EQ(Find(list, 6, {{"channelID", "ccid:1.1.4"}}), "none");
+    EXPECT_EQ(RemoveFrom(list, 3), -1);
+    EXPECT_EQ(RemoveFrom(list, -1), -1);
+}
+
+TEST_F(FavouriteLists, AreRenamedForEverybody) {
+    EXPECT_EQ(OfList(FavouriteListOf("fav:b"), 3, {{"name", "T\n\"5\""}}), 0);
+    EXPECT_EQ(OfList(FavouriteListOf("fav:b"), 0), 0);
+    EXPECT_EQ(ListName(FavouriteListOf("fav:b")), "T\n\"5\"");
+    EXPECT_EQ(OfList(FavouriteListOf("fav:b"), 3, {{"name", std::string(262145, 'x')}}), -1);
+}
+
+TEST_F(FavouriteLists, OfTheClientsOwnAreEmptyAtFirstAndStandBehindTheOthers) {
+    const std::string list = Create("Sport");
+    EXPECT_EQ(ListName(list), "Sport");
+    EXPECT_EQ(Favourites(list), "");
+    EXPECT_EQ(FavouriteIds(), "fav:a fav:b " + IdOf(list));
+    EXPECT_EQ(FavouriteListOf(IdOf(list)), list);
+    EXPECT_NE(IdOf(Create("Sport")), IdOf(list)) << "names may be the same";
+}
+
+TEST_F(FavouriteLists, ThatAreRemovedAreNotFoundAnyMoreAndCannotBeCommitted) {
+    const std::string list = FavouriteListOf("fav:b");
+    EXPECT_EQ(OfCollection(17, {{"index", 2}}), -1);
+    EXPECT_EQ(OfCollection(17, {{"index", -1}}), -1);
+    EXPECT_EQ(OfCollection(17, {{"index", 1}}), 0);
+    EXPECT_EQ(FavouriteIds(), "fav:a");
+    EXPECT_EQ(FavouriteListOf("fav:b"), "");
+    EXPECT_EQ(Activate("fav:b"), -1);
+    EXPECT_EQ(Commit(list), -1);
+    EXPECT_EQ(Favourites(list), "One Two") << "who holds it can still read it";
+    EXPECT_EQ(Ask(Of::Channel, 17, {{"c_handle", ChannelOf(1)}})["favourite"], false);
+}
+
+TEST_F(FavouriteLists, InUseFollowActivationAndRemoval) {
+    EXPECT_EQ(Ret(Of::ChannelConfig, 0, {{"context", "0x1"}}), 0);
+    EXPECT_EQ(Activate("fav:b"), 0);
+    EXPECT_EQ(NextChange(), "F");
+    EXPECT_EQ(CurrentFavourites(), FavouriteListOf("fav:b"));
+    EXPECT_EQ(Activate("fav:b"), 0) << "nothing changes, so nothing is told";
+    EXPECT_EQ(Activate("fav:z"), -1);
+    EXPECT_EQ(OfCollection(17, {{"index", 0}}), 0) << "not the one in use";
+    EXPECT_EQ(OfCollection(17, {{"index", 0}}), 0);
+    EXPECT_EQ(NextChange(), "F");
+    EXPECT_EQ(CurrentFavourites(), "") << "none is";
+    const std::string fresh = Create("New");
+    EXPECT_EQ(Activate(IdOf(fresh)), 0);
+    EXPECT_EQ(NextChange(), "F");
+    EXPECT_EQ(CurrentFavourites(), fresh);
+}
+
+TEST_F(FavouriteLists, AndCollectionsThatAreReleasedOrOfOtherKindsAreRefused) {
+    const std::string list = FavouriteListOf("fav:a");
+    const std::string collection = Collection();
+    EXPECT_EQ(OfList(list, 0), 0);
+    EXPECT_EQ(OfCollection(12), 0);
+    const Members members{{"name", "x"}, {"index", 0},    {"channelID", "x"},     {"onid", 1},       {"tsid", 1},
+                          {"sid", 1},    {"sourceID", 1}, {"ccid", "ccid:1.1.1"}, {"favId", "fav:a"}};
+    for (const std::string& handle :
+         {list, collection, GetChannelList(), ChannelOf(1), std::string("0x1"), std::string()}) {
+        Members all = members;
+        all["fl_handle"] = handle;
+        all["flc_handle"] = handle;
+        for (int method = 0; method <= 11; ++method) EXPECT_EQ(Ret(Of::FavouriteList, method, all), -1) << method;
+        for (int method = 12; method <= 19; ++method) EXPECT_EQ(Ret(Of::Collection, method, all), -1) << method;
+    }
+    EXPECT_NE(Collection(), collection);
+    EXPECT_EQ(FavouriteIds(), "fav:a fav:b");
+}
+
+TEST_F(FavouriteLists, AndCollectionsShareATypeAndDivideItsCodes) {
+    const std::string list = FavouriteListOf("fav:a");
+    const std::string collection = Collection();
+    EXPECT_EQ(Ret(Of::Collection, 0, {{"fl_handle", list}, {"flc_handle", collection}}), -1);
+    EXPECT_EQ(Ret(Of::FavouriteList, 12, {{"fl_handle", list}, {"flc_handle", collection}}), -1);
+    EXPECT_EQ(Ret(Of::Collection, 20, {{"flc_handle", collection}}), -1);
+    EXPECT_EQ(Favourites(list), "Two Locked Shy");
+}
+
+TEST_F(FavouriteLists, ComeToAnEndBeforeTheMemoryDoes) {
+    for (int i = 2; i < 1000; ++i) ASSERT_NE(Create("x"), "");
+    EXPECT_EQ(OfCollection(16, {{"name", "x"}}), -1);
+    EXPECT_EQ(OfCollection(17, {{"index", 999}}), 0);
+    EXPECT_NE(Create("x"), "");
+}
+
+TEST_F(FavouriteLists, CommittedOutlastTheSimulator) {
+    const std::string list = FavouriteListOf("fav:b");
+    EXPECT_EQ(OfList(list, 3, {{"name", "Tea \"\x01\xc3\xa9"}}), 0);
+    EXPECT_EQ(Insert(list, 0, "ccid:2.1.7"), 0);
+    EXPECT_EQ(Commit(list), 0);
+    RestartRemembering();
+    EXPECT_EQ(FavouriteIds(), "fav:a fav:b");
+    EXPECT_EQ(ListName(FavouriteListOf("fav:b")), "Tea \"\x01\xc3\xa9");
+    EXPECT_EQ(Favourites(FavouriteListOf("fav:b")), "Wave One Two");
+    EXPECT_EQ(Favourites(FavouriteListOf("fav:a")), "Two Locked Shy");
+    EXPECT_EQ(Ask(Of::Channel, 17, {{"c_handle", ChannelOf(7)}})["favourite"], true);
+}
+
+TEST_F(FavouriteLists, NotCommittedAreAsBeforeAfterARestart) {
+    const std::string list = FavouriteListOf("fav:b");
+    EXPECT_EQ(Insert(list, 0, "ccid:2.1.7"), 0);
+    EXPECT_EQ(OfList(list, 3, {{"name", "Coffee"}}), 0);
+    EXPECT_NE(Create("Sport"), "");
+    EXPECT_EQ(OfCollection(17, {{"index", 0}}), 0);
+    EXPECT_EQ(Activate("fav:b"), 0);
+    RestartRemembering();
+    EXPECT_EQ(FavouriteIds(), "fav:a fav:b");
+    EXPECT_EQ(ListName(FavouriteListOf("fav:b")), "Tea");
+    EXPECT_EQ(Favourites(FavouriteListOf("fav:b")), "One Two");
+    EXPECT_EQ(CurrentFavourites(), FavouriteListOf("fav:a"));
+}
+
+TEST_F(FavouriteLists, CommittedOneByOneKeepOnlyTheirOwnChanges) {
+    const std::string mine = FavouriteListOf("fav:a");
+    const std::string tea = FavouriteListOf("fav:b");
+    EXPECT_EQ(RemoveFrom(mine, 0), 0);
+    EXPECT_EQ(RemoveFrom(tea, 0), 0);
+    EXPECT_EQ(Activate("fav:b"), 0);
+    EXPECT_EQ(Commit(tea), 0);
+    EXPECT_EQ(RemoveFrom(tea, 0), 0) << "after the commit";
+    RestartRemembering();
+    EXPECT_EQ(Favourites(FavouriteListOf("fav:a")), "Two Locked Shy");
+    EXPECT_EQ(Favourites(FavouriteListOf("fav:b")), "Two");
+    EXPECT_EQ(CurrentFavourites(), FavouriteListOf("fav:a"));
+}
+
+TEST_F(FavouriteLists, ThatAreNewLastFromTheirOwnCommitOn) {
+    const std::string list = Create("Sport");
+    const std::string id = IdOf(list);
+    EXPECT_EQ(Insert(list, 0, "ccid:1.1.4"), 0);
+    EXPECT_EQ(Commit(list), 0);
+    RestartRemembering();
+    EXPECT_EQ(FavouriteIds(), "fav:a fav:b " + id);
+    EXPECT_EQ(ListName(FavouriteListOf(id)), "Sport");
+    EXPECT_EQ(Favourites(FavouriteListOf(id)), "Dark");
+    EXPECT_NE(IdOf(Create("Other")), id) << "no id is given out twice";
+}
+
+TEST_F(FavouriteLists, LastAsTheCollectionIsCommitted) {
+    const std::string fresh = Create("Sport");
+    const std::string id = IdOf(fresh);
+    EXPECT_EQ(Insert(fresh, 0, "ccid:1.1.4"), 0);
+    EXPECT_EQ(RemoveFrom(FavouriteListOf("fav:b"), 0), 0);
+    EXPECT_EQ(OfCollection(17, {{"index", 0}}), 0);
+    EXPECT_EQ(Activate("fav:b"), 0);
+    EXPECT_EQ(CommitCollection(), 0);
+    RestartRemembering();
+    EXPECT_EQ(FavouriteIds(), "fav:b " + id);
+    EXPECT_EQ(Favourites(FavouriteListOf(id)), "Dark") << "a new list as it was";
+    EXPECT_EQ(Favourites(FavouriteListOf("fav:b")), "One Two") << "another list's changes need its own commit";
+    EXPECT_EQ(CurrentFavourites(), FavouriteListOf("fav:b"));
+    EXPECT_EQ(OfCollection(17, {{"index", 0}}), 0);
+    EXPECT_EQ(OfCollection(17, {{"index", 0}}), 0);
+    EXPECT_EQ(CommitCollection(), 0);
+    RestartRemembering();
+    EXPECT_EQ(FavouriteIds(), "") << "that there are none is remembered too";
+    EXPECT_EQ(CurrentFavourites(), "");
+}
+
+TEST_F(FavouriteLists, WithoutAStateDirectoryAreCommittedForNothing) {
+    EXPECT_EQ(Stop(), 0);
+    Begin();
+    EXPECT_EQ(OfCollection(17, {{"index", 0}}), 0);
+    EXPECT_EQ(CommitCollection(), 0);
+    EXPECT_EQ(Stop(), 0);
+    Begin();
+    EXPECT_EQ(FavouriteIds(), "fav:a fav:b");
+}
+
+TEST_F(FavouriteLists, KeepChannelsThatTheLineUpLacksForALaterOne) {
+    EXPECT_EQ(Commit(FavouriteListOf("fav:b")), 0);
+    EXPECT_EQ(Stop(), 0);
+    mLineUp = kSmallLineUp;
+    const size_t two = mLineUp.find("\"sid\": 2");
+    ASSERT_NE(two, std::string::npos);
+    mLineUp.replace(two, 8, "\"sid\": 8");
+    BeginRemembering();
+    EXPECT_TRUE(mSimulator->WaitForOutput("favourite list fav:b: the line-up lacks 1 of its channels"));
+    EXPECT_EQ(Favourites(FavouriteListOf("fav:b")), "One");
+    EXPECT_EQ(CommitCollection(), 0);
+    EXPECT_EQ(Stop(), 0);
+    mLineUp = kChannelLineUp;
+    BeginRemembering();
+    EXPECT_EQ(Favourites(FavouriteListOf("fav:b")), "One Two");
+}
+
+TEST_F(FavouriteLists, WhoseStateIsDamagedComeFromTheLineUpAndNothingIsWrittenOver) {
+    EXPECT_EQ(OfCollection(17, {{"index", 0}}), 0);
+    EXPECT_EQ(CommitCollection(), 0);
+    EXPECT_EQ(Stop(), 0);
+    const std::vector<std::string> damaged{
+        "{ \"lists\": [",
+        "",
+        "[]",
+        "{}",
+        "{\"inUse\": \"\", \"lists\": {}}",
+        "{\"inUse\": 3, \"lists\": []}",
+        "{\"inUse\": \"x\", \"lists\": []}",
+        "{\"inUse\": \"\", \"lists\": [3]}",
+        "{\"inUse\": \"\", \"lists\": [{\"id\": \"\", \"name\": \"\", \"channels\": []}]}",
+        "{\"inUse\": \"\", \"lists\": [{\"id\": \"a\", \"name\": 1, \"channels\": []}]}",
+        "{\"inUse\": \"\", \"lists\": [{\"id\": \"a\", \"name\": \"\", \"channels\": \"\"}]}",
+        "{\"inUse\": \"\", \"lists\": [{\"id\": \"a\", \"name\": \"\", \"channels\": [1]}]}",
+        "{\"inUse\": \"\", \"lists\": [{\"id\": \"a\", \"name\": \"\", \"channels\": []},"
+        " {\"id\": \"a\", \"name\": \"\", \"channels\": []}]}",
+        std::string(100000, '[')};
+    for (size_t i = 0; i < damaged.size(); ++i) {
+        WriteFile(StateFile(), damaged[i]);
+        BeginRemembering();
+        const std::string aside = "favourites.json.damaged-" + std::to_string(i + 1);
+        EXPECT_TRUE(mSimulator->WaitForOutput("is damaged (")) << damaged[i].substr(0, 100);
+        EXPECT_TRUE(mSimulator->WaitForOutput("it is now " + aside));
+        EXPECT_EQ(FavouriteIds(), "fav:a fav:b");
+        EXPECT_FALSE(std::filesystem::exists(StateFile()));
+        std::stringstream kept;
+        kept << std::ifstream(StateDirectory() + "/" + aside).rdbuf();
+        EXPECT_EQ(kept.str(), damaged[i]);
+        EXPECT_EQ(Stop(), 0);
+    }
+    BeginRemembering();
+    EXPECT_EQ(CommitCollection(), 0);
+    RestartRemembering();
+    EXPECT_EQ(FavouriteIds(), "fav:a fav:b");
+    EXPECT_EQ(mSimulator->Output().find("damaged"), std::string::npos);
+}
+
+TEST_F(FavouriteLists, KilledInTheMiddleOfACommitAreAsBeforeOrAfterIt) {
+    for (int round = 0; round < 20; ++round) {
+        RawClient client(mDirectory / "service_plugin_to_hbbtv_vb_fav_list");
+        const std::string list = FavouriteListOf("fav:a");
+        const std::string commit = "{\"type\": 15, \"method\": 11, \"fl_handle\": \"" + list + "\"}";
+        for (int i = 0; i < 20; ++i) client.Send(2, 5, commit);
+        ASSERT_TRUE(client.Receive().has_value());
+        mSimulator->Kill();
+        BeginRemembering();
+        EXPECT_EQ(FavouriteIds(), "fav:a fav:b");
+        EXPECT_EQ(mSimulator->Output().find("damaged"), std::string::npos) << mSimulator->Output();
+    }
+}
+
+TEST_F(FavouriteLists, ThatCannotBeWrittenAreRefusedAndStayToBeCommittedLater) {
+    const std::string list = FavouriteListOf("fav:b");
+    EXPECT_EQ(RemoveFrom(list, 0), 0);
+    std::filesystem::create_directory(StateFile());
+    EXPECT_EQ(Commit(list), -1);
+    EXPECT_TRUE(mSimulator->WaitForOutput("favourites.json cannot be written: "));
+    EXPECT_FALSE(std::filesystem::exists(StateFile() + ".new"));
+    EXPECT_EQ(Favourites(list), "Two");
+    std::filesystem::remove(StateFile());
+    EXPECT_EQ(Commit(list), 0);
+    RestartRemembering();
+    EXPECT_EQ(Favourites(FavouriteListOf("fav:b")), "Two");
+}
+
+TEST_F(FavouriteLists, OfTwoSimulatorsNeedTwoStateDirectories) {
+    const std::string sockets = mDirectory / "other";
+    std::filesystem::create_directory(sockets);
+    const auto second = Launch({"--directory", sockets, "--state", StateDirectory()});
+    EXPECT_EQ(second->WaitForExit(), 5);
+    EXPECT_NE(second->Output().find("cannot be used: another simulator uses it"), std::string::npos)
+        << second->Output();
+    EXPECT_TRUE(std::filesystem::is_empty(sockets));
+    EXPECT_EQ(CommitCollection(), 0) << "the first one goes on";
+    mSimulator->Kill();
+    const auto third = Launch({"--directory", sockets, "--state", StateDirectory()});
+    EXPECT_TRUE(third->WaitForOutput("ready\n")) << "nothing is left of one that was killed";
+}
+
+}  // namespace
+}  // namespace hbbtv::test

@@ -1,0 +1,64 @@
+// Reading a line-up in a test: what came of it, what was warned of, and the refusal if there was one.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/line_up_formats.h"
+
+namespace hbbtv::sim {
+
+struct Reading {
+    LineUp lineUp;
+    std::vector<std::string> warnings;
+    std::string refusal;
+
+    // Their names in their order.
+    std::vector<std::string> Names() const {
+        std::vector<std::string> names;
+        for (const auto& service : lineUp.services) names.push_back(service->name);
+        return names;
+    }
+
+    std::vector<int> Numbers() const {
+        std::vector<int> numbers;
+        for (const auto& service : lineUp.services) numbers.push_back(service->number);
+        return numbers;
+    }
+};
+
+template <typename Read>
+Reading ReadingOf(const Read& read) {
+    Reading reading;
+    try {
+        reading.lineUp = read([&](const std::string& warning) { reading.warnings.push_back(warning); });
+    } catch (const BadLineUp& e) {
+        reading.refusal = e.what();
+    }
+    return reading;
+}
+
+// Of a text that lies in no directory.
+inline Reading ReadingOfText(const std::string& text) {
+    return ReadingOf([&](const LineUpWarning& warn) { return ParseAnyLineUp(text, "/nowhere/f", warn); });
+}
+
+inline Reading ReadingOfFile(const std::string& path) {
+    return ReadingOf([&](const LineUpWarning& warn) { return ReadLineUp(path, warn); });
+}
+
+// "video 1 5101 AVC_HD_25", "audio 2 0 AC3 und encrypted", in their order.
+inline std::vector<std::string> ComponentsOf(const Service& service) {
+    static const char* const kTypes[] = {"video", "audio", "subtitle"};
+    std::vector<std::string> texts;
+    for (const auto& component : service.components) {
+        std::string text = kTypes[static_cast<int>(component->type)];
+        text += " " + std::to_string(component->tag) + " " + std::to_string(component->pid) + " " + component->encoding;
+        if (!component->language.empty()) text += " " + component->language;
+        if (component->encrypted) text += " encrypted";
+        texts.push_back(text);
+    }
+    return texts;
+}
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,136 @@
+// See arguments.h.
+#include "arguments.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "failure.h"
+#include "package/values.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+std::string All(std::istream& input) {
+    return {std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
+}
+
+std::string Names(const std::vector<Parameter>& parameters) {
+    std::string names;
+    for (const Parameter& parameter : parameters) {
+        names += (names.empty() ? "" : ", ") + parameter.name + " (" + parameter.type->name + ")";
+    }
+    return names.empty() ? "it takes none" : "it takes " + names;
+}
+
+class Reader {
+  public:
+    Reader(const std::string& whose, const std::vector<Parameter>& parameters)
+        : mWhose(whose), mParameters(parameters) {}
+
+    Json::Value Read(const GivenArguments& given, bool allRequired) {
+        if (given.json) TakeObject(*given.json);
+        for (const std::string& word : given.words) TakeWord(word);
+        for (const Parameter& parameter : mParameters) {
+            if (allRequired && !mValues.isMember(parameter.name)) {
+                Refuse("lacks the argument \"" + parameter.name + "\"; " + Names(mParameters));
+            }
+        }
+        return mValues;
+    }
+
+  private:
+    [[noreturn]] void Refuse(const std::string& reason) const { throw Failure(kUsage, mWhose + " " + reason); }
+
+    const Parameter& Named(const std::string& name) const {
+        std::vector<std::string> known;
+        for (const Parameter& parameter : mParameters) {
+            if (parameter.name == name) return parameter;
+            known.push_back(parameter.name);
+        }
+        Refuse("has no argument \"" + name + "\"" + (known.empty() ? "; it takes none" : DidYouMean(name, known)));
+    }
+
+    void Store(const Parameter& parameter, const Json::Value& value) {
+        if (mValues.isMember(parameter.name)) Refuse("has the argument \"" + parameter.name + "\" twice");
+        mValues[parameter.name] = value;
+    }
+
+    template <typename F>
+    void Take(const Parameter& parameter, F make) {
+        try {
+            Store(parameter, make());
+        } catch (const BadValue& e) {
+            throw Failure(kUsage, mWhose + ": argument \"" + parameter.name + "\": " + e.what());
+        }
+    }
+
+    void TakeObject(const std::string& word) {
+        Json::Value object;
+        try {
+            object = ParseJson(ReadWord(word));
+        } catch (const BadValue& e) {
+            throw Failure(kUsage, mWhose + ": the arguments after --json: " + e.what());
+        }
+        if (!object.isObject()) Refuse(": the arguments after --json are no object, as in '{\"channel\": 4096}'");
+        for (const std::string& name : object.getMemberNames()) {
+            const Parameter& parameter = Named(name);
+            Take(parameter, [&] { return FromJsonValue(*parameter.type, object[name]); });
+        }
+    }
+
+    void TakeWord(const std::string& word) {
+        const size_t equals = word.find('=');
+        const std::string name = word.substr(0, equals);
+        const bool named =
+            equals != std::string::npos && !name.empty() &&
+            std::all_of(name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) || c == '_'; }) &&
+            !std::isdigit(static_cast<unsigned char>(name[0]));
+        const Parameter& parameter = named ? Named(name) : Next(word);
+        const std::string value = named ? word.substr(equals + 1) : word;
+        const bool callback = parameter.type->kind == Type::Kind::Callback;
+        Take(parameter, [&] { return FromWord(*parameter.type, callback ? value : ReadWord(value)); });
+    }
+
+    const Parameter& Next(const std::string& word) const {
+        for (const Parameter& parameter : mParameters) {
+            if (!mValues.isMember(parameter.name)) return parameter;
+        }
+        Refuse("has an argument too many, " + Quoted(word) + "; " + Names(mParameters));
+    }
+
+    const std::string& mWhose;
+    const std::vector<Parameter>& mParameters;
+    Json::Value mValues{Json::objectValue};
+};
+
+}  // namespace
+
+std::string ReadWord(const std::string& word) {
+    if (word == "-") return All(std::cin);
+    if (word.rfind("@@", 0) == 0) return word.substr(1);
+    if (word.empty() || word[0] != '@') return word;
+    std::ifstream file(word.substr(1), std::ios::binary);
+    if (!file) throw Failure(kUsage, word.substr(1) + ": cannot be opened: " + std::strerror(errno));
+    const std::string text = All(file);
+    if (file.bad()) throw Failure(kUsage, word.substr(1) + ": cannot be read");
+    return text;
+}
+
+Json::Value ReadArguments(const std::string& whose, const std::vector<Parameter>& parameters,
+                          const GivenArguments& given, bool allRequired) {
+    return Reader(whose, parameters).Read(given, allRequired);
+}
+
+Json::Value InOrder(const std::vector<Parameter>& parameters, const Json::Value& byName) {
+    Json::Value values(Json::arrayValue);
+    for (const Parameter& parameter : parameters) values.append(byName[parameter.name]);
+    return values;
+}
+
+}  // namespace hbbtv::ctl

@@ -1,0 +1,192 @@
+// hbbtvctl bench: how long calls of one method take under load.
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstdio>
+#include <mutex>
+#include <thread>
+
+#include "arguments.h"
+#include "commands/commands.h"
+#include "commands/options.h"
+#include "failure.h"
+#include "hidl/caller.h"
+#include "package/values.h"
+#include "terminal/style.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Nanoseconds = std::chrono::nanoseconds;
+
+struct BenchOptions {
+    std::string method;
+    ArgumentOptions arguments;
+    unsigned concurrency = 1;
+    TimeOption duration{"5s"};
+    TimeOption timeout{"10s"};
+    double rate = 0;
+};
+
+class NoEvents : public EventSink {
+  public:
+    Json::Value Take(const char*, const char*, Json::Value) override { return Json::Value(Json::arrayValue); }
+};
+
+struct Measured {
+    std::vector<Nanoseconds> times;
+    uint64_t failed = 0;  // a status that is not 0
+    bool peerLost = false;
+};
+
+// The calls of all threads in turn: at their times when there is a rate, otherwise as fast as they go.
+class Pace {
+  public:
+    Pace(Clock::time_point begin, double rate) : mBegin(begin), mRate(rate) {}
+
+    // Waits for the next call's time and gives it. With a rate, a call that begins late counts from when it was due:
+    // waiting for a slow service is part of what a client sees.
+    Clock::time_point Next() {
+        if (mRate <= 0) return Clock::now();
+        const double seconds = static_cast<double>(mNumber++) / mRate;
+        const auto due = mBegin + std::chrono::duration_cast<Nanoseconds>(std::chrono::duration<double>(seconds));
+        std::this_thread::sleep_until(due);
+        return due;
+    }
+
+  private:
+    const Clock::time_point mBegin;
+    const double mRate;
+    std::atomic<uint64_t> mNumber{0};
+};
+
+// Nearest rank.
+Nanoseconds Percentile(const std::vector<Nanoseconds>& sorted, double percent) {
+    const size_t rank = static_cast<size_t>(std::ceil(percent / 100 * static_cast<double>(sorted.size())));
+    return sorted[std::max<size_t>(rank, 1) - 1];
+}
+
+// Everything that the threads touch, which may outlive the command when the service hangs.
+struct Job {
+    Job(const Interface& interface, const Method& theMethod, Json::Value theArguments, const BenchOptions& options)
+        : service(interface, options.timeout.Value()),
+          method(theMethod),
+          arguments(std::move(theArguments)),
+          begin(Clock::now()),
+          end(begin + options.duration.Value()),
+          pace(begin, options.rate) {}
+
+    const ServiceCaller service;
+    const Method& method;
+    const Json::Value arguments;
+    const Clock::time_point begin;
+    const Clock::time_point end;
+    Pace pace;
+    std::mutex mutex;
+    Measured measured;  // guarded by mutex while threads run
+};
+
+void Work(Job& job) {
+    NoEvents sink;
+    Measured mine;
+    while (!mine.peerLost) {
+        const Clock::time_point begin = job.pace.Next();
+        if (begin >= job.end) break;
+        const CallOutcome outcome = job.service.CallNow(job.method, job.arguments, sink);
+        mine.times.push_back(Clock::now() - begin);
+        mine.peerLost = !outcome.answered;
+        if (outcome.answered && !outcome.results.empty() && outcome.results[0].isInt() && outcome.results[0] != 0) {
+            ++mine.failed;
+        }
+    }
+    const std::lock_guard<std::mutex> lock(job.mutex);
+    Measured& all = job.measured;
+    all.times.insert(all.times.end(), mine.times.begin(), mine.times.end());
+    all.failed += mine.failed;
+    all.peerLost = all.peerLost || mine.peerLost;
+}
+
+void WorkAtOnce(Job& job, unsigned concurrency) {
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < concurrency; ++i) threads.emplace_back([&job] { Work(job); });
+    for (std::thread& thread : threads) thread.join();
+}
+
+struct Rank {
+    const char* name;
+    double percent;
+};
+constexpr Rank kRanks[] = {{"p50", 50}, {"p90", 90}, {"p99", 99}, {"p99.9", 99.9}, {"max", 100}};
+
+void Print(const std::string& name, const BenchOptions& options, const Measured& measured, double seconds) {
+    const double rate = static_cast<double>(measured.times.size()) / seconds;
+    if (options.arguments.json) {
+        Json::Value document(Json::objectValue);
+        document["method"] = name;
+        document["concurrency"] = options.concurrency;
+        document["duration_ms"] = static_cast<Json::Int64>(seconds * 1000);
+        document["calls"] = static_cast<Json::UInt64>(measured.times.size());
+        document["failed"] = static_cast<Json::UInt64>(measured.failed);
+        document["calls_per_second"] = static_cast<Json::Int64>(rate);
+        Json::Value& latency = document["latency_ns"] = Json::Value(Json::objectValue);
+        for (const Rank& rank : kRanks) {
+            latency[rank.name] = static_cast<Json::Int64>(Percentile(measured.times, rank.percent).count());
+        }
+        std::printf("%s\n", WriteJson(document).c_str());
+        return;
+    }
+    std::printf("%s, %u at once, %.1f s: %zu calls, %.0f per second, %llu with a status other than 0\n", name.c_str(),
+                options.concurrency, seconds, measured.times.size(), rate,
+                static_cast<unsigned long long>(measured.failed));
+    std::vector<std::vector<std::string>> rows;
+    for (const Rank& rank : kRanks) {
+        char text[40];
+        std::snprintf(text, sizeof(text), "%9.3f ms",
+                      static_cast<double>(Percentile(measured.times, rank.percent).count()) / 1e6);
+        rows.push_back({rank.name, text});
+    }
+    std::printf("%s", Columns(rows, "  ").c_str());
+}
+
+int Run(const BenchOptions& options) {
+    const auto [interface, method] = Package::Get().FindMethod(options.method);
+    const std::string name = interface->name + "." + method->name;
+    if (interface->callback) throw Failure(kUsage, interface->name + " is implemented by clients");
+    const Json::Value arguments =
+        InOrder(method->arguments, ReadArguments(name, method->arguments, options.arguments.given, true));
+    const auto job = std::make_shared<Job>(*interface, *method, arguments, options);
+    InTime(options.duration.Value() + options.timeout.Value(), name,
+           [job, concurrency = options.concurrency] { WorkAtOnce(*job, concurrency); });
+    const double seconds = std::chrono::duration<double>(Clock::now() - job->begin).count();
+    Measured& measured = job->measured;
+    if (measured.peerLost) throw Failure(kPeerLost, name + ": the service went away");
+    if (measured.times.empty()) throw Failure(kUsage, "no call fits into --duration");
+    std::sort(measured.times.begin(), measured.times.end());
+    Print(name, options, measured, seconds);
+    return measured.failed == 0 ? kDone : kStatusNotZero;
+}
+
+}  // namespace
+
+void AddBench(CLI::App& app, Invocation& invocation) {
+    auto options = std::make_shared<BenchOptions>();
+    CLI::App* command = app.add_subcommand("bench", "Measure how long calls of a method take");
+    command->add_option("method", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
+        ->type_name("METHOD")
+        ->required();
+    AddArguments(*command, options->arguments);
+    command->add_option("--concurrency", options->concurrency, "Calls at once")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(1, 64))
+        ->capture_default_str();
+    AddTime(*command, "--duration", options->duration, "How long to go on");
+    command->add_option("--rate", options->rate, "Calls per second, all together; as fast as it goes without it")
+        ->type_name("NUMBER")
+        ->check(CLI::PositiveNumber);
+    AddTime(*command, "--timeout", options->timeout, "Longest wait for an answer");
+    command->callback([options, &invocation] { invocation.run = [options] { return Run(*options); }; });
+}
+
+}  // namespace hbbtv::ctl

@@ -1,0 +1,122 @@
+// hbbtvctl call: one method of a registered interface.
+#include <cstdio>
+
+#include "arguments.h"
+#include "commands/commands.h"
+#include "commands/options.h"
+#include "failure.h"
+#include "hidl/caller.h"
+#include "hidl/event_printer.h"
+#include "package/handles.h"
+#include "package/values.h"
+#include "terminal/style.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+struct CallOptions {
+    std::string method;
+    ArgumentOptions arguments;
+    bool time = false;
+    bool numbers = false;
+    TimeOption timeout{"10s"};
+    TimeOption duration{""};
+    uint64_t count = 0;
+};
+
+// 0 for a method without a status.
+int StatusOf(const Method& method, const Json::Value& results) {
+    for (Json::ArrayIndex i = 0; i < method.results.size(); ++i) {
+        if (method.results[i].name == "status") return results[i].asInt();
+    }
+    return 0;
+}
+
+void PrintForPeople(const Method& method, const Json::Value& results, double milliseconds, bool time) {
+    std::vector<std::vector<std::string>> rows;
+    for (Json::ArrayIndex i = 0; i < method.results.size(); ++i) {
+        const Parameter& result = method.results[i];
+        rows.push_back({result.name, ForPeople(*result.type, results[i], IsHandle(result))});
+    }
+    char text[40];
+    std::snprintf(text, sizeof(text), "%.3f ms", milliseconds);
+    if (time) rows.push_back({"time", text});
+    std::printf("%s", Columns(rows, "").c_str());
+}
+
+void PrintForPrograms(const std::string& name, const Method& method, const Json::Value& results, double milliseconds,
+                      const CallOptions& options) {
+    Json::Value document(Json::objectValue);
+    document["method"] = name;
+    Json::Value& named = document["results"] = Json::Value(Json::objectValue);
+    for (Json::ArrayIndex i = 0; i < method.results.size(); ++i) {
+        const Parameter& result = method.results[i];
+        named[result.name] = ForPrograms(*result.type, results[i], options.numbers);
+    }
+    if (options.time) document["time_us"] = static_cast<Json::Int64>(milliseconds * 1000);
+    std::printf("%s\n", WriteJson(document).c_str());
+}
+
+bool Listens(const Json::Value& arguments) {
+    for (const Json::Value& argument : arguments) {
+        if (argument == "@listen") return true;
+    }
+    return false;
+}
+
+int Run(const CallOptions& options) {
+    const auto [interface, method] = Package::Get().FindMethod(options.method);
+    const std::string name = interface->name + "." + method->name;
+    if (interface->callback) {
+        throw Failure(kUsage, interface->name +
+                                  " is implemented by clients, so it cannot be called; `hbbtvctl emit` "
+                                  "plays the platform, whose events reach it");
+    }
+    const Json::Value byName = ReadArguments(name, method->arguments, options.arguments.given, true);
+    const Json::Value arguments = InOrder(method->arguments, byName);
+    // Callbacks may come as long as the process lives.
+    static Interruption interruption;
+    static EventPrinter events({options.arguments.json, options.numbers, {}, options.count}, interruption);
+    ServiceCaller service(*interface, options.timeout.Value());
+    const auto begin = std::chrono::steady_clock::now();
+    const Json::Value results = service.Call(*method, arguments, events);
+    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - begin;
+    if (options.arguments.json) {
+        PrintForPrograms(name, *method, results, took.count(), options);
+    } else {
+        PrintForPeople(*method, results, took.count(), options.time);
+    }
+    std::fflush(stdout);
+    const int status = StatusOf(*method, results);
+    if (status == 0 && Listens(arguments)) {
+        const bool limited = !options.duration.word.empty();
+        interruption.Wait(limited ? std::optional(options.duration.Value()) : std::nullopt);
+    }
+    return status == 0 ? kDone : kStatusNotZero;
+}
+
+}  // namespace
+
+void AddCall(CLI::App& app, Invocation& invocation) {
+    auto options = std::make_shared<CallOptions>();
+    CLI::App* command = app.add_subcommand("call", "Call a method of the running service");
+    command->add_option("method", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
+        ->type_name("METHOD")
+        ->required();
+    AddArguments(*command, options->arguments);
+    command->add_flag("--time", options->time, "Tell how long the call took");
+    command->add_flag("--numbers", options->numbers, "In JSON, enumerators by number instead of by name");
+    AddTime(*command, "--timeout", options->timeout, "Longest wait for the answer");
+    AddTime(*command, "--for", options->duration, "With @listen: end after this time");
+    command->add_option("--count", options->count, "With @listen: end after so many events")->type_name("NUMBER");
+    command->footer(
+        "Examples:\n"
+        "  hbbtvctl call IChannelConfig.GetCurrentChannel\n"
+        "  hbbtvctl call IChannel.GetName channel=0x1000\n"
+        "  hbbtvctl call IVideoBroadcast.SetWindow 0x1000 '{\"x\": 0, \"y\": 0, \"width\": 640, \"height\": 360}'\n"
+        "  hbbtvctl call IChannelConfig.RegisterCallback cb=@listen context=1 --for 10s");
+    command->callback([options, &invocation] { invocation.run = [options] { return Run(*options); }; });
+}
+
+}  // namespace hbbtv::ctl

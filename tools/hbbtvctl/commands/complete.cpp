@@ -1,0 +1,276 @@
+// hbbtvctl completion SHELL, and what those scripts ask. What can follow is read from the
+// command line's own description and the package, so there is no list of its own here.
+#include <algorithm>
+#include <cstdio>
+
+#include "commands/commands.h"
+#include "commands/options.h"
+#include "failure.h"
+#include "package/description.h"
+#include "wire/message.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+struct Candidate {
+    std::string word;
+    std::string hint;
+};
+
+using Candidates = std::vector<Candidate>;
+
+std::string FirstLine(const std::string& text) {
+    return text.substr(0, text.find('\n'));
+}
+
+// "INTERFACE." first, so that the list stays short; its methods once the dot is there.
+Candidates Methods(const std::string& word, bool callbacks) {
+    Candidates candidates;
+    const bool whole = word.find('.') != std::string::npos;
+    for (const Interface& interface : Package::Get().interfaces) {
+        if (interface.callback && !callbacks) continue;
+        if (!whole) candidates.push_back({interface.name + ".", FirstLine(interface.doc)});
+        for (const Method& method : interface.methods) {
+            if (whole) candidates.push_back({interface.name + "." + method.name, FirstLine(method.doc)});
+        }
+    }
+    return candidates;
+}
+
+Candidates Families(bool withEvents) {
+    Candidates candidates;
+    for (const WireFamily& family : Package::Get().families) {
+        if (withEvents && !family.protocol["endpoints"].isMember("events")) continue;
+        candidates.push_back({family.name, family.protocol["title"].asString()});
+    }
+    return candidates;
+}
+
+Candidates Operations(const std::string& word) {
+    Candidates candidates;
+    const bool whole = word.find('.') != std::string::npos;
+    for (const WireFamily& family : Package::Get().families) {
+        if (!whole) candidates.push_back({family.name + ".", family.protocol["title"].asString()});
+        for (const Json::Value& operation : family.protocol["operations"]) {
+            if (!whole) break;
+            candidates.push_back({family.name + "." + operation["name"].asString(), operation["doc"].asString()});
+        }
+    }
+    return candidates;
+}
+
+Candidates Names(const std::string& word) {
+    Candidates candidates = Methods(word, true);
+    if (word.find('.') == std::string::npos) {
+        for (Candidate& candidate : candidates) candidate.word.pop_back();
+        for (const auto& type : Package::Get().types) candidates.push_back({type->name, FirstLine(type->doc)});
+    }
+    for (const Candidate& operation : word.find('.') == std::string::npos ? Families(false) : Operations(word)) {
+        candidates.push_back(operation);
+    }
+    return candidates;
+}
+
+// "name=" of what is not given yet, and what may stand behind it.
+Candidates Arguments(const std::vector<Parameter>& parameters, const std::vector<std::string>& given,
+                     const std::string& word) {
+    Candidates candidates;
+    for (const Parameter& parameter : parameters) {
+        const std::string start = parameter.name + "=";
+        if (word.rfind(start, 0) == 0) {
+            for (const Enumerator& e : parameter.type->enumerators)
+                candidates.push_back({start + e.name, FirstLine(e.doc)});
+            if (parameter.type->kind == Type::Kind::Bool) candidates = {{start + "true", ""}, {start + "false", ""}};
+            if (parameter.type->kind == Type::Kind::Callback) candidates = {{start + "@listen", ""}};
+            return candidates;
+        }
+        const bool taken = std::any_of(given.begin(), given.end(),
+                                       [&](const std::string& other) { return other.rfind(start, 0) == 0; });
+        if (!taken) candidates.push_back({start, parameter.type->name});
+    }
+    return candidates;
+}
+
+std::vector<Parameter> ParametersOf(const std::string& command, const std::vector<std::string>& positionals) {
+    const Package& package = Package::Get();
+    if (command == "emit") {
+        if (positionals.size() < 2) return {};
+        const WireFamily& family = package.FindFamily(positionals[0]);
+        return WireArguments(package, EventMembers(family, FindEvent(family, positionals[1])));
+    }
+    if (command == "send") {
+        const size_t dot = positionals[0].find('.');
+        const WireFamily& family = package.FindFamily(positionals[0].substr(0, dot));
+        const Json::Value* operation = family.Operation(positionals[0].substr(dot + 1));
+        return operation == nullptr ? std::vector<Parameter>() : WireArguments(package, (*operation)["request"]);
+    }
+    return package.FindMethod(positionals[0]).method->arguments;
+}
+
+Candidates Events(const std::string& familyName) {
+    Candidates candidates;
+    const WireFamily& family = Package::Get().FindFamily(familyName);
+    for (const Json::Value& event : family.protocol["events"]) {
+        const std::string callback = event["callback"].asString();
+        candidates.push_back({callback.empty() ? event["code"].asString() : callback, event["name"].asString()});
+    }
+    return candidates;
+}
+
+// The command line up to the word that is being completed.
+class Line {
+  public:
+    Line(const CLI::App& app, const std::vector<std::string>& words) : mCommand(&app) {
+        for (size_t i = 0; i + 1 < words.size(); ++i) Take(words[i]);
+        mWord = words.empty() ? "" : words.back();
+    }
+
+    Candidates Complete() const {
+        if (mOption != nullptr) return OfType(mOption->get_type_name());
+        if (!mWord.empty() && mWord[0] == '-') return Options();
+        if (mCommand->get_parent() == nullptr) return Commands();
+        std::vector<const CLI::Option*> positionals;
+        for (const CLI::Option* option : mCommand->get_options()) {
+            if (option->get_positional()) positionals.push_back(option);
+        }
+        if (positionals.empty()) return {};
+        return OfType(positionals[std::min(mPositionals.size(), positionals.size() - 1)]->get_type_name());
+    }
+
+  private:
+    void Take(const std::string& word) {
+        if (mOption != nullptr) {
+            mOption = nullptr;
+        } else if (word.size() > 1 && word[0] == '-') {
+            const CLI::Option* option = mCommand->get_option_no_throw(word.substr(0, word.find('=')));
+            const bool takesValue = option != nullptr && option->get_expected_min() > 0;
+            if (takesValue && word.find('=') == std::string::npos) mOption = option;
+        } else if (mCommand->get_parent() == nullptr) {
+            const auto commands = mCommand->get_subcommands([&word](const CLI::App* c) { return c->check_name(word); });
+            if (!commands.empty()) mCommand = commands.front();
+        } else {
+            mPositionals.push_back(word);
+        }
+    }
+
+    Candidates Commands() const {
+        Candidates candidates;
+        for (const CLI::App* command :
+             mCommand->get_subcommands([](const CLI::App* c) { return !c->get_group().empty(); })) {
+            candidates.push_back({command->get_name(), command->get_description()});
+        }
+        return candidates;
+    }
+
+    Candidates Options() const {
+        Candidates candidates;
+        for (const CLI::Option* option : mCommand->get_options()) {
+            if (option->get_group().empty()) continue;
+            for (const std::string& name : option->get_lnames()) {
+                candidates.push_back({"--" + name, option->get_description()});
+            }
+        }
+        return candidates;
+    }
+
+    Candidates OfType(const std::string& type) const {
+        if (type == "METHOD") return Methods(mWord, false);
+        if (type == "OPERATION") return Operations(mWord);
+        if (type == "FAMILY" || type == "FAMILY...") return Families(true);
+        if (type == "EVENT" && !mPositionals.empty()) return Events(mPositionals[0]);
+        if (type == "NAME") return Names(mWord);
+        if (type == "SHELL") return {{"bash", ""}, {"zsh", ""}, {"fish", ""}};
+        if (type == "ARGUMENT..." && !mPositionals.empty()) {
+            return Arguments(ParametersOf(mCommand->get_name(), mPositionals), mPositionals, mWord);
+        }
+        return {};
+    }
+
+    const CLI::App* mCommand;
+    const CLI::Option* mOption = nullptr;  // waits for its value
+    std::vector<std::string> mPositionals;
+    std::string mWord;
+};
+
+constexpr const char* kBash = R"(# bash completion of hbbtvctl: source it, or put it where bash-completion looks.
+_hbbtvctl() {
+    local line=${COMP_LINE:0:COMP_POINT} words word candidate
+    read -r -a words <<<"$line"
+    [[ $line == *[[:space:]] ]] && words+=("")
+    word=${words[-1]}
+    COMPREPLY=()
+    # Bash takes what follows an "=" for a word of its own.
+    local prefix=""
+    [[ $word == *=* && $COMP_WORDBREAKS == *=* ]] && prefix=${word%"${word##*=}"}
+    while IFS=$'\t' read -r candidate _; do
+        COMPREPLY+=("${candidate#"$prefix"}")
+    done < <(hbbtvctl complete -- "${words[@]:1}" 2>/dev/null)
+    if [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *[.=] ]]; then
+        compopt -o nospace
+    fi
+}
+complete -o default -F _hbbtvctl hbbtvctl
+)";
+
+constexpr const char* kZsh = R"(#compdef hbbtvctl
+# zsh completion of hbbtvctl: put it as _hbbtvctl into a directory of $fpath, or source it after compinit.
+_hbbtvctl() {
+    local candidate hint
+    local -a plain open plain_hints open_hints
+    while IFS=$'\t' read -r candidate hint; do
+        if [[ $candidate == *[.=] ]]; then
+            open+=("$candidate") open_hints+=("$candidate  $hint")
+        else
+            plain+=("$candidate") plain_hints+=("$candidate  $hint")
+        fi
+    done < <(hbbtvctl complete -- "${(@)words[2,CURRENT]}" 2>/dev/null)
+    (( $#plain )) && compadd -l -d plain_hints -a plain
+    (( $#open )) && compadd -S '' -l -d open_hints -a open
+    (( $#plain + $#open )) || _files
+}
+if [[ $funcstack[1] == _hbbtvctl ]]; then _hbbtvctl "$@"; else compdef _hbbtvctl hbbtvctl; fi
+)";
+
+constexpr const char* kFish =
+    R"(# fish completion of hbbtvctl: put it into ~/.config/fish/completions/hbbtvctl.fish, or source it.
+function __hbbtvctl
+    set -l words (commandline -opc) (commandline -ct)
+    hbbtvctl complete -- $words[2..-1] 2>/dev/null
+end
+complete -c hbbtvctl -f -a '(__hbbtvctl)'
+complete -c hbbtvctl -n '__fish_seen_argument -l directory' -F
+)";
+
+int PrintScript(const std::string& shell) {
+    std::printf("%s", shell == "bash" ? kBash : shell == "zsh" ? kZsh : kFish);
+    return kDone;
+}
+
+}  // namespace
+
+int Complete(const CLI::App& app, const std::vector<std::string>& words) {
+    const std::string word = words.empty() ? "" : words.back();
+    try {
+        for (const Candidate& candidate : Line(app, words).Complete()) {
+            if (candidate.word.rfind(word, 0) != 0) continue;
+            std::printf("%s\t%s\n", candidate.word.c_str(), FirstLine(candidate.hint).c_str());
+        }
+    } catch (const Failure&) {
+        // A name in front that nobody knows: nothing can follow.
+    }
+    return kDone;
+}
+
+void AddCompletion(CLI::App& app, Invocation& invocation) {
+    auto shell = std::make_shared<std::string>();
+    CLI::App* command = app.add_subcommand("completion", "Print the completion script for a shell");
+    command->add_option("shell", *shell, "bash, zsh or fish")
+        ->type_name("SHELL")
+        ->required()
+        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
+    command->footer("Example, in ~/.bashrc:\n  source <(hbbtvctl completion bash)");
+    command->callback([shell, &invocation] { invocation.run = [shell] { return PrintScript(*shell); }; });
+}
+
+}  // namespace hbbtv::ctl

@@ -1,0 +1,197 @@
+// hbbtvctl describe: what the .hal files and the wire say of a name.
+#include <cstdio>
+#include <sstream>
+
+#include "commands/commands.h"
+#include "commands/options.h"
+#include "failure.h"
+#include "package/values.h"
+#include "terminal/style.h"
+#include "wire/endpoint.h"
+#include "wire/message.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+std::string Signature(const Method& method) {
+    const auto list = [](const std::vector<Parameter>& parameters) {
+        std::string text;
+        for (const Parameter& parameter : parameters) {
+            text += (text.empty() ? "" : ", ") + parameter.type->name + " " + parameter.name;
+        }
+        return text;
+    };
+    const std::string results = method.results.empty() ? "" : " -> (" + list(method.results) + ")";
+    return method.name + "(" + list(method.arguments) + ")" + results;
+}
+
+std::string FirstSentence(const std::string& doc) {
+    const std::string line = doc.substr(0, doc.find("\n\n"));
+    std::string text = line.substr(0, line.find(". "));
+    for (char& c : text) c = c == '\n' ? ' ' : c;
+    return text.empty() || text.back() == '.' ? text : text + ".";
+}
+
+std::string MemberText(const Json::Value& member) {
+    std::string text = member["key"].asString() + " (" + member["type"].asString() + ")";
+    if (member.isMember("repeat")) text += ", %d from 0, as many as \"" + member["repeat"].asString() + "\" says";
+    if (member.isMember("doc")) text += ": " + member["doc"].asString();
+    return text;
+}
+
+std::string MembersText(const Json::Value& members) {
+    std::string text;
+    for (const Json::Value& member : members) text += "    " + MemberText(member) + "\n";
+    return text.empty() ? "    none\n" : text;
+}
+
+void PrintTypes(const std::vector<Parameter>& parameters);
+
+void PrintType(const Type& type) {
+    if (type.kind == Type::Kind::Vector) return PrintType(*type.element);
+    if (type.kind != Type::Kind::Enum && type.kind != Type::Kind::Struct) return;
+    std::printf("\n%s\n%s", Bold(type.name).c_str(), Indented(type.doc, "    ").c_str());
+    std::vector<std::vector<std::string>> rows;
+    for (const Enumerator& e : type.enumerators)
+        rows.push_back({std::to_string(e.value), e.name, FirstSentence(e.doc)});
+    for (const Parameter& field : type.fields) rows.push_back({field.type->name, field.name});
+    std::printf("%s", Columns(rows, "    ").c_str());
+    PrintTypes(type.fields);
+}
+
+void PrintTypes(const std::vector<Parameter>& parameters) {
+    for (const Parameter& parameter : parameters) PrintType(*parameter.type);
+}
+
+void PrintOperation(const WireFamily& family, const Json::Value& operation) {
+    const Endpoint endpoint = RequestsOf(family);
+    const Json::Value& envelope = family.protocol["envelope"];
+    std::string codes;
+    if (envelope.isMember("type"))
+        codes = envelope["type"]["key"].asString() + " " + envelope["type"]["value"].asString() + ", ";
+    codes += envelope["code"]["key"].asString() + " " + operation["code"].asString();
+    std::printf("\n%s %s, %s, to %s, port %d\n", Bold("Wire").c_str(), operation["form"].asCString(), codes.c_str(),
+                endpoint.socket.c_str(), endpoint.port);
+    if (operation.isMember("note")) std::printf("%s", Indented(operation["note"].asString(), "    ").c_str());
+    std::printf("  request\n%s", MembersText(operation["request"]).c_str());
+    if (operation["form"] != "one-way") {
+        std::printf("  reply\n    ret (int): 0 for success\n%s",
+                    operation["reply"].empty() ? "" : MembersText(operation["reply"]).c_str());
+    }
+}
+
+int DescribeMethod(const Interface& interface, const Method& method) {
+    std::printf("%s\n%s", Bold(interface.name + "." + Signature(method)).c_str(), Indented(method.doc, "    ").c_str());
+    const WireFamily* family = Package::Get().FamilyOf(interface);
+    if (const Json::Value* operation = family == nullptr ? nullptr : family->Operation(method.name)) {
+        PrintOperation(*family, *operation);
+    }
+    PrintTypes(method.arguments);
+    PrintTypes(method.results);
+    return kDone;
+}
+
+int DescribeInterface(const Interface& interface) {
+    std::printf("%s%s\n%s\n", Bold(Package::Get().name + "::" + interface.name).c_str(),
+                interface.callback ? ", implemented by clients" : "", Indented(interface.doc, "    ").c_str());
+    for (const Method& method : interface.methods) {
+        std::printf("  %s\n", Signature(method).c_str());
+        if (!method.doc.empty()) std::printf("      %s\n", Dim(FirstSentence(method.doc)).c_str());
+    }
+    return kDone;
+}
+
+int DescribeOperation(const WireFamily& family, const Json::Value& operation) {
+    std::printf("%s\n%s", Bold(family.name + "." + operation["name"].asString()).c_str(),
+                Indented(operation["doc"].asString(), "    ").c_str());
+    PrintOperation(family, operation);
+    return kDone;
+}
+
+void PrintEvents(const WireFamily& family) {
+    std::vector<std::vector<std::string>> rows;
+    for (const Json::Value& event : family.protocol["events"]) {
+        std::string members;
+        for (const Json::Value& member : event["members"])
+            members += (members.empty() ? "" : ", ") + member["key"].asString();
+        std::string forms;
+        for (const Json::Value& form : event["forms"]) forms += (forms.empty() ? "" : ", ") + form.asString();
+        rows.push_back({event["object"].asString(), event["code"].asString(), event["name"].asString(), forms,
+                        event["callback"].asString(), members});
+    }
+    std::printf("\nEvents\n%s", Columns(rows, "  ").c_str());
+}
+
+int DescribeFamily(const WireFamily& family) {
+    const Endpoint requests = RequestsOf(family);
+    std::printf("%s (%s)\n%s\n", Bold(family.name).c_str(), family.protocol["title"].asCString(),
+                Indented(family.protocol["doc"].asString(), "    ").c_str());
+    std::printf("  requests  key %d, port %d, %s, served by the platform\n", requests.key, requests.port,
+                requests.socket.c_str());
+    if (family.protocol["endpoints"].isMember("events")) {
+        const Endpoint events = EventsOf(family);
+        std::printf("  events    key %d, port %d, %s, served by the library\n", events.key, events.port,
+                    events.socket.c_str());
+    }
+    std::vector<std::vector<std::string>> rows;
+    for (const Json::Value& operation : family.protocol["operations"]) {
+        rows.push_back({operation["code"].asString(), operation["name"].asString(), operation["form"].asString(),
+                        Dim(FirstSentence(operation["doc"].asString()))});
+    }
+    std::printf("\nOperations\n%s", Columns(rows, "  ").c_str());
+    if (!family.protocol["events"].empty()) PrintEvents(family);
+    return kDone;
+}
+
+std::vector<std::string> AllNames(const Package& package) {
+    std::vector<std::string> names;
+    for (const Interface& interface : package.interfaces) names.push_back(interface.name);
+    for (const WireFamily& family : package.families) names.push_back(family.name);
+    for (const auto& type : package.types) names.push_back(type->name);
+    return names;
+}
+
+// The part before a dot is an interface or a family, without a dot it may be a type as well. Exact names first: the
+// interface IChannel and the family channel differ.
+int Run(const std::string& name) {
+    const Package& package = Package::Get();
+    const size_t dot = name.find('.');
+    const std::string owner = name.substr(0, dot);
+    const std::string member = dot == std::string::npos ? "" : name.substr(dot + 1);
+    for (const auto& type : package.types) {
+        if (type->name != name) continue;
+        PrintType(*type);
+        return kDone;
+    }
+    for (const WireFamily& family : package.families) {
+        if (family.name != owner) continue;
+        if (member.empty()) return DescribeFamily(family);
+        if (const Json::Value* operation = family.Operation(member)) return DescribeOperation(family, *operation);
+        throw Failure(kUsage, "the family " + family.name + " has no operation \"" + member + "\"");
+    }
+    if (!member.empty()) {
+        const auto [interface, method] = package.FindMethod(name);
+        return DescribeMethod(*interface, *method);
+    }
+    try {
+        return DescribeInterface(package.FindInterface(name));
+    } catch (const Failure&) {
+        throw Failure(kUsage,
+                      "there is no interface, family or type \"" + name + "\"" + DidYouMean(name, AllNames(package)));
+    }
+}
+
+}  // namespace
+
+void AddDescribe(CLI::App& app, Invocation& invocation) {
+    auto name = std::make_shared<std::string>();
+    CLI::App* command =
+        app.add_subcommand("describe", "Explain an interface, a method, a type or a family of the wire");
+    command->add_option("name", *name, "As in IChannel, IChannel.GetOnid, TolmRect, channel, channel.GetOnid")
+        ->type_name("NAME")
+        ->required();
+    command->callback([name, &invocation] { invocation.run = [name] { return Run(*name); }; });
+}
+
+}  // namespace hbbtv::ctl

@@ -1,0 +1,284 @@
+// hbbtvctl doctor: what usually is wrong when nothing works, one line each.
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+
+#include "commands/commands.h"
+#include "commands/options.h"
+#include "failure.h"
+#include "hidl/caller.h"
+#include "package/values.h"
+#include "terminal/style.h"
+#include "wire/endpoint.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+constexpr unsigned kEveryoneMayConnect = 0222;
+
+struct DoctorOptions {
+    bool json = false;
+    TimeOption timeout{"5s"};
+};
+
+struct Check {
+    enum class Level { Good, Warning, Problem };
+
+    std::string name;
+    Level level;
+    std::string finding;
+    std::string advice;
+    ExitCode code = kNobodyThere;  // of a problem
+};
+
+using Checks = std::vector<Check>;
+
+Check Good(const std::string& name, const std::string& finding) {
+    return {name, Check::Level::Good, finding, ""};
+}
+
+Check CheckDirectory(const std::string& directory) {
+    struct stat status {};
+    const char* name = "directory";
+    if (stat(directory.c_str(), &status) != 0) {
+        return {name, Check::Level::Problem, directory + ": " + std::strerror(errno),
+                "create it, or set TMPDIR (or --directory) to the one that service and platform use"};
+    }
+    if (!S_ISDIR(status.st_mode)) {
+        return {name, Check::Level::Problem, directory + " is no directory", "set TMPDIR to a directory"};
+    }
+    if (access(directory.c_str(), W_OK | X_OK) != 0) {
+        return {name, Check::Level::Problem, directory + " is not writable for this user",
+                "sockets cannot be made there; chmod it, or use another TMPDIR"};
+    }
+    return Good(name, directory + " is writable");
+}
+
+Check CheckPathLength(const std::string& directory) {
+    const std::string longest = LongestFileName(Package::Get());
+    const size_t length = directory.size() + 1 + longest.size();
+    const std::string finding =
+        "the longest socket path has " + std::to_string(length) + " of " + std::to_string(kLongestPath) + " bytes";
+    if (length <= kLongestPath) return Good("path length", finding);
+    return {"path length", Check::Level::Problem, finding + " (" + longest + ")",
+            "use a directory of at most " + std::to_string(kLongestPath - 1 - longest.size()) + " bytes"};
+}
+
+std::string Advice(Finding::State state) {
+    switch (state) {
+        case Finding::State::Missing:
+            return "start the platform (or hbbtv-sim) with the same TMPDIR";
+        case Finding::State::Stale:
+            return "its process is gone; start the platform again, it replaces the file";
+        case Finding::State::Forbidden:
+            return "chmod 777 the socket, and let the user search its directory";
+        case Finding::State::NoSocket:
+            return "remove or rename what is in its place";
+        default:
+            return "look at the other side's log";
+    }
+}
+
+// One line when all are well, else one for each way in which they are not.
+Checks CheckPlatform(const std::string& directory) {
+    std::map<Finding::State, std::vector<std::string>> byState;
+    std::map<std::string, int> peers;
+    size_t all = 0;
+    for (const Endpoint& endpoint : AllEndpoints(Package::Get())) {
+        if (!endpoint.ofPlatform) continue;
+        const Finding finding = LookAt(PathOf(directory, endpoint));
+        byState[finding.state].push_back(endpoint.socket);
+        if (finding.state == Finding::State::Serving) ++peers[finding.peer];
+        ++all;
+    }
+    Checks checks;
+    for (const auto& [state, sockets] : byState) {
+        const std::string count = std::to_string(sockets.size()) + " of " + std::to_string(all) + " sockets ";
+        Finding finding;
+        finding.state = state;
+        if (state == Finding::State::Serving) {
+            std::string served;
+            for (const auto& peer : peers) served += (served.empty() ? "" : ", ") + peer.first;
+            checks.push_back(Good("platform", count + "are served by " + served));
+            continue;
+        }
+        std::string names;
+        for (const std::string& socket : sockets) names += (names.empty() ? "" : ", ") + socket;
+        checks.push_back(
+            {"platform", Check::Level::Problem, count + "are " + finding.InWords() + ": " + names, Advice(state)});
+    }
+    return checks;
+}
+
+// The library opens each of its sockets when a client first uses the family, so a missing one is no fault.
+Checks CheckLibrary(const std::string& directory) {
+    Checks checks;
+    size_t serving = 0;
+    size_t all = 0;
+    for (const Endpoint& endpoint : AllEndpoints(Package::Get())) {
+        if (endpoint.ofPlatform) continue;
+        const Finding finding = LookAt(PathOf(directory, endpoint));
+        ++all;
+        if (finding.state == Finding::State::Serving) ++serving;
+        if (finding.state == Finding::State::Serving || finding.state == Finding::State::Missing) continue;
+        const bool stale = finding.state == Finding::State::Stale;
+        checks.push_back({"library", stale ? Check::Level::Warning : Check::Level::Problem,
+                          endpoint.socket + " is " + finding.InWords(),
+                          stale ? "left by a process that is gone; the service replaces it at the family's first use"
+                                : Advice(finding.state)});
+    }
+    checks.insert(checks.begin(), Good("library", std::to_string(serving) + " of " + std::to_string(all) +
+                                                      " event sockets are open; each opens at its family's first use"));
+    return checks;
+}
+
+Checks CheckRights(const std::string& directory) {
+    Checks checks;
+    for (const Endpoint& endpoint : AllEndpoints(Package::Get())) {
+        const Finding finding = LookAt(PathOf(directory, endpoint));
+        if (finding.state != Finding::State::Serving || (finding.mode & kEveryoneMayConnect) == kEveryoneMayConnect) {
+            continue;
+        }
+        char mode[16];
+        std::snprintf(mode, sizeof(mode), "%03o", finding.mode);
+        checks.push_back({"rights", Check::Level::Warning, endpoint.socket + " has mode " + mode,
+                          "processes of other users cannot connect; its owner should make it 777"});
+    }
+    if (checks.empty()) checks.push_back(Good("rights", "every user may connect to the sockets that are there"));
+    return checks;
+}
+
+std::string HostDirectory(const std::string& directory) {
+    const char* own = std::getenv("HIDL_HOST_DIR");
+    return own != nullptr ? own : directory + "/hidl-host";
+}
+
+Check CheckHostDirectory(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        return {"interfaces", Check::Level::Problem, path + ": " + std::strerror(errno),
+                "no process has registered an interface; start hbbtv_service with the same TMPDIR (or HIDL_HOST_DIR)"};
+    }
+    if (status.st_uid != geteuid()) {
+        return {"interfaces", Check::Level::Problem, path + " belongs to user " + std::to_string(status.st_uid),
+                "run as that user, or set HIDL_HOST_DIR for service and clients"};
+    }
+    return Good("interfaces", "names are looked up in " + path);
+}
+
+Check CheckService(Milliseconds limit) {
+    std::vector<std::string> missing;
+    size_t all = 0;
+    for (const auto& [name, binding] : AllBindings()) {
+        const auto there = std::make_shared<bool>(false);
+        try {
+            InTime(limit, name, [there, find = binding->find] {
+                const auto service = find();
+                *there = service != nullptr && service->ping().isOk();
+            });
+        } catch (const Failure& e) {
+            return {"service", Check::Level::Problem, e.what(),
+                    "the service hangs; look where with gdb, or start it again", kTimeout};
+        }
+        ++all;
+        if (!*there) missing.push_back(name);
+    }
+    const std::string count =
+        std::to_string(all - missing.size()) + " of " + std::to_string(all) + " interfaces answer";
+    if (missing.empty()) return Good("service", count);
+    std::string names;
+    for (const std::string& name : missing) names += (names.empty() ? "" : ", ") + name;
+    return {"service", Check::Level::Problem, count + "; missing: " + names,
+            missing.size() == all ? "start hbbtv_service"
+                                  : "the service is older than this tool, or could not register them"};
+}
+
+// Interfaces of our package in another version than ours: client and service would not find each other.
+Check CheckVersions(const std::string& path) {
+    const std::string ours = Package::Get().name + "::";
+    const std::string package = ours.substr(0, ours.find('@') + 1);
+    std::string others;
+    DIR* names = opendir(path.c_str());
+    while (const dirent* entry = names == nullptr ? nullptr : readdir(names)) {
+        const std::string name = entry->d_name;
+        if (name.rfind(package, 0) != 0 || name.rfind(ours, 0) == 0) continue;
+        others += (others.empty() ? "" : ", ") + name.substr(0, name.find(','));
+    }
+    if (names != nullptr) closedir(names);
+    if (others.empty()) return Good("version", "nothing but " + Package::Get().name + " is registered");
+    return {"version", Check::Level::Problem, "also registered: " + others,
+            "build service, clients and this tool from the same package", kNotUnderstood};
+}
+
+void PrintForPeople(const Checks& checks) {
+    for (const Check& check : checks) {
+        const std::string level = check.level == Check::Level::Good      ? Green("ok     ")
+                                  : check.level == Check::Level::Warning ? Yellow("warning")
+                                                                         : Red("PROBLEM");
+        const std::string advice = check.advice.empty() ? "" : "; " + check.advice;
+        std::printf("%s  %-11s  %s%s\n", level.c_str(), check.name.c_str(), check.finding.c_str(), advice.c_str());
+    }
+}
+
+void PrintForPrograms(const Checks& checks) {
+    Json::Value document(Json::objectValue);
+    Json::Value& list = document["checks"] = Json::Value(Json::arrayValue);
+    for (const Check& check : checks) {
+        Json::Value entry(Json::objectValue);
+        entry["check"] = check.name;
+        entry["level"] = check.level == Check::Level::Good      ? "ok"
+                         : check.level == Check::Level::Warning ? "warning"
+                                                                : "problem";
+        entry["finding"] = check.finding;
+        entry["advice"] = check.advice;
+        list.append(entry);
+    }
+    std::printf("%s\n", WriteJson(document).c_str());
+}
+
+int Run(const std::string& directory, const DoctorOptions& options) {
+    const std::string hostDirectory = HostDirectory(directory);
+    Checks checks{CheckDirectory(directory), CheckPathLength(directory)};
+    const auto add = [&checks](const Checks& more) { checks.insert(checks.end(), more.begin(), more.end()); };
+    add(CheckPlatform(directory));
+    add(CheckLibrary(directory));
+    add(CheckRights(directory));
+    checks.push_back(CheckHostDirectory(hostDirectory));
+    if (checks.back().level == Check::Level::Good) {
+        checks.push_back(CheckService(options.timeout.Value()));
+        checks.push_back(CheckVersions(hostDirectory));
+    }
+    if (options.json) {
+        PrintForPrograms(checks);
+    } else {
+        PrintForPeople(checks);
+    }
+    for (const Check& check : checks) {
+        if (check.level == Check::Level::Problem) return check.code;
+    }
+    return kDone;
+}
+
+}  // namespace
+
+void AddDoctor(CLI::App& app, Invocation& invocation) {
+    auto options = std::make_shared<DoctorOptions>();
+    CLI::App* command = app.add_subcommand("doctor", "Find what keeps service, platform and clients apart");
+    AddJson(*command, options->json);
+    AddTime(*command, "--timeout", options->timeout, "Longest wait for the service");
+    command->footer(
+        "Exit codes: 0 no problem (warnings may be), else that of the first problem:\n"
+        "3 something is missing or cannot be reached, 4 the service hangs, 5 versions that do not fit.");
+    command->callback([options, &invocation] {
+        invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };
+    });
+}
+
+}  // namespace hbbtv::ctl

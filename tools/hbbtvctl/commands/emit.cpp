@@ -1,0 +1,71 @@
+// hbbtvctl emit: an event as the platform writes it, to the socket that the library serves.
+#include <cstdio>
+
+#include "arguments.h"
+#include "commands/commands.h"
+#include "commands/exchange.h"
+#include "commands/options.h"
+#include "failure.h"
+#include "wire/endpoint.h"
+#include "wire/message.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+struct EmitOptions {
+    std::string family;
+    std::string event;
+    ArgumentOptions arguments;
+    bool request = false;
+    bool oneWay = false;
+    ExchangeOptions exchange;
+};
+
+// In the first form that the event has, when nobody asks for another.
+bool WithReply(const EmitOptions& options, const Json::Value& event) {
+    if (options.request || options.oneWay) return options.request;
+    return event["forms"][0] == "request";
+}
+
+int Run(const std::string& directory, const EmitOptions& options) {
+    const WireFamily& family = Package::Get().FindFamily(options.family);
+    const Endpoint endpoint = EventsOf(family);
+    if (options.exchange.Raw()) return ExchangeRaw(PathOf(directory, endpoint), options.exchange);
+    if (options.event.empty()) {
+        throw Failure(kUsage, "emit needs an event of " + family.name + " (`hbbtvctl describe " + family.name +
+                                  "` shows all), or --raw");
+    }
+    const Json::Value& event = FindEvent(family, options.event);
+    const Json::Value members = EventMembers(family, event);
+    const std::vector<Parameter> parameters = WireArguments(Package::Get(), members);
+    const std::string name = family.name + " event " + event["name"].asString();
+    const Json::Value values = ReadArguments(name, parameters, options.arguments.given, false);
+    return Exchange(PathOf(directory, endpoint), endpoint.port, MakeEvent(family, event, values),
+                    WithReply(options, event), options.arguments.json, options.exchange);
+}
+
+}  // namespace
+
+void AddEmit(CLI::App& app, Invocation& invocation) {
+    auto options = std::make_shared<EmitOptions>();
+    CLI::App* command = app.add_subcommand("emit", "Play the platform: send an event to the library");
+    command->add_option("family", options->family, "As in channel_config")->type_name("FAMILY")->required();
+    command->add_option("event", options->event, "Its code, its name, or the client's method that it reaches")
+        ->type_name("EVENT");
+    AddArguments(*command, options->arguments);
+    CLI::Option* request = command->add_flag("--request", options->request, "Ask for a reply and wait for it");
+    command->add_flag("--one-way", options->oneWay, "Ask for no reply")->excludes(request);
+    AddExchangeOptions(*command, options->exchange);
+    command->footer(
+        "Members that are not given are left out.\n\n"
+        "Examples:\n"
+        "  hbbtvctl emit channel_config changed reserved=A\n"
+        "  hbbtvctl emit video_broadcast onPlayStateChange state=2 error=0 context=0xc0de\n"
+        "  hbbtvctl emit video_broadcast --raw @damaged.bin");
+    command->callback([options, &invocation] {
+        invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };
+    });
+}
+
+}  // namespace hbbtv::ctl

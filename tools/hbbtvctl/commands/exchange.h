@@ -1,0 +1,30 @@
+// One message to a socket of the wire and, where there is one, its reply; shown to the user.
+#pragma once
+
+#include <json/value.h>
+
+#include <string>
+
+#include "commands/options.h"
+
+namespace hbbtv::ctl {
+
+struct ExchangeOptions {
+    TimeOption timeout{"10s"};
+    bool time = false;
+    bool verbose = false;  // show the message, too
+    std::string raw;       // exact bytes
+
+    bool Raw() const { return !raw.empty(); }
+};
+
+void AddExchangeOptions(CLI::App& command, ExchangeOptions& options);
+
+// Sends the message and gives the exit code: by the reply's "ret", or kDone when there is no reply to wait for.
+int Exchange(const std::string& path, int port, const Json::Value& message, bool withReply, bool json,
+             const ExchangeOptions& options);
+
+// Sends options.raw as it is and shows what comes back, in hexadecimal.
+int ExchangeRaw(const std::string& path, const ExchangeOptions& options);
+
+}  // namespace hbbtv::ctl

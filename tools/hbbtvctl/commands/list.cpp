@@ -1,0 +1,103 @@
+// hbbtvctl list: what of the system is there right now.
+#include <cstdio>
+
+#include "commands/commands.h"
+#include "commands/options.h"
+#include "failure.h"
+#include "hidl/caller.h"
+#include "package/values.h"
+#include "terminal/style.h"
+#include "wire/endpoint.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+struct ListOptions {
+    bool json = false;
+    TimeOption timeout{"5s"};
+};
+
+std::vector<std::pair<std::string, bool>> Registered(Milliseconds limit) {
+    std::vector<std::pair<std::string, bool>> interfaces;
+    for (const auto& [name, binding] : AllBindings()) {
+        const auto found = std::make_shared<bool>(false);
+        InTime(limit, "asking for " + name, [found, find = binding->find] { *found = find() != nullptr; });
+        interfaces.emplace_back(name, *found);
+    }
+    return interfaces;
+}
+
+std::string State(const Finding& finding) {
+    const std::string words = finding.InWords();
+    if (finding.state == Finding::State::Serving) return Green(words);
+    return finding.state == Finding::State::Missing ? Dim(words) : Red(words);
+}
+
+void PrintEndpoints(const std::string& directory, bool ofPlatform, const std::string& title) {
+    std::vector<std::vector<std::string>> rows{{"KEY", "PORT", "FAMILY", "SOCKET", "STATE", "PROCESS"}};
+    for (const Endpoint& endpoint : AllEndpoints(Package::Get())) {
+        if (endpoint.ofPlatform != ofPlatform) continue;
+        const Finding finding = LookAt(PathOf(directory, endpoint));
+        rows.push_back({std::to_string(endpoint.key), std::to_string(endpoint.port), endpoint.family, endpoint.socket,
+                        State(finding), finding.peer});
+    }
+    std::printf("\n%s\n%s", Bold(title + " in " + directory).c_str(), Columns(rows, "  ").c_str());
+}
+
+int RunForPeople(const std::string& directory, const ListOptions& options) {
+    std::printf("%s\n", Bold("Interfaces of " + Package::Get().name).c_str());
+    std::vector<std::vector<std::string>> rows;
+    for (const auto& [name, registered] : Registered(options.timeout.Value())) {
+        rows.push_back({name, registered ? Green("registered") : Dim("not registered")});
+    }
+    std::printf("%s", Columns(rows, "  ").c_str());
+    PrintEndpoints(directory, true, "Sockets of the platform (requests)");
+    PrintEndpoints(directory, false, "Sockets of the library (events)");
+    return kDone;
+}
+
+int RunForPrograms(const std::string& directory, const ListOptions& options) {
+    Json::Value document(Json::objectValue);
+    document["package"] = Package::Get().name;
+    document["directory"] = directory;
+    document["interfaces"] = Json::Value(Json::arrayValue);
+    for (const auto& [name, registered] : Registered(options.timeout.Value())) {
+        Json::Value entry(Json::objectValue);
+        entry["name"] = name;
+        entry["registered"] = registered;
+        document["interfaces"].append(entry);
+    }
+    document["endpoints"] = Json::Value(Json::arrayValue);
+    for (const Endpoint& endpoint : AllEndpoints(Package::Get())) {
+        const Finding finding = LookAt(PathOf(directory, endpoint));
+        Json::Value entry(Json::objectValue);
+        entry["family"] = endpoint.family;
+        entry["served_by"] = endpoint.ofPlatform ? "platform" : "library";
+        entry["key"] = endpoint.key;
+        entry["port"] = endpoint.port;
+        entry["path"] = PathOf(directory, endpoint);
+        entry["state"] = finding.InWords();
+        entry["process"] = finding.peer;
+        document["endpoints"].append(entry);
+    }
+    std::printf("%s\n", WriteJson(document).c_str());
+    return kDone;
+}
+
+}  // namespace
+
+void AddList(CLI::App& app, Invocation& invocation) {
+    auto options = std::make_shared<ListOptions>();
+    CLI::App* command = app.add_subcommand("list", "Show the registered interfaces and the sockets of both sides");
+    AddJson(*command, options->json);
+    AddTime(*command, "--timeout", options->timeout, "Longest wait for the service");
+    command->callback([options, &invocation] {
+        invocation.run = [options, &invocation] {
+            return options->json ? RunForPrograms(invocation.directory, *options)
+                                 : RunForPeople(invocation.directory, *options);
+        };
+    });
+}
+
+}  // namespace hbbtv::ctl

@@ -1,0 +1,40 @@
+// Options that several commands have, so that they are called and explained alike.
+#pragma once
+
+#include <CLI/App.hpp>
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "arguments.h"
+
+namespace hbbtv::ctl {
+
+using Milliseconds = std::chrono::milliseconds;
+
+// "300ms", "2s", or plain milliseconds.
+struct TimeOption {
+    explicit TimeOption(std::string text) : word(std::move(text)) {}
+
+    Milliseconds Value() const;
+
+    std::string word;
+};
+
+void AddTime(CLI::App& command, const std::string& name, TimeOption& option, const std::string& purpose);
+
+// ARGUMENT... and --json [OBJECT].
+struct ArgumentOptions {
+    GivenArguments given;
+    bool json = false;
+};
+
+void AddArguments(CLI::App& command, ArgumentOptions& options);
+
+// --json for the output only.
+void AddJson(CLI::App& command, bool& json);
+
+// "--json {...}" becomes "--json --json-arguments={...}": an optional value that is one only when it looks like one.
+std::vector<std::string> SplitJsonOption(int argc, char** argv);
+
+}  // namespace hbbtv::ctl

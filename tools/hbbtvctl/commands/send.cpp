@@ -1,0 +1,77 @@
+// hbbtvctl send: a request as the library writes it, to whoever plays the platform.
+#include <cstdio>
+
+#include "arguments.h"
+#include "commands/commands.h"
+#include "commands/exchange.h"
+#include "commands/options.h"
+#include "failure.h"
+#include "package/values.h"
+#include "terminal/style.h"
+#include "wire/connection.h"
+#include "wire/endpoint.h"
+#include "wire/message.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+struct SendOptions {
+    std::string operation;
+    ArgumentOptions arguments;
+    ExchangeOptions exchange;
+};
+
+struct QualifiedOperation {
+    const WireFamily* family;
+    const Json::Value* operation;
+};
+
+QualifiedOperation FindOperation(const std::string& wanted) {
+    const size_t dot = wanted.find('.');
+    const WireFamily& family = Package::Get().FindFamily(wanted.substr(0, dot));
+    const std::string name = dot == std::string::npos ? "" : wanted.substr(dot + 1);
+    if (const Json::Value* operation = family.Operation(name)) return {&family, operation};
+    std::vector<std::string> known;
+    for (const Json::Value& operation : family.protocol["operations"]) known.push_back(operation["name"].asString());
+    throw Failure(kUsage, "the family " + family.name + " has no operation \"" + name + "\"" + DidYouMean(name, known) +
+                              " (`hbbtvctl describe " + family.name + "` shows all)");
+}
+
+int Run(const std::string& directory, const SendOptions& options) {
+    if (options.operation.find('.') == std::string::npos && options.exchange.Raw()) {
+        const WireFamily& family = Package::Get().FindFamily(options.operation);
+        return ExchangeRaw(PathOf(directory, RequestsOf(family)), options.exchange);
+    }
+    const auto [family, operation] = FindOperation(options.operation);
+    const std::string name = family->name + "." + (*operation)["name"].asString();
+    const std::vector<Parameter> parameters = WireArguments(Package::Get(), (*operation)["request"]);
+    const Json::Value values = ReadArguments(name, parameters, options.arguments.given, true);
+    const Endpoint endpoint = RequestsOf(*family);
+    const bool oneWay = (*operation)["form"] == "one-way";
+    return Exchange(PathOf(directory, endpoint), endpoint.port, MakeRequest(*family, *operation, values), !oneWay,
+                    options.arguments.json, options.exchange);
+}
+
+}  // namespace
+
+void AddSend(CLI::App& app, Invocation& invocation) {
+    auto options = std::make_shared<SendOptions>();
+    CLI::App* command = app.add_subcommand("send", "Play the library: send a request to the platform");
+    command->add_option("operation", options->operation, "FAMILY.OPERATION, as in channel.GetOnid; FAMILY with --raw")
+        ->type_name("OPERATION")
+        ->required();
+    AddArguments(*command, options->arguments);
+    AddExchangeOptions(*command, options->exchange);
+    command->footer(
+        "Examples:\n"
+        "  hbbtvctl send channel_config.GetCurrentChannel\n"
+        "  hbbtvctl send channel.GetName c_handle=0x1000 --json\n"
+        "  hbbtvctl send channel_config.CreateChannelList channel=0x10,0x20,0x30\n"
+        "  hbbtvctl send channel --raw @request.bin");
+    command->callback([options, &invocation] {
+        invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };
+    });
+}
+
+}  // namespace hbbtv::ctl

@@ -1,0 +1,43 @@
+// Calls of the service, with an end to every wait.
+#pragma once
+
+#include <json/value.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include "package/bindings.h"
+#include "package/description.h"
+
+namespace hbbtv::ctl {
+
+using Milliseconds = std::chrono::milliseconds;
+
+// Runs `work` on a thread of its own and waits for it. Throws Failure(kTimeout) with `what` when it takes too long: the
+// thread is left to itself then, and the process has to end by std::_Exit (see LeftThreads()).
+void InTime(Milliseconds limit, const std::string& what, const std::function<void()>& work);
+
+// Whether a thread of InTime() is still at it.
+bool LeftThreads();
+
+class ServiceCaller {
+  public:
+    // Throws Failure(kNobodyThere) when no process has registered the interface.
+    ServiceCaller(const Interface& interface, Milliseconds limit);
+
+    // The results in the order of the .hal file. Throws Failure.
+    Json::Value Call(const Method& method, const Json::Value& arguments, EventSink& sink);
+
+    // The same without a limit, and without exceptions.
+    CallOutcome CallNow(const Method& method, const Json::Value& arguments, EventSink& sink) const;
+
+    const android::sp<android::hidl::base::V1_0::IBase>& Service() const { return mService; }
+
+  private:
+    const Interface& mInterface;
+    Milliseconds mLimit;
+    android::sp<android::hidl::base::V1_0::IBase> mService;
+};
+
+}  // namespace hbbtv::ctl

@@ -1,0 +1,242 @@
+// Calling the package's methods with values in JSON. The files that hidl-gen's output is turned into instantiate what
+// is here, one row for each method; arguments and results are arrays in the order of the .hal file.
+//
+// Values are checked against the package's description before they come here.
+#pragma once
+
+#include <android/hidl/base/1.0/IBase.h>
+#include <hidl/HidlSupport.h>
+#include <hidl/Status.h>
+#include <json/value.h>
+#include <struct_conversions.h>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace hbbtv::ctl {
+
+using android::hardware::hidl_string;
+using android::hardware::hidl_vec;
+using android::hardware::Return;
+
+// Where the events of callback objects go.
+class EventSink {
+  public:
+    virtual ~EventSink() = default;
+
+    // On any thread. The results that the method needs, as an array; ignored when it has none.
+    virtual Json::Value Take(const char* interface, const char* method, Json::Value arguments) = 0;
+};
+
+struct CallOutcome {
+    bool answered = false;
+    bool peerLost = false;  // when not answered
+    std::string error;      // when not answered
+    Json::Value results{Json::arrayValue};
+};
+
+using Invoker = CallOutcome (*)(android::hidl::base::V1_0::IBase& service, const Json::Value& arguments,
+                                EventSink& sink);
+
+struct MethodBinding {
+    const char* name;
+    Invoker invoke;
+};
+
+struct InterfaceBinding {
+    const char* descriptor;
+    android::sp<android::hidl::base::V1_0::IBase> (*find)();  // null when nobody has registered it
+    std::vector<MethodBinding> methods;
+};
+
+// By the name of the interface: those that a service implements.
+const std::map<std::string, const InterfaceBinding*>& AllBindings();
+
+template <typename I>
+android::sp<I> MakeListener(EventSink& sink);
+
+template <typename T>
+struct IsVector : std::false_type {};
+template <typename T>
+struct IsVector<hidl_vec<T>> : std::true_type {
+    using Element = T;
+};
+
+template <typename T>
+struct IsStrongPointer : std::false_type {};
+template <typename T>
+struct IsStrongPointer<android::sp<T>> : std::true_type {
+    using Object = T;
+};
+
+template <typename T>
+T FromJson(const Json::Value& json) {
+    if constexpr (std::is_same_v<T, bool>) {
+        return json.asBool();
+    } else if constexpr (std::is_enum_v<T>) {
+        return static_cast<T>(FromJson<std::underlying_type_t<T>>(json));
+    } else if constexpr (std::is_floating_point_v<T>) {
+        return static_cast<T>(json.asDouble());
+    } else if constexpr (std::is_unsigned_v<T>) {
+        return static_cast<T>(json.asUInt64());
+    } else if constexpr (std::is_integral_v<T>) {
+        return static_cast<T>(json.asInt64());
+    } else if constexpr (std::is_same_v<T, hidl_string>) {
+        return json.asString();
+    } else {
+        static_assert(IsVector<T>::value, "a struct has a specialization of its own");
+        T values;
+        values.resize(json.size());
+        for (Json::ArrayIndex i = 0; i < json.size(); ++i) {
+            values[i] = FromJson<typename IsVector<T>::Element>(json[i]);
+        }
+        return values;
+    }
+}
+
+template <typename T>
+std::enable_if_t<std::is_arithmetic_v<T>, Json::Value> ToJson(T value) {
+    if constexpr (std::is_same_v<T, bool>) return value;
+    if constexpr (std::is_floating_point_v<T>) return static_cast<double>(value);
+    if constexpr (std::is_unsigned_v<T>) return static_cast<Json::UInt64>(value);
+    return static_cast<Json::Int64>(value);
+}
+
+template <typename T>
+std::enable_if_t<std::is_enum_v<T>, Json::Value> ToJson(T value) {
+    return ToJson(static_cast<std::underlying_type_t<T>>(value));
+}
+
+inline Json::Value ToJson(const hidl_string& value) {
+    return Json::Value(value.c_str(), value.c_str() + value.size());
+}
+
+template <typename T>
+Json::Value ToJson(const hidl_vec<T>& values) {
+    Json::Value json(Json::arrayValue);
+    for (const T& value : values) json.append(ToJson(value));
+    return json;
+}
+
+template <typename... T>
+Json::Value Values(const T&... values) {
+    Json::Value json(Json::arrayValue);
+    (json.append(ToJson(values)), ...);
+    return json;
+}
+
+// Runs a method's result callback with values from an array.
+template <typename... R>
+Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Value& results) {
+    Json::ArrayIndex i = 0;
+    // Braces: the elements are made from left to right.
+    const std::tuple<std::decay_t<R>...> values{FromJson<std::decay_t<R>>(results[i++])...};
+    std::apply(callback, values);
+    return {};
+}
+
+// An argument as it is kept during the call.
+template <typename A>
+std::decay_t<A> Argument(const Json::Value& json, EventSink& sink) {
+    using T = std::decay_t<A>;
+    if constexpr (IsStrongPointer<T>::value) {
+        return json.isNull() ? nullptr : MakeListener<typename IsStrongPointer<T>::Object>(sink);
+    } else {
+        return FromJson<T>(json);
+    }
+}
+
+template <typename T>
+CallOutcome Outcome(const Return<T>& returned) {
+    CallOutcome outcome;
+    outcome.answered = returned.isOk();
+    outcome.peerLost = returned.isDeadObject();
+    if (!outcome.answered) outcome.error = returned.description();
+    return outcome;
+}
+
+// Takes the arguments in front of the result callback, if there is one, from the array.
+template <typename I, typename T, typename... A, typename... All, size_t... N>
+CallOutcome CallWith(I& service, Return<T> (I::*method)(All...), const Json::Value& json, EventSink& sink,
+                     std::tuple<A...>*, std::index_sequence<N...>) {
+    std::tuple<std::decay_t<A>...> arguments{Argument<A>(json[static_cast<Json::ArrayIndex>(N)], sink)...};
+    const Return<T> returned = (service.*method)(std::get<N>(arguments)...);
+    CallOutcome outcome = Outcome(returned);
+    if constexpr (!std::is_void_v<T>) {
+        if (outcome.answered) outcome.results.append(ToJson(static_cast<T>(returned)));
+    }
+    return outcome;
+}
+
+template <typename I, typename... R, typename... A, typename... All, size_t... N>
+CallOutcome CallWithCallback(I& service, Return<void> (I::*method)(All...), const Json::Value& json, EventSink& sink,
+                             std::function<void(R...)>*, std::tuple<A...>*, std::index_sequence<N...>) {
+    std::tuple<std::decay_t<A>...> arguments{Argument<A>(json[static_cast<Json::ArrayIndex>(N)], sink)...};
+    Json::Value results(Json::arrayValue);
+    const Return<void> returned =
+        (service.*method)(std::get<N>(arguments)..., [&results](const R&... values) { results = Values(values...); });
+    CallOutcome outcome = Outcome(returned);
+    if (outcome.answered) outcome.results = results;
+    return outcome;
+}
+
+template <typename T>
+struct IsFunction : std::false_type {};
+template <typename... R>
+struct IsFunction<std::function<void(R...)>> : std::true_type {};
+
+template <typename Tuple, typename Numbers>
+struct FirstOf;
+template <typename Tuple, size_t... N>
+struct FirstOf<Tuple, std::index_sequence<N...>> {
+    using Type = std::tuple<std::tuple_element_t<N, Tuple>...>;
+};
+
+// What stands last, or nothing.
+template <typename... A>
+struct LastOf {
+    using Type = void;
+};
+template <typename First, typename... A>
+struct LastOf<First, A...> {
+    using Type = std::decay_t<std::tuple_element_t<sizeof...(A), std::tuple<First, A...>>>;
+};
+
+template <typename I, typename T, typename... A>
+CallOutcome InvokeMethod(I& service, Return<T> (I::*method)(A...), const Json::Value& json, EventSink& sink) {
+    using All = std::tuple<A...>;
+    using Last = typename LastOf<A...>::Type;
+    if constexpr (IsFunction<Last>::value) {
+        using Numbers = std::make_index_sequence<sizeof...(A) - 1>;
+        using Arguments = typename FirstOf<All, Numbers>::Type;
+        return CallWithCallback(service, method, json, sink, static_cast<Last*>(nullptr),
+                                static_cast<Arguments*>(nullptr), Numbers{});
+    } else {
+        return CallWith(service, method, json, sink, static_cast<All*>(nullptr), std::index_sequence_for<A...>{});
+    }
+}
+
+template <typename M>
+struct ClassOf;
+template <typename I, typename T, typename... A>
+struct ClassOf<Return<T> (I::*)(A...)> {
+    using Type = I;
+};
+
+template <auto Method>
+CallOutcome Invoke(android::hidl::base::V1_0::IBase& service, const Json::Value& arguments, EventSink& sink) {
+    using I = typename ClassOf<decltype(Method)>::Type;
+    return InvokeMethod(static_cast<I&>(service), Method, arguments, sink);
+}
+
+template <typename I>
+android::sp<android::hidl::base::V1_0::IBase> Find() {
+    return I::tryGetService();
+}
+
+}  // namespace hbbtv::ctl

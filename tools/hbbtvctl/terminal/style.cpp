@@ -1,0 +1,84 @@
+// See style.h.
+#include "terminal/style.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <sstream>
+
+namespace hbbtv::ctl {
+
+namespace {
+
+bool Coloured() {
+    const char* refused = std::getenv("NO_COLOR");
+    static const bool terminal = isatty(STDOUT_FILENO) == 1;
+    return terminal && (refused == nullptr || *refused == '\0');
+}
+
+std::string In(const char* code, const std::string& text) {
+    return Coloured() ? std::string("\033[") + code + "m" + text + "\033[0m" : text;
+}
+
+// What a cell takes on the screen: without colours, a UTF-8 sequence as one.
+size_t Width(const std::string& cell) {
+    size_t width = 0;
+    for (size_t i = 0; i < cell.size(); ++i) {
+        if (cell[i] == '\033')
+            i = std::min(cell.find('m', i), cell.size() - 1);
+        else if ((static_cast<unsigned char>(cell[i]) & 0xc0) != 0x80)
+            ++width;
+    }
+    return width;
+}
+
+}  // namespace
+
+std::string Bold(const std::string& text) {
+    return In("1", text);
+}
+
+std::string Dim(const std::string& text) {
+    return In("2", text);
+}
+
+std::string Red(const std::string& text) {
+    return In("31", text);
+}
+
+std::string Yellow(const std::string& text) {
+    return In("33", text);
+}
+
+std::string Green(const std::string& text) {
+    return In("32", text);
+}
+
+std::string Columns(const std::vector<std::vector<std::string>>& rows, const std::string& indent) {
+    std::vector<size_t> widths;
+    for (const auto& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
+    }
+    std::string text;
+    for (const auto& row : rows) {
+        std::string line = indent;
+        for (size_t i = 0; i < row.size(); ++i) {
+            line += row[i];
+            if (i + 1 < row.size()) line += std::string(widths[i] - Width(row[i]) + 2, ' ');
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        text += line + "\n";
+    }
+    return text;
+}
+
+std::string Indented(const std::string& text, const std::string& indent) {
+    std::istringstream lines(text);
+    std::string all;
+    for (std::string line; std::getline(lines, line);) all += (line.empty() ? "" : indent + line) + "\n";
+    return all;
+}
+
+}  // namespace hbbtv::ctl

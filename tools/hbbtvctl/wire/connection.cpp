@@ -1,0 +1,110 @@
+// See connection.h.
+#include "wire/connection.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "failure.h"
+#include "wire/endpoint.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kConnectAgain{10};
+constexpr int kConnectAttempts = 100;
+
+std::string WhyNot(const std::string& path, int error) {
+    switch (LookAt(path).state) {
+        case Finding::State::Missing:
+            return path + ": there is no such socket; is the other side running, with this directory?";
+        case Finding::State::Stale:
+            return path + ": nobody serves this socket any more (a stale file); start the other side again";
+        case Finding::State::Forbidden:
+            return path + ": the rights of the socket or its directory forbid it";
+        case Finding::State::NoSocket:
+            return path + ": is no socket";
+        default:
+            return path + ": " + (path.size() > kLongestPath ? "the path is too long" : std::strerror(error));
+    }
+}
+
+int Connect(const std::string& path) {
+    for (int i = 0; i < kConnectAttempts; ++i) {
+        const int fd = sim::ConnectTo(path);
+        if (fd >= 0) return fd;
+        if (errno != EAGAIN) throw Failure(kNobodyThere, WhyNot(path, errno));
+        poll(nullptr, 0, static_cast<int>(kConnectAgain.count()));
+    }
+    throw Failure(kTimeout, path + ": the other side accepts no connection");
+}
+
+std::string InSeconds(std::chrono::milliseconds time) {
+    return std::to_string(time.count()) + " ms";
+}
+
+}  // namespace
+
+WireConnection::WireConnection(const std::string& path) : mPath(path), mSocket(Connect(path)) {}
+
+bool WireConnection::Wait(short events, Clock::time_point deadline) const {
+    while (true) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
+        pollfd entry{mSocket.Get(), events, 0};
+        const int ready = poll(&entry, 1, left > 0 ? static_cast<int>(left) : 0);
+        if (ready > 0) return true;
+        if (ready == 0 || errno != EINTR) return false;
+    }
+}
+
+void WireConnection::Send(const std::string& bytes, std::chrono::milliseconds limit) {
+    const auto deadline = Clock::now() + limit;
+    for (size_t sent = 0; sent < bytes.size();) {
+        if (!Wait(POLLOUT, deadline)) {
+            throw Failure(kTimeout, mPath + ": the other side did not take the message within " + InSeconds(limit));
+        }
+        const ssize_t count = send(mSocket.Get(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+        if (count > 0) sent += static_cast<size_t>(count);
+        if (count < 0 && errno != EAGAIN && errno != EINTR) {
+            throw Failure(kPeerLost, mPath + ": the other side went away: " + std::strerror(errno));
+        }
+    }
+}
+
+sim::Frame WireConnection::Receive(std::chrono::milliseconds limit) {
+    const auto deadline = Clock::now() + limit;
+    while (true) {
+        if (const auto frame = mReader.Next()) return *frame;
+        if (const auto size = mReader.Oversized()) {
+            throw Failure(kNotUnderstood, mPath + ": the answer announces " + std::to_string(*size) + " bytes");
+        }
+        if (!Wait(POLLIN, deadline)) {
+            throw Failure(kTimeout, mPath + ": no answer within " + InSeconds(limit));
+        }
+        char bytes[65536];
+        const ssize_t count = recv(mSocket.Get(), bytes, sizeof(bytes), 0);
+        if (count > 0) mReader.Take(bytes, static_cast<size_t>(count));
+        if (count == 0) throw Failure(kPeerLost, mPath + ": the other side closed the connection without an answer");
+        if (count < 0 && errno != EAGAIN && errno != EINTR) {
+            throw Failure(kPeerLost, mPath + ": the other side went away: " + std::strerror(errno));
+        }
+    }
+}
+
+std::string WireConnection::ReceiveAll(std::chrono::milliseconds quiet) {
+    std::string all;
+    while (Wait(POLLIN, Clock::now() + quiet)) {
+        char bytes[65536];
+        const ssize_t count = recv(mSocket.Get(), bytes, sizeof(bytes), 0);
+        if (count > 0) all.append(bytes, static_cast<size_t>(count));
+        if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) break;
+    }
+    return all;
+}
+
+}  // namespace hbbtv::ctl

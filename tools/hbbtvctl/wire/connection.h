@@ -1,0 +1,36 @@
+// A connection to one socket of the wire, with an end to every wait.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "core/frame.h"
+#include "core/local_socket.h"
+
+namespace hbbtv::ctl {
+
+class WireConnection {
+  public:
+    // Throws Failure(kNobodyThere) that says what is wrong with the path.
+    explicit WireConnection(const std::string& path);
+
+    // Throws Failure(kPeerLost) or Failure(kTimeout).
+    void Send(const std::string& bytes, std::chrono::milliseconds limit);
+
+    // The next message. Throws Failure(kPeerLost), Failure(kTimeout) or, for a message that cannot be, kNotUnderstood.
+    sim::Frame Receive(std::chrono::milliseconds limit);
+
+    // Whatever comes until nothing more does for `quiet`, or the other side closes.
+    std::string ReceiveAll(std::chrono::milliseconds quiet);
+
+  private:
+    // Waits until the socket is ready for `events` of poll(); false when it is not in time.
+    bool Wait(short events, std::chrono::steady_clock::time_point deadline) const;
+
+    std::string mPath;
+    sim::Descriptor mSocket;
+    sim::FrameReader mReader;
+};
+
+}  // namespace hbbtv::ctl

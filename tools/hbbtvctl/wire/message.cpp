@@ -1,0 +1,183 @@
+// See message.h.
+#include "wire/message.h"
+
+#include <json/writer.h>
+
+#include <cctype>
+#include <cstdio>
+#include <set>
+
+#include "failure.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+// "channel" of "channel%d".
+std::string ArgumentName(const Json::Value& member) {
+    const std::string key = member["key"].asString();
+    return member.isMember("repeat") ? key.substr(0, key.find("%d")) : key;
+}
+
+std::set<std::string> Counts(const Json::Value& members) {
+    std::set<std::string> counts;
+    for (const Json::Value& member : members) {
+        if (member.isMember("repeat")) counts.insert(member["repeat"].asString());
+        if (member.isMember("fields")) counts.insert(member["fields"]["repeat"].asString());
+    }
+    return counts;
+}
+
+// The name of the same type in .hal files. Handles are whole numbers to people and texts on the wire.
+std::string HalName(const std::string& wireType) {
+    if (wireType == "int") return "int32_t";
+    if (wireType == "uint") return "uint32_t";
+    if (wireType == "int64") return "int64_t";
+    if (wireType == "uint64" || wireType == "pointer") return "uint64_t";
+    return wireType;
+}
+
+std::shared_ptr<const Type> TypeOf(const Package& package, const Json::Value& member) {
+    const std::string wireType = member["type"].asString();
+    if (member.isMember("fields")) return package.MakeType("vec<" + HalName(member["fields"]["type"].asString()) + ">");
+    if (member.isMember("repeat")) return package.MakeType("vec<" + HalName(wireType) + ">");
+    if (wireType == "array" && member["items"].isString()) {
+        return package.MakeType("vec<" + HalName(member["items"].asString()) + ">");
+    }
+    if (wireType != "array") return package.MakeType(HalName(wireType));
+    auto record = std::make_shared<Type>();
+    record->name = member["key"].asString() + " element";
+    record->kind = Type::Kind::Struct;
+    record->fields = WireArguments(package, member["items"]);
+    auto list = std::make_shared<Type>();
+    list->name = "vec<" + record->name + ">";
+    list->kind = Type::Kind::Vector;
+    list->element = record;
+    return list;
+}
+
+std::string PointerText(uint64_t pointer) {
+    if (pointer == 0) return "";
+    char text[24];
+    std::snprintf(text, sizeof(text), "0x%llx", static_cast<unsigned long long>(pointer));
+    return text;
+}
+
+Json::Value OnTheWire(const Json::Value& member, const std::string& type, const Json::Value& value) {
+    if (type == "pointer") return PointerText(value.asUInt64());
+    if (type == "array" && member["items"].isArray()) {
+        Json::Value list(Json::arrayValue);
+        for (const Json::Value& element : value) {
+            Json::Value record(Json::objectValue);
+            AddMembers(member["items"], element, record);
+            list.append(record);
+        }
+        return list;
+    }
+    return value;
+}
+
+std::string Columns(const Json::Value& fields, const Json::Value& values) {
+    std::string text;
+    for (const Json::Value& value : values) {
+        std::string column = value.asString();
+        column.resize(std::max(column.size(), size_t{fields["width"].asUInt()}), ' ');
+        text += column;
+    }
+    return text;
+}
+
+void AddMember(const Json::Value& member, const Json::Value& value, Json::Value& message) {
+    const std::string key = member["key"].asString();
+    const std::string type = member["type"].asString();
+    if (member.isMember("fields")) {
+        message[key] = Columns(member["fields"], value);
+        message[member["fields"]["repeat"].asString()] = value.size();
+    } else if (member.isMember("repeat")) {
+        for (Json::ArrayIndex i = 0; i < value.size(); ++i) {
+            message[ArgumentName(member) + std::to_string(i)] = OnTheWire(member, type, value[i]);
+        }
+        message[member["repeat"].asString()] = value.size();
+    } else {
+        message[key] = OnTheWire(member, type, value);
+    }
+}
+
+std::string Folded(const std::string& name) {
+    std::string folded;
+    for (const char c : name) {
+        if (std::isalnum(static_cast<unsigned char>(c)) || c == ':' || c == '-') {
+            folded += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        }
+    }
+    return folded;
+}
+
+}  // namespace
+
+std::vector<Parameter> WireArguments(const Package& package, const Json::Value& members) {
+    const std::set<std::string> counts = Counts(members);
+    std::vector<Parameter> arguments;
+    for (const Json::Value& member : members) {
+        if (counts.count(member["key"].asString()) != 0) continue;
+        arguments.push_back({ArgumentName(member), TypeOf(package, member)});
+    }
+    return arguments;
+}
+
+void AddMembers(const Json::Value& members, const Json::Value& values, Json::Value& message) {
+    for (const Json::Value& member : members) {
+        const std::string name = ArgumentName(member);
+        if (values.isMember(name)) AddMember(member, values[name], message);
+    }
+}
+
+Json::Value MakeRequest(const WireFamily& family, const Json::Value& operation, const Json::Value& values) {
+    const Json::Value& envelope = family.protocol["envelope"];
+    Json::Value message(Json::objectValue);
+    if (envelope.isMember("type")) message[envelope["type"]["key"].asString()] = envelope["type"]["value"];
+    message[envelope["code"]["key"].asString()] = operation["code"];
+    AddMembers(operation["request"], values, message);
+    return message;
+}
+
+Json::Value EventMembers(const WireFamily& family, const Json::Value& event) {
+    const Json::Value& envelope = family.protocol["event_envelope"];
+    Json::Value members = event["members"];
+    for (const std::string& name : envelope.getMemberNames()) {
+        if (name != "type" && name != "code") members.append(envelope[name]);
+    }
+    return members;
+}
+
+Json::Value MakeEvent(const WireFamily& family, const Json::Value& event, const Json::Value& values) {
+    const Json::Value& envelope = family.protocol["event_envelope"];
+    Json::Value message(Json::objectValue);
+    if (envelope.isMember("type")) {
+        const Json::Value& type = envelope["type"];
+        message[type["key"].asString()] = type.isMember("value") ? type["value"] : event["object"];
+    }
+    message[envelope["code"]["key"].asString()] = event["code"];
+    AddMembers(EventMembers(family, event), values, message);
+    return message;
+}
+
+const Json::Value& FindEvent(const WireFamily& family, const std::string& wanted) {
+    std::vector<std::string> known;
+    for (const Json::Value& event : family.protocol["events"]) {
+        const std::string code = event["code"].asString();
+        for (const std::string& name :
+             {code, event["object"].asString() + ":" + code, event["name"].asString(), event["callback"].asString()}) {
+            if (!name.empty() && Folded(name) == Folded(wanted)) return event;
+        }
+        known.push_back(event["name"].asString());
+    }
+    throw Failure(kUsage, "the family " + family.name + " has no event \"" + wanted + "\"" + DidYouMean(wanted, known) +
+                              " (`hbbtvctl describe " + family.name + "` shows all)");
+}
+
+std::string WireText(const Json::Value& message) {
+    return message.toStyledString();
+}
+
+}  // namespace hbbtv::ctl
