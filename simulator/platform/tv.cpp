@@ -36,10 +36,16 @@ std::vector<KeptFavourites> Brought(const LineUp& lineUp) {
 
 }  // namespace
 
+void Tuner::Set(std::shared_ptr<Channel> channel) {
+    if (channel == mOn) return;
+    mOn = std::move(channel);
+    for (const auto& onChange : mWatchers) onChange();
+}
+
 void Tuner::Use(const void* user, std::shared_ptr<Channel> channel) {
     mUser = user;
     mLatest = user;
-    mOn = std::move(channel);
+    Set(std::move(channel));
 }
 
 void Tuner::Leave(const void* user) {

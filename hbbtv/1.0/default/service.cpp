@@ -5,6 +5,7 @@
 #include <hidl/LegacySupport.h>
 #include <vantorel/hardware/hbbtv/1.0/IAVComponent.h>
 #include <vantorel/hardware/hbbtv/1.0/IAVControl.h>
+#include <vantorel/hardware/hbbtv/1.0/IApplicationManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IApplicationPrivatedata.h>
 #include <vantorel/hardware/hbbtv/1.0/ICapabilities.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannel.h>
@@ -15,6 +16,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteList.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteListCollection.h>
 #include <vantorel/hardware/hbbtv/1.0/ILocalSystem.h>
+#include <vantorel/hardware/hbbtv/1.0/IMtm.h>
 #include <vantorel/hardware/hbbtv/1.0/IParentalControlManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IProgramme.h>
 #include <vantorel/hardware/hbbtv/1.0/ISearchManager.h>
@@ -54,6 +56,7 @@ bool PublishAll() {
     bool published = true;
     published &= Publish<IAVComponent>();
     published &= Publish<IAVControl>();
+    published &= Publish<IApplicationManager>();
     published &= Publish<IApplicationPrivatedata>();
     published &= Publish<ICapabilities>();
     published &= Publish<IChannel>();
@@ -64,6 +67,7 @@ bool PublishAll() {
     published &= Publish<IFavouriteList>();
     published &= Publish<IFavouriteListCollection>();
     published &= Publish<ILocalSystem>();
+    published &= Publish<IMtm>();
     published &= Publish<IParentalControlManager>();
     published &= Publish<IProgramme>();
     published &= Publish<ISearchManager>();

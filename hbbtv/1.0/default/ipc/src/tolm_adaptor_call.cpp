@@ -19,6 +19,12 @@ std::string NumberedKey(size_t index) {
     return ("k" + std::to_string(index)).substr(0, 3);
 }
 
+// Of the values whose names are the same, the last one stays.
+void AddNumberedInts(const Member& member, Json::Value& object) {
+    size_t index = 0;
+    for (const int value : *member.asInts) object[NumberedKey(index++)] = value;
+}
+
 void AddNumberedPointers(const Member& member, Json::Value& object) {
     size_t index = 0;
     for (const void* pointer : *member.asPointers) {
@@ -47,6 +53,9 @@ void Add(const Member& member, Json::Value& object) {
         case Member::Kind::kPointer:
             TolmHbbtvIpcTools::AddPointerValue(member.asPointer, member.key, object);
             break;
+        case Member::Kind::kNumberedInts:
+            AddNumberedInts(member, object);
+            break;
         case Member::Kind::kNumberedPointers:
             AddNumberedPointers(member, object);
             break;
@@ -58,8 +67,8 @@ void Add(const Member& member, Json::Value& object) {
 
 Json::Value Request(const Family& family, const Method& method, std::initializer_list<Member> members) {
     Json::Value request(Json::objectValue);
-    request[Json::StaticString("type")] = family.type;
-    request[Json::StaticString("method")] = method.code;
+    if (family.type) request[Json::StaticString("type")] = *family.type;
+    request[Json::StaticString(family.codeKey)] = method.code;
     for (const Member& member : members) Add(member, request);
     return request;
 }
@@ -99,6 +108,12 @@ Member Text(const char* key, const std::string& value) {
 Member Pointer(const char* key, const void* value) {
     Member member = MemberOf(key, Member::Kind::kPointer);
     member.asPointer = value;
+    return member;
+}
+
+Member NumberedInts(const std::vector<int>& values) {
+    Member member = MemberOf("k", Member::Kind::kNumberedInts);
+    member.asInts = &values;
     return member;
 }
 
@@ -167,6 +182,13 @@ Target ToUInt64(const char* key, uint64_t& to) {
 Target ToBool(const char* key, bool& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
                 *static_cast<bool*>(out) = ReadBool(object, k);
+                return true;
+            }};
+}
+
+Target ToFlag(const char* key, bool& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<bool*>(out) = ReadInt(object, k) != 0;
                 return true;
             }};
 }

@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,9 @@ namespace tolm {
 
 // What the requests of a family have in common.
 struct Family {
-    const char* tag;  // of its log lines
-    int type;         // the member "type" of each request
+    const char* tag;                 // of its log lines
+    std::optional<int> type;         // the member "type" of each request; none in a family without one
+    const char* codeKey = "method";  // the member that holds the operation's code
 };
 
 // An operation: its code on the wire, and for the log lines its name and place, which come from where the code stands.
@@ -39,7 +41,7 @@ struct Method {
 
 // A member of a request. Lives as long as the expression it stands in: texts are not copied.
 struct Member {
-    enum class Kind { kInt, kUInt, kBool, kReal, kText, kArray, kPointer, kNumberedPointers };
+    enum class Kind { kInt, kUInt, kBool, kReal, kText, kArray, kPointer, kNumberedInts, kNumberedPointers };
 
     const char* key;
     Kind kind;
@@ -50,6 +52,7 @@ struct Member {
         double asReal;
         const std::string* asText;
         const void* asPointer;
+        const std::vector<int>* asInts;
         const std::vector<void*>* asPointers;
         const Json::Value* asArray;
     };
@@ -61,6 +64,7 @@ Member Bool(const char* key, bool value);
 Member Real(const char* key, double value);
 Member Text(const char* key, const std::string& value);
 Member Pointer(const char* key, const void* value);
+Member NumberedInts(const std::vector<int>& values);                         // k0, k1, ...: see ToNumberedInts()
 Member NumberedPointers(const char* key, const std::vector<void*>& values);  // key0, key1, ...
 Member Array(const char* key, const Json::Value& elements);                  // each of them an Object()
 template <typename T>
@@ -91,6 +95,7 @@ Target ToCount(const char* key, unsigned& to);
 Target ToInt64(const char* key, int64_t& to);
 Target ToUInt64(const char* key, uint64_t& to);
 Target ToBool(const char* key, bool& to);
+Target ToFlag(const char* key, bool& to);  // of an int: whether it is not 0
 Target ToReal(const char* key, double& to);
 Target ToText(const char* key, std::string& to);
 Target ToPointer(const char* key, void*& to);
