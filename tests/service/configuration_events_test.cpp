@@ -303,7 +303,8 @@ TEST_F(ConfigurationEvents, TheLateDeathNoticeOfAClientThatWasTakenBackLeavesThe
     EXPECT_EQ(-1, Unregister(mClient));
     mPlatform.ForgetFrames();
     recipient->serviceDied(0, android::wp<IBase>(mClient.get()));
-    // Also when the notice had passed the recipient already.
+    // Also when the notice had passed the recipient already, and set its flag.
+    static_cast<TolmHidlClientDeathRecipient&>(*recipient).SetDied(true);
     mService->OnHidlClientDied(0, android::wp<IBase>(mClient.get()));
     EXPECT_THAT(Requests(), IsEmpty());
     EXPECT_EQ(1u, mSecond->Linked().size());
