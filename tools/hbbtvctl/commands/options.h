@@ -34,7 +34,8 @@ void AddArguments(CLI::App& command, ArgumentOptions& options);
 // --json for the output only.
 void AddJson(CLI::App& command, bool& json);
 
-// "--json {...}" becomes "--json --json-arguments={...}": an optional value that is one only when it looks like one.
-std::vector<std::string> SplitJsonOption(int argc, char** argv);
+// The words of the command line. In commands that take arguments, "--json {...}" becomes
+// "--json --json-arguments={...}": an optional value that is one only when it looks like one.
+std::vector<std::string> SplitJsonOption(const CLI::App& app, int argc, char** argv);
 
 }  // namespace hbbtv::ctl
