@@ -77,6 +77,11 @@ std::string Explained(const CLI::App& app, const CLI::ParseError& error, const s
         }
         command = app.get_subcommand(word);
     }
+    if (value) return words.back() + " needs a value: " + command->get_option(words.back())->get_type_name();
+    if (command == &app) return "there is no command to run";
+    if (!command->remaining().empty()) {
+        return command->get_name() + " has an argument too many, " + Quoted(command->remaining().front());
+    }
     return error.what();
 }
 

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <mutex>
 #include <thread>
 
@@ -17,6 +18,8 @@
 namespace hbbtv::ctl {
 
 namespace {
+
+constexpr uint64_t kMostAtOnce = 64;
 
 using Clock = std::chrono::steady_clock;
 using Nanoseconds = std::chrono::nanoseconds;
@@ -145,6 +148,13 @@ void Print(const std::string& name, const BenchOptions& options, const Measured&
     std::printf("%s", Columns(rows, "  ").c_str());
 }
 
+std::string AboveZero(const std::string& word) {
+    char* end = nullptr;
+    const double number = std::strtod(word.c_str(), &end);
+    const bool good = !word.empty() && *end == '\0' && std::isfinite(number) && number > 0;
+    return good ? "" : Quoted(word) + " is no number above 0";
+}
+
 int Run(const BenchOptions& options) {
     const auto [interface, method] = Package::Get().FindMethod(options.method);
     const std::string name = interface->name + "." + method->name;
@@ -170,18 +180,18 @@ int Run(const BenchOptions& options) {
 void AddBench(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<BenchOptions>();
     CLI::App* command = app.add_subcommand("bench", "Measure how long calls of a method take");
-    command->add_option("method", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
+    command->add_option("METHOD", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
         ->type_name("METHOD")
         ->required();
     AddArguments(*command, options->arguments);
     command->add_option("--concurrency", options->concurrency, "Calls at once")
         ->type_name("NUMBER")
-        ->check(CLI::Range(1, 64))
+        ->check(WholeNumber(1, kMostAtOnce))
         ->capture_default_str();
     AddTime(*command, "--duration", options->duration, "How long to go on");
     command->add_option("--rate", options->rate, "Calls per second, all together; as fast as it goes without it")
         ->type_name("NUMBER")
-        ->check(CLI::PositiveNumber);
+        ->check(AboveZero);
     AddTime(*command, "--timeout", options->timeout, "Longest wait for an answer");
     command->footer(
         "Examples:\n"

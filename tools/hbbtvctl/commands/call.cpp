@@ -103,7 +103,7 @@ int Run(const CallOptions& options) {
 void AddCall(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<CallOptions>();
     CLI::App* command = app.add_subcommand("call", "Call a method of the running service");
-    command->add_option("method", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
+    command->add_option("METHOD", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
         ->type_name("METHOD")
         ->required();
     AddArguments(*command, options->arguments);
@@ -111,7 +111,9 @@ void AddCall(CLI::App& app, Invocation& invocation) {
     command->add_flag("--numbers", options->numbers, "In JSON, enumerators by number instead of by name");
     AddTime(*command, "--timeout", options->timeout, "Longest wait for the answer");
     AddTime(*command, "--for", options->duration, "With @listen: end after this time");
-    command->add_option("--count", options->count, "With @listen: end after so many events")->type_name("NUMBER");
+    command->add_option("--count", options->count, "With @listen: end after so many events")
+        ->type_name("NUMBER")
+        ->check(WholeNumber(1));
     command->footer(
         "Examples:\n"
         "  hbbtvctl call IChannelConfig.GetCurrentChannel\n"

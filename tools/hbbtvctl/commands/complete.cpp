@@ -161,6 +161,7 @@ class Line {
     }
 
     Candidates Complete() const {
+        if (mUnknown) return {};
         if (mOption != nullptr) return OfType(mOption->get_type_name());
         if (!mWord.empty() && mWord[0] == '-') return Options();
         if (mCommand->get_parent() == nullptr) return Commands(*mCommand);
@@ -179,7 +180,8 @@ class Line {
             if (takesValue && word.find('=') == std::string::npos) mOption = option;
         } else if (mCommand->get_parent() == nullptr) {
             const auto commands = mCommand->get_subcommands([&word](const CLI::App* c) { return c->check_name(word); });
-            if (!commands.empty()) mCommand = commands.front();
+            mUnknown = commands.empty();
+            if (!mUnknown) mCommand = commands.front();
         } else {
             mPositionals.push_back(word);
         }
@@ -223,6 +225,7 @@ class Line {
     }
 
     const CLI::App* mCommand;
+    bool mUnknown = false;                 // whether there is no such command
     const CLI::Option* mOption = nullptr;  // waits for its value
     std::vector<std::string> mPositionals;
     std::string mWord;
@@ -309,10 +312,13 @@ int Complete(const CLI::App& app, const std::vector<std::string>& words) {
 void AddCompletion(CLI::App& app, Invocation& invocation) {
     auto shell = std::make_shared<std::string>();
     CLI::App* command = app.add_subcommand("completion", "Print the completion script for a shell");
-    command->add_option("shell", *shell, "bash, zsh or fish")
+    command->add_option("SHELL", *shell, "bash, zsh or fish")
         ->type_name("SHELL")
         ->required()
-        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
+        ->check([](const std::string& name) {
+            const bool known = name == "bash" || name == "zsh" || name == "fish";
+            return known ? "" : "\"" + name + "\" is none of bash, zsh, fish";
+        });
     command->footer(
         "Examples, in ~/.bashrc, ~/.zshrc (after compinit) and config.fish:\n"
         "  source <(hbbtvctl completion bash)\n"

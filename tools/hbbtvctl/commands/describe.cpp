@@ -14,16 +14,22 @@ namespace hbbtv::ctl {
 
 namespace {
 
-std::string Signature(const Method& method) {
-    const auto list = [](const std::vector<Parameter>& parameters) {
-        std::string text;
-        for (const Parameter& parameter : parameters) {
-            text += (text.empty() ? "" : ", ") + parameter.type->name + " " + parameter.name;
-        }
-        return text;
-    };
-    const std::string results = method.results.empty() ? "" : " -> (" + list(method.results) + ")";
-    return method.name + "(" + list(method.arguments) + ")" + results;
+std::string List(const std::vector<Parameter>& parameters) {
+    std::string text;
+    for (const Parameter& parameter : parameters) {
+        text += (text.empty() ? "" : ", ") + parameter.type->name + " " + parameter.name;
+    }
+    return "(" + text + ")";
+}
+
+// On one line, or the results below the arguments.
+std::string Signature(const std::string& name, const Method& method, const std::string& indent) {
+    const std::string hanging = indent + "        ";
+    const std::string call = name + List(method.arguments);
+    const std::string results = method.results.empty() ? "" : "-> " + List(method.results);
+    const std::string all = Wrapped(results.empty() ? call : call + " " + results, indent, hanging);
+    if (results.empty() || all.find('\n') + 1 == all.size()) return all;
+    return Wrapped(call, indent, hanging) + Wrapped(results, hanging);
 }
 
 std::string FirstSentence(const std::string& doc) {
@@ -49,9 +55,7 @@ std::string MembersText(const Json::Value& members) {
 void PrintTypes(const std::vector<Parameter>& parameters);
 
 void PrintType(const Type& type) {
-    if (type.kind == Type::Kind::Vector) return PrintType(*type.element);
-    if (type.kind != Type::Kind::Enum && type.kind != Type::Kind::Struct) return;
-    std::printf("\n%s\n%s", Bold(type.name).c_str(), Wrapped(type.doc, "    ").c_str());
+    std::printf("%s\n%s", Bold(type.name).c_str(), Wrapped(type.doc, "    ").c_str());
     std::vector<std::vector<std::string>> rows;
     for (const Enumerator& e : type.enumerators)
         rows.push_back({std::to_string(e.value), e.name, FirstSentence(e.doc)});
@@ -60,8 +64,17 @@ void PrintType(const Type& type) {
     PrintTypes(type.fields);
 }
 
+const Type& Innermost(const Type& type) {
+    return type.kind == Type::Kind::Vector ? Innermost(*type.element) : type;
+}
+
 void PrintTypes(const std::vector<Parameter>& parameters) {
-    for (const Parameter& parameter : parameters) PrintType(*parameter.type);
+    for (const Parameter& parameter : parameters) {
+        const Type& type = Innermost(*parameter.type);
+        if (type.kind != Type::Kind::Enum && type.kind != Type::Kind::Struct) continue;
+        std::printf("\n");
+        PrintType(type);
+    }
 }
 
 void PrintOperation(const WireFamily& family, const Json::Value& operation) {
@@ -82,7 +95,7 @@ void PrintOperation(const WireFamily& family, const Json::Value& operation) {
 }
 
 int DescribeMethod(const Interface& interface, const Method& method) {
-    std::printf("%s%s", Wrapped(Bold(interface.name + "." + Signature(method)), "", "        ").c_str(),
+    std::printf("%s%s", Signature(Bold(interface.name + "." + method.name), method, "").c_str(),
                 Wrapped(method.doc, "    ").c_str());
     const WireFamily* family = Package::Get().FamilyOf(interface);
     if (const Json::Value* operation = family == nullptr ? nullptr : family->OperationOf(method)) {
@@ -97,7 +110,7 @@ int DescribeInterface(const Interface& interface) {
     std::printf("%s%s\n%s\n", Bold(Package::Get().name + "::" + interface.name).c_str(),
                 interface.callback ? ", implemented by clients" : "", Wrapped(interface.doc, "    ").c_str());
     for (const Method& method : interface.methods) {
-        std::printf("%s", Wrapped(Signature(method), "  ", "          ").c_str());
+        std::printf("%s", Signature(method.name, method, "  ").c_str());
         if (!method.doc.empty()) std::printf("%s", Wrapped(Dim(FirstSentence(method.doc)), "      ").c_str());
     }
     return kDone;
@@ -191,7 +204,7 @@ void AddDescribe(CLI::App& app, Invocation& invocation) {
     auto name = std::make_shared<std::string>();
     CLI::App* command =
         app.add_subcommand("describe", "Explain an interface, a method, a type or a family of the wire");
-    command->add_option("name", *name, "As in IChannel, IChannel.GetOnid, TolmRect, channel, channel.GetOnid")
+    command->add_option("NAME", *name, "As in IChannel, IChannel.GetOnid, TolmRect, channel, channel.GetOnid")
         ->type_name("NAME")
         ->required();
     command->footer(

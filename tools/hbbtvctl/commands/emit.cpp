@@ -52,8 +52,8 @@ int Run(const std::string& directory, const EmitOptions& options) {
 void AddEmit(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<EmitOptions>();
     CLI::App* command = app.add_subcommand("emit", "Play the platform: send an event to the library");
-    command->add_option("family", options->family, "As in channel_config")->type_name("FAMILY")->required();
-    command->add_option("event", options->event, "Its code, its name, or the client's method that it reaches")
+    command->add_option("FAMILY", options->family, "As in channel_config")->type_name("FAMILY")->required();
+    command->add_option("EVENT", options->event, "Its code, its name, or the client's method that it reaches")
         ->type_name("EVENT");
     AddArguments(*command, options->arguments);
     CLI::Option* request = command->add_flag("--request", options->request, "Ask for a reply and wait for it");

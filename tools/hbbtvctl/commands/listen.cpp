@@ -63,6 +63,16 @@ bool Takes(const Method& method, const std::string& word) {
                        [&name](const Parameter& argument) { return argument.name == name; });
 }
 
+// The arguments of the registration, of those that were given for all families.
+Json::Value Given(const Interface& interface, const std::vector<std::string>& with) {
+    const Method& method = *Registrar(interface);
+    GivenArguments given;
+    for (const std::string& word : with) {
+        if (Takes(method, word)) given.words.push_back(word);
+    }
+    return ReadArguments(interface.name + "." + method.name, method.arguments, given, false);
+}
+
 // What makes the object whose handle the registration needs: "Create" for a video/broadcast object.
 const Method* Maker(const Interface& interface, const std::string& handle) {
     for (const Method& method : interface.methods) {
@@ -115,7 +125,7 @@ class Listening {
   private:
     // Once; or once for each enumerator of an argument that nobody gave, as of the application manager's events.
     void Register(const Method& method) {
-        Json::Value values = Given(method);
+        Json::Value values = Given(mInterface, mOptions.with);
         for (const Parameter& argument : method.arguments) {
             if (values.isMember(argument.name)) continue;
             if (argument.type->kind == Type::Kind::Enum) {
@@ -129,14 +139,6 @@ class Listening {
             values[mChoice->name] = static_cast<Json::Int64>(enumerator.value);
             RegisterOnce(method, values);
         }
-    }
-
-    Json::Value Given(const Method& method) const {
-        GivenArguments given;
-        for (const std::string& word : mOptions.with) {
-            if (Takes(method, word)) given.words.push_back(word);
-        }
-        return ReadArguments(mInterface.name + "." + method.name, method.arguments, given, false);
     }
 
     Json::Value Missing(const Parameter& argument) {
@@ -243,6 +245,7 @@ void CheckWith(const std::vector<std::string>& with, const std::vector<const Int
         throw Failure(kUsage, "--with " + Quoted(word) + ": no registration has an argument " + Quoted(name) +
                                   DidYouMean(name, known));
     }
+    for (const Interface* interface : interfaces) Given(*interface, with);
 }
 
 int Run(const ListenOptions& options) {
@@ -277,12 +280,14 @@ int Run(const ListenOptions& options) {
 void AddListen(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<ListenOptions>();
     CLI::App* command = app.add_subcommand("listen", "Register callbacks and show every event");
-    command->add_option("families", options->families, "As in video_broadcast or IVideoBroadcast")
+    command->add_option("FAMILY", options->families, "As in video_broadcast or IVideoBroadcast")
         ->type_name("FAMILY")
         ->required();
     AddJson(*command, options->json);
     command->add_flag("--numbers", options->numbers, "In JSON, enumerators by number instead of by name");
-    command->add_option("--count", options->count, "End after so many events")->type_name("NUMBER");
+    command->add_option("--count", options->count, "End after so many events")
+        ->type_name("NUMBER")
+        ->check(WholeNumber(1));
     AddTime(*command, "--for", options->duration, "End after this time");
     command->add_option("--with", options->with, "An argument of the registration, as in vb=0x1000")
         ->type_name("NAME=VALUE")

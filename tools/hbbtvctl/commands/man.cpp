@@ -1,4 +1,5 @@
 // hbbtvctl man: manual pages, from the same description as --help.
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 
@@ -6,6 +7,7 @@
 #include "commands/help.h"
 #include "commands/options.h"
 #include "failure.h"
+#include "package/description.h"
 
 namespace hbbtv::ctl {
 
@@ -120,13 +122,13 @@ int Run(const CLI::App& app, const std::string& wanted) {
 void AddMan(CLI::App& app, Invocation& invocation) {
     auto wanted = std::make_shared<std::string>();
     CLI::App* command = app.add_subcommand("man", "Print a manual page, for man -l");
-    command->add_option("command", *wanted, "The page of one command; without it, of hbbtvctl")
+    command->add_option("COMMAND", *wanted, "The page of one command; without it, of hbbtvctl")
         ->type_name("COMMAND")
         ->check([&app](const std::string& name) {
-            for (const CLI::App* known : Commands(app)) {
-                if (known->get_name() == name) return std::string();
-            }
-            return "there is no command \"" + name + "\"";
+            std::vector<std::string> known;
+            for (const CLI::App* other : Commands(app)) known.push_back(other->get_name());
+            const bool found = std::find(known.begin(), known.end(), name) != known.end();
+            return found ? "" : "there is no command \"" + name + "\"" + DidYouMean(name, known);
         });
     command->footer("Examples:\n  hbbtvctl man call | man -l -\n  hbbtvctl man > hbbtvctl.1");
     command->callback([wanted, &app, &invocation] { invocation.run = [wanted, &app] { return Run(app, *wanted); }; });

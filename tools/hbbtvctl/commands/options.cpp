@@ -2,6 +2,8 @@
 #include "commands/options.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
 
 #include "package/values.h"
 
@@ -40,9 +42,20 @@ void AddTime(CLI::App& command, const std::string& name, TimeOption& option, con
     if (!option.word.empty()) added->capture_default_str();
 }
 
+std::function<std::string(const std::string&)> WholeNumber(uint64_t least, uint64_t most) {
+    return [least, most](const std::string& word) {
+        errno = 0;
+        const bool digits = !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
+        const uint64_t number = digits ? std::strtoull(word.c_str(), nullptr, 10) : 0;
+        if (digits && errno == 0 && number >= least && number <= most) return std::string();
+        const std::string end = most == UINT64_MAX ? "" : " to " + std::to_string(most);
+        return Quoted(word) + " is no whole number from " + std::to_string(least) + end;
+    };
+}
+
 void AddArguments(CLI::App& command, ArgumentOptions& options) {
     command
-        .add_option("arguments", options.given.words,
+        .add_option("ARGUMENT", options.given.words,
                     "NAME=VALUE, or values in order; a value may be @FILE, or - for standard input")
         ->type_name("ARGUMENT");
     command.add_flag("--json", options.json,

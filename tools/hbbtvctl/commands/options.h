@@ -3,6 +3,8 @@
 
 #include <CLI/App.hpp>
 #include <chrono>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -22,6 +24,9 @@ struct TimeOption {
 };
 
 void AddTime(CLI::App& command, const std::string& name, TimeOption& option, const std::string& purpose);
+
+// Checks a number of an option.
+std::function<std::string(const std::string&)> WholeNumber(uint64_t least, uint64_t most = UINT64_MAX);
 
 // ARGUMENT... and --json [OBJECT].
 struct ArgumentOptions {

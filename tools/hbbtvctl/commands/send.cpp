@@ -61,7 +61,7 @@ int Run(const std::string& directory, const SendOptions& options) {
 void AddSend(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<SendOptions>();
     CLI::App* command = app.add_subcommand("send", "Play the library: send a request to the platform");
-    command->add_option("operation", options->operation, "FAMILY.OPERATION, as in channel.GetOnid; FAMILY with --raw")
+    command->add_option("OPERATION", options->operation, "FAMILY.OPERATION, as in channel.GetOnid; FAMILY with --raw")
         ->type_name("OPERATION")
         ->required();
     AddArguments(*command, options->arguments);

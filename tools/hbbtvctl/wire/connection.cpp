@@ -30,7 +30,9 @@ std::string WhyNot(const std::string& path, int error) {
         case Finding::State::NoSocket:
             return path + ": is no socket; remove or rename it, and start the other side again";
         default:
-            return path + ": " + (path.size() > kLongestPath ? "the path is too long" : std::strerror(error));
+            if (path.size() <= kLongestPath) return path + ": " + std::strerror(error);
+            return path + ": the path is longer than the " + std::to_string(kLongestPath) +
+                   " bytes that a socket's address holds; use a shorter directory";
     }
 }
 
