@@ -68,7 +68,7 @@ class Completion : public Alone {
     }
 
     static void CompletesALine(const Screen& screen) {
-        Expect(screen, "hbbtvctl des", "$ hbbtvctl describe ");
+        Expect(screen, "hbbtvctl des", "$ hbbtvctl describe\n");
         Expect(screen, "hbbtvctl call IVid", "$ hbbtvctl call IVideoBroadcast.");
         Expect(screen, "hbbtvctl call IChannel.GetO", "$ hbbtvctl call IChannel.GetOnid");
         Expect(screen, "hbbtvctl call IChannel.GetOnid ch", "$ hbbtvctl call IChannel.GetOnid channel=");
@@ -125,7 +125,7 @@ TEST_F(Completion, InFish) {
     CompletesALine(screen);
     screen.Type("hbbtvctl lis");
     screen.Press("Tab");
-    EXPECT_TRUE(screen.WaitForText("listen  (Register callbacks and show every event)")) << screen.Text();
+    EXPECT_TRUE(screen.WaitForText("(Register callbacks and show every event)\n")) << screen.Text();
 }
 
 }  // namespace

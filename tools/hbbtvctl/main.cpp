@@ -67,9 +67,7 @@ std::string Explained(const CLI::App& app, const CLI::ParseError& error, const s
             for (const CLI::Option* option : command->get_options()) {
                 if (!option->get_group().empty() && !option->get_positional()) options.push_back(option->get_name());
             }
-            const bool number = word.find_first_not_of("-0123456789.xabcdefABCDEF") == std::string::npos;
-            return "there is no option " + Quoted(name) + DidYouMean(name, options) +
-                   (number ? " (a negative value is written NAME=" + word + ", or behind --)" : "");
+            return "there is no option " + Quoted(name) + DidYouMean(name, options);
         }
         if (command != &app) continue;
         if (std::find(known.begin(), known.end(), word) == known.end()) {

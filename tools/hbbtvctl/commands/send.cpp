@@ -70,7 +70,7 @@ void AddSend(CLI::App& app, Invocation& invocation) {
         "Examples:\n"
         "  hbbtvctl send channel_config.GetCurrentChannel\n"
         "  hbbtvctl send channel.GetName c_handle=0x1000 --json\n"
-        "  hbbtvctl send channel_config.CreateChannelList channel=0x10,0x20,0x30\n"
+        "  hbbtvctl send channel_config.CreateChannelList channel=0x1000,0x1000\n"
         "  hbbtvctl send channel --raw @request.bin");
     command->callback([options, &invocation] {
         invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };
