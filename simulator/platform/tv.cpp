@@ -1,6 +1,8 @@
 // The shared television: see tv.h.
 #include "platform/tv.h"
 
+#include "platform/schedule.h"
+
 namespace hbbtv::sim {
 
 namespace {
@@ -36,10 +38,16 @@ std::vector<KeptFavourites> Brought(const LineUp& lineUp) {
 
 }  // namespace
 
+void Tuner::Set(std::shared_ptr<Channel> channel) {
+    if (channel == mOn) return;
+    mOn = std::move(channel);
+    for (const auto& onChange : mWatchers) onChange();
+}
+
 void Tuner::Use(const void* user, std::shared_ptr<Channel> channel) {
     mUser = user;
     mLatest = user;
-    mOn = std::move(channel);
+    Set(std::move(channel));
 }
 
 void Tuner::Leave(const void* user) {
@@ -51,14 +59,14 @@ void Tuner::Forget(const void* user) {
     if (mLatest == user) mLatest = nullptr;
 }
 
-Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState)
+Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState, std::unique_ptr<Guide> theGuide)
     : state(theState),
       lineUp(std::move(theLineUp)),
       serviceChannels(lineUp),
       channelList(serviceChannels.Listed()),
       favourites(std::make_shared<Favourites>(
           state, Brought(lineUp), [this](const std::string& ccid) { return serviceChannels.WithCcid(ccid); })),
-      schedule(seed.value_or(0)),
+      guide(theGuide ? std::move(theGuide) : std::make_unique<Schedule>(seed.value_or(0))),
       handleSource(seed),
       channels(handleSource),
       channelLists(handleSource),
@@ -67,7 +75,8 @@ Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theStat
       components(handleSource),
       componentLists(handleSource),
       programmes(handleSource),
-      programmeLists(handleSource) {
+      programmeLists(handleSource),
+      ratingCollections(handleSource) {
     tuner.Set(serviceChannels.Of(lineUp.First()));
 }
 

@@ -1,5 +1,6 @@
-// The television that the families share: its line-up, its channel and favourite lists, its one tuner, its programme
-// schedule, what it remembers, and the handles of the objects that more than one family knows.
+// The television that the families share: its line-up, its channel and favourite lists, its one tuner, its guide of
+// programmes, its applications and their tabs, what it remembers, and the handles of the objects that more than one
+// family knows.
 #pragma once
 
 #include <functional>
@@ -9,12 +10,14 @@
 #include <vector>
 
 #include "core/handles.h"
+#include "platform/applications.h"
 #include "platform/channel_lists.h"
 #include "platform/favourites.h"
+#include "platform/guide.h"
 #include "platform/line_up.h"
-#include "platform/schedule.h"
 #include "platform/service_channels.h"
 #include "platform/state_store.h"
+#include "platform/tabs.h"
 
 namespace hbbtv::sim {
 
@@ -36,8 +39,6 @@ enum class ChannelError {
     Unidentified = 100
 };
 
-using ComponentList = std::vector<std::shared_ptr<Component>>;
-
 // One tuner for the viewer and all applications. Whoever connects or presents uses it; it stays on its channel when
 // the user lets go, so there is always a channel on.
 class Tuner {
@@ -46,13 +47,17 @@ class Tuner {
     bool FreeFor(const void* user) const { return !mTaken && (mUser == nullptr || mUser == user); }
     const void* LatestUser() const { return mLatest; }
 
-    void Set(std::shared_ptr<Channel> channel) { mOn = std::move(channel); }
+    // `onChange` is called whenever another channel is on, for as long as the tuner lives.
+    void Watch(std::function<void()> onChange) { mWatchers.push_back(std::move(onChange)); }
+
+    void Set(std::shared_ptr<Channel> channel);
     void Use(const void* user, std::shared_ptr<Channel> channel);
     void Leave(const void* user);
     void Forget(const void* user);
 
     // By something that is no application: nobody can tune then.
     void TakeAway(bool taken) { mTaken = taken; }
+    bool TakenAway() const { return mTaken; }
 
     bool recorded = false;  // what is on is being recorded: no change of channel
 
@@ -61,6 +66,7 @@ class Tuner {
     const void* mUser = nullptr;
     const void* mLatest = nullptr;
     bool mTaken = false;
+    std::vector<std::function<void()>> mWatchers;
 };
 
 // What of the channel configuration has changed; the letter goes with the event.
@@ -69,8 +75,9 @@ enum class ConfigChange : char { ChannelList = 'L', FavouriteList = 'F' };
 class Tv {
   public:
     // Without a seed the handles differ from run to run; the schedule is the same for everybody who gives none. The
-    // store lives longer.
-    Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState);
+    // store lives longer. Without a guide programmes are made up.
+    Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState,
+       std::unique_ptr<Guide> theGuide = nullptr);
     Tv(const Tv&) = delete;
     Tv& operator=(const Tv&) = delete;
 
@@ -89,7 +96,7 @@ class Tv {
     ServiceChannels serviceChannels;
     ChannelLists channelList;
     std::shared_ptr<Favourites> favourites;
-    Schedule schedule;
+    std::unique_ptr<Guide> guide;  // never null
     HandleSource handleSource;
     HandleTable<Channel> channels;
     HandleTable<ChannelList> channelLists;
@@ -99,8 +106,14 @@ class Tv {
     HandleTable<ComponentList> componentLists;
     HandleTable<Programme> programmes;
     HandleTable<ProgrammeList> programmeLists;
+    HandleTable<ParentalRatings> ratingCollections;
     Tuner tuner;
+    Applications applications;
+    Tabs tabs;
     int displaySource = 0;
+    struct {
+        unsigned width = 1920, height = 1080;
+    } resolution;
 
     // Set by the families that know, called by those that do not.
     std::function<void(ConfigChange)> onConfigChange = [](ConfigChange) {};
