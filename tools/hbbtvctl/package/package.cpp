@@ -77,6 +77,19 @@ const Json::Value* WireFamily::Operation(const std::string& operation) const {
     return nullptr;
 }
 
+std::vector<std::string> WireFamily::OperationNames() const {
+    std::vector<std::string> names;
+    for (const Json::Value& operation : protocol["operations"]) names.push_back(operation["name"].asString());
+    return names;
+}
+
+const Json::Value* WireFamily::OperationOf(const Method& method) const {
+    for (const Json::Value& candidate : protocol["operations"]) {
+        if (candidate["method"] == method.name) return &candidate;
+    }
+    return Operation(method.name);
+}
+
 const Package& Package::Get() {
     static const Package package(Parse(kDescription));
     return package;
@@ -165,7 +178,10 @@ const Interface& Package::FindInterface(const std::string& wanted) const {
 const WireFamily& Package::FindFamily(const std::string& wanted) const {
     std::vector<std::string> known;
     for (const WireFamily& family : families) {
-        if (Folded(family.name) == Folded(wanted) || SameInterface(family.interface + " ", wanted + " ")) return family;
+        if (Folded(family.name) == Folded(wanted) ||
+            (!family.interface.empty() && SameInterface(family.interface, wanted))) {
+            return family;
+        }
         known.push_back(family.name);
     }
     throw Failure(kUsage,
