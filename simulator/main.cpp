@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "command_line.h"
+#include "platform/json_source.h"
 #include "simulator.h"
 
 namespace hbbtv::sim {
@@ -43,7 +44,10 @@ int Main(int argc, char** argv) {
         return end.exitCode;
     } catch (const BadLineUp& e) {
         std::fprintf(stderr, "hbbtv-sim: the line-up is refused: %s\n", e.what());
-        return kLineUpRefused;
+        return kFileRefused;
+    } catch (const BadFile& e) {
+        std::fprintf(stderr, "hbbtv-sim: refused: %s\n", e.what());
+        return kFileRefused;
     } catch (const CannotServe& e) {
         std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
         return kCannotServe;

@@ -36,10 +36,16 @@ std::vector<KeptFavourites> Brought(const LineUp& lineUp) {
 
 }  // namespace
 
+void Tuner::Set(std::shared_ptr<Channel> channel) {
+    if (channel == mOn) return;
+    mOn = std::move(channel);
+    for (const auto& call : mWhenChanged) call();
+}
+
 void Tuner::Use(const void* user, std::shared_ptr<Channel> channel) {
     mUser = user;
     mLatest = user;
-    mOn = std::move(channel);
+    Set(std::move(channel));
 }
 
 void Tuner::Leave(const void* user) {
@@ -59,6 +65,8 @@ Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theStat
       favourites(std::make_shared<Favourites>(
           state, Brought(lineUp), [this](const std::string& ccid) { return serviceChannels.WithCcid(ccid); })),
       schedule(seed.value_or(0)),
+      parentalControl(state),
+      device(state, seed),
       handleSource(seed),
       channels(handleSource),
       channelLists(handleSource),
@@ -67,7 +75,8 @@ Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theStat
       components(handleSource),
       componentLists(handleSource),
       programmes(handleSource),
-      programmeLists(handleSource) {
+      programmeLists(handleSource),
+      ratingCollections(handleSource) {
     tuner.Set(serviceChannels.Of(lineUp.First()));
 }
 

@@ -1,5 +1,6 @@
 // The television that the families share: its line-up, its channel and favourite lists, its one tuner, its programme
-// schedule, what it remembers, and the handles of the objects that more than one family knows.
+// schedule, its parental control, what it is and remembers, and the handles of the objects that more than one family
+// knows.
 #pragma once
 
 #include <functional>
@@ -10,8 +11,10 @@
 
 #include "core/handles.h"
 #include "platform/channel_lists.h"
+#include "platform/device.h"
 #include "platform/favourites.h"
 #include "platform/line_up.h"
+#include "platform/parental_control.h"
 #include "platform/schedule.h"
 #include "platform/service_channels.h"
 #include "platform/state_store.h"
@@ -46,13 +49,18 @@ class Tuner {
     bool FreeFor(const void* user) const { return !mTaken && (mUser == nullptr || mUser == user); }
     const void* LatestUser() const { return mLatest; }
 
-    void Set(std::shared_ptr<Channel> channel) { mOn = std::move(channel); }
+    bool Used() const { return mUser != nullptr; }
+
+    void Set(std::shared_ptr<Channel> channel);
     void Use(const void* user, std::shared_ptr<Channel> channel);
     void Leave(const void* user);
     void Forget(const void* user);
 
     // By something that is no application: nobody can tune then.
     void TakeAway(bool taken) { mTaken = taken; }
+
+    // Called whenever another channel is on than before.
+    void WhenChanged(std::function<void()> call) { mWhenChanged.push_back(std::move(call)); }
 
     bool recorded = false;  // what is on is being recorded: no change of channel
 
@@ -61,6 +69,7 @@ class Tuner {
     const void* mUser = nullptr;
     const void* mLatest = nullptr;
     bool mTaken = false;
+    std::vector<std::function<void()>> mWhenChanged;
 };
 
 // What of the channel configuration has changed; the letter goes with the event.
@@ -90,6 +99,8 @@ class Tv {
     ChannelLists channelList;
     std::shared_ptr<Favourites> favourites;
     Schedule schedule;
+    ParentalControl parentalControl;
+    Device device;
     HandleSource handleSource;
     HandleTable<Channel> channels;
     HandleTable<ChannelList> channelLists;
@@ -99,6 +110,7 @@ class Tv {
     HandleTable<ComponentList> componentLists;
     HandleTable<Programme> programmes;
     HandleTable<ProgrammeList> programmeLists;
+    HandleTable<RatingCollection> ratingCollections;
     Tuner tuner;
     int displaySource = 0;
 

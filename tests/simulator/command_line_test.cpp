@@ -113,6 +113,8 @@ TEST_F(CommandLine, WrongOptionsEndWithCode2AndASentence) {
         {{"--tune-time", "100h"}, "is no time"},
         {{"--stream-event-interval", ""}, "is no time"},
         {{"--seed", "x"}, "--seed"},
+        {{"--carousel", ""}, "the name is empty"},
+        {{"--stream-events", ""}, "the name is empty"},
         {{"--permanent-error", "none"}, "channel-changed"},
         {{"--fault", "smoke"}, "\"smoke\" is no fault"},
         {{"--fault", "stop-answering:video"}, "did you mean \"video_broadcast\"?"}};
@@ -195,8 +197,9 @@ TEST_F(CommandLine, TellAnswersWhatItRefusesAndEndsWithCode1) {
         {"zap 77", "error: there is no such channel in the list\n"},
         {"signal lost", "error: there is no video/broadcast object\n"},
         {"stop-answering nothing",
-         "error: there is no family \"nothing\"; known are \"channel\", \"channel_config\", \"channel_list\", "
-         "\"favourite_list\", \"favourite_list_collection\", \"video_broadcast\"\n"},
+         "error: there is no family \"nothing\"; known are \"application_private_data\", "
+         "\"capabilities\", \"channel\", \"channel_config\", \"channel_list\", \"dsmcc\", \"favourite_list\", "
+         "\"favourite_list_collection\", \"local_system\", \"parental_control_manager\", \"video_broadcast\"\n"},
         {"fail much", "error: usage: fail [ERROR]\n"},
         {"record it", "error: usage: record\n"}};
     for (const auto& entry : refused) {
