@@ -58,6 +58,7 @@ Options ReadCommandLine(int argc, char** argv) {
     options.directory = DefaultDirectory();
     std::string tuneTime = "300ms";
     std::string streamEventInterval = "2s";
+    std::string pingInterval = "5s";
     std::string permanentError = "channel-error";
     uint32_t seed = 0;
     std::string tell;
@@ -87,6 +88,10 @@ Options ReadCommandLine(int argc, char** argv) {
     app.add_option("--stream-events", options.settings.streamEvents, "Which stream events come when (JSON)")
         ->type_name("FILE")
         ->check(CheckName);
+    app.add_option("--ping-interval", pingInterval, "Between two questions whether the browser is there, 0 for none")
+        ->type_name("TIME")
+        ->check(CheckTime)
+        ->capture_default_str();
     app.add_option("--permanent-error", permanentError, "Event in front of PlayState when tuning fails for good")
         ->type_name("EVENT")
         ->check(CLI::IsMember({"channel-error", "channel-changed"}).description("channel-error|channel-changed"))
@@ -107,6 +112,7 @@ Options ReadCommandLine(int argc, char** argv) {
     }
     options.settings.tuneTime = *ReadTime(tuneTime);
     options.settings.streamEventInterval = *ReadTime(streamEventInterval);
+    options.settings.pingInterval = *ReadTime(pingInterval);
     const bool changed = permanentError == "channel-changed";
     options.settings.permanentErrorEvent =
         changed ? PermanentErrorEvent::ChannelChanged : PermanentErrorEvent::ChannelError;

@@ -42,7 +42,8 @@ void Journal::Request(const std::string& operation, const std::string& arguments
 
 void Journal::Event(const std::string& name, const std::string& members, const std::string& outcome) const {
     if (!mTrace) return;
-    std::printf("* %s %s%s%s\n", name.c_str(), members.c_str(), outcome.empty() ? "" : " | ", outcome.c_str());
+    std::printf("* %s%s%s%s%s\n", name.c_str(), members.empty() ? "" : " ", members.c_str(),
+                outcome.empty() ? "" : " | ", outcome.c_str());
 }
 
 std::string Readable(const Json::Value& object, const std::string& codeMember) {

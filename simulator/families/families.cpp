@@ -1,6 +1,7 @@
 // The list of families: see families.h.
 #include "families/families.h"
 
+#include "families/application_manager/application_manager_family.h"
 #include "families/application_private_data/application_private_data_family.h"
 #include "families/capabilities/capabilities_family.h"
 #include "families/channel/channel_family.h"
@@ -10,6 +11,7 @@
 #include "families/favourite_list/favourite_list_family.h"
 #include "families/favourite_list_collection/favourite_list_collection_family.h"
 #include "families/local_system/local_system_family.h"
+#include "families/mtm/mtm_family.h"
 #include "families/parental_control_manager/parental_control_manager_family.h"
 #include "families/video_broadcast/video_broadcast_family.h"
 
@@ -17,6 +19,7 @@ namespace hbbtv::sim {
 
 std::vector<std::unique_ptr<Family>> MakeFamilies(const FamilySetup& setup) {
     std::vector<std::unique_ptr<Family>> families;
+    families.push_back(MakeApplicationManagerFamily(setup));
     families.push_back(MakeApplicationPrivateDataFamily(setup));
     families.push_back(MakeCapabilitiesFamily(setup));
     families.push_back(MakeChannelFamily(setup));
@@ -26,6 +29,7 @@ std::vector<std::unique_ptr<Family>> MakeFamilies(const FamilySetup& setup) {
     families.push_back(MakeFavouriteListFamily(setup));
     families.push_back(MakeFavouriteListCollectionFamily(setup));
     families.push_back(MakeLocalSystemFamily(setup));
+    families.push_back(MakeMtmFamily(setup));
     families.push_back(MakeParentalControlManagerFamily(setup));
     families.push_back(MakeVideoBroadcastFamily(setup));
     return families;

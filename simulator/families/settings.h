@@ -20,6 +20,7 @@ struct Settings {
     std::chrono::milliseconds streamEventInterval{2000};  // 0: no stream events
     std::string streamEvents;                             // the file with those of a script; empty: there is none
     std::string carousel;                                 // the directory of the object carousel; empty: there is none
+    std::chrono::milliseconds pingInterval{5000};         // of the browser; 0: none
 };
 
 }  // namespace hbbtv::sim

@@ -112,9 +112,10 @@ void Carousel::ReadFiles(const JsonSource& source, const Json::Value& list) {
 void Carousel::ReadApplications(const JsonSource& source, const Json::Value& list) {
     for (const Json::Value& value : list) {
         const JsonObject object(source, value, "application", {"organisation", "application", "start"});
-        const ApplicationId id{static_cast<uint32_t>(object.Int("organisation", 0, INT32_MAX)),
-                               static_cast<uint32_t>(object.Int("application", 0, kLargestId))};
-        const bool fresh = mApplications.emplace(id, PathIn(object, "start")).second;
+        ApplicationId id;
+        id.organisation = object.Int("organisation", 0, INT32_MAX);
+        id.application = object.Int("application", 0, kLargestId);
+        const bool fresh = mApplications.emplace(IdText(id), PathIn(object, "start")).second;
         if (!fresh) object.Refuse("there is another application with this organisation and number");
     }
 }
@@ -126,7 +127,7 @@ bool Carousel::IsIn(const Service& service) const {
 }
 
 std::optional<CarouselPath> Carousel::StartOf(const ApplicationId& application) const {
-    const auto found = mApplications.find(application);
+    const auto found = mApplications.find(IdText(application));
     if (found == mApplications.end()) return std::nullopt;
     return found->second;
 }

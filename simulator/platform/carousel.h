@@ -59,7 +59,7 @@ class Carousel {
     std::optional<Triplet> mService;  // without: every service
     CarouselFile mUsual;
     std::map<CarouselPath, CarouselFile> mFiles;
-    std::map<ApplicationId, CarouselPath> mApplications;
+    std::map<std::string, CarouselPath> mApplications;  // by the text of their ids
 };
 
 }  // namespace hbbtv::sim

@@ -51,12 +51,6 @@ uint32_t HexNumber(std::string_view word, uint32_t largest) {
     return *number;
 }
 
-ApplicationId ReadApplication(std::string_view text) {
-    const auto words = Split(text, '.');
-    if (words.size() != 2) throw Refused("the URL names no application: dvb://current.ait/13.1f5");
-    return {HexNumber(words[0], UINT32_MAX), HexNumber(words[1], kLargestId)};
-}
-
 }  // namespace
 
 CarouselPath ReadCarouselPath(const std::string& text) {
@@ -76,7 +70,8 @@ CarouselUrl ReadCarouselUrl(const std::string& text) {
     const std::string_view rest = url.substr(slash + 1);
     CarouselUrl read;
     if (place == kCurrentAit) {
-        read.application = ReadApplication(rest);
+        read.application = ReadApplicationId(std::string(rest));
+        if (!read.application) throw Refused("the URL names no application: dvb://current.ait/13.1f5");
         return read;
     }
     const auto words = Split(place, '.');

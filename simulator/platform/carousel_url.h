@@ -7,16 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/applications.h"
+
 namespace hbbtv::sim {
-
-struct ApplicationId {
-    uint32_t organisation = 0;
-    uint32_t application = 0;
-
-    bool operator<(const ApplicationId& other) const {
-        return organisation != other.organisation ? organisation < other.organisation : application < other.application;
-    }
-};
 
 // Names from the root of the carousel downwards, none of which leads out of it: no ".", "..", empty name, slash or NUL.
 using CarouselPath = std::vector<std::string>;

@@ -39,7 +39,7 @@ std::vector<KeptFavourites> Brought(const LineUp& lineUp) {
 void Tuner::Set(std::shared_ptr<Channel> channel) {
     if (channel == mOn) return;
     mOn = std::move(channel);
-    for (const auto& call : mWhenChanged) call();
+    for (const auto& onChange : mWatchers) onChange();
 }
 
 void Tuner::Use(const void* user, std::shared_ptr<Channel> channel) {

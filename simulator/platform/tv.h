@@ -1,6 +1,6 @@
 // The television that the families share: its line-up, its channel and favourite lists, its one tuner, its programme
-// schedule, its parental control, what it is and remembers, and the handles of the objects that more than one family
-// knows.
+// schedule, its applications and their tabs, its parental control, what it is and remembers, and the handles of the
+// objects that more than one family knows.
 #pragma once
 
 #include <functional>
@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/handles.h"
+#include "platform/applications.h"
 #include "platform/channel_lists.h"
 #include "platform/device.h"
 #include "platform/favourites.h"
@@ -18,6 +19,7 @@
 #include "platform/schedule.h"
 #include "platform/service_channels.h"
 #include "platform/state_store.h"
+#include "platform/tabs.h"
 
 namespace hbbtv::sim {
 
@@ -51,6 +53,9 @@ class Tuner {
 
     bool Used() const { return mUser != nullptr; }
 
+    // `onChange` is called whenever another channel is on, for as long as the tuner lives.
+    void Watch(std::function<void()> onChange) { mWatchers.push_back(std::move(onChange)); }
+
     void Set(std::shared_ptr<Channel> channel);
     void Use(const void* user, std::shared_ptr<Channel> channel);
     void Leave(const void* user);
@@ -58,9 +63,7 @@ class Tuner {
 
     // By something that is no application: nobody can tune then.
     void TakeAway(bool taken) { mTaken = taken; }
-
-    // Called whenever another channel is on than before.
-    void WhenChanged(std::function<void()> call) { mWhenChanged.push_back(std::move(call)); }
+    bool TakenAway() const { return mTaken; }
 
     bool recorded = false;  // what is on is being recorded: no change of channel
 
@@ -69,7 +72,7 @@ class Tuner {
     const void* mUser = nullptr;
     const void* mLatest = nullptr;
     bool mTaken = false;
-    std::vector<std::function<void()>> mWhenChanged;
+    std::vector<std::function<void()>> mWatchers;
 };
 
 // What of the channel configuration has changed; the letter goes with the event.
@@ -112,7 +115,12 @@ class Tv {
     HandleTable<ProgrammeList> programmeLists;
     HandleTable<RatingCollection> ratingCollections;
     Tuner tuner;
+    Applications applications;
+    Tabs tabs;
     int displaySource = 0;
+    struct {
+        unsigned width = 1920, height = 1080;
+    } resolution;
 
     // Set by the families that know, called by those that do not.
     std::function<void(ConfigChange)> onConfigChange = [](ConfigChange) {};

@@ -91,7 +91,7 @@ DsmccFamily::DsmccFamily(const FamilySetup& setup)
     Row(1, "ReleaseFile", &F::ReleaseFile);
     AddCommand("carousel-change", {"carousel-change PATH", "the carousel sends the file as a new version",
                                    [this](const auto& words) { return Change(words); }});
-    mTv.tuner.WhenChanged([this] { CarouselLeft(); });
+    mTv.tuner.Watch([this] { CarouselLeft(); });
     if (setup.settings.carousel.empty()) return;
     mCarousel = std::make_unique<Carousel>(setup.settings.carousel);
     for (const auto& [path, file] : mCarousel->Described()) {
