@@ -52,9 +52,9 @@ std::shared_ptr<Programme> MakeProgramme(std::shared_ptr<const Service> service,
     return programme;
 }
 
-void AddRating(Programme& programme, ParentalRating rating) {
-    if (!programme.ratings) programme.ratings = std::make_shared<ParentalRatings>();
-    programme.ratings->push_back(std::make_shared<ParentalRating>(std::move(rating)));
+void AddRating(Programme& programme, Rating rating) {
+    if (!programme.ratings) programme.ratings = std::make_shared<RatingCollection>();
+    programme.ratings->push_back(std::make_shared<Rating>(std::move(rating)));
 }
 
 }  // namespace hbbtv::sim

@@ -67,6 +67,8 @@ Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theStat
       favourites(std::make_shared<Favourites>(
           state, Brought(lineUp), [this](const std::string& ccid) { return serviceChannels.WithCcid(ccid); })),
       guide(theGuide ? std::move(theGuide) : std::make_unique<Schedule>(seed.value_or(0))),
+      parentalControl(state),
+      device(state, seed),
       handleSource(seed),
       channels(handleSource),
       channelLists(handleSource),
