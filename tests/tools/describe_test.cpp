@@ -39,8 +39,10 @@ TEST_F(Describe, AMethodWithItsTypesItsDocumentationItsWireFormAndEnumerators) {
 }
 
 TEST_F(Describe, AMethodWhoseOperationHasAnotherName) {
-    const std::string text = Of("IDsmcc.OnRequestFile");
-    EXPECT_THAT(text, HasSubstr("Wire one-way, type 20, method 0, to service_dsmcc_to_hbbtv, port 2\n"));
+    EXPECT_THAT(Of("IDsmcc.OnRequestFile"),
+                HasSubstr("Wire one-way, type 20, method 0, to service_dsmcc_to_hbbtv, port 2\n"));
+    EXPECT_THAT(Of("IApplicationManager.Show"),
+                HasSubstr("Wire one-way, t 210, to service_plugin_to_hbbtv_apm, port 1\n"));
 }
 
 TEST_F(Describe, AnInterfaceAClientsInterfaceAStructAFamilyAndAnOperation) {

@@ -109,16 +109,11 @@ TEST_F(Footers, OfHelpShowWhatWorks) {
     WriteFile(mDirectory / "damaged.bin", "damaged");
     const std::string channel = CurrentChannel();
     const std::string vb = NewVideoBroadcast();
-    const std::vector<std::string> families = FamiliesOfProtocolFiles();
     for (const char* command :
          {"list", "describe", "call", "listen", "send", "emit", "bench", "doctor", "completion", "man"}) {
         const std::vector<std::string> examples = ExamplesOf(Ctl({command, "--help"}).output);
         EXPECT_LE(2u, examples.size()) << command;
         for (std::string example : examples) {
-            if (example.find(" mtm ") != std::string::npos &&
-                std::find(families.begin(), families.end(), "mtm") == families.end()) {
-                continue;
-            }
             example = std::regex_replace(example, std::regex("0x1000"), channel);
             example = std::regex_replace(example, std::regex("0x2000"), vb);
             if (example.find(" fish ") != std::string::npos) example = "fish --no-config -c '" + example + "'";

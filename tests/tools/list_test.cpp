@@ -4,8 +4,6 @@
 #include <signal.h>
 #include <sys/stat.h>
 
-#include <algorithm>
-
 #include "ctl.h"
 
 namespace hbbtv::test {
@@ -61,13 +59,11 @@ class List : public Alone {
 };
 
 TEST_F(List, ShowsTheEndpointsOfBothSidesInTheOrderOfTheirKeys) {
-    const std::vector<std::string> families = FamiliesOfProtocolFiles();
     const Json::Value document = Document(Ctl({"list", "--json"}));
     EXPECT_EQ("vantorel.hardware.hbbtv@1.0", document["package"].asString());
     EXPECT_EQ(mDirectory.Path(), document["directory"].asString());
     Json::ArrayIndex next = 0;
     for (const Row& row : kRows) {
-        if (std::find(families.begin(), families.end(), row.family) == families.end()) continue;
         const Json::Value& endpoint = document["endpoints"][next++];
         EXPECT_EQ(row.family, endpoint["family"].asString());
         EXPECT_EQ(row.servedBy, endpoint["served_by"].asString()) << row.socket;
@@ -78,7 +74,7 @@ TEST_F(List, ShowsTheEndpointsOfBothSidesInTheOrderOfTheirKeys) {
         EXPECT_EQ("", endpoint["process"].asString()) << row.socket;
     }
     EXPECT_EQ(next, document["endpoints"].size());
-    ASSERT_EQ(families.size(), document["interfaces"].size());
+    ASSERT_EQ(18u, document["interfaces"].size());
     for (const Json::Value& interface : document["interfaces"]) EXPECT_FALSE(interface["registered"].asBool());
 }
 

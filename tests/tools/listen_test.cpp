@@ -178,6 +178,55 @@ TEST_F(Listen, EndsQuietlyAndUnregistersWhenItsReaderGoes) {
     EXPECT_TRUE(WaitFor([&] { return mPlatform.Frames().back().payload == Request(19, 1); })) << "no event is needed";
 }
 
+TEST_F(Listen, AnswersAMethodThatNeedsAnAnswer) {
+    FakePlatform browser("service_mtm_to_hbbtv", R"({"ret": 0})");
+    {
+        Listener listener({"mtm", "--answer", R"(CreateApp={"status": 0, "tabId": 23})"});
+        ASSERT_TRUE(listener.Listens()) << listener.Output();
+        const FinishedRun made = Ctl({"emit", "mtm", "CreateApp", "url=http://a"});
+        EXPECT_EQ("ret    0\ntabid  23\n", made.output) << made.errors;
+        // Nobody said what the others answer.
+        const FinishedRun ping = Ctl({"emit", "mtm", "Ping"});
+        EXPECT_EQ("ret     0\nstatus  0\n", ping.output) << ping.errors;
+        ASSERT_TRUE(listener.WaitForEvents(2)) << listener.Output();
+        EXPECT_EQ("CreateApp", listener.Events()[0]["method"].asString());
+        EXPECT_EQ("http://a", listener.Events()[0]["arguments"]["url"].asString());
+    }
+    Listener refusing({"mtm", "--answer", R"(IMtmCallback.CreateApp={"status": -7, "tabId": 0})"});
+    ASSERT_TRUE(refusing.Listens()) << refusing.Output();
+    const FinishedRun refused = Ctl({"emit", "mtm", "CreateApp", "url=http://a"});
+    EXPECT_EQ(1, refused.exit);
+    EXPECT_EQ("ret  -1\n", refused.output.substr(0, 8)) << "as the library tells of any browser that fails";
+}
+
+TEST_F(Listen, TakesTheSameObjectAwayThatItHasRegistered) {
+    FakePlatform configuration("service_plugin_to_hbbtv_conf", R"({"ret": 0})");
+    Listener listener({"configuration"});
+    ASSERT_TRUE(listener.Listens()) << listener.Output();
+    listener.Signal(SIGINT);
+    EXPECT_EQ(0, listener.WaitForExit());
+    EXPECT_EQ("hbbtvctl: listening, Ctrl-C ends\n", listener.Output());
+    // The service has forgotten the client already: removing it is a status of 0 only once.
+    Listener next({"configuration", "--count", "1"});
+    ASSERT_TRUE(next.Listens()) << next.Output();
+    ASSERT_EQ(0, Ctl({"emit", "configuration", "8", "--one-way"}).exit);
+    EXPECT_EQ(0, next.WaitForExit());
+    EXPECT_EQ(1u, next.Events().size());
+}
+
+TEST_F(Listen, RegistersForEveryKindOfEventOrForTheOneThatWasAskedFor) {
+    FakePlatform manager("service_plugin_to_hbbtv_apm", R"({"ret": 0})");
+    Listener all({"application_manager", "--count", "1"});
+    ASSERT_TRUE(all.Listens()) << all.Output();
+    const FinishedRun rating = Ctl({"emit", "application_manager", "271", "countryCode=deu", "--json"});
+    EXPECT_EQ(0, rating.exit) << rating.Text();
+    EXPECT_EQ(0, all.WaitForExit());
+    EXPECT_EQ("onGetLocalParantalRating", all.Events()[0]["method"].asString());
+    EXPECT_EQ("deu", all.Events()[0]["arguments"]["countryCode"].asString());
+    // Now nobody is registered for it.
+    EXPECT_EQ(1, Ctl({"emit", "application_manager", "271", "countryCode=deu"}).exit);
+}
+
 TEST_F(Listen, ShowsAnEventOnceWhenAFamilyIsNamedTwice) {
     Listener listener({"channel_config", "IChannelConfig"});
     ASSERT_TRUE(listener.Listens()) << listener.Output();

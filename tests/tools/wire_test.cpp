@@ -48,6 +48,20 @@ TEST_F(Send, WritesListsUnderNumberedKeysAndTheirLength) {
               run.errors);
 }
 
+TEST_F(Send, EndsNumberedKeysWhereTheLibraryDoes) {
+    FakePlatform manager("service_plugin_to_hbbtv_apm", R"({"ret": 0})");
+    std::string keys = "1000";
+    for (int i = 1; i < 102; ++i) keys += "," + std::to_string(1000 + i);
+    ASSERT_EQ(0, Ctl({"send", "application_manager.SetValue", "appid=1", "orgid=2", "value=3", "k=" + keys}).exit);
+    ASSERT_TRUE(manager.WaitForFrames(1));
+    const std::string payload = manager.Frames()[0].payload;
+    // Keys 100 and 101 go under "k10" again.
+    EXPECT_THAT(payload, HasSubstr("\t\"k10\" : 1101,\n"));
+    EXPECT_THAT(payload, HasSubstr("\t\"k11\" : 1011,\n"));
+    EXPECT_THAT(payload, testing::Not(HasSubstr("\"k100\"")));
+    EXPECT_THAT(payload, HasSubstr("\t\"keynum\" : 102,\n"));
+}
+
 TEST_F(Send, GivesTheReplyAsADocumentWithItsTime) {
     const Json::Value document =
         Document(Ctl({"send", "channel.GetName", "--json", R"({"c_handle": 4096})", "--time"}));

@@ -127,23 +127,18 @@ Package::Package(const Json::Value& description) : name(description["package"].a
         }
         return parameters;
     };
-    // Structs hold other types, so those that hold none come first.
-    std::vector<std::string> waiting = description["types"].getMemberNames();
-    for (const char* kind : {"enum", "struct"}) {
-        for (const std::string& typeName : waiting) {
-            const Json::Value& entry = description["types"][typeName];
-            if (entry["kind"].asString() != kind) continue;
-            auto type = std::make_shared<Type>();
-            type->name = typeName;
-            type->doc = entry["doc"].asString();
-            type->kind = entry["kind"] == "enum" ? Type::Kind::Enum : Type::Kind::Struct;
-            if (type->kind == Type::Kind::Enum) MakeInteger(*type, entry["of"].asString());
-            for (const Json::Value& e : entry["enumerators"]) {
-                type->enumerators.push_back({e["name"].asString(), e["value"].asInt64(), e["doc"].asString()});
-            }
-            type->fields = parametersOf(entry["fields"]);
-            types.push_back(type);
+    // In the order of the .hal file, where a struct stands behind the types that it holds.
+    for (const Json::Value& entry : description["types"]) {
+        auto type = std::make_shared<Type>();
+        type->name = entry["name"].asString();
+        type->doc = entry["doc"].asString();
+        type->kind = entry["kind"] == "enum" ? Type::Kind::Enum : Type::Kind::Struct;
+        if (type->kind == Type::Kind::Enum) MakeInteger(*type, entry["of"].asString());
+        for (const Json::Value& e : entry["enumerators"]) {
+            type->enumerators.push_back({e["name"].asString(), e["value"].asInt64(), e["doc"].asString()});
         }
+        type->fields = parametersOf(entry["fields"]);
+        types.push_back(type);
     }
     for (const Json::Value& entry : description["interfaces"]) {
         Interface interface;
