@@ -4,6 +4,7 @@
 #include "families/channel/channel_family.h"
 #include "families/channel_config/channel_config_family.h"
 #include "families/channel_list/channel_list_family.h"
+#include "families/configuration/configuration_family.h"
 #include "families/favourite_list/favourite_list_family.h"
 #include "families/favourite_list_collection/favourite_list_collection_family.h"
 #include "families/video_broadcast/video_broadcast_family.h"
@@ -15,6 +16,7 @@ std::vector<std::unique_ptr<Family>> MakeFamilies(const FamilySetup& setup) {
     families.push_back(MakeChannelFamily(setup));
     families.push_back(MakeChannelConfigFamily(setup));
     families.push_back(MakeChannelListFamily(setup));
+    families.push_back(MakeConfigurationFamily(setup));
     families.push_back(MakeFavouriteListFamily(setup));
     families.push_back(MakeFavouriteListCollectionFamily(setup));
     families.push_back(MakeVideoBroadcastFamily(setup));

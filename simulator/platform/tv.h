@@ -12,6 +12,7 @@
 #include "platform/channel_lists.h"
 #include "platform/favourites.h"
 #include "platform/line_up.h"
+#include "platform/preferences.h"
 #include "platform/schedule.h"
 #include "platform/service_channels.h"
 #include "platform/state_store.h"
@@ -89,6 +90,7 @@ class Tv {
     ServiceChannels serviceChannels;
     ChannelLists channelList;
     std::shared_ptr<Favourites> favourites;
+    Preferences preferences;
     Schedule schedule;
     HandleSource handleSource;
     HandleTable<Channel> channels;
