@@ -1,48 +1,35 @@
-// Made-up programmes for every service and every time, always the same for the same seed: nothing is stored, a day's
-// programmes follow from the service and the date.
+// Made-up programmes for every service and every time, always the same for the same seed: a day's programmes follow
+// from the service and the date.
 #pragma once
 
 #include <cstdint>
-#include <ctime>
 #include <map>
-#include <memory>
-#include <string>
 #include <tuple>
-#include <vector>
 
-#include "platform/line_up.h"
+#include "platform/guide.h"
 
 namespace hbbtv::sim {
 
-struct Programme {
-    std::shared_ptr<const Service> service;
-    int eventId = 0;  // unique within a service's day
-    std::string name;
-    std::string description;
-    std::string longDescription;
-    std::string genre;
-    std::time_t start = 0;  // UTC
-    int duration = 0;       // seconds
-};
-
-using ProgrammeList = std::vector<std::shared_ptr<Programme>>;
-
-class Schedule {
+class Schedule : public Guide {
   public:
     explicit Schedule(uint32_t seed) : mSeed(seed) {}
 
-    // The programme that runs at that time, and the one behind it.
-    ProgrammeList NowAndNext(const std::shared_ptr<const Service>& service, std::time_t time);
+    // Ends after two months at the latest, as there would be no end of it.
+    void Walk(const std::shared_ptr<const Service>& service, TimeRange range, const Visitor& visit) override;
 
-    // Those that run at any time from `from` on and begin before `to`, in order.
-    ProgrammeList Between(const std::shared_ptr<const Service>& service, std::time_t from, std::time_t to);
+    // A broadcaster announces a week; yesterday is still known.
+    TimeRange Known(std::time_t now) const override;
 
   private:
-    const ProgrammeList& Day(const std::shared_ptr<const Service>& service, std::time_t day);
-    ProgrammeList MakeDay(const std::shared_ptr<const Service>& service, std::time_t day) const;
+    using Day = std::shared_ptr<const ProgrammeList>;
+
+    Day DayOf(const std::shared_ptr<const Service>& service, std::time_t day);
+    Day MakeDay(const std::shared_ptr<const Service>& service, std::time_t day) const;
+    void ForgetDays();
 
     uint32_t mSeed;
-    std::map<std::tuple<int, int, int, std::string, std::time_t>, ProgrammeList> mDays;
+    std::map<std::tuple<int, int, int, std::string, std::time_t>, Day> mDays;
+    size_t mMostDays = 4096;  // then those go that nobody uses; they can be made again
 };
 
 }  // namespace hbbtv::sim

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "platform/schedule.h"
+
 namespace hbbtv::sim {
 
 namespace {
@@ -65,7 +67,7 @@ void Tuner::Forget(const void* user) {
     if (mLatest == user) mLatest = nullptr;
 }
 
-Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState)
+Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState, std::unique_ptr<Guide> theGuide)
     : state(theState),
       lineUp(std::move(theLineUp)),
       serviceChannels(lineUp),
@@ -73,7 +75,7 @@ Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theStat
       favourites(std::make_shared<Favourites>(
           state, Brought(lineUp), [this](const std::string& ccid) { return serviceChannels.WithCcid(ccid); })),
       preferences(state, TerrestrialNetworkIds(lineUp)),
-      schedule(seed.value_or(0)),
+      guide(theGuide ? std::move(theGuide) : std::make_unique<Schedule>(seed.value_or(0))),
       handleSource(seed),
       channels(handleSource),
       channelLists(handleSource),
@@ -82,7 +84,8 @@ Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theStat
       components(handleSource),
       componentLists(handleSource),
       programmes(handleSource),
-      programmeLists(handleSource) {
+      programmeLists(handleSource),
+      ratingCollections(handleSource) {
     tuner.Set(serviceChannels.Of(lineUp.First()));
 }
 

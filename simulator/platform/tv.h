@@ -1,5 +1,5 @@
-// The television that the families share: its line-up, its channel and favourite lists, its one tuner, its programme
-// schedule, what it remembers, and the handles of the objects that more than one family knows.
+// The television that the families share: its line-up, its channel and favourite lists, its one tuner, its guide of
+// programmes, what it remembers, and the handles of the objects that more than one family knows.
 #pragma once
 
 #include <functional>
@@ -11,9 +11,9 @@
 #include "core/handles.h"
 #include "platform/channel_lists.h"
 #include "platform/favourites.h"
+#include "platform/guide.h"
 #include "platform/line_up.h"
 #include "platform/preferences.h"
-#include "platform/schedule.h"
 #include "platform/service_channels.h"
 #include "platform/state_store.h"
 
@@ -70,8 +70,9 @@ enum class ConfigChange : char { ChannelList = 'L', FavouriteList = 'F' };
 class Tv {
   public:
     // Without a seed the handles differ from run to run; the schedule is the same for everybody who gives none. The
-    // store lives longer.
-    Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState);
+    // store lives longer. Without a guide programmes are made up.
+    Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState,
+       std::unique_ptr<Guide> theGuide = nullptr);
     Tv(const Tv&) = delete;
     Tv& operator=(const Tv&) = delete;
 
@@ -91,7 +92,7 @@ class Tv {
     ChannelLists channelList;
     std::shared_ptr<Favourites> favourites;
     Preferences preferences;
-    Schedule schedule;
+    std::unique_ptr<Guide> guide;  // never null
     HandleSource handleSource;
     HandleTable<Channel> channels;
     HandleTable<ChannelList> channelLists;
@@ -101,6 +102,7 @@ class Tv {
     HandleTable<ComponentList> componentLists;
     HandleTable<Programme> programmes;
     HandleTable<ProgrammeList> programmeLists;
+    HandleTable<ParentalRatings> ratingCollections;
     Tuner tuner;
     int displaySource = 0;
 

@@ -377,7 +377,7 @@ void VideoBroadcastFamily::Seek(In in, Out) {
 
 ProgrammeList VideoBroadcastFamily::Programmes(Object* object) {
     if (object == nullptr || object->State() != PlayState::Presenting) return {};
-    return mTv.schedule.NowAndNext(object->Current()->service, std::time(nullptr));
+    return mTv.guide->NowAndNext(object->Current()->service, std::time(nullptr));
 }
 
 void VideoBroadcastFamily::GetProgrammeNum(In in, Out out) {

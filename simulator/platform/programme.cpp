@@ -1,0 +1,60 @@
+// Identifiers and ratings of programmes: see programme.h.
+#include "platform/programme.h"
+
+#include <cstdio>
+
+#include "platform/service_channels.h"
+
+namespace hbbtv::sim {
+
+const char* const kSchemeDvbSi = "dvb-si";
+const char* const kSchemeFsk = "urn:oipf:GermanyFSKCS";
+const char* const kSchemeMpaa = "urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001";
+
+namespace {
+
+std::string DvbUrl(const Service& service, int eventId) {
+    char text[64];
+    std::snprintf(text, sizeof(text), "dvb://%x.%x.%x;%x", static_cast<unsigned>(service.onid),
+                  static_cast<unsigned>(service.tsid), static_cast<unsigned>(service.sid),
+                  static_cast<unsigned>(eventId));
+    return text;
+}
+
+// Characters that may not stand in an address as they are become their number.
+std::string Escaped(const std::string& text) {
+    std::string escaped;
+    for (const char c : text) {
+        const bool plain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.';
+        char number[4];
+        std::snprintf(number, sizeof(number), "%%%02x", static_cast<unsigned>(static_cast<unsigned char>(c)));
+        escaped += plain ? std::string(1, c) : number;
+    }
+    return escaped;
+}
+
+}  // namespace
+
+std::shared_ptr<Programme> MakeProgramme(std::shared_ptr<const Service> service, TimeRange onAir, int eventId) {
+    auto programme = std::make_shared<Programme>();
+    programme->onAir = onAir;
+    programme->eventId = eventId;
+    programme->start = onAir.from;
+    programme->duration = static_cast<int>(onAir.to - onAir.from);
+    programme->channelId = CcidOf(*service);
+    if (service->uri.empty()) {
+        programme->id = DvbUrl(*service, eventId);
+    } else {
+        programme->id = "crid://iptv.example/" + Escaped(service->uri) + "/" + std::to_string(eventId);
+        programme->idType = static_cast<int>(ProgrammeIdType::TvaCrid);
+    }
+    programme->service = std::move(service);
+    return programme;
+}
+
+void AddRating(Programme& programme, ParentalRating rating) {
+    if (!programme.ratings) programme.ratings = std::make_shared<ParentalRatings>();
+    programme.ratings->push_back(std::make_shared<ParentalRating>(std::move(rating)));
+}
+
+}  // namespace hbbtv::sim
