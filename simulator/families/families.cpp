@@ -7,6 +7,7 @@
 #include "families/configuration/configuration_family.h"
 #include "families/favourite_list/favourite_list_family.h"
 #include "families/favourite_list_collection/favourite_list_collection_family.h"
+#include "families/search_manager/search_manager_family.h"
 #include "families/video_broadcast/video_broadcast_family.h"
 
 namespace hbbtv::sim {
@@ -19,6 +20,7 @@ std::vector<std::unique_ptr<Family>> MakeFamilies(const FamilySetup& setup) {
     families.push_back(MakeConfigurationFamily(setup));
     families.push_back(MakeFavouriteListFamily(setup));
     families.push_back(MakeFavouriteListCollectionFamily(setup));
+    families.push_back(MakeSearchManagerFamily(setup));
     families.push_back(MakeVideoBroadcastFamily(setup));
     return families;
 }
