@@ -7,8 +7,8 @@ namespace hbbtv::sim {
 
 namespace {
 
-constexpr std::chrono::milliseconds kStep{5};
-constexpr size_t kMostUnderWay = 100;
+constexpr std::chrono::milliseconds kStep{2};
+constexpr size_t kMostUnderWay = 20;
 
 }  // namespace
 

@@ -284,22 +284,22 @@ TEST_F(Searching, TakesTurnsWithOthersAndWithTheRestOfTheTelevision) {
     EventLoop loop;
     SearchRunner runner(loop);
     std::vector<std::shared_ptr<ProgrammeSearch>> searches;
-    for (int i = 0; i < 101; ++i) {
+    for (int i = 0; i < 21; ++i) {
         searches.push_back(New());
         searches.back()->Ask(0, 10, 0);
         runner.Run(searches.back());
     }
-    EXPECT_EQ(mEvents, (std::vector<int>{4})) << "a hundred are enough";
-    EXPECT_EQ(searches[100]->State(), SearchState::Idle);
+    EXPECT_EQ(mEvents, (std::vector<int>{4})) << "twenty are enough";
+    EXPECT_EQ(searches[20]->State(), SearchState::Idle);
     searches[0]->Abort();
     searches[1].reset();
     bool between = false;
-    loop.Post([&] { between = searches[99]->State() == SearchState::Searching; });
+    loop.Post([&] { between = searches[19]->State() == SearchState::Searching; });
     mEvents.clear();
-    searches[99]->onEvent = [&](SearchEvent) { loop.Stop(); };
+    searches[19]->onEvent = [&](SearchEvent) { loop.Stop(); };
     loop.Run();
     EXPECT_TRUE(between);
-    EXPECT_EQ(mEvents, std::vector<int>(97, 0)) << "all but the first, the second and the last";
+    EXPECT_EQ(mEvents, std::vector<int>(17, 0)) << "all but the first, the second and the last";
 }
 
 }  // namespace
