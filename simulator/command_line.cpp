@@ -18,6 +18,7 @@ const char* const kExamples = R"(Examples:
   hbbtv-sim --directory /tmp/tv --line-up my.json   a line-up of your own
   hbbtv-sim --line-up playlist.m3u                  the streams of a playlist
   hbbtv-sim --line-up /mnt/receiver/etc/enigma2     the services and bouquets of a receiver
+  hbbtv-sim --programmes guide.xml                  what is on, from an XMLTV file
   hbbtv-sim --tune-time 0ms --seed 7                fast, with the same handles and programmes every time
   hbbtv-sim --fault stop-answering:video_broadcast  a platform that hangs
   hbbtv-sim --state ~/.tv                           favourite lists outlast the simulator
@@ -25,7 +26,8 @@ const char* const kExamples = R"(Examples:
   hbbtv-sim --tell help                             what else it can be told
 
 Exit codes: 0 ended by SIGINT or SIGTERM (or told), 1 --tell was refused or nobody is there, 2 wrong options,
-3 the line-up was refused, 4 the sockets cannot be served, 5 the state directory cannot be used.)";
+3 the line-up was refused, 4 the sockets cannot be served, 5 the state directory cannot be used,
+6 the programmes were refused.)";
 
 // "300ms", "2s", or plain milliseconds.
 std::optional<std::chrono::milliseconds> ReadTime(const std::string& text) {
@@ -62,6 +64,7 @@ Options ReadCommandLine(int argc, char** argv) {
     options.directory = DefaultDirectory();
     std::string tuneTime = "300ms";
     std::string streamEventInterval = "2s";
+    std::string pingInterval = "5s";
     std::string permanentError = "channel-error";
     uint32_t seed = 0;
     std::string tell;
@@ -73,6 +76,8 @@ Options ReadCommandLine(int argc, char** argv) {
     app.set_version_flag("--version", "hbbtv-sim " HBBTV_VERSION);
     app.add_option("--line-up", options.lineUp, "The services that are received (JSON, M3U or enigma2 lamedb)")
         ->type_name("FILE");
+    app.add_option("--programmes", options.programmes, "Their programmes (XMLTV); made up without it")
+        ->type_name("FILE");
     app.add_option("--directory", options.directory, "Where the sockets are")->type_name("DIR")->capture_default_str();
     app.add_option("--state", options.settings.stateDirectory, "What outlasts the simulator, made when it is missing")
         ->type_name("DIR")
@@ -82,6 +87,10 @@ Options ReadCommandLine(int argc, char** argv) {
         ->check(CheckTime)
         ->capture_default_str();
     app.add_option("--stream-event-interval", streamEventInterval, "Between two stream events, 0 for none")
+        ->type_name("TIME")
+        ->check(CheckTime)
+        ->capture_default_str();
+    app.add_option("--ping-interval", pingInterval, "Between two questions whether the browser is there, 0 for none")
         ->type_name("TIME")
         ->check(CheckTime)
         ->capture_default_str();
@@ -105,6 +114,7 @@ Options ReadCommandLine(int argc, char** argv) {
     }
     options.settings.tuneTime = *ReadTime(tuneTime);
     options.settings.streamEventInterval = *ReadTime(streamEventInterval);
+    options.settings.pingInterval = *ReadTime(pingInterval);
     const bool changed = permanentError == "channel-changed";
     options.settings.permanentErrorEvent =
         changed ? PermanentErrorEvent::ChannelChanged : PermanentErrorEvent::ChannelError;

@@ -10,12 +10,21 @@
 namespace hbbtv::sim {
 
 // Fixed, documented in docs/simulator.md.
-enum ExitCode { kEnded = 0, kTellFailed = 1, kUsage = 2, kLineUpRefused = 3, kCannotServe = 4, kCannotKeep = 5 };
+enum ExitCode {
+    kEnded = 0,
+    kTellFailed = 1,
+    kUsage = 2,
+    kLineUpRefused = 3,
+    kCannotServe = 4,
+    kCannotKeep = 5,
+    kProgrammesRefused = 6
+};
 
 struct Options {
     Settings settings;
     std::string directory;
-    std::string lineUp;  // empty: the built-in one
+    std::string lineUp;      // empty: the built-in one
+    std::string programmes;  // a file of them; empty: they are made up
     bool trace = false;
     std::vector<std::string> faults;  // as commands: "stop-answering video_broadcast"
     std::optional<std::string> tell;  // a line for a simulator that already runs

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "command_line.h"
+#include "platform/xmltv.h"
 #include "simulator.h"
 
 namespace hbbtv::sim {
@@ -18,10 +19,12 @@ int TellOther(const Options& options) {
 
 int Serve(const Options& options) {
     const LineUp lineUp = options.lineUp.empty() ? DefaultLineUp() : ReadLineUp(options.lineUp, Journal::Log);
+    std::unique_ptr<Guide> guide;
+    if (!options.programmes.empty()) guide = ReadXmltv(options.programmes, lineUp, Journal::Log);
     const Journal journal(options.trace);
     EventLoop loop;
     loop.StopOnSignals({SIGINT, SIGTERM});
-    Simulator simulator(loop, journal, lineUp, options.settings, options.directory);
+    Simulator simulator(loop, journal, lineUp, options.settings, options.directory, std::move(guide));
     for (const std::string& fault : options.faults) {
         const std::string answer = simulator.Command(fault);
         if (answer == "ok") continue;
@@ -44,6 +47,9 @@ int Main(int argc, char** argv) {
     } catch (const BadLineUp& e) {
         std::fprintf(stderr, "hbbtv-sim: the line-up is refused: %s\n", e.what());
         return kLineUpRefused;
+    } catch (const BadProgrammes& e) {
+        std::fprintf(stderr, "hbbtv-sim: the programmes are refused: %s\n", e.what());
+        return kProgrammesRefused;
     } catch (const CannotServe& e) {
         std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
         return kCannotServe;

@@ -24,13 +24,13 @@ std::string ServiceCount(const LineUp& lineUp) {
 }  // namespace
 
 Simulator::Simulator(EventLoop& loop, const Journal& journal, LineUp lineUp, const Settings& settings,
-                     std::string directory)
+                     std::string directory, std::unique_ptr<Guide> guide)
     : mLoop(loop),
       mJournal(journal),
       mSettings(settings),
       mDirectory(std::move(directory)),
       mState(settings.stateDirectory),
-      mTv(std::move(lineUp), settings.seed, mState) {
+      mTv(std::move(lineUp), settings.seed, mState, std::move(guide)) {
     const FamilySetup setup{mLoop, mTv, mSettings,
                             [this](const FamilyAddress& address) -> EventSink& { return SinkOf(address); }};
     for (auto& family : MakeFamilies(setup)) Serve(std::move(family));

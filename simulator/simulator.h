@@ -20,8 +20,9 @@ extern const char* const kControlSocket;
 
 class Simulator {
   public:
-    // Throws CannotServe and CannotKeep.
-    Simulator(EventLoop& loop, const Journal& journal, LineUp lineUp, const Settings& settings, std::string directory);
+    // Without a guide programmes are made up. Throws CannotServe and CannotKeep.
+    Simulator(EventLoop& loop, const Journal& journal, LineUp lineUp, const Settings& settings, std::string directory,
+              std::unique_ptr<Guide> guide);
     ~Simulator();
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;

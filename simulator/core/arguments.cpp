@@ -45,6 +45,17 @@ std::string Arguments::ShortText(const char* name) const {
     return text;
 }
 
+const Json::Value& Arguments::Objects(const char* name) const {
+    const std::string refusal = std::string("member \"") + name + "\" is ";
+    if (!mRequest.isMember(name)) throw Refused(refusal + "missing");
+    const Json::Value& list = mRequest[name];
+    if (!list.isArray() && !list.isNull()) throw Refused(refusal + "not a list");
+    for (const Json::Value& item : list) {
+        if (!item.isObject()) throw Refused(refusal + "not a list of objects");
+    }
+    return list;
+}
+
 uint64_t Arguments::Pointer(const char* name) const {
     const auto pointer = ReadPointer(Member(name, &Json::Value::isString, "a handle's text").asString());
     if (!pointer) throw Refused(std::string("member \"") + name + "\" is not a handle's text");

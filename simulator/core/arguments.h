@@ -27,6 +27,9 @@ class Arguments {
     std::string ShortText(const char* name) const;  // one that is kept: at most 256 KiB
     uint64_t Pointer(const char* name) const;       // 0 for the null pointer
 
+    // A list whose items are objects; null stands for the empty one.
+    const Json::Value& Objects(const char* name) const;
+
     bool Has(const char* name) const { return mRequest.isMember(name); }
 
   private:

@@ -55,7 +55,7 @@ void EventSender::Enqueue(Waiting event) {
     if (mQueue.size() >= kLongestQueue) {
         if (!mSaidSo) Journal::Log(mPath + ": nobody reads the events, further ones are dropped");
         mSaidSo = true;
-        if (event.onReply) event.onReply(Json::Value());
+        Answer(event, Json::Value());
         return;
     }
     mQueue.push_back(std::move(event));
@@ -112,7 +112,6 @@ void EventSender::Write() {
 void EventSender::Written() {
     if (!mQueue.front().onReply) return FinishFront(Json::Value());
     mReplyDeadline.Start(kReplyPatience, [this] {
-        Journal::Log(mPath + ": no reply to " + mQueue.front().name);
         mQueue.front().triedBefore = true;
         Lost();
     });
@@ -128,11 +127,17 @@ void EventSender::Replied(const Frame& frame) {
 }
 
 void EventSender::FinishFront(const Json::Value& reply) {
-    const auto onReply = std::move(mQueue.front().onReply);
+    const Waiting event = std::move(mQueue.front());
     mQueue.pop_front();
     mBusy = false;
-    if (onReply) onReply(reply);
+    Answer(event, reply);
     Work();
+}
+
+void EventSender::Answer(const Waiting& event, const Json::Value& reply) const {
+    if (!event.onReply) return;
+    if (mJournal.Tracing()) mJournal.Event(event.name, "", reply.isNull() ? "no reply" : "< " + Readable(reply, ""));
+    event.onReply(reply);
 }
 
 // The other side went. The event that was on its way is sent once more to whoever serves the socket now.
@@ -147,17 +152,18 @@ void EventSender::Lost() {
     mAgain.Start(std::chrono::milliseconds(0), [this] { Work(); });
 }
 
+// Who waits for a reply is told that there is none; of the others a line says so.
 void EventSender::DropAll(const std::string& reason) {
-    if (!mSaidSo) {
-        Journal::Log("event " + mQueue.front().name + " dropped, and so are later ones until " + mPath +
-                     " is served: " + reason);
-    }
-    mSaidSo = true;
     mAttempts = 0;
     std::deque<Waiting> dropped;
     dropped.swap(mQueue);
     for (const Waiting& event : dropped) {
-        if (event.onReply) event.onReply(Json::Value());
+        if (!event.onReply && !mSaidSo) {
+            Journal::Log("event " + event.name + " dropped, and so are later ones until " + mPath +
+                         " is served: " + reason);
+            mSaidSo = true;
+        }
+        Answer(event, Json::Value());
     }
 }
 

@@ -1,5 +1,6 @@
 // Events to one socket that the library serves. Never in the way: events wait in order while the connection is made or
-// busy, and are dropped, with one log line, when nobody serves the socket. The library may go and come back.
+// busy, and are dropped when nobody serves the socket: with one log line, or, where a reply is waited for, with the
+// news that there is none. The library may go and come back.
 #pragma once
 
 #include <deque>
@@ -39,6 +40,7 @@ class EventSender : public EventSink {
     void Replied(const Frame& reply);
     void Lost();
     void FinishFront(const Json::Value& reply);
+    void Answer(const Waiting& event, const Json::Value& reply) const;
     void DropAll(const std::string& reason);
     void ReadFrom(const std::shared_ptr<Connection>& connection);
 

@@ -47,7 +47,7 @@ class EventSink {
     // `name` is for the trace.
     virtual void Send(const std::string& name, const Json::Value& event) = 0;
 
-    // The same with a reply, which the function gets later: null when there was none.
+    // The same with a reply, which the function gets later: null when there was none. The function must not throw.
     virtual void SendAndWait(const std::string& name, const Json::Value& event,
                              std::function<void(const Json::Value& reply)> onReply) = 0;
 };

@@ -42,7 +42,8 @@ void Journal::Request(const std::string& operation, const std::string& arguments
 
 void Journal::Event(const std::string& name, const std::string& members, const std::string& outcome) const {
     if (!mTrace) return;
-    std::printf("* %s %s%s%s\n", name.c_str(), members.c_str(), outcome.empty() ? "" : " | ", outcome.c_str());
+    std::printf("* %s%s%s%s%s\n", name.c_str(), members.empty() ? "" : " ", members.c_str(),
+                outcome.empty() ? "" : " | ", outcome.c_str());
 }
 
 std::string Readable(const Json::Value& object, const std::string& codeMember) {
@@ -50,7 +51,7 @@ std::string Readable(const Json::Value& object, const std::string& codeMember) {
     std::string line;
     for (auto member = object.begin(); member != object.end(); ++member) {
         const std::string name = member.name();
-        if (name == "type" || name == codeMember) continue;
+        if (!codeMember.empty() && (name == "type" || name == codeMember)) continue;
         if (!line.empty()) line += ' ';
         line += name + '=' + ReadableValue(*member);
     }

@@ -26,8 +26,8 @@ class Journal {
     bool mTrace;
 };
 
-// The members as "name=value name=value", without those that only say which operation it is. Texts in quotes, except
-// handles.
+// The members as "name=value name=value", without those that only say which operation it is: "type" and the code's
+// member, of replies (where that is empty) none. Texts in quotes, except handles.
 std::string Readable(const Json::Value& object, const std::string& codeMember);
 
 // The start of something that came from outside, in one line, fit to be printed.

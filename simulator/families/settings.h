@@ -18,6 +18,7 @@ struct Settings {
     std::chrono::milliseconds tuneTime{300};
     PermanentErrorEvent permanentErrorEvent = PermanentErrorEvent::ChannelError;
     std::chrono::milliseconds streamEventInterval{2000};  // 0: no stream events
+    std::chrono::milliseconds pingInterval{5000};         // of the browser; 0: none
 };
 
 }  // namespace hbbtv::sim

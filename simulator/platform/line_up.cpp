@@ -10,12 +10,6 @@
 
 namespace hbbtv::sim {
 
-namespace {
-
-constexpr int kMostWarnings = 1000;
-
-}  // namespace
-
 std::shared_ptr<Service> LineUp::Find(int onid, int tsid, int sid) const {
     for (; mIndexed < services.size(); ++mIndexed) {
         const auto& service = services[mIndexed];
@@ -51,13 +45,8 @@ LineUp ReadLineUp(const std::string& path, const LineUpWarning& warn) {
     std::error_code error;
     const bool directory = std::filesystem::is_directory(path, error);
     const std::string file = directory ? (std::filesystem::path(path) / "lamedb").string() : path;
-    int warnings = 0;
-    LineUp lineUp = ParseAnyLineUp(ReadWhole(file), file, [&](const std::string& warning) {
-        if (++warnings <= kMostWarnings) warn(warning);
-    });
-    const int more = warnings - kMostWarnings;
-    if (more > 0) warn(file + ": there are " + std::to_string(more) + " more warnings");
-    return lineUp;
+    FewWarnings warnings(file, warn);
+    return ParseAnyLineUp(ReadWhole(file), file, std::ref(warnings));
 }
 
 LineUp DefaultLineUp() {

@@ -43,6 +43,22 @@ struct Component {
     bool description = false;  // made by a client: no component of a service, but a description of one
 };
 
+using ComponentList = std::vector<std::shared_ptr<Component>>;
+
+// An application as a service's signalling announces it.
+struct SignalledApplication {
+    std::string name;
+    int organisation = 0;
+    int application = 0;
+    std::string url;
+    bool autostart = false;      // otherwise it is only present: started when somebody asks for it
+    bool boundToService = true;  // broadcast-related: it ends with the service
+    int keySets = 0;
+    std::vector<int> otherKeys;
+    std::vector<std::string> boundaries;  // URLs below which its pages are
+    int minimumAge = 0;
+};
+
 constexpr bool IsIp(IdType type) {
     return type == IdType::IptvSds || type == IdType::IptvUri;
 }
@@ -82,7 +98,8 @@ struct Service {
     int frequency = 0;        // kHz, 0 when not known
     std::string uri;          // of an IP service; its onid, tsid and sid are 0
     std::string programmeId;  // how programme data in XMLTV names the service; empty when it does not
-    std::vector<std::shared_ptr<Component>> components;
+    ComponentList components;
+    std::vector<std::shared_ptr<const SignalledApplication>> applications;
 };
 
 // A list of favourites as the line-up brings it along.

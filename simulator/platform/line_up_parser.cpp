@@ -10,6 +10,7 @@
 
 #include "core/nearest_name.h"
 #include "platform/line_up.h"
+#include "platform/remote_control.h"
 
 namespace hbbtv::sim {
 
@@ -22,6 +23,7 @@ const Names kChannelTypes{{"TV", 0}, {"RADIO", 1}, {"OTHER", 2}};
 const Names kDefinitions{{"SD", 0}, {"HD", 1}};
 const Names kAccess{{"free", 0}, {"scrambled", 1}, {"locked", 2}};
 const Names kReceptions{{"none", 0}, {"good", 1}};
+const Names kControlCodes{{"present", 0}, {"autostart", 1}};
 const Names kComponentTypes{{"video", 0}, {"audio", 1}, {"subtitle", 2}};
 
 // OIPF DAE volume 2, media formats.
@@ -42,6 +44,9 @@ const Names kEncodings[] = {
     {{"DVB-SUBT", 0}, {"EBU-SUBT", 0}, {"CEA-SUBT", 0}, {"3GPP-TT", 0}}};
 
 constexpr int kLargestId = 65535;
+constexpr int kLargestOrganisation = 0x7fffffff;
+constexpr int kLowestAge = 4;  // the range of the rating descriptor
+constexpr int kHighestAge = 18;
 constexpr int kLargestPid = 8190;
 constexpr int kLargestTag = 255;
 constexpr int kLargestNumber = 9999;
@@ -252,6 +257,65 @@ Component ReadComponent(const Source& source, const Json::Value& value) {
     return component;
 }
 
+// The numbers behind names in a list of texts. What the names are ("a key set") goes into the sentence.
+std::vector<int> Numbers(const Source& source, const Json::Value& list, const std::string& what, const Names& names) {
+    std::vector<int> numbers;
+    for (const Json::Value& value : list) {
+        const std::string name = value.isString() ? value.asString() : "";
+        const auto found = names.find(name);
+        if (found == names.end()) {
+            std::set<std::string> known;
+            for (const auto& entry : names) known.insert(entry.first);
+            source.Refuse(value, Quoted(name) + " is not the name of " + what + DidYouMean(name, known));
+        }
+        numbers.push_back(found->second);
+    }
+    return numbers;
+}
+
+Names OtherKeyNames() {
+    Names names;
+    for (const RemoteKey& key : RemoteKeys()) {
+        if (key.set == kOtherKeys) names[key.name] = key.code;
+    }
+    return names;
+}
+
+std::string Url(const Source& source, const Json::Value& value) {
+    const std::string text = value.isString() ? value.asString() : "";
+    const size_t scheme = text.find("://");
+    if (scheme == std::string::npos || scheme == 0) source.Refuse(value, Quoted(text) + " is no URL");
+    return text;
+}
+
+SignalledApplication ReadApplication(const Source& source, const Json::Value& value) {
+    const Object object(source, value, "signalled application",
+                        {"name", "organisation", "application", "url", "control", "boundToService", "keySets",
+                         "otherKeys", "boundaries", "minimumAge"});
+    SignalledApplication application;
+    application.name = object.Text("name");
+    application.organisation = object.Int("organisation", 1, kLargestOrganisation);
+    application.application = object.Int("application", 0, kLargestId);
+    application.url = Url(source, object.Member("url"));
+    application.autostart = object.OneOf("control", kControlCodes) == 1;
+    application.boundToService = object.Bool("boundToService", true);
+    application.keySets = object.Has("keySets") ? 0 : kUsualKeySets;
+    if (object.Has("keySets")) {
+        for (const int set : Numbers(source, object.List("keySets"), "a key set", KeySetNames())) {
+            application.keySets |= set;
+        }
+    }
+    if (object.Has("otherKeys")) {
+        application.otherKeys = Numbers(source, object.List("otherKeys"), "one of the other keys", OtherKeyNames());
+        application.keySets |= kOtherKeys;
+    }
+    if (object.Has("boundaries")) {
+        for (const Json::Value& url : object.List("boundaries")) application.boundaries.push_back(Url(source, url));
+    }
+    if (object.Has("minimumAge")) application.minimumAge = object.Int("minimumAge", kLowestAge, kHighestAge);
+    return application;
+}
+
 class LineUpReader {
   public:
     explicit LineUpReader(const Source& source) : mSource(source) {}
@@ -285,10 +349,11 @@ class LineUpReader {
     }
 
     void AddService(const Json::Value& value) {
-        const Object object(mSource, value, "service",
-                            {"name",        "provider", "network", "onid",   "tsid",      "sid",        "type",
-                             "definition",  "number",   "listed",  "access", "reception", "components", "longName",
-                             "description", "genres",   "logo",    "hidden", "frequency", "programmeId"});
+        const Object object(
+            mSource, value, "service",
+            {"name",        "provider", "network", "onid",   "tsid",      "sid",         "type",
+             "definition",  "number",   "listed",  "access", "reception", "components",  "longName",
+             "description", "genres",   "logo",    "hidden", "frequency", "programmeId", "applications"});
         auto service = std::make_shared<Service>();
         service->name = object.Text("name");
         service->provider = object.Text("provider", "");
@@ -304,6 +369,7 @@ class LineUpReader {
         service->listed = object.Bool("listed", true);
         ReadNumber(object, *service);
         ReadComponents(object, *service);
+        if (object.Has("applications")) ReadApplications(object, *service);
         ReadDetails(object, *service);
         if (mLineUp.Find(service->onid, service->tsid, service->sid)) {
             object.Refuse("there is another service with the onid, tsid and sid of " + Quoted(service->name));
@@ -333,6 +399,18 @@ class LineUpReader {
             service.components.push_back(component);
         }
         if (service.components.empty()) object.Refuse("components", "is empty");
+    }
+
+    void ReadApplications(const Object& object, Service& service) const {
+        std::set<std::pair<int, int>> ids;
+        for (const Json::Value& value : object.List("applications")) {
+            const auto application = std::make_shared<const SignalledApplication>(ReadApplication(mSource, value));
+            if (!ids.emplace(application->organisation, application->application).second) {
+                mSource.Refuse(value, Quoted(service.name) + " has another application with the ids of " +
+                                          Quoted(application->name));
+            }
+            service.applications.push_back(application);
+        }
     }
 
     void ReadDetails(const Object& object, Service& service) const {

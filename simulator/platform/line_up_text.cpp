@@ -13,7 +13,7 @@ namespace hbbtv::sim {
 
 namespace {
 
-constexpr size_t kLargestFile = 16u << 20;
+constexpr int kMostWarnings = 1000;
 constexpr size_t kLongestLine = 64u << 10;
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 
@@ -96,17 +96,27 @@ void Lines::Refuse(const std::string& reason) const {
     throw BadLineUp(mName + ":" + std::to_string(std::max(mNumber, 1)) + ": " + reason);
 }
 
-std::string ReadWhole(const std::string& path) {
+FewWarnings::~FewWarnings() {
+    const int more = mCount - kMostWarnings;
+    if (more > 0) mWarn(mName + ": there are " + std::to_string(more) + " more warnings");
+}
+
+void FewWarnings::operator()(const std::string& warning) {
+    if (++mCount <= kMostWarnings) mWarn(warning);
+}
+
+std::string ReadWhole(const std::string& path, size_t mostMebibytes) {
+    const size_t most = mostMebibytes << 20;
     std::ifstream file(path, std::ios::binary);
     if (!file) throw BadLineUp(path + ": cannot be opened: " + std::strerror(errno));
     std::string text;
     char block[16384];
-    while (file && text.size() <= kLargestFile) {
+    while (file && text.size() <= most) {
         file.read(block, sizeof(block));
         text.append(block, static_cast<size_t>(file.gcount()));
     }
     if (file.bad()) throw BadLineUp(path + ": cannot be read: " + std::strerror(errno));
-    if (text.size() > kLargestFile) throw BadLineUp(path + ": is larger than 16 MiB");
+    if (text.size() > most) throw BadLineUp(path + ": is larger than " + std::to_string(mostMebibytes) + " MiB");
     return text;
 }
 
@@ -160,6 +170,13 @@ std::string ReadableText(std::string_view raw) {
         raw.remove_prefix(std::max<size_t>(length, 1));
     }
     return std::string(Trimmed(text));
+}
+
+std::string_view StartOf(std::string_view text, size_t room) {
+    if (text.size() <= room) return text;
+    size_t end = room;
+    for (int back = 0; back < 3 && end > 0 && IsContinuation(text[end]); ++back) --end;
+    return text.substr(0, end);
 }
 
 std::string Quotation(std::string_view text) {

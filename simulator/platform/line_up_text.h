@@ -44,8 +44,24 @@ class Lines {
     int mNumber = 0;
 };
 
-// The bytes of a file; throws BadLineUp when it cannot be read or is larger than a line-up is.
-std::string ReadWhole(const std::string& path);
+// Passes the first thousand warnings about a file on, and at its own end tells how many more there were.
+class FewWarnings {
+  public:
+    FewWarnings(std::string name, LineUpWarning warn) : mName(std::move(name)), mWarn(std::move(warn)) {}
+    ~FewWarnings();
+    FewWarnings(const FewWarnings&) = delete;
+    FewWarnings& operator=(const FewWarnings&) = delete;
+
+    void operator()(const std::string& warning);
+
+  private:
+    std::string mName;
+    LineUpWarning mWarn;
+    int mCount = 0;
+};
+
+// The bytes of a file; throws BadLineUp when it cannot be read or is larger than so many MiB.
+std::string ReadWhole(const std::string& path, size_t mostMebibytes = 16);
 
 bool StartsWith(std::string_view text, std::string_view start);
 
@@ -63,6 +79,9 @@ std::optional<uint32_t> ReadNumber(std::string_view word, int base, uint32_t lar
 // As UTF-8 that can be shown: bytes that are no UTF-8 are taken as Latin-1; control characters go, those by which DVB
 // marks emphasis among them; blanks at both ends go.
 std::string ReadableText(std::string_view raw);
+
+// The start of an UTF-8 text that has room in so many bytes; it does not end within a character.
+std::string_view StartOf(std::string_view text, size_t room);
 
 // One line of what came from outside, in quotes, for messages.
 std::string Quotation(std::string_view text);

@@ -1,6 +1,7 @@
 // One programme of a service: what the broadcast says of it, and what clients have made of that.
 #pragma once
 
+#include <algorithm>
 #include <ctime>
 #include <memory>
 #include <string>
@@ -15,7 +16,7 @@ struct TimeRange {
     std::time_t from = 0;
     std::time_t to = 0;
 
-    bool Meets(const TimeRange& other) const { return from < other.to && other.from < to; }
+    bool Meets(const TimeRange& other) const { return std::max(from, other.from) < std::min(to, other.to); }
 };
 
 // The last second that the interface can say.
@@ -64,11 +65,9 @@ struct Programme {
     std::string seriesId;
     std::string iconUrl;
     bool repeated = false;
-    std::vector<std::shared_ptr<Component>> components;  // empty: those of the service
+    ComponentList components;  // empty: those of the service
 
-    const std::vector<std::shared_ptr<Component>>& Components() const {
-        return components.empty() ? service->components : components;
-    }
+    const ComponentList& Components() const { return components.empty() ? service->components : components; }
 };
 
 using ProgrammeList = std::vector<std::shared_ptr<Programme>>;

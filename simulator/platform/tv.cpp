@@ -52,10 +52,16 @@ std::vector<int> TerrestrialNetworkIds(const LineUp& lineUp) {
 
 }  // namespace
 
+void Tuner::Set(std::shared_ptr<Channel> channel) {
+    if (channel == mOn) return;
+    mOn = std::move(channel);
+    for (const auto& onChange : mWatchers) onChange();
+}
+
 void Tuner::Use(const void* user, std::shared_ptr<Channel> channel) {
     mUser = user;
     mLatest = user;
-    mOn = std::move(channel);
+    Set(std::move(channel));
 }
 
 void Tuner::Leave(const void* user) {

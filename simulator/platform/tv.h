@@ -1,5 +1,6 @@
 // The television that the families share: its line-up, its channel and favourite lists, its one tuner, its guide of
-// programmes, what it remembers, and the handles of the objects that more than one family knows.
+// programmes, its applications and their tabs, what it remembers, and the handles of the objects that more than one
+// family knows.
 #pragma once
 
 #include <functional>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "core/handles.h"
+#include "platform/applications.h"
 #include "platform/channel_lists.h"
 #include "platform/favourites.h"
 #include "platform/guide.h"
@@ -16,6 +18,7 @@
 #include "platform/preferences.h"
 #include "platform/service_channels.h"
 #include "platform/state_store.h"
+#include "platform/tabs.h"
 
 namespace hbbtv::sim {
 
@@ -37,8 +40,6 @@ enum class ChannelError {
     Unidentified = 100
 };
 
-using ComponentList = std::vector<std::shared_ptr<Component>>;
-
 // One tuner for the viewer and all applications. Whoever connects or presents uses it; it stays on its channel when
 // the user lets go, so there is always a channel on.
 class Tuner {
@@ -47,13 +48,17 @@ class Tuner {
     bool FreeFor(const void* user) const { return !mTaken && (mUser == nullptr || mUser == user); }
     const void* LatestUser() const { return mLatest; }
 
-    void Set(std::shared_ptr<Channel> channel) { mOn = std::move(channel); }
+    // `onChange` is called whenever another channel is on, for as long as the tuner lives.
+    void Watch(std::function<void()> onChange) { mWatchers.push_back(std::move(onChange)); }
+
+    void Set(std::shared_ptr<Channel> channel);
     void Use(const void* user, std::shared_ptr<Channel> channel);
     void Leave(const void* user);
     void Forget(const void* user);
 
     // By something that is no application: nobody can tune then.
     void TakeAway(bool taken) { mTaken = taken; }
+    bool TakenAway() const { return mTaken; }
 
     bool recorded = false;  // what is on is being recorded: no change of channel
 
@@ -62,6 +67,7 @@ class Tuner {
     const void* mUser = nullptr;
     const void* mLatest = nullptr;
     bool mTaken = false;
+    std::vector<std::function<void()>> mWatchers;
 };
 
 // What of the channel configuration has changed; the letter goes with the event.
@@ -104,7 +110,12 @@ class Tv {
     HandleTable<ProgrammeList> programmeLists;
     HandleTable<ParentalRatings> ratingCollections;
     Tuner tuner;
+    Applications applications;
+    Tabs tabs;
     int displaySource = 0;
+    struct {
+        unsigned width = 1920, height = 1080;
+    } resolution;
 
     // Set by the families that know, called by those that do not.
     std::function<void(ConfigChange)> onConfigChange = [](ConfigChange) {};

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "scratch_directory.h"
 #include "system.h"
 
@@ -9,7 +12,17 @@ namespace hbbtv::test {
 
 namespace {
 
-TEST(Demo, TellsOfTheChannelChangesAndEndsWell) {
+// The texts stand there in this order, whatever stands between.
+void ExpectInOrder(const std::string& output, const std::vector<std::string>& texts) {
+    size_t at = 0;
+    for (const std::string& text : texts) {
+        const size_t found = output.find(text, at);
+        ASSERT_NE(std::string::npos, found) << text << " is not where it should be in:\n" << output;
+        at = found + text.size();
+    }
+}
+
+TEST(Demo, TellsOfTheChannelChangesAndOfAnApplicationAndEndsWell) {
     ScratchDirectory directory;
     SimulatedPlatform platform;
     ASSERT_TRUE(platform.Ready()) << platform.Output();
@@ -17,41 +30,70 @@ TEST(Demo, TellsOfTheChannelChangesAndEndsWell) {
     ChildProcess demo({HBBTV_DEMO_PROGRAM});
     EXPECT_EQ(0, demo.WaitForExit());
 
-    // In this order, whatever stands between.
-    size_t at = 0;
-    for (const char* text : {"Create(context 0xbeef)",
-                             "RegisterCallback",
-                             "BindToCurrentChannel",
-                             "presenting",
-                             "Tune to Das Erste HD",
-                             "onChannelChangeSucceeded",
-                             "Das Erste HD (0x",
-                             "presenting",
-                             "Tune to ZDF HD",
-                             "onChannelChangeSucceeded",
-                             "ZDF HD (0x",
-                             "presenting",
-                             "NextChannel",
-                             "onChannelChangeSucceeded",
-                             "PrevChannel",
-                             "onChannelChangeSucceeded",
-                             "GetCurrentChannel",
-                             "ZDF HD (0x",
-                             "GetPlayState",
-                             "presenting",
-                             "GetVolume",
-                             "-> 35",
-                             "(video)",
-                             "(audio)",
-                             "Rai 1 HD",
-                             "onChannelChangeError",
-                             "encrypted",
-                             "UnregisterCallback",
-                             "Destroy",
-                             "All went as it should."}) {
-        at = demo.Output().find(text, at);
-        ASSERT_NE(std::string::npos, at) << text << " is not where it should be in:\n" << demo.Output();
-    }
+    ExpectInOrder(demo.Output(), {"Walk through the channel list",
+                                  "-> 35 channels",
+                                  "no  name                        type   onid  tsid   sid",
+                                  "   1  Das Erste HD                TV        1  1019 10301",
+                                  "ZDF HD                      TV        1  1011 11110",
+                                  "Dlf                         RADIO     1  1011 11191",
+                                  "calls in",
+                                  "Create(context 0xbeef)",
+                                  "RegisterCallback",
+                                  "BindToCurrentChannel",
+                                  "presenting",
+                                  "Tune to Das Erste HD",
+                                  "onChannelChangeSucceeded",
+                                  "Das Erste HD (0x",
+                                  "presenting",
+                                  "Tune to ZDF HD",
+                                  "onChannelChangeSucceeded",
+                                  "ZDF HD (0x",
+                                  "presenting",
+                                  "NextChannel",
+                                  "onChannelChangeSucceeded",
+                                  "PrevChannel",
+                                  "onChannelChangeSucceeded",
+                                  "GetCurrentChannel",
+                                  "ZDF HD (0x",
+                                  "GetPlayState",
+                                  "presenting",
+                                  "GetVolume",
+                                  "-> 35",
+                                  "(video)",
+                                  "(audio)",
+                                  "Rai 1 HD",
+                                  "onChannelChangeError",
+                                  "encrypted",
+                                  "Be the browser",
+                                  "IMtm::RegisterCallback",
+                                  "IApplicationManager::RegisterCallback(1)",
+                                  "Tune to arte HD",
+                                  "Its application has a tab",
+                                  "OnTabCreated(1)",
+                                  "OnTabLoadFinished(1)",
+                                  "onApplicationEvent",
+                                  "application 1 of organisation 20",
+                                  "GetCurrentApp",
+                                  "application 1 of organisation 20",
+                                  "GetValue",
+                                  "key sets 0x33",
+                                  "KeyConsumedByBrowser(1, red)",
+                                  "yes",
+                                  "Tune to tagesschau24 HD",
+                                  "Its application goes with it",
+                                  "OnTabDestroyed(1)",
+                                  "IApplicationManager::UnregisterCallback(1)",
+                                  "IMtm::UnregisterCallback",
+                                  "Leave",
+                                  "UnregisterCallback",
+                                  "Destroy",
+                                  "All went as it should."});
+    // What the platform does by itself comes between the calls, at its own time.
+    ExpectInOrder(
+        demo.Output(),
+        {"<- CreateApp", "http://arte.example/hbbtv/: tab 1", "<- SetAppConfig", "tab 1: broadcast-related",
+         "<- SetDvbOrigin", "tab 1: dvb://1.3fb.283e", "<- LoadURLInTab", "tab 1: http://arte.example/hbbtv/",
+         "<- ShowHideTab", "tab 1: show", "<- GetRenderProcessId", "tab 1: process 4711", "<- DestroyApp", "tab 1"});
 }
 
 TEST(Demo, SaysThatThePlatformIsDownByItsStatus) {

@@ -1,8 +1,10 @@
 // A client process for the tests: registers a callback with the family that it is told, says "registered", writes a
 // line for each event and lives until it is killed or told "unregister" on standard input.
 
+#include <vantorel/hardware/hbbtv/1.0/IApplicationManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
 #include <vantorel/hardware/hbbtv/1.0/IDsmcc.h>
+#include <vantorel/hardware/hbbtv/1.0/IMtm.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include <cstdio>
@@ -10,17 +12,22 @@
 #include <iostream>
 #include <string>
 
+#include "recording_aip_callback.h"
 #include "recording_callback.h"
 #include "recording_config_callback.h"
 #include "recording_dsmcc_callback.h"
+#include "recording_mtm_callback.h"
 
 namespace {
 
 using android::sp;
 using android::hardware::Return;
+using vantorel::hardware::hbbtv::V1_0::IApplicationManager;
 using vantorel::hardware::hbbtv::V1_0::IChannelConfig;
 using vantorel::hardware::hbbtv::V1_0::IDsmcc;
+using vantorel::hardware::hbbtv::V1_0::IMtm;
 using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
+using vantorel::hardware::hbbtv::V1_0::TolmAIPEvent;
 
 constexpr int64_t kVb = 0x1000;
 constexpr int64_t kContext = 0xabc;
@@ -52,12 +59,63 @@ class PrintingDsmccCallback : public hbbtv::test::RecordingDsmccCallback {
     }
 };
 
+class PrintingAIPCallback : public hbbtv::test::RecordingAIPCallback {
+  public:
+    Return<void> onApplicationEvent(Event event, const Info& info, int64_t context) override {
+        printf("application event %d %d %d %lld\n", static_cast<int>(event), info.appId, info.orgId,
+               static_cast<long long>(context));
+        fflush(stdout);
+        return ::android::hardware::Void();
+    }
+
+    Return<void> onGetLocalParantalRating(const Text& countryCode, int32_t rating) override {
+        printf("rating asked %s %d\n", countryCode.c_str(), rating);
+        fflush(stdout);
+        return ::android::hardware::Void();
+    }
+};
+
+class PrintingMtmCallback : public hbbtv::test::RecordingMtmCallback {
+  public:
+    Return<void> Ping(Ping_cb _hidl_cb) override {
+        printf("ping\n");
+        fflush(stdout);
+        return RecordingMtmCallback::Ping(_hidl_cb);
+    }
+};
+
 struct Registration {
     std::function<Return<int32_t>()> begin;
     std::function<Return<int32_t>()> end;
 };
 
+// A browser that is well, one that does not return ("mtm_hanging") or one that does not answer ("mtm_silent").
+Registration RegistrationOfABrowser(const std::string& kind) {
+    const sp<IMtm> service = IMtm::getService();
+    const sp<PrintingMtmCallback> browser = new PrintingMtmCallback;
+    if (kind == "mtm_hanging") browser->Hang();
+    browser->silent = kind == "mtm_silent";
+    return {[=] { return Return<int32_t>(service->RegisterCallback(browser).isOk() ? 0 : -1); },
+            [=] { return Return<int32_t>(service->UnregisterCallback().isOk() ? 0 : -1); }};
+}
+
+// One object for several events.
+Registration RegistrationOfAnApplication() {
+    const sp<IApplicationManager> service = IApplicationManager::getService();
+    const sp<PrintingAIPCallback> client = new PrintingAIPCallback;
+    return {[=]() -> Return<int32_t> {
+                for (const TolmAIPEvent event : {TolmAIPEvent::GET_LOCAL_PARENTAL_RATING, TolmAIPEvent::KEY_PRESS}) {
+                    Return<int32_t> status = service->RegisterCallback(event, client, kContext);
+                    if (!status.isOk() || static_cast<int32_t>(status) != 0) return status;
+                }
+                return service->RegisterCallback(TolmAIPEvent::APPLICATION_EVENT_1, client, kContext);
+            },
+            [=] { return service->UnregisterCallback(TolmAIPEvent::KEY_PRESS, kContext); }};
+}
+
 Registration RegistrationOf(const std::string& family) {
+    if (family.rfind("mtm", 0) == 0) return RegistrationOfABrowser(family);
+    if (family == "application_manager") return RegistrationOfAnApplication();
     if (family == "channel_config") {
         const sp<IChannelConfig> service = IChannelConfig::getService();
         return {[=] { return service->RegisterCallback(new PrintingConfigCallback, kContext); },

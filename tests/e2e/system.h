@@ -25,7 +25,7 @@ class SimulatedPlatform : public ChildProcess {
 
   private:
     static std::vector<std::string> Command(const std::vector<std::string>& options) {
-        std::vector<std::string> command{HBBTV_SIM_PROGRAM, "--tune-time", "20ms"};
+        std::vector<std::string> command{HBBTV_SIM_PROGRAM, "--tune-time", "20ms", "--ping-interval", "100ms"};
         command.insert(command.end(), options.begin(), options.end());
         return command;
     }

@@ -36,6 +36,12 @@ std::string Shown(const android::hardware::hidl_string& text) {
     return text;
 }
 
+std::string Shown(const android::hardware::hidl_vec<int32_t>& numbers) {
+    std::string text;
+    for (const int32_t number : numbers) text += (text.empty() ? "" : " ") + Shown(number);
+    return "[" + text + "]";
+}
+
 NoMemoryForAdaptors::NoMemoryForAdaptors() {
     gNoMemory = true;
 }
@@ -66,20 +72,24 @@ std::string FailedWith(const std::string& status, const MethodRow& row) {
     return status + answer.substr(2);
 }
 
+void ExpectTheOneRequest(const FakePlatform& platform, const MethodRow& row, int form) {
+    ASSERT_TRUE(platform.WaitForFrames(1));
+    ASSERT_EQ(1u, platform.Frames().size());
+    Json::Value expected = Parsed(row.request);
+    if (UnderTest().type) expected["type"] = *UnderTest().type;
+    expected[UnderTest().codeKey] = row.code;
+    EXPECT_EQ(expected, Parsed(platform.Frames()[0].payload));
+    EXPECT_EQ(form, platform.Frames()[0].type);
+    EXPECT_EQ(UnderTest().port, platform.Frames()[0].port);
+}
+
 }  // namespace
 
 TEST_P(Method, AsksThePlatformAndAnswersOnce) {
     FakePlatform platform(UnderTest().socket, ReplyOf(GetParam(), 0));
 
     EXPECT_EQ(GetParam().answer, GetParam().call());
-
-    ASSERT_EQ(1u, platform.Frames().size());
-    Json::Value expected = Parsed(GetParam().request);
-    expected["type"] = UnderTest().type;
-    expected["method"] = GetParam().code;
-    EXPECT_EQ(expected, Parsed(platform.Frames()[0].payload));
-    EXPECT_EQ(kRequest, platform.Frames()[0].type);
-    EXPECT_EQ(UnderTest().port, platform.Frames()[0].port);
+    ExpectTheOneRequest(platform, GetParam(), kRequest);
 }
 
 TEST_P(Method, PassesThePlatformsStatusOnWithZeroResults) {
@@ -95,6 +105,26 @@ TEST_P(Method, GivesMinusOneAndZeroWithoutAnAdaptor) {
     FakePlatform platform(UnderTest().socket, ReplyOf(GetParam(), 0));
     const NoMemoryForAdaptors noMemory;
     EXPECT_EQ(GetParam().answerWithoutAdaptor, GetParam().call());
+    EXPECT_TRUE(platform.Frames().empty());
+}
+
+// Not every interface has such methods.
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OneWayMethod);
+
+TEST_P(OneWayMethod, TellsThePlatformAndDoesNotWait) {
+    FakePlatform platform(UnderTest().socket, [](const Frame&) { return std::nullopt; });
+    EXPECT_EQ("0", GetParam().call());
+    ExpectTheOneRequest(platform, GetParam(), kOneWay);
+}
+
+TEST_P(OneWayMethod, GivesMinusOneWhenThePlatformIsDown) {
+    EXPECT_EQ("-1", GetParam().call());
+}
+
+TEST_P(OneWayMethod, GivesMinusOneWithoutAnAdaptor) {
+    FakePlatform platform(UnderTest().socket, "");
+    const NoMemoryForAdaptors noMemory;
+    EXPECT_EQ("-1", GetParam().call());
     EXPECT_TRUE(platform.Frames().empty());
 }
 

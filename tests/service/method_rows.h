@@ -10,6 +10,7 @@
 #include <utils/StrongPointer.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -22,7 +23,8 @@ namespace hbbtv::test {
 struct InterfaceUnderTest {
     const char* socket;  // of its requests
     int port;
-    int type;  // of its requests
+    std::optional<int> type;         // of its requests, if they have one
+    const char* codeKey = "method";  // of their codes
 };
 
 const InterfaceUnderTest& UnderTest();
@@ -34,7 +36,7 @@ struct MethodRow {
     std::function<std::string()> call;
 
     int code;
-    const char* request;  // members besides "type" and "method"
+    const char* request;  // members besides the type and the code
     const char* reply;    // members besides "ret"
     const char* answer;
     const char* answerWithoutAdaptor;
@@ -44,9 +46,10 @@ struct MethodRow {
 void PrintTo(const MethodRow& row, std::ostream* out);
 std::string NameOf(const testing::TestParamInfo<MethodRow>& row);
 
-// A value as text: a handle in hexadecimal, a number in decimal, a text as it is.
+// A value as text: a handle in hexadecimal, a number in decimal, a text as it is, a list in brackets.
 std::string Shown(int64_t handle);
 std::string Shown(const android::hardware::hidl_string& text);
+std::string Shown(const android::hardware::hidl_vec<int32_t>& numbers);
 template <typename Value>
 std::string Shown(const Value& value) {
     return std::to_string(static_cast<std::conditional_t<std::is_enum_v<Value>, int32_t, Value>>(value));
@@ -101,5 +104,8 @@ class Method : public testing::TestWithParam<MethodRow> {
   protected:
     ScratchDirectory mDirectory;
 };
+
+// Of the methods that do not wait for the platform.
+class OneWayMethod : public Method {};
 
 }  // namespace hbbtv::test

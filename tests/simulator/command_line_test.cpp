@@ -112,6 +112,7 @@ TEST_F(CommandLine, WrongOptionsEndWithCode2AndASentence) {
         {{"--tune-time", "-1ms"}, "--tune-time"},
         {{"--tune-time", "100h"}, "is no time"},
         {{"--stream-event-interval", ""}, "is no time"},
+        {{"--ping-interval", "often"}, "\"often\" is no time"},
         {{"--seed", "x"}, "--seed"},
         {{"--permanent-error", "none"}, "channel-changed"},
         {{"--fault", "smoke"}, "\"smoke\" is no fault"},
@@ -194,9 +195,7 @@ TEST_F(CommandLine, TellAnswersWhatItRefusesAndEndsWithCode1) {
         {"zap", "error: usage: zap next|previous|NUMBER\n"},
         {"zap 77", "error: there is no such channel in the list\n"},
         {"signal lost", "error: there is no video/broadcast object\n"},
-        {"stop-answering nothing",
-         "error: there is no family \"nothing\"; known are \"channel\", \"channel_config\", \"channel_list\", "
-         "\"favourite_list\", \"favourite_list_collection\", \"video_broadcast\"\n"},
+        {"stop-answering video", "error: there is no family \"video\"; did you mean \"video_broadcast\"?\n"},
         {"fail much", "error: usage: fail [ERROR]\n"},
         {"record it", "error: usage: record\n"}};
     for (const auto& entry : refused) {

@@ -3,7 +3,7 @@
 
 namespace hbbtv::test {
 
-const char* const kProgrammes = R"(<?xml version="1.0" encoding="UTF-8"?>
+const char* const kSearchedProgrammes = R"(<?xml version="1.0" encoding="UTF-8"?>
 <tv>
   <programme start="20260105180000 +0000" stop="20260105183000 +0000" channel="one.tv">
     <title lang="en">Evening News</title><desc>What happened today.</desc><category>News</category>

@@ -8,7 +8,7 @@ namespace hbbtv::test {
 
 // On the 5th of January 2026, UTC. Channel One:  18:00 Evening News,  18:30 Kitchen Table,  19:15 Old Letters,
 // 20:45 Late News.  Two:  18:00 Sports Live,  20:00 The Last Ferry.  Wave:  18:00 Night Music.
-extern const char* const kProgrammes;
+extern const char* const kSearchedProgrammes;
 constexpr int kSixOClock = 1767636000;  // 18:00 of that day
 
 enum SearchMethod {
@@ -40,7 +40,7 @@ enum Comparison { kEqual, kNotEqual, kGreater, kGreaterOrEqual, kLess, kLessOrEq
 
 class SearchPlatform : public ChannelPlatform {
   protected:
-    void SetUp() override { BeginSearching(kProgrammes); }
+    void SetUp() override { BeginSearching(kSearchedProgrammes); }
 
     // Starts the simulator with these programmes, and makes a manager with a registered callback and a search.
     void BeginSearching(const std::string& programmes, const std::vector<std::string>& options = {});

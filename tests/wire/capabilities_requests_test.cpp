@@ -15,6 +15,7 @@ const std::vector<Row>& Rows() {
          Ask<Adaptor, std::string>(&Adaptor::GetXmlCapabilities),
          R"({"type": 10, "method": 0})",
          {{"xml_capabilities", "string", R"("reply 0")", R"("reply 0")"}},
+         "request",
          true},
         {"GetExtraSDVideoDecodes",
          Ask<Adaptor, unsigned>(&Adaptor::GetExtraSDVideoDecodes),
@@ -32,6 +33,7 @@ const std::vector<Row>& Rows() {
          Ask<Adaptor, std::string>(&Adaptor::GetTerminalCapability),
          R"({"type": 10, "method": 4})",
          {{"terminalCap", "string", R"("reply 4")", R"("reply 4")"}},
+         "request",
          true},
     };
     return *rows;

@@ -33,6 +33,15 @@ std::vector<Reading> ReadingsOf(const std::string& type, const char* unchanged) 
             {"{}", "0"},
         };
     }
+    if (type == "flag") {
+        return {
+            {"", "false"},          {"null", "false"},       {"true", "true"},        {"false", "false"},
+            {"1", "true"},          {"0", "false"},          {"7", "true"},           {"-7", "true"},
+            {"2147483647", "true"}, {"2147483648", "false"}, {"-2147483648", "true"}, {"4294967297", "false"},
+            {"2.5", "true"},        {"0.5", "false"},        {"1e300", "false"},      {"\"1\"", "false"},
+            {"\"true\"", "false"},  {"[1]", "false"},        {"{\"a\": 1}", "false"},
+        };
+    }
     if (type == "uint") {
         return {
             {"", "0"},           {"null", "0"},
@@ -179,6 +188,18 @@ std::string Show(const std::string& value) {
     std::string text = "\"";
     for (const char c : value) text += c == '\0' ? std::string("\\0") : std::string(1, c);
     return text + "\"";
+}
+
+std::string Show(const std::vector<int>& values) {
+    std::string text;
+    for (const int value : values) text += (text.empty() ? "" : " ") + Show(value);
+    return "[" + text + "]";
+}
+
+std::string Show(const std::vector<std::pair<int, int>>& values) {
+    std::string text;
+    for (const auto& [first, second] : values) text += (text.empty() ? "" : " ") + Show(first) + "/" + Show(second);
+    return "[" + text + "]";
 }
 
 }  // namespace hbbtv::test

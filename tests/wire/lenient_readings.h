@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace hbbtv::test {
@@ -11,8 +12,8 @@ struct Reading {
     const char* shown;  // what is read, as text (Show()); null when reading fails, which only pointers do
 };
 
-// For a type of the protocol files: one reading for each kind of JSON value, and for the limits of the type. An
-// unchanged pointer is shown as `unchanged`.
+// For a type of the protocol files, or "flag", an int of which only zero matters: one reading for each kind of JSON
+// value, and for the limits of the type. An unchanged pointer is shown as `unchanged`.
 std::vector<Reading> ReadingsOf(const std::string& type, const char* unchanged);
 
 // Values as text.
@@ -22,6 +23,8 @@ std::string Show(unsigned long value);
 std::string Show(bool value);
 std::string Show(double value);
 std::string Show(const void* value);
-std::string Show(const std::string& value);  // in quotes, a zero byte as \0
+std::string Show(const std::string& value);                        // in quotes, a zero byte as \0
+std::string Show(const std::vector<int>& values);                  // [1 2 3]
+std::string Show(const std::vector<std::pair<int, int>>& values);  // [1/2 3/4]
 
 }  // namespace hbbtv::test

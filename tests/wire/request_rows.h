@@ -8,7 +8,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "lenient_readings.h"
@@ -40,9 +42,12 @@ struct Outcome {
 // A result in the platform's reply.
 struct Result {
     const char* key;
-    const char* type;   // as in the protocol file
+
+    // As in the protocol file; or "flag" for an int of which only zero matters, "count" or "pairs" for one that says
+    // how many numbers or pairs of numbers a list has.
+    const char* type;
     const char* json;   // the value in the reply
-    const char* shown;  // what the caller gets, as text
+    const char* shown;  // what the caller gets, as text; null for a part of the list that was counted before
 };
 
 struct Row {
@@ -52,6 +57,7 @@ struct Row {
     // negative, a uint has its top bit set (but for one that counts), and so has a pointer.
     const char* request;
     std::vector<Result> results;
+    const char* form = "request";    // as in the protocol file
     bool failsWithMinusOne = false;  // whether any other "ret" than 0 gives -1 instead of itself
 };
 
@@ -89,8 +95,16 @@ template <>
 inline void* Before() {
     return reinterpret_cast<void*>(0xbef0);
 }
+template <>
+inline std::vector<int> Before() {
+    return {-77777};
+}
+template <>
+inline std::vector<std::pair<int, int>> Before() {
+    return {{-77777, -77777}};
+}
 
-// The same as text, for a type of the protocol files.
+// The same as text, for a type of a result.
 const char* ShownBefore(const std::string& type);
 
 // The call of an operation without a result.
@@ -111,6 +125,17 @@ std::function<Outcome()> Ask(Operation operation, Arguments... arguments) {
     };
 }
 
+// The call of an operation with two results of a type, its last parameters.
+template <typename Adaptor, typename T, typename Operation, typename... Arguments>
+std::function<Outcome()> AskTwo(Operation operation, Arguments... arguments) {
+    return [operation, arguments...]() mutable {
+        T first = Before<T>();
+        T second = Before<T>();
+        const int status = (Adaptor::GetInstance()->*operation)(arguments..., first, second);
+        return Outcome{status, {Show(first), Show(second)}};
+    };
+}
+
 void PrintTo(const Row& row, std::ostream* out);
 std::string NameOf(const ::testing::TestParamInfo<Row>& info);
 
@@ -120,7 +145,7 @@ void ExpectTheProtocolsOperations(const std::vector<Row>& rows);
 // What the protocol file says of an endpoint, of the type and the codes, and of the example of a request.
 void ExpectTheProtocolsEndpoint(const char* name, int key, const char* socket, int port, const char* servedBy);
 void ExpectNoEventsInTheProtocol();
-void ExpectTheProtocolsCodes(int type, const std::vector<int>& codes);
+void ExpectTheProtocolsCodes(std::optional<int> type, const std::vector<int>& codes, const char* codeKey = "method");
 std::vector<int> Codes(int first, int last);
 void ExpectTheProtocolsExample(const char* operation, const std::function<Outcome()>& call, const char* request,
                                const std::vector<std::string>& results);
@@ -133,6 +158,8 @@ class RowTest : public ::testing::TestWithParam<Row> {
     // The reply of the row, or the same with other members.
     std::string ReplyWith(const std::string& ret) const;
 
+    bool IsOneWay() const;
+
     void ExpectResults(const Outcome& outcome, int status) const;
     void ExpectUntouched(const Outcome& outcome, int status) const;
 
@@ -143,6 +170,7 @@ class RowTest : public ::testing::TestWithParam<Row> {
 
 class Request : public RowTest {};
 class Reply : public RowTest {};
+class OneWay : public RowTest {};
 class PlatformProcess : public RowTest {};
 
 void PrintTo(const TextRow& row, std::ostream* out);

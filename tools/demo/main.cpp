@@ -1,16 +1,18 @@
 // hbbtv-demo: a client like the HbbTV browser, in a process of its own. It drives a video/broadcast object through the
-// service and shows what was asked, what came back and which events arrived. Meant for the simulated platform's default
-// line-up, by whose services it tunes.
+// service, walks through the channel list, is given an application's tab, and shows what was asked, what came back and
+// which events arrived. Meant for the simulated platform's default line-up, by whose services it tunes.
 
 #include <hidl/HidlTransportSupport.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include <chrono>
 #include <cstdio>
-#include <functional>
 #include <string>
 #include <thread>
 
+#include "application_demo.h"
+#include "caller.h"
+#include "channel_walk.h"
 #include "event_log.h"
 #include "transcript.h"
 
@@ -23,7 +25,6 @@ using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
 using vantorel::hardware::hbbtv::V1_0::TolmHbbtvAVComponentType;
 using vantorel::hardware::hbbtv::V1_0::TolmVBPlayState;
 
-constexpr std::chrono::seconds kPatience{10};
 constexpr int64_t kContext = 0xbeef;
 constexpr int64_t kPresenting = static_cast<int64_t>(TolmVBPlayState::PRESENTING);
 
@@ -35,6 +36,8 @@ struct Service {
 // Free-to-air services of 19.2 degrees east, and a scrambled one of 13 degrees east.
 constexpr Service kDasErste{"Das Erste HD", 1, 1019, 10301};
 constexpr Service kZdf{"ZDF HD", 1, 1011, 11110};
+constexpr Service kArte{"arte HD", 1, 1019, 10302};
+constexpr Service kTagesschau{"tagesschau24 HD", 1, 1039, 10375};
 constexpr Service kRai{"Rai 1 HD", 318, 5200, 3401};
 constexpr int32_t kDvbS = 11;
 constexpr int32_t kEncrypted = 4;
@@ -47,67 +50,43 @@ std::string Hex(int64_t handle) {
 
 class Demo {
   public:
-    explicit Demo(const sp<IVideoBroadcast>& service) : mService(service), mEvents(new EventLog(mTranscript)) {}
+    explicit Demo(const sp<IVideoBroadcast>& service)
+        : mCaller(mTranscript), mService(service), mEvents(new EventLog(mTranscript)) {}
 
     // Whether everything went as it should.
     bool Run() {
-        const bool done = Create() && Bind() && Tune(kDasErste) && Tune(kZdf) && Zap() && Ask() && Volume() &&
-                          Components() && TuneToScrambled();
+        const bool done = Walk() && Create() && Bind() && Tune(kDasErste) && Tune(kZdf) && Zap() && Ask() && Volume() &&
+                          Components() && TuneToScrambled() && Applications();
         return Leave() && done;
     }
 
   private:
-    // A call without results.
-    bool Call(const std::string& what, const std::function<android::hardware::Return<int32_t>()>& call) {
-        mTranscript.Ask(what);
-        const auto status = call();
-        const bool ok = status.isOk() && static_cast<int32_t>(status) == 0;
-        mTranscript.Answer(!status.isOk() ? "the service is gone" : ok ? "done" : "status " + std::to_string(status));
-        return ok;
-    }
-
-    // A call with one result: `call` is given the callback for it; `show` makes words of it.
-    template <typename Result>
-    bool Get(const std::string& what,
-             const std::function<android::hardware::Return<void>(std::function<void(int32_t, Result)>)>& call,
-             const std::function<std::string(Result)>& show, Result& result) {
-        int32_t status = -1;
-        mTranscript.Ask(what);
-        const auto returned = call([&](int32_t theStatus, Result theResult) {
-            status = theStatus;
-            result = theResult;
-        });
-        const bool ok = returned.isOk() && status == 0;
-        mTranscript.Answer(ok ? show(result) : "status " + std::to_string(status));
-        return ok;
-    }
-
-    bool Expect(bool came, const std::string& what) {
-        if (!came) mTranscript.Event("(nothing)", "expected " + what + ", and it did not come");
-        return came;
+    bool Walk() {
+        return WalkChannels(mTranscript, mCaller,
+                            [this](int64_t channel, const std::string& name) { mEvents->Name(channel, name); });
     }
 
     bool Create() {
         mTranscript.Step("Create a video/broadcast object and listen to its events");
-        return Get<int64_t>(
+        return mCaller.Get(
                    "Create(context " + Hex(kContext) + ")", [&](auto cb) { return mService->Create(kContext, cb); },
                    [](int64_t vb) { return "object " + Hex(vb); }, mVb) &&
-               Call("RegisterCallback", [&] { return mService->RegisterCallback(mVb, mEvents, kContext); });
+               mCaller.Call("RegisterCallback", [&] { return mService->RegisterCallback(mVb, mEvents, kContext); });
     }
 
     bool Bind() {
         mTranscript.Step("Bind to the channel that is on");
         int64_t channel = 0;
-        return Get<int64_t>(
+        return mCaller.Get(
                    "BindToCurrentChannel", [&](auto cb) { return mService->BindToCurrentChannel(mVb, cb); },
                    [&](int64_t handle) { return mEvents->NameOf(handle); }, channel) &&
-               Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
+               mCaller.Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
     }
 
     bool CreateChannel(const Service& service, int64_t& channel) {
         const std::string triplet =
             std::to_string(service.onid) + ", " + std::to_string(service.tsid) + ", " + std::to_string(service.sid);
-        const bool ok = Get<int64_t>(
+        const bool ok = mCaller.Get(
             "CreateChannel_2(DVB-S, " + triplet + ")",
             [&](auto cb) {
                 return mService->CreateChannel_2(mVb, kDvbS, service.onid, service.tsid, service.sid, 0, "", cb);
@@ -119,36 +98,36 @@ class Demo {
 
     bool SetChannel(const Service& service, int64_t channel) {
         mEvents->Forget();
-        return Call("SetChannel(" + std::string(service.name) + ")",
-                    [&] { return mService->SetChannel(mVb, channel, false, ""); });
+        return mCaller.Call("SetChannel(" + std::string(service.name) + ")",
+                            [&] { return mService->SetChannel(mVb, channel, false, ""); });
     }
 
     bool Tune(const Service& service) {
         mTranscript.Step("Tune to " + std::string(service.name));
         int64_t channel = 0;
         return CreateChannel(service, channel) && SetChannel(service, channel) &&
-               Expect(mEvents->WaitFor("onChannelChangeSucceeded", channel, kPatience), "the channel change") &&
-               Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
+               mCaller.Expect(mEvents->WaitFor("onChannelChangeSucceeded", channel, kPatience), "the channel change") &&
+               mCaller.Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
     }
 
     bool Zap() {
         mTranscript.Step("Zap: one up, one down");
         mEvents->Forget();
-        const bool up = Call("NextChannel", [&] { return mService->NextChannel(mVb); }) &&
-                        Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
+        const bool up = mCaller.Call("NextChannel", [&] { return mService->NextChannel(mVb); }) &&
+                        mCaller.Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
         mEvents->Forget();
-        return up && Call("PrevChannel", [&] { return mService->PrevChannel(mVb); }) &&
-               Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
+        return up && mCaller.Call("PrevChannel", [&] { return mService->PrevChannel(mVb); }) &&
+               mCaller.Expect(mEvents->WaitFor("onPlayStateChange", kPresenting, kPatience), "presenting");
     }
 
     bool Ask() {
         mTranscript.Step("Ask how things stand");
         int64_t channel = 0;
         TolmVBPlayState state = TolmVBPlayState::UNREALIZED;
-        return Get<int64_t>(
+        return mCaller.Get(
                    "GetCurrentChannel", [&](auto cb) { return mService->GetCurrentChannel(mVb, cb); },
                    [&](int64_t handle) { return mEvents->NameOf(handle); }, channel) &&
-               Get<TolmVBPlayState>(
+               mCaller.Get(
                    "GetPlayState", [&](auto cb) { return mService->GetPlayState(mVb, cb); },
                    [](TolmVBPlayState s) { return PlayStateName(static_cast<int32_t>(s)); }, state) &&
                state == TolmVBPlayState::PRESENTING;
@@ -157,16 +136,16 @@ class Demo {
     bool Volume() {
         constexpr uint32_t kVolume = 35;
         uint32_t volume = 0;
-        return Call("SetVolume(35)", [&] { return mService->SetVolume(mVb, kVolume); }) &&
-               Get<uint32_t>(
+        return mCaller.Call("SetVolume(35)", [&] { return mService->SetVolume(mVb, kVolume); }) &&
+               mCaller.Get(
                    "GetVolume", [&](auto cb) { return mService->GetVolume(mVb, cb); },
                    [](uint32_t v) { return std::to_string(v); }, volume) &&
-               Expect(volume == kVolume, "volume 35");
+               mCaller.Expect(volume == kVolume, "volume 35");
     }
 
     bool CountComponents(const char* kind, TolmHbbtvAVComponentType type) {
         uint32_t count = 0;
-        return Get<uint32_t>(
+        return mCaller.Get(
             "GetAVComponentNumByType(" + std::string(kind) + ")",
             [&](auto cb) { return mService->GetAVComponentNumByType(mVb, type, cb); },
             [](uint32_t n) { return std::to_string(n); }, count);
@@ -182,18 +161,25 @@ class Demo {
         mTranscript.Step("Tune to a service that cannot be shown: " + std::string(kRai.name));
         int64_t channel = 0;
         return CreateChannel(kRai, channel) && SetChannel(kRai, channel) &&
-               Expect(mEvents->WaitFor("onChannelChangeError", kEncrypted, kPatience), "the error \"encrypted\"");
+               mCaller.Expect(mEvents->WaitFor("onChannelChangeError", kEncrypted, kPatience),
+                              "the error \"encrypted\"");
+    }
+
+    bool Applications() {
+        return ApplicationDemo(mTranscript, mCaller)
+            .Run([&] { return Tune(kArte); }, [&] { return Tune(kTagesschau); });
     }
 
     // Also after a failure, so that the platform is left as it was.
     bool Leave() {
         if (mVb == 0) return false;
         mTranscript.Step("Leave");
-        const bool unregistered = Call("UnregisterCallback", [&] { return mService->UnregisterCallback(mVb); });
-        return Call("Destroy", [&] { return mService->Destroy(mVb); }) && unregistered;
+        const bool unregistered = mCaller.Call("UnregisterCallback", [&] { return mService->UnregisterCallback(mVb); });
+        return mCaller.Call("Destroy", [&] { return mService->Destroy(mVb); }) && unregistered;
     }
 
     Transcript mTranscript;
+    Caller mCaller;
     const sp<IVideoBroadcast> mService;
     const sp<EventLog> mEvents;
     int64_t mVb = 0;

@@ -10,6 +10,12 @@ void Transcript::Step(const std::string& title) {
     std::fflush(stdout);
 }
 
+void Transcript::Text(const std::string& lines) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    std::printf("%s", lines.c_str());
+    std::fflush(stdout);
+}
+
 void Transcript::Ask(const std::string& what) {
     std::lock_guard<std::mutex> lock(mMutex);
     mAsked = what;

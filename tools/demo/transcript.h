@@ -16,6 +16,9 @@ class Transcript {
     // A heading between steps.
     void Step(const std::string& title);
 
+    // Lines of their own, without a time.
+    void Text(const std::string& lines);
+
     // A call that is about to be made. Events that come before its answer are shown behind it.
     void Ask(const std::string& what);
 

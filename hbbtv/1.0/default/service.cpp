@@ -3,6 +3,7 @@
 
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/LegacySupport.h>
+#include <vantorel/hardware/hbbtv/1.0/IApplicationManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IApplicationPrivatedata.h>
 #include <vantorel/hardware/hbbtv/1.0/ICapabilities.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannel.h>
@@ -12,6 +13,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteList.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteListCollection.h>
 #include <vantorel/hardware/hbbtv/1.0/ILocalSystem.h>
+#include <vantorel/hardware/hbbtv/1.0/IMtm.h>
 #include <vantorel/hardware/hbbtv/1.0/IParentalControlManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
@@ -47,6 +49,7 @@ bool Publish() {
 // Whether all could be.
 bool PublishAll() {
     bool published = true;
+    published &= Publish<IApplicationManager>();
     published &= Publish<IApplicationPrivatedata>();
     published &= Publish<ICapabilities>();
     published &= Publish<IChannel>();
@@ -56,6 +59,7 @@ bool PublishAll() {
     published &= Publish<IFavouriteList>();
     published &= Publish<IFavouriteListCollection>();
     published &= Publish<ILocalSystem>();
+    published &= Publish<IMtm>();
     published &= Publish<IParentalControlManager>();
     published &= Publish<IVideoBroadcast>();
     return published;

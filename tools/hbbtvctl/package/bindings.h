@@ -130,14 +130,17 @@ Json::Value Values(const T&... values) {
     return json;
 }
 
+template <typename... R, size_t... N>
+Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Value& results,
+                      std::index_sequence<N...>) {
+    callback(FromJson<std::decay_t<R>>(results[static_cast<Json::ArrayIndex>(N)])...);
+    return {};
+}
+
 // Runs a method's result callback with values from an array.
 template <typename... R>
 Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Value& results) {
-    Json::ArrayIndex i = 0;
-    // Braces: the elements are made from left to right.
-    const std::tuple<std::decay_t<R>...> values{FromJson<std::decay_t<R>>(results[i++])...};
-    std::apply(callback, values);
-    return {};
+    return AnswerTo(callback, results, std::index_sequence_for<R...>{});
 }
 
 // An argument as it is kept during the call.

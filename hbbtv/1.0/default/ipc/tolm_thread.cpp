@@ -37,6 +37,11 @@ bool TolmThread::Start(std::function<void()> body) {
     return true;
 }
 
+void TolmThread::Detach() {
+    if (mJoinable) pthread_detach(mThread);
+    mJoinable = false;
+}
+
 void TolmThread::Join() {
     if (mJoinable) pthread_join(mThread, nullptr);
     mJoinable = false;

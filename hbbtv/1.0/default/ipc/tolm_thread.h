@@ -18,6 +18,9 @@ class TolmThread {
     // Whether the thread runs. Not while an earlier one is still to be joined.
     bool Start(std::function<void()> body);
 
+    // Lets the thread run on by itself: nobody joins it.
+    void Detach();
+
     // Whether there is a thread to be joined.
     bool Joinable() const { return mJoinable; }
 

@@ -2,10 +2,28 @@
 
 #include "ipc/tolm_log.h"
 
-TolmHidlClientMonitor::TolmHidlClientMonitor(const char* tag)
-    : mTag(tag), mRecipient(new TolmHidlClientDeathRecipient(this)) {}
+bool TolmServiceInstance::HasClient() const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mRecipient != nullptr && !mRecipient->IsDied();
+}
+
+void TolmServiceInstance::Set(const android::sp<Recipient>& recipient) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mRecipient = recipient;
+}
+
+void TolmServiceInstance::Clear(const android::sp<Recipient>& recipient) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mRecipient == recipient) mRecipient.clear();
+}
+
+TolmHidlClientMonitor::TolmHidlClientMonitor(const char* tag, TolmServiceInstance* instance)
+    : mTag(tag), mInstance(instance), mRecipient(new TolmHidlClientDeathRecipient(this)) {
+    if (mInstance != nullptr) mInstance->Set(mRecipient);
+}
 
 TolmHidlClientMonitor::~TolmHidlClientMonitor() {
+    if (mInstance != nullptr) mInstance->Clear(mRecipient);
     mRecipient->Detach();
 }
 

@@ -15,6 +15,16 @@ Member MemberOf(const char* key, Member::Kind kind) {
     return member;
 }
 
+std::string NumberedKey(size_t index) {
+    return ("k" + std::to_string(index)).substr(0, 3);
+}
+
+// Of the values whose names are the same, the last one stays.
+void AddNumberedInts(const Member& member, Json::Value& object) {
+    size_t index = 0;
+    for (const int value : *member.asInts) object[NumberedKey(index++)] = value;
+}
+
 void AddNumberedPointers(const Member& member, Json::Value& object) {
     size_t index = 0;
     for (const void* pointer : *member.asPointers) {
@@ -43,6 +53,9 @@ void Add(const Member& member, Json::Value& object) {
         case Member::Kind::kPointer:
             TolmHbbtvIpcTools::AddPointerValue(member.asPointer, member.key, object);
             break;
+        case Member::Kind::kNumberedInts:
+            AddNumberedInts(member, object);
+            break;
         case Member::Kind::kNumberedPointers:
             AddNumberedPointers(member, object);
             break;
@@ -51,8 +64,8 @@ void Add(const Member& member, Json::Value& object) {
 
 Json::Value Request(const Family& family, const Method& method, std::initializer_list<Member> members) {
     Json::Value request(Json::objectValue);
-    request[Json::StaticString("type")] = family.type;
-    request[Json::StaticString("method")] = method.code;
+    if (family.type) request[Json::StaticString("type")] = *family.type;
+    request[Json::StaticString(family.codeKey)] = method.code;
     for (const Member& member : members) Add(member, request);
     return request;
 }
@@ -92,6 +105,12 @@ Member Text(const char* key, const std::string& value) {
 Member Pointer(const char* key, const void* value) {
     Member member = MemberOf(key, Member::Kind::kPointer);
     member.asPointer = value;
+    return member;
+}
+
+Member NumberedInts(const std::vector<int>& values) {
+    Member member = MemberOf("k", Member::Kind::kNumberedInts);
+    member.asInts = &values;
     return member;
 }
 
@@ -136,6 +155,13 @@ Target ToBool(const char* key, bool& to) {
             }};
 }
 
+Target ToFlag(const char* key, bool& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<bool*>(out) = ReadInt(object, k) != 0;
+                return true;
+            }};
+}
+
 Target ToReal(const char* key, double& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
                 *static_cast<double*>(out) = ReadReal(object, k);
@@ -153,6 +179,17 @@ Target ToText(const char* key, std::string& to) {
 Target ToPointer(const char* key, void*& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
                 return TolmHbbtvIpcTools::ParsePointerValue(object, k, static_cast<void**>(out)) == 0;
+            }};
+}
+
+Target ToNumberedInts(const char* countKey, std::vector<int>& to) {
+    return {countKey, &to, [](const Json::Value& object, const char* k, void* out) {
+                const int count = ReadInt(object, k);
+                if (count > kMostNumbered) return false;
+                for (int i = 0; i < count; ++i) {
+                    static_cast<std::vector<int>*>(out)->push_back(ReadInt(object, NumberedKey(i).c_str()));
+                }
+                return true;
             }};
 }
 

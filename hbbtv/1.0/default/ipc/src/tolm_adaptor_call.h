@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,9 @@ namespace tolm {
 
 // What the requests of a family have in common.
 struct Family {
-    const char* tag;  // of its log lines
-    int type;         // the member "type" of each request
+    const char* tag;                 // of its log lines
+    std::optional<int> type;         // the member "type" of each request; none in a family without one
+    const char* codeKey = "method";  // the member that holds the operation's code
 };
 
 // An operation: its code on the wire, and for the log lines its name and place, which come from where the code stands.
@@ -39,7 +41,7 @@ struct Method {
 
 // A member of a request. Lives as long as the expression it stands in: texts are not copied.
 struct Member {
-    enum class Kind { kInt, kUInt, kBool, kReal, kText, kPointer, kNumberedPointers };
+    enum class Kind { kInt, kUInt, kBool, kReal, kText, kPointer, kNumberedInts, kNumberedPointers };
 
     const char* key;
     Kind kind;
@@ -50,6 +52,7 @@ struct Member {
         double asReal;
         const std::string* asText;
         const void* asPointer;
+        const std::vector<int>* asInts;
         const std::vector<void*>* asPointers;
     };
 };
@@ -60,6 +63,7 @@ Member Bool(const char* key, bool value);
 Member Real(const char* key, double value);
 Member Text(const char* key, const std::string& value);
 Member Pointer(const char* key, const void* value);
+Member NumberedInts(const std::vector<int>& values);                         // k0, k1, ...: see ToNumberedInts()
 Member NumberedPointers(const char* key, const std::vector<void*>& values);  // key0, key1, ...
 template <typename T>
 Member Int(const char* key, T value) = delete;
@@ -84,9 +88,17 @@ Target ToUInt(const char* key, unsigned& to);
 Target ToIntBits(const char* key, unsigned& to);  // an int of the wire: -1 gives 4294967295
 Target ToUInt64(const char* key, uint64_t& to);
 Target ToBool(const char* key, bool& to);
+Target ToFlag(const char* key, bool& to);  // of an int: whether it is not 0
 Target ToReal(const char* key, double& to);
 Target ToText(const char* key, std::string& to);
 Target ToPointer(const char* key, void*& to);
+
+// Appends the members k0, k1, ..., as many as the count says; one above kMostNumbered fails, and nothing is appended.
+// The platform has room for three characters in such a name: k10 also stands for 100 to 109, for 1000 to 1099, ...
+Target ToNumberedInts(const char* countKey, std::vector<int>& to);
+
+// Lists of numbers on the wire are short. The count comes from outside, and no more than this is made of it.
+constexpr int kMostNumbered = 65536;
 
 // Reads all targets: whether none failed.
 bool Read(const Json::Value& object, std::initializer_list<Target> targets);

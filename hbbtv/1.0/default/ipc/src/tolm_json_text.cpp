@@ -102,6 +102,10 @@ const Json::Value& Member(const Json::Value& object, const char* key) {
     return member != nullptr ? *member : Json::Value::nullSingleton();
 }
 
+std::string TextOf(const Json::Value& value) {
+    return value.isConvertibleTo(Json::stringValue) ? value.asString() : std::string();
+}
+
 }  // namespace
 
 std::vector<unsigned char> ToStyledBytes(const Json::Value& document) {
@@ -147,8 +151,15 @@ double ReadReal(const Json::Value& object, const char* key) {
 }
 
 std::string ReadText(const Json::Value& object, const char* key) {
+    return TextOf(Member(object, key));
+}
+
+std::vector<std::string> ReadTexts(const Json::Value& object, const char* key) {
+    std::vector<std::string> texts;
     const Json::Value& member = Member(object, key);
-    return member.isConvertibleTo(Json::stringValue) ? member.asString() : std::string();
+    if (!member.isArray()) return texts;
+    for (const Json::Value& element : member) texts.push_back(TextOf(element));
+    return texts;
 }
 
 }  // namespace tolm

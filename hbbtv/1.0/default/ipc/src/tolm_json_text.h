@@ -4,6 +4,7 @@
 #include <json/json.h>
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 namespace tolm {
@@ -30,5 +31,8 @@ Json::UInt64 ReadUInt64(const Json::Value& object, const char* key);
 bool ReadBool(const Json::Value& object, const char* key);
 double ReadReal(const Json::Value& object, const char* key);
 std::string ReadText(const Json::Value& object, const char* key);
+
+// The elements of an array, each read like a text; none when the member is no array.
+std::vector<std::string> ReadTexts(const Json::Value& object, const char* key);
 
 }  // namespace tolm

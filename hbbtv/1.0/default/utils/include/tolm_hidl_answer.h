@@ -90,19 +90,35 @@ void AnswerWith(const std::function<void(int32_t, Results...)>& callback, int st
     callback(status, ToHidl<std::decay_t<Results>>(std::get<kFirst + Index>(values))...);
 }
 
+// Sets the results, which stand behind the first `kFirst` of `values`.
+template <size_t kFirst, typename Values, typename Initial, size_t... Index>
+void SetResults(Values& values, const Initial& initial, std::index_sequence<Index...>) {
+    ((std::get<kFirst + Index>(values) = std::get<Index>(initial)), ...);
+}
+
 }  // namespace details
 
-// For methods with results: status first, then the results, which are zero when the adaptor did not write them.
-template <typename... Results, typename Adaptor, typename... Parameters, typename... Arguments>
-::android::hardware::Return<void> Answer(const std::function<void(int32_t, Results...)>& callback,
-                                         int (Adaptor::*operation)(Parameters...), const Arguments&... arguments) {
+// For methods with results: status first, then the results, which keep the values of `initial` when the adaptor did not
+// write them.
+template <typename... Results, typename... Initial, typename Adaptor, typename... Parameters, typename... Arguments>
+::android::hardware::Return<void> AnswerFrom(const std::tuple<Initial...>& initial,
+                                             const std::function<void(int32_t, Results...)>& callback,
+                                             int (Adaptor::*operation)(Parameters...), const Arguments&... arguments) {
     static_assert(sizeof...(Parameters) == sizeof...(Arguments) + sizeof...(Results),
                   "the operation takes another number of arguments or gives another number of results");
     std::tuple<std::decay_t<Parameters>...> values{};
     details::SetArguments(values, std::index_sequence_for<Arguments...>(), arguments...);
+    details::SetResults<sizeof...(Arguments)>(values, initial, std::index_sequence_for<Initial...>());
     const int status = details::CallAdaptor(operation, values);
     details::AnswerWith<sizeof...(Arguments)>(callback, status, values, std::index_sequence_for<Results...>());
     return ::android::hardware::Void();
+}
+
+// The same with results that are zero when the adaptor did not write them.
+template <typename... Results, typename Adaptor, typename... Parameters, typename... Arguments>
+::android::hardware::Return<void> Answer(const std::function<void(int32_t, Results...)>& callback,
+                                         int (Adaptor::*operation)(Parameters...), const Arguments&... arguments) {
+    return AnswerFrom(std::tuple<>(), callback, operation, arguments...);
 }
 
 // For methods whose only result is the status.

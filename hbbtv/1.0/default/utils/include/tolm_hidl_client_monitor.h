@@ -27,6 +27,26 @@ class TolmClientHolder {
     android::sp<Callback> mCallback;  // guarded by mMutex
 };
 
+// The service object that there is, for functions that are called with its events and have none at hand. Any thread.
+class TolmServiceInstance {
+  public:
+    using Recipient = TolmHidlClientDeathRecipient;
+
+    // Whether there is one and its client lives.
+    bool HasClient() const;
+
+  private:
+    friend class TolmHidlClientMonitor;
+
+    void Set(const android::sp<Recipient>& recipient);
+
+    // Unless another service has taken its place.
+    void Clear(const android::sp<Recipient>& recipient);
+
+    mutable std::mutex mMutex;
+    android::sp<Recipient> mRecipient;  // guarded by mMutex
+};
+
 // Base of such a service. Any thread.
 class TolmHidlClientMonitor : public ITolmHidlClientEvent {
   public:
@@ -39,8 +59,8 @@ class TolmHidlClientMonitor : public ITolmHidlClientEvent {
     void StopMonitor(const android::sp<IBase>& cb);
 
   protected:
-    // `tag` is that of the service's log lines.
-    explicit TolmHidlClientMonitor(const char* tag);
+    // `tag` is that of the service's log lines. `instance`, if any, is this service as long as it lives.
+    explicit TolmHidlClientMonitor(const char* tag, TolmServiceInstance* instance = nullptr);
     ~TolmHidlClientMonitor();
 
     // Whether there is no living client: monitoring was stopped, or the client died.
@@ -73,11 +93,12 @@ class TolmHidlClientMonitor : public ITolmHidlClientEvent {
         return true;
     }
 
-  private:
-    // Ends the watch over a client that was replaced; null is none.
+    // Ends the watch over a client and leaves the flag alone; null is none.
     void Forget(const android::sp<IBase>& client);
 
+  private:
     const char* const mTag;
+    TolmServiceInstance* const mInstance;
     const android::sp<TolmHidlClientDeathRecipient> mRecipient;
     std::mutex mRegistration;  // a holder and the watch over what it holds change together
 };

@@ -1,0 +1,364 @@
+#include "ApplicationManager.h"
+
+#include <cstring>
+#include <map>
+#include <mutex>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "ipc/tolm_log.h"
+#include "utils/include/tolm_hidl_answer.h"
+
+namespace vantorel::hardware::hbbtv::implementation {
+
+using Adaptor = TolmApmAdaptorIpc;
+
+namespace {
+
+constexpr char kTag[] = "[hidl_application_manager_wrapper_client]";
+
+// One client for each event. `sp` itself bears no two threads; this does.
+class ClientsOfEvents {
+  public:
+    // Whether the event had none.
+    bool Add(::TolmAIPEvent event, const sp<IAIPEventCallback>& client) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mClients.emplace(event, client).second;
+    }
+
+    // Null when the event has none.
+    sp<IAIPEventCallback> Get(::TolmAIPEvent event) const {
+        std::lock_guard<std::mutex> lock(mMutex);
+        const auto client = mClients.find(event);
+        return client == mClients.end() ? nullptr : client->second;
+    }
+
+    void Remove(::TolmAIPEvent event) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mClients.erase(event);
+    }
+
+    // Gives those that there were.
+    std::map<::TolmAIPEvent, sp<IAIPEventCallback>> RemoveAll() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return std::exchange(mClients, {});
+    }
+
+  private:
+    mutable std::mutex mMutex;
+    std::map<::TolmAIPEvent, sp<IAIPEventCallback>> mClients;  // guarded by mMutex
+};
+
+ClientsOfEvents mApmCallback;
+TolmServiceInstance gInstance;
+
+// The clients, the watch over them and the adaptor's functions change together.
+std::mutex gRegistration;
+
+// The function of an event, null when it has none.
+TolmAIPEventCallback FunctionOf(::TolmAIPEvent event) {
+    switch (event) {
+        case TOLM_AIP_EVENT_APPLICATION_1:
+        case TOLM_AIP_EVENT_APPLICATION_2:
+        case TOLM_AIP_EVENT_APPLICATION_3:
+            return ToAIPEventCallback(onApplicationEventCallback);
+        case TOLM_AIP_EVENT_GET_LOCAL_PARENTAL_RATING:
+            return ToAIPEventCallback(onGetLocalParantalRating);
+        case TOLM_AIP_EVENT_APPLICATION_TOP_MOST:
+            return ToAIPEventCallback(onApplicationTopMost);
+        case TOLM_AIP_EVENT_APPLICATION_NO_TOP_MOST:
+            return ToAIPEventCallback(onApplicationNoTopMost);
+        case TOLM_AIP_EVENT_APPLICATION_DESTROY_REQUEST:
+            return ToAIPEventCallback(onApplicationDestroyRequest);
+        case TOLM_AIP_EVENT_KEY_PRESS:
+            return ToAIPEventCallback(onKeyPress);
+        case TOLM_AIP_EVENT_KEY_UP:
+            return ToAIPEventCallback(onKeyUp);
+        case TOLM_AIP_EVENT_KEY_DOWN:
+            return ToAIPEventCallback(onKeyDown);
+        case TOLM_AIP_EVENT_IS_PARENTAL_RATING_BLOCKED:
+            return ToAIPEventCallback(onIsParentalratingBlocked);
+        case TOLM_AIP_EVENT_REQUEST_DSMCC_FILE:
+            return ToAIPEventCallback(onRequestDsmccFile);
+        case TOLM_AIP_EVENT_RELEASE_DSMCC_FILE:
+            return ToAIPEventCallback(onReleaseDsmccFile);
+        case TOLM_AIP_EVENT_IS_OBJECT_SUPPORTED:
+            return ToAIPEventCallback(onIsObjectSupported);
+        case TOLM_AIP_EVENT_HANDLE_BROADCAST_SERVICE:
+            return ToAIPEventCallback(onHandleBroadcastService);
+        case TOLM_AIP_EVENT_GET_CONFIGURATION:
+            return ToAIPEventCallback(onGetConfiguration);
+        case TOLM_AIP_EVENT_PLATFORM_INITIALIZE:
+            return ToAIPEventCallback(onPlatformInitialize);
+        case TOLM_AIP_EVENT_PLATFORM_FINALIZE:
+            return ToAIPEventCallback(onPlatformFinalize);
+        case TOLM_AIP_EVENT_SET_BROADCAST_FULL_SCREEN:
+            return ToAIPEventCallback(onSetBroadcastFullScreen);
+        case TOLM_AIP_EVENT_OPAPP_STATE_CHANGE:
+            return ToAIPEventCallback(onOpappStateChange);
+        case TOLM_AIP_EVENT_OPAPP_CONTEXT_CHANGE:
+            return ToAIPEventCallback(onOpappContextChange);
+        case TOLM_AIP_EVENT_OPAPP_UPDATE:
+            return ToAIPEventCallback(onOpappUpdate);
+        default:
+            return nullptr;
+    }
+}
+
+}  // namespace
+
+ApplicationManager::ApplicationManager() : TolmHidlClientMonitor(kTag, &gInstance) {}
+
+Return<void> ApplicationManager::GetOwnerApp(int32_t appId, int32_t orgId, GetOwnerApp_cb _hidl_cb) {
+    return AnswerFrom(std::tuple(appId, orgId), _hidl_cb, &Adaptor::GetOwnerApp);
+}
+
+Return<void> ApplicationManager::GetCurrentApp(GetCurrentApp_cb _hidl_cb) {
+    return AnswerFrom(std::tuple(-1, -1), _hidl_cb, &Adaptor::GetCurrentApp);
+}
+
+Return<void> ApplicationManager::GetChildApps(int32_t appId, int32_t orgId, GetChildApps_cb _hidl_cb) {
+    std::vector<std::pair<int, int>> apps;
+    Adaptor* adaptor = Adaptor::GetInstance();
+    const int status = adaptor == nullptr ? -1 : adaptor->GetChildApps(appId, orgId, apps);
+    hidl_vec<int32_t> appIds(apps.size());
+    hidl_vec<int32_t> orgIds(apps.size());
+    for (size_t i = 0; i < apps.size(); ++i) std::tie(appIds[i], orgIds[i]) = apps[i];
+    _hidl_cb(status, appIds, orgIds);
+    return ::android::hardware::Void();
+}
+
+Return<void> ApplicationManager::CreateApplication(int32_t appId, int32_t orgId, const hidl_string& url, bool child,
+                                                   bool opapp, CreateApplication_cb _hidl_cb) {
+    return AnswerFrom(std::tuple(-1, -1), _hidl_cb, &Adaptor::CreateApp, appId, orgId, url.c_str(), child, opapp);
+}
+
+Return<int32_t> ApplicationManager::DestroyApplication(int32_t appId, int32_t orgId) {
+    return Status(&Adaptor::DestroyApp, appId, orgId);
+}
+
+Return<int32_t> ApplicationManager::Show(int32_t appId, int32_t orgId) {
+    return Status(&Adaptor::ShowApp, appId, orgId);
+}
+
+Return<int32_t> ApplicationManager::Hide(int32_t appId, int32_t orgId) {
+    return Status(&Adaptor::HideApp, appId, orgId);
+}
+
+Return<void> ApplicationManager::GetValue(int32_t appId, int32_t orgId, GetValue_cb _hidl_cb) {
+    return Answer(_hidl_cb, &Adaptor::GetValue, appId, orgId);
+}
+
+Return<void> ApplicationManager::GetOtherKeys(int32_t appId, int32_t orgId, GetOtherKeys_cb _hidl_cb) {
+    return Answer(_hidl_cb, &Adaptor::GetOtherKeys, appId, orgId);
+}
+
+Return<void> ApplicationManager::GetMaxiMumValue(int32_t appId, int32_t orgId, GetMaxiMumValue_cb _hidl_cb) {
+    return Answer(_hidl_cb, &Adaptor::GetMaxiMumValue, appId, orgId);
+}
+
+Return<void> ApplicationManager::GetMaxiMumOtherKeys(int32_t appId, int32_t orgId, GetMaxiMumOtherKeys_cb _hidl_cb) {
+    return Answer(_hidl_cb, &Adaptor::GetMaxiMumOtherKeys, appId, orgId);
+}
+
+Return<int32_t> ApplicationManager::SetValue(int32_t appId, int32_t orgId, int32_t value,
+                                             const hidl_vec<int32_t>& otherKeys) {
+    return Status(&Adaptor::SetValue, appId, orgId, value, otherKeys);
+}
+
+Return<void> ApplicationManager::GetKeyIcon(int32_t appId, int32_t orgId, int32_t code, GetKeyIcon_cb _hidl_cb) {
+    return Answer(_hidl_cb, &Adaptor::GetKeyIcon, appId, orgId, code);
+}
+
+Return<void> ApplicationManager::GetKeyLabel(int32_t appId, int32_t orgId, int32_t code, GetKeyLabel_cb _hidl_cb) {
+    return Answer(_hidl_cb, &Adaptor::GetKeyLabel, appId, orgId, code);
+}
+
+Return<void> ApplicationManager::GetVBResouceAllowed(int32_t tabId, GetVBResouceAllowed_cb _hidl_cb) {
+    return Answer(_hidl_cb, &Adaptor::GetVBResouceAllowed, tabId);
+}
+
+Return<int32_t> ApplicationManager::SetBRAppToBI(int32_t tabId) {
+    return Status(&Adaptor::SetBRAppToBI, tabId);
+}
+
+Return<int32_t> ApplicationManager::SetBIAppToBR(int32_t tabId) {
+    return Status(&Adaptor::SetBIAppToBR, tabId);
+}
+
+Return<void> ApplicationManager::KeyConsumedByBrowser(int32_t tabId, int32_t keyCode,
+                                                      KeyConsumedByBrowser_cb _hidl_cb) {
+    return Answer(_hidl_cb, &Adaptor::KeyConsumedByBrowser, tabId, keyCode);
+}
+
+Return<int32_t> ApplicationManager::NotifyDSMCCResponseToAPM(const hidl_string& url, const hidl_string& path) {
+    return Status(&Adaptor::NotifyDSMCCResponseToAPM, url, path);
+}
+
+Return<void> ApplicationManager::GetAppType(int32_t tabId, GetAppType_cb _hidl_cb) {
+    return Answer(_hidl_cb, &Adaptor::GetAppType, tabId);
+}
+
+Return<int32_t> ApplicationManager::SetDeviceResolution(uint32_t width, uint32_t height) {
+    return Status(&Adaptor::SetDeviceResolution, width, height);
+}
+
+Return<int32_t> ApplicationManager::RegisterCallback(V1_0::TolmAIPEvent event, const sp<IAIPEventCallback>& callback,
+                                                     int64_t context) {
+    Adaptor* adaptor = Adaptor::GetInstance();
+    if (adaptor == nullptr) return -1;
+    if (callback == nullptr) {
+        TOLM_LOG(ANDROID_LOG_ERROR, kTag, "cb is null");
+        return -1;
+    }
+    const auto code = static_cast<::TolmAIPEvent>(event);
+    std::lock_guard<std::mutex> lock(gRegistration);
+    if (!mApmCallback.Add(code, callback)) return -1;
+    StartMonitor(callback);
+    // An event without a function is refused, yet keeps its client: it is taken, until it is unregistered.
+    const TolmAIPEventCallback function = FunctionOf(code);
+    if (function == nullptr) return -1;
+    return adaptor->RegisterAIPEventCallback(code, function, Handle(context));
+}
+
+// There is one flag for all events, so the end of one registration silences them all until something is registered.
+Return<int32_t> ApplicationManager::UnregisterCallback(V1_0::TolmAIPEvent event, int64_t context) {
+    Adaptor* adaptor = Adaptor::GetInstance();
+    if (adaptor == nullptr) return -1;
+    const auto code = static_cast<::TolmAIPEvent>(event);
+    std::lock_guard<std::mutex> lock(gRegistration);
+    if (const sp<IAIPEventCallback> client = mApmCallback.Get(code)) {
+        StopMonitor(client);
+        mApmCallback.Remove(code);
+    }
+    return adaptor->UnRegisterAIPEventCallback(code, Handle(context));
+}
+
+// The clients of the other events are forgotten with the one that has died, whether they live or not: so nothing more
+// comes of their deaths, and a client that registers from now on is left alone.
+void ApplicationManager::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
+    TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
+    std::lock_guard<std::mutex> lock(gRegistration);
+    StopMonitor(who.promote());
+    if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->ClearAPIEventCallback();
+    for (const auto& [event, client] : mApmCallback.RemoveAll()) Forget(client);
+}
+
+namespace {
+
+hidl_string Text(const char* text) {
+    hidl_string result;
+    if (text != nullptr) result.setToExternal(text, strlen(text));
+    return result;
+}
+
+// Calls the client of an event.
+template <typename... Parameters, typename... Arguments>
+void Forward(::TolmAIPEvent event, Return<void> (IAIPEventCallback::*method)(Parameters...),
+             const Arguments&... arguments) {
+    const sp<IAIPEventCallback> client = mApmCallback.Get(event);
+    if (client == nullptr || !gInstance.HasClient()) return;
+    // The client may have died just now: then there is nobody to tell.
+    (void)((*client).*method)(arguments...).isOk();
+}
+
+}  // namespace
+
+void onApplicationEventCallback(const ::TolmAIPEvent& event, const ::TolmAIPEventInfo& info, const void* context) {
+    V1_0::TolmAIPEventInfo application{};
+    if (event == TOLM_AIP_EVENT_APPLICATION_1) application = {info.appId, info.orgId};
+    Forward(event, &IAIPEventCallback::onApplicationEvent, static_cast<V1_0::TolmAIPEvent>(event), application,
+            ToHandle(context));
+}
+
+void onApplicationTopMost(int appId, int orgId, const void* context) {
+    Forward(TOLM_AIP_EVENT_APPLICATION_TOP_MOST, &IAIPEventCallback::onApplicationTopMost, appId, orgId,
+            ToHandle(context));
+}
+
+void onApplicationNoTopMost(int appId, int orgId, const void* context) {
+    Forward(TOLM_AIP_EVENT_APPLICATION_NO_TOP_MOST, &IAIPEventCallback::onApplicationNoTopMost, appId, orgId,
+            ToHandle(context));
+}
+
+void onApplicationDestroyRequest(int appId, int orgId, const void* context) {
+    Forward(TOLM_AIP_EVENT_APPLICATION_DESTROY_REQUEST, &IAIPEventCallback::onApplicationDestroyRequest, appId, orgId,
+            ToHandle(context));
+}
+
+void onKeyPress(int first, int second, const void* context) {
+    Forward(TOLM_AIP_EVENT_KEY_PRESS, &IAIPEventCallback::onKeyPress, first, second, ToHandle(context));
+}
+
+void onKeyUp(int first, int second, const void* context) {
+    Forward(TOLM_AIP_EVENT_KEY_UP, &IAIPEventCallback::onKeyUp, first, second, ToHandle(context));
+}
+
+void onKeyDown(int first, int second, const void* context) {
+    Forward(TOLM_AIP_EVENT_KEY_DOWN, &IAIPEventCallback::onKeyDown, first, second, ToHandle(context));
+}
+
+void onIsParentalratingBlocked(int first, int second, bool* blocked) {
+    Forward(TOLM_AIP_EVENT_IS_PARENTAL_RATING_BLOCKED, &IAIPEventCallback::onIsParentalratingBlocked, first, second,
+            *blocked);
+}
+
+void onRequestDsmccFile(const char* fileName, const void* context) {
+    Forward(TOLM_AIP_EVENT_REQUEST_DSMCC_FILE, &IAIPEventCallback::onRequestDsmccFile, Text(fileName),
+            ToHandle(context));
+}
+
+void onReleaseDsmccFile(const char* fileName, const void* context) {
+    Forward(TOLM_AIP_EVENT_RELEASE_DSMCC_FILE, &IAIPEventCallback::onReleaseDsmccFile, Text(fileName),
+            ToHandle(context));
+}
+
+void onIsObjectSupported(const char* objectType, bool* supported) {
+    Forward(TOLM_AIP_EVENT_IS_OBJECT_SUPPORTED, &IAIPEventCallback::onIsObjectSupported, Text(objectType), *supported);
+}
+
+void onGetConfiguration() {
+    Forward(TOLM_AIP_EVENT_GET_CONFIGURATION, &IAIPEventCallback::onGetConfiguration);
+}
+
+void onPlatformInitialize() {
+    Forward(TOLM_AIP_EVENT_PLATFORM_INITIALIZE, &IAIPEventCallback::onPlatformInitialize);
+}
+
+void onPlatformFinalize() {
+    Forward(TOLM_AIP_EVENT_PLATFORM_FINALIZE, &IAIPEventCallback::onPlatformFinalize);
+}
+
+void onHandleBroadcastService(bool enabled) {
+    Forward(TOLM_AIP_EVENT_HANDLE_BROADCAST_SERVICE, &IAIPEventCallback::onHandleBroadcastService, enabled);
+}
+
+void onSetBroadcastFullScreen(bool fullScreen) {
+    Forward(TOLM_AIP_EVENT_SET_BROADCAST_FULL_SCREEN, &IAIPEventCallback::onSetBroadcastFullScreen, fullScreen);
+}
+
+void onOpappStateChange(int first, int second, const char* text1, const char* text2, const char* text3) {
+    Forward(TOLM_AIP_EVENT_OPAPP_STATE_CHANGE, &IAIPEventCallback::onOpappStateChange, first, second, Text(text1),
+            Text(text2), Text(text3));
+}
+
+void onOpappContextChange(int first, int second, const char* text1, const char* text2, const char* text3) {
+    Forward(TOLM_AIP_EVENT_OPAPP_CONTEXT_CHANGE, &IAIPEventCallback::onOpappContextChange, first, second, Text(text1),
+            Text(text2), Text(text3));
+}
+
+void onOpappUpdate(int first, int second, const char* text) {
+    Forward(TOLM_AIP_EVENT_OPAPP_UPDATE, &IAIPEventCallback::onOpappUpdate, first, second, Text(text));
+}
+
+void onGetLocalParantalRating(const char* countryCode, int32_t* rating) {
+    Forward(TOLM_AIP_EVENT_GET_LOCAL_PARENTAL_RATING, &IAIPEventCallback::onGetLocalParantalRating, Text(countryCode),
+            *rating);
+}
+
+IApplicationManager* HIDL_FETCH_IApplicationManager(const char*) {
+    return new ApplicationManager();
+}
+
+}  // namespace vantorel::hardware::hbbtv::implementation

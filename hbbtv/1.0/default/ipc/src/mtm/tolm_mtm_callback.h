@@ -1,0 +1,25 @@
+// What the platform has the browser do with its tabs, for the adaptor that receives it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+// Each operation gives 0 for success; results count only then. Called on the endpoint's server thread, one at a time.
+class TolmMtmCallback {
+  public:
+    virtual ~TolmMtmCallback() = default;
+
+    virtual int SetAppConfig(int tabId, bool isBroadcastRelated) = 0;
+    virtual int SetDvbOrigin(int tabId, const std::string& origin) = 0;
+    virtual int CreateApp(const std::string& url, bool autoShow, bool isBroadcastRelated, const std::string& appMode,
+                          const std::vector<std::string>& boundaries, int& tabId) = 0;
+    virtual int DestroyApp(int tabId) = 0;
+    virtual int DestroyAllApps() = 0;
+    virtual int ShowHideTab(int tabId, bool show, bool isMulti) = 0;
+    virtual int GetXmlFile(const std::string& url, const std::string& appId, std::string& xmlFile) = 0;
+    virtual int LoadURLInTab(int tabId, const std::string& url, bool autoShow, bool isBroadcastRelated,
+                             const std::string& appMode, const std::vector<std::string>& boundaries) = 0;
+    virtual int GetRenderProcessId(int tabId, int& renderId) = 0;
+    virtual int SendKey(int key, int keyType, int keyEventId) = 0;
+    virtual int Ping(int* status) = 0;
+};

@@ -1,0 +1,239 @@
+// The browser's part in the life of applications: see browser.h.
+#include "families/mtm/browser.h"
+
+#include <cstdio>
+
+#include "core/arguments.h"
+#include "core/journal.h"
+#include "families/mtm/xml_signalling.h"
+#include "platform/remote_control.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+constexpr int kPressed = 0;  // type of a key's message
+
+// A reply is taken for what it should be only when it is it.
+bool Good(const Json::Value& reply) {
+    return reply.isObject() && reply["ret"].isInt() && reply["ret"].asInt() == 0;
+}
+
+std::optional<int> Number(const Json::Value& reply, const char* member) {
+    if (!Good(reply) || !reply[member].isInt()) return std::nullopt;
+    return reply[member].asInt();
+}
+
+BrowserCommands::Page PageOf(const Application& application) {
+    const char* mode = application.operatorApplication ? "opapp" : "hbbtv";
+    return {application.document, application.shown, application.service != nullptr, mode, application.boundaries};
+}
+
+std::string Origin(const Service& service) {
+    if (!service.uri.empty()) return service.uri;
+    char text[40];
+    std::snprintf(text, sizeof(text), "dvb://%x.%x.%x", static_cast<unsigned>(service.onid),
+                  static_cast<unsigned>(service.tsid), static_cast<unsigned>(service.sid));
+    return text;
+}
+
+}  // namespace
+
+Browser::Browser(EventLoop& loop, Tv& tv, const Settings& settings, EventSink& sink)
+    : mTv(tv), mSettings(settings), mCommands(sink), mPing(loop) {
+    tv.applications.Watch(*this);
+}
+
+const char* Browser::Presence() const {
+    if (mKnown == Known::Nothing) return "not asked";
+    return mKnown == Known::There ? "there" : "not there";
+}
+
+// --- From the application to its tab
+
+void Browser::Ready(const ApplicationPointer& application) {
+    KeepPinging();
+    Open(application);
+}
+
+void Browser::Open(const ApplicationPointer& application) {
+    if (!application->admitted || mAsked.count(application.get()) != 0 || mTv.tabs.Of(application)) return;
+    if (!application->document.empty()) return AskForTab(application);
+    if (IsXmlSignalling(application->url)) AskForSignalling(application);
+}
+
+void Browser::OpenAll() {
+    const std::vector<ApplicationPointer> running = mTv.applications.Running();
+    for (const auto& application : running) Open(application);
+}
+
+void Browser::AskForSignalling(const ApplicationPointer& application) {
+    mAsked.insert(application.get());
+    mCommands.GetXmlFile(application->url, IdText(application->id), [this, application](const Json::Value& reply) {
+        mAsked.erase(application.get());
+        if (application->running) SignallingCame(application, reply);
+    });
+}
+
+void Browser::SignallingCame(const ApplicationPointer& application, const Json::Value& reply) {
+    const bool text = Good(reply) && reply["xmlFile"].isString();
+    const auto location = text ? LocationIn(reply["xmlFile"].asString()) : std::nullopt;
+    if (!location) return NoTab(application, reply, "it gives no application's place for " + Excerpt(application->url));
+    mTv.applications.FoundDocument(application, *location);
+}
+
+void Browser::AskForTab(const ApplicationPointer& application) {
+    DestroyLeftovers();
+    mAsked.insert(application.get());
+    mCommands.CreateApp(PageOf(*application), [this, application](const Json::Value& reply) {
+        mAsked.erase(application.get());
+        TabCame(application, reply);
+    });
+}
+
+void Browser::TabCame(const ApplicationPointer& application, const Json::Value& reply) {
+    const auto id = Number(reply, "tabid");
+    if (!application->running) {
+        if (id) mCommands.DestroyApp(*id);
+        if (Tab* tab = id ? mTv.tabs.Find(*id) : nullptr) tab->state = TabState::Closing;
+        return;
+    }
+    if (!id) return NoTab(application, reply, "it makes none");
+    const Tab* known = mTv.tabs.Find(*id);
+    const bool taken = known != nullptr && !known->Going() && known->application.lock();
+    if (taken) return NoTab(application, reply, "tab " + std::to_string(*id) + " is another application's");
+    try {
+        Tab& tab = mTv.tabs.Add(*id);
+        tab.application = application;
+        tab.madeFor = application->name + " (" + IdText(application->id) + ")";
+    } catch (const Refused& e) {
+        return NoTab(application, reply, e.what());
+    }
+    mSaidNobody = false;
+    mSaidRefused.erase(application.get());
+    Fill(*id, application);
+    FoundThere();
+}
+
+void Browser::Fill(int tab, const ApplicationPointer& application) {
+    mCommands.SetAppConfig(tab, application->service != nullptr);
+    if (application->service) mCommands.SetDvbOrigin(tab, Origin(*application->service));
+    mCommands.LoadURLInTab(tab, PageOf(*application));
+    if (application->shown) Show(tab, *application);
+    AskForRenderProcess(tab);
+}
+
+void Browser::AskForRenderProcess(int id) {
+    mCommands.GetRenderProcessId(id, [this, id](const Json::Value& reply) {
+        Tab* tab = mTv.tabs.Find(id);
+        const auto process = Number(reply, "render_id");
+        if (tab != nullptr) tab->renderProcess = process;
+    });
+}
+
+// One line for a browser that is not there, and one for each application that it refuses.
+void Browser::NoTab(const ApplicationPointer& application, const Json::Value& reply, const std::string& what) {
+    const bool nobody = reply.isNull();
+    const bool said = nobody ? mSaidNobody : !mSaidRefused.insert(application.get()).second;
+    if (nobody) mKnown = Known::NotThere;
+    if (nobody) mSaidNobody = true;
+    if (said) return;
+    Journal::Log("mtm: no tab for " + application->name + ": " +
+                 (nobody ? "no browser answers" : "the browser answers, but " + what));
+}
+
+void Browser::Show(int tab, const Application& application) {
+    int shown = 0;
+    for (const auto& running : mTv.applications.Running()) shown += running->shown ? 1 : 0;
+    mCommands.ShowHideTab(tab, application.shown, shown > 1);
+}
+
+void Browser::Shown(const ApplicationPointer& application) {
+    if (const Tab* tab = mTv.tabs.Of(application)) Show(tab->id, *application);
+}
+
+void Browser::Bound(const ApplicationPointer& application) {
+    const Tab* tab = mTv.tabs.Of(application);
+    if (tab == nullptr) return;
+    mCommands.SetAppConfig(tab->id, application->service != nullptr);
+    if (application->service) mCommands.SetDvbOrigin(tab->id, Origin(*application->service));
+}
+
+void Browser::Ended(const ApplicationPointer& application) {
+    mSaidRefused.erase(application.get());
+    if (Tab* tab = mTv.tabs.Of(application)) GiveUp(*tab, TabState::Closing);
+}
+
+void Browser::GiveUp(Tab& tab, TabState state) {
+    tab.state = state;
+    mCommands.DestroyApp(tab.id);
+    if (const ApplicationPointer application = tab.application.lock()) mTv.applications.End(application);
+}
+
+void Browser::DestroyAll() {
+    mCommands.DestroyAllApps();
+    mTv.tabs.CloseAll();
+    while (!mTv.applications.Running().empty()) mTv.applications.End(mTv.applications.Running().back());
+}
+
+// --- Keys
+
+ApplicationPointer Browser::SendKey(const RemoteKey& key) {
+    const auto& running = mTv.applications.Running();
+    for (auto application = running.rbegin(); application != running.rend(); ++application) {
+        if (!(*application)->shown || !(*application)->Takes(key) || !mTv.tabs.Of(*application)) continue;
+        mCommands.SendKey(key.code, kPressed, ++mKeyEvents);
+        return *application;
+    }
+    return nullptr;
+}
+
+// --- Whether somebody is there
+
+void Browser::FoundThere() {
+    const bool wasAway = mKnown == Known::NotThere;
+    mKnown = Known::There;
+    if (!wasAway) return;
+    DestroyLeftovers();
+    OpenAll();
+}
+
+void Browser::DestroyLeftovers() {
+    if (mLeftovers) mCommands.DestroyAllApps();
+    mLeftovers = false;
+}
+
+void Browser::KeepPinging() {
+    const bool wanted = !mTv.applications.Running().empty() || !mTv.tabs.All().empty();
+    if (!wanted || mPinging || mPing.Running() || mSettings.pingInterval.count() == 0) return;
+    mPing.Start(mSettings.pingInterval, [this] { Ping(); });
+}
+
+void Browser::Ping() {
+    mPinging = true;
+    mCommands.Ping([this](const Json::Value& reply) {
+        mPinging = false;
+        Ponged(reply);
+        KeepPinging();
+    });
+}
+
+void Browser::Ponged(const Json::Value& reply) {
+    const auto status = Number(reply, "status");
+    if (!status) return Lost();
+    mTv.tabs.browserStatus = *status;
+    FoundThere();
+    OpenAll();
+}
+
+// Who does not answer has no tabs either: a new one does not know those of the old one.
+void Browser::Lost() {
+    if (!mTv.tabs.All().empty()) {
+        Journal::Log("mtm: the browser does not answer, its tabs are gone");
+        mLeftovers = true;
+    }
+    mTv.tabs.Clear();
+    mKnown = Known::NotThere;
+}
+
+}  // namespace hbbtv::sim

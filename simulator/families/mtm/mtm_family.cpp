@@ -1,0 +1,270 @@
+// What the browser tells, into the table of tabs: see mtm_family.h. What the platform tells the browser is in
+// browser.cpp.
+#include "families/mtm/mtm_family.h"
+
+#include "core/journal.h"
+#include "core/nearest_name.h"
+#include "families/mtm/browser.h"
+#include "platform/remote_control.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+constexpr size_t kLongestKept = 4096;  // of a text from the browser
+
+const char* NameOf(TabState state) {
+    switch (state) {
+        case TabState::Empty:
+            return "empty";
+        case TabState::Loading:
+            return "loading";
+        case TabState::Loaded:
+            return "loaded";
+        case TabState::Failed:
+            return "failed";
+        case TabState::Crashed:
+            return "crashed";
+        case TabState::Closing:
+            return "closing";
+    }
+    return "";
+}
+
+std::string Described(const Tab& tab) {
+    std::string text = "tab " + std::to_string(tab.id) + ": ";
+    text += tab.madeFor.empty() ? "no application" : tab.madeFor;
+    text += std::string(", ") + NameOf(tab.state);
+    if (tab.state == TabState::Failed) text += " (" + Excerpt(tab.failure) + ")";
+    if (tab.state == TabState::Loading) text += " (" + Json::Value(tab.progress).asString() + ")";
+    if (tab.documentLoaded) text += ", document";
+    text += std::string(", ") + (tab.shown ? "shown" : "hidden");
+    if (tab.focused) text += ", focused";
+    if (!tab.title.empty()) text += ", title \"" + Excerpt(tab.title) + "\"";
+    if (!tab.url.empty()) text += ", url " + Excerpt(tab.url);
+    if (!tab.address.empty()) text += ", address " + Excerpt(tab.address);
+    if (tab.renderProcess) text += ", render process " + std::to_string(*tab.renderProcess);
+    if (tab.memoryLevel != 0) text += ", memory level " + std::to_string(tab.memoryLevel);
+    return text;
+}
+
+class MtmFamily : public Family {
+  public:
+    explicit MtmFamily(const FamilySetup& setup);
+
+  private:
+    using In = const Arguments&;
+    using Out = Json::Value&;
+
+    void AddRows();
+    void AddCommands();
+    void AddNotification(int code, const char* name, void (MtmFamily::*method)(In));
+
+    // Life of tabs.
+    void OnTabCreated(In in) { mTv.tabs.Add(in.Int("tabid")); }
+    void OnTabDestroyed(In in);
+    void OnRenderRequestCloseTab(In in) { mBrowser.GiveUp(Named(in), TabState::Closing); }
+    void OnAllTabsDestroyed(In);
+    void OnBlinkOutOfMemory(In in);
+
+    // What is seen of them.
+    void OnTabFocus(In in) { mTv.tabs.Focus(in.Int("tabid")); }
+    void OnTabHide(In in) { Named(in).shown = false; }
+    void OnTabShowOrLoadingState(In in);
+    void OnAddressBarChanged(In in) { Named(in).address = Text(in, "url"); }
+    void OnTabTitleChanged(In in) { Named(in).title = Text(in, "title"); }
+    void OnTabURLChanged(In in) { Named(in).url = Text(in, "title"); }
+
+    // Loading.
+    void OnLoadProgressChanged(In in);
+    void OnTabDocumentLoadedInFrame(In in) { Named(in).documentLoaded = true; }
+    void OnTabLoadFinished(In in);
+    void OnTabLoadFailed(In in);
+
+    // Memory.
+    void OnMemoryWarningDetected(In in) { mTv.tabs.memoryStatus = in.Int("mem_status"); }
+    void OnMemoryReduced(In in) { Named(in).memoryLevel = in.Int("level"); }
+
+    // At the television.
+    std::string Key(const std::vector<std::string>& words);
+    std::string TabTable(const std::vector<std::string>& words);
+    std::string Crash(const std::vector<std::string>& words);
+    std::string CloseTabs(const std::vector<std::string>& words);
+
+    Tab& Named(In in) { return mTv.tabs.Named(in.Int("tabid")); }
+    static std::string Text(In in, const char* member) { return in.Text(member).substr(0, kLongestKept); }
+    void Crashed(Tab& tab);
+
+    Tv& mTv;
+    Browser mBrowser;
+};
+
+MtmFamily::MtmFamily(const FamilySetup& setup)
+    : Family({"mtm", "service_mtm_to_hbbtv", "service_hbbtv_to_mtm", 1, "method", 0}),
+      mTv(setup.tv),
+      mBrowser(setup.loop, setup.tv, setup.settings, setup.sinkOf(Address())) {
+    AddRows();
+    AddCommands();
+}
+
+void MtmFamily::AddNotification(int code, const char* name, void (MtmFamily::*method)(In)) {
+    Row(code, name, [this, method](In in, Out) {
+        mBrowser.FoundThere();
+        (this->*method)(in);
+        mBrowser.KeepPinging();
+    });
+}
+
+void MtmFamily::AddRows() {
+    using F = MtmFamily;
+    AddNotification(0, "OnTabCreated", &F::OnTabCreated);
+    AddNotification(1, "OnTabDestroyed", &F::OnTabDestroyed);
+    AddNotification(2, "OnRenderRequestCloseTab", &F::OnRenderRequestCloseTab);
+    AddNotification(3, "OnAllTabsDestroyed", &F::OnAllTabsDestroyed);
+    AddNotification(4, "OnTabFocus", &F::OnTabFocus);
+    AddNotification(5, "OnTabHide", &F::OnTabHide);
+    AddNotification(6, "OnTabShow/OnLoadingStateChanged", &F::OnTabShowOrLoadingState);
+    AddNotification(8, "OnAddressBarChanged", &F::OnAddressBarChanged);
+    AddNotification(9, "OnLoadProgressChanged", &F::OnLoadProgressChanged);
+    AddNotification(10, "OnTabTitleChanged", &F::OnTabTitleChanged);
+    AddNotification(11, "OnTabURLChanged", &F::OnTabURLChanged);
+    AddNotification(12, "OnTabLoadFinished", &F::OnTabLoadFinished);
+    AddNotification(13, "OnTabLoadFailed", &F::OnTabLoadFailed);
+    AddNotification(14, "OnMemoryWarningDetected", &F::OnMemoryWarningDetected);
+    AddNotification(15, "OnMemoryReduced", &F::OnMemoryReduced);
+    AddNotification(16, "OnBlinkOutOfMemory", &F::OnBlinkOutOfMemory);
+    AddNotification(33, "OnTabDocumentLoadedInFrame", &F::OnTabDocumentLoadedInFrame);
+}
+
+void MtmFamily::AddCommands() {
+    const auto add = [this](const char* name, const char* usage, const char* purpose,
+                            std::string (MtmFamily::*method)(const std::vector<std::string>&)) {
+        AddCommand(name, {usage, purpose, [this, method](const auto& words) { return (this->*method)(words); }});
+    };
+    using F = MtmFamily;
+    add("key", "key NAME", "the viewer presses a key", &F::Key);
+    add("tabs", "tabs", "the table of tabs", &F::TabTable);
+    add("crash", "crash TAB", "the tab's page brings its process down", &F::Crash);
+    add("close-tabs", "close-tabs", "all tabs go, and their applications with them", &F::CloseTabs);
+}
+
+// --- Life of tabs
+
+void MtmFamily::OnTabDestroyed(In in) {
+    const Tab tab = Named(in);
+    mTv.tabs.Remove(tab.id);
+    const ApplicationPointer application = tab.application.lock();
+    if (application) mTv.applications.End(application);
+}
+
+void MtmFamily::OnAllTabsDestroyed(In) {
+    std::vector<ApplicationPointer> applications;
+    for (const auto& entry : mTv.tabs.All()) {
+        const ApplicationPointer application = entry.second.application.lock();
+        if (application) applications.push_back(application);
+    }
+    mTv.tabs.Clear();
+    for (const auto& application : applications) mTv.applications.End(application);
+}
+
+void MtmFamily::Crashed(Tab& tab) {
+    const ApplicationPointer application = tab.application.lock();
+    Journal::Log("mtm: tab " + std::to_string(tab.id) + " has crashed" +
+                 (application ? ", " + application->name + " ends" : ""));
+    mBrowser.GiveUp(tab, TabState::Crashed);
+}
+
+void MtmFamily::OnBlinkOutOfMemory(In in) {
+    Crashed(Named(in));
+}
+
+// --- What is seen of them
+
+// Two notifications have the same code; the one of the loading state is about the browser and names no tab.
+void MtmFamily::OnTabShowOrLoadingState(In in) {
+    if (!in.Has("is_loading")) {
+        Named(in).shown = true;
+        return;
+    }
+    const bool loading = in.Bool("is_loading");
+    const bool canGoBack = in.Bool("can_back");
+    mTv.tabs.canGoForward = in.Bool("can_forward");
+    mTv.tabs.canGoBack = canGoBack;
+    mTv.tabs.loading = loading;
+}
+
+// --- Loading
+
+void MtmFamily::OnLoadProgressChanged(In in) {
+    Tab& tab = Named(in);
+    tab.progress = in.Real("progress");
+    if (!tab.Going() && tab.progress < 1) tab.state = TabState::Loading;
+}
+
+void MtmFamily::OnTabLoadFinished(In in) {
+    Tab& tab = Named(in);
+    tab.url = Text(in, "url");
+    if (tab.Going()) return;
+    tab.state = TabState::Loaded;
+    const ApplicationPointer application = tab.application.lock();
+    const bool first = application && !tab.saidLoaded;
+    if (!first) return;
+    tab.saidLoaded = true;
+    mTv.applications.SayLoaded(application);
+}
+
+void MtmFamily::OnTabLoadFailed(In in) {
+    Tab& tab = Named(in);
+    const int code = in.Int("error_code");
+    const std::string description = Text(in, "description");
+    tab.url = Text(in, "url");
+    tab.failure = std::to_string(code) + " " + description;
+    if (!tab.Going()) tab.state = TabState::Failed;
+}
+
+// --- At the television
+
+std::string MtmFamily::Key(const std::vector<std::string>& words) {
+    if (words.size() != 1) throw Refused("usage: key NAME");
+    const RemoteKey* key = FindKey(words[0]);
+    if (key == nullptr) {
+        std::set<std::string> known;
+        for (const RemoteKey& one : RemoteKeys()) known.insert(one.name);
+        throw Refused("the remote control has no key \"" + Excerpt(words[0]) + "\"" + DidYouMean(words[0], known));
+    }
+    const ApplicationPointer taker = mBrowser.SendKey(*key);
+    return taker ? taker->name : "no application takes it";
+}
+
+std::string MtmFamily::TabTable(const std::vector<std::string>& words) {
+    if (!words.empty()) throw Refused("usage: tabs");
+    const Tabs& tabs = mTv.tabs;
+    std::string text = std::string("browser ") + mBrowser.Presence() + ", status " +
+                       std::to_string(tabs.browserStatus) + ", memory " + std::to_string(tabs.memoryStatus) +
+                       (tabs.loading ? ", loading" : "") + (tabs.canGoBack ? ", can go back" : "") +
+                       (tabs.canGoForward ? ", can go forward" : "");
+    for (const auto& entry : tabs.All()) text += "; " + Described(entry.second);
+    return text;
+}
+
+std::string MtmFamily::Crash(const std::vector<std::string>& words) {
+    const std::string word = words.size() == 1 ? words[0] : "";
+    const bool number = !word.empty() && word.size() <= 9 && word.find_first_not_of("0123456789") == std::string::npos;
+    if (!number) throw Refused("usage: crash TAB");
+    Crashed(mTv.tabs.Named(std::stoi(word)));
+    return "";
+}
+
+std::string MtmFamily::CloseTabs(const std::vector<std::string>& words) {
+    if (!words.empty()) throw Refused("usage: close-tabs");
+    mBrowser.DestroyAll();
+    return "";
+}
+
+}  // namespace
+
+std::unique_ptr<Family> MakeMtmFamily(const FamilySetup& setup) {
+    return std::make_unique<MtmFamily>(setup);
+}
+
+}  // namespace hbbtv::sim

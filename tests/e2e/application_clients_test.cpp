@@ -1,0 +1,158 @@
+// Applications and tabs across processes: the service publishes both interfaces, events and commands reach the client's
+// process, and whatever becomes of that process, the platform is answered.
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <vantorel/hardware/hbbtv/1.0/IApplicationManager.h>
+#include <vantorel/hardware/hbbtv/1.0/IMtm.h>
+
+#include <future>
+#include <string>
+
+#include "raw_socket.h"
+#include "scratch_directory.h"
+#include "system.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+using namespace vantorel::hardware::hbbtv::V1_0;
+using android::sp;
+using android::hardware::hidl_vec;
+
+constexpr char kPing[] = R"({"type": 0, "method": 34})";
+constexpr char kPinged[] = "{\n\t\"ret\" : 0,\n\t\"status\" : -13\n}\n";
+constexpr char kFailed[] = "{\n\t\"ret\" : -1\n}\n";
+constexpr char kNobody[] = "null\n";
+constexpr char kQuestion[] = R"({"t": 271, "countryCode": "DEU"})";
+
+// The reply to a message of the platform.
+std::string Ask(const std::string& socket, const std::string& json) {
+    RawConnection connection = RawConnection::To(socket);
+    EXPECT_TRUE(connection.Write(FrameBytes(kRequest, 1, json)));
+    const auto reply = connection.ReadFrame();
+    return reply ? reply->payload : "no reply";
+}
+
+TEST(ApplicationClients, AreAskedAcrossProcesses) {
+    ScratchDirectory directory;
+    FakePlatform manager("service_plugin_to_hbbtv_apm", R"({"ret": 0, "num": 2, "k0": 415, "k1": 19, "appNum": 1,)"
+                                                        R"( "appidArray": "501", "orgidArray": "19"})");
+    FakePlatform tabs("service_mtm_to_hbbtv", R"({"ret": 6})");
+    ServiceProcess service;
+    const sp<IApplicationManager> applications = Find<IApplicationManager>();
+    const sp<IMtm> mtm = Find<IMtm>();
+    ASSERT_NE(nullptr, applications);
+    ASSERT_NE(nullptr, mtm);
+
+    std::vector<int32_t> numbers;
+    ASSERT_TRUE(
+        applications->GetOtherKeys(1, 2, [&](int32_t, const hidl_vec<int32_t>& keys) { numbers = keys; }).isOk());
+    EXPECT_EQ((std::vector<int32_t>{415, 19}), numbers);
+    const auto given = [&](int32_t, const hidl_vec<int32_t>& appIds, const hidl_vec<int32_t>& orgIds) {
+        numbers = {appIds[0], orgIds[0]};
+    };
+    ASSERT_TRUE(applications->GetChildApps(1, 2, given).isOk());
+    EXPECT_EQ((std::vector<int32_t>{501, 19}), numbers);
+    EXPECT_EQ(0, static_cast<int32_t>(applications->SetValue(1, 2, 3, {415, 19})));
+    ASSERT_TRUE(manager.WaitForFrames(3));
+    EXPECT_EQ(kOneWay, manager.Frames()[2].type);
+    EXPECT_EQ(6, static_cast<int32_t>(mtm->OnTabLoadFailed(1, "u", 404, "not there")));
+}
+
+TEST(ApplicationClients, TellARegisteredClientOfEventsUntilItsProcessEnds) {
+    ScratchDirectory directory;
+    ServiceProcess service;
+    ASSERT_NE(nullptr, Find<IApplicationManager>());
+    const std::string socket = directory / "service_hbbtv_to_plugin_apm";
+    const std::string died = "ClientDeathRecipient::serviceDied - client died";
+    for (int i = 0; i < 3; ++i) {
+        RegisteredClient client("application_manager");
+        ASSERT_TRUE(client.Registered()) << client.Output();
+        RawConnection events = RawConnection::To(socket);
+        ASSERT_TRUE(events.Write(FrameBytes(kOneWay, 1, R"({"t": 237, "appid": 17, "orgid": 19})")));
+        EXPECT_TRUE(client.WaitForOutput("application event 1 17 19 2748\n")) << client.Output();
+        EXPECT_EQ("{\n\t\"parentalRating\" : 0,\n\t\"ret\" : 0\n}\n", Ask(socket, kQuestion));
+        EXPECT_TRUE(client.WaitForOutput("rating asked DEU 0\n")) << client.Output();
+        client.Kill();
+        // All registrations go with it, whatever the number of notices, and the events are free for the next client.
+        EXPECT_TRUE(WaitFor([&] { return Ask(socket, kQuestion) == kFailed; }));
+    }
+    EXPECT_NE(std::string::npos, service.Output().find(died));
+    EXPECT_FALSE(service.WaitForExit(std::chrono::milliseconds(0)).has_value());
+}
+
+// The question does not wait for the client, which may have stopped.
+TEST(ApplicationClients, TheParentalRatingQuestionIsAnsweredWhileTheClientStandsStill) {
+    ScratchDirectory directory;
+    ServiceProcess service;
+    RegisteredClient client("application_manager");
+    ASSERT_TRUE(client.Registered()) << client.Output();
+    client.Signal(SIGSTOP);
+    const std::string socket = directory / "service_hbbtv_to_plugin_apm";
+    EXPECT_EQ("{\n\t\"parentalRating\" : 0,\n\t\"ret\" : 0\n}\n", Ask(socket, kQuestion));
+    client.Signal(SIGCONT);
+    EXPECT_TRUE(client.WaitForOutput("rating asked DEU 0\n")) << client.Output();
+}
+
+class BrowserTabs : public ::testing::Test {
+  protected:
+    std::string Ping() const { return Ask(mDirectory / "service_hbbtv_to_mtm", kPing); }
+
+    ScratchDirectory mDirectory;
+    ServiceProcess mService;
+};
+
+TEST_F(BrowserTabs, AreCommandedInTheBrowsersProcessUntilItEnds) {
+    for (int i = 0; i < 3; ++i) {
+        RegisteredClient browser("mtm");
+        ASSERT_TRUE(browser.Registered()) << browser.Output();
+        EXPECT_EQ(kPinged, Ping());
+        EXPECT_NE(std::string::npos, browser.Output().find("ping\n"));
+        browser.Kill();
+        EXPECT_TRUE(WaitFor([&] { return Ping() == kNobody; }));
+    }
+}
+
+TEST_F(BrowserTabs, OfABrowserThatUnregistersAreNobodys) {
+    RegisteredClient browser("mtm");
+    ASSERT_TRUE(browser.Registered()) << browser.Output();
+    browser.Write("unregister\n");
+    ASSERT_TRUE(browser.WaitForOutput("unregistered"));
+    EXPECT_EQ(kNobody, Ping());
+}
+
+TEST_F(BrowserTabs, OfABrowserThatIsKilledDuringACommandGetAReply) {
+    RegisteredClient browser("mtm_hanging");
+    ASSERT_TRUE(browser.Registered()) << browser.Output();
+    std::future<std::string> reply = std::async(std::launch::async, [this] { return Ping(); });
+    ASSERT_TRUE(browser.WaitForOutput("ping\n"));
+    browser.Kill();
+    EXPECT_EQ(kFailed, reply.get());
+    EXPECT_TRUE(WaitFor([&] { return Ping() == kNobody; }));
+}
+
+// Its process ends for that: the stub does not let it pass.
+TEST_F(BrowserTabs, OfABrowserThatDoesNotAnswerGetAReply) {
+    RegisteredClient browser("mtm_silent");
+    ASSERT_TRUE(browser.Registered()) << browser.Output();
+    EXPECT_EQ(kFailed, Ping());
+    EXPECT_TRUE(browser.WaitForExit().has_value());
+    EXPECT_TRUE(WaitFor([&] { return Ping() == kNobody; }));
+}
+
+TEST_F(BrowserTabs, OfABrowserThatStandsStillGetAReplyAndAreCommandedAgainWhenItGoesOn) {
+    RegisteredClient browser("mtm");
+    ASSERT_TRUE(browser.Registered()) << browser.Output();
+    browser.Signal(SIGSTOP);
+    EXPECT_EQ(kFailed, Ping());
+    EXPECT_TRUE(mService.WaitForOutput("the client does not return"));
+    EXPECT_EQ(kFailed, Ping());
+    browser.Signal(SIGCONT);
+    EXPECT_TRUE(WaitFor([&] { return Ping() == kPinged; }));
+}
+
+}  // namespace
+
+}  // namespace hbbtv::test

@@ -1,0 +1,466 @@
+// From the application manager's event to the client that has registered for it: forwarding, the one flag of the
+// service, and the clients' deaths. The service runs in this process, the platform is at the other end of real sockets.
+
+#include <android/log.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "ApplicationManager.h"
+#include "log_capture.h"
+#include "method_rows.h"
+#include "recording_aip_callback.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+using namespace vantorel::hardware::hbbtv::implementation;
+using android::sp;
+using android::wp;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using IBase = android::hidl::base::V1_0::IBase;
+
+constexpr char kTag[] = "[hidl_application_manager_wrapper_client]";
+constexpr char kEvent[] = R"({"t": 237, "appid": 17, "orgid": -19})";
+constexpr char kQuestion[] = R"({"t": 271, "countryCode": "DEU"})";
+constexpr char kRefused[] = "{\n\t\"ret\" : -1\n}\n";
+constexpr char kRatedZero[] = "{\n\t\"parentalRating\" : 0,\n\t\"ret\" : 0\n}\n";
+constexpr char kDied[] = "ClientDeathRecipient::serviceDied - client died";
+constexpr char kStarted[] = "ClientDeathRecipient::StartMonitor";
+constexpr char kStopped[] = "ClientDeathRecipient::StopMonitor";
+
+void* Context(uintptr_t bits) {
+    return reinterpret_cast<void*>(bits);
+}
+
+class ApplicationManagerEvents : public testing::Test {
+  protected:
+    int Register(int event, const sp<RecordingAIPCallback>& client, int64_t context = 0x55) {
+        return mService->RegisterCallback(static_cast<RecordingAIPCallback::Event>(event), client, context);
+    }
+
+    int Unregister(int event, int64_t context = 0x55) {
+        return mService->UnregisterCallback(static_cast<RecordingAIPCallback::Event>(event), context);
+    }
+
+    // The reply to a message that asks for one.
+    std::string Ask(const std::string& json) {
+        RawConnection connection = RawConnection::To(mDirectory / "service_hbbtv_to_plugin_apm");
+        EXPECT_TRUE(connection.Write(FrameBytes(kRequest, 1, json)));
+        const auto reply = connection.ReadFrame();
+        return reply ? reply->payload : "no reply";
+    }
+
+    // A one-way event, as it leaves the platform, until it has been handled.
+    void Send(const std::string& json) {
+        RawConnection connection = RawConnection::To(mDirectory / "service_hbbtv_to_plugin_apm");
+        EXPECT_TRUE(connection.Write(FrameBytes(kOneWay, 1, json)));
+        EXPECT_TRUE(connection.Write(FrameBytes(kRequest, 1, "{}")));
+        EXPECT_TRUE(connection.ReadFrame().has_value());
+    }
+
+    int Logged(int priority, const char* message) const { return mLog.Count(priority, kTag, message); }
+
+    ScratchDirectory mDirectory;
+    LogCapture mLog;
+    sp<ApplicationManager> mService = new ApplicationManager;
+    const sp<RecordingAIPCallback> mClient = new RecordingAIPCallback;
+};
+
+struct EventCase {
+    int event;
+    std::function<void()> happen;
+    const char* call;
+};
+
+void PrintTo(const EventCase& row, std::ostream* out) {
+    *out << row.event;
+}
+
+bool gTrue = true;
+bool gFalse = false;
+int32_t gRating = 12;
+const TolmAIPEventInfo kInfo{17, -19};
+
+void HappenAs(TolmAIPEvent event) {
+    onApplicationEventCallback(event, kInfo, Context(0xffffffff));
+}
+
+const EventCase kEvents[] = {
+    {1, [] { HappenAs(1); }, "onApplicationEvent 1 17 -19 4294967295"},
+    {2, [] { HappenAs(2); }, "onApplicationEvent 2 0 0 4294967295"},
+    {3, [] { HappenAs(3); }, "onApplicationEvent 3 0 0 4294967295"},
+    {4, [] { onGetLocalParantalRating("DEU", &gRating); }, "onGetLocalParantalRating DEU 12"},
+    {5, [] { onApplicationTopMost(1, -2, Context(0xfffffff5)); }, "onApplicationTopMost 1 -2 4294967285"},
+    {6, [] { onApplicationNoTopMost(1, -2, Context(6)); }, "onApplicationNoTopMost 1 -2 6"},
+    {7, [] { onApplicationDestroyRequest(1, -2, Context(7)); }, "onApplicationDestroyRequest 1 -2 7"},
+    {8, [] { onKeyPress(1, -2, Context(8)); }, "onKeyPress 1 -2 8"},
+    {9, [] { onKeyUp(1, -2, Context(9)); }, "onKeyUp 1 -2 9"},
+    {10, [] { onKeyDown(1, -2, Context(10)); }, "onKeyDown 1 -2 10"},
+    {11, [] { onIsParentalratingBlocked(1, -2, &gTrue); }, "onIsParentalratingBlocked 1 -2 1"},
+    {18, [] { onRequestDsmccFile("file", Context(18)); }, "onRequestDsmccFile file 18"},
+    {19, [] { onReleaseDsmccFile("file", Context(19)); }, "onReleaseDsmccFile file 19"},
+    {21, [] { onIsObjectSupported("video/broadcast", &gFalse); }, "onIsObjectSupported video/broadcast 0"},
+    {22, [] { onHandleBroadcastService(true); }, "onHandleBroadcastService 1"},
+    {23, [] { onGetConfiguration(); }, "onGetConfiguration"},
+    {24, [] { onPlatformInitialize(); }, "onPlatformInitialize"},
+    {25, [] { onPlatformFinalize(); }, "onPlatformFinalize"},
+    {26, [] { onSetBroadcastFullScreen(true); }, "onSetBroadcastFullScreen 1"},
+    {27, [] { onOpappStateChange(1, -2, "a", "b", "c"); }, "onOpappStateChange 1 -2 a b c"},
+    {28, [] { onOpappContextChange(1, -2, "a", "b", "c"); }, "onOpappContextChange 1 -2 a b c"},
+    {29, [] { onOpappUpdate(1, -2, "a"); }, "onOpappUpdate 1 -2 a"},
+};
+
+class ApplicationManagerEvent : public ApplicationManagerEvents, public testing::WithParamInterface<EventCase> {};
+
+}  // namespace
+
+TEST_P(ApplicationManagerEvent, ReachesTheClientThatHasRegisteredForIt) {
+    const sp<RecordingAIPCallback> other = new RecordingAIPCallback;
+    for (const EventCase& row : kEvents) {
+        EXPECT_EQ(0, Register(row.event, row.event == GetParam().event ? mClient : other));
+    }
+    GetParam().happen();
+    EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
+    EXPECT_THAT(other->Calls(), IsEmpty());
+}
+
+TEST_P(ApplicationManagerEvent, IsDroppedSilentlyWithoutAClientOfItsOwn) {
+    for (const EventCase& row : kEvents) {
+        if (row.event == GetParam().event) continue;
+        EXPECT_EQ(0, Register(row.event, mClient));
+    }
+    mLog.Clear();
+    GetParam().happen();
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+    EXPECT_EQ("", mLog.Text());
+}
+
+TEST_P(ApplicationManagerEvent, IsHeldBackByTheEndOfAnotherRegistration) {
+    const int other = GetParam().event == 5 ? 6 : 5;
+    EXPECT_EQ(0, Register(GetParam().event, mClient));
+    EXPECT_EQ(0, Register(other, mClient));
+    EXPECT_EQ(0, Unregister(other));
+    mLog.Clear();
+    GetParam().happen();
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+    EXPECT_EQ("", mLog.Text());
+    EXPECT_EQ(0, Register(other, new RecordingAIPCallback));
+    GetParam().happen();
+    EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
+}
+
+TEST_P(ApplicationManagerEvent, IsDroppedWhenThereIsNoService) {
+    EXPECT_EQ(0, Register(GetParam().event, mClient));
+    mService.clear();
+    GetParam().happen();
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+    // The registration is still there, for the next service.
+    mService = new ApplicationManager;
+    GetParam().happen();
+    EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
+}
+
+TEST_P(ApplicationManagerEvent, MayBeRegisteredOnceUntilItIsUnregistered) {
+    const sp<RecordingAIPCallback> second = new RecordingAIPCallback;
+    EXPECT_EQ(0, Register(GetParam().event, mClient));
+    EXPECT_EQ(-1, Register(GetParam().event, second));
+    EXPECT_THAT(second->Linked(), IsEmpty());
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStarted));
+    GetParam().happen();
+    EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
+    EXPECT_EQ(0, Unregister(GetParam().event));
+    EXPECT_EQ(0, Register(GetParam().event, second));
+    GetParam().happen();
+    EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
+    EXPECT_THAT(second->Calls(), ElementsAre(GetParam().call));
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, ApplicationManagerEvent, testing::ValuesIn(kEvents),
+                         [](const auto& row) { return "Event" + std::to_string(row.param.event); });
+
+TEST_F(ApplicationManagerEvents, ReachTheClientFromThePlatformWithItsContext) {
+    EXPECT_EQ(0, Register(1, mClient, 0x7777777780000abc));
+    Send(kEvent);
+    Send(R"({"t": 237})");
+    EXPECT_THAT(mClient->Calls(),
+                ElementsAre("onApplicationEvent 1 17 -19 2147486396", "onApplicationEvent 1 0 0 2147486396"));
+}
+
+TEST_F(ApplicationManagerEvents, OfTheFullScreenAreForNobody) {
+    EXPECT_EQ(0, Register(26, mClient));
+    EXPECT_EQ(0, Register(1, mClient));
+    Send(R"({"t": 270, "bValue": 1, "isDestroy": 0})");
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+}
+
+TEST_F(ApplicationManagerEvents, ThatAreQuestionsLeaveTheAskersValuesAlone) {
+    for (const int event : {4, 11, 21}) EXPECT_EQ(0, Register(event, mClient));
+    bool blocked = true;
+    bool supported = false;
+    int32_t rating = 9;
+    onIsParentalratingBlocked(1, 2, &blocked);
+    onIsObjectSupported("t", &supported);
+    onGetLocalParantalRating("AUT", &rating);
+    EXPECT_TRUE(blocked);
+    EXPECT_FALSE(supported);
+    EXPECT_EQ(9, rating);
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onIsParentalratingBlocked 1 2 1", "onIsObjectSupported t 0",
+                                              "onGetLocalParantalRating AUT 9"));
+}
+
+TEST_F(ApplicationManagerEvents, TheQuestionForTheRatingIsAlwaysAnsweredByZero) {
+    TolmApmAdaptorIpc::GetInstance();  // so that its socket is there
+    EXPECT_EQ(kRefused, Ask(kQuestion));
+    EXPECT_EQ(0, Register(4, mClient));
+    EXPECT_EQ(kRatedZero, Ask(kQuestion));
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onGetLocalParantalRating DEU 0"));
+    // Also while events are held back: the adaptor still has its function.
+    EXPECT_EQ(0, Register(5, mClient));
+    EXPECT_EQ(0, Unregister(5));
+    EXPECT_EQ(kRatedZero, Ask(kQuestion));
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onGetLocalParantalRating DEU 0"));
+    EXPECT_EQ(0, Unregister(4));
+    EXPECT_EQ(kRefused, Ask(kQuestion));
+}
+
+TEST_F(ApplicationManagerEvents, NullTextsAreEmpty) {
+    for (const int event : {4, 18, 27}) EXPECT_EQ(0, Register(event, mClient));
+    int32_t rating = 0;
+    onGetLocalParantalRating(nullptr, &rating);
+    onRequestDsmccFile(nullptr, nullptr);
+    onOpappStateChange(1, 2, nullptr, "b", nullptr);
+    EXPECT_THAT(mClient->Calls(),
+                ElementsAre("onGetLocalParantalRating  0", "onRequestDsmccFile  0", "onOpappStateChange 1 2  b "));
+}
+
+TEST_F(ApplicationManagerEvents, WithoutAFunctionAreRefusedAndTakenAllTheSame) {
+    for (const int event : {-1, 0, 12, 13, 14, 15, 16, 17, 20, 30, 2147483647}) {
+        SCOPED_TRACE(event);
+        const sp<RecordingAIPCallback> client = new RecordingAIPCallback;
+        mLog.Clear();
+        EXPECT_EQ(-1, Register(event, client));
+        EXPECT_EQ(1u, client->Linked().size());
+        EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStarted));
+        // Taken: a second one is not even watched.
+        EXPECT_EQ(-1, Register(event, mClient));
+        EXPECT_THAT(mClient->Linked(), IsEmpty());
+        EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStarted));
+        EXPECT_EQ(0, Unregister(event));
+        EXPECT_THAT(client->Linked(), IsEmpty());
+        EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
+        EXPECT_EQ(-1, Register(event, mClient));
+        EXPECT_EQ(1u, mClient->Linked().size());
+        EXPECT_EQ(0, Unregister(event));
+    }
+}
+
+TEST_F(ApplicationManagerEvents, AreDeliveredAgainAfterARefusedRegistrationOfEvent12) {
+    EXPECT_EQ(0, Register(8, mClient));
+    EXPECT_EQ(0, Register(5, mClient));
+    EXPECT_EQ(0, Unregister(5));
+    onKeyPress(1, 2, nullptr);
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+    EXPECT_EQ(-1, Register(12, mClient));
+    onKeyPress(3, 4, nullptr);
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 3 4 0"));
+}
+
+TEST_F(ApplicationManagerEvents, StayHeldBackWhenARegistrationIsRefusedBeforeItIsWatched) {
+    EXPECT_EQ(0, Register(8, mClient));
+    EXPECT_EQ(0, Register(5, mClient));
+    EXPECT_EQ(0, Unregister(5));
+    EXPECT_EQ(-1, Register(8, new RecordingAIPCallback));
+    EXPECT_EQ(-1, Register(9, nullptr));
+    onKeyPress(1, 2, nullptr);
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+}
+
+TEST_F(ApplicationManagerEvents, AreNotHeldBackByTheEndOfARegistrationThatWasNotThere) {
+    EXPECT_EQ(0, Register(8, mClient));
+    mLog.Clear();
+    EXPECT_EQ(0, Unregister(5));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kStopped));
+    onKeyPress(1, 2, nullptr);
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 1 2 0"));
+}
+
+TEST_F(ApplicationManagerEvents, ANullCallbackIsRefused) {
+    EXPECT_EQ(-1, Register(8, nullptr));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_ERROR, "cb is null"));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kStarted));
+    // The event is still free.
+    EXPECT_EQ(0, Register(8, mClient));
+}
+
+TEST_F(ApplicationManagerEvents, RegistrationWatchesTheClientUntilItIsTakenBack) {
+    EXPECT_EQ(0, Register(8, mClient));
+    EXPECT_EQ(1u, mClient->Linked().size());
+    EXPECT_EQ(0u, mClient->Cookie());
+    EXPECT_EQ(0, Register(9, mClient));
+    EXPECT_EQ(2u, mClient->Linked().size());
+    EXPECT_EQ(2, Logged(ANDROID_LOG_INFO, kStarted));
+    EXPECT_EQ(0, Unregister(8));
+    EXPECT_EQ(1u, mClient->Linked().size());
+    EXPECT_EQ(0, Unregister(9));
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    EXPECT_EQ(2, Logged(ANDROID_LOG_INFO, kStopped));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, "cb is null"));
+}
+
+TEST_F(ApplicationManagerEvents, AClientThatIsTakenBackIsNotKept) {
+    sp<RecordingAIPCallback> client = new RecordingAIPCallback;
+    const wp<RecordingAIPCallback> watched = client;
+    EXPECT_EQ(0, Register(8, client));
+    client.clear();
+    EXPECT_NE(nullptr, watched.promote().get());
+    EXPECT_EQ(0, Unregister(8));
+    EXPECT_EQ(nullptr, watched.promote().get());
+}
+
+TEST_F(ApplicationManagerEvents, AContextGoesWithItsRegistration) {
+    EXPECT_EQ(0, Register(1, mClient, 5));
+    EXPECT_EQ(0, Unregister(1, 6));  // of another context, which ends the registration but leaves the context
+    EXPECT_EQ(0, Register(1, mClient, 7));
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onApplicationEvent 1 17 -19 5", "onApplicationEvent 1 17 -19 7"));
+}
+
+TEST_F(ApplicationManagerEvents, TheDeathOfTheClientEndsAllDeliveries) {
+    const sp<RecordingAIPCallback> other = new RecordingAIPCallback;
+    EXPECT_EQ(0, Register(1, mClient));
+    EXPECT_EQ(0, Register(4, mClient));
+    EXPECT_EQ(0, Register(8, other));
+    mLog.Clear();
+    mClient->Die();
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, "cb is null"));
+    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[ipc_apm]", "ENTER"));
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    EXPECT_THAT(other->Linked(), IsEmpty());
+    Send(kEvent);
+    onKeyPress(1, 2, nullptr);
+    EXPECT_EQ(kRefused, Ask(kQuestion));
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+    EXPECT_THAT(other->Calls(), IsEmpty());
+
+    // Every registration is made anew, without what was left of the old ones.
+    EXPECT_EQ(0, Register(8, other));
+    onKeyPress(3, 4, nullptr);
+    EXPECT_EQ(0, Register(1, other, 9));
+    Send(kEvent);
+    EXPECT_THAT(other->Calls(), ElementsAre("onKeyPress 3 4 0", "onApplicationEvent 1 17 -19 9"));
+}
+
+TEST_F(ApplicationManagerEvents, TheDeathOfAClientWithManyRegistrationsIsHandledOnceOrOften) {
+    EXPECT_EQ(0, Register(1, mClient));
+    EXPECT_EQ(0, Register(8, mClient));
+    EXPECT_EQ(0, Register(12, mClient) + 1);
+    const auto recipients = mClient->Linked();
+    ASSERT_EQ(3u, recipients.size());
+    recipients[0]->serviceDied(0, wp<IBase>(mClient.get()));
+    const sp<RecordingAIPCallback> next = new RecordingAIPCallback;
+    EXPECT_EQ(0, Register(8, next));
+    recipients[1]->serviceDied(0, wp<IBase>(mClient.get()));
+    recipients[2]->serviceDied(0, wp<IBase>(mClient.get()));
+    // Who has registered in the meantime is left alone.
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
+    onKeyPress(1, 2, nullptr);
+    EXPECT_THAT(next->Calls(), ElementsAre("onKeyPress 1 2 0"));
+}
+
+TEST_F(ApplicationManagerEvents, TheDeathOfAClientThatNobodyHoldsAnyMoreIsBorne) {
+    EXPECT_EQ(0, Register(8, mClient));
+    sp<RecordingAIPCallback> gone = new RecordingAIPCallback;
+    const wp<IBase> who(gone.get());
+    gone.clear();
+    ASSERT_EQ(nullptr, who.promote().get());
+    mLog.Clear();
+    mService->OnHidlClientDied(0, who);
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_ERROR, "cb is null"));
+    onKeyPress(1, 2, nullptr);
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    mService->OnHidlClientDied(0, wp<IBase>());
+    EXPECT_EQ(0, Register(8, mClient));
+    onKeyPress(3, 4, nullptr);
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 3 4 0"));
+}
+
+TEST_F(ApplicationManagerEvents, TheLateDeathNoticeOfAClientThatWasTakenBackIsNobodys) {
+    EXPECT_EQ(0, Register(8, mClient));
+    const auto recipient = mClient->Linked().at(0);
+    EXPECT_EQ(0, Unregister(8));
+    const sp<RecordingAIPCallback> next = new RecordingAIPCallback;
+    EXPECT_EQ(0, Register(8, next));
+    recipient->serviceDied(0, wp<IBase>(mClient.get()));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kDied));
+    onKeyPress(1, 2, nullptr);
+    EXPECT_THAT(next->Calls(), ElementsAre("onKeyPress 1 2 0"));
+}
+
+TEST_F(ApplicationManagerEvents, WithoutAnAdaptorNothingIsTakenBack) {
+    EXPECT_EQ(0, Register(8, mClient));
+    TolmApmAdaptorIpc::DeleteInstance();
+    const NoMemoryForAdaptors noMemory;
+    EXPECT_EQ(-1, Unregister(8));
+    EXPECT_EQ(-1, Register(9, mClient));
+    EXPECT_EQ(1u, mClient->Linked().size());
+    onKeyPress(1, 2, nullptr);
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 1 2 0"));
+    mClient->Die();
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    onKeyPress(3, 4, nullptr);
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 1 2 0"));
+}
+
+TEST_F(ApplicationManagerEvents, AServiceThatGoesDoesNotTakeItsSuccessorsPlace) {
+    sp<ApplicationManager> second = new ApplicationManager;
+    mService.clear();
+    EXPECT_EQ(0, static_cast<int32_t>(second->RegisterCallback(RecordingAIPCallback::Event::KEY_PRESS, mClient, 1)));
+    onKeyPress(1, 2, nullptr);
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 1 2 0"));
+}
+
+TEST_F(ApplicationManagerEvents, RegistrationsAndDeathsBesideEventsDoNotDisturbEachOther) {
+    constexpr int kTurns = 200;
+    std::atomic<bool> stop{false};
+    std::thread registrations([&] {
+        for (int i = 0; i < kTurns; ++i) {
+            const sp<RecordingAIPCallback> client = new RecordingAIPCallback;
+            EXPECT_EQ(0, Register(1, client));
+            EXPECT_EQ(0, Register(4, client));
+            client->Die();
+        }
+    });
+    std::thread others([&] {
+        while (!stop) {
+            const sp<RecordingAIPCallback> client = new RecordingAIPCallback;
+            EXPECT_EQ(0, Register(8, client));
+            onKeyPress(1, 2, nullptr);
+            EXPECT_EQ(0, Unregister(8));
+        }
+    });
+    for (int i = 0; i < kTurns; ++i) {
+        Send(kEvent);
+        EXPECT_NE("no reply", Ask(kQuestion));
+    }
+    registrations.join();
+    stop = true;
+    others.join();
+    EXPECT_EQ(0, Register(1, mClient, 5));
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onApplicationEvent 1 17 -19 5"));
+}
+
+}  // namespace hbbtv::test

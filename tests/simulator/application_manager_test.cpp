@@ -1,0 +1,467 @@
+// The application manager's requests and events: what it answers follows from what was done before.
+#include "television_with_browser.h"
+
+namespace hbbtv::test {
+namespace {
+
+enum Code {
+    kGetOwnerApp = 201,
+    kGetCurrentApp = 203,
+    kGetChildApps = 205,
+    kCreateApp = 207,
+    kDestroyApp = 209,
+    kShowApp = 210,
+    kHideApp = 211,
+    kGetValue = 220,
+    kGetOtherKeys = 222,
+    kGetMaxiMumValue = 224,
+    kGetMaxiMumOtherKeys = 226,
+    kSetValue = 232,
+    kGetKeyIcon = 233,
+    kGetKeyLabel = 235,
+    kSetDeviceResolution = 249,
+    kGetVBResouceAllowed = 251,
+    kSetBRAppToBI = 253,
+    kGetAppType = 260,
+    kSetBIAppToBR = 262,
+    kKeyConsumedByBrowser = 263,
+    kNotifyDSMCCResponseToAPM = 265
+};
+
+class ApplicationManager : public TelevisionWithBrowser {
+  protected:
+    void SetUp() override { TelevisionWithBrowser::Start(); }
+
+    static Members Id(int application, int organisation) { return {{"appid", application}, {"orgid", organisation}}; }
+
+    static Members With(Members members, const Members& more) {
+        members.insert(more.begin(), more.end());
+        return members;
+    }
+
+    Json::Value Create(const Members& creator, const std::string& url, int child = 0, int opapp = 0) {
+        return AskManager(kCreateApp, With(creator, {{"url", url}, {"child", child}, {"opapp", opapp}}));
+    }
+
+    std::string Current() {
+        const Json::Value reply = AskManager(kGetCurrentApp);
+        return reply["ret"] == 0 ? reply["orgid"].asString() + "." + reply["appid"].asString() : "none";
+    }
+
+    // The application 11.1 of the channel Red, in tab 3.
+    void StartRed() { TuneToTab(2, 3); }
+
+    const Members kStart = Id(1, 17);
+};
+
+TEST_F(ApplicationManager, KnowsNoApplicationWhenTheServiceAnnouncesNone) {
+    EXPECT_EQ(Current(), "none");
+    for (const int code :
+         {kGetOwnerApp, kGetChildApps, kGetValue, kGetOtherKeys, kGetMaxiMumValue, kGetMaxiMumOtherKeys}) {
+        const Json::Value reply = AskManager(code, kStart);
+        EXPECT_EQ(reply["ret"], -1) << code;
+        EXPECT_EQ(reply.size(), 1u) << code;
+    }
+    EXPECT_EQ(Create(kStart, "http://x.test/")["ret"], -1);
+    EXPECT_EQ(ManagerRet(kGetKeyIcon, With(kStart, {{"code", 403}})), -1);
+    EXPECT_EQ(ManagerRet(kGetKeyLabel, With(kStart, {{"code", 403}})), -1);
+    for (const int code : {kGetVBResouceAllowed, kGetAppType}) EXPECT_EQ(ManagerRet(code, {{"tabid", 3}}), -1);
+    EXPECT_EQ(ManagerRet(kKeyConsumedByBrowser, {{"tabid", 3}, {"keyCode", 403}}), -1);
+}
+
+TEST_F(ApplicationManager, RefusesUnknownIdsInOneWayRequestsWithALogLineAndNoReply) {
+    TellManager(kDestroyApp, kStart);
+    TellManager(kShowApp, kStart);
+    TellManager(kHideApp, kStart);
+    TellManager(kSetValue, With(kStart, {{"value", 1}, {"keynum", 0}}));
+    TellManager(kSetBRAppToBI, {{"tabid", 3}});
+    TellManager(kSetBIAppToBR, {{"tabid", 3}});
+    TellManager(kNotifyDSMCCResponseToAPM, {{"url", "dvb://1.1.5.17/index.html"}, {"path", "/tmp/x"}});
+    TellManager(kSetDeviceResolution, {{"width", 0u}, {"heigth", 0u}});
+    EXPECT_EQ(Current(), "none") << "the next reply is that of the next request";
+    ExpectSaid("no application 11.1 runs", 4);
+    ExpectSaid("there is no tab 3", 2);
+    ExpectSaid("no application waits for \"dvb://1.1.5.17/index.html\"", 1);
+    ExpectSaid("the screen has no size", 1);
+}
+
+TEST_F(ApplicationManager, StartsWhatTheServiceAnnouncesAndEndsItWithTheService) {
+    StartRed();
+    EXPECT_EQ(Current(), "17.1");
+    EXPECT_EQ(AppEntry("11.1"), "11.1 Start, broadcast-related, shown, keys 0x1f");
+    EXPECT_EQ(AppEntry("11.2"), "") << "only present";
+    Tell("zap 1");
+    EXPECT_EQ(Current(), "none");
+}
+
+TEST_F(ApplicationManager, KeepsAnApplicationThatIsNotBoundToTheService) {
+    TuneToTab(3, 1);
+    EXPECT_EQ(AppEntry("12.1f5"), "12.1f5 Library, broadcast-independent, shown, keys 0x1f");
+    Tell("zap 1");
+    EXPECT_EQ(Current(), "18.501");
+    Tell("zap 3");
+    EXPECT_EQ(Tell("stop 12.1f5"), "ok Library") << "it was not started a second time";
+    EXPECT_EQ(Current(), "none");
+}
+
+TEST_F(ApplicationManager, StartsNothingOnAServiceWithoutSignal) {
+    Tell("zap 7");
+    Tell("zap 2");
+    EXPECT_EQ(NextCommand().find("http://dark.test/"), std::string::npos);
+    EXPECT_EQ(Current(), "17.1");
+}
+
+TEST_F(ApplicationManager, GetOwnerAppGivesTheMakerOfAChildAndAnyOtherApplicationItself) {
+    StartRed();
+    Json::Value owner = AskManager(kGetOwnerApp, {{"appid", 1}});
+    EXPECT_EQ(owner["ret"], 0);
+    EXPECT_EQ(owner["appid"], 1);
+    EXPECT_EQ(owner["orgid"], 17);
+    const Json::Value child = Create(kStart, "http://red.test/child", 1);
+    owner = AskManager(kGetOwnerApp, {{"appid", child["appid"]}});
+    EXPECT_EQ(owner["ret"], 0);
+    EXPECT_EQ(owner["appid"], 1);
+    EXPECT_EQ(owner["orgid"], 17);
+    const Json::Value other = Create(kStart, "http://red.test/other", 0);
+    EXPECT_EQ(AskManager(kGetOwnerApp, {{"appid", other["appid"]}})["appid"], other["appid"]);
+    EXPECT_EQ(ManagerRet(kGetOwnerApp, {{"appid", 77}}), -1);
+}
+
+TEST_F(ApplicationManager, GetCurrentAppGivesTheTopmostOneThatIsShown) {
+    StartRed();
+    const Json::Value other = Create(kStart, "http://red.test/other");
+    const std::string second = "17." + other["appid"].asString();
+    EXPECT_EQ(Current(), "17.1") << "the new one is not shown yet";
+    TellManager(kShowApp, Id(other["appid"].asInt(), 17));
+    EXPECT_EQ(Current(), second);
+    TellManager(kShowApp, kStart);
+    EXPECT_EQ(Current(), "17.1");
+    TellManager(kHideApp, kStart);
+    EXPECT_EQ(Current(), second);
+    TellManager(kHideApp, Id(other["appid"].asInt(), 17));
+    EXPECT_EQ(Current(), "17.1") << "the topmost one when none is shown";
+    TellManager(kDestroyApp, kStart);
+    EXPECT_EQ(Current(), second);
+}
+
+TEST_F(ApplicationManager, GetChildAppsGivesFieldsOf16Characters) {
+    StartRed();
+    Json::Value reply = AskManager(kGetChildApps, kStart);
+    EXPECT_EQ(reply["ret"], 0);
+    EXPECT_EQ(reply["appNum"], 0);
+    EXPECT_EQ(reply["appidArray"], "");
+    EXPECT_EQ(reply["orgidArray"], "");
+    const int first = Create(kStart, "http://red.test/1", 1)["appid"].asInt();
+    EXPECT_EQ(Create(kStart, "dvb://current.ait/11.2", 1)["appid"], 2);
+    Create(kStart, "http://red.test/no-child", 0);
+    reply = AskManager(kGetChildApps, kStart);
+    EXPECT_EQ(reply["appNum"], 2);
+    EXPECT_EQ(first, 32768);
+    EXPECT_EQ(reply["appidArray"], "           32768               2");
+    EXPECT_EQ(reply["orgidArray"], "              17              17");
+}
+
+TEST_F(ApplicationManager, CreateAppGivesNewNumbersOfTheMakersOrganisation) {
+    StartRed();
+    const Json::Value first = Create(kStart, "http://red.test/a");
+    const Json::Value second = Create(kStart, "http://red.test/b", 0, 1);
+    EXPECT_EQ(first["ret"], 0);
+    EXPECT_EQ(first["orgid"], 17);
+    EXPECT_EQ(second["orgid"], 17);
+    EXPECT_NE(first["appid"], second["appid"]);
+    EXPECT_EQ(AppEntry("11.8000"), "11.8000 http://red.test/a, broadcast-related, hidden, keys 0x1f");
+    EXPECT_EQ(AppEntry("11.8001"), "11.8001 http://red.test/b, operator, hidden, keys 0x1f");
+}
+
+TEST_F(ApplicationManager, CreateAppForNobodyMakesABroadcastIndependentApplication) {
+    const Json::Value reply = Create(Id(-1, -1), "http://portal.test/?autoshow=1");
+    EXPECT_EQ(reply["ret"], 0);
+    EXPECT_EQ(reply["orgid"], 0);
+    EXPECT_EQ(AppEntry("0.8000"), "0.8000 http://portal.test/?autoshow=1, broadcast-independent, shown, keys 0x1f");
+    EXPECT_EQ(NextCommand(),
+              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=false "
+              "url=\"http://portal.test/?autoshow=1\"");
+}
+
+TEST_F(ApplicationManager, CreateAppFindsAnnouncedApplicationsByTheirSignalledUrl) {
+    StartRed();
+    const Json::Value text = Create(kStart, "dvb://current.ait/11.2?autoshow=1");
+    EXPECT_EQ(text["ret"], 0);
+    EXPECT_EQ(text["appid"], 2);
+    EXPECT_EQ(text["orgid"], 17);
+    EXPECT_EQ(AppEntry("11.2"), "11.2 Text, broadcast-related, shown, keys 0x500 TELETEXT");
+    EXPECT_EQ(NextCommand(),
+              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true "
+              "url=\"http://red.test/text?a=b&autoshow=1\"");
+    Reply(R"({"ret": 0, "tabid": 4})");
+    EXPECT_EQ(Create(kStart, "dvb://current.ait/11.2")["ret"], -1) << "it runs already";
+}
+
+TEST_F(ApplicationManager, CreateAppRefusesWhatItCannotMake) {
+    StartRed();
+    for (const char* url : {"", "page.html", "://x", "dvb://current.ait/", "dvb://current.ait/11",
+                            "dvb://current.ait/x.y", "dvb://current.ait/12.1f5", "dvb://current.ait/1111111111.1"}) {
+        EXPECT_EQ(Create(kStart, url)["ret"], -1) << url;
+    }
+    EXPECT_EQ(Create(kStart, "http://red.test/" + std::string(4096, 'x'))["ret"], -1);
+    EXPECT_EQ(Create(Id(-1, -1), "http://x.test/", 1)["ret"], -1) << "a child of nobody";
+    EXPECT_EQ(Create(Id(-1, 17), "http://x.test/")["ret"], -1);
+    EXPECT_EQ(Create(kStart, "http://x.test/", 2)["ret"], -1);
+    EXPECT_EQ(Create(kStart, "http://x.test/", 0, -1)["ret"], -1);
+    EXPECT_EQ(ManagerRet(kCreateApp, kStart), -1);
+}
+
+TEST_F(ApplicationManager, CreateAppRefusesTheSixtyFifthApplication) {
+    StartRed();
+    for (int i = 0; i < 63; ++i) ASSERT_EQ(Create(kStart, "http://red.test/")["ret"], 0) << i;
+    EXPECT_EQ(Create(kStart, "http://red.test/")["ret"], -1);
+    ExpectSaid("too many applications run", 1);
+}
+
+TEST_F(ApplicationManager, DestroyAppEndsTheChildrenToo) {
+    StartRed();
+    const int child = Create(kStart, "http://red.test/child", 1)["appid"].asInt();
+    Create(Id(child, 17), "http://red.test/grandchild", 1);
+    TellManager(kDestroyApp, kStart);
+    EXPECT_EQ(Current(), "none");
+    EXPECT_EQ(Tell("apps"), "ok screen 1920x1080");
+}
+
+TEST_F(ApplicationManager, SetValueKeepsTheKeySetsThatTheRemoteControlHas) {
+    StartRed();
+    EXPECT_EQ(AskManager(kGetValue, kStart)["value"], 0x1f);
+    EXPECT_EQ(AskManager(kGetOtherKeys, kStart)["num"], 0);
+    TellManager(kSetValue, With(kStart, {{"value", 0x7ff}, {"keynum", 3}, {"k0", 459}, {"k1", 999}, {"k2", 416}}));
+    EXPECT_EQ(AskManager(kGetValue, kStart)["value"], 0x53f) << "no SCROLL, INFO and ALPHA";
+    const Json::Value others = AskManager(kGetOtherKeys, kStart);
+    EXPECT_EQ(others["ret"], 0);
+    EXPECT_EQ(others["num"], 2);
+    EXPECT_EQ(others["k0"], 459);
+    EXPECT_EQ(others["k1"], 416);
+    EXPECT_FALSE(others.isMember("k2"));
+    TellManager(kSetValue, With(kStart, {{"value", 0x1}, {"keynum", 1}, {"k0", 459}}));
+    EXPECT_EQ(AskManager(kGetValue, kStart)["value"], 0x1);
+    EXPECT_EQ(AskManager(kGetOtherKeys, kStart)["num"], 0) << "without OTHER there are no other keys";
+}
+
+TEST_F(ApplicationManager, SetValueReadsNumberedMembersOfThreeCharacters) {
+    StartRed();
+    Members members = With(kStart, {{"value", 0x400}, {"keynum", 111}});
+    for (int i = 0; i < 100; ++i) members["k" + std::to_string(i)] = 1;
+    members["k10"] = 459;
+    members["k11"] = 416;
+    TellManager(kSetValue, members);  // 100 to 109 are k10, 110 is k11
+    const Json::Value others = AskManager(kGetOtherKeys, kStart);
+    EXPECT_EQ(others["num"], 2);
+    EXPECT_EQ(others["k0"], 459);
+    EXPECT_EQ(others["k1"], 416);
+}
+
+TEST_F(ApplicationManager, SetValueIsRefusedAndChangesNothingWhenItMakesNoSense) {
+    StartRed();
+    TellManager(kSetValue, With(kStart, {{"value", 1}, {"keynum", -1}}));
+    TellManager(kSetValue, With(kStart, {{"value", 1}, {"keynum", 257}}));
+    TellManager(kSetValue, With(kStart, {{"value", 1}, {"keynum", 2147483647}}));
+    TellManager(kSetValue, With(kStart, {{"value", 1}, {"keynum", 2}, {"k0", 459}}));
+    TellManager(kSetValue, With(kStart, {{"value", 1}, {"keynum", 1}, {"k0", "459"}}));
+    TellManager(kSetValue, With(kStart, {{"keynum", 0}}));
+    EXPECT_EQ(AskManager(kGetValue, kStart)["value"], 0x1f);
+    ExpectSaid("SetValue refused", 6);
+}
+
+TEST_F(ApplicationManager, GivesTheKeysThatAnApplicationCanHaveAtMost) {
+    StartRed();
+    const Json::Value sets = AskManager(kGetMaxiMumValue, kStart);
+    EXPECT_EQ(sets["ret"], 0);
+    EXPECT_EQ(sets["maxvalue"], 0x53f);
+    const Json::Value keys = AskManager(kGetMaxiMumOtherKeys, kStart);
+    EXPECT_EQ(keys["ret"], 0);
+    EXPECT_EQ(keys["num"], 2);
+    EXPECT_EQ(keys["k0"], 416);
+    EXPECT_EQ(keys["k1"], 459);
+}
+
+TEST_F(ApplicationManager, GivesIconAndLabelOfTheKeysOfTheRemoteControl) {
+    StartRed();
+    EXPECT_EQ(AskManager(kGetKeyIcon, With(kStart, {{"code", 403}}))["pointer"], "file:///usr/share/tv/keys/RED.png");
+    EXPECT_EQ(AskManager(kGetKeyLabel, With(kStart, {{"code", 13}}))["label"], "OK");
+    EXPECT_EQ(ManagerRet(kGetKeyIcon, With(kStart, {{"code", 1}})), -1);
+    EXPECT_EQ(ManagerRet(kGetKeyLabel, With(kStart, {{"code", 1}})), -1);
+    EXPECT_EQ(ManagerRet(kGetKeyLabel, kStart), -1);
+}
+
+TEST_F(ApplicationManager, SetDeviceResolutionIsKept) {
+    TellManager(kSetDeviceResolution, {{"width", 1280u}, {"heigth", 720u}});
+    TellManager(kSetDeviceResolution, {{"width", 3840u}, {"height", 2160u}});
+    EXPECT_EQ(Current(), "none");
+    EXPECT_EQ(Tell("apps"), "ok screen 1280x720");
+    ExpectSaid("SetDeviceResolution refused: member \"heigth\" is missing", 1);
+}
+
+TEST_F(ApplicationManager, TheTypeOfATabsApplicationDecidesWhetherItMayUseTheBroadcast) {
+    StartRed();
+    EXPECT_EQ(AskManager(kGetAppType, {{"tabid", 3}})["appType"], 0);
+    EXPECT_EQ(AskManager(kGetVBResouceAllowed, {{"tabid", 3}})["allowed"], 1);
+    EXPECT_EQ(Tell("tuner taken"), "ok");
+    EXPECT_EQ(AskManager(kGetVBResouceAllowed, {{"tabid", 3}})["allowed"], 0);
+    EXPECT_EQ(Tell("tuner free"), "ok");
+    TellManager(kSetBRAppToBI, {{"tabid", 3}});
+    EXPECT_EQ(AskManager(kGetAppType, {{"tabid", 3}})["appType"], 1);
+    EXPECT_EQ(AskManager(kGetVBResouceAllowed, {{"tabid", 3}})["allowed"], 0);
+    EXPECT_EQ(NextCommand(), "SetAppConfig isBR=false tabid=3");
+    Tell("zap 1");
+    EXPECT_EQ(Current(), "17.1") << "it is not bound to the service any longer";
+    TellManager(kSetBIAppToBR, {{"tabid", 3}});
+    EXPECT_EQ(AskManager(kGetAppType, {{"tabid", 3}})["appType"], 0);
+    EXPECT_EQ(AskManager(kGetVBResouceAllowed, {{"tabid", 3}})["allowed"], 1);
+    EXPECT_EQ(NextCommand(), "SetAppConfig isBR=true tabid=3");
+    EXPECT_EQ(NextCommand(), "SetDvbOrigin origin=\"dvb://1.1.1\" tabid=3");
+    Tell("zap 2");
+    EXPECT_EQ(NextCommand(), "DestroyApp tabid=3") << "it was bound to the other service";
+}
+
+TEST_F(ApplicationManager, AnOperatorApplicationHasATypeOfItsOwn) {
+    EXPECT_EQ(Create(Id(-1, -1), "http://operator.test/", 0, 1)["ret"], 0);
+    EXPECT_EQ(NextCommand(),
+              "CreateApp appMode=\"opapp\" auto_show=false boundaries=[] isBr=false url=\"http://operator.test/\"");
+    Reply(R"({"ret": 0, "tabid": 9})");
+    FillTab(9);
+    EXPECT_EQ(AskManager(kGetAppType, {{"tabid", 9}})["appType"], 2);
+    EXPECT_EQ(AskManager(kGetVBResouceAllowed, {{"tabid", 9}})["allowed"], 1);
+}
+
+TEST_F(ApplicationManager, KeyConsumedByBrowserFollowsTheKeySetsAndWhetherTheApplicationIsShown) {
+    StartRed();
+    const auto consumed = [&](int code) {
+        return AskManager(kKeyConsumedByBrowser, {{"tabid", 3}, {"keyCode", code}})["consumed"].asInt();
+    };
+    EXPECT_EQ(consumed(403), 1);
+    EXPECT_EQ(consumed(48), 0) << "digits were not asked for";
+    EXPECT_EQ(consumed(12345), 0);
+    TellManager(kSetValue, With(kStart, {{"value", 0x500}, {"keynum", 1}, {"k0", 459}}));
+    EXPECT_EQ(consumed(403), 0);
+    EXPECT_EQ(consumed(48), 1);
+    EXPECT_EQ(consumed(459), 1);
+    EXPECT_EQ(consumed(416), 0);
+    TellManager(kHideApp, kStart);
+    EXPECT_EQ(consumed(48), 0);
+}
+
+TEST_F(ApplicationManager, AnApplicationOfTheBroadcastIsLoadedWhenItsFileIsThere) {
+    Tell("zap 5");
+    EXPECT_TRUE(WaitFor([&] { return AppEntry("14.1").find("waits for its file") != std::string::npos; }));
+    TellManager(kNotifyDSMCCResponseToAPM, {{"url", "dvb://1.1.5.17/other.html"}, {"path", "/tmp/other"}});
+    TellManager(kNotifyDSMCCResponseToAPM, {{"url", "dvb://1.1.5.17/index.html"}, {"path", "/tmp/dsmcc/index.html"}});
+    EXPECT_EQ(NextCommand(),
+              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true "
+              "url=\"file:///tmp/dsmcc/index.html\"");
+    Reply(R"({"ret": 0, "tabid": 1})");
+    FillTab(1);
+    TellManager(kNotifyDSMCCResponseToAPM, {{"url", "dvb://1.1.5.17/index.html"}, {"path", "/tmp/again"}});
+    EXPECT_EQ(Current(), "20.1");
+    ExpectSaid("no application waits for \"dvb://1.1.5.17/index.html\"", 1);  // it has its file
+}
+
+TEST_F(ApplicationManager, TellsOfAnApplicationOnceItsPageIsLoaded) {
+    StartRed();
+    EXPECT_EQ(NextManagerEvent(), "270 bValue=0 isDestroy=0") << "the picture shares the screen now";
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(Notify(12, {{"tabid", 3}, {"url", "http://red.test/"}}), 0);
+    EXPECT_EQ(NextManagerEvent(), "237 appid=1 orgid=17");
+    TellManager(kHideApp, kStart);
+    EXPECT_EQ(NextManagerEvent(), "270 bValue=1 isDestroy=0");
+    TellManager(kShowApp, kStart);
+    EXPECT_EQ(NextManagerEvent(), "270 bValue=0 isDestroy=0");
+    TellManager(kDestroyApp, kStart);
+    EXPECT_EQ(NextManagerEvent(), "270 bValue=1 isDestroy=1");
+}
+
+TEST_F(ApplicationManager, AsksTheParentalRatingForAnApplicationWithAMinimumAge) {
+    Tell("zap 4");
+    EXPECT_EQ(NextManagerEvent(), "270 bValue=0 isDestroy=0");
+    EXPECT_EQ(NextManagerEvent(), "271 countryCode=\"DEU\"");
+    EXPECT_EQ(AppEntry("13.7"), "13.7 Night, broadcast-related, shown, keys 0x1f, waits for the parental rating");
+    mManagerEvents->Reply(R"({"parentalRating": 0, "ret": 0})");
+    EXPECT_EQ(NextCommand(),
+              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true url=\"http://late.test/\"");
+}
+
+class ParentalRating : public ApplicationManager, public testing::WithParamInterface<std::pair<const char*, bool>> {};
+
+TEST_P(ParentalRating, DecidesWhetherTheApplicationFrom16YearsOnRuns) {
+    Tell("zap 4");
+    NextManagerEvent();
+    EXPECT_EQ(NextManagerEvent(), "271 countryCode=\"DEU\"");
+    mManagerEvents->Reply(GetParam().first);
+    if (GetParam().second) {
+        EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
+        ExpectSaid("forbids it", 0);
+    } else {
+        EXPECT_TRUE(mSimulator->WaitForOutput("Night is for those from 16 on, and the rating 12 forbids it"));
+        EXPECT_EQ(Current(), "none");
+        Tell("zap 2");
+        EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos) << "nothing came for the other one";
+    }
+}
+
+// The rating descriptor's number is the age less 3; 0 and those above 15 say nothing.
+INSTANTIATE_TEST_SUITE_P(Every, ParentalRating,
+                         testing::Values(std::make_pair(R"({"parentalRating": 13, "ret": 0})", true),
+                                         std::make_pair(R"({"parentalRating": 12, "ret": 0})", false),
+                                         std::make_pair(R"({"parentalRating": 0, "ret": 0})", true),
+                                         std::make_pair(R"({"parentalRating": 16, "ret": 0})", true),
+                                         std::make_pair(R"({"parentalRating": -5, "ret": 0})", true),
+                                         std::make_pair(R"({"parentalRating": "12", "ret": 0})", true),
+                                         std::make_pair(R"({"parentalRating": 12, "ret": -1})", true),
+                                         std::make_pair(R"({"ret": -1})", true), std::make_pair("null", true),
+                                         std::make_pair("[]", true), std::make_pair("nonsense", true)));
+
+TEST_F(ApplicationManager, StartsAnApplicationWithAMinimumAgeAlsoWhenNobodyKnowsTheRating) {
+    mManagerEvents.reset();
+    Tell("zap 4");
+    EXPECT_EQ(NextCommand(),
+              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true url=\"http://late.test/\"");
+}
+
+TEST_F(ApplicationManager, AnApplicationThatEndedBeforeItsRatingCameStaysEnded) {
+    Tell("zap 4");
+    NextManagerEvent();
+    EXPECT_EQ(NextManagerEvent(), "271 countryCode=\"DEU\"");
+    Tell("zap 2");
+    mManagerEvents->Reply(R"({"parentalRating": 0, "ret": 0})");
+    EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);
+    EXPECT_EQ(Current(), "17.1");
+}
+
+TEST_F(ApplicationManager, IsToldByHand) {
+    StartRed();
+    const std::map<std::string, std::string> answers{{"start 11.2", "ok Text"},
+                                                     {"start 11.1", "error: the application 11.1 runs already"},
+                                                     {"start 99.1", "error: the service announces no application 99.1"},
+                                                     {"start", "error: usage: start ORGANISATION.APPLICATION"},
+                                                     {"start 11", "error: usage: start ORGANISATION.APPLICATION"},
+                                                     {"stop 99.1", "error: no application 99.1 runs"},
+                                                     {"stop x.y", "error: usage: stop ORGANISATION.APPLICATION"},
+                                                     {"apps now", "error: usage: apps"}};
+    for (const auto& entry : answers) EXPECT_EQ(Tell(entry.first), entry.second);
+    EXPECT_EQ(Tell("apps"),
+              "ok screen 1920x1080; 11.1 Start, broadcast-related, shown, keys 0x1f; "
+              "11.2 Text, broadcast-related, shown, keys 0x500 TELETEXT");
+    EXPECT_EQ(Tell("stop 11.2"), "ok Text");
+    EXPECT_EQ(Current(), "17.1");
+}
+
+TEST_F(ApplicationManager, EveryRequestWithoutItsMembersIsRefusedAndNoneEndsTheProcess) {
+    StartRed();
+    for (int code = 195; code < 275; ++code) EXPECT_EQ(ManagerRet(code), code == kGetCurrentApp ? 0 : -1) << code;
+    for (const char* text : {"", "nonsense", "null", "[]", "{}", R"({"t": "201"})", R"({"t": 1e99})",
+                             R"({"t": 201, "appid": "1"})", R"({"t": 220, "appid": {}, "orgid": []})"}) {
+        mManager->Send(2, 1, text);
+        const auto reply = mManager->Receive();
+        ASSERT_TRUE(reply.has_value()) << text;
+        EXPECT_EQ(Parsed(reply->text)["ret"], -1) << text;
+    }
+    EXPECT_EQ(Current(), "17.1");
+}
+
+}  // namespace
+}  // namespace hbbtv::test

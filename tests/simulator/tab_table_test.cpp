@@ -1,0 +1,158 @@
+// What the browser tells about its tabs, notification by notification, and what the television makes of it.
+#include "television_with_browser.h"
+
+namespace hbbtv::test {
+namespace {
+
+class TabTable : public TelevisionWithBrowser {
+  protected:
+    void SetUp() override { TelevisionWithBrowser::Start(); }
+
+    // The part of the table that is about the whole browser.
+    std::string Head() {
+        const std::string table = Tell("tabs");
+        return table.substr(0, table.find(';'));
+    }
+};
+
+TEST_F(TabTable, TabsComeAndGoAsTheBrowserSays) {
+    EXPECT_EQ(Tell("tabs"), "ok browser not asked, status 0, memory 0");
+    EXPECT_EQ(Notify(0, {{"tabid", 7}}), 0);
+    EXPECT_EQ(Notify(0, {{"tabid", 7}}), 0) << "told twice";
+    EXPECT_EQ(Notify(0, {{"tabid", 0}}), 0);
+    EXPECT_EQ(Tell("tabs"),
+              "ok browser there, status 0, memory 0; tab 0: no application, empty, hidden; "
+              "tab 7: no application, empty, hidden");
+    EXPECT_EQ(Notify(1, {{"tabid", 7}}), 0);
+    EXPECT_EQ(TabEntry(7), "");
+    EXPECT_EQ(Notify(0, {{"tabid", 8}}), 0);
+    EXPECT_EQ(Notify(3), 0);
+    EXPECT_EQ(Tell("tabs"), "ok browser there, status 0, memory 0");
+    EXPECT_EQ(Tell("tabs 3"), "error: usage: tabs");
+}
+
+TEST_F(TabTable, ATabIsShownHiddenAndFocused) {
+    for (const int tab : {1, 2}) EXPECT_EQ(Notify(0, {{"tabid", tab}}), 0);
+    EXPECT_EQ(Notify(6, {{"tabid", 1}}), 0);
+    EXPECT_EQ(Notify(4, {{"tabid", 1}}), 0);
+    EXPECT_EQ(TabEntry(1), "tab 1: no application, empty, shown, focused");
+    EXPECT_EQ(Notify(4, {{"tabid", 2}}), 0);
+    EXPECT_EQ(Notify(5, {{"tabid", 1}}), 0);
+    EXPECT_EQ(TabEntry(1), "tab 1: no application, empty, hidden");
+    EXPECT_EQ(TabEntry(2), "tab 2: no application, empty, hidden, focused");
+}
+
+TEST_F(TabTable, TheLoadingStateHasTheCodeOfTabShowAndNoTab) {
+    EXPECT_EQ(Notify(6, {{"is_loading", true}, {"can_back", true}, {"can_forward", false}}), 0);
+    EXPECT_EQ(Head(), "ok browser there, status 0, memory 0, loading, can go back");
+    EXPECT_EQ(Notify(6, {{"is_loading", false}, {"can_back", false}, {"can_forward", true}}), 0);
+    EXPECT_EQ(Head(), "ok browser there, status 0, memory 0, can go forward");
+    EXPECT_EQ(Notify(6, {{"is_loading", true}, {"can_back", true}, {"can_forward", 1}}), -1);
+    EXPECT_EQ(Head(), "ok browser there, status 0, memory 0, can go forward") << "nothing of it was taken";
+}
+
+TEST_F(TabTable, APageLoadsAndIsShownWithItsTitleAndUrl) {
+    EXPECT_EQ(Notify(0, {{"tabid", 1}}), 0);
+    EXPECT_EQ(Notify(9, {{"tabid", 1}, {"progress", 0.5}}), 0);
+    EXPECT_EQ(TabEntry(1), "tab 1: no application, loading (0.5), hidden");
+    EXPECT_EQ(Notify(8, {{"tabid", 1}, {"url", "http://a.test/address"}}), 0);
+    EXPECT_EQ(Notify(10, {{"tabid", 1}, {"title", "A \"title\""}}), 0);
+    EXPECT_EQ(Notify(11, {{"tabid", 1}, {"title", "http://a.test/url"}}), 0) << "the url comes as the title";
+    EXPECT_EQ(Notify(33, {{"tabid", 1}}), 0);
+    EXPECT_EQ(TabEntry(1),
+              "tab 1: no application, loading (0.5), document, hidden, title \"A \"title\"\", url http://a.test/url, "
+              "address http://a.test/address");
+    EXPECT_EQ(Notify(9, {{"tabid", 1}, {"progress", 1}}), 0);
+    EXPECT_EQ(Notify(12, {{"tabid", 1}, {"url", "http://a.test/end"}}), 0);
+    EXPECT_EQ(TabEntry(1).find("tab 1: no application, loaded, document, hidden"), 0u);
+    EXPECT_NE(TabEntry(1).find("url http://a.test/end"), std::string::npos);
+}
+
+TEST_F(TabTable, APageThatCannotBeLoadedSaysWhyAndItsApplicationStays) {
+    TuneToTab(2, 3);
+    EXPECT_EQ(Notify(13, {{"tabid", 3}, {"url", "http://red.test/"}, {"error_code", -105}, {"description", "no name"}}),
+              0);
+    EXPECT_EQ(TabEntry(3),
+              "tab 3: Start (11.1), failed (-105 no name), hidden, url http://red.test/, render process 1003");
+    EXPECT_NE(AppEntry("11.1"), "");
+}
+
+TEST_F(TabTable, TheBrowsersMemoryAndThatOfATabAreKept) {
+    EXPECT_EQ(Notify(14, {{"mem_status", 2}}), 0);
+    EXPECT_EQ(Head(), "ok browser there, status 0, memory 2");
+    EXPECT_EQ(Notify(0, {{"tabid", 1}}), 0);
+    EXPECT_EQ(Notify(15, {{"tabid", 1}, {"level", 4}}), 0);
+    EXPECT_EQ(TabEntry(1), "tab 1: no application, empty, hidden, memory level 4");
+}
+
+TEST_F(TabTable, ATabWithoutMemoryHasCrashedAndItsApplicationEnds) {
+    TuneToTab(2, 3);
+    EXPECT_EQ(Notify(16, {{"tabid", 3}}), 0);
+    EXPECT_EQ(NextCommand(), "DestroyApp tabid=3");
+    EXPECT_EQ(AppEntry("11.1"), "");
+    EXPECT_EQ(TabEntry(3), "tab 3: Start (11.1), crashed, hidden, render process 1003");
+    EXPECT_EQ(Notify(1, {{"tabid", 3}}), 0);
+    EXPECT_EQ(TabEntry(3), "");
+}
+
+TEST_F(TabTable, APageThatWantsToBeClosedIsAndItsApplicationEnds) {
+    TuneToTab(2, 3);
+    EXPECT_EQ(Notify(2, {{"tabid", 3}}), 0);
+    EXPECT_EQ(NextCommand(), "DestroyApp tabid=3");
+    EXPECT_EQ(AppEntry("11.1"), "");
+    EXPECT_EQ(Notify(0, {{"tabid", 9}}), 0);
+    EXPECT_EQ(Notify(2, {{"tabid", 9}}), 0);
+    EXPECT_EQ(NextCommand(), "DestroyApp tabid=9") << "also one without an application";
+}
+
+TEST_F(TabTable, AnApplicationEndsWhenItsTabGoes) {
+    TuneToTab(2, 3);
+    EXPECT_EQ(Notify(1, {{"tabid", 3}}), 0);
+    EXPECT_EQ(AppEntry("11.1"), "");
+    Tell("zap 1");
+    TuneToTab(2, 4);
+    EXPECT_EQ(Notify(3), 0);
+    EXPECT_EQ(AppEntry("11.1"), "");
+    EXPECT_EQ(Tell("tabs"), "ok browser there, status 0, memory 0");
+}
+
+TEST_F(TabTable, UnknownTabsAreRefused) {
+    const Members text{{"tabid", 5},         {"url", "u"},      {"title", "t"}, {"error_code", 1},
+                       {"description", "d"}, {"progress", 0.1}, {"level", 1}};
+    for (const int method : {1, 2, 4, 5, 6, 8, 9, 10, 11, 12, 13, 15, 16, 33}) EXPECT_EQ(Notify(method, text), -1);
+    EXPECT_EQ(Notify(0, {{"tabid", -1}}), -1);
+    EXPECT_EQ(Tell("tabs"), "ok browser there, status 0, memory 0");
+}
+
+TEST_F(TabTable, TheTwoHundredFiftySeventhTabIsRefused) {
+    for (int tab = 0; tab < 256; ++tab) ASSERT_EQ(Notify(0, {{"tabid", tab}}), 0) << tab;
+    EXPECT_EQ(Notify(0, {{"tabid", 256}}), -1);
+    EXPECT_EQ(Notify(0, {{"tabid", 255}}), 0) << "a known one";
+}
+
+TEST_F(TabTable, EveryNotificationWithoutItsMembersIsRefusedAndNoneEndsTheProcess) {
+    for (int method = -1; method < 40; ++method) EXPECT_EQ(Notify(method), method == 3 ? 0 : -1) << method;
+    EXPECT_EQ(Notify(0, {{"tabid", 1}}), 0);
+    for (const int method : {8, 9, 10, 11, 12, 13, 15}) EXPECT_EQ(Notify(method, {{"tabid", 1}}), -1) << method;
+    for (const char* text : {"", "nonsense", "null", "[]", "{}", R"({"type": 0})", R"({"type": 1, "method": 3})",
+                             R"({"type": "0", "method": 3})", R"({"type": 0, "method": 0, "tabid": "1"})"}) {
+        mTabs->Send(2, 1, text);
+        const auto reply = mTabs->Receive();
+        ASSERT_TRUE(reply.has_value()) << text;
+        EXPECT_EQ(Parsed(reply->text)["ret"], -1) << text;
+    }
+    EXPECT_EQ(TabEntry(1), "tab 1: no application, empty, hidden");
+}
+
+TEST_F(TabTable, OddTextsAndNumbersAreKeptShortAndPrintable) {
+    EXPECT_EQ(Notify(0, {{"tabid", 1}}), 0);
+    EXPECT_EQ(Notify(10, {{"tabid", 1}, {"title", std::string(1000000, 'x')}}), 0);
+    EXPECT_EQ(TabEntry(1), "tab 1: no application, empty, hidden, title \"" + std::string(60, 'x') + "...\"");
+    EXPECT_EQ(Notify(10, {{"tabid", 1}, {"title", "a\nb\x01K\xc3\xb6ln"}}), 0);
+    EXPECT_EQ(TabEntry(1), "tab 1: no application, empty, hidden, title \"a.b.K..ln\"");
+    EXPECT_EQ(Notify(9, {{"tabid", 1}, {"progress", -1e300}}), 0);
+    EXPECT_EQ(TabEntry(1).find("tab 1: no application, loading (-1"), 0u);
+}
+
+}  // namespace
+}  // namespace hbbtv::test

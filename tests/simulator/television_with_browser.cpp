@@ -1,0 +1,195 @@
+// The fixture with a browser: see television_with_browser.h.
+#include "television_with_browser.h"
+
+#include <json/writer.h>
+
+namespace hbbtv::test {
+
+namespace {
+
+std::string Channel(int number, const std::string& name, const std::string& applications,
+                    const std::string& more = "") {
+    const std::string text = std::to_string(number);
+    return R"({"name": ")" + name + R"(", "network": "sat", "onid": 1, "tsid": 1, "sid": )" + text +
+           R"(, "type": "TV", "number": )" + text + more +
+           R"(, "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}],)" +
+           R"("applications": [)" + applications + "]}";
+}
+
+std::string LineUp() {
+    return R"({"networks": [{"id": "sat", "name": "Satellite", "delivery": "DVB_S", "nid": 1}], "services": [)" +
+           Channel(1, "Plain", "") + "," +
+           Channel(2, "Red",
+                   R"({"name": "Start", "organisation": 17, "application": 1, "control": "autostart",
+                       "url": "http://red.test/", "boundaries": ["http://red.test/", "https://red.test/"]},
+                      {"name": "Text", "organisation": 17, "application": 2, "control": "present",
+                       "url": "http://red.test/text?a=b", "keySets": ["NUMERIC"], "otherKeys": ["TELETEXT"]})") +
+           "," +
+           Channel(3, "Free",
+                   R"({"name": "Library", "organisation": 18, "application": 501, "control": "autostart",
+                       "url": "https://free.test/", "boundToService": false})") +
+           "," +
+           Channel(4, "Late",
+                   R"({"name": "Night", "organisation": 19, "application": 7, "control": "autostart",
+                       "url": "http://late.test/", "minimumAge": 16})") +
+           "," +
+           Channel(5, "Carousel",
+                   R"({"name": "Broadcast", "organisation": 20, "application": 1, "control": "autostart",
+                       "url": "dvb://1.1.5.17/index.html"})") +
+           "," +
+           Channel(6, "Xml",
+                   R"({"name": "Signalled", "organisation": 21, "application": 1, "control": "autostart",
+                       "url": "http://xml.test/ait.aitx"})") +
+           "," +
+           Channel(7, "Dark",
+                   R"({"name": "Unseen", "organisation": 22, "application": 1, "control": "autostart",
+                       "url": "http://dark.test/"})",
+                   R"(, "reception": "none")") +
+           "]}";
+}
+
+const std::map<int, std::string> kCommandNames{
+    {21, "SetAppConfig"},   {22, "SetDvbOrigin"},       {23, "CreateApp"}, {24, "DestroyApp"},
+    {25, "DestroyAllApps"}, {26, "ShowHideTab"},        {27, "SendKey"},   {28, "GetXmlFile"},
+    {30, "LoadURLInTab"},   {32, "GetRenderProcessId"}, {34, "Ping"}};
+
+std::string WithMembers(std::string text, Json::Value document, const std::string& code) {
+    document.removeMember("type");
+    document.removeMember(code);
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    for (const std::string& name : document.getMemberNames()) {
+        text += " " + name + "=" + Json::writeString(builder, document[name]);
+    }
+    return text;
+}
+
+std::string Entry(const std::string& table, const std::string& start) {
+    const size_t begin = table.find("; " + start);
+    if (begin == std::string::npos) return "";
+    return table.substr(begin + 2, table.find(';', begin + 2) - begin - 2);
+}
+
+}  // namespace
+
+void TelevisionWithBrowser::Start(const std::string& ping) {
+    const std::string lineUp = mDirectory / "applications.json";
+    WriteFile(lineUp, LineUp());
+    mSimulator = Launch({"--line-up", lineUp, "--tune-time", "0ms", "--ping-interval", ping});
+    ASSERT_TRUE(mSimulator->WaitForOutput("ready\n")) << mSimulator->Output();
+    mManager = std::make_unique<RawClient>(mDirectory / "service_plugin_to_hbbtv_apm");
+    mTabs = std::make_unique<RawClient>(mDirectory / "service_mtm_to_hbbtv");
+    ASSERT_TRUE(mManager->Connected());
+    ASSERT_TRUE(mTabs->Connected());
+    ServeApplicationEvents();
+    ServeBrowser();
+}
+
+void TelevisionWithBrowser::ServeApplicationEvents() {
+    mManagerEvents = std::make_unique<LibraryStandIn>(mDirectory / "service_hbbtv_to_plugin_apm");
+}
+
+Json::Value TelevisionWithBrowser::AskManager(int code, const Members& members) {
+    Json::Value request;
+    request["t"] = static_cast<unsigned>(code);
+    for (const auto& member : members) request[member.first] = member.second;
+    mManager->Send(2, 1, request.toStyledString());
+    const auto reply = mManager->Receive();
+    if (!reply) {
+        ADD_FAILURE() << "no reply to " << code << "\n" << mSimulator->Output();
+        return Json::Value(Json::objectValue);
+    }
+    EXPECT_EQ(reply->type, 3);
+    EXPECT_EQ(reply->port, 1);
+    return Parsed(reply->text);
+}
+
+void TelevisionWithBrowser::TellManager(int code, const Members& members) {
+    Json::Value request;
+    request["t"] = static_cast<unsigned>(code);
+    for (const auto& member : members) request[member.first] = member.second;
+    mManager->Send(1, 1, request.toStyledString());
+}
+
+int TelevisionWithBrowser::Notify(int method, const Members& members) {
+    Json::Value request;
+    request["type"] = 0;
+    request["method"] = method;
+    for (const auto& member : members) request[member.first] = member.second;
+    mTabs->Send(2, 1, request.toStyledString());
+    const auto reply = mTabs->Receive();
+    if (!reply) {
+        ADD_FAILURE() << "no reply to " << method << "\n" << mSimulator->Output();
+        return -1000;
+    }
+    EXPECT_EQ(reply->type, 3);
+    EXPECT_EQ(reply->port, 1);
+    const Json::Value document = Parsed(reply->text);
+    EXPECT_EQ(document.getMemberNames(), std::vector<std::string>{"ret"});
+    return document["ret"].asInt();
+}
+
+std::string TelevisionWithBrowser::NextCommand() {
+    const auto frame = mBrowser->Next();
+    if (!frame) {
+        ADD_FAILURE() << "no command came\n" << mSimulator->Output();
+        return "";
+    }
+    EXPECT_EQ(frame->port, 1);
+    const Json::Value command = Parsed(frame->text);
+    EXPECT_EQ(command["type"], 0);
+    const int method = command["method"].asInt();
+    const bool waits = method == 23 || method == 28 || method == 32 || method == 34;
+    EXPECT_EQ(frame->type, waits ? 2 : 1) << frame->text;
+    const auto name = kCommandNames.find(method);
+    return WithMembers(name == kCommandNames.end() ? "?" : name->second, command, "method");
+}
+
+std::string TelevisionWithBrowser::NextManagerEvent() {
+    const auto frame = mManagerEvents->Next();
+    if (!frame) {
+        ADD_FAILURE() << "no event came\n" << mSimulator->Output();
+        return "";
+    }
+    EXPECT_EQ(frame->port, 1);
+    const Json::Value event = Parsed(frame->text);
+    EXPECT_EQ(frame->type, event["t"] == 271 ? 2 : 1);
+    return WithMembers(event["t"].asString(), event, "t");
+}
+
+void TelevisionWithBrowser::TuneToTab(int channel, int tab) {
+    EXPECT_EQ(Tell("zap " + std::to_string(channel)).rfind("ok ", 0), 0u);
+    EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
+    Reply(R"({"ret": 0, "tabid": )" + std::to_string(tab) + "}");
+    FillTab(tab);
+}
+
+void TelevisionWithBrowser::FillTab(int tab) {
+    std::string command;
+    do {
+        command = NextCommand();
+    } while (command.rfind("GetRenderProcessId ", 0) != 0 && !HasFailure());
+    Reply(R"({"ret": 0, "render_id": )" + std::to_string(tab + 1000) + "}");
+    EXPECT_TRUE(WaitFor([&] { return TabEntry(tab).find("render process") != std::string::npos; }));
+}
+
+std::string TelevisionWithBrowser::AppEntry(const std::string& id) {
+    return Entry(Tell("apps"), id + " ");
+}
+
+std::string TelevisionWithBrowser::TabEntry(int tab) {
+    return Entry(Tell("tabs"), "tab " + std::to_string(tab) + ":");
+}
+
+void TelevisionWithBrowser::ExpectSaid(const std::string& text, int times) const {
+    const auto said = [&] {
+        const std::string output = mSimulator->Output();
+        int count = 0;
+        for (size_t at = output.find(text); at != std::string::npos; at = output.find(text, at + 1)) ++count;
+        return count;
+    };
+    WaitFor([&] { return said() >= times; });
+    EXPECT_EQ(said(), times) << text << " in\n" << mSimulator->Output();
+}
+
+}  // namespace hbbtv::test

@@ -1,0 +1,429 @@
+// What the application manager tells and asks: how it is read, in all its forms, and which functions it reaches.
+
+#include <android/log.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+#include "ipc/src/plugin/tolm_apm_adaptor_ipc.h"
+#include "log_capture.h"
+#include "protocol_file.h"
+#include "raw_socket.h"
+#include "scratch_directory.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+using Apm = TolmApmAdaptorIpc;
+using Lines = std::vector<std::string>;
+
+constexpr char kEvent[] = R"({"t": 237, "appid": 17, "orgid": 19})";
+constexpr char kQuestion[] = R"({"t": 271, "countryCode": "DEU"})";
+constexpr char kRefused[] = "{\n\t\"ret\" : -1\n}\n";
+constexpr char kAccepted[] = "{\n\t\"ret\" : 0\n}\n";
+
+void* Context(uintptr_t bits) {
+    return reinterpret_cast<void*>(bits);
+}
+
+std::mutex gMutex;
+Lines gReceived;  // guarded by gMutex
+
+void Note(const std::string& line) {
+    std::lock_guard<std::mutex> lock(gMutex);
+    gReceived.push_back(line);
+}
+
+// "receiver code application organisation context"
+void NoteEvent(const char* receiver, TolmAIPEvent event, const TolmAIPEventInfo& info, const void* context) {
+    char line[128];
+    snprintf(line, sizeof(line), "%s %d %d %d 0x%lx", receiver, event, info.appId, info.orgId,
+             static_cast<unsigned long>(reinterpret_cast<uintptr_t>(context)));
+    Note(line);
+}
+
+void First(const TolmAIPEvent& event, const TolmAIPEventInfo& info, const void* context) {
+    NoteEvent("first", event, info, context);
+}
+
+void Second(const TolmAIPEvent& event, const TolmAIPEventInfo& info, const void* context) {
+    NoteEvent("second", event, info, context);
+}
+
+void UnregisterInHandler(const TolmAIPEvent& event, const TolmAIPEventInfo& info, const void* context) {
+    Apm::GetInstance()->UnRegisterAIPEventCallback(1, nullptr);
+    NoteEvent("once", event, info, context);
+}
+
+void AskInHandler(const TolmAIPEvent& event, const TolmAIPEventInfo&, const void* context) {
+    TolmAIPEventInfo current{};
+    Apm::GetInstance()->GetCurrentApp(current.appId, current.orgId);
+    NoteEvent("asked", event, current, context);
+}
+
+void Rate(const char* countryCode, int32_t* rating) {
+    Note("rate " + std::to_string(*rating) + " " + countryCode);
+    *rating = 7;
+}
+
+void RateNothing(const char* countryCode, int32_t* rating) {
+    Note("rate nothing " + std::to_string(*rating) + " " + countryCode);
+}
+
+// Of an event that this adaptor never calls.
+void NeverCalled(int, int, const void*) {
+    Note("never");
+}
+
+const TolmAIPEventCallback kFirst = ToAIPEventCallback(First);
+const TolmAIPEventCallback kSecond = ToAIPEventCallback(Second);
+
+class ApplicationManagerEvents : public ::testing::Test {
+  protected:
+    ApplicationManagerEvents() { Apm::GetInstance(); }
+    ~ApplicationManagerEvents() override { Apm::DeleteInstance(); }
+
+    Apm& Adaptor() { return *Apm::GetInstance(); }
+
+    void Register(TolmAIPEvent event, TolmAIPEventCallback callback, uintptr_t context) {
+        EXPECT_EQ(Adaptor().RegisterAIPEventCallback(event, callback, Context(context)), 0);
+    }
+
+    void Unregister(TolmAIPEvent event, uintptr_t context) {
+        EXPECT_EQ(Adaptor().UnRegisterAIPEventCallback(event, Context(context)), 0);
+    }
+
+    std::string ServedSocket() const { return mDirectory / "service_hbbtv_to_plugin_apm"; }
+
+    // One-way events on one connection, and what the functions got by the time they were handled.
+    Lines Send(const Lines& events) const {
+        Forget();
+        RawConnection connection = RawConnection::To(ServedSocket());
+        for (const std::string& event : events) EXPECT_TRUE(connection.Write(FrameBytes(kOneWay, 1, event)));
+        // Messages of a connection are handled in order, and this one is answered.
+        EXPECT_TRUE(connection.Write(FrameBytes(kRequest, 1, "{}")));
+        EXPECT_TRUE(connection.ReadFrame().has_value());
+        return Received();
+    }
+
+    // The reply to a question.
+    std::string Ask(const std::string& question) const {
+        Forget();
+        RawConnection connection = RawConnection::To(ServedSocket());
+        EXPECT_TRUE(connection.Write(FrameBytes(kRequest, 1, question)));
+        const std::optional<Frame> reply = connection.ReadFrame();
+        if (!reply) return "no reply";
+        EXPECT_EQ(reply->type, kReply);
+        EXPECT_EQ(reply->port, 1);
+        return reply->payload;
+    }
+
+    static Lines Received() {
+        std::lock_guard<std::mutex> lock(gMutex);
+        return gReceived;
+    }
+
+    static void Forget() {
+        std::lock_guard<std::mutex> lock(gMutex);
+        gReceived.clear();
+    }
+
+    ScratchDirectory mDirectory;
+    LogCapture mLog;
+};
+
+struct Form {
+    const char* name;
+    const char* event;
+    const char* received;  // empty when it reaches nobody
+};
+
+const Form kForms[] = {
+    {"Complete", kEvent, "first 1 17 19 0x80c0ffee"},
+    {"NegativeIds", R"({"t": 237, "appid": -17, "orgid": -2147483648})", "first 1 -17 -2147483648 0x80c0ffee"},
+    {"OtherMembers", R"({"t": 237, "appid": 17, "orgid": 19, "type": 3, "method": 1, "event": 2})",
+     "first 1 17 19 0x80c0ffee"},
+    {"NoIds", R"({"t": 237})", "first 1 0 0 0x80c0ffee"},
+    {"NoOrganisation", R"({"t": 237, "appid": 17})", "first 1 17 0 0x80c0ffee"},
+    {"TextsForIds", R"({"t": 237, "appid": "17", "orgid": "19"})", "first 1 0 0 0x80c0ffee"},
+    {"ArrayAndObjectForIds", R"({"t": 237, "appid": [17], "orgid": {"a": 19}})", "first 1 0 0 0x80c0ffee"},
+    {"IdsOutOfRange", R"({"t": 237, "appid": 2147483648, "orgid": 1e300})", "first 1 0 0 0x80c0ffee"},
+    {"BoolAndFractionForIds", R"({"t": 237, "appid": true, "orgid": 2.5})", "first 1 1 2 0x80c0ffee"},
+    {"FractionForCode", R"({"t": 237.5, "appid": 17, "orgid": 19})", "first 1 17 19 0x80c0ffee"},
+    {"FullScreen", R"({"t": 270, "bValue": 1, "isDestroy": 0})", ""},
+    {"FullScreenAlone", R"({"t": 270})", ""},
+    {"FullScreenDamaged", R"({"t": 270, "bValue": [1], "isDestroy": "x"})", ""},
+    {"TheQuestion", kQuestion, ""},
+    {"AnotherCode", R"({"t": 238, "appid": 17, "orgid": 19})", ""},
+    {"AnEventForACode", R"({"t": 1, "appid": 17, "orgid": 19})", ""},
+    {"NoCode", R"({"appid": 17, "orgid": 19})", ""},
+    {"TextForCode", R"({"t": "237", "appid": 17, "orgid": 19})", ""},
+    {"NullForCode", R"({"t": null, "appid": 17, "orgid": 19})", ""},
+    {"CodeOutOfRange", R"({"t": 4294967533, "appid": 17, "orgid": 19})", ""},
+    {"CodeUnderAnotherKey", R"({"type": 0, "method": 237, "appid": 17, "orgid": 19})", ""},
+    {"Nothing", "{}", ""},
+};
+
+void PrintTo(const Form& form, std::ostream* out) {
+    *out << form.name;
+}
+
+class ApplicationManagerEventForms : public ApplicationManagerEvents, public ::testing::WithParamInterface<Form> {};
+
+}  // namespace
+
+TEST_P(ApplicationManagerEventForms, AreReadLeniently) {
+    Register(1, kFirst, 0x80c0ffee);
+    Register(4, ToAIPEventCallback(Rate), 0);
+    Register(26, ToAIPEventCallback(NeverCalled), 0x26);
+    const std::string received = GetParam().received;
+    EXPECT_EQ(Send({GetParam().event}), received.empty() ? Lines{} : Lines{received});
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_base]", "Ipc2Json failed"), 0) << mLog.Text();
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, ApplicationManagerEventForms, ::testing::ValuesIn(kForms),
+                         [](const auto& form) { return std::string(form.param.name); });
+
+TEST_F(ApplicationManagerEvents, ThatAreNoObjectsReachNobody) {
+    Register(1, kFirst, 7);
+    int failures = 0;
+    for (const char* event : {"nonsense", " ", "null", "237", "\"t\"", "[{\"t\": 237}]", "{\"t\": 237"}) {
+        SCOPED_TRACE(event);
+        EXPECT_EQ(Send({event}), Lines{});
+        EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_base]", "Ipc2Json failed"), ++failures);
+    }
+    // The endpoint lives on.
+    EXPECT_EQ(Send({kEvent}), (Lines{"first 1 17 19 0x7"}));
+}
+
+TEST_F(ApplicationManagerEvents, ComeInOrder) {
+    Register(1, kFirst, 7);
+    EXPECT_EQ(Send({kEvent, R"({"t": 237, "appid": 2, "orgid": 3})", R"({"t": 270})", kEvent}),
+              (Lines{"first 1 17 19 0x7", "first 1 2 3 0x7", "first 1 17 19 0x7"}));
+}
+
+TEST_F(ApplicationManagerEvents, AreDroppedSilentlyWithoutARegistration) {
+    Register(2, kFirst, 7);
+    Register(3, kFirst, 7);
+    Register(26, kFirst, 7);
+    mLog.Clear();
+    EXPECT_EQ(Send({kEvent, R"({"t": 270, "bValue": 1})"}), Lines{});
+    for (const LogLine& line : mLog.Lines()) EXPECT_NE(line.tag, "[ipc_apm]") << line.text;
+}
+
+TEST_F(ApplicationManagerEvents, ReachTheFirstFunctionOncePerContext) {
+    Register(1, kFirst, 7);
+    Register(1, kSecond, 8);
+    EXPECT_EQ(Send({kEvent}), (Lines{"first 1 17 19 0x7", "first 1 17 19 0x8"}));
+}
+
+TEST_F(ApplicationManagerEvents, ReachAContextAsOftenAsItWasRegistered) {
+    Register(1, kFirst, 8);
+    Register(1, kFirst, 7);
+    Register(1, kFirst, 8);
+    Register(1, kFirst, 0);
+    EXPECT_EQ(Send({kEvent}),
+              (Lines{"first 1 17 19 0x8", "first 1 17 19 0x7", "first 1 17 19 0x8", "first 1 17 19 0x0"}));
+}
+
+TEST_F(ApplicationManagerEvents, ReachNobodyWhenOneOfTwoContextsIsTakenBack) {
+    Register(1, kFirst, 7);
+    Register(1, kFirst, 8);
+    Unregister(1, 7);
+    EXPECT_EQ(Send({kEvent}), Lines{});
+    // The other context is still there, for the next function.
+    Register(1, kSecond, 9);
+    EXPECT_EQ(Send({kEvent}), (Lines{"second 1 17 19 0x8", "second 1 17 19 0x9"}));
+}
+
+TEST_F(ApplicationManagerEvents, ForgetEveryRegistrationOfAContextThatIsTakenBack) {
+    Register(1, kFirst, 7);
+    Register(1, kFirst, 8);
+    Register(1, kFirst, 7);
+    Unregister(1, 7);
+    Register(1, kFirst, 9);
+    EXPECT_EQ(Send({kEvent}), (Lines{"first 1 17 19 0x8", "first 1 17 19 0x9"}));
+    // One that was never registered takes the function back all the same.
+    Unregister(1, 0x1234);
+    EXPECT_EQ(Send({kEvent}), Lines{});
+}
+
+TEST_F(ApplicationManagerEvents, OfOneNumberAreNotEndedByAnother) {
+    Register(1, kFirst, 7);
+    Register(2, kFirst, 7);
+    Unregister(2, 7);
+    Unregister(5, 7);
+    EXPECT_EQ(Send({kEvent}), (Lines{"first 1 17 19 0x7"}));
+}
+
+TEST_F(ApplicationManagerEvents, ReachNobodyAfterAllRegistrationsAreCleared) {
+    Register(1, kFirst, 7);
+    Register(4, ToAIPEventCallback(Rate), 0);
+    Adaptor().ClearAPIEventCallback();
+    EXPECT_EQ(Send({kEvent}), Lines{});
+    EXPECT_EQ(Ask(kQuestion), kRefused);
+    Register(1, kSecond, 9);
+    EXPECT_EQ(Send({kEvent}), (Lines{"second 1 17 19 0x9"}));
+}
+
+TEST_F(ApplicationManagerEvents, ReachNobodyWhenNoFunctionIsRegistered) {
+    Register(1, nullptr, 7);
+    Register(4, nullptr, 7);
+    EXPECT_EQ(Send({kEvent}), Lines{});
+    EXPECT_EQ(Ask(kQuestion), kRefused);
+}
+
+TEST_F(ApplicationManagerEvents, AreDroppedByAnAdaptorMadeAnew) {
+    Register(1, kFirst, 7);
+    Apm::DeleteInstance();
+    ASSERT_NE(Apm::GetInstance(), nullptr);
+    EXPECT_EQ(Send({kEvent}), Lines{});
+}
+
+TEST_F(ApplicationManagerEvents, LetAFunctionTakeItselfBackAndStillReachAllContexts) {
+    Register(1, ToAIPEventCallback(UnregisterInHandler), 0);
+    Register(1, nullptr, 8);
+    EXPECT_EQ(Send({kEvent, kEvent}), (Lines{"once 1 17 19 0x0", "once 1 17 19 0x8"}));
+}
+
+TEST_F(ApplicationManagerEvents, LetAFunctionMakeRequests) {
+    const FakePlatform platform("service_plugin_to_hbbtv_apm", R"({"ret": 0, "appid": 501, "orgid": 502})");
+    Register(1, ToAIPEventCallback(AskInHandler), 9);
+    EXPECT_EQ(Send({kEvent}), (Lines{"asked 1 501 502 0x9"}));
+}
+
+TEST_F(ApplicationManagerEvents, NeedNoPlatformToBeRegistered) {
+    mLog.Clear();
+    Register(1, kFirst, 7);
+    Unregister(1, 7);
+    Adaptor().ClearAPIEventCallback();
+    Lines lines;
+    for (const LogLine& line : mLog.Lines()) {
+        if (line.tag == "[ipc_apm]") lines.push_back(line.function + " " + line.message);
+    }
+    EXPECT_EQ(lines, (Lines{"RegisterAIPEventCallback ENTER", "RegisterAIPEventCallback LEAVE",
+                            "UnRegisterAIPEventCallback ENTER", "UnRegisterAIPEventCallback LEAVE",
+                            "ClearAPIEventCallback ENTER", "ClearAPIEventCallback LEAVE"}));
+}
+
+TEST_F(ApplicationManagerEvents, ComeWhileRegistrationsChange) {
+    std::atomic<bool> stop{false};
+    std::thread sender([&] {
+        while (!stop) {
+            Send({kEvent, kEvent, kEvent});
+            Ask(kQuestion);
+        }
+    });
+    for (int i = 0; i < 1000; ++i) {
+        Register(1, kFirst, 1);
+        Register(4, ToAIPEventCallback(Rate), 0);
+        Register(1, kSecond, 2);
+        Unregister(1, 1);
+        if (i % 2 == 0) Adaptor().ClearAPIEventCallback();
+        Unregister(1, 2);
+        Unregister(4, 0);
+    }
+    stop = true;
+    sender.join();
+    EXPECT_EQ(Send({kEvent}), Lines{});
+    EXPECT_EQ(Ask(kQuestion), kRefused);
+}
+
+TEST_F(ApplicationManagerEvents, AreThoseOfTheProtocol) {
+    const Json::Value protocol = ReadProtocolFile("application_manager");
+    EXPECT_EQ(protocol["event_envelope"].size(), 1u);
+    EXPECT_EQ(protocol["event_envelope"]["code"]["key"].asString(), "t");
+    Lines events;
+    for (const Json::Value& event : protocol["events"]) {
+        std::string line = event["code"].asString() + " " + event["forms"][0].asString() + " ";
+        line += event["callback"].isNull() ? "-" : event["callback"].asString();
+        for (const Json::Value& member : event["members"]) {
+            line += " " + member["key"].asString() + ":" + member["type"].asString();
+        }
+        for (const Json::Value& member : event["reply"]) line += " > " + member["key"].asString();
+        EXPECT_EQ(event["forms"].size(), 1u);
+        events.push_back(line);
+    }
+    EXPECT_EQ(events,
+              (Lines{"237 one-way onApplicationEvent appid:int orgid:int", "270 one-way - bValue:int isDestroy:int",
+                     "271 request onGetLocalParantalRating countryCode:string > parentalRating"}));
+    Register(1, kFirst, 7);
+    EXPECT_EQ(Send({protocol["examples"]["event"]["document"].toStyledString()}), (Lines{"first 1 17 19 0x7"}));
+}
+
+using TheParentalRatingQuestion = ApplicationManagerEvents;
+
+TEST_F(TheParentalRatingQuestion, IsAnsweredByWhatTheFunctionLeaves) {
+    Register(4, ToAIPEventCallback(Rate), 0);
+    EXPECT_EQ(Ask(kQuestion), "{\n\t\"parentalRating\" : 7,\n\t\"ret\" : 0\n}\n");
+    EXPECT_EQ(Received(), (Lines{"rate 0 DEU"}));
+}
+
+TEST_F(TheParentalRatingQuestion, IsAnsweredByZeroWhenTheFunctionLeavesItThere) {
+    Register(4, ToAIPEventCallback(RateNothing), 0);
+    EXPECT_EQ(Ask(kQuestion), "{\n\t\"parentalRating\" : 0,\n\t\"ret\" : 0\n}\n");
+    EXPECT_EQ(Received(), (Lines{"rate nothing 0 DEU"}));
+}
+
+TEST_F(TheParentalRatingQuestion, ReachesTheFirstFunctionOnceHoweverOftenItIsRegistered) {
+    Register(4, ToAIPEventCallback(RateNothing), 1);
+    Register(4, ToAIPEventCallback(Rate), 2);
+    EXPECT_EQ(Ask(kQuestion), "{\n\t\"parentalRating\" : 0,\n\t\"ret\" : 0\n}\n");
+    EXPECT_EQ(Received(), (Lines{"rate nothing 0 DEU"}));
+}
+
+TEST_F(TheParentalRatingQuestion, IsRefusedWithoutAFunction) {
+    Register(1, kFirst, 7);
+    EXPECT_EQ(Ask(kQuestion), kRefused);
+    Register(4, ToAIPEventCallback(Rate), 0);
+    Unregister(4, 0);
+    EXPECT_EQ(Ask(kQuestion), kRefused);
+    EXPECT_EQ(Received(), Lines{});
+}
+
+TEST_F(TheParentalRatingQuestion, IsReadLeniently) {
+    Register(4, ToAIPEventCallback(RateNothing), 0);
+    const std::pair<const char*, const char*> countries[] = {
+        {R"("countryCode": "")", ""},
+        {R"("countryCode": null)", ""},
+        {R"("countryCode": ["DEU"])", ""},
+        {R"("countryCode": {"a": 1})", ""},
+        {R"("countryCode": 49)", "49"},
+        {R"("countryCode": true)", "true"},
+        {R"("countryCode": "\u00e9")", "\xc3\xa9"},
+        {R"("countryCode": "D\u0000EU")", "D"},
+        {R"("other": 1)", ""},
+    };
+    for (const auto& [member, country] : countries) {
+        SCOPED_TRACE(member);
+        EXPECT_EQ(Ask(std::string(R"({"t": 271, )") + member + "}"),
+                  "{\n\t\"parentalRating\" : 0,\n\t\"ret\" : 0\n}\n");
+        EXPECT_EQ(Received(), (Lines{std::string("rate nothing 0 ") + country}));
+    }
+}
+
+TEST_F(TheParentalRatingQuestion, IsTheOnlyOneThatIsAsked) {
+    Register(1, kFirst, 7);
+    Register(4, ToAIPEventCallback(Rate), 0);
+    for (const char* question : {"{}", kEvent, R"({"t": 270})", R"({"t": 272})", R"({"t": "271"})", R"({"t": -1})",
+                                 R"({"type": 0, "method": 271})"}) {
+        SCOPED_TRACE(question);
+        EXPECT_EQ(Ask(question), kAccepted);
+        EXPECT_EQ(Received(), Lines{});
+    }
+}
+
+TEST_F(TheParentalRatingQuestion, ThatIsNoObjectGetsAReplyOfSizeZero) {
+    Register(4, ToAIPEventCallback(Rate), 0);
+    for (const char* question : {"nonsense", "null", "271", "[{\"t\": 271}]"}) {
+        SCOPED_TRACE(question);
+        EXPECT_EQ(Ask(question), "");
+        EXPECT_EQ(Received(), Lines{});
+    }
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_base]", "Ipc2Json failed"), 4);
+}
+
+}  // namespace hbbtv::test
