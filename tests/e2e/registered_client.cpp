@@ -1,10 +1,13 @@
 // A client process for the tests: registers a callback with the family that it is told, says "registered", writes a
 // line for each event and lives until it is killed or told "unregister" on standard input.
 
+#include <vantorel/hardware/hbbtv/1.0/IAVControl.h>
 #include <vantorel/hardware/hbbtv/1.0/IApplicationManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
+#include <vantorel/hardware/hbbtv/1.0/IConfiguration.h>
 #include <vantorel/hardware/hbbtv/1.0/IDsmcc.h>
 #include <vantorel/hardware/hbbtv/1.0/IMtm.h>
+#include <vantorel/hardware/hbbtv/1.0/ISearchManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include <cstdio>
@@ -13,19 +16,25 @@
 #include <string>
 
 #include "recording_aip_callback.h"
+#include "recording_av_control_callback.h"
 #include "recording_callback.h"
 #include "recording_config_callback.h"
+#include "recording_configuration_callback.h"
 #include "recording_dsmcc_callback.h"
 #include "recording_mtm_callback.h"
+#include "recording_search_callback.h"
 
 namespace {
 
 using android::sp;
 using android::hardware::Return;
 using vantorel::hardware::hbbtv::V1_0::IApplicationManager;
+using vantorel::hardware::hbbtv::V1_0::IAVControl;
 using vantorel::hardware::hbbtv::V1_0::IChannelConfig;
+using vantorel::hardware::hbbtv::V1_0::IConfiguration;
 using vantorel::hardware::hbbtv::V1_0::IDsmcc;
 using vantorel::hardware::hbbtv::V1_0::IMtm;
+using vantorel::hardware::hbbtv::V1_0::ISearchManager;
 using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
 using vantorel::hardware::hbbtv::V1_0::TolmAIPEvent;
 
@@ -41,10 +50,28 @@ class PrintingCallback : public hbbtv::test::RecordingCallback {
     }
 };
 
+class PrintingAVControlCallback : public hbbtv::test::RecordingAVControlCallback {
+  public:
+    Return<void> onComponentSelect(int32_t event, Type type, int32_t index) override {
+        printf("component %d %d %d\n", event, static_cast<int32_t>(type), index);
+        fflush(stdout);
+        return ::android::hardware::Void();
+    }
+};
+
 class PrintingConfigCallback : public hbbtv::test::RecordingConfigCallback {
   public:
     Return<void> OnChannelConfigEvent(int32_t event, const Info& info, int64_t context) override {
         printf("channel configuration %d %d %lld\n", event, info.reserved, static_cast<long long>(context));
+        fflush(stdout);
+        return ::android::hardware::Void();
+    }
+};
+
+class PrintingConfigurationCallback : public hbbtv::test::RecordingConfigurationCallback {
+  public:
+    Return<void> onConfigurationEvent(int32_t event, const Info& info) override {
+        printf("configuration %d '%s' %d\n", event, info.audioLanguage.c_str(), info.ratingAge);
         fflush(stdout);
         return ::android::hardware::Void();
     }
@@ -84,9 +111,20 @@ class PrintingMtmCallback : public hbbtv::test::RecordingMtmCallback {
     }
 };
 
+class PrintingSearchCallback : public hbbtv::test::RecordingSearchCallback {
+  public:
+    Return<void> OnSearchManagerEvent(int32_t event, const Info& info, int64_t context) override {
+        printf("search %d %d %lld %lld\n", event, info.state, static_cast<long long>(info.searchHandle),
+               static_cast<long long>(context));
+        fflush(stdout);
+        return ::android::hardware::Void();
+    }
+};
+
 struct Registration {
     std::function<Return<int32_t>()> begin;
     std::function<Return<int32_t>()> end;
+    int32_t begins = 0;  // the status of one that succeeds
 };
 
 // A browser that is well, one that does not return ("mtm_hanging") or one that does not answer ("mtm_silent").
@@ -116,15 +154,31 @@ Registration RegistrationOfAnApplication() {
 Registration RegistrationOf(const std::string& family) {
     if (family.rfind("mtm", 0) == 0) return RegistrationOfABrowser(family);
     if (family == "application_manager") return RegistrationOfAnApplication();
+    if (family == "av_control") {
+        const sp<IAVControl> service = IAVControl::getService();
+        return {[=] { return service->RegisterCallback(new PrintingAVControlCallback, kContext); },
+                [=] { return service->UnregisterCallback(); }};
+    }
     if (family == "channel_config") {
         const sp<IChannelConfig> service = IChannelConfig::getService();
         return {[=] { return service->RegisterCallback(new PrintingConfigCallback, kContext); },
                 [=] { return service->UnregisterCallback(); }};
     }
+    if (family == "configuration" || family == "further_configuration") {
+        const sp<IConfiguration> service = IConfiguration::getService();
+        const sp<PrintingConfigurationCallback> callback = new PrintingConfigurationCallback;
+        return {[=] { return service->RegisterCallback(callback); },
+                [=] { return service->UnregisterCallback(callback); }, family == "configuration" ? 0 : -1};
+    }
     if (family == "dsmcc") {
         const sp<IDsmcc> service = IDsmcc::getService();
         return {[=] { return service->RegisterCallback(new PrintingDsmccCallback); },
                 [=] { return service->UnregisterCallback(); }};
+    }
+    if (family == "search_manager") {
+        const sp<ISearchManager> service = ISearchManager::getService();
+        return {[=] { return service->SearchManager_RegisterCallback(1, new PrintingSearchCallback, kContext); },
+                [=] { return service->SearchManager_Destroy(1); }};
     }
     const sp<IVideoBroadcast> service = IVideoBroadcast::getService();
     return {[=] { return service->RegisterCallback(kVb, new PrintingCallback, kContext); },
@@ -136,7 +190,7 @@ Registration RegistrationOf(const std::string& family) {
 int main(int argc, char** argv) {
     const Registration registration = RegistrationOf(argc > 1 ? argv[1] : "video_broadcast");
     const auto status = registration.begin();
-    if (!status.isOk() || static_cast<int32_t>(status) != 0) {
+    if (!status.isOk() || static_cast<int32_t>(status) != registration.begins) {
         printf("not registered\n");
         return 1;
     }

@@ -96,6 +96,34 @@ TEST(ReadUInt, GivesZeroForOtherTypesAndOneForTrue) {
     EXPECT_EQ(1u, tolm::ReadUInt(With(true), "m"));
 }
 
+TEST(ReadInt64, GivesIntegersThatFitAndZeroForOthers) {
+    EXPECT_EQ(-1, tolm::ReadInt64(With(-1), "m"));
+    EXPECT_EQ(4294967295LL, tolm::ReadInt64(With(4294967295u), "m"));
+    EXPECT_EQ(9223372036854775807LL, tolm::ReadInt64(Int64(9223372036854775807LL), "m"));
+    EXPECT_EQ(9223372036854775807LL, tolm::ReadInt64(UInt64(9223372036854775807ULL), "m"));
+    EXPECT_EQ(-9223372036854775807LL - 1, tolm::ReadInt64(Int64(-9223372036854775807LL - 1), "m"));
+    EXPECT_EQ(0, tolm::ReadInt64(UInt64(9223372036854775808ULL), "m"));
+    EXPECT_EQ(0, tolm::ReadInt64(UInt64(18446744073709551615ULL), "m"));
+}
+
+TEST(ReadInt64, CutsRealsAndGivesZeroForThoseOutOfRange) {
+    EXPECT_EQ(1, tolm::ReadInt64(With(1.5), "m"));
+    EXPECT_EQ(-1, tolm::ReadInt64(With(-1.5), "m"));
+    EXPECT_EQ(9223372036854774784LL, tolm::ReadInt64(With(9223372036854774784.0), "m"));
+    EXPECT_EQ(-9223372036854775807LL - 1, tolm::ReadInt64(With(-9223372036854775808.0), "m"));
+    EXPECT_EQ(0, tolm::ReadInt64(With(9223372036854775808.0), "m"));
+    EXPECT_EQ(0, tolm::ReadInt64(With(-9223372036854777856.0), "m"));
+    EXPECT_EQ(0, tolm::ReadInt64(With(kInfinity), "m"));
+    EXPECT_EQ(0, tolm::ReadInt64(With(kNaN), "m"));
+}
+
+TEST(ReadInt64, GivesZeroForOtherTypesAndOneForTrue) {
+    for (const Json::Value& object : {kText, kEmptyText, kArray, kObject, kNull, kMissing}) {
+        EXPECT_EQ(0, tolm::ReadInt64(object, "m"));
+    }
+    EXPECT_EQ(1, tolm::ReadInt64(With(true), "m"));
+}
+
 TEST(ReadUInt64, GivesIntegersThatFitAndZeroForOthers) {
     EXPECT_EQ(4294967296ULL, tolm::ReadUInt64(Int64(4294967296LL), "m"));
     EXPECT_EQ(9223372036854775807ULL, tolm::ReadUInt64(Int64(9223372036854775807LL), "m"));

@@ -13,13 +13,15 @@ struct Reading {
 };
 
 // For a type of the protocol files, or "flag", an int of which only zero matters: one reading for each kind of JSON
-// value, and for the limits of the type. An unchanged pointer is shown as `unchanged`.
+// value, and for the limits of the type. An unchanged pointer is shown as `unchanged`. A uint of at most 65536 is a
+// "few", which fails above that.
 std::vector<Reading> ReadingsOf(const std::string& type, const char* unchanged);
 
 // Values as text.
 std::string Show(int value);
 std::string Show(unsigned value);
 std::string Show(unsigned long value);
+std::string Show(long value);
 std::string Show(bool value);
 std::string Show(double value);
 std::string Show(const void* value);

@@ -44,7 +44,8 @@ struct Result {
     const char* key;
 
     // As in the protocol file; or "flag" for an int of which only zero matters, "count" or "pairs" for one that says
-    // how many numbers or pairs of numbers a list has.
+    // how many numbers or pairs of numbers a list has; "length" for one that says how many bytes a text has; "few" for
+    // a uint of at most 65536.
     const char* type;
     const char* json;   // the value in the reply
     const char* shown;  // what the caller gets, as text; null for a part of the list that was counted before

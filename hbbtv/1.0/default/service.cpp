@@ -3,18 +3,23 @@
 
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/LegacySupport.h>
+#include <vantorel/hardware/hbbtv/1.0/IAVComponent.h>
+#include <vantorel/hardware/hbbtv/1.0/IAVControl.h>
 #include <vantorel/hardware/hbbtv/1.0/IApplicationManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IApplicationPrivatedata.h>
 #include <vantorel/hardware/hbbtv/1.0/ICapabilities.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannel.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelList.h>
+#include <vantorel/hardware/hbbtv/1.0/IConfiguration.h>
 #include <vantorel/hardware/hbbtv/1.0/IDsmcc.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteList.h>
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteListCollection.h>
 #include <vantorel/hardware/hbbtv/1.0/ILocalSystem.h>
 #include <vantorel/hardware/hbbtv/1.0/IMtm.h>
 #include <vantorel/hardware/hbbtv/1.0/IParentalControlManager.h>
+#include <vantorel/hardware/hbbtv/1.0/IProgramme.h>
+#include <vantorel/hardware/hbbtv/1.0/ISearchManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include <cstdio>
@@ -49,18 +54,23 @@ bool Publish() {
 // Whether all could be.
 bool PublishAll() {
     bool published = true;
+    published &= Publish<IAVComponent>();
+    published &= Publish<IAVControl>();
     published &= Publish<IApplicationManager>();
     published &= Publish<IApplicationPrivatedata>();
     published &= Publish<ICapabilities>();
     published &= Publish<IChannel>();
     published &= Publish<IChannelConfig>();
     published &= Publish<IChannelList>();
+    published &= Publish<IConfiguration>();
     published &= Publish<IDsmcc>();
     published &= Publish<IFavouriteList>();
     published &= Publish<IFavouriteListCollection>();
     published &= Publish<ILocalSystem>();
     published &= Publish<IMtm>();
     published &= Publish<IParentalControlManager>();
+    published &= Publish<IProgramme>();
+    published &= Publish<ISearchManager>();
     published &= Publish<IVideoBroadcast>();
     return published;
 }

@@ -59,6 +59,9 @@ void Add(const Member& member, Json::Value& object) {
         case Member::Kind::kNumberedPointers:
             AddNumberedPointers(member, object);
             break;
+        case Member::Kind::kArray:
+            object[key] = *member.asArray;
+            break;
     }
 }
 
@@ -120,6 +123,18 @@ Member NumberedPointers(const char* key, const std::vector<void*>& values) {
     return member;
 }
 
+Member Array(const char* key, const Json::Value& elements) {
+    Member member = MemberOf(key, Member::Kind::kArray);
+    member.asArray = &elements;
+    return member;
+}
+
+Json::Value Object(std::initializer_list<Member> members) {
+    Json::Value object(Json::objectValue);
+    for (const Member& member : members) Add(member, object);
+    return object;
+}
+
 Target ToInt(const char* key, int& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
                 *static_cast<int*>(out) = ReadInt(object, k);
@@ -137,6 +152,22 @@ Target ToUInt(const char* key, unsigned& to) {
 Target ToIntBits(const char* key, unsigned& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
                 *static_cast<unsigned*>(out) = static_cast<unsigned>(ReadInt(object, k));
+                return true;
+            }};
+}
+
+Target ToCount(const char* key, unsigned& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                const unsigned count = ReadUInt(object, k);
+                if (count > kMostNumbered) return false;
+                *static_cast<unsigned*>(out) = count;
+                return true;
+            }};
+}
+
+Target ToInt64(const char* key, int64_t& to) {
+    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
+                *static_cast<int64_t*>(out) = ReadInt64(object, k);
                 return true;
             }};
 }

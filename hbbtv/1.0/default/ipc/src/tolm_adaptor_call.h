@@ -41,7 +41,7 @@ struct Method {
 
 // A member of a request. Lives as long as the expression it stands in: texts are not copied.
 struct Member {
-    enum class Kind { kInt, kUInt, kBool, kReal, kText, kPointer, kNumberedInts, kNumberedPointers };
+    enum class Kind { kInt, kUInt, kBool, kReal, kText, kArray, kPointer, kNumberedInts, kNumberedPointers };
 
     const char* key;
     Kind kind;
@@ -54,6 +54,7 @@ struct Member {
         const void* asPointer;
         const std::vector<int>* asInts;
         const std::vector<void*>* asPointers;
+        const Json::Value* asArray;
     };
 };
 
@@ -65,6 +66,7 @@ Member Text(const char* key, const std::string& value);
 Member Pointer(const char* key, const void* value);
 Member NumberedInts(const std::vector<int>& values);                         // k0, k1, ...: see ToNumberedInts()
 Member NumberedPointers(const char* key, const std::vector<void*>& values);  // key0, key1, ...
+Member Array(const char* key, const Json::Value& elements);                  // each of them an Object()
 template <typename T>
 Member Int(const char* key, T value) = delete;
 template <typename T>
@@ -74,9 +76,12 @@ Member Bool(const char* key, T value) = delete;
 template <typename T>
 Member Real(const char* key, T value) = delete;
 
+// An element of an array.
+Json::Value Object(std::initializer_list<Member> members);
+
 // A member of a reply or an event and the variable that it is read into. All but a pointer are read leniently: a member
 // that is missing or cannot be converted gives 0, false or "". A pointer that is no text fails, and its variable keeps
-// its value; null is the empty text.
+// its value; null is the empty text. So does a count above kMostNumbered.
 struct Target {
     const char* key;
     void* to;
@@ -86,6 +91,8 @@ struct Target {
 Target ToInt(const char* key, int& to);
 Target ToUInt(const char* key, unsigned& to);
 Target ToIntBits(const char* key, unsigned& to);  // an int of the wire: -1 gives 4294967295
+Target ToCount(const char* key, unsigned& to);
+Target ToInt64(const char* key, int64_t& to);
 Target ToUInt64(const char* key, uint64_t& to);
 Target ToBool(const char* key, bool& to);
 Target ToFlag(const char* key, bool& to);  // of an int: whether it is not 0

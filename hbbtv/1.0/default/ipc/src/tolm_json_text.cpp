@@ -132,6 +132,14 @@ unsigned ReadUInt(const Json::Value& object, const char* key) {
     return member.isConvertibleTo(Json::uintValue) ? member.asUInt() : 0;
 }
 
+Json::Int64 ReadInt64(const Json::Value& object, const char* key) {
+    constexpr double kTwoTo63 = 9223372036854775808.0;
+    const Json::Value& member = Member(object, key);
+    const bool convertible = member.isInt64() || member.isBool() ||
+                             (member.isDouble() && member.asDouble() >= -kTwoTo63 && member.asDouble() < kTwoTo63);
+    return convertible ? member.asLargestInt() : 0;
+}
+
 Json::UInt64 ReadUInt64(const Json::Value& object, const char* key) {
     constexpr double kTwoTo64 = 18446744073709551616.0;
     const Json::Value& member = Member(object, key);

@@ -27,6 +27,7 @@ bool ParseJson(const std::vector<unsigned char>& bytes, Json::Value& document);
 // number, a number out of range), reads as 0, false or "". Any value may be passed as the object.
 int ReadInt(const Json::Value& object, const char* key);
 unsigned ReadUInt(const Json::Value& object, const char* key);
+Json::Int64 ReadInt64(const Json::Value& object, const char* key);
 Json::UInt64 ReadUInt64(const Json::Value& object, const char* key);
 bool ReadBool(const Json::Value& object, const char* key);
 double ReadReal(const Json::Value& object, const char* key);

@@ -66,6 +66,9 @@ class TolmHidlClientMonitor : public ITolmHidlClientEvent {
     // Whether there is no living client: monitoring was stopped, or the client died.
     bool ClientDied() const { return mRecipient->IsDied(); }
 
+    // Corrects that, for a service with several clients.
+    void SetClientDied(bool died) { mRecipient->SetDied(died); }
+
     // Puts a callback into the holder, in place of another one, and watches it.
     template <typename Callback>
     void Hold(TolmClientHolder<Callback>& holder, const android::sp<Callback>& callback) {

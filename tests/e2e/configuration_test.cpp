@@ -1,0 +1,110 @@
+// The configuration across processes: preferences are asked for, and events reach several clients' processes until one
+// of them ends.
+
+#include <gtest/gtest.h>
+#include <vantorel/hardware/hbbtv/1.0/IConfiguration.h>
+
+#include <string>
+#include <vector>
+
+#include "event_connection.h"
+#include "scratch_directory.h"
+#include "system.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+using namespace vantorel::hardware::hbbtv::V1_0;
+using android::sp;
+using android::hardware::hidl_string;
+using android::hardware::hidl_vec;
+
+constexpr char kAge16[] = R"({"event": 8, "age": 16})";
+constexpr char kAge18[] = R"({"event": 8, "age": 18})";
+constexpr char kUnregister[] = "{\n\t\"method\" : 34,\n\t\"type\" : 9\n}\n";
+
+class ConfigurationProcesses : public testing::Test {
+  protected:
+    ConfigurationProcesses() { Find<IConfiguration>(); }
+
+    void Send(const char* event) {
+        EventConnection connection(mDirectory / "service_hbbtv_to_plugin_conf", 12);
+        ASSERT_TRUE(connection.Send({event}));
+    }
+
+    // The last request and how many there were.
+    std::string Requests() const {
+        const std::vector<Frame> frames = mPlatform.Frames();
+        return std::to_string(frames.size()) + " " + (frames.empty() ? "" : frames.back().payload);
+    }
+
+    ScratchDirectory mDirectory;
+    FakePlatform mPlatform{"service_plugin_to_hbbtv_conf",
+                           R"({"ret": 0, "num": 2, "k0": 12289, "k1": -1,
+                               "serial": "K\u00f6ln", "product": "tv", "request_time": ""})"};
+    ServiceProcess mService;
+};
+
+TEST_F(ConfigurationProcesses, AnswerWithListsAndSeveralTexts) {
+    const sp<IConfiguration> configuration = Find<IConfiguration>();
+    ASSERT_NE(nullptr, configuration);
+    std::vector<int32_t> ids;
+    const auto keepIds = [&](int32_t, const hidl_vec<int32_t>& networkIds) { ids = networkIds; };
+    ASSERT_TRUE(configuration->GetDttNetworkIds(keepIds).isOk());
+    EXPECT_EQ((std::vector<int32_t>{12289, -1}), ids);
+    std::string texts;
+    const auto keepTexts = [&](int32_t, const hidl_string& serial, const hidl_string& product,
+                               const hidl_string& requestTime) {
+        texts = std::string(serial) + "|" + std::string(product) + "|" + std::string(requestTime);
+    };
+    ASSERT_TRUE(configuration->GetDeviceIdContent(keepTexts).isOk());
+    EXPECT_EQ("K\xc3\xb6ln|tv|", texts);
+}
+
+TEST_F(ConfigurationProcesses, TellSeveralClientsUntilEachIsTakenBack) {
+    RegisteredClient first("configuration");
+    ASSERT_TRUE(first.Registered()) << first.Output();
+    RegisteredClient second("further_configuration");
+    ASSERT_TRUE(second.Registered()) << second.Output();
+    Send(kAge16);
+    EXPECT_TRUE(first.WaitForOutput("configuration 8 '' 16\n")) << first.Output();
+    EXPECT_TRUE(second.WaitForOutput("configuration 8 '' 16\n")) << second.Output();
+
+    // Its callback is known again, although it comes with another call.
+    first.Write("unregister\n");
+    ASSERT_TRUE(first.WaitForOutput("unregistered\n"));
+    Send(kAge18);
+    EXPECT_TRUE(second.WaitForOutput("configuration 8 '' 18\n")) << second.Output();
+    EXPECT_EQ(std::string::npos, first.Output().find("18")) << first.Output();
+    EXPECT_EQ("1 {\n\t\"method\" : 33,\n\t\"type\" : 9\n}\n", Requests());
+
+    second.Write("unregister\n");
+    ASSERT_TRUE(second.WaitForOutput("unregistered\n"));
+    EXPECT_EQ(std::string("2 ") + kUnregister, Requests());
+    // No living process is linked any more.
+    first.Kill();
+    Send(kAge16);
+    EXPECT_EQ(std::string("2 ") + kUnregister, Requests());
+}
+
+TEST_F(ConfigurationProcesses, TellNobodyAfterOneClientsProcessHasEnded) {
+    RegisteredClient first("configuration");
+    ASSERT_TRUE(first.Registered()) << first.Output();
+    RegisteredClient second("further_configuration");
+    ASSERT_TRUE(second.Registered()) << second.Output();
+    second.Kill();
+    ASSERT_TRUE(mPlatform.WaitForFrames(2));
+    EXPECT_EQ(std::string("2 ") + kUnregister, Requests());
+    Send(kAge16);
+    EXPECT_EQ(std::string::npos, first.Output().find("16")) << first.Output();
+
+    RegisteredClient third("configuration");
+    ASSERT_TRUE(third.Registered()) << third.Output();
+    Send(R"({"event": 2, "audLang": "deu"})");
+    EXPECT_TRUE(third.WaitForOutput("configuration 2 'deu' 0\n")) << third.Output();
+}
+
+}  // namespace
+
+}  // namespace hbbtv::test

@@ -1,0 +1,417 @@
+// From the platform's event to the clients of the configuration: forwarding, registrations and a client's death. The
+// service runs in this process, the platform is at the other end of real sockets.
+
+#include <android/log.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "Configuration.h"
+#include "event_connection.h"
+#include "ipc/src/plugin/tolm_configuration_adaptor_ipc.h"
+#include "log_capture.h"
+#include "method_rows.h"
+#include "recording_configuration_callback.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+using android::sp;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using vantorel::hardware::hbbtv::implementation::Configuration;
+using vantorel::hardware::hbbtv::implementation::TolmConfigurationCallback;
+using IBase = android::hidl::base::V1_0::IBase;
+using Client = RecordingConfigurationCallback;
+
+constexpr char kTag[] = "[hidl_configuration_wrapper_server]";
+constexpr char kEvent[] = R"({"event": 8, "age": 16})";
+constexpr char kCall[] = "onConfigurationEvent 8 0 0 '' '' '' 0 0 0 '' 16 0 0 0 0 0 0";
+constexpr char kRegister[] = "{\n\t\"method\" : 33,\n\t\"type\" : 9\n}\n";
+constexpr char kUnregister[] = "{\n\t\"method\" : 34,\n\t\"type\" : 9\n}\n";
+
+class ConfigurationEvents : public testing::Test {
+  protected:
+    int Register(const sp<Client>& callback) { return mService->RegisterCallback(callback); }
+    int Unregister(const sp<Client>& callback) { return mService->UnregisterCallback(callback); }
+
+    // A one-way event, as it leaves the platform, until it has been handled.
+    void Send(const std::string& json) {
+        if (mEvents == nullptr) {
+            mEvents = std::make_unique<EventConnection>(mDirectory / "service_hbbtv_to_plugin_conf", 12);
+        }
+        ASSERT_TRUE(mEvents->Send({json}));
+    }
+
+    // The requests since the platform was last told to forget them, as they came.
+    std::vector<std::string> Requests() const {
+        std::vector<std::string> requests;
+        for (const Frame& frame : mPlatform.Frames()) requests.push_back(frame.payload);
+        return requests;
+    }
+
+    int Logged(int priority, const char* message) const { return mLog.Count(priority, kTag, message); }
+
+    ScratchDirectory mDirectory;
+    LogCapture mLog;
+    FakePlatform mPlatform{"service_plugin_to_hbbtv_conf", R"({"ret": 0})"};
+    sp<Configuration> mService = new Configuration;
+    const sp<Client> mClient = new Client;
+    const sp<Client> mSecond = new Client;
+    const sp<Client> mThird = new Client;
+    std::unique_ptr<EventConnection> mEvents;
+};
+
+struct EventCase {
+    const char* name;
+    const char* event;
+    const char* call;  // behind the method's name
+};
+
+void PrintTo(const EventCase& row, std::ostream* out) {
+    *out << row.name;
+}
+
+const EventCase kEvents[] = {
+    {"Resolution", R"({"event": 0, "w": 3840, "h": 2160})", "0 3840 2160 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
+    {"UiLanguage", R"({"event": 1, "uiLang": "deu,eng"})", "1 0 0 'deu,eng' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
+    {"AudioLanguage", R"({"event": 2, "audLang": "fra"})", "2 0 0 '' 'fra' '' 0 0 0 '' 0 0 0 0 0 0 0"},
+    {"SubtitleLanguage", R"({"event": 3, "prefSubLang": "***"})", "3 0 0 '' '' '***' 0 0 0 '' 0 0 0 0 0 0 0"},
+    {"MissingLanguage", R"({"event": 1})", "1 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
+    {"Subtitles", R"({"event": 4, "isSubEnabled": true})", "4 0 0 '' '' '' 1 0 0 '' 0 0 0 0 0 0 0"},
+    {"AudioDescription", R"({"event": 5, "isADEnabled": true})", "5 0 0 '' '' '' 0 1 0 '' 0 0 0 0 0 0 0"},
+    {"HearingImpaired", R"({"event": 6, "aud_hearing_imp": true})", "6 0 0 '' '' '' 0 0 1 '' 0 0 0 0 0 0 0"},
+    {"Region", R"({"event": 7, "region": "DE"})", "7 0 0 '' '' '' 0 0 0 'DE' 0 0 0 0 0 0 0"},
+    {"RatingAge", R"({"event": 8, "age": 16})", "8 0 0 '' '' '' 0 0 0 '' 16 0 0 0 0 0 0"},
+    {"DoNotTrackPolicy", R"({"event": 9, "do_not_track_policy": 1})", "9 0 0 '' '' '' 0 0 0 '' 0 1 0 0 0 0 0"},
+    {"CookiePolicy", R"({"event": 10, "cookie_policy": 2})", "10 0 0 '' '' '' 0 0 0 '' 0 0 2 0 0 0 0"},
+    {"PersistentStorage", R"({"event": 11, "persistent_storage": 3})", "11 0 0 '' '' '' 0 0 0 '' 0 0 0 3 0 0 0"},
+    {"BlockTrackingSites", R"({"event": 12, "block_track_sites": 4})", "12 0 0 '' '' '' 0 0 0 '' 0 0 0 0 4 0 0"},
+    {"DeviceId", R"({"event": 13, "device_id": -5})", "13 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 -5 0"},
+    {"DeviceIdTimestamp", R"({"event": 14, "device_id_ts": 1767225600000})",
+     "14 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 1767225600000"},
+    {"UnknownCode", R"({"event": 15, "age": 16})", "15 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
+};
+
+class ConfigurationEvent : public ConfigurationEvents, public testing::WithParamInterface<EventCase> {};
+
+}  // namespace
+
+TEST_P(ConfigurationEvent, ReachesAllClients) {
+    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(-1, Register(mSecond));
+    Send(GetParam().event);
+    const std::string call = std::string("onConfigurationEvent ") + GetParam().call;
+    EXPECT_THAT(mClient->Calls(), ElementsAre(call));
+    EXPECT_THAT(mSecond->Calls(), ElementsAre(call));
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, ConfigurationEvent, testing::ValuesIn(kEvents),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationIsToldThePlatformAndGivesItsStatus) {
+    mPlatform.SetReply(R"({"ret": 6})");
+    EXPECT_EQ(6, Register(mClient));
+    EXPECT_EQ(-1, Register(mSecond));
+    EXPECT_EQ(-1, Register(mThird));
+    EXPECT_THAT(Requests(), ElementsAre(kRegister));
+    Send(kEvent);
+    for (const sp<Client>& client : {mClient, mSecond, mThird}) EXPECT_THAT(client->Calls(), ElementsAre(kCall));
+}
+
+// Notes its name in a list that several clients share. Events come on one thread.
+class NamedClient : public Client {
+  public:
+    NamedClient(const char* name, std::string* told) : mName(name), mTold(told) {}
+
+    Return<void> onConfigurationEvent(int32_t, const Info&) override {
+        *mTold += mName;
+        return ::android::hardware::Void();
+    }
+
+  private:
+    const char* const mName;
+    std::string* const mTold;
+};
+
+TEST_F(ConfigurationEvents, ReachTheClientsInTheOrderOfTheirRegistrations) {
+    std::string told;
+    const sp<Client> b = new NamedClient("b", &told);
+    Register(new NamedClient("c", &told));
+    Register(b);
+    Register(new NamedClient("a", &told));
+    Send(kEvent);
+    EXPECT_EQ("cba", told);
+    Unregister(b);
+    Register(b);
+    Send(kEvent);
+    EXPECT_EQ("cbacab", told);
+}
+
+TEST_F(ConfigurationEvents, ReachAClientInTheOrderOfTheEvents) {
+    EXPECT_EQ(0, Register(mClient));
+    Send(R"({"event": 4, "isSubEnabled": true})");
+    Send(kEvent);
+    Send(R"({"event": 7, "region": "DE"})");
+    EXPECT_THAT(mClient->Calls(), ElementsAre("onConfigurationEvent 4 0 0 '' '' '' 1 0 0 '' 0 0 0 0 0 0 0", kCall,
+                                              "onConfigurationEvent 7 0 0 '' '' '' 0 0 0 'DE' 0 0 0 0 0 0 0"));
+}
+
+TEST_F(ConfigurationEvents, AreDroppedSilentlyWithoutAClient) {
+    TolmConfigurationCallback(8, {}, nullptr);
+    EXPECT_THAT(mLog.Lines(), IsEmpty());
+}
+
+TEST_F(ConfigurationEvents, AreDroppedWhenTheServiceHasGone) {
+    EXPECT_EQ(0, Register(mClient));
+    mService.clear();
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+}
+
+TEST_F(ConfigurationEvents, ANullCallbackIsRefusedAndTheEarlierOneStays) {
+    EXPECT_EQ(-1, Register(nullptr));
+    EXPECT_THAT(Requests(), IsEmpty());
+    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(-1, Register(nullptr));
+    EXPECT_EQ(2, Logged(ANDROID_LOG_ERROR, "cb is null"));
+    EXPECT_THAT(Requests(), ElementsAre(kRegister));
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
+}
+
+TEST_F(ConfigurationEvents, RegistrationWatchesTheClientUntilItIsTakenBack) {
+    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(1u, mClient->Linked().size());
+    EXPECT_EQ(0u, mClient->Cookie());
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StartMonitor"));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StopMonitor"));
+
+    mPlatform.ForgetFrames();
+    EXPECT_EQ(0, Unregister(mClient));
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StopMonitor"));
+    EXPECT_THAT(Requests(), ElementsAre(kUnregister));
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, "[ipc_configure]", "callback is null"));
+}
+
+TEST_F(ConfigurationEvents, TakingBackOneOfSeveralLeavesTheOthersServedAndThePlatformUntold) {
+    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(-1, Register(mSecond));
+    EXPECT_EQ(-1, Register(mThird));
+    mPlatform.ForgetFrames();
+    EXPECT_EQ(-1, Unregister(mSecond));
+    EXPECT_THAT(mSecond->Linked(), IsEmpty());
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StopMonitor"));
+    Send(kEvent);
+    EXPECT_EQ(-1, Unregister(mClient));
+    Send(kEvent);
+    EXPECT_THAT(Requests(), IsEmpty());
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
+    EXPECT_THAT(mSecond->Calls(), IsEmpty());
+    EXPECT_THAT(mThird->Calls(), ElementsAre(kCall, kCall));
+    EXPECT_EQ(1u, mThird->Linked().size());
+
+    mPlatform.SetReply(R"({"ret": 6})");
+    EXPECT_EQ(6, Unregister(mThird));
+    EXPECT_THAT(Requests(), ElementsAre(kUnregister));
+    EXPECT_THAT(mThird->Linked(), IsEmpty());
+    Send(kEvent);
+    EXPECT_THAT(mThird->Calls(), ElementsAre(kCall, kCall));
+}
+
+TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredLeavesTheOthersServed) {
+    EXPECT_EQ(0, Register(mClient));
+    mPlatform.ForgetFrames();
+    EXPECT_EQ(-1, Unregister(mSecond));
+    EXPECT_EQ(-1, Unregister(nullptr));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StopMonitor"));
+    EXPECT_THAT(Requests(), IsEmpty());
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
+}
+
+TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredAsksThePlatformWhenThereIsNobody) {
+    mPlatform.SetReply(R"({"ret": 6})");
+    EXPECT_EQ(6, Unregister(mClient));
+    EXPECT_EQ(6, Unregister(nullptr));
+    EXPECT_THAT(Requests(), ElementsAre(kUnregister, kUnregister));
+}
+
+TEST_F(ConfigurationEvents, AClientThatRegistersTwiceIsToldTwiceUntilItIsTakenBackTwice) {
+    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(-1, Register(mClient));
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, kCall));
+    EXPECT_EQ(-1, Unregister(mClient));
+    EXPECT_EQ(1u, mClient->Linked().size());
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, kCall, kCall));
+    EXPECT_EQ(0, Unregister(mClient));
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, kCall, kCall));
+}
+
+TEST_F(ConfigurationEvents, TheDeathOfOneClientEndsTheDeliveryToAllAndTellsThePlatform) {
+    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(-1, Register(mSecond));
+    mPlatform.ForgetFrames();
+    mSecond->Die();
+    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "ENTER"));
+    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "LEAVE"));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::serviceDied - client died"));
+    EXPECT_EQ(2, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StopMonitor"));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, "cb is null"));
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    EXPECT_THAT(mSecond->Linked(), IsEmpty());
+    EXPECT_THAT(Requests(), ElementsAre(kUnregister));
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+    EXPECT_THAT(mSecond->Calls(), IsEmpty());
+    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, "[ipc_configure]", "callback is null"));
+
+    mPlatform.ForgetFrames();
+    EXPECT_EQ(0, Register(mClient));
+    EXPECT_THAT(Requests(), ElementsAre(kRegister));
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
+}
+
+TEST_F(ConfigurationEvents, TwoClientsThatDieTogetherAreOneDeath) {
+    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(-1, Register(mSecond));
+    const auto recipient = mClient->Linked().at(0);
+    mPlatform.ForgetFrames();
+    recipient->serviceDied(0, android::wp<IBase>(mClient.get()));
+    recipient->serviceDied(0, android::wp<IBase>(mSecond.get()));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::serviceDied - client died"));
+    EXPECT_THAT(Requests(), ElementsAre(kUnregister));
+}
+
+TEST_F(ConfigurationEvents, TheLateDeathNoticeOfAClientThatWasTakenBackLeavesTheOthersServed) {
+    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(-1, Register(mSecond));
+    const auto recipient = mClient->Linked().at(0);
+    EXPECT_EQ(-1, Unregister(mClient));
+    mPlatform.ForgetFrames();
+    recipient->serviceDied(0, android::wp<IBase>(mClient.get()));
+    // Also when the notice had passed the recipient already, and set its flag.
+    static_cast<TolmHidlClientDeathRecipient&>(*recipient).SetDied(true);
+    mService->OnHidlClientDied(0, android::wp<IBase>(mClient.get()));
+    EXPECT_THAT(Requests(), IsEmpty());
+    EXPECT_EQ(1u, mSecond->Linked().size());
+    Send(kEvent);
+    EXPECT_THAT(mSecond->Calls(), ElementsAre(kCall));
+}
+
+TEST_F(ConfigurationEvents, WithoutAnAdaptorNothingIsRegistered) {
+    const NoMemoryForAdaptors noMemory;
+    EXPECT_EQ(-1, Register(mClient));
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    TolmConfigurationCallback(8, {}, nullptr);
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+}
+
+TEST_F(ConfigurationEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
+    EXPECT_EQ(0, Register(mClient));
+    TolmConfigurationAdaptorIpc::DeleteInstance();
+    const NoMemoryForAdaptors noMemory;
+    EXPECT_EQ(-1, Unregister(mClient));
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    TolmConfigurationCallback(8, {}, nullptr);
+    EXPECT_THAT(mClient->Calls(), IsEmpty());
+}
+
+TEST_F(ConfigurationEvents, RegistrationsAndDeathsBesideEventsDoNotDisturbEachOther) {
+    constexpr int kTurns = 100;
+    std::thread registrations([this] {
+        for (int i = 0; i < kTurns; ++i) {
+            const sp<Client> client = new Client;
+            Register(client);
+            Register(mSecond);
+            if (i % 2 == 0) client->Die();
+            Unregister(mSecond);
+            Unregister(client);
+        }
+    });
+    for (int i = 0; i < kTurns; ++i) Send(kEvent);
+    registrations.join();
+    EXPECT_EQ(0, Register(mClient));
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
+}
+
+// No event may be lost to a client because another one comes and goes.
+TEST_F(ConfigurationEvents, ReachAClientWhileAnotherComesAndGoes) {
+    constexpr int kEvents = 300;
+    EXPECT_EQ(0, Register(mClient));
+    std::atomic<bool> stop{false};
+    std::thread other([&] {
+        while (!stop) {
+            EXPECT_EQ(-1, Register(mSecond));
+            EXPECT_EQ(-1, Unregister(mSecond));
+        }
+    });
+    for (int i = 0; i < kEvents; ++i) Send(kEvent);
+    stop = true;
+    other.join();
+    EXPECT_EQ(static_cast<size_t>(kEvents), mClient->Calls().size());
+}
+
+// The last client goes while the next one comes: that one must be served whatever the order.
+TEST_F(ConfigurationEvents, AnEndBesideARegistrationLeavesTheNewClientServed) {
+    for (int i = 0; i < 100; ++i) {
+        const sp<Client> leaving = new Client;
+        const sp<Client> next = new Client;
+        EXPECT_EQ(0, Register(leaving));
+        std::thread end([&] { Unregister(leaving); });
+        Register(next);
+        end.join();
+        Send(kEvent);
+        EXPECT_THAT(next->Calls(), ElementsAre(kCall));
+        EXPECT_EQ(0, Unregister(next));
+    }
+}
+
+// Either the death comes first and drops all, or the client is taken back first and its death no longer matters.
+TEST_F(ConfigurationEvents, ADeathBesideTheEndOfItsClientDropsAllOrNone) {
+    for (int i = 0; i < 200; ++i) {
+        const sp<Client> staying = new Client;
+        const sp<Client> dying = new Client;
+        EXPECT_EQ(0, Register(staying));
+        EXPECT_EQ(-1, Register(dying));
+        mPlatform.ForgetFrames();
+        std::thread death([&] { dying->Die(); });
+        const int status = Unregister(dying);
+        death.join();
+        Send(kEvent);
+        if (status == -1 && Requests().empty()) {
+            EXPECT_THAT(staying->Calls(), ElementsAre(kCall));
+            EXPECT_EQ(0, Unregister(staying));
+        } else {
+            EXPECT_THAT(staying->Calls(), IsEmpty());
+        }
+    }
+}
+
+TEST(ConfigurationWithoutPlatform, ForgetsItsClientAllTheSame) {
+    const ScratchDirectory directory;
+    const sp<Configuration> service = new Configuration;
+    const sp<Client> client = new Client;
+    EXPECT_EQ(-1, static_cast<int32_t>(service->RegisterCallback(client)));
+    EXPECT_EQ(1u, client->Linked().size());
+    TolmConfigurationCallback(8, {}, nullptr);
+    EXPECT_THAT(client->Calls(), ElementsAre("onConfigurationEvent 8 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0"));
+    EXPECT_EQ(-1, static_cast<int32_t>(service->UnregisterCallback(client)));
+    EXPECT_THAT(client->Linked(), IsEmpty());
+}
+
+}  // namespace hbbtv::test

@@ -1,0 +1,37 @@
+// The platform's connection to a socket for events that the library serves.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "raw_socket.h"
+
+namespace hbbtv::test {
+
+class EventConnection {
+  public:
+    // Connects to the socket file; see RawConnection::To().
+    EventConnection(const std::string& path, int port) : mConnection(RawConnection::To(path)), mPort(port) {}
+
+    // Sends one-way events and waits until they have been handled: messages of a connection are handled in order, and
+    // the one behind them is answered. Whether all that succeeded.
+    bool Send(const std::vector<std::string>& events) {
+        for (const std::string& event : events) {
+            if (!mConnection.Write(FrameBytes(kOneWay, mPort, event))) return false;
+        }
+        return Ask("{}").has_value();
+    }
+
+    // The reply to an event that asks for one.
+    std::optional<Frame> Ask(const std::string& event) {
+        if (!mConnection.Write(FrameBytes(kRequest, mPort, event))) return std::nullopt;
+        return mConnection.ReadFrame();
+    }
+
+  private:
+    RawConnection mConnection;
+    const int mPort;
+};
+
+}  // namespace hbbtv::test

@@ -1,0 +1,125 @@
+// The events of a family, held to its protocol file and to the wire: how they are read, in all their forms, and who
+// receives them from when to when. A program of a family compiles event_rows.cpp, says what it tests
+// (EventsUnderTest()) and instantiates the suites at the end for its rows.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "event_connection.h"
+#include "log_capture.h"
+#include "raw_socket.h"
+#include "scratch_directory.h"
+
+namespace hbbtv::test {
+
+// A plain function that notes the events under a name: "first", "second", or "asking", which makes a request first.
+enum class Receiver { kNone, kFirst, kSecond, kAsking };
+
+struct EventFamily {
+    const char* protocol;    // name of its protocol file
+    const char* tag;         // of its log lines
+    const char* sourceFile;  // that its log lines name
+    void (*makeInstance)();
+    void (*deleteInstance)();
+    int (*registerReceiver)(Receiver receiver);
+    const char* event;             // one of the family's events
+    const char* received;          // what its receiver notes behind its name
+    const char* withoutReceiver;   // "priority message" in the log when there is no receiver, or empty
+    const char* refusal;           // message in the log for an event that asks for a reply
+    const char* protocolsExample;  // what is noted of the protocol file's example
+};
+
+const EventFamily& EventsUnderTest();
+
+// For the receivers. `line` is "name value value ...".
+void NoteEvent(const std::string& line);
+
+struct EventRow {
+    const char* name;
+    const char* event;
+    const char* received;        // what is noted behind the receiver's name; null when it is not called
+    const char* complaint = "";  // "priority message" in the log
+};
+
+// How a registration ends, in a family where it does.
+struct EventsEnd {
+    int (*unregister)();
+};
+
+// The requests by which the platform is told of that, in a family where it is.
+struct EventRequests {
+    const char* registering;  // a member of the request, as in "method" : 0
+    int (*unregister)();      // null when registrations do not end
+    const char* unregistering;
+};
+
+// An event of the protocol file, with all its members and in their order.
+struct ProtocolEventRow {
+    const char* name;
+    const char* event;
+    const char* received;
+};
+
+// A member of an event, read in all ways that its type has.
+struct EventMemberRow {
+    const char* name;
+    const char* event;
+    const char* key;
+    const char* type;
+    const char* received;             // with % in place of the member's value
+    const char* unchanged = nullptr;  // for a pointer: what is noted when it is not read
+};
+
+// That each event of the protocol file has a row, in the same order, and the row its members.
+void ExpectTheProtocolsEvents(const std::vector<ProtocolEventRow>& rows, const char* codeKey, const char* callback);
+
+class Events : public ::testing::Test {
+  protected:
+    Events();
+    ~Events() override { EventsUnderTest().deleteInstance(); }
+
+    // One-way events on one connection, and what the receivers noted by the time they were handled.
+    std::vector<std::string> Send(const std::vector<std::string>& events) const;
+
+    // What the receivers noted so far.
+    std::vector<std::string> Noted() const;
+
+    // Lines of the adaptor about events, as "priority message", without ENTER and LEAVE.
+    std::vector<std::string> Complaints() const;
+
+    std::string ServedSocket() const;
+    int Port() const;
+
+    ScratchDirectory mDirectory;
+    LogCapture mLog;
+};
+
+class EventsOfAPlatform : public Events {
+  protected:
+    EventsOfAPlatform();
+
+    FakePlatform mPlatform;
+};
+
+class EventForms : public EventsOfAPlatform, public ::testing::WithParamInterface<EventRow> {};
+class EventMembers : public EventsOfAPlatform, public ::testing::WithParamInterface<EventMemberRow> {};
+class ProtocolEvents : public EventsOfAPlatform, public ::testing::WithParamInterface<ProtocolEventRow> {};
+
+class EndOfEvents : public EventsOfAPlatform, public ::testing::WithParamInterface<EventsEnd> {};
+class RegistrationRequest : public EventsOfAPlatform, public ::testing::WithParamInterface<EventRequests> {};
+class EndRequest : public EventsOfAPlatform, public ::testing::WithParamInterface<EventRequests> {};
+
+void PrintTo(const EventRow& row, std::ostream* out);
+void PrintTo(const EventMemberRow& row, std::ostream* out);
+void PrintTo(const ProtocolEventRow& row, std::ostream* out);
+
+template <typename Row>
+std::string NameOfEventRow(const ::testing::TestParamInfo<Row>& info) {
+    return info.param.name;
+}
+
+}  // namespace hbbtv::test
