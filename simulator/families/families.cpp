@@ -9,6 +9,7 @@
 #include "families/channel/channel_family.h"
 #include "families/channel_config/channel_config_family.h"
 #include "families/channel_list/channel_list_family.h"
+#include "families/configuration/configuration_family.h"
 #include "families/dsmcc/dsmcc_family.h"
 #include "families/favourite_list/favourite_list_family.h"
 #include "families/favourite_list_collection/favourite_list_collection_family.h"
@@ -16,6 +17,7 @@
 #include "families/mtm/mtm_family.h"
 #include "families/parental_control_manager/parental_control_manager_family.h"
 #include "families/programme/programme_family.h"
+#include "families/search_manager/search_manager_family.h"
 #include "families/video_broadcast/video_broadcast_family.h"
 
 namespace hbbtv::sim {
@@ -30,6 +32,7 @@ std::vector<std::unique_ptr<Family>> MakeFamilies(const FamilySetup& setup) {
     families.push_back(MakeChannelFamily(setup));
     families.push_back(MakeChannelConfigFamily(setup));
     families.push_back(MakeChannelListFamily(setup));
+    families.push_back(MakeConfigurationFamily(setup));
     families.push_back(MakeDsmccFamily(setup));
     families.push_back(MakeFavouriteListFamily(setup));
     families.push_back(MakeFavouriteListCollectionFamily(setup));
@@ -37,6 +40,7 @@ std::vector<std::unique_ptr<Family>> MakeFamilies(const FamilySetup& setup) {
     families.push_back(MakeMtmFamily(setup));
     families.push_back(MakeParentalControlManagerFamily(setup));
     families.push_back(MakeProgrammeFamily(setup));
+    families.push_back(MakeSearchManagerFamily(setup));
     families.push_back(MakeVideoBroadcastFamily(setup));
     return families;
 }

@@ -1,6 +1,8 @@
 // Identifiers and ratings of programmes: see programme.h.
 #include "platform/programme.h"
 
+#include <map>
+
 #include <cstdio>
 
 #include "platform/service_channels.h"
@@ -50,6 +52,15 @@ std::shared_ptr<Programme> MakeProgramme(std::shared_ptr<const Service> service,
     }
     programme->service = std::move(service);
     return programme;
+}
+
+int AgeOf(const Rating& rating) {
+    static const std::map<std::string, std::vector<int>> kAges{{kSchemeFsk, {0, 6, 12, 16, 18}},
+                                                               {kSchemeMpaa, {0, 0, 13, 17, 18, 0}}};
+    const auto ages = kAges.find(rating.scheme);
+    if (ages == kAges.end()) return rating.value;
+    const auto position = static_cast<size_t>(rating.value);
+    return position < ages->second.size() ? ages->second[position] : 0;
 }
 
 void AddRating(Programme& programme, Rating rating) {

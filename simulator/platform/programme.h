@@ -67,6 +67,9 @@ using ProgrammeList = std::vector<std::shared_ptr<Programme>>;
 // same in every run: the address of the DVB event, and for services over IP a CRID.
 std::shared_ptr<Programme> MakeProgramme(std::shared_ptr<const Service> service, TimeRange onAir, int eventId);
 
+// The years of which a rating speaks, by its scheme; 0 when it speaks of none.
+int AgeOf(const Rating& rating);
+
 void AddRating(Programme& programme, Rating rating);
 
 }  // namespace hbbtv::sim

@@ -91,16 +91,6 @@ std::string Content(const Programme& programme) {
     return body;
 }
 
-// The years of which a rating speaks; 0 when it speaks of none.
-int AgeOf(const Rating& rating) {
-    static const std::map<std::string, std::vector<int>> kAges{{kSchemeFsk, {0, 6, 12, 16, 18}},
-                                                               {kSchemeMpaa, {0, 0, 13, 17, 18, 0}}};
-    const auto ages = kAges.find(rating.scheme);
-    if (ages == kAges.end()) return rating.value;
-    const auto position = static_cast<size_t>(rating.value);
-    return position < ages->second.size() ? ages->second[position] : 0;
-}
-
 std::string CountryOf(const Rating& rating) {
     static const std::map<std::string, std::string> kCountries{
         {"AT", "AUT"}, {"CH", "CHE"}, {"DE", "DEU"}, {"ES", "ESP"}, {"FR", "FRA"},

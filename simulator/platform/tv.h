@@ -17,6 +17,7 @@
 #include "platform/guide.h"
 #include "platform/line_up.h"
 #include "platform/parental_control.h"
+#include "platform/preferences.h"
 #include "platform/service_channels.h"
 #include "platform/state_store.h"
 #include "platform/tabs.h"
@@ -100,6 +101,7 @@ class Tv {
     ServiceChannels serviceChannels;
     ChannelLists channelList;
     std::shared_ptr<Favourites> favourites;
+    Preferences preferences;
     std::unique_ptr<Guide> guide;  // never null
     ParentalControl parentalControl;
     Device device;
