@@ -14,6 +14,7 @@
 #include "caller.h"
 #include "channel_walk.h"
 #include "event_log.h"
+#include "programme_guide.h"
 #include "transcript.h"
 
 namespace hbbtv::demo {
@@ -56,7 +57,7 @@ class Demo {
     // Whether everything went as it should.
     bool Run() {
         const bool done = Walk() && Create() && Bind() && Tune(kDasErste) && Tune(kZdf) && Zap() && Ask() && Volume() &&
-                          Components() && TuneToScrambled() && Applications();
+                          Components() && Programmes() && TuneToScrambled() && Applications();
         return Leave() && done;
     }
 
@@ -156,6 +157,8 @@ class Demo {
                CountComponents("audio", TolmHbbtvAVComponentType::AUDIO) &&
                CountComponents("subtitle", TolmHbbtvAVComponentType::SUBTITLE);
     }
+
+    bool Programmes() { return ShowNowAndNext(mTranscript, mCaller, mService, mVb); }
 
     bool TuneToScrambled() {
         mTranscript.Step("Tune to a service that cannot be shown: " + std::string(kRai.name));
