@@ -1,9 +1,9 @@
 // Identifiers and ratings of programmes: see programme.h.
 #include "platform/programme.h"
 
-#include <map>
-
 #include <cstdio>
+#include <map>
+#include <vector>
 
 #include "platform/service_channels.h"
 

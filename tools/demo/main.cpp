@@ -15,6 +15,7 @@
 #include "caller.h"
 #include "channel_walk.h"
 #include "event_log.h"
+#include "programme_guide.h"
 #include "programme_search.h"
 #include "transcript.h"
 
@@ -58,7 +59,7 @@ class Demo {
     // Whether everything went as it should.
     bool Run() {
         const bool done = Walk() && Search() && Create() && Bind() && Tune(kDasErste) && Tune(kZdf) && Zap() && Ask() &&
-                          Volume() && Components() && TuneToScrambled() && Applications();
+                          Volume() && Components() && Programmes() && TuneToScrambled() && Applications();
         return Leave() && done;
     }
 
@@ -160,6 +161,8 @@ class Demo {
                CountComponents("audio", TolmHbbtvAVComponentType::AUDIO) &&
                CountComponents("subtitle", TolmHbbtvAVComponentType::SUBTITLE);
     }
+
+    bool Programmes() { return ShowNowAndNext(mTranscript, mCaller, mService, mVb); }
 
     bool TuneToScrambled() {
         mTranscript.Step("Tune to a service that cannot be shown: " + std::string(kRai.name));
