@@ -150,7 +150,7 @@ class SimulatedPlatform : public testing::Test {
     Json::Value Exchange(RawClient& client, const Endpoint& endpoint, int method, const Members& members);
     std::string EventText(const Json::Value& event) const;
 
-    std::map<std::string, std::string> mChannelNames;             // by handle
+    std::map<std::string, std::string> mChannelNames;            // by handle
     std::map<std::string, std::unique_ptr<RawClient>> mClients;  // by socket
 };
 
