@@ -1,14 +1,15 @@
 // See arguments.h.
 #include "arguments.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 
+#include "core/local_socket.h"
 #include "failure.h"
 #include "package/values.h"
 
@@ -16,8 +17,25 @@ namespace hbbtv::ctl {
 
 namespace {
 
-std::string All(std::istream& input) {
-    return {std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
+constexpr size_t kAtOnce = 65536;
+
+// Everything that the descriptor gives.
+std::string All(int fd, const std::string& name) {
+    std::string text;
+    char bytes[kAtOnce];
+    while (true) {
+        const ssize_t count = read(fd, bytes, sizeof(bytes));
+        if (count > 0) text.append(bytes, static_cast<size_t>(count));
+        if (count == 0) return text;
+        if (count < 0 && errno != EINTR) throw Failure(kUsage, name + ": cannot be read: " + std::strerror(errno));
+    }
+}
+
+std::string StandardInput() {
+    static bool taken = false;
+    if (taken) throw Failure(kUsage, "standard input, -, can be one argument only");
+    taken = true;
+    return All(STDIN_FILENO, "standard input");
 }
 
 std::string Names(const std::vector<Parameter>& parameters) {
@@ -77,7 +95,7 @@ class Reader {
         } catch (const BadValue& e) {
             throw Failure(kUsage, mWhose + ": the arguments after --json: " + e.what());
         }
-        if (!object.isObject()) Refuse(": the arguments after --json are no object, as in '{\"channel\": 4096}'");
+        if (!object.isObject()) Refuse("takes an object after --json, as in '{\"channel\": 4096}'");
         for (const std::string& name : object.getMemberNames()) {
             const Parameter& parameter = Named(name);
             Take(parameter, [&] { return FromJsonValue(*parameter.type, object[name]); });
@@ -112,14 +130,13 @@ class Reader {
 }  // namespace
 
 std::string ReadWord(const std::string& word) {
-    if (word == "-") return All(std::cin);
+    if (word == "-") return StandardInput();
     if (word.rfind("@@", 0) == 0) return word.substr(1);
     if (word.empty() || word[0] != '@') return word;
-    std::ifstream file(word.substr(1), std::ios::binary);
-    if (!file) throw Failure(kUsage, word.substr(1) + ": cannot be opened: " + std::strerror(errno));
-    const std::string text = All(file);
-    if (file.bad()) throw Failure(kUsage, word.substr(1) + ": cannot be read");
-    return text;
+    const std::string name = word.substr(1);
+    const sim::Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
+    if (file.Get() < 0) throw Failure(kUsage, name + ": cannot be opened: " + std::strerror(errno));
+    return All(file.Get(), name);
 }
 
 Json::Value ReadArguments(const std::string& whose, const std::vector<Parameter>& parameters,

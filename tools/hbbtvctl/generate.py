@@ -81,7 +81,7 @@ def describe_types(vts, header):
         values = attribute["enum_value"][0]
         body = re.search(r"enum class " + name + r" : \w+ \{(.*?)\n\};", header, re.DOTALL).group(1)
         enumerators = []
-        for enumerator, scalar in zip(values["enumerator"], values["scalar_value"]):
+        for enumerator, scalar in zip(values.get("enumerator", []), values.get("scalar_value", [])):
             value = int(next(iter(scalar.values()))[0])
             enumerators.append({"name": enumerator, "value": value,
                                 "doc": doc_before(body, enumerator + r" = ")})
@@ -223,7 +223,8 @@ def main():
           + ["    };", "    return all;", "}", "}  // namespace hbbtv::ctl"])
 
     families = [json.loads(path.read_text()) for path in sorted(options.protocol.glob("*.json"))]
-    description = {"package": f"{package}@{version}", "types": types, "interfaces": interfaces, "families": families}
+    description = {"package": f"{package}@{version}", "interfaces": interfaces, "families": families,
+                   "types": [{"name": name, **t} for name, t in types.items()]}
     text = json.dumps(description, ensure_ascii=False, separators=(",", ":"))
     # Compilers limit the length of one literal, so the text is a list of short ones.
     pieces = [text[i:i + 8000] for i in range(0, len(text), 8000)]

@@ -3,15 +3,20 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <utility>
 
 #include "commands/commands.h"
+#include "commands/help.h"
 #include "commands/options.h"
 #include "failure.h"
 #include "package/description.h"
 #include "package/values.h"
+#include "terminal/interruption.h"
 #include "wire/endpoint.h"
 
 namespace hbbtv::ctl {
@@ -20,8 +25,18 @@ namespace {
 
 const char* const kFooter =
     "`hbbtvctl COMMAND --help` explains a command.\n\n"
-    "Exit codes: 0 done; 1 the platform's status is not 0; 2 the command line makes no sense; 3 nobody there;\n"
-    "4 no answer in time; 5 an answer that is not understood; 6 the other side went away.";
+    "Exit codes:\n"
+    "  0  done\n"
+    "  1  the platform's status is not 0\n"
+    "  2  the command line makes no sense\n"
+    "  3  nobody is there\n"
+    "  4  no answer in time\n"
+    "  5  an answer that is not understood\n"
+    "  6  the other side went away\n\n"
+    "Environment:\n"
+    "  TMPDIR         where the sockets are, unless --directory says so; /tmp without it\n"
+    "  HIDL_HOST_DIR  where processes find interfaces; hidl-host in the sockets' directory without it\n"
+    "  NO_COLOR       no colours, also at a terminal";
 
 void AddCommands(CLI::App& app, Invocation& invocation) {
     for (const auto add :
@@ -35,22 +50,35 @@ std::string Explained(const CLI::App& app, const CLI::ParseError& error, const s
     const CLI::App* command = &app;
     std::vector<std::string> known;
     for (const CLI::App* sub : app.get_subcommands({})) known.push_back(sub->get_name());
+    bool value = false;  // whether the word belongs to the option in front of it
     for (const std::string& word : words) {
-        if (word.empty() || word == "-" || word == "--") continue;
+        if (word == "--") break;
+        if (std::exchange(value, false) || word.empty() || word == "-") continue;
         if (word[0] == '-') {
             const std::string name = word.substr(0, word.find('='));
-            if (command->get_option_no_throw(name) != nullptr || app.get_option_no_throw(name) != nullptr) continue;
+            if (const CLI::Option* option = command->get_option_no_throw(name)) {
+                value = option->get_expected_min() > 0 && name == word;
+                continue;
+            }
+            if (app.get_option_no_throw(name) != nullptr && command != &app) {
+                return "the option " + name + " stands in front of the command";
+            }
             std::vector<std::string> options;
-            for (const CLI::Option* option : command->get_options()) options.push_back(option->get_name());
-            const bool number = word.find_first_not_of("-0123456789.xabcdefABCDEF") == std::string::npos;
-            return "there is no option " + Quoted(name) + DidYouMean(name, options) +
-                   (number ? " (a negative value is written NAME=" + word + ", or behind --)" : "");
+            for (const CLI::Option* option : command->get_options()) {
+                if (!option->get_group().empty() && !option->get_positional()) options.push_back(option->get_name());
+            }
+            return "there is no option " + Quoted(name) + DidYouMean(name, options);
         }
         if (command != &app) continue;
         if (std::find(known.begin(), known.end(), word) == known.end()) {
             return "there is no command " + Quoted(word) + DidYouMean(word, known);
         }
         command = app.get_subcommand(word);
+    }
+    if (value) return words.back() + " needs a value: " + command->get_option(words.back())->get_type_name();
+    if (command == &app) return "there is no command to run";
+    if (!command->remaining().empty()) {
+        return command->get_name() + " has an argument too many, " + Quoted(command->remaining().front());
     }
     return error.what();
 }
@@ -64,15 +92,15 @@ int Main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     CLI::App app("Look at, call, listen to and play either side of the HbbTV service library.");
     app.name("hbbtvctl");
-    app.set_version_flag("--version", "hbbtvctl " HBBTV_VERSION);
+    app.set_version_flag("--version", "hbbtvctl " HBBTV_VERSION, "Show the version and end");
     app.footer(kFooter);
     app.require_subcommand(1);
     Invocation invocation{DefaultDirectory(), nullptr};
     app.add_option("--directory", invocation.directory, "Where the sockets are; $TMPDIR, or /tmp")->type_name("DIR");
     AddCommands(app, invocation);
-    const std::vector<std::string> words = SplitJsonOption(argc, argv);
-    if (!words.empty() && words[0] == "complete")
-        return Complete(app, {words.begin() + std::min<size_t>(2, words.size()), words.end()});
+    SetHelp(app);
+    if (argc > 1 && std::string(argv[1]) == "complete") return Complete(app, {argv + std::min(argc, 3), argv + argc});
+    const std::vector<std::string> words = SplitJsonOption(app, argc, argv);
     try {
         app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     } catch (const CLI::CallForHelp& e) {
@@ -80,17 +108,30 @@ int Main(int argc, char** argv) {
     } catch (const CLI::CallForVersion& e) {
         return app.exit(e);
     } catch (const CLI::ParseError& e) {
-        std::fprintf(stderr, "hbbtvctl: %s\n`hbbtvctl --help` shows what there is.\n",
-                     Explained(app, e, words).c_str());
+        const auto asked = app.get_subcommands();
+        const std::string help = asked.empty() ? "" : asked[0]->get_name() + " ";
+        std::fprintf(stderr, "hbbtvctl: %s\n`hbbtvctl %s--help` shows what there is.\n",
+                     Explained(app, e, words).c_str(), help.c_str());
         return kUsage;
     }
     UseDirectory(invocation);
     try {
         return invocation.run();
     } catch (const Failure& e) {
+        std::fflush(stdout);
         std::fprintf(stderr, "hbbtvctl: %s\n", e.what());
         return e.Code();
+    } catch (const Interrupted&) {
+        return kDone;
     }
+}
+
+// Output that could not be written is lost to whoever asked for it; a reader that went away wanted no more.
+int Flushed(int code) {
+    const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (written || errno == EPIPE || code != kDone) return code;
+    std::fprintf(stderr, "hbbtvctl: standard output: %s\n", std::strerror(errno));
+    return kUsage;
 }
 
 }  // namespace
@@ -98,8 +139,7 @@ int Main(int argc, char** argv) {
 }  // namespace hbbtv::ctl
 
 int main(int argc, char** argv) {
-    const int code = hbbtv::ctl::Main(argc, argv);
-    std::fflush(stdout);
+    const int code = hbbtv::ctl::Flushed(hbbtv::ctl::Main(argc, argv));
     // Not exit(): threads of the HIDL pool may be in a callback, and one that waits for a service that hangs never
     // ends.
     std::_Exit(code);

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <mutex>
 #include <thread>
 
@@ -18,6 +19,8 @@ namespace hbbtv::ctl {
 
 namespace {
 
+constexpr uint64_t kMostAtOnce = 64;
+
 using Clock = std::chrono::steady_clock;
 using Nanoseconds = std::chrono::nanoseconds;
 
@@ -30,15 +33,10 @@ struct BenchOptions {
     double rate = 0;
 };
 
-class NoEvents : public EventSink {
-  public:
-    Json::Value Take(const char*, const char*, Json::Value) override { return Json::Value(Json::arrayValue); }
-};
-
 struct Measured {
     std::vector<Nanoseconds> times;
     uint64_t failed = 0;  // a status that is not 0
-    bool peerLost = false;
+    CallOutcome last;
 };
 
 // The calls of all threads in turn: at their times when there is a rate, otherwise as fast as they go.
@@ -76,7 +74,9 @@ struct Job {
           arguments(std::move(theArguments)),
           begin(Clock::now()),
           end(begin + options.duration.Value()),
-          pace(begin, options.rate) {}
+          pace(begin, options.rate) {
+        measured.last.answered = true;
+    }
 
     const ServiceCaller service;
     const Method& method;
@@ -84,28 +84,26 @@ struct Job {
     const Clock::time_point begin;
     const Clock::time_point end;
     Pace pace;
+    NoEvents noEvents;
     std::mutex mutex;
     Measured measured;  // guarded by mutex while threads run
 };
 
 void Work(Job& job) {
-    NoEvents sink;
     Measured mine;
-    while (!mine.peerLost) {
+    mine.last.answered = true;
+    while (mine.last.answered) {
         const Clock::time_point begin = job.pace.Next();
         if (begin >= job.end) break;
-        const CallOutcome outcome = job.service.CallNow(job.method, job.arguments, sink);
+        mine.last = job.service.CallNow(job.method, job.arguments, job.noEvents);
         mine.times.push_back(Clock::now() - begin);
-        mine.peerLost = !outcome.answered;
-        if (outcome.answered && !outcome.results.empty() && outcome.results[0].isInt() && outcome.results[0] != 0) {
-            ++mine.failed;
-        }
+        if (mine.last.answered && StatusOf(job.method, mine.last.results) != 0) ++mine.failed;
     }
     const std::lock_guard<std::mutex> lock(job.mutex);
     Measured& all = job.measured;
     all.times.insert(all.times.end(), mine.times.begin(), mine.times.end());
     all.failed += mine.failed;
-    all.peerLost = all.peerLost || mine.peerLost;
+    if (!mine.last.answered) all.last = mine.last;
 }
 
 void WorkAtOnce(Job& job, unsigned concurrency) {
@@ -150,18 +148,27 @@ void Print(const std::string& name, const BenchOptions& options, const Measured&
     std::printf("%s", Columns(rows, "  ").c_str());
 }
 
+std::string AboveZero(const std::string& word) {
+    char* end = nullptr;
+    const double number = std::strtod(word.c_str(), &end);
+    const bool good = !word.empty() && *end == '\0' && std::isfinite(number) && number > 0;
+    return good ? "" : Quoted(word) + " is no number above 0";
+}
+
 int Run(const BenchOptions& options) {
     const auto [interface, method] = Package::Get().FindMethod(options.method);
     const std::string name = interface->name + "." + method->name;
-    if (interface->callback) throw Failure(kUsage, interface->name + " is implemented by clients");
+    if (interface->callback)
+        throw Failure(kUsage, interface->name + " is implemented by clients, so it cannot be called");
     const Json::Value arguments =
         InOrder(method->arguments, ReadArguments(name, method->arguments, options.arguments.given, true));
+    if (Listens(arguments)) throw Failure(kUsage, "bench shows no events: use call or listen with @listen");
     const auto job = std::make_shared<Job>(*interface, *method, arguments, options);
     InTime(options.duration.Value() + options.timeout.Value(), name,
            [job, concurrency = options.concurrency] { WorkAtOnce(*job, concurrency); });
     const double seconds = std::chrono::duration<double>(Clock::now() - job->begin).count();
     Measured& measured = job->measured;
-    if (measured.peerLost) throw Failure(kPeerLost, name + ": the service went away");
+    job->service.CheckAnswered(*method, measured.last);
     if (measured.times.empty()) throw Failure(kUsage, "no call fits into --duration");
     std::sort(measured.times.begin(), measured.times.end());
     Print(name, options, measured, seconds);
@@ -173,19 +180,23 @@ int Run(const BenchOptions& options) {
 void AddBench(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<BenchOptions>();
     CLI::App* command = app.add_subcommand("bench", "Measure how long calls of a method take");
-    command->add_option("method", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
+    command->add_option("METHOD", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
         ->type_name("METHOD")
         ->required();
     AddArguments(*command, options->arguments);
     command->add_option("--concurrency", options->concurrency, "Calls at once")
         ->type_name("NUMBER")
-        ->check(CLI::Range(1, 64))
+        ->check(WholeNumber(1, kMostAtOnce))
         ->capture_default_str();
     AddTime(*command, "--duration", options->duration, "How long to go on");
     command->add_option("--rate", options->rate, "Calls per second, all together; as fast as it goes without it")
         ->type_name("NUMBER")
-        ->check(CLI::PositiveNumber);
+        ->check(AboveZero);
     AddTime(*command, "--timeout", options->timeout, "Longest wait for an answer");
+    command->footer(
+        "Examples:\n"
+        "  hbbtvctl bench IChannelConfig.GetCurrentChannel --duration 1s\n"
+        "  hbbtvctl bench IChannel.GetName channel=0x1000 --concurrency 4 --rate 200 --duration 1s --json");
     command->callback([options, &invocation] { invocation.run = [options] { return Run(*options); }; });
 }
 

@@ -6,6 +6,7 @@
 #include "commands/options.h"
 #include "failure.h"
 #include "hidl/caller.h"
+#include "hidl/death_notice.h"
 #include "hidl/event_printer.h"
 #include "package/handles.h"
 #include "package/values.h"
@@ -24,14 +25,6 @@ struct CallOptions {
     TimeOption duration{""};
     uint64_t count = 0;
 };
-
-// 0 for a method without a status.
-int StatusOf(const Method& method, const Json::Value& results) {
-    for (Json::ArrayIndex i = 0; i < method.results.size(); ++i) {
-        if (method.results[i].name == "status") return results[i].asInt();
-    }
-    return 0;
-}
 
 void PrintForPeople(const Method& method, const Json::Value& results, double milliseconds, bool time) {
     std::vector<std::vector<std::string>> rows;
@@ -54,15 +47,39 @@ void PrintForPrograms(const std::string& name, const Method& method, const Json:
         const Parameter& result = method.results[i];
         named[result.name] = ForPrograms(*result.type, results[i], options.numbers);
     }
-    if (options.time) document["time_us"] = static_cast<Json::Int64>(milliseconds * 1000);
+    if (options.time) document["took_us"] = static_cast<Json::Int64>(milliseconds * 1000);
     std::printf("%s\n", WriteJson(document).c_str());
 }
 
-bool Listens(const Json::Value& arguments) {
-    for (const Json::Value& argument : arguments) {
-        if (argument == "@listen") return true;
+// The exit code by the status.
+int CallAndPrint(ServiceCaller& service, const Method& method, const Json::Value& arguments, EventSink& events,
+                 const CallOptions& options) {
+    const auto begin = std::chrono::steady_clock::now();
+    const Json::Value results = service.Call(method, arguments, events);
+    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - begin;
+    if (options.arguments.json) {
+        PrintForPrograms(service.Name() + "." + method.name, method, results, took.count(), options);
+    } else {
+        PrintForPeople(method, results, took.count(), options.time);
     }
-    return false;
+    std::fflush(stdout);
+    return StatusOf(method, results) == 0 ? kDone : kStatusNotZero;
+}
+
+// The service forgets the callback when this process ends.
+int CallAndListen(const Interface& interface, const Method& method, const Json::Value& arguments,
+                  const CallOptions& options) {
+    // Callbacks may come as long as the process lives.
+    static Interruption interruption;
+    static EventPrinter events({options.arguments.json, options.numbers, {}, options.count}, interruption);
+    ServiceCaller service(interface, options.timeout.Value());
+    const android::sp<DeathNotice> notice = new DeathNotice(interruption);
+    notice->Watch(service);
+    if (const int code = CallAndPrint(service, method, arguments, events, options); code != kDone) return code;
+    const bool limited = !options.duration.word.empty();
+    interruption.Wait(limited ? std::optional(options.duration.Value()) : std::nullopt);
+    notice->Check();
+    return kDone;
 }
 
 int Run(const CallOptions& options) {
@@ -75,25 +92,10 @@ int Run(const CallOptions& options) {
     }
     const Json::Value byName = ReadArguments(name, method->arguments, options.arguments.given, true);
     const Json::Value arguments = InOrder(method->arguments, byName);
-    // Callbacks may come as long as the process lives.
-    static Interruption interruption;
-    static EventPrinter events({options.arguments.json, options.numbers, {}, options.count}, interruption);
+    if (Listens(arguments)) return CallAndListen(*interface, *method, arguments, options);
+    static NoEvents events;
     ServiceCaller service(*interface, options.timeout.Value());
-    const auto begin = std::chrono::steady_clock::now();
-    const Json::Value results = service.Call(*method, arguments, events);
-    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - begin;
-    if (options.arguments.json) {
-        PrintForPrograms(name, *method, results, took.count(), options);
-    } else {
-        PrintForPeople(*method, results, took.count(), options.time);
-    }
-    std::fflush(stdout);
-    const int status = StatusOf(*method, results);
-    if (status == 0 && Listens(arguments)) {
-        const bool limited = !options.duration.word.empty();
-        interruption.Wait(limited ? std::optional(options.duration.Value()) : std::nullopt);
-    }
-    return status == 0 ? kDone : kStatusNotZero;
+    return CallAndPrint(service, *method, arguments, events, options);
 }
 
 }  // namespace
@@ -101,7 +103,7 @@ int Run(const CallOptions& options) {
 void AddCall(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<CallOptions>();
     CLI::App* command = app.add_subcommand("call", "Call a method of the running service");
-    command->add_option("method", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
+    command->add_option("METHOD", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
         ->type_name("METHOD")
         ->required();
     AddArguments(*command, options->arguments);
@@ -109,13 +111,15 @@ void AddCall(CLI::App& app, Invocation& invocation) {
     command->add_flag("--numbers", options->numbers, "In JSON, enumerators by number instead of by name");
     AddTime(*command, "--timeout", options->timeout, "Longest wait for the answer");
     AddTime(*command, "--for", options->duration, "With @listen: end after this time");
-    command->add_option("--count", options->count, "With @listen: end after so many events")->type_name("NUMBER");
+    command->add_option("--count", options->count, "With @listen: end after so many events")
+        ->type_name("NUMBER")
+        ->check(WholeNumber(1));
     command->footer(
         "Examples:\n"
         "  hbbtvctl call IChannelConfig.GetCurrentChannel\n"
         "  hbbtvctl call IChannel.GetName channel=0x1000\n"
-        "  hbbtvctl call IVideoBroadcast.SetWindow 0x1000 '{\"x\": 0, \"y\": 0, \"width\": 640, \"height\": 360}'\n"
-        "  hbbtvctl call IChannelConfig.RegisterCallback cb=@listen context=1 --for 10s");
+        "  hbbtvctl call IVideoBroadcast.SetWindow 0x2000 '{\"x\": 0, \"y\": 0, \"width\": 640, \"height\": 360}'\n"
+        "  hbbtvctl call IChannelConfig.RegisterCallback cb=@listen context=1 --for 1s");
     command->callback([options, &invocation] { invocation.run = [options] { return Run(*options); }; });
 }
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "commands/commands.h"
+#include "commands/help.h"
 #include "commands/options.h"
 #include "failure.h"
 #include "package/description.h"
@@ -72,22 +73,55 @@ Candidates Names(const std::string& word) {
     return candidates;
 }
 
-// "name=" of what is not given yet, and what may stand behind it.
+// What may stand for a value.
+Candidates ValuesOf(const Type& type, const std::string& start) {
+    Candidates candidates;
+    for (const Enumerator& e : type.enumerators) candidates.push_back({start + e.name, FirstLine(e.doc)});
+    if (type.kind == Type::Kind::Bool) candidates = {{start + "true", ""}, {start + "false", ""}};
+    if (type.kind == Type::Kind::Callback) candidates = {{start + "@listen", "show what arrives"}};
+    return candidates;
+}
+
+// The parameters that no word is for, in order.
+std::vector<Parameter> NotGiven(std::vector<Parameter> parameters, const std::vector<std::string>& given) {
+    for (const bool named : {true, false}) {
+        for (const std::string& word : given) {
+            const auto parameter = std::find_if(parameters.begin(), parameters.end(), [&word](const Parameter& p) {
+                return word.rfind(p.name + "=", 0) == 0;
+            });
+            if (parameter != parameters.end()) {
+                if (named) parameters.erase(parameter);
+            } else if (!named && !parameters.empty() && word.find('=') == std::string::npos) {
+                parameters.erase(parameters.begin());
+            }
+        }
+    }
+    return parameters;
+}
+
+// "name=" of what is not given yet, and what may stand behind it; or a value of the next one.
 Candidates Arguments(const std::vector<Parameter>& parameters, const std::vector<std::string>& given,
                      const std::string& word) {
-    Candidates candidates;
     for (const Parameter& parameter : parameters) {
-        const std::string start = parameter.name + "=";
-        if (word.rfind(start, 0) == 0) {
-            for (const Enumerator& e : parameter.type->enumerators)
-                candidates.push_back({start + e.name, FirstLine(e.doc)});
-            if (parameter.type->kind == Type::Kind::Bool) candidates = {{start + "true", ""}, {start + "false", ""}};
-            if (parameter.type->kind == Type::Kind::Callback) candidates = {{start + "@listen", ""}};
-            return candidates;
+        if (word.rfind(parameter.name + "=", 0) == 0) return ValuesOf(*parameter.type, parameter.name + "=");
+    }
+    Candidates candidates;
+    const std::vector<Parameter> missing = NotGiven(parameters, given);
+    for (const Parameter& parameter : missing) candidates.push_back({parameter.name + "=", parameter.type->name});
+    if (word.empty() || missing.empty()) return candidates;
+    const Candidates values = ValuesOf(*missing.front().type, "");
+    candidates.insert(candidates.end(), values.begin(), values.end());
+    return candidates;
+}
+
+// Methods of clients that need an answer.
+Candidates Answers() {
+    Candidates candidates;
+    for (const Interface& interface : Package::Get().interfaces) {
+        for (const Method& method : interface.methods) {
+            if (!interface.callback || method.results.empty()) continue;
+            candidates.push_back({method.name + "=", FirstLine(method.doc)});
         }
-        const bool taken = std::any_of(given.begin(), given.end(),
-                                       [&](const std::string& other) { return other.rfind(start, 0) == 0; });
-        if (!taken) candidates.push_back({start, parameter.type->name});
     }
     return candidates;
 }
@@ -127,13 +161,11 @@ class Line {
     }
 
     Candidates Complete() const {
+        if (mUnknown) return {};
         if (mOption != nullptr) return OfType(mOption->get_type_name());
         if (!mWord.empty() && mWord[0] == '-') return Options();
-        if (mCommand->get_parent() == nullptr) return Commands();
-        std::vector<const CLI::Option*> positionals;
-        for (const CLI::Option* option : mCommand->get_options()) {
-            if (option->get_positional()) positionals.push_back(option);
-        }
+        if (mCommand->get_parent() == nullptr) return Commands(*mCommand);
+        const std::vector<const CLI::Option*> positionals = ctl::Options(*mCommand, true);
         if (positionals.empty()) return {};
         return OfType(positionals[std::min(mPositionals.size(), positionals.size() - 1)]->get_type_name());
     }
@@ -148,16 +180,16 @@ class Line {
             if (takesValue && word.find('=') == std::string::npos) mOption = option;
         } else if (mCommand->get_parent() == nullptr) {
             const auto commands = mCommand->get_subcommands([&word](const CLI::App* c) { return c->check_name(word); });
-            if (!commands.empty()) mCommand = commands.front();
+            mUnknown = commands.empty();
+            if (!mUnknown) mCommand = commands.front();
         } else {
             mPositionals.push_back(word);
         }
     }
 
-    Candidates Commands() const {
+    static Candidates Commands(const CLI::App& app) {
         Candidates candidates;
-        for (const CLI::App* command :
-             mCommand->get_subcommands([](const CLI::App* c) { return !c->get_group().empty(); })) {
+        for (const CLI::App* command : ctl::Commands(app)) {
             candidates.push_back({command->get_name(), command->get_description()});
         }
         return candidates;
@@ -165,8 +197,7 @@ class Line {
 
     Candidates Options() const {
         Candidates candidates;
-        for (const CLI::Option* option : mCommand->get_options()) {
-            if (option->get_group().empty()) continue;
+        for (const CLI::Option* option : ctl::Options(*mCommand, false)) {
             for (const std::string& name : option->get_lnames()) {
                 candidates.push_back({"--" + name, option->get_description()});
             }
@@ -177,17 +208,24 @@ class Line {
     Candidates OfType(const std::string& type) const {
         if (type == "METHOD") return Methods(mWord, false);
         if (type == "OPERATION") return Operations(mWord);
-        if (type == "FAMILY" || type == "FAMILY...") return Families(true);
+        if (type == "FAMILY") return Families(true);
         if (type == "EVENT" && !mPositionals.empty()) return Events(mPositionals[0]);
         if (type == "NAME") return Names(mWord);
+        if (type == "COMMAND") return Commands(*mCommand->get_parent());
+        if (type == "METHOD=JSON") return Answers();
         if (type == "SHELL") return {{"bash", ""}, {"zsh", ""}, {"fish", ""}};
-        if (type == "ARGUMENT..." && !mPositionals.empty()) {
-            return Arguments(ParametersOf(mCommand->get_name(), mPositionals), mPositionals, mWord);
+        if (type == "ARGUMENT" && !mPositionals.empty()) {
+            const size_t before = mCommand->get_name() == "emit" ? 2 : 1;
+            return Arguments(ParametersOf(mCommand->get_name(), mPositionals),
+                             {mPositionals.begin() + static_cast<std::ptrdiff_t>(std::min(before, mPositionals.size())),
+                              mPositionals.end()},
+                             mWord);
         }
         return {};
     }
 
     const CLI::App* mCommand;
+    bool mUnknown = false;                 // whether there is no such command
     const CLI::Option* mOption = nullptr;  // waits for its value
     std::vector<std::string> mPositionals;
     std::string mWord;
@@ -195,9 +233,18 @@ class Line {
 
 constexpr const char* kBash = R"(# bash completion of hbbtvctl: source it, or put it where bash-completion looks.
 _hbbtvctl() {
-    local line=${COMP_LINE:0:COMP_POINT} words word candidate
-    read -r -a words <<<"$line"
-    [[ $line == *[[:space:]] ]] && words+=("")
+    local line=${COMP_LINE:0:COMP_POINT} piece word candidate
+    local -a words=()
+    # Bash takes "=" and ":" for words of their own: what no blank separates in the line is one word.
+    for piece in "${COMP_WORDS[@]:0:COMP_CWORD+1}"; do
+        if [[ ${#words[@]} -eq 0 || $line == [[:space:]]* || -z $line ]]; then
+            words+=("")
+            line=${line#"${line%%[![:space:]]*}"}
+        fi
+        piece=${line:0:${#piece}}
+        words[-1]+=$piece
+        line=${line:${#piece}}
+    done
     word=${words[-1]}
     COMPREPLY=()
     # Bash takes what follows an "=" for a word of its own.
@@ -265,11 +312,18 @@ int Complete(const CLI::App& app, const std::vector<std::string>& words) {
 void AddCompletion(CLI::App& app, Invocation& invocation) {
     auto shell = std::make_shared<std::string>();
     CLI::App* command = app.add_subcommand("completion", "Print the completion script for a shell");
-    command->add_option("shell", *shell, "bash, zsh or fish")
+    command->add_option("SHELL", *shell, "bash, zsh or fish")
         ->type_name("SHELL")
         ->required()
-        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
-    command->footer("Example, in ~/.bashrc:\n  source <(hbbtvctl completion bash)");
+        ->check([](const std::string& name) {
+            const bool known = name == "bash" || name == "zsh" || name == "fish";
+            return known ? "" : "\"" + name + "\" is none of bash, zsh, fish";
+        });
+    command->footer(
+        "Examples, in ~/.bashrc, ~/.zshrc (after compinit) and config.fish:\n"
+        "  source <(hbbtvctl completion bash)\n"
+        "  source <(hbbtvctl completion zsh)\n"
+        "  hbbtvctl completion fish | source");
     command->callback([shell, &invocation] { invocation.run = [shell] { return PrintScript(*shell); }; });
 }
 

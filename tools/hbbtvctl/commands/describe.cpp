@@ -14,16 +14,22 @@ namespace hbbtv::ctl {
 
 namespace {
 
-std::string Signature(const Method& method) {
-    const auto list = [](const std::vector<Parameter>& parameters) {
-        std::string text;
-        for (const Parameter& parameter : parameters) {
-            text += (text.empty() ? "" : ", ") + parameter.type->name + " " + parameter.name;
-        }
-        return text;
-    };
-    const std::string results = method.results.empty() ? "" : " -> (" + list(method.results) + ")";
-    return method.name + "(" + list(method.arguments) + ")" + results;
+std::string List(const std::vector<Parameter>& parameters) {
+    std::string text;
+    for (const Parameter& parameter : parameters) {
+        text += (text.empty() ? "" : ", ") + parameter.type->name + " " + parameter.name;
+    }
+    return "(" + text + ")";
+}
+
+// On one line, or the results below the arguments.
+std::string Signature(const std::string& name, const Method& method, const std::string& indent) {
+    const std::string hanging = indent + "        ";
+    const std::string call = name + List(method.arguments);
+    const std::string results = method.results.empty() ? "" : "-> " + List(method.results);
+    const std::string all = Wrapped(results.empty() ? call : call + " " + results, indent, hanging);
+    if (results.empty() || all.find('\n') + 1 == all.size()) return all;
+    return Wrapped(call, indent, hanging) + Wrapped(results, hanging);
 }
 
 std::string FirstSentence(const std::string& doc) {
@@ -42,26 +48,33 @@ std::string MemberText(const Json::Value& member) {
 
 std::string MembersText(const Json::Value& members) {
     std::string text;
-    for (const Json::Value& member : members) text += "    " + MemberText(member) + "\n";
+    for (const Json::Value& member : members) text += Wrapped(MemberText(member), "    ", "        ");
     return text.empty() ? "    none\n" : text;
 }
 
 void PrintTypes(const std::vector<Parameter>& parameters);
 
 void PrintType(const Type& type) {
-    if (type.kind == Type::Kind::Vector) return PrintType(*type.element);
-    if (type.kind != Type::Kind::Enum && type.kind != Type::Kind::Struct) return;
-    std::printf("\n%s\n%s", Bold(type.name).c_str(), Indented(type.doc, "    ").c_str());
+    std::printf("%s\n%s", Bold(type.name).c_str(), Wrapped(type.doc, "    ").c_str());
     std::vector<std::vector<std::string>> rows;
     for (const Enumerator& e : type.enumerators)
         rows.push_back({std::to_string(e.value), e.name, FirstSentence(e.doc)});
     for (const Parameter& field : type.fields) rows.push_back({field.type->name, field.name});
-    std::printf("%s", Columns(rows, "    ").c_str());
+    std::printf("%s", WrappedColumns(rows, "    ").c_str());
     PrintTypes(type.fields);
 }
 
+const Type& Innermost(const Type& type) {
+    return type.kind == Type::Kind::Vector ? Innermost(*type.element) : type;
+}
+
 void PrintTypes(const std::vector<Parameter>& parameters) {
-    for (const Parameter& parameter : parameters) PrintType(*parameter.type);
+    for (const Parameter& parameter : parameters) {
+        const Type& type = Innermost(*parameter.type);
+        if (type.kind != Type::Kind::Enum && type.kind != Type::Kind::Struct) continue;
+        std::printf("\n");
+        PrintType(type);
+    }
 }
 
 void PrintOperation(const WireFamily& family, const Json::Value& operation) {
@@ -73,7 +86,7 @@ void PrintOperation(const WireFamily& family, const Json::Value& operation) {
     codes += envelope["code"]["key"].asString() + " " + operation["code"].asString();
     std::printf("\n%s %s, %s, to %s, port %d\n", Bold("Wire").c_str(), operation["form"].asCString(), codes.c_str(),
                 endpoint.socket.c_str(), endpoint.port);
-    if (operation.isMember("note")) std::printf("%s", Indented(operation["note"].asString(), "    ").c_str());
+    if (operation.isMember("note")) std::printf("%s", Wrapped(operation["note"].asString(), "    ").c_str());
     std::printf("  request\n%s", MembersText(operation["request"]).c_str());
     if (operation["form"] != "one-way") {
         std::printf("  reply\n    ret (int): 0 for success\n%s",
@@ -82,9 +95,10 @@ void PrintOperation(const WireFamily& family, const Json::Value& operation) {
 }
 
 int DescribeMethod(const Interface& interface, const Method& method) {
-    std::printf("%s\n%s", Bold(interface.name + "." + Signature(method)).c_str(), Indented(method.doc, "    ").c_str());
+    std::printf("%s%s", Signature(Bold(interface.name + "." + method.name), method, "").c_str(),
+                Wrapped(method.doc, "    ").c_str());
     const WireFamily* family = Package::Get().FamilyOf(interface);
-    if (const Json::Value* operation = family == nullptr ? nullptr : family->Operation(method.name)) {
+    if (const Json::Value* operation = family == nullptr ? nullptr : family->OperationOf(method)) {
         PrintOperation(*family, *operation);
     }
     PrintTypes(method.arguments);
@@ -94,17 +108,17 @@ int DescribeMethod(const Interface& interface, const Method& method) {
 
 int DescribeInterface(const Interface& interface) {
     std::printf("%s%s\n%s\n", Bold(Package::Get().name + "::" + interface.name).c_str(),
-                interface.callback ? ", implemented by clients" : "", Indented(interface.doc, "    ").c_str());
+                interface.callback ? ", implemented by clients" : "", Wrapped(interface.doc, "    ").c_str());
     for (const Method& method : interface.methods) {
-        std::printf("  %s\n", Signature(method).c_str());
-        if (!method.doc.empty()) std::printf("      %s\n", Dim(FirstSentence(method.doc)).c_str());
+        std::printf("%s", Signature(method.name, method, "  ").c_str());
+        if (!method.doc.empty()) std::printf("%s", Wrapped(Dim(FirstSentence(method.doc)), "      ").c_str());
     }
     return kDone;
 }
 
 int DescribeOperation(const WireFamily& family, const Json::Value& operation) {
     std::printf("%s\n%s", Bold(family.name + "." + operation["name"].asString()).c_str(),
-                Indented(operation["doc"].asString(), "    ").c_str());
+                Wrapped(operation["doc"].asString(), "    ").c_str());
     PrintOperation(family, operation);
     return kDone;
 }
@@ -120,13 +134,13 @@ void PrintEvents(const WireFamily& family) {
         rows.push_back({event["object"].asString(), event["code"].asString(), event["name"].asString(), forms,
                         event["callback"].asString(), members});
     }
-    std::printf("\nEvents\n%s", Columns(rows, "  ").c_str());
+    std::printf("\nEvents\n%s", WrappedColumns(rows, "  ").c_str());
 }
 
 int DescribeFamily(const WireFamily& family) {
     const Endpoint requests = RequestsOf(family);
     std::printf("%s (%s)\n%s\n", Bold(family.name).c_str(), family.protocol["title"].asCString(),
-                Indented(family.protocol["doc"].asString(), "    ").c_str());
+                Wrapped(family.protocol["doc"].asString(), "    ").c_str());
     std::printf("  requests  key %d, port %d, %s, served by the platform\n", requests.key, requests.port,
                 requests.socket.c_str());
     if (family.protocol["endpoints"].isMember("events")) {
@@ -139,7 +153,7 @@ int DescribeFamily(const WireFamily& family) {
         rows.push_back({operation["code"].asString(), operation["name"].asString(), operation["form"].asString(),
                         Dim(FirstSentence(operation["doc"].asString()))});
     }
-    std::printf("\nOperations\n%s", Columns(rows, "  ").c_str());
+    std::printf("\nOperations\n%s", WrappedColumns(rows, "  ").c_str());
     if (!family.protocol["events"].empty()) PrintEvents(family);
     return kDone;
 }
@@ -168,7 +182,9 @@ int Run(const std::string& name) {
         if (family.name != owner) continue;
         if (member.empty()) return DescribeFamily(family);
         if (const Json::Value* operation = family.Operation(member)) return DescribeOperation(family, *operation);
-        throw Failure(kUsage, "the family " + family.name + " has no operation \"" + member + "\"");
+        throw Failure(kUsage, "the family " + family.name + " has no operation \"" + member + "\"" +
+                                  DidYouMean(member, family.OperationNames()) + " (`hbbtvctl describe " + family.name +
+                                  "` shows all)");
     }
     if (!member.empty()) {
         const auto [interface, method] = package.FindMethod(name);
@@ -188,9 +204,15 @@ void AddDescribe(CLI::App& app, Invocation& invocation) {
     auto name = std::make_shared<std::string>();
     CLI::App* command =
         app.add_subcommand("describe", "Explain an interface, a method, a type or a family of the wire");
-    command->add_option("name", *name, "As in IChannel, IChannel.GetOnid, TolmRect, channel, channel.GetOnid")
+    command->add_option("NAME", *name, "As in IChannel, IChannel.GetOnid, TolmRect, channel, channel.GetOnid")
         ->type_name("NAME")
         ->required();
+    command->footer(
+        "Examples:\n"
+        "  hbbtvctl describe IChannel\n"
+        "  hbbtvctl describe IVideoBroadcast.SetChannel\n"
+        "  hbbtvctl describe TolmVBPlayState\n"
+        "  hbbtvctl describe channel_config");
     command->callback([name, &invocation] { invocation.run = [name] { return Run(*name); }; });
 }
 

@@ -155,11 +155,6 @@ Checks CheckRights(const std::string& directory) {
     return checks;
 }
 
-std::string HostDirectory(const std::string& directory) {
-    const char* own = std::getenv("HIDL_HOST_DIR");
-    return own != nullptr ? own : directory + "/hidl-host";
-}
-
 Check CheckHostDirectory(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
@@ -244,7 +239,7 @@ void PrintForPrograms(const Checks& checks) {
 }
 
 int Run(const std::string& directory, const DoctorOptions& options) {
-    const std::string hostDirectory = HostDirectory(directory);
+    const std::string hostDirectory = HostDirectory();
     Checks checks{CheckDirectory(directory), CheckPathLength(directory)};
     const auto add = [&checks](const Checks& more) { checks.insert(checks.end(), more.begin(), more.end()); };
     add(CheckPlatform(directory));
@@ -274,8 +269,16 @@ void AddDoctor(CLI::App& app, Invocation& invocation) {
     AddJson(*command, options->json);
     AddTime(*command, "--timeout", options->timeout, "Longest wait for the service");
     command->footer(
-        "Exit codes: 0 no problem (warnings may be), else that of the first problem:\n"
-        "3 something is missing or cannot be reached, 4 the service hangs, 5 versions that do not fit.");
+        "One line for each check: what was found and, unless all is well, what to do.\n\n"
+        "Exit codes:\n"
+        "  0  no problem; warnings may be\n"
+        "  3  something is missing or cannot be reached\n"
+        "  4  the service hangs\n"
+        "  5  versions that do not fit\n"
+        "With several problems, that of the first.\n\n"
+        "Examples:\n"
+        "  hbbtvctl doctor\n"
+        "  hbbtvctl doctor --json");
     command->callback([options, &invocation] {
         invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };
     });

@@ -31,7 +31,8 @@ bool WithReply(const EmitOptions& options, const Json::Value& event) {
 int Run(const std::string& directory, const EmitOptions& options) {
     const WireFamily& family = Package::Get().FindFamily(options.family);
     const Endpoint endpoint = EventsOf(family);
-    if (options.exchange.Raw()) return ExchangeRaw(PathOf(directory, endpoint), options.exchange);
+    if (options.exchange.Raw())
+        return ExchangeRaw(PathOf(directory, endpoint), options.arguments.json, options.exchange);
     if (options.event.empty()) {
         throw Failure(kUsage, "emit needs an event of " + family.name + " (`hbbtvctl describe " + family.name +
                                   "` shows all), or --raw");
@@ -41,8 +42,9 @@ int Run(const std::string& directory, const EmitOptions& options) {
     const std::vector<Parameter> parameters = WireArguments(Package::Get(), members);
     const std::string name = family.name + " event " + event["name"].asString();
     const Json::Value values = ReadArguments(name, parameters, options.arguments.given, false);
-    return Exchange(PathOf(directory, endpoint), endpoint.port, MakeEvent(family, event, values),
-                    WithReply(options, event), options.arguments.json, options.exchange);
+    return Exchange(
+        {name, PathOf(directory, endpoint), endpoint.port, MakeEvent(family, event, values), WithReply(options, event)},
+        options.arguments.json, options.exchange);
 }
 
 }  // namespace
@@ -50,8 +52,8 @@ int Run(const std::string& directory, const EmitOptions& options) {
 void AddEmit(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<EmitOptions>();
     CLI::App* command = app.add_subcommand("emit", "Play the platform: send an event to the library");
-    command->add_option("family", options->family, "As in channel_config")->type_name("FAMILY")->required();
-    command->add_option("event", options->event, "Its code, its name, or the client's method that it reaches")
+    command->add_option("FAMILY", options->family, "As in channel_config")->type_name("FAMILY")->required();
+    command->add_option("EVENT", options->event, "Its code, its name, or the client's method that it reaches")
         ->type_name("EVENT");
     AddArguments(*command, options->arguments);
     CLI::Option* request = command->add_flag("--request", options->request, "Ask for a reply and wait for it");
@@ -61,7 +63,7 @@ void AddEmit(CLI::App& app, Invocation& invocation) {
         "Members that are not given are left out.\n\n"
         "Examples:\n"
         "  hbbtvctl emit channel_config changed reserved=A\n"
-        "  hbbtvctl emit video_broadcast onPlayStateChange state=2 error=0 context=0xc0de\n"
+        "  hbbtvctl emit video_broadcast onPlayStateChange state=2 error=0 context=0xc0de --one-way\n"
         "  hbbtvctl emit video_broadcast --raw @damaged.bin");
     command->callback([options, &invocation] {
         invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };

@@ -1,6 +1,8 @@
 // See exchange.h.
 #include "commands/exchange.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 
 #include "arguments.h"
@@ -35,34 +37,62 @@ std::string HexDump(const std::string& bytes) {
     return text;
 }
 
-void PrintReply(const Json::Value& reply, bool json) {
-    if (json) {
-        std::printf("%s\n", WriteJson(reply).c_str());
-        return;
+std::string Hexadecimal(const std::string& bytes) {
+    std::string text;
+    for (const unsigned char byte : bytes) {
+        char digits[4];
+        std::snprintf(digits, sizeof(digits), "%02x", byte);
+        text += digits;
     }
+    return text;
+}
+
+struct Reply {
+    Json::Value content;  // null when none was asked for
+    double milliseconds = 0;
+};
+
+void PrintForPrograms(const Message& message, const Reply& reply, const ExchangeOptions& options) {
+    Json::Value document(Json::objectValue);
+    document["sent"] = message.name;
+    document["path"] = message.path;
+    document["reply"] = reply.content;
+    if (options.time) document["took_us"] = static_cast<Json::Int64>(reply.milliseconds * 1000);
+    std::printf("%s\n", WriteJson(document).c_str());
+}
+
+void PrintForPeople(const Message& message, const Reply& reply, const ExchangeOptions& options) {
+    if (!message.withReply) std::printf("sent, no reply is expected\n");
     std::vector<std::vector<std::string>> rows;
-    for (const std::string& name : reply.getMemberNames()) {
-        const Json::Value& value = reply[name];
+    for (const std::string& name : reply.content.getMemberNames()) {
+        const Json::Value& value = reply.content[name];
         rows.push_back({name, value.isString() ? Quoted(value.asString()) : WriteJson(value)});
     }
+    char text[40];
+    std::snprintf(text, sizeof(text), "%.3f ms", reply.milliseconds);
+    if (options.time) rows.push_back({"time", text});
     std::printf("%s", Columns(rows, "").c_str());
 }
 
-Json::Value ParseReply(const std::string& path, const std::string& text) {
+// An object with a whole number under "ret".
+Json::Value ParseReply(const Message& message, const std::string& text) {
+    const std::string start = "; it begins " + Quoted(text.substr(0, 200));
+    Json::Value reply;
     try {
-        const Json::Value reply = ParseJson(text);
-        if (reply.isObject()) return reply;
-        throw BadValue("it is no JSON object");
+        reply = ParseJson(text);
     } catch (const BadValue& e) {
-        const std::string start = text.substr(0, 200);
-        throw Failure(kNotUnderstood,
-                      path + ": the reply is not understood: " + e.what() + "; it begins " + Quoted(start));
+        throw Failure(kNotUnderstood, message.path + ": the reply to " + message.name + " is " + e.what() + start);
     }
-}
-
-int ExitCodeOf(const std::string& path, const Json::Value& reply) {
-    if (!reply["ret"].isInt()) throw Failure(kNotUnderstood, path + ": the reply has no whole number under \"ret\"");
-    return reply["ret"].asInt() == 0 ? kDone : kStatusNotZero;
+    if (reply.isNull()) {
+        throw Failure(kNobodyThere, message.path + ": nobody takes " + message.name +
+                                        ": no client is registered for it, or with another context, or the family "
+                                        "takes it without a reply only (--one-way)");
+    }
+    if (!reply.isObject() || !reply["ret"].isInt()) {
+        throw Failure(kNotUnderstood, message.path + ": the reply to " + message.name +
+                                          " is no object with a whole number under \"ret\"" + start);
+    }
+    return reply;
 }
 
 }  // namespace
@@ -74,31 +104,41 @@ void AddExchangeOptions(CLI::App& command, ExchangeOptions& options) {
     command.add_option("--raw", options.raw, "Send exactly these bytes: a text, @FILE or -")->type_name("BYTES");
 }
 
-int Exchange(const std::string& path, int port, const Json::Value& message, bool withReply, bool json,
-             const ExchangeOptions& options) {
-    const std::string text = WireText(message);
-    if (options.verbose) std::fprintf(stderr, "to %s, port %d:\n%s", path.c_str(), port, text.c_str());
-    WireConnection connection(path);
+int Exchange(const Message& message, bool json, const ExchangeOptions& options) {
+    const std::string text = WireText(message.content);
+    if (options.verbose) std::fprintf(stderr, "to %s, port %d:\n%s", message.path.c_str(), message.port, text.c_str());
+    WireConnection connection(message.path);
+    Reply reply;
     const auto begin = std::chrono::steady_clock::now();
-    connection.Send(sim::Encode({withReply ? sim::kRequest : sim::kOneWay, port, text}), options.timeout.Value());
-    if (!withReply) {
-        if (!json) std::printf("sent, no reply is expected\n");
-        return kDone;
+    connection.Send(sim::Encode({message.withReply ? sim::kRequest : sim::kOneWay, message.port, text}),
+                    options.timeout.Value());
+    if (message.withReply) {
+        const sim::Frame frame = connection.Receive(options.timeout.Value());
+        if (frame.payload.empty()) {
+            throw Failure(kNotUnderstood, message.path + ": the reply to " + message.name +
+                                              " is empty: the other side could not read the message");
+        }
+        reply.content = ParseReply(message, frame.payload);
     }
-    const sim::Frame frame = connection.Receive(options.timeout.Value());
-    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - begin;
-    if (frame.payload.empty()) throw Failure(kNotUnderstood, path + ": the reply is empty");
-    const Json::Value reply = ParseReply(path, frame.payload);
-    PrintReply(reply, json);
-    if (options.time) std::fprintf(stderr, "%.3f ms\n", took.count());
-    return ExitCodeOf(path, reply);
+    reply.milliseconds = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+    (json ? PrintForPrograms : PrintForPeople)(message, reply, options);
+    return reply.content.isNull() || reply.content["ret"].asInt() == 0 ? kDone : kStatusNotZero;
 }
 
-int ExchangeRaw(const std::string& path, const ExchangeOptions& options) {
+int ExchangeRaw(const std::string& path, bool json, const ExchangeOptions& options) {
+    const std::string bytes = ReadWord(options.raw);
     WireConnection connection(path);
-    connection.Send(ReadWord(options.raw), options.timeout.Value());
+    connection.Send(bytes, options.timeout.Value());
     const std::string answer = connection.ReceiveAll(std::min(options.timeout.Value(), Milliseconds(1000)));
-    std::printf("%s", HexDump(answer).c_str());
+    if (!json) {
+        std::printf("%s", answer.empty() ? "nothing came back\n" : HexDump(answer).c_str());
+        return kDone;
+    }
+    Json::Value document(Json::objectValue);
+    document["path"] = path;
+    document["sent_bytes"] = static_cast<Json::UInt64>(bytes.size());
+    document["received"] = Hexadecimal(answer);
+    std::printf("%s\n", WriteJson(document).c_str());
     return kDone;
 }
 

@@ -20,11 +20,18 @@ struct ExchangeOptions {
 
 void AddExchangeOptions(CLI::App& command, ExchangeOptions& options);
 
+struct Message {
+    std::string name;  // "channel.GetName", for the user
+    std::string path;  // of the socket
+    int port;
+    Json::Value content;
+    bool withReply;
+};
+
 // Sends the message and gives the exit code: by the reply's "ret", or kDone when there is no reply to wait for.
-int Exchange(const std::string& path, int port, const Json::Value& message, bool withReply, bool json,
-             const ExchangeOptions& options);
+int Exchange(const Message& message, bool json, const ExchangeOptions& options);
 
 // Sends options.raw as it is and shows what comes back, in hexadecimal.
-int ExchangeRaw(const std::string& path, const ExchangeOptions& options);
+int ExchangeRaw(const std::string& path, bool json, const ExchangeOptions& options);
 
 }  // namespace hbbtv::ctl

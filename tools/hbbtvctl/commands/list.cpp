@@ -92,6 +92,12 @@ void AddList(CLI::App& app, Invocation& invocation) {
     CLI::App* command = app.add_subcommand("list", "Show the registered interfaces and the sockets of both sides");
     AddJson(*command, options->json);
     AddTime(*command, "--timeout", options->timeout, "Longest wait for the service");
+    command->footer(
+        "A socket is serving, missing, stale (its process is gone), forbidden (by its rights), no socket, or "
+        "unreachable.\n\n"
+        "Examples:\n"
+        "  hbbtvctl list\n"
+        "  hbbtvctl --directory /tmp list --json");
     command->callback([options, &invocation] {
         invocation.run = [options, &invocation] {
             return options->json ? RunForPrograms(invocation.directory, *options)

@@ -1,7 +1,7 @@
 // hbbtvctl listen: registers callback objects for whole families and shows what arrives.
 #include <hidl/HidlTransportSupport.h>
 
-#include <atomic>
+#include <algorithm>
 #include <cstdio>
 
 #include "arguments.h"
@@ -9,6 +9,7 @@
 #include "commands/options.h"
 #include "failure.h"
 #include "hidl/caller.h"
+#include "hidl/death_notice.h"
 #include "hidl/event_printer.h"
 #include "package/values.h"
 
@@ -27,21 +28,6 @@ struct ListenOptions {
     uint64_t count = 0;
     TimeOption duration{""};
     TimeOption timeout{"10s"};
-};
-
-class DeathNotice : public android::hardware::hidl_death_recipient {
-  public:
-    explicit DeathNotice(Interruption& interruption) : mInterruption(interruption) {}
-
-    void serviceDied(uint64_t, const android::wp<android::hidl::base::V1_0::IBase>&) override {
-        died = true;
-        mInterruption.Wake();
-    }
-
-    std::atomic<bool> died{false};
-
-  private:
-    Interruption& mInterruption;
 };
 
 const Parameter* CallbackOf(const Method& method) {
@@ -65,9 +51,26 @@ const Method* Registrar(const Interface& interface) {
 
 const Method* Unregistrar(const Interface& interface) {
     for (const Method& method : interface.methods) {
-        if (Holds(method.name, "Unregister") && CallbackOf(method) == nullptr) return &method;
+        if (Holds(method.name, "Unregister")) return &method;
     }
     return nullptr;
+}
+
+// Whether the "NAME=VALUE" is for an argument of the method.
+bool Takes(const Method& method, const std::string& word) {
+    const std::string name = word.substr(0, word.find('='));
+    return std::any_of(method.arguments.begin(), method.arguments.end(),
+                       [&name](const Parameter& argument) { return argument.name == name; });
+}
+
+// The arguments of the registration, of those that were given for all families.
+Json::Value Given(const Interface& interface, const std::vector<std::string>& with) {
+    const Method& method = *Registrar(interface);
+    GivenArguments given;
+    for (const std::string& word : with) {
+        if (Takes(method, word)) given.words.push_back(word);
+    }
+    return ReadArguments(interface.name + "." + method.name, method.arguments, given, false);
 }
 
 // What makes the object whose handle the registration needs: "Create" for a video/broadcast object.
@@ -106,15 +109,23 @@ class Listening {
             Undo();
         } catch (const Failure& e) {
             std::fprintf(stderr, "hbbtvctl: while leaving: %s\n", e.what());
+        } catch (const Interrupted&) {
+            std::fprintf(stderr, "hbbtvctl: left without unregistering from %s\n", mInterface.name.c_str());
         }
     }
 
     const ServiceCaller& Service() const { return mService; }
 
+    // The service has gone: there is nothing to undo.
+    void Forget() {
+        mRegistered.clear();
+        mMade.clear();
+    }
+
   private:
     // Once; or once for each enumerator of an argument that nobody gave, as of the application manager's events.
     void Register(const Method& method) {
-        Json::Value values = Given(method);
+        Json::Value values = Given(mInterface, mOptions.with);
         for (const Parameter& argument : method.arguments) {
             if (values.isMember(argument.name)) continue;
             if (argument.type->kind == Type::Kind::Enum) {
@@ -128,12 +139,6 @@ class Listening {
             values[mChoice->name] = static_cast<Json::Int64>(enumerator.value);
             RegisterOnce(method, values);
         }
-    }
-
-    Json::Value Given(const Method& method) const {
-        GivenArguments given;
-        given.words = mOptions.with;
-        return ReadArguments(mInterface.name + "." + method.name, method.arguments, given, false);
     }
 
     Json::Value Missing(const Parameter& argument) {
@@ -152,10 +157,12 @@ class Listening {
     void RegisterOnce(const Method& method, const Json::Value& values) {
         const Json::Value results = mService.Call(method, InOrder(method.arguments, values), mSink);
         if (!results.empty() && results[0].asInt() != 0) {
-            std::fprintf(
-                stderr, "hbbtvctl: %s.%s%s: status %s\n", mInterface.name.c_str(), method.name.c_str(),
-                mChoice == nullptr ? "" : (" for " + ForPeople(*mChoice->type, values[mChoice->name], false)).c_str(),
-                results[0].asString().c_str());
+            const std::string choice =
+                mChoice == nullptr ? "" : " for " + ForPeople(*mChoice->type, values[mChoice->name], false);
+            std::fprintf(stderr,
+                         "hbbtvctl: %s.%s%s: status %s; listening all the same, since what the platform refuses to a "
+                         "second client the service may hand on to it\n",
+                         mInterface.name.c_str(), method.name.c_str(), choice.c_str(), results[0].asString().c_str());
             return;
         }
         mRegistered.push_back(values);
@@ -203,17 +210,49 @@ void AddAnswer(const std::string& word, std::map<std::string, Json::Value>& answ
     throw Failure(kUsage, "no method " + Quoted(name) + " needs an answer" + DidYouMean(name, known));
 }
 
+std::vector<const Interface*> InterfacesOf(const std::vector<std::string>& families) {
+    std::vector<const Interface*> interfaces;
+    for (const std::string& name : families) {
+        const WireFamily& family = Package::Get().FindFamily(name);
+        const Interface* interface = Package::Get().InterfaceOf(family);
+        if (interface == nullptr || Registrar(*interface) == nullptr) {
+            std::vector<std::string> others;
+            for (const Interface& other : Package::Get().interfaces) {
+                if (Registrar(other) != nullptr) others.push_back(other.name);
+            }
+            throw Failure(kUsage, "the family " + family.name + " has no events to listen to" + DidYouMean("", others));
+        }
+        if (std::find(interfaces.begin(), interfaces.end(), interface) == interfaces.end()) {
+            interfaces.push_back(interface);
+        }
+    }
+    return interfaces;
+}
+
+// Each has to be for one of the interfaces at least.
+void CheckWith(const std::vector<std::string>& with, const std::vector<const Interface*>& interfaces) {
+    for (const std::string& word : with) {
+        if (word.find('=') == std::string::npos) throw Failure(kUsage, "--with " + Quoted(word) + ": write NAME=VALUE");
+        std::vector<std::string> known;
+        bool taken = false;
+        for (const Interface* interface : interfaces) {
+            const Method& registrar = *Registrar(*interface);
+            taken = taken || Takes(registrar, word);
+            for (const Parameter& argument : registrar.arguments) known.push_back(argument.name);
+        }
+        if (taken) continue;
+        const std::string name = word.substr(0, word.find('='));
+        throw Failure(kUsage, "--with " + Quoted(word) + ": no registration has an argument " + Quoted(name) +
+                                  DidYouMean(name, known));
+    }
+    for (const Interface* interface : interfaces) Given(*interface, with);
+}
+
 int Run(const ListenOptions& options) {
     EventPrinter::Settings settings{options.json, options.numbers, {}, options.count};
     for (const std::string& answer : options.answers) AddAnswer(answer, settings.answers);
-    std::vector<const Interface*> interfaces;
-    for (const std::string& name : options.families) {
-        const WireFamily& family = Package::Get().FindFamily(name);
-        interfaces.push_back(Package::Get().InterfaceOf(family));
-        if (interfaces.back() == nullptr || Registrar(*interfaces.back()) == nullptr) {
-            throw Failure(kUsage, "the family " + family.name + " has no events to listen to");
-        }
-    }
+    const std::vector<const Interface*> interfaces = InterfacesOf(options.families);
+    CheckWith(options.with, interfaces);
     // Callbacks may come as long as the process lives.
     static Interruption interruption;
     android::hardware::configureRpcThreadpool(kThreads, false);
@@ -222,13 +261,17 @@ int Run(const ListenOptions& options) {
     std::vector<std::unique_ptr<Listening>> listenings;
     for (const Interface* interface : interfaces) {
         listenings.push_back(std::make_unique<Listening>(*interface, options, events));
-        const bool linked = listenings.back()->Service().Service()->linkToDeath(notice, 0).withDefault(false);
-        if (!linked) throw Failure(kPeerLost, interface->name + ": the service went away");
+        notice->Watch(listenings.back()->Service());
     }
     std::fprintf(stderr, "hbbtvctl: listening, Ctrl-C ends\n");
     const bool limited = !options.duration.word.empty();
     interruption.Wait(limited ? std::optional(options.duration.Value()) : std::nullopt);
-    if (notice->died) throw Failure(kPeerLost, "the service went away");
+    try {
+        notice->Check();
+    } catch (const Failure&) {
+        for (const auto& listening : listenings) listening->Forget();
+        throw;
+    }
     return kDone;
 }
 
@@ -237,12 +280,14 @@ int Run(const ListenOptions& options) {
 void AddListen(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<ListenOptions>();
     CLI::App* command = app.add_subcommand("listen", "Register callbacks and show every event");
-    command->add_option("families", options->families, "As in video_broadcast or IVideoBroadcast")
-        ->type_name("FAMILY...")
+    command->add_option("FAMILY", options->families, "As in video_broadcast or IVideoBroadcast")
+        ->type_name("FAMILY")
         ->required();
     AddJson(*command, options->json);
     command->add_flag("--numbers", options->numbers, "In JSON, enumerators by number instead of by name");
-    command->add_option("--count", options->count, "End after so many events")->type_name("NUMBER");
+    command->add_option("--count", options->count, "End after so many events")
+        ->type_name("NUMBER")
+        ->check(WholeNumber(1));
     AddTime(*command, "--for", options->duration, "End after this time");
     command->add_option("--with", options->with, "An argument of the registration, as in vb=0x1000")
         ->type_name("NAME=VALUE")
@@ -254,11 +299,13 @@ void AddListen(CLI::App& app, Invocation& invocation) {
         ->take_all();
     AddTime(*command, "--timeout", options->timeout, "Longest wait for the service");
     command->footer(
-        "An object that the registration needs and nobody gave is made and ended again.\n\n"
+        "An object that the registration needs and nobody gave is made, and ended again afterwards. A registration "
+        "for\n"
+        "one of several kinds of events is made for all of them, unless --with says for which. Ctrl-C unregisters.\n\n"
         "Examples:\n"
-        "  hbbtvctl listen channel_config video_broadcast --json\n"
-        "  hbbtvctl listen video_broadcast --with vb=0x1000 --count 3\n"
-        "  hbbtvctl listen mtm --answer 'CreateApp={\"status\": 0, \"tabId\": 3}' --for 60s");
+        "  hbbtvctl listen channel_config video_broadcast --json --for 1s\n"
+        "  hbbtvctl listen video_broadcast --with vb=0x2000 --with context=7 --count 3 --for 1s\n"
+        "  hbbtvctl listen mtm --answer 'CreateApp={\"status\": 0, \"tabId\": 3}' --for 1s");
     command->callback([options, &invocation] { invocation.run = [options] { return Run(*options); }; });
 }
 

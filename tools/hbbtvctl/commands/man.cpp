@@ -1,10 +1,13 @@
 // hbbtvctl man: manual pages, from the same description as --help.
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 
 #include "commands/commands.h"
+#include "commands/help.h"
 #include "commands/options.h"
 #include "failure.h"
+#include "package/description.h"
 
 namespace hbbtv::ctl {
 
@@ -17,6 +20,8 @@ std::string Roff(const std::string& text) {
             escaped += "\\e";
         else if (text[i] == '-')
             escaped += "\\-";
+        else if (text[i] == '`')
+            escaped += "\\(ga";
         else if ((text[i] == '.' || text[i] == '\'') && (i == 0 || text[i - 1] == '\n'))
             escaped += std::string("\\&") + text[i];
         else
@@ -30,69 +35,77 @@ std::string Upper(std::string text) {
     return text;
 }
 
-std::vector<const CLI::App*> Commands(const CLI::App& app) {
-    return app.get_subcommands([](const CLI::App* command) { return !command->get_group().empty(); });
+std::string Bold(const std::string& text) {
+    return "\\fB" + Roff(text) + "\\fR";
 }
 
-bool Shown(const CLI::Option* option) {
-    return !option->get_group().empty();
+std::string Italic(const std::string& text) {
+    return "\\fI" + Roff(text) + "\\fR";
 }
 
 std::string Synopsis(const CLI::App& command, const std::string& name) {
-    std::string text = ".B " + Roff(name) + "\n";
-    bool options = false;
-    for (const CLI::Option* option : command.get_options()) {
-        if (!Shown(option) || option->get_positional()) continue;
-        options = true;
+    std::string text = Bold(name) + "\n[" + Italic("OPTION") + "]...\n";
+    for (const CLI::Option* argument : Options(command, true)) {
+        const std::string word = Italic(ArgumentName(*argument));
+        text += (argument->get_required() ? word : "[" + word + "]") + "\n";
     }
-    if (options) text += "[\\fIOPTION\\fR]...\n";
-    for (const CLI::Option* option : command.get_options()) {
-        if (!option->get_positional()) continue;
-        const std::string word = "\\fI" + Roff(option->get_type_name()) + "\\fR";
-        text += (option->get_required() ? word : "[" + word + "]") + "\n";
-    }
-    if (!Commands(command).empty()) text += "\\fICOMMAND\\fR ...\n";
+    if (!Commands(command).empty()) text += Italic("COMMAND") + " ...\n";
     return text;
 }
 
-std::string Options(const CLI::App& command, bool positional) {
+std::string Entry(const std::string& head, const std::string& text) {
+    return ".TP\n" + head + "\n" + Roff(text) + ".\n";
+}
+
+std::string OptionEntries(const CLI::App& command) {
     std::string text;
-    for (const CLI::Option* option : command.get_options()) {
-        if (!Shown(option) || option->get_positional() != positional) continue;
-        std::string head =
-            positional ? "\\fI" + Roff(option->get_type_name()) + "\\fR" : "\\fB" + Roff(option->get_name()) + "\\fR";
-        if (!positional && option->get_expected_min() > 0) head += " \\fI" + Roff(option->get_type_name()) + "\\fR";
-        text += ".TP\n" + head + "\n" + Roff(option->get_description());
-        if (!option->get_default_str().empty()) text += " (" + Roff(option->get_default_str()) + " without it)";
-        text += "\n";
+    for (const CLI::Option* option : Options(command, false)) {
+        const std::string value = option->get_type_size() == 0 ? "" : " " + Italic(option->get_type_name());
+        text += Entry(Bold(option->get_name(false, true)) + value, Purpose(*option));
+    }
+    return text;
+}
+
+std::string CommandEntries(const CLI::App& app) {
+    std::string text;
+    for (const CLI::App* command : Commands(app)) text += Entry(Bold(command->get_name()), command->get_description());
+    return text;
+}
+
+std::string SeeAlso(const CLI::App& app, const CLI::App& command) {
+    std::string text = ".SH SEE ALSO\n";
+    if (&app != &command) return text + Bold("hbbtvctl") + "(1)\n";
+    const auto commands = Commands(app);
+    for (const CLI::App* other : commands) {
+        text += Bold("hbbtvctl-" + other->get_name()) + "(1)" + (other == commands.back() ? "\n" : ",\n");
     }
     return text;
 }
 
 std::string Footer(const CLI::App& command) {
     std::string text;
-    std::string footer = command.get_footer();
-    if (footer.empty()) return "";
-    return ".SH NOTES\n.nf\n" + Roff(footer) + "\n.fi\n";
+    for (const FooterPart& part : FooterParts(command)) {
+        const std::string heading = part.heading.empty()           ? "NOTES"
+                                    : part.heading == "Exit codes" ? "EXIT STATUS"
+                                                                   : Upper(part.heading);
+        text += ".SH " + heading + "\n.nf\n" + Roff(part.text) + ".fi\n";
+    }
+    return text;
 }
 
 std::string Page(const CLI::App& app, const CLI::App& command) {
     const bool whole = &app == &command;
     const std::string name = whole ? "hbbtvctl" : "hbbtvctl " + command.get_name();
     const std::string page = whole ? "hbbtvctl" : "hbbtvctl-" + command.get_name();
-    std::string text =
-        ".TH " + Upper(Roff(page)) + " 1 \"\" \"hbbtvctl " HBBTV_VERSION "\" \"HbbTV service library\"\n";
+    std::string text = ".TH " + Upper(page) + " 1 \"\" \"hbbtvctl " HBBTV_VERSION "\" \"HbbTV service library\"\n";
     text += ".SH NAME\n" + Roff(page) + " \\- " + Roff(command.get_description()) + "\n";
     text += ".SH SYNOPSIS\n" + Synopsis(command, name);
-    const std::string arguments = Options(command, true);
-    if (!arguments.empty()) text += ".SH ARGUMENTS\n" + arguments;
-    text += ".SH OPTIONS\n" + Options(command, false);
-    if (!Commands(command).empty()) text += ".SH COMMANDS\n";
-    for (const CLI::App* sub : Commands(command)) {
-        text += ".TP\n\\fB" + Roff(sub->get_name()) + "\\fR\n" + Roff(sub->get_description()) +
-                "; see \\fBhbbtvctl\\-" + Roff(sub->get_name()) + "\\fR(1)\n";
-    }
-    return text + Footer(command);
+    const auto arguments = Options(command, true);
+    if (!arguments.empty()) text += ".SH ARGUMENTS\n";
+    for (const CLI::Option* argument : arguments) text += Entry(Italic(ArgumentName(*argument)), Purpose(*argument));
+    text += ".SH OPTIONS\n" + OptionEntries(command);
+    if (whole) text += ".SH COMMANDS\n" + CommandEntries(app);
+    return text + Footer(command) + SeeAlso(app, command);
 }
 
 int Run(const CLI::App& app, const std::string& wanted) {
@@ -109,15 +122,15 @@ int Run(const CLI::App& app, const std::string& wanted) {
 void AddMan(CLI::App& app, Invocation& invocation) {
     auto wanted = std::make_shared<std::string>();
     CLI::App* command = app.add_subcommand("man", "Print a manual page, for man -l");
-    command->add_option("command", *wanted, "The page of one command; without it, of hbbtvctl")
+    command->add_option("COMMAND", *wanted, "The page of one command; without it, of hbbtvctl")
         ->type_name("COMMAND")
         ->check([&app](const std::string& name) {
-            for (const CLI::App* known : Commands(app)) {
-                if (known->get_name() == name) return std::string();
-            }
-            return "there is no command \"" + name + "\"";
+            std::vector<std::string> known;
+            for (const CLI::App* other : Commands(app)) known.push_back(other->get_name());
+            const bool found = std::find(known.begin(), known.end(), name) != known.end();
+            return found ? "" : "there is no command \"" + name + "\"" + DidYouMean(name, known);
         });
-    command->footer("Example:\n  hbbtvctl man call | man -l -");
+    command->footer("Examples:\n  hbbtvctl man call | man -l -\n  hbbtvctl man > hbbtvctl.1");
     command->callback([wanted, &app, &invocation] { invocation.run = [wanted, &app] { return Run(app, *wanted); }; });
 }
 

@@ -2,6 +2,8 @@
 #include "commands/options.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
 
 #include "package/values.h"
 
@@ -9,6 +11,7 @@ namespace hbbtv::ctl {
 
 namespace {
 
+constexpr const char* kJsonArguments = "--json-arguments";
 constexpr long long kLongest = 24LL * 60 * 60 * 1000;
 
 std::optional<Milliseconds> ReadTime(const std::string& text) {
@@ -18,6 +21,11 @@ std::optional<Milliseconds> ReadTime(const std::string& text) {
     const long long number = std::stoll(text.substr(0, digits)) * (unit == "s" ? 1000 : 1);
     if (number > kLongest) return std::nullopt;
     return Milliseconds(number);
+}
+
+// "{...}", or where an object may come from.
+bool IsObject(const std::string& word) {
+    return word == "-" || (!word.empty() && (word[0] == '{' || word[0] == '@'));
 }
 
 }  // namespace
@@ -34,29 +42,48 @@ void AddTime(CLI::App& command, const std::string& name, TimeOption& option, con
     if (!option.word.empty()) added->capture_default_str();
 }
 
+std::function<std::string(const std::string&)> WholeNumber(uint64_t least, uint64_t most) {
+    return [least, most](const std::string& word) {
+        errno = 0;
+        const bool digits = !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
+        const uint64_t number = digits ? std::strtoull(word.c_str(), nullptr, 10) : 0;
+        if (digits && errno == 0 && number >= least && number <= most) return std::string();
+        const std::string end = most == UINT64_MAX ? "" : " to " + std::to_string(most);
+        return Quoted(word) + " is no whole number from " + std::to_string(least) + end;
+    };
+}
+
 void AddArguments(CLI::App& command, ArgumentOptions& options) {
     command
-        .add_option("arguments", options.given.words,
+        .add_option("ARGUMENT", options.given.words,
                     "NAME=VALUE, or values in order; a value may be @FILE, or - for standard input")
-        ->type_name("ARGUMENT...");
+        ->type_name("ARGUMENT");
     command.add_flag("--json", options.json,
                      "Write JSON; followed by an object ('{...}', @FILE or -), take the arguments from it");
-    command.add_option("--json-arguments", options.given.json)->group("");
+    command.add_option(kJsonArguments, options.given.json)->group("");
 }
 
 void AddJson(CLI::App& command, bool& json) {
     command.add_flag("--json", json, "Write JSON");
 }
 
-std::vector<std::string> SplitJsonOption(int argc, char** argv) {
-    std::vector<std::string> words;
-    for (int i = 1; i < argc; ++i) {
-        words.emplace_back(argv[i]);
-        const std::string next = i + 1 < argc ? argv[i + 1] : "";
-        const bool object = !next.empty() && (next[0] == '{' || next[0] == '@' || next == "-");
-        if (words.back() != "--json" || !object) continue;
-        words.push_back("--json-arguments=" + next);
-        ++i;
+std::vector<std::string> SplitJsonOption(const CLI::App& app, int argc, char** argv) {
+    std::vector<std::string> words(argv + 1, argv + argc);
+    const auto command = std::find_if(words.begin(), words.end(), [&app](const std::string& word) {
+        return !app.get_subcommands([&word](const CLI::App* named) {
+                       return named->get_name() == word && named->get_option_no_throw(kJsonArguments) != nullptr;
+                   })
+                    .empty();
+    });
+    for (auto word = command; word != words.end() && *word != "--"; ++word) {
+        if (word->rfind("--json=", 0) == 0) {
+            const std::string object = word->substr(sizeof("--json=") - 1);
+            *word = "--json";
+            word = words.insert(word + 1, std::string(kJsonArguments) + "=" + object);
+        } else if (*word == "--json" && word + 1 != words.end() && IsObject(word[1])) {
+            word[1] = std::string(kJsonArguments) + "=" + word[1];
+            ++word;
+        }
     }
     return words;
 }

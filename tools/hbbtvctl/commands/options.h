@@ -3,6 +3,8 @@
 
 #include <CLI/App.hpp>
 #include <chrono>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -23,6 +25,9 @@ struct TimeOption {
 
 void AddTime(CLI::App& command, const std::string& name, TimeOption& option, const std::string& purpose);
 
+// Checks a number of an option.
+std::function<std::string(const std::string&)> WholeNumber(uint64_t least, uint64_t most = UINT64_MAX);
+
 // ARGUMENT... and --json [OBJECT].
 struct ArgumentOptions {
     GivenArguments given;
@@ -34,7 +39,8 @@ void AddArguments(CLI::App& command, ArgumentOptions& options);
 // --json for the output only.
 void AddJson(CLI::App& command, bool& json);
 
-// "--json {...}" becomes "--json --json-arguments={...}": an optional value that is one only when it looks like one.
-std::vector<std::string> SplitJsonOption(int argc, char** argv);
+// The words of the command line. In commands that take arguments, "--json {...}" becomes
+// "--json --json-arguments={...}": an optional value that is one only when it looks like one.
+std::vector<std::string> SplitJsonOption(const CLI::App& app, int argc, char** argv);
 
 }  // namespace hbbtv::ctl

@@ -32,16 +32,18 @@ QualifiedOperation FindOperation(const std::string& wanted) {
     const WireFamily& family = Package::Get().FindFamily(wanted.substr(0, dot));
     const std::string name = dot == std::string::npos ? "" : wanted.substr(dot + 1);
     if (const Json::Value* operation = family.Operation(name)) return {&family, operation};
-    std::vector<std::string> known;
-    for (const Json::Value& operation : family.protocol["operations"]) known.push_back(operation["name"].asString());
-    throw Failure(kUsage, "the family " + family.name + " has no operation \"" + name + "\"" + DidYouMean(name, known) +
-                              " (`hbbtvctl describe " + family.name + "` shows all)");
+    if (dot == std::string::npos) {
+        throw Failure(kUsage, "\"" + wanted + "\" is no operation: write FAMILY.OPERATION, as in channel.GetOnid");
+    }
+    throw Failure(kUsage, "the family " + family.name + " has no operation \"" + name + "\"" +
+                              DidYouMean(name, family.OperationNames()) + " (`hbbtvctl describe " + family.name +
+                              "` shows all)");
 }
 
 int Run(const std::string& directory, const SendOptions& options) {
     if (options.operation.find('.') == std::string::npos && options.exchange.Raw()) {
         const WireFamily& family = Package::Get().FindFamily(options.operation);
-        return ExchangeRaw(PathOf(directory, RequestsOf(family)), options.exchange);
+        return ExchangeRaw(PathOf(directory, RequestsOf(family)), options.arguments.json, options.exchange);
     }
     const auto [family, operation] = FindOperation(options.operation);
     const std::string name = family->name + "." + (*operation)["name"].asString();
@@ -49,8 +51,9 @@ int Run(const std::string& directory, const SendOptions& options) {
     const Json::Value values = ReadArguments(name, parameters, options.arguments.given, true);
     const Endpoint endpoint = RequestsOf(*family);
     const bool oneWay = (*operation)["form"] == "one-way";
-    return Exchange(PathOf(directory, endpoint), endpoint.port, MakeRequest(*family, *operation, values), !oneWay,
-                    options.arguments.json, options.exchange);
+    return Exchange(
+        {name, PathOf(directory, endpoint), endpoint.port, MakeRequest(*family, *operation, values), !oneWay},
+        options.arguments.json, options.exchange);
 }
 
 }  // namespace
@@ -58,7 +61,7 @@ int Run(const std::string& directory, const SendOptions& options) {
 void AddSend(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<SendOptions>();
     CLI::App* command = app.add_subcommand("send", "Play the library: send a request to the platform");
-    command->add_option("operation", options->operation, "FAMILY.OPERATION, as in channel.GetOnid; FAMILY with --raw")
+    command->add_option("OPERATION", options->operation, "FAMILY.OPERATION, as in channel.GetOnid; FAMILY with --raw")
         ->type_name("OPERATION")
         ->required();
     AddArguments(*command, options->arguments);
@@ -67,7 +70,7 @@ void AddSend(CLI::App& app, Invocation& invocation) {
         "Examples:\n"
         "  hbbtvctl send channel_config.GetCurrentChannel\n"
         "  hbbtvctl send channel.GetName c_handle=0x1000 --json\n"
-        "  hbbtvctl send channel_config.CreateChannelList channel=0x10,0x20,0x30\n"
+        "  hbbtvctl send channel_config.CreateChannelList channel=0x1000,0x1000\n"
         "  hbbtvctl send channel --raw @request.bin");
     command->callback([options, &invocation] {
         invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };

@@ -1,20 +1,21 @@
 // See caller.h.
 #include "hidl/caller.h"
 
-#include <atomic>
-#include <condition_variable>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
 #include <memory>
-#include <mutex>
 #include <stdexcept>
 #include <thread>
 
 #include "failure.h"
+#include "terminal/interruption.h"
 
 namespace hbbtv::ctl {
 
 namespace {
-
-std::atomic<int> gAtWork{0};
 
 std::string InWords(Milliseconds time) {
     const std::string text = std::to_string(time.count());
@@ -28,31 +29,48 @@ Invoker InvokerOf(const Interface& interface, const Method& method) {
     throw std::logic_error(method.name);
 }
 
-struct Progress {
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool done = false;
+// Set once by one thread, waited for by another.
+class Done {
+  public:
+    Done() : mFd(eventfd(0, EFD_CLOEXEC)) {}
+    ~Done() { close(mFd); }
+    Done(const Done&) = delete;
+    Done& operator=(const Done&) = delete;
+
+    void Set() { eventfd_write(mFd, 1); }
+    bool Wait(Milliseconds limit) const { return WaitUntilReadable(mFd, limit); }
+
+  private:
+    const int mFd;
 };
 
 }  // namespace
 
-bool LeftThreads() {
-    return gAtWork != 0;
+void InTime(Milliseconds limit, const std::string& what, const std::function<void()>& work) {
+    const auto done = std::make_shared<Done>();
+    std::thread([done, work] {
+        work();
+        done->Set();
+    }).detach();
+    if (done->Wait(limit)) return;
+    throw Failure(kTimeout, what + ": no answer within " + InWords(limit) +
+                                "; the service hangs, or the platform behind it: `hbbtvctl doctor` tells which");
 }
 
-void InTime(Milliseconds limit, const std::string& what, const std::function<void()>& work) {
-    const auto progress = std::make_shared<Progress>();
-    ++gAtWork;
-    std::thread([progress, work] {
-        work();
-        const std::lock_guard<std::mutex> lock(progress->mutex);
-        --gAtWork;
-        progress->done = true;
-        progress->changed.notify_all();
-    }).detach();
-    std::unique_lock<std::mutex> lock(progress->mutex);
-    if (progress->changed.wait_for(lock, limit, [&] { return progress->done; })) return;
-    throw Failure(kTimeout, what + ": no answer within " + InWords(limit));
+std::string HostDirectory() {
+    const char* own = std::getenv("HIDL_HOST_DIR");
+    return own != nullptr ? own : std::string(std::getenv("TMPDIR")) + "/hidl-host";
+}
+
+int StatusOf(const Method& method, const Json::Value& results) {
+    for (Json::ArrayIndex i = 0; i < method.results.size(); ++i) {
+        if (method.results[i].name == "status") return results[i].asInt();
+    }
+    return 0;
+}
+
+bool Listens(const Json::Value& arguments) {
+    return std::find(arguments.begin(), arguments.end(), "@listen") != arguments.end();
 }
 
 ServiceCaller::ServiceCaller(const Interface& interface, Milliseconds limit) : mInterface(interface), mLimit(limit) {
@@ -62,7 +80,8 @@ ServiceCaller::ServiceCaller(const Interface& interface, Milliseconds limit) : m
     mService = *found;
     if (mService == nullptr) {
         throw Failure(kNobodyThere, "no process has registered " + Package::Get().name + "::" + interface.name +
-                                        "; start the service, and check with `hbbtvctl doctor`");
+                                        " in " + HostDirectory() +
+                                        "; start the service with the same TMPDIR, or ask `hbbtvctl doctor`");
     }
 }
 
@@ -77,9 +96,17 @@ Json::Value ServiceCaller::Call(const Method& method, const Json::Value& argumen
     // Nothing of the caller's is referred to: the thread may outlive this call.
     InTime(mLimit, what,
            [service = mService, invoker, arguments, &sink, outcome] { *outcome = invoker(*service, arguments, sink); });
-    if (outcome->answered) return outcome->results;
-    if (outcome->peerLost) throw Failure(kPeerLost, what + ": the service went away during the call");
-    throw Failure(kNotUnderstood, what + ": the call failed: " + outcome->error);
+    CheckAnswered(method, *outcome);
+    return outcome->results;
+}
+
+void ServiceCaller::CheckAnswered(const Method& method, const CallOutcome& outcome) const {
+    if (outcome.answered) return;
+    const std::string what = mInterface.name + "." + method.name;
+    if (outcome.peerLost)
+        throw Failure(kPeerLost, what + ": the service went away during the call; look at its log, and start it again");
+    throw Failure(kNotUnderstood, what + ": the call failed: " + outcome.error +
+                                      "; are service and hbbtvctl built from the same package?");
 }
 
 }  // namespace hbbtv::ctl

@@ -14,12 +14,18 @@ namespace hbbtv::ctl {
 
 using Milliseconds = std::chrono::milliseconds;
 
-// Runs `work` on a thread of its own and waits for it. Throws Failure(kTimeout) with `what` when it takes too long: the
-// thread is left to itself then, and the process has to end by std::_Exit (see LeftThreads()).
+// Runs `work` on a thread of its own and waits for it. Throws Failure(kTimeout) with `what` when it takes too long, and
+// Interrupted: the thread is left to itself then, and the process has to end by std::_Exit.
 void InTime(Milliseconds limit, const std::string& what, const std::function<void()>& work);
 
-// Whether a thread of InTime() is still at it.
-bool LeftThreads();
+// Where processes that register interfaces put their names. TMPDIR has to be set.
+std::string HostDirectory();
+
+// What a call came to: 0 for a method without a status.
+int StatusOf(const Method& method, const Json::Value& results);
+
+// Whether one of the arguments is "@listen".
+bool Listens(const Json::Value& arguments);
 
 class ServiceCaller {
   public:
@@ -32,6 +38,10 @@ class ServiceCaller {
     // The same without a limit, and without exceptions.
     CallOutcome CallNow(const Method& method, const Json::Value& arguments, EventSink& sink) const;
 
+    // Throws Failure(kPeerLost) or Failure(kNotUnderstood) when the call was not answered.
+    void CheckAnswered(const Method& method, const CallOutcome& outcome) const;
+
+    const std::string& Name() const { return mInterface.name; }
     const android::sp<android::hidl::base::V1_0::IBase>& Service() const { return mService; }
 
   private:

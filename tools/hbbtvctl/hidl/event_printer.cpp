@@ -82,13 +82,14 @@ Json::Value EventPrinter::Take(const char* interfaceName, const char* methodName
     }
     line["interface"] = interface.name;
     line["method"] = method.name;
-    line["time_us"] = static_cast<Json::UInt64>(wall);
+    line["wall_us"] = static_cast<Json::UInt64>(wall);
     line["monotonic_us"] = static_cast<Json::UInt64>(monotonic);
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mSettings.count != 0 && mTaken >= mSettings.count) return AnswerOf(interface, method);
     std::printf("%s\n", mSettings.json ? WriteJson(line).c_str() : text.c_str());
-    std::fflush(stdout);
-    if (++mTaken == mSettings.count) mInterruption.Wake();
+    // A reader that has gone ends the waiting, too.
+    const bool read = std::fflush(stdout) == 0;
+    if (++mTaken == mSettings.count || !read) mInterruption.Wake();
     return AnswerOf(interface, method);
 }
 

@@ -24,13 +24,19 @@ using android::hardware::hidl_string;
 using android::hardware::hidl_vec;
 using android::hardware::Return;
 
-// Where the events of callback objects go.
+// Where the events of callback objects go, as long as the process lives. One is enough for a process.
 class EventSink {
   public:
     virtual ~EventSink() = default;
 
     // On any thread. The results that the method needs, as an array; ignored when it has none.
     virtual Json::Value Take(const char* interface, const char* method, Json::Value arguments) = 0;
+};
+
+// For calls without callback objects.
+class NoEvents : public EventSink {
+  public:
+    Json::Value Take(const char*, const char*, Json::Value) override { return Json::Value(Json::arrayValue); }
 };
 
 struct CallOutcome {
@@ -143,12 +149,20 @@ Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Val
     return AnswerTo(callback, results, std::index_sequence_for<R...>{});
 }
 
+// The one object of this process that takes what an interface's clients are told, so that it can be taken away again
+// by the method that wants it back.
+template <typename I>
+const android::sp<I>& ListenerOf(EventSink& sink) {
+    static const android::sp<I> listener = MakeListener<I>(sink);
+    return listener;
+}
+
 // An argument as it is kept during the call.
 template <typename A>
 std::decay_t<A> Argument(const Json::Value& json, EventSink& sink) {
     using T = std::decay_t<A>;
     if constexpr (IsStrongPointer<T>::value) {
-        return json.isNull() ? nullptr : MakeListener<typename IsStrongPointer<T>::Object>(sink);
+        return json.isNull() ? nullptr : ListenerOf<typename IsStrongPointer<T>::Object>(sink);
     } else {
         return FromJson<T>(json);
     }

@@ -59,6 +59,12 @@ struct WireFamily {
 
     // Null when there is none.
     const Json::Value* Operation(const std::string& operation) const;
+
+    std::vector<std::string> OperationNames() const;
+
+    // What the method of the family's interface sends: the operation that names it as its "method", else the one of the
+    // same name. Null when there is none.
+    const Json::Value* OperationOf(const Method& method) const;
 };
 
 class Package {

@@ -77,6 +77,19 @@ const Json::Value* WireFamily::Operation(const std::string& operation) const {
     return nullptr;
 }
 
+std::vector<std::string> WireFamily::OperationNames() const {
+    std::vector<std::string> names;
+    for (const Json::Value& operation : protocol["operations"]) names.push_back(operation["name"].asString());
+    return names;
+}
+
+const Json::Value* WireFamily::OperationOf(const Method& method) const {
+    for (const Json::Value& candidate : protocol["operations"]) {
+        if (candidate["method"] == method.name) return &candidate;
+    }
+    return Operation(method.name);
+}
+
 const Package& Package::Get() {
     static const Package package(Parse(kDescription));
     return package;
@@ -114,23 +127,18 @@ Package::Package(const Json::Value& description) : name(description["package"].a
         }
         return parameters;
     };
-    // Structs hold other types, so those that hold none come first.
-    std::vector<std::string> waiting = description["types"].getMemberNames();
-    for (const char* kind : {"enum", "struct"}) {
-        for (const std::string& typeName : waiting) {
-            const Json::Value& entry = description["types"][typeName];
-            if (entry["kind"].asString() != kind) continue;
-            auto type = std::make_shared<Type>();
-            type->name = typeName;
-            type->doc = entry["doc"].asString();
-            type->kind = entry["kind"] == "enum" ? Type::Kind::Enum : Type::Kind::Struct;
-            if (type->kind == Type::Kind::Enum) MakeInteger(*type, entry["of"].asString());
-            for (const Json::Value& e : entry["enumerators"]) {
-                type->enumerators.push_back({e["name"].asString(), e["value"].asInt64(), e["doc"].asString()});
-            }
-            type->fields = parametersOf(entry["fields"]);
-            types.push_back(type);
+    // In the order of the .hal file, where a struct stands behind the types that it holds.
+    for (const Json::Value& entry : description["types"]) {
+        auto type = std::make_shared<Type>();
+        type->name = entry["name"].asString();
+        type->doc = entry["doc"].asString();
+        type->kind = entry["kind"] == "enum" ? Type::Kind::Enum : Type::Kind::Struct;
+        if (type->kind == Type::Kind::Enum) MakeInteger(*type, entry["of"].asString());
+        for (const Json::Value& e : entry["enumerators"]) {
+            type->enumerators.push_back({e["name"].asString(), e["value"].asInt64(), e["doc"].asString()});
         }
+        type->fields = parametersOf(entry["fields"]);
+        types.push_back(type);
     }
     for (const Json::Value& entry : description["interfaces"]) {
         Interface interface;
@@ -165,7 +173,10 @@ const Interface& Package::FindInterface(const std::string& wanted) const {
 const WireFamily& Package::FindFamily(const std::string& wanted) const {
     std::vector<std::string> known;
     for (const WireFamily& family : families) {
-        if (Folded(family.name) == Folded(wanted) || SameInterface(family.interface + " ", wanted + " ")) return family;
+        if (Folded(family.name) == Folded(wanted) ||
+            (!family.interface.empty() && SameInterface(family.interface, wanted))) {
+            return family;
+        }
         known.push_back(family.name);
     }
     throw Failure(kUsage,

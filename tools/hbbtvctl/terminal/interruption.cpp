@@ -14,30 +14,52 @@ namespace hbbtv::ctl {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+using Milliseconds = std::chrono::milliseconds;
+
+int gSignals = -1;  // of the Interruption that there is
+
 int Checked(int fd) {
     if (fd < 0) throw std::system_error(errno, std::generic_category(), "waiting for signals");
     return fd;
 }
 
-sigset_t Signals() {
+int OpenSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    return signals;
+    return Checked(signalfd(-1, &signals, SFD_CLOEXEC));
+}
+
+// The next signal ends the next wait, not this one's again.
+void TakeSignal() {
+    signalfd_siginfo signal;
+    while (read(gSignals, &signal, sizeof(signal)) < 0 && errno == EINTR) {
+    }
+}
+
+// poll() with a deadline; whether anything is ready.
+bool Poll(pollfd* entries, nfds_t count, std::optional<Milliseconds> limit) {
+    const auto deadline = Clock::now() + limit.value_or(Milliseconds(0));
+    while (true) {
+        const auto left = std::chrono::ceil<Milliseconds>(deadline - Clock::now()).count();
+        const int ready = poll(entries, count, !limit ? -1 : left > 0 ? static_cast<int>(left) : 0);
+        if (ready >= 0) return ready > 0;
+        if (errno != EINTR) throw std::system_error(errno, std::generic_category(), "waiting");
+    }
 }
 
 }  // namespace
 
-Interruption::Interruption() {
-    const sigset_t signals = Signals();
-    mSignals = Checked(signalfd(-1, &signals, SFD_CLOEXEC));
-    mWake = Checked(eventfd(0, EFD_CLOEXEC));
+Interruption::Interruption() : mWake(Checked(eventfd(0, EFD_CLOEXEC))) {
+    gSignals = OpenSignals();
 }
 
 Interruption::~Interruption() {
-    close(mSignals);
+    close(gSignals);
+    gSignals = -1;
     close(mWake);
 }
 
@@ -45,17 +67,22 @@ void Interruption::Wake() {
     eventfd_write(mWake, 1);
 }
 
-Interruption::Cause Interruption::Wait(std::optional<std::chrono::milliseconds> limit) {
-    using Clock = std::chrono::steady_clock;
-    const auto deadline = Clock::now() + limit.value_or(std::chrono::milliseconds(0));
-    while (true) {
-        pollfd entries[] = {{mWake, POLLIN, 0}, {mSignals, POLLIN, 0}};
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
-        const int ready = poll(entries, 2, !limit ? -1 : left > 0 ? static_cast<int>(left) : 0);
-        if (ready > 0) return entries[0].revents != 0 ? Cause::Woken : Cause::Signal;
-        if (ready == 0) return Cause::Deadline;
-        if (errno != EINTR) throw std::system_error(errno, std::generic_category(), "waiting");
-    }
+Interruption::Cause Interruption::Wait(std::optional<Milliseconds> limit) {
+    // Without events asked for, the output's entry tells only that its reader has gone.
+    pollfd entries[] = {{mWake, POLLIN, 0}, {gSignals, POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
+    if (!Poll(entries, 3, limit)) return Cause::Deadline;
+    if (entries[0].revents != 0) return Cause::Woken;
+    if (entries[1].revents == 0) return Cause::NoReader;
+    TakeSignal();
+    return Cause::Signal;
+}
+
+bool WaitUntilReadable(int fd, Milliseconds limit) {
+    pollfd entries[] = {{fd, POLLIN, 0}, {gSignals, POLLIN, 0}};
+    if (!Poll(entries, 2, limit)) return false;
+    if (entries[0].revents != 0) return true;
+    TakeSignal();
+    throw Interrupted();
 }
 
 }  // namespace hbbtv::ctl

@@ -11,6 +11,8 @@ namespace hbbtv::ctl {
 
 namespace {
 
+constexpr size_t kLineWidth = 100;
+
 bool Coloured() {
     const char* refused = std::getenv("NO_COLOR");
     static const bool terminal = isatty(STDOUT_FILENO) == 1;
@@ -31,6 +33,46 @@ size_t Width(const std::string& cell) {
             ++width;
     }
     return width;
+}
+
+// A line that fits stays as it is, with its blanks. Otherwise behind `first` what fits, the rest behind `next`.
+std::string WrappedLine(const std::string& line, const std::string& first, const std::string& next) {
+    if (Width(first + line) <= kLineWidth) return first + line + "\n";
+    std::string all;
+    std::string current = first + line.substr(0, std::min(line.find_first_not_of(' '), line.size()));
+    bool empty = true;
+    std::istringstream words(line);
+    for (std::string word; words >> word; empty = false) {
+        if (!empty && Width(current) + 1 + Width(word) > kLineWidth) {
+            all += current + "\n";
+            current = next;
+            empty = true;
+        }
+        current += (empty ? "" : " ") + word;
+    }
+    return all + (empty ? "" : current) + "\n";
+}
+
+std::string Table(const std::vector<std::vector<std::string>>& rows, const std::string& indent, bool wrap) {
+    std::vector<size_t> widths;
+    for (const auto& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
+    }
+    std::string text;
+    for (const auto& row : rows) {
+        std::string line = indent;
+        for (size_t i = 0; i + 1 < row.size(); ++i) line += row[i] + std::string(widths[i] - Width(row[i]) + 2, ' ');
+        if (wrap && !row.empty()) {
+            line = WrappedLine(row.back(), line, std::string(Width(line), ' '));
+            line.pop_back();
+        } else if (!row.empty()) {
+            line += row.back();
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        text += line + "\n";
+    }
+    return text;
 }
 
 }  // namespace
@@ -56,28 +98,20 @@ std::string Green(const std::string& text) {
 }
 
 std::string Columns(const std::vector<std::vector<std::string>>& rows, const std::string& indent) {
-    std::vector<size_t> widths;
-    for (const auto& row : rows) {
-        widths.resize(std::max(widths.size(), row.size()));
-        for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
-    }
-    std::string text;
-    for (const auto& row : rows) {
-        std::string line = indent;
-        for (size_t i = 0; i < row.size(); ++i) {
-            line += row[i];
-            if (i + 1 < row.size()) line += std::string(widths[i] - Width(row[i]) + 2, ' ');
-        }
-        line.erase(line.find_last_not_of(' ') + 1);
-        text += line + "\n";
-    }
-    return text;
+    return Table(rows, indent, false);
 }
 
-std::string Indented(const std::string& text, const std::string& indent) {
+std::string WrappedColumns(const std::vector<std::vector<std::string>>& rows, const std::string& indent) {
+    return Table(rows, indent, true);
+}
+
+std::string Wrapped(const std::string& text, const std::string& indent, const std::string& hanging) {
     std::istringstream lines(text);
     std::string all;
-    for (std::string line; std::getline(lines, line);) all += (line.empty() ? "" : indent + line) + "\n";
+    for (std::string line; std::getline(lines, line);) {
+        const std::string own = line.substr(0, std::min(line.find_first_not_of(' '), line.size()));
+        all += WrappedLine(line, indent, hanging.empty() ? indent + own : hanging);
+    }
     return all;
 }
 

@@ -16,7 +16,10 @@ std::string Green(const std::string& text);
 // Rows of cells, each column as wide as its widest cell, two blanks between, `indent` in front.
 std::string Columns(const std::vector<std::vector<std::string>>& rows, const std::string& indent);
 
-// Every line of the text behind the indent.
-std::string Indented(const std::string& text, const std::string& indent);
+// The same for tables whose last column is prose: it goes on below itself where the line would be too long.
+std::string WrappedColumns(const std::vector<std::vector<std::string>>& rows, const std::string& indent);
+
+// Every line of the text behind the indent, and what of it does not fit behind `hanging`, or the indent again.
+std::string Wrapped(const std::string& text, const std::string& indent, const std::string& hanging = "");
 
 }  // namespace hbbtv::ctl

@@ -26,11 +26,13 @@ std::string WhyNot(const std::string& path, int error) {
         case Finding::State::Stale:
             return path + ": nobody serves this socket any more (a stale file); start the other side again";
         case Finding::State::Forbidden:
-            return path + ": the rights of the socket or its directory forbid it";
+            return path + ": the rights of the socket or its directory forbid it; its owner should make the socket 777";
         case Finding::State::NoSocket:
-            return path + ": is no socket";
+            return path + ": is no socket; remove or rename it, and start the other side again";
         default:
-            return path + ": " + (path.size() > kLongestPath ? "the path is too long" : std::strerror(error));
+            if (path.size() <= kLongestPath) return path + ": " + std::strerror(error);
+            return path + ": the path is longer than the " + std::to_string(kLongestPath) +
+                   " bytes that a socket's address holds; use a shorter directory";
     }
 }
 
@@ -41,7 +43,7 @@ int Connect(const std::string& path) {
         if (errno != EAGAIN) throw Failure(kNobodyThere, WhyNot(path, errno));
         poll(nullptr, 0, static_cast<int>(kConnectAgain.count()));
     }
-    throw Failure(kTimeout, path + ": the other side accepts no connection");
+    throw Failure(kTimeout, path + ": the other side accepts no connection; it hangs, start it again");
 }
 
 std::string InSeconds(std::chrono::milliseconds time) {
@@ -81,15 +83,19 @@ sim::Frame WireConnection::Receive(std::chrono::milliseconds limit) {
     while (true) {
         if (const auto frame = mReader.Next()) return *frame;
         if (const auto size = mReader.Oversized()) {
-            throw Failure(kNotUnderstood, mPath + ": the answer announces " + std::to_string(*size) + " bytes");
+            throw Failure(kNotUnderstood, mPath + ": the answer announces " + std::to_string(*size) +
+                                              " bytes, more than any message has");
         }
         if (!Wait(POLLIN, deadline)) {
-            throw Failure(kTimeout, mPath + ": no answer within " + InSeconds(limit));
+            throw Failure(kTimeout, mPath + ": no answer within " + InSeconds(limit) +
+                                        "; the other side hangs: look at its log, or start it again");
         }
         char bytes[65536];
         const ssize_t count = recv(mSocket.Get(), bytes, sizeof(bytes), 0);
         if (count > 0) mReader.Take(bytes, static_cast<size_t>(count));
-        if (count == 0) throw Failure(kPeerLost, mPath + ": the other side closed the connection without an answer");
+        if (count == 0)
+            throw Failure(kPeerLost,
+                          mPath + ": the other side closed the connection without an answer; look at its log");
         if (count < 0 && errno != EAGAIN && errno != EINTR) {
             throw Failure(kPeerLost, mPath + ": the other side went away: " + std::strerror(errno));
         }

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
+#include <filesystem>
 #include <tuple>
 
 #include "core/local_socket.h"
@@ -27,10 +27,10 @@ std::string ProcessOf(int fd) {
     ucred peer{};
     socklen_t size = sizeof(peer);
     if (getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0 || peer.pid == 0) return "";
-    std::ifstream file("/proc/" + std::to_string(peer.pid) + "/comm");
-    std::string name;
-    std::getline(file, name);
-    return (name.empty() ? "process" : name) + " (" + std::to_string(peer.pid) + ")";
+    std::error_code unknown;  // another user's process
+    const std::filesystem::path program =
+        std::filesystem::read_symlink("/proc/" + std::to_string(peer.pid) + "/exe", unknown);
+    return (unknown ? "process" : program.filename().string()) + " (" + std::to_string(peer.pid) + ")";
 }
 
 }  // namespace

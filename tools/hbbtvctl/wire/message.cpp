@@ -19,6 +19,11 @@ std::string ArgumentName(const Json::Value& member) {
     return member.isMember("repeat") ? key.substr(0, key.find("%d")) : key;
 }
 
+std::string NumberedKey(const Json::Value& member, Json::ArrayIndex number) {
+    const std::string numbered = ArgumentName(member) + std::to_string(number);
+    return member.isMember("key_length") ? numbered.substr(0, member["key_length"].asUInt()) : numbered;
+}
+
 std::set<std::string> Counts(const Json::Value& members) {
     std::set<std::string> counts;
     for (const Json::Value& member : members) {
@@ -95,7 +100,7 @@ void AddMember(const Json::Value& member, const Json::Value& value, Json::Value&
         message[member["fields"]["repeat"].asString()] = value.size();
     } else if (member.isMember("repeat")) {
         for (Json::ArrayIndex i = 0; i < value.size(); ++i) {
-            message[ArgumentName(member) + std::to_string(i)] = OnTheWire(member, type, value[i]);
+            message[NumberedKey(member, i)] = OnTheWire(member, type, value[i]);
         }
         message[member["repeat"].asString()] = value.size();
     } else {

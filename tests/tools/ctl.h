@@ -1,0 +1,71 @@
+// hbbtvctl as its users start it, in front of the system or without it.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <json/value.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "child_process.h"
+#include "finished_run.h"
+#include "raw_socket.h"
+#include "scratch_directory.h"
+#include "system.h"
+
+namespace hbbtv::test {
+
+// hbbtvctl with these arguments, to its end.
+FinishedRun Ctl(const std::vector<std::string>& arguments);
+FinishedRun CtlWithInput(const std::vector<std::string>& arguments, const std::string& input);
+
+// One document per line; a line that is none is a failure of the test.
+std::vector<Json::Value> Documents(const std::string& output);
+
+// The only document of a run that ended well.
+Json::Value Document(const FinishedRun& run);
+
+// A running hbbtvctl.
+class CtlProcess : public ChildProcess {
+  public:
+    explicit CtlProcess(const std::vector<std::string>& arguments);
+};
+
+// hbbtvctl listen, once it listens; its events are what it wrote in whole lines that begin with `{`.
+class Listener : public CtlProcess {
+  public:
+    explicit Listener(std::vector<std::string> arguments);
+
+    bool Listens() const { return WaitForOutput("hbbtvctl: listening, Ctrl-C ends\n"); }
+    std::vector<Json::Value> Events() const;
+    bool WaitForEvents(size_t count) const;
+};
+
+// Names of the files in protocol/, without ".json".
+std::vector<std::string> FamiliesOfProtocolFiles();
+
+std::string ReadFile(const std::string& path);
+void WriteFile(const std::string& path, const std::string& text);
+
+// A directory of its own, and nobody in it.
+class Alone : public testing::Test {
+  protected:
+    ScratchDirectory mDirectory;
+};
+
+// Simulated platform and service; what the simulated platform does not serve yet is served by the test.
+class InFrontOfTheSystem : public Alone {
+  protected:
+    void SetUp() override;
+
+    // A channel of the line-up, and an object to present it in, as texts.
+    std::string CurrentChannel() const;
+    std::string NewVideoBroadcast() const;
+
+    std::unique_ptr<SimulatedPlatform> mPlatform;
+    std::vector<std::unique_ptr<FakePlatform>> mRest;
+    std::unique_ptr<ServiceProcess> mService;
+};
+
+}  // namespace hbbtv::test

@@ -1,0 +1,81 @@
+// hbbtvctl describe: what the .hal files and the wire say of a name.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "ctl.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class Describe : public Alone {
+  protected:
+    static std::string Of(const std::string& name) {
+        const FinishedRun run = Ctl({"describe", name});
+        EXPECT_EQ(0, run.exit) << run.Text();
+        EXPECT_EQ("", run.errors);
+        return run.output;
+    }
+};
+
+TEST_F(Describe, AMethodWithItsTypesItsDocumentationItsWireFormAndEnumerators) {
+    const std::string text = Of("IVideoBroadcast.GetAVComponentNumByType");
+    EXPECT_THAT(text,
+                StartsWith("IVideoBroadcast.GetAVComponentNumByType(int64_t vb, TolmHbbtvAVComponentType type)\n"));
+    EXPECT_THAT(text, HasSubstr("        -> (int32_t status, uint32_t num)\n"));
+    EXPECT_THAT(text, HasSubstr("    Tells how many components of a kind the channel has.\n"));
+    EXPECT_THAT(text, HasSubstr("Wire request, type 3, method 39, to service_plugin_to_hbbtv_vb, port 7\n"));
+    EXPECT_THAT(text, HasSubstr("    vb_handle (pointer)\n"));
+    EXPECT_THAT(text, HasSubstr("    comType (int): 0 video, 1 audio, 2 subtitle (OIPF Release 2 Volume 5)\n"));
+    EXPECT_THAT(text, HasSubstr("    ret (int): 0 for success\n    num (uint)\n"));
+    EXPECT_THAT(text, HasSubstr("\nTolmHbbtvAVComponentType\n"));
+    EXPECT_THAT(text, HasSubstr("    0  VIDEO\n    1  AUDIO\n    2  SUBTITLE\n"));
+}
+
+TEST_F(Describe, AMethodWhoseOperationHasAnotherName) {
+    EXPECT_THAT(Of("IDsmcc.OnRequestFile"),
+                HasSubstr("Wire one-way, type 20, method 0, to service_dsmcc_to_hbbtv, port 2\n"));
+    EXPECT_THAT(Of("IApplicationManager.Show"),
+                HasSubstr("Wire one-way, t 210, to service_plugin_to_hbbtv_apm, port 1\n"));
+}
+
+TEST_F(Describe, AnInterfaceAClientsInterfaceAStructAFamilyAndAnOperation) {
+    EXPECT_THAT(Of("IChannel"), HasSubstr("  GetOnid(int64_t channel) -> (int32_t status, int32_t onid)\n"));
+    EXPECT_THAT(Of("IVideoBroadcastCallback"),
+                StartsWith("vantorel.hardware.hbbtv@1.0::IVideoBroadcastCallback, implemented by clients\n"));
+    EXPECT_THAT(Of("TolmRect"), HasSubstr("    int32_t  x\n    int32_t  y\n    int32_t  width\n    int32_t  height\n"));
+    const std::string family = Of("channel_config");
+    EXPECT_THAT(
+        family,
+        HasSubstr("  requests  key 31, port 3, service_plugin_to_hbbtv_vb_chn_config, served by the platform\n"
+                  "  events    key 53, port 3, service_hbbtv_to_plugin_vb_chn_config, served by the library\n"));
+    EXPECT_THAT(family,
+                HasSubstr("  2  GetCurrentChannel           request  The channel that the television presents.\n"));
+    EXPECT_THAT(family, HasSubstr("  0  changed  one-way  OnChannelConfigEvent  reserved\n"));
+    EXPECT_THAT(Of("channel_config.CreateChannelList"),
+                HasSubstr("    channel%d (pointer), %d from 0, as many as \"size\" says: one channel\n"));
+}
+
+TEST_F(Describe, EverythingInLinesThatFitIntoATerminal) {
+    std::vector<std::string> names = FamiliesOfProtocolFiles();
+    const Json::Value list = Document(Ctl({"list", "--json"}));
+    for (const Json::Value& interface : list["interfaces"]) names.push_back(interface["name"].asString());
+    ASSERT_LT(10u, names.size());
+    for (const std::string& name : names) {
+        std::istringstream lines(Of(name));
+        for (std::string line; std::getline(lines, line);) {
+            // A word that is longer than the rest of its line stays whole.
+            EXPECT_GE(130u, line.size()) << name << ": " << line;
+        }
+    }
+}
+
+}  // namespace
+
+}  // namespace hbbtv::test

@@ -1,0 +1,93 @@
+// docs/hbbtvctl.schema.json describes the real output of every command with --json.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "ctl.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+// Debian's python3-jsonschema belongs to this Python. One line is one document.
+const char* const kValidator = R"(
+import json, sys
+from jsonschema import Draft202012Validator
+schema = json.load(open(sys.argv[1]))
+Draft202012Validator.check_schema(schema)
+validator = Draft202012Validator(schema)
+for line in sys.stdin:
+    errors = [e.message for e in validator.iter_errors(json.loads(line))]
+    print("valid" if not errors else "INVALID: %s: %s" % (line.strip(), errors[0]))
+)";
+
+std::string Validate(const std::string& lines) {
+    const FinishedRun run =
+        RunToEnd({"/usr/bin/python3", "-c", kValidator, HBBTV_SOURCE_DIR "/docs/hbbtvctl.schema.json"}, lines);
+    EXPECT_EQ(0, run.exit) << run.Text();
+    return run.output;
+}
+
+class Schema : public InFrontOfTheSystem {};
+
+TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
+    const std::string channel = CurrentChannel();
+    const std::string vb = NewVideoBroadcast();
+    const std::vector<std::vector<std::string>> commands{
+        {"list"},
+        {"doctor"},
+        {"call", "IChannel.GetName", channel},
+        {"call", "IChannel.GetName", "0"},
+        {"call", "IVideoBroadcast.GetPlayState", vb, "--time"},
+        {"call", "IVideoBroadcast.GetPlayState", vb, "--numbers"},
+        {"bench", "IChannel.GetName", channel, "--duration", "20ms"},
+        {"send", "channel.GetName", channel},
+        {"send", "channel.GetName", channel, "--time"},
+        {"send", "dsmcc.RequestFile", "dvb://1.2.3", "1"},
+        {"send", "channel", "--raw", "x", "--timeout", "50ms"},
+    };
+    std::string lines;
+    const auto run = [&lines](std::vector<std::string> words) {
+        words.push_back("--json");
+        const std::string output = Ctl(words).output;
+        EXPECT_NE("", output) << words[0];
+        lines += output;
+    };
+    for (const auto& command : commands) run(command);
+    Listener listener({"video_broadcast", "channel_config", "--with", "vb=" + vb});
+    ASSERT_TRUE(listener.Listens()) << listener.Output();
+    run({"emit", "channel_config", "changed", "reserved=1"});
+    run({"emit", "video_broadcast", "--raw", "x", "--timeout", "50ms"});
+    ASSERT_EQ(0, Ctl({"call", "IVideoBroadcast.BindToCurrentChannel", vb}).exit);
+    ASSERT_TRUE(listener.WaitForEvents(2)) << listener.Output();
+    const std::string events = listener.Output();
+    lines += events.substr(events.find('{'), events.rfind('\n') + 1 - events.find('{'));
+    EXPECT_THAT(Validate(lines), testing::MatchesRegex("(valid\n)+"));
+
+    // No command with --json is missing here.
+    for (const char* command :
+         {"list", "describe", "call", "listen", "send", "emit", "bench", "doctor", "completion", "man"}) {
+        const bool tried =
+            std::string(command) == "listen" || std::string(command) == "emit" ||
+            std::any_of(commands.begin(), commands.end(), [&](const auto& words) { return words[0] == command; });
+        EXPECT_EQ(tried, Ctl({command, "--help"}).output.find("  --json ") != std::string::npos) << command;
+    }
+}
+
+TEST(SchemaOfJson, RefusesWhatIsNot) {
+    ScratchDirectory directory;
+    EXPECT_THAT(Validate("{}\n"
+                         "[]\n"
+                         R"({"method": "IChannel.GetName"})"
+                         "\n"
+                         R"({"method": "IChannel.GetName", "results": {}, "more": 1})"
+                         "\n"
+                         R"({"checks": [{"check": "directory", "level": "fine", "finding": "", "advice": ""}]})"
+                         "\n"),
+                testing::Not(testing::HasSubstr("valid\nvalid")));
+    EXPECT_THAT(Validate("{}\n[]\n"), testing::Not(testing::StartsWith("valid")));
+}
+
+}  // namespace
+
+}  // namespace hbbtv::test

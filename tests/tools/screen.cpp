@@ -1,0 +1,52 @@
+#include "screen.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "finished_run.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+std::string PathWithProgram() {
+    const std::string program = HBBTVCTL_PROGRAM;
+    return "PATH=" + program.substr(0, program.rfind('/')) + ":" + std::getenv("PATH");
+}
+
+}  // namespace
+
+Screen::Screen(const std::string& shell)
+    : mSocket(std::string(std::getenv("TMPDIR")) + "/terminal"),
+      mTerminal({"tmux", "-u", "-D", "-f", "/dev/null", "-S", mSocket},
+                {PathWithProgram(), std::string("HOME=") + std::getenv("TMPDIR"), "LC_ALL=C.UTF-8", "TERM=xterm"}) {
+    WaitFor([this] { return access(mSocket.c_str(), F_OK) == 0; });
+    Tell({"new-session", "-d", "-x", "100", "-y", "40", shell});
+}
+
+void Screen::Tell(const std::vector<std::string>& command) const {
+    std::vector<std::string> words{"tmux", "-S", mSocket};
+    words.insert(words.end(), command.begin(), command.end());
+    // A new session has the PATH of the process that asks for it.
+    RunToEnd(words, std::nullopt, {PathWithProgram()});
+}
+
+void Screen::Type(const std::string& text) const {
+    Tell({"send-keys", "-l", text});
+}
+
+void Screen::Press(const std::string& key) const {
+    Tell({"send-keys", key});
+}
+
+std::string Screen::Text() const {
+    return RunToEnd({"tmux", "-S", mSocket, "capture-pane", "-p"}).output;
+}
+
+bool Screen::WaitForText(const std::string& text) const {
+    return WaitFor([&] { return Text().find(text) != std::string::npos; });
+}
+
+}  // namespace hbbtv::test

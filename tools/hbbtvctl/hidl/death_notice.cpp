@@ -1,0 +1,23 @@
+// See death_notice.h.
+#include "hidl/death_notice.h"
+
+#include "failure.h"
+
+namespace hbbtv::ctl {
+
+void DeathNotice::Watch(const ServiceCaller& service) {
+    mDied = mDied || !service.Service()->linkToDeath(this, 0).withDefault(false);
+    Check();
+}
+
+void DeathNotice::Check() const {
+    if (!mDied) return;
+    throw Failure(kPeerLost, "the service that was listened to went away; look at its log, start it, and listen again");
+}
+
+void DeathNotice::serviceDied(uint64_t, const android::wp<android::hidl::base::V1_0::IBase>&) {
+    mDied = true;
+    mInterruption.Wake();
+}
+
+}  // namespace hbbtv::ctl
