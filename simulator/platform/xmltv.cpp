@@ -2,8 +2,8 @@
 #include "platform/xmltv.h"
 
 #include <algorithm>
-#include <bitset>
 #include <map>
+#include <numeric>
 #include <optional>
 #include <pugixml.hpp>
 #include <set>
@@ -51,6 +51,27 @@ class Places {
     std::string mName;
     const LineUpWarning& mWarn;
     std::vector<size_t> mEnds;
+};
+
+// Event ids of one service, each given once. Taken ones lead to the next that is free, so that finding it is no walk
+// through all of them.
+class EventIds {
+  public:
+    EventIds() { std::iota(mNext.begin(), mNext.end(), 0u); }
+
+    // This one, or the first free one behind it. There are more than programmes.
+    int Take(size_t id) {
+        id %= mNext.size();
+        while (mNext[id] != id) {
+            mNext[id] = mNext[mNext[id]];
+            id = mNext[id];
+        }
+        mNext[id] = (id + 1) % mNext.size();
+        return static_cast<int>(id);
+    }
+
+  private:
+    std::vector<size_t> mNext = std::vector<size_t>(kMostOfAService + 1);
 };
 
 struct Entry {
@@ -172,12 +193,9 @@ void XmltvReader::Arrange(std::vector<Entry>& entries) const {
 ProgrammeList XmltvReader::Make(const std::shared_ptr<const Service>& service, const std::vector<Entry>& entries,
                                 bool first) const {
     ProgrammeList programmes;
-    std::bitset<kMostOfAService + 1> taken;
+    EventIds ids;
     for (const Entry& entry : entries) {
-        auto id = static_cast<size_t>(entry.time.from / 60) % taken.size();
-        while (taken[id]) id = (id + 1) % taken.size();
-        taken[id] = true;
-        const auto programme = MakeProgramme(service, entry.time, static_cast<int>(id));
+        const auto programme = MakeProgramme(service, entry.time, ids.Take(static_cast<size_t>(entry.time.from / 60)));
         FillProgramme(*programme, entry.node, [&](const std::string& what) {
             if (first) mPlaces.Warn(entry.node, what);
         });
