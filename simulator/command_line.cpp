@@ -21,7 +21,7 @@ const char* const kExamples = R"(Examples:
   hbbtv-sim --programmes guide.xml                  what is on, from an XMLTV file
   hbbtv-sim --tune-time 0ms --seed 7                fast, with the same handles and programmes every time
   hbbtv-sim --fault stop-answering:video_broadcast  a platform that hangs
-  hbbtv-sim --state ~/.tv                           favourite lists outlast the simulator
+  hbbtv-sim --state ~/.tv                           favourite lists and preferences outlast the simulator
   hbbtv-sim --tell "zap next"                       to the simulator that runs: the viewer zaps
   hbbtv-sim --tell help                             what else it can be told
 
