@@ -22,7 +22,7 @@ const char* const kExamples = R"(Examples:
   hbbtv-sim --fault stop-answering:video_broadcast  a platform that hangs
   hbbtv-sim --carousel ~/app                        a directory as the services' object carousel
   hbbtv-sim --stream-events quiz.json               stream events at their times
-  hbbtv-sim --state ~/.tv                           favourite lists outlast the simulator
+  hbbtv-sim --state ~/.tv                           favourite lists and preferences outlast the simulator
   hbbtv-sim --tell "zap next"                       to the simulator that runs: the viewer zaps
   hbbtv-sim --tell help                             what else it can be told
 
