@@ -4,14 +4,13 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
-#include <algorithm>
 #include <cstdlib>
+
+#include "core/time_text.h"
 
 namespace hbbtv::sim {
 
 namespace {
-
-constexpr long long kLongestTime = 24LL * 60 * 60 * 1000;
 
 const char* const kExamples = R"(Examples:
   hbbtv-sim --trace                                 sockets in $TMPDIR or /tmp, every message on the screen
@@ -21,23 +20,15 @@ const char* const kExamples = R"(Examples:
   hbbtv-sim --programmes guide.xml                  what is on, from an XMLTV file
   hbbtv-sim --tune-time 0ms --seed 7                fast, with the same handles and programmes every time
   hbbtv-sim --fault stop-answering:video_broadcast  a platform that hangs
+  hbbtv-sim --carousel ~/app                        a directory as the services' object carousel
+  hbbtv-sim --stream-events quiz.json               stream events at their times
   hbbtv-sim --state ~/.tv                           favourite lists outlast the simulator
   hbbtv-sim --tell "zap next"                       to the simulator that runs: the viewer zaps
   hbbtv-sim --tell help                             what else it can be told
 
 Exit codes: 0 ended by SIGINT or SIGTERM (or told), 1 --tell was refused or nobody is there, 2 wrong options,
-3 the line-up was refused, 4 the sockets cannot be served, 5 the state directory cannot be used,
-6 the programmes were refused.)";
-
-// "300ms", "2s", or plain milliseconds.
-std::optional<std::chrono::milliseconds> ReadTime(const std::string& text) {
-    const size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
-    const std::string unit = text.substr(digits);
-    if (digits == 0 || digits > 9 || (unit != "" && unit != "ms" && unit != "s")) return std::nullopt;
-    const long long number = std::stoll(text.substr(0, digits)) * (unit == "s" ? 1000 : 1);
-    if (number > kLongestTime) return std::nullopt;
-    return std::chrono::milliseconds(number);
-}
+3 the line-up, the programmes, the carousel or the stream events were refused, 4 the sockets cannot be served,
+5 the state directory cannot be used.)";
 
 std::string CheckTime(const std::string& text) {
     return ReadTime(text) ? "" : "\"" + text + "\" is no time: write 300ms or 2s, at most a day";
@@ -45,6 +36,10 @@ std::string CheckTime(const std::string& text) {
 
 std::string CheckState(const std::string& text) {
     return text.empty() ? "the state directory has no name" : "";
+}
+
+std::string CheckName(const std::string& text) {
+    return text.empty() ? "the name is empty" : "";
 }
 
 std::string CheckFault(const std::string& text) {
@@ -78,6 +73,9 @@ Options ReadCommandLine(int argc, char** argv) {
         ->type_name("FILE");
     app.add_option("--programmes", options.programmes, "Their programmes (XMLTV); made up without it")
         ->type_name("FILE");
+    app.add_option("--carousel", options.settings.carousel, "The files of the services' object carousel")
+        ->type_name("DIR")
+        ->check(CheckName);
     app.add_option("--directory", options.directory, "Where the sockets are")->type_name("DIR")->capture_default_str();
     app.add_option("--state", options.settings.stateDirectory, "What outlasts the simulator, made when it is missing")
         ->type_name("DIR")
@@ -90,6 +88,9 @@ Options ReadCommandLine(int argc, char** argv) {
         ->type_name("TIME")
         ->check(CheckTime)
         ->capture_default_str();
+    app.add_option("--stream-events", options.settings.streamEvents, "Which stream events come when (JSON)")
+        ->type_name("FILE")
+        ->check(CheckName);
     app.add_option("--ping-interval", pingInterval, "Between two questions whether the browser is there, 0 for none")
         ->type_name("TIME")
         ->check(CheckTime)

@@ -10,15 +10,7 @@
 namespace hbbtv::sim {
 
 // Fixed, documented in docs/simulator.md.
-enum ExitCode {
-    kEnded = 0,
-    kTellFailed = 1,
-    kUsage = 2,
-    kLineUpRefused = 3,
-    kCannotServe = 4,
-    kCannotKeep = 5,
-    kProgrammesRefused = 6
-};
+enum ExitCode { kEnded = 0, kTellFailed = 1, kUsage = 2, kFileRefused = 3, kCannotServe = 4, kCannotKeep = 5 };
 
 struct Options {
     Settings settings;

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "command_line.h"
+#include "platform/json_source.h"
 #include "platform/xmltv.h"
 #include "simulator.h"
 
@@ -46,10 +47,13 @@ int Main(int argc, char** argv) {
         return end.exitCode;
     } catch (const BadLineUp& e) {
         std::fprintf(stderr, "hbbtv-sim: the line-up is refused: %s\n", e.what());
-        return kLineUpRefused;
+        return kFileRefused;
     } catch (const BadProgrammes& e) {
         std::fprintf(stderr, "hbbtv-sim: the programmes are refused: %s\n", e.what());
-        return kProgrammesRefused;
+        return kFileRefused;
+    } catch (const BadFile& e) {
+        std::fprintf(stderr, "hbbtv-sim: refused: %s\n", e.what());
+        return kFileRefused;
     } catch (const CannotServe& e) {
         std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
         return kCannotServe;

@@ -32,7 +32,7 @@ Simulator::Simulator(EventLoop& loop, const Journal& journal, LineUp lineUp, con
       mState(settings.stateDirectory),
       mTv(std::move(lineUp), settings.seed, mState, std::move(guide)) {
     const FamilySetup setup{mLoop, mTv, mSettings,
-                            [this](const FamilyAddress& address) -> EventSink& { return SinkOf(address); }};
+                            [this](const FamilyAddress& address) -> EventSink& { return SinkOf(address); }, mDirectory};
     for (auto& family : MakeFamilies(setup)) Serve(std::move(family));
     mControl = std::make_unique<ControlServer>(mLoop, mDirectory + "/" + kControlSocket,
                                                [this](const std::string& line) { return Command(line); });

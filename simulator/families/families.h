@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "core/event_loop.h"
@@ -17,6 +18,7 @@ struct FamilySetup {
     Tv& tv;
     const Settings& settings;
     std::function<EventSink&(const FamilyAddress&)> sinkOf;  // where that family's events go
+    const std::string& directory;                            // of the sockets, and of what is put beside them
 };
 
 std::vector<std::unique_ptr<Family>> MakeFamilies(const FamilySetup& setup);

@@ -18,6 +18,8 @@ struct Settings {
     std::chrono::milliseconds tuneTime{300};
     PermanentErrorEvent permanentErrorEvent = PermanentErrorEvent::ChannelError;
     std::chrono::milliseconds streamEventInterval{2000};  // 0: no stream events
+    std::string streamEvents;                             // the file with those of a script; empty: there is none
+    std::string carousel;                                 // the directory of the object carousel; empty: there is none
     std::chrono::milliseconds pingInterval{5000};         // of the browser; 0: none
 };
 

@@ -20,20 +20,6 @@ KeptFavourites KeptFormOf(const FavouriteList& list) {
     return kept;
 }
 
-std::string TextIn(const Json::Value& object, const char* member) {
-    if (!object.isObject() || !object[member].isString()) {
-        throw std::runtime_error(std::string("no text \"") + member + "\"");
-    }
-    return object[member].asString();
-}
-
-const Json::Value& ListIn(const Json::Value& object, const char* member) {
-    if (!object.isObject() || !object[member].isArray()) {
-        throw std::runtime_error(std::string("no list \"") + member + "\"");
-    }
-    return object[member];
-}
-
 KeptFavourites ReadList(const Json::Value& object) {
     KeptFavourites list{TextIn(object, "id"), TextIn(object, "name"), {}};
     for (const Json::Value& ccid : ListIn(object, "channels")) {

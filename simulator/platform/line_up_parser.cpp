@@ -1,14 +1,11 @@
-// The line-up file from text to services. Whatever is wrong gets one sentence with its line and column, and a name that
-// nobody knows gets the nearest one that is known.
-#include <json/reader.h>
-
+// The line-up file from text to services.
 #include <cctype>
-#include <exception>
 #include <map>
 #include <set>
 #include <tuple>
 
 #include "core/nearest_name.h"
+#include "platform/json_source.h"
 #include "platform/line_up.h"
 #include "platform/remote_control.h"
 
@@ -16,7 +13,9 @@ namespace hbbtv::sim {
 
 namespace {
 
-using Names = std::map<std::string, int>;
+using Names = JsonNames;
+using Object = JsonObject;
+using Source = JsonSource;
 
 const Names kDeliveries{{"DVB_C", 10}, {"DVB_S", 11}, {"DVB_T", 12}, {"DVB_C2", 14}, {"DVB_S2", 15}, {"DVB_T2", 16}};
 const Names kChannelTypes{{"TV", 0}, {"RADIO", 1}, {"OTHER", 2}};
@@ -53,162 +52,6 @@ constexpr int kLargestNumber = 9999;
 constexpr int kMostChannels = 24;
 constexpr int kHighestFrequency = 100000000;  // kHz; satellites send at 10 to 13 GHz
 constexpr size_t kMostGenres = 256;
-constexpr int kDeepestNesting = 32;
-
-std::string Quoted(const std::string& text) {
-    return "\"" + text + "\"";
-}
-
-// Text and name of the file, and the one way in which it is refused.
-class Source {
-  public:
-    Source(const std::string& text, std::string name) : mText(text), mName(std::move(name)) {}
-
-    [[noreturn]] void Refuse(const Json::Value& where, const std::string& reason) const {
-        RefuseAt(static_cast<size_t>(where.getOffsetStart()), reason);
-    }
-
-    [[noreturn]] void RefuseAt(size_t offset, const std::string& reason) const {
-        size_t line = 1;
-        size_t column = 1;
-        for (size_t i = 0; i < offset && i < mText.size(); ++i) {
-            column = mText[i] == '\n' ? 1 : column + 1;
-            if (mText[i] == '\n') ++line;
-        }
-        throw BadLineUp(mName + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + reason);
-    }
-
-    [[noreturn]] void RefuseSyntax(const std::string& errors) const;
-
-    Json::Value Parse() const;
-
-  private:
-    const std::string& mText;
-    std::string mName;
-};
-
-// The JSON reader's own report: "* Line 3, Column 5\n  Missing ...\nSee Line ...". Its first error is the one to fix.
-void Source::RefuseSyntax(const std::string& errors) const {
-    unsigned line = 1;
-    unsigned column = 1;
-    std::sscanf(errors.c_str(), "* Line %u, Column %u", &line, &column);
-    const size_t begin = errors.find_first_not_of(" \n", errors.find('\n'));
-    std::string reason = begin == std::string::npos ? "" : errors.substr(begin, errors.find('\n', begin) - begin);
-    while (!reason.empty() && reason.back() == '.') reason.pop_back();
-    throw BadLineUp(mName + ":" + std::to_string(line) + ":" + std::to_string(column) + ": not JSON: " + reason);
-}
-
-Json::Value Source::Parse() const {
-    if (mText.find_first_not_of(" \t\r\n") == std::string::npos) RefuseAt(0, "the file is empty");
-    Json::CharReaderBuilder builder;
-    builder["collectComments"] = false;
-    builder["allowComments"] = false;
-    builder["allowTrailingCommas"] = false;
-    builder["failIfExtra"] = true;
-    builder["rejectDupKeys"] = true;
-    builder["stackLimit"] = kDeepestNesting;
-    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-    Json::Value root;
-    std::string errors;
-    bool good = false;
-    try {
-        good = reader->parse(mText.data(), mText.data() + mText.size(), &root, &errors);
-    } catch (const std::exception&) {
-        RefuseAt(0, "the file nests deeper than " + std::to_string(kDeepestNesting) + " levels");
-    }
-    if (!good) RefuseSyntax(errors);
-    return root;
-}
-
-// One JSON object of the file with the members that it may have. What it is called ("service") opens every sentence.
-class Object {
-  public:
-    Object(const Source& source, const Json::Value& value, std::string what, const std::set<std::string>& known)
-        : mSource(source), mValue(value), mWhat(std::move(what)) {
-        if (!value.isObject()) source.Refuse(value, "a " + mWhat + " is written as an object, in { }");
-        for (const std::string& name : value.getMemberNames()) {
-            if (known.count(name) == 0) {
-                source.Refuse(value[name], "a " + mWhat + " has no member " + Quoted(name) + DidYouMean(name, known));
-            }
-        }
-    }
-
-    bool Has(const char* name) const { return mValue.isMember(name); }
-
-    const Json::Value& Member(const char* name) const {
-        if (!Has(name)) mSource.Refuse(mValue, "the " + mWhat + " lacks the member " + Quoted(name));
-        return mValue[name];
-    }
-
-    std::string Text(const char* name) const {
-        const Json::Value& member = Member(name);
-        if (!member.isString()) Refuse(name, "is not a text");
-        if (member.asString().empty()) Refuse(name, "is empty");
-        return member.asString();
-    }
-
-    std::string Text(const char* name, const char* otherwise) const { return Has(name) ? Text(name) : otherwise; }
-
-    int Int(const char* name, int least, int most) const {
-        const Json::Value& member = Member(name);
-        const std::string range = std::to_string(least) + " to " + std::to_string(most);
-        if (!member.isInt()) Refuse(name, "is not a whole number from " + range);
-        if (member.asInt() < least || member.asInt() > most) {
-            Refuse(name, "is " + std::to_string(member.asInt()) + ", it has to be from " + range);
-        }
-        return member.asInt();
-    }
-
-    bool Bool(const char* name, bool otherwise) const {
-        if (!Has(name)) return otherwise;
-        if (!mValue[name].isBool()) Refuse(name, "is neither true nor false");
-        return mValue[name].asBool();
-    }
-
-    double Real(const char* name, double otherwise, double least, double most) const {
-        if (!Has(name)) return otherwise;
-        const Json::Value& member = mValue[name];
-        if (!member.isNumeric() || member.asDouble() < least || member.asDouble() > most) {
-            Refuse(name, "is not a number from " + std::to_string(least).substr(0, 3) + " to " +
-                             std::to_string(most).substr(0, 3));
-        }
-        return member.asDouble();
-    }
-
-    int OneOf(const char* name, const Names& names) const {
-        const std::string text = Text(name);
-        const auto found = names.find(text);
-        if (found != names.end()) return found->second;
-        std::set<std::string> known;
-        for (const auto& entry : names) known.insert(entry.first);
-        Refuse(name, "is " + Quoted(text) + ", which is not known" + DidYouMean(text, known));
-    }
-
-    int OneOf(const char* name, const Names& names, int otherwise) const {
-        return Has(name) ? OneOf(name, names) : otherwise;
-    }
-
-    const Json::Value& List(const char* name) const {
-        const Json::Value& member = Member(name);
-        if (!member.isArray()) Refuse(name, "is written as a list, in [ ]");
-        return member;
-    }
-
-    void Only(bool allowed, const char* name, const std::string& whose) const {
-        if (!allowed && Has(name)) Refuse(name, "belongs to " + whose + " only");
-    }
-
-    [[noreturn]] void Refuse(const char* name, const std::string& reason) const {
-        mSource.Refuse(mValue[name], "the member " + Quoted(name) + " of the " + mWhat + " " + reason);
-    }
-
-    [[noreturn]] void Refuse(const std::string& reason) const { mSource.Refuse(mValue, reason); }
-
-  private:
-    const Source& mSource;
-    const Json::Value& mValue;
-    std::string mWhat;
-};
 
 Network ReadNetwork(const Source& source, const Json::Value& value) {
     const Object object(source, value, "network", {"id", "name", "position", "delivery", "nid"});
@@ -463,7 +306,11 @@ class LineUpReader {
 
 LineUp ParseLineUp(const std::string& text, const std::string& name) {
     const Source source(text, name);
-    return LineUpReader(source).Read();
+    try {
+        return LineUpReader(source).Read();
+    } catch (const BadFile& e) {
+        throw BadLineUp(e.what());
+    }
 }
 
 }  // namespace hbbtv::sim

@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "core/journal.h"
+#include "platform/utf8.h"
 
 namespace hbbtv::sim {
 
@@ -16,30 +17,6 @@ namespace {
 constexpr int kMostWarnings = 1000;
 constexpr size_t kLongestLine = 64u << 10;
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
-
-bool IsContinuation(char c) {
-    return (static_cast<unsigned char>(c) & 0xc0) == 0x80;
-}
-
-// The length of the UTF-8 character at the start, 0 when the bytes are none.
-size_t Utf8Length(std::string_view text, uint32_t& code) {
-    static constexpr uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    const auto first = static_cast<unsigned char>(text[0]);
-    const size_t length = first < 0x80   ? 1
-                          : first < 0xc2 ? 0
-                          : first < 0xe0 ? 2
-                          : first < 0xf0 ? 3
-                          : first < 0xf5 ? 4
-                                         : 0;
-    if (length == 0 || length > text.size()) return 0;
-    code = length == 1 ? first : first & (0x7fu >> length);
-    for (size_t i = 1; i < length; ++i) {
-        if (!IsContinuation(text[i])) return 0;
-        code = code << 6 | (static_cast<unsigned char>(text[i]) & 0x3fu);
-    }
-    const bool surrogate = code >= 0xd800 && code < 0xe000;
-    return code < kSmallest[length] || code > 0x10ffff || surrogate ? 0 : length;
-}
 
 // C0 and C1, and the place in the private use area where DVB's two-byte tables have their own C1.
 bool IsControl(uint32_t code) {

@@ -2,6 +2,8 @@
 #include "platform/programme.h"
 
 #include <cstdio>
+#include <map>
+#include <vector>
 
 #include "platform/service_channels.h"
 
@@ -52,9 +54,18 @@ std::shared_ptr<Programme> MakeProgramme(std::shared_ptr<const Service> service,
     return programme;
 }
 
-void AddRating(Programme& programme, ParentalRating rating) {
-    if (!programme.ratings) programme.ratings = std::make_shared<ParentalRatings>();
-    programme.ratings->push_back(std::make_shared<ParentalRating>(std::move(rating)));
+int AgeOf(const Rating& rating) {
+    static const std::map<std::string, std::vector<int>> kAges{{kSchemeFsk, {0, 6, 12, 16, 18}},
+                                                               {kSchemeMpaa, {0, 0, 13, 17, 18, 0}}};
+    const auto ages = kAges.find(rating.scheme);
+    if (ages == kAges.end()) return rating.value;
+    const auto position = static_cast<size_t>(rating.value);
+    return position < ages->second.size() ? ages->second[position] : 0;
+}
+
+void AddRating(Programme& programme, Rating rating) {
+    if (!programme.ratings) programme.ratings = std::make_shared<RatingCollection>();
+    programme.ratings->push_back(std::make_shared<Rating>(std::move(rating)));
 }
 
 }  // namespace hbbtv::sim

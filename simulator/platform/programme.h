@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/line_up.h"
+#include "platform/rating.h"
 
 namespace hbbtv::sim {
 
@@ -22,20 +23,10 @@ struct TimeRange {
 // The last second that the interface can say.
 constexpr std::time_t kLastTime = INT32_MAX;
 
-// Schemes of OIPF DAE volumes 3 and 5. A value is an age; in the scheme of the MPAA it is the place in its list.
+// Schemes of OIPF DAE volumes 3 and 5.
 extern const char* const kSchemeDvbSi;
 extern const char* const kSchemeFsk;
 extern const char* const kSchemeMpaa;
-
-struct ParentalRating {
-    std::string scheme;
-    std::string name;
-    int value = 0;
-    unsigned labels = 0;  // a bit for each
-    std::string region;   // ISO 3166, two letters; empty when it holds everywhere
-};
-
-using ParentalRatings = std::vector<std::shared_ptr<ParentalRating>>;
 
 // Values of OIPF DAE volume 5.
 enum class ProgrammeIdType { TvaCrid = 0, DvbEvent = 1, TvaGroupCrid = 2 };
@@ -58,7 +49,7 @@ struct Programme {
 
     std::string language = "und";  // of the texts, ISO 639-2
     std::vector<std::string> genres;
-    std::shared_ptr<ParentalRatings> ratings;  // null: none
+    std::shared_ptr<RatingCollection> ratings;  // null: none
     int season = 0;                            // 0 when not known, like the next two
     int episode = 0;
     int totalEpisodes = 0;
@@ -76,6 +67,9 @@ using ProgrammeList = std::vector<std::shared_ptr<Programme>>;
 // same in every run: the address of the DVB event, and for services over IP a CRID.
 std::shared_ptr<Programme> MakeProgramme(std::shared_ptr<const Service> service, TimeRange onAir, int eventId);
 
-void AddRating(Programme& programme, ParentalRating rating);
+// The years of which a rating speaks, by its scheme; 0 when it speaks of none.
+int AgeOf(const Rating& rating);
+
+void AddRating(Programme& programme, Rating rating);
 
 }  // namespace hbbtv::sim

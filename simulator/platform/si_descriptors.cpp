@@ -91,14 +91,7 @@ std::string Content(const Programme& programme) {
     return body;
 }
 
-// The years of which a rating speaks; 0 when it speaks of none.
-int AgeOf(const ParentalRating& rating) {
-    static const int kMpaa[] = {0, 0, 13, 17, 18, 0};
-    if (rating.scheme != kSchemeMpaa) return rating.value;
-    return rating.value >= 0 && rating.value < 6 ? kMpaa[rating.value] : 0;
-}
-
-std::string CountryOf(const ParentalRating& rating) {
+std::string CountryOf(const Rating& rating) {
     static const std::map<std::string, std::string> kCountries{
         {"AT", "AUT"}, {"CH", "CHE"}, {"DE", "DEU"}, {"ES", "ESP"}, {"FR", "FRA"},
         {"GB", "GBR"}, {"IE", "IRL"}, {"IT", "ITA"}, {"PL", "POL"}, {"US", "USA"}};

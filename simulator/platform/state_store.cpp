@@ -34,6 +34,20 @@ bool WriteAll(int fd, const std::string& text) {
 
 }  // namespace
 
+std::string TextIn(const Json::Value& object, const char* member) {
+    if (!object.isObject() || !object[member].isString()) {
+        throw std::runtime_error(std::string("no text \"") + member + "\"");
+    }
+    return object[member].asString();
+}
+
+const Json::Value& ListIn(const Json::Value& object, const char* member) {
+    if (!object.isObject() || !object[member].isArray()) {
+        throw std::runtime_error(std::string("no list \"") + member + "\"");
+    }
+    return object[member];
+}
+
 void StateStore::Fail(const std::string& file, const std::string& what) const {
     throw CannotKeep("the state in " + Path(file) + " " + what);
 }

@@ -19,6 +19,10 @@ class CannotKeep : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// Members of a document that is loaded; std::runtime_error is thrown when there is none of the type.
+std::string TextIn(const Json::Value& object, const char* member);
+const Json::Value& ListIn(const Json::Value& object, const char* member);
+
 class StateStore {
   public:
     // The directory is made when it is missing, and is this store's alone for as long as the store lives. Empty: there

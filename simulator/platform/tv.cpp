@@ -1,6 +1,8 @@
 // The shared television: see tv.h.
 #include "platform/tv.h"
 
+#include <algorithm>
+
 #include "platform/schedule.h"
 
 namespace hbbtv::sim {
@@ -36,6 +38,18 @@ std::vector<KeptFavourites> Brought(const LineUp& lineUp) {
     return lists;
 }
 
+std::vector<int> TerrestrialNetworkIds(const LineUp& lineUp) {
+    std::vector<int> ids;
+    for (const auto& service : lineUp.services) {
+        const Network& network = *service->network;
+        const bool known = std::find(ids.begin(), ids.end(), network.networkId) != ids.end();
+        if (Medium(static_cast<int>(network.delivery)) == static_cast<int>(IdType::DvbT) && !known) {
+            ids.push_back(network.networkId);
+        }
+    }
+    return ids;
+}
+
 }  // namespace
 
 void Tuner::Set(std::shared_ptr<Channel> channel) {
@@ -66,7 +80,10 @@ Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theStat
       channelList(serviceChannels.Listed()),
       favourites(std::make_shared<Favourites>(
           state, Brought(lineUp), [this](const std::string& ccid) { return serviceChannels.WithCcid(ccid); })),
+      preferences(state, TerrestrialNetworkIds(lineUp)),
       guide(theGuide ? std::move(theGuide) : std::make_unique<Schedule>(seed.value_or(0))),
+      parentalControl(state),
+      device(state, seed),
       handleSource(seed),
       channels(handleSource),
       channelLists(handleSource),

@@ -1,6 +1,6 @@
 // The television that the families share: its line-up, its channel and favourite lists, its one tuner, its guide of
-// programmes, its applications and their tabs, what it remembers, and the handles of the objects that more than one
-// family knows.
+// programmes, its applications and their tabs, its parental control, what it is and remembers, and the handles of the
+// objects that more than one family knows.
 #pragma once
 
 #include <functional>
@@ -12,9 +12,12 @@
 #include "core/handles.h"
 #include "platform/applications.h"
 #include "platform/channel_lists.h"
+#include "platform/device.h"
 #include "platform/favourites.h"
 #include "platform/guide.h"
 #include "platform/line_up.h"
+#include "platform/parental_control.h"
+#include "platform/preferences.h"
 #include "platform/service_channels.h"
 #include "platform/state_store.h"
 #include "platform/tabs.h"
@@ -46,6 +49,8 @@ class Tuner {
     const std::shared_ptr<Channel>& On() const { return mOn; }
     bool FreeFor(const void* user) const { return !mTaken && (mUser == nullptr || mUser == user); }
     const void* LatestUser() const { return mLatest; }
+
+    bool Used() const { return mUser != nullptr; }
 
     // `onChange` is called whenever another channel is on, for as long as the tuner lives.
     void Watch(std::function<void()> onChange) { mWatchers.push_back(std::move(onChange)); }
@@ -96,7 +101,10 @@ class Tv {
     ServiceChannels serviceChannels;
     ChannelLists channelList;
     std::shared_ptr<Favourites> favourites;
+    Preferences preferences;
     std::unique_ptr<Guide> guide;  // never null
+    ParentalControl parentalControl;
+    Device device;
     HandleSource handleSource;
     HandleTable<Channel> channels;
     HandleTable<ChannelList> channelLists;
@@ -106,7 +114,7 @@ class Tv {
     HandleTable<ComponentList> componentLists;
     HandleTable<Programme> programmes;
     HandleTable<ProgrammeList> programmeLists;
-    HandleTable<ParentalRatings> ratingCollections;
+    HandleTable<RatingCollection> ratingCollections;
     Tuner tuner;
     Applications applications;
     Tabs tabs;

@@ -114,8 +114,9 @@ void FillEpisode(Programme& programme, const pugi::xml_node& node, const Warn& w
 
 // --- Ratings
 
-// In the order of the scheme.
+// In the order of their schemes.
 const char* const kMpaa[] = {"G", "PG", "PG-13", "R", "NC-17", "NR"};
+constexpr int kFsk[] = {0, 6, 12, 16, 18};
 
 // The number at the end of "12", "12+" or "FSK 12".
 std::optional<int> Age(std::string_view text) {
@@ -134,9 +135,9 @@ void FillRating(Programme& programme, const std::string& system, const std::stri
     }
     const auto age = Age(text);
     if (!age) return;
-    const bool fsk = *age == 0 || *age == 6 || *age == 12 || *age == 16 || *age == 18;
-    if (system == "FSK" && fsk) {
-        AddRating(programme, {kSchemeFsk, std::to_string(*age), *age, 0, "DE"});
+    const auto* const fsk = std::find(std::begin(kFsk), std::end(kFsk), *age);
+    if (system == "FSK" && fsk != std::end(kFsk)) {
+        AddRating(programme, {kSchemeFsk, std::to_string(*age), static_cast<int>(fsk - std::begin(kFsk)), 0, "DE"});
     } else if (*age >= 4 && *age <= 18) {
         AddRating(programme, {kSchemeDvbSi, std::to_string(*age), *age, 0, ""});
     }

@@ -38,12 +38,6 @@ const char* const kChannelLineUp = R"({
 
 namespace {
 
-struct Endpoint {
-    const char* socket;
-    int port;
-    int type;
-};
-
 const Endpoint& EndpointOf(Of family) {
     static const std::map<Of, Endpoint> endpoints{
         {Of::Channel, {"service_plugin_to_hbbtv_vb_chn", 2, 12}},
@@ -57,7 +51,6 @@ const Endpoint& EndpointOf(Of family) {
 }  // namespace
 
 void ChannelPlatform::Begin(std::vector<std::string> options) {
-    mClients.clear();
     options.insert(options.end(), {"--tune-time", "0ms"});
     Start(options);
     if (!mConfigEvents) {
@@ -71,22 +64,7 @@ void ChannelPlatform::RestartRemembering() {
 }
 
 Json::Value ChannelPlatform::Ask(Of family, int method, const Members& members) {
-    const Endpoint& endpoint = EndpointOf(family);
-    auto& client = mClients[family];
-    if (!client) client = std::make_unique<RawClient>(mDirectory / endpoint.socket);
-    Json::Value request;
-    request["type"] = endpoint.type;
-    request["method"] = method;
-    for (const auto& member : members) request[member.first] = member.second;
-    client->Send(2, endpoint.port, request.toStyledString());
-    const auto reply = client->Receive();
-    if (!reply) {
-        ADD_FAILURE() << "no reply to " << endpoint.socket << " method " << method << "\n" << mSimulator->Output();
-        return Json::Value(Json::objectValue);
-    }
-    EXPECT_EQ(reply->type, 3);
-    EXPECT_EQ(reply->port, endpoint.port);
-    return Parsed(reply->text);
+    return AskAt(EndpointOf(family), method, members);
 }
 
 std::string ChannelPlatform::Handle(Of family, int method, const char* member, const Members& members) {

@@ -59,8 +59,6 @@ class ChannelPlatform : public SimulatedPlatform {
 
   private:
     std::string NamesOf(Of family, const char* handleMember, int itemMethod, const std::string& list);
-
-    std::map<Of, std::unique_ptr<RawClient>> mClients;
 };
 
 }  // namespace hbbtv::test

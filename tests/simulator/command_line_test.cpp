@@ -114,6 +114,8 @@ TEST_F(CommandLine, WrongOptionsEndWithCode2AndASentence) {
         {{"--stream-event-interval", ""}, "is no time"},
         {{"--ping-interval", "often"}, "\"often\" is no time"},
         {{"--seed", "x"}, "--seed"},
+        {{"--carousel", ""}, "the name is empty"},
+        {{"--stream-events", ""}, "the name is empty"},
         {{"--permanent-error", "none"}, "channel-changed"},
         {{"--fault", "smoke"}, "\"smoke\" is no fault"},
         {{"--fault", "stop-answering:video"}, "did you mean \"video_broadcast\"?"}};

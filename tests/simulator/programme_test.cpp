@@ -229,7 +229,7 @@ class ProgrammeFiles : public AvPlatform {
   protected:
     std::string Refusal(const std::string& path) {
         const auto program = Launch({"--programmes", path});
-        EXPECT_EQ(program->WaitForExit(), 6);
+        EXPECT_EQ(program->WaitForExit(), 3);
         return program->Output();
     }
 };

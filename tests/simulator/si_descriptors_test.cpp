@@ -240,7 +240,7 @@ TEST_F(Descriptors, OfParentalRatingHoldCountryAndAge) {
     EXPECT_EQ(Of(kParentalRating), Texts());
     AddRating(*mProgramme, {kSchemeFsk, "0", 0, 0, "DE"});
     EXPECT_EQ(Of(kParentalRating), Texts()) << "for everybody";
-    AddRating(*mProgramme, {kSchemeFsk, "18", 18, 0, "DE"});
+    AddRating(*mProgramme, {kSchemeFsk, "18", 4, 0, "DE"});
     AddRating(*mProgramme, {kSchemeDvbSi, "4", 4, 0, "GB"});
     AddRating(*mProgramme, {kSchemeDvbSi, "10", 10, 0, ""});
     AddRating(*mProgramme, {kSchemeMpaa, "PG-13", 2, 0, ""});
@@ -262,7 +262,7 @@ TEST_F(Descriptors, ComeInOneOrder) {
     mService->components = {std::make_shared<Component>(ComponentOf(ComponentType::Video, "AVC_HD_25"))};
     mProgramme->longDescription = "x";
     mProgramme->genres = {"News"};
-    AddRating(*mProgramme, {kSchemeFsk, "12", 12, 0, ""});
+    AddRating(*mProgramme, {kSchemeFsk, "12", 2, 0, ""});
     std::string tags;
     for (const std::string& descriptor : DescriptorsOf(*mProgramme)) tags += descriptor[0];
     EXPECT_EQ(tags, "\x4d\x4e\x50\x54\x55");

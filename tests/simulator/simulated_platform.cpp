@@ -62,6 +62,7 @@ void SimulatedPlatform::Start(std::vector<std::string> options) {
     const std::string lineUp = mDirectory / "small.json";
     WriteFile(lineUp, mLineUp);
     options.insert(options.begin(), {"--line-up", lineUp});
+    mClients.clear();
     mSimulator = Launch(options);
     ASSERT_TRUE(mSimulator->WaitForOutput("ready\n")) << mSimulator->Output();
     mClient = std::make_unique<RawClient>(mRequestSocket);
@@ -78,20 +79,31 @@ void SimulatedPlatform::ServeEvents() {
     mLibrary = std::make_unique<LibraryStandIn>(mEventSocket);
 }
 
-Json::Value SimulatedPlatform::Ask(int method, const Members& members) {
+Json::Value SimulatedPlatform::Exchange(RawClient& client, const Endpoint& endpoint, int method,
+                                        const Members& members) {
     Json::Value request;
-    request["type"] = 3;
+    request["type"] = endpoint.type;
     request["method"] = method;
     for (const auto& member : members) request[member.first] = member.second;
-    mClient->Send(2, 7, request.toStyledString());
-    const auto reply = mClient->Receive();
+    client.Send(2, endpoint.port, request.toStyledString());
+    const auto reply = client.Receive();
     if (!reply) {
-        ADD_FAILURE() << "no reply to method " << method << "\n" << mSimulator->Output();
+        ADD_FAILURE() << "no reply to " << endpoint.socket << " method " << method << "\n" << mSimulator->Output();
         return Json::Value(Json::objectValue);
     }
     EXPECT_EQ(reply->type, 3);
-    EXPECT_EQ(reply->port, 7);
+    EXPECT_EQ(reply->port, endpoint.port);
     return Parsed(reply->text);
+}
+
+Json::Value SimulatedPlatform::Ask(int method, const Members& members) {
+    return Exchange(*mClient, {"service_plugin_to_hbbtv_vb", 7, 3}, method, members);
+}
+
+Json::Value SimulatedPlatform::AskAt(const Endpoint& endpoint, int method, const Members& members) {
+    auto& client = mClients[endpoint.socket];
+    if (!client) client = std::make_unique<RawClient>(mDirectory / endpoint.socket);
+    return Exchange(*client, endpoint, method, members);
 }
 
 Json::Value SimulatedPlatform::AskOf(const std::string& vb, int method, Members members) {

@@ -78,6 +78,13 @@ enum Method {
     kRemoveStreamEventListener = 65
 };
 
+// Where a family's requests go.
+struct Endpoint {
+    const char* socket;
+    int port;
+    int type;
+};
+
 class SimulatedPlatform : public testing::Test {
   protected:
     using Members = std::map<std::string, Json::Value>;
@@ -95,6 +102,8 @@ class SimulatedPlatform : public testing::Test {
     void StopServingEvents() { mLibrary.reset(); }
 
     Json::Value Ask(int method, const Members& members = {});
+    // Of another family.
+    Json::Value AskAt(const Endpoint& endpoint, int method, const Members& members = {});
     // With the handle of an object.
     Json::Value AskOf(const std::string& vb, int method, Members members = {});
 
@@ -138,9 +147,11 @@ class SimulatedPlatform : public testing::Test {
     std::unique_ptr<RawClient> mClient;
 
   private:
+    Json::Value Exchange(RawClient& client, const Endpoint& endpoint, int method, const Members& members);
     std::string EventText(const Json::Value& event) const;
 
-    std::map<std::string, std::string> mChannelNames;  // by handle
+    std::map<std::string, std::string> mChannelNames;             // by handle
+    std::map<std::string, std::unique_ptr<RawClient>> mClients;  // by socket
 };
 
 Json::Value Parsed(const std::string& text);

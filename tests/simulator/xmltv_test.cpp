@@ -156,7 +156,7 @@ TEST_F(Xmltv, MapsRatingsToTheSchemesOfTheInterface) {
     const std::string fsk = "urn:oipf:GermanyFSKCS ";
     const std::string mpaa = "urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001 ";
     for (const Rating& r :
-         {Rating{"FSK", "12", fsk + "12 12"}, Rating{"FSK", "FSK 0", fsk + "0 0"}, Rating{"FSK", "13", "dvb-si 13 13"},
+         {Rating{"FSK", "12", fsk + "12 2"}, Rating{"FSK", "FSK 0", fsk + "0 0"}, Rating{"FSK", "13", "dvb-si 13 13"},
           Rating{"MPAA", "PG-13", mpaa + "PG-13 2"}, Rating{"MPAA", "G", mpaa + "G 0"}, Rating{"MPAA", "X", ""},
           Rating{"", "16+", "dvb-si 16 16"}, Rating{"CSA", "10", "dvb-si 10 10"}, Rating{"CSA", "3", ""},
           Rating{"VCHIP", "TV-G", ""}, Rating{"CSA", "19", ""}, Rating{"CSA", "", ""}}) {
@@ -164,7 +164,7 @@ TEST_F(Xmltv, MapsRatingsToTheSchemesOfTheInterface) {
         std::string text;
         if (p->ratings) {
             ASSERT_EQ(p->ratings->size(), 1u);
-            const ParentalRating& rating = *p->ratings->front();
+            const sim::Rating& rating = *p->ratings->front();
             text = rating.scheme + " " + rating.name + " " + std::to_string(rating.value);
         }
         EXPECT_EQ(text, r.expected) << r.system << " " << r.text;

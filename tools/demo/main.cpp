@@ -1,6 +1,7 @@
 // hbbtv-demo: a client like the HbbTV browser, in a process of its own. It drives a video/broadcast object through the
-// service, walks through the channel list, is given an application's tab, and shows what was asked, what came back and
-// which events arrived. Meant for the simulated platform's default line-up, by whose services it tunes.
+// service, walks through the channel list, searches programmes, is given an application's tab, and shows what was
+// asked, what came back and which events arrived. Meant for the simulated platform's default line-up, by whose services
+// it tunes.
 
 #include <hidl/HidlTransportSupport.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
@@ -14,6 +15,8 @@
 #include "caller.h"
 #include "channel_walk.h"
 #include "event_log.h"
+#include "programme_guide.h"
+#include "programme_search.h"
 #include "transcript.h"
 
 namespace hbbtv::demo {
@@ -55,8 +58,8 @@ class Demo {
 
     // Whether everything went as it should.
     bool Run() {
-        const bool done = Walk() && Create() && Bind() && Tune(kDasErste) && Tune(kZdf) && Zap() && Ask() && Volume() &&
-                          Components() && TuneToScrambled() && Applications();
+        const bool done = Walk() && Search() && Create() && Bind() && Tune(kDasErste) && Tune(kZdf) && Zap() && Ask() &&
+                          Volume() && Components() && Programmes() && TuneToScrambled() && Applications();
         return Leave() && done;
     }
 
@@ -65,6 +68,8 @@ class Demo {
         return WalkChannels(mTranscript, mCaller,
                             [this](int64_t channel, const std::string& name) { mEvents->Name(channel, name); });
     }
+
+    bool Search() { return SearchProgrammes(mTranscript, mCaller, "news"); }
 
     bool Create() {
         mTranscript.Step("Create a video/broadcast object and listen to its events");
@@ -156,6 +161,8 @@ class Demo {
                CountComponents("audio", TolmHbbtvAVComponentType::AUDIO) &&
                CountComponents("subtitle", TolmHbbtvAVComponentType::SUBTITLE);
     }
+
+    bool Programmes() { return ShowNowAndNext(mTranscript, mCaller, mService, mVb); }
 
     bool TuneToScrambled() {
         mTranscript.Step("Tune to a service that cannot be shown: " + std::string(kRai.name));

@@ -11,7 +11,6 @@ namespace hbbtv::sim {
 
 namespace {
 
-const char* const kCountry = "DEU";  // where the television stands
 const char* const kSignalled = "dvb://current.ait/";
 
 constexpr size_t kLongestUrl = 4096;
@@ -128,7 +127,7 @@ ApplicationPointer ApplicationStarter::Start(Application described) {
     if (minimumAge == 0) {
         mTv.applications.Admit(application);
     } else {
-        mEvents.AskParentalRating(kCountry,
+        mEvents.AskParentalRating(mTv.parentalControl.Country(),
                                   [this, application](std::optional<int> rating) { Admit(application, rating); });
     }
     return application;

@@ -101,7 +101,7 @@ void ProgrammeFamily::Release(In in, Out) {
 // Clients may add to the collection, so a programme whose collection was given out counts as changed.
 void ProgrammeFamily::GetParentalRatings(In in, Out out) {
     const auto programme = Named(in);
-    if (!programme->ratings) programme->ratings = std::make_shared<ParentalRatings>();
+    if (!programme->ratings) programme->ratings = std::make_shared<RatingCollection>();
     out["out_handle"] = Text(mTv.ratingCollections, programme->ratings);
     programme->changed = true;
 }

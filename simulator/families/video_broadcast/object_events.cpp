@@ -66,6 +66,16 @@ void ObjectEvents::SelectedComponent(int componentType) {
     Send("SelectedComponent", 11, members);
 }
 
+// Broadcast content has no id, and no protection of its own.
+void ObjectEvents::ParentalRatingChange(Handle ratings, bool blocked) {
+    Json::Value members;
+    members["contentID"] = "";
+    members["PRCollectionHandle"] = PointerText(ratings);
+    members["drmSystemID"] = "";
+    members["blocked"] = blocked;
+    Send("ParentalRatingChange", 13, members);
+}
+
 void ObjectEvents::StreamEvent(const std::string& url, const std::string& name, const std::string& data,
                                const std::string& text, const std::string& status) {
     Json::Value members;

@@ -26,6 +26,7 @@ class ObjectEvents {
     void PlayPosition(int milliseconds);
     void Recording(int state, int error, const std::string& id);
     void SelectedComponent(int componentType);
+    void ParentalRatingChange(Handle ratings, bool blocked);
     void StreamEvent(const std::string& url, const std::string& name, const std::string& data, const std::string& text,
                      const std::string& status);
 

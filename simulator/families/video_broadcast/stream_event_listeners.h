@@ -1,22 +1,23 @@
-// Stream-event listeners of the applications. They belong to the service that is tuned: a change of channel removes
-// them, with one error event each.
+// Stream-event listeners of the applications, and the events for them: from the script, or, without one, one for all of
+// them now and then. Listeners belong to the service that is tuned: a change of channel removes them, with one error
+// event each.
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "core/event_loop.h"
+#include "families/video_broadcast/stream_event_script.h"
 #include "families/video_broadcast/video_broadcast_object.h"
 
 namespace hbbtv::sim {
 
 class StreamEventListeners {
   public:
-    // `viewed` gives the object in front of the viewer, null without one.
-    StreamEventListeners(EventLoop& loop, std::chrono::milliseconds interval,
-                         std::function<VideoBroadcastObject*()> viewed);
+    // `viewed` gives the object in front of the viewer, null without one. Throws BadFile for the script.
+    StreamEventListeners(EventLoop& loop, const Settings& settings, std::function<VideoBroadcastObject*()> viewed);
 
     // Throw Refused.
     void Add(const std::string& objectUrl, const std::string& dvbUrl, const std::string& eventName);
@@ -26,16 +27,34 @@ class StreamEventListeners {
     void ServiceLeft(VideoBroadcastObject& object);
 
   private:
-    using Listener = std::tuple<std::string, std::string, std::string>;
+    struct Listener {
+        std::string objectUrl;
+        std::string dvbUrl;
+        std::string eventName;
 
-    void Wait();
-    void Fire();
+        bool operator==(const Listener& other) const;
+        bool Hears(const ScriptedStreamEvent& event) const;
+    };
 
-    std::chrono::milliseconds mInterval;
+    // An event of the script and the clock that it waits for.
+    struct Waiting {
+        ScriptedStreamEvent event;
+        std::unique_ptr<Timer> timer;
+    };
+
+    void Begin();
+    void End();
+    void Wait(Waiting& waiting);
+    void Fire(Waiting& waiting);
+    ScriptedStreamEvent NextCounted();
+    void RemoveThatHear(const ScriptedStreamEvent& event);
+    void SendError(VideoBroadcastObject& object, const Listener& listener) const;
+
+    const bool mCounted;  // no script: the one event that there is counts itself
     std::function<VideoBroadcastObject*()> mViewed;
     std::vector<Listener> mListeners;
+    std::vector<Waiting> mScript;
     unsigned mCount = 0;
-    Timer mTimer;
 };
 
 }  // namespace hbbtv::sim

@@ -103,6 +103,7 @@ class VideoBroadcastFamily : public Family {
     std::string Zap(const std::vector<std::string>& words);
     std::string Signal(const std::vector<std::string>& words);
     std::string ParentalLock(const std::vector<std::string>& words);
+    std::string Rate(const std::vector<std::string>& words);
     std::string Fail(const std::vector<std::string>& words);
     std::string TakeTuner(const std::vector<std::string>& words);
     std::string Record(const std::vector<std::string>& words);
@@ -134,7 +135,7 @@ VideoBroadcastFamily::VideoBroadcastFamily(const FamilySetup& setup)
       mSettings(setup.settings),
       mSink(setup.sinkOf(Address())),
       mObjects(setup.tv.handleSource),
-      mListeners(setup.loop, setup.settings.streamEventInterval, [this] { return Viewed(); }) {
+      mListeners(setup.loop, setup.settings, [this] { return Viewed(); }) {
     AddRows();
     AddCommands();
     mTv.broadcastSupervisor = [this] { return Supervisor(); };
@@ -206,6 +207,7 @@ void VideoBroadcastFamily::AddCommands() {
     add("zap", "zap next|previous|NUMBER", "the viewer changes the channel", &F::Zap);
     add("signal", "signal lost|back", "a disturbance that passes", &F::Signal);
     add("parental-lock", "parental-lock on|pin", "the parents' lock falls, or its PIN is entered", &F::ParentalLock);
+    add("parental-rating", "parental-rating SCHEME RATING", "what is presented is rated so from now on", &F::Rate);
     add("fail", "fail [ERROR]", "presenting fails for good, with this error (100)", &F::Fail);
     add("tuner", "tuner taken|free", "something else needs the tuner", &F::TakeTuner);
     add("record", "record", "what is presented is recorded from now on", &F::Record);
@@ -528,6 +530,21 @@ std::string VideoBroadcastFamily::ParentalLock(const std::vector<std::string>& w
     return "";
 }
 
+// The event's collection is the receiver's, who may add to it.
+std::string VideoBroadcastFamily::Rate(const std::vector<std::string>& words) {
+    if (words.size() != 2) throw Refused("usage: parental-rating SCHEME RATING");
+    const auto scheme = mTv.parentalControl.Find(words[0]);
+    const auto rating = scheme ? scheme->RatingOf(words[1]) : nullptr;
+    if (!rating) throw Refused("there is no such rating");
+    Object& object = InFront();
+    if (object.State() != PlayState::Presenting) throw Refused("nothing is presented");
+    const bool blocked = mTv.parentalControl.Blocks(*rating);
+    const auto ratings = std::make_shared<RatingCollection>(RatingCollection{rating});
+    object.Events().ParentalRatingChange(mTv.ratingCollections.HandleOf(ratings), blocked);
+    if (blocked) object.TransientProblem(ChannelError::ParentalLock);
+    return blocked ? "blocked" : "";
+}
+
 std::string VideoBroadcastFamily::Fail(const std::vector<std::string>& words) {
     const auto error = words.empty() ? static_cast<int>(ChannelError::Unidentified) : Number(Word(words));
     if (!error) throw Refused("usage: fail [ERROR]");
@@ -544,6 +561,7 @@ std::string VideoBroadcastFamily::TakeTuner(const std::vector<std::string>& word
 
 std::string VideoBroadcastFamily::Record(const std::vector<std::string>& words) {
     if (!words.empty()) throw Refused("usage: record");
+    if (!mTv.device.Description().pvr) throw Refused("there is no disk to record on");
     if (!InFront().StartRecording()) throw Refused("nothing is presented, or it is already recorded");
     return "";
 }

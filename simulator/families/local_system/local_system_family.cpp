@@ -1,0 +1,76 @@
+// Requests of the local system family: see local_system_family.h.
+#include "families/local_system/local_system_family.h"
+
+#include "families/members.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+class LocalSystemFamily : public Family {
+  public:
+    explicit LocalSystemFamily(const FamilySetup& setup);
+
+  private:
+    using In = const Arguments&;
+    using Out = Json::Value&;
+
+    void GetDeviceID(In, Out out) { out["deviceID"] = mDevice.Id(); }
+    void GetVendorName(In, Out out) { out["vendorName"] = mDevice.Description().vendorName; }
+    void GetModelName(In, Out out) { out["modelName"] = mDevice.Description().modelName; }
+    void GetFamilyName(In, Out out) { out["familyName"] = mDevice.Description().familyName; }
+    void GetSoftwareVersion(In, Out out) { out["softwareVersion"] = mDevice.Description().softwareVersion; }
+    void GetHardwareVersion(In, Out out) { out["hardwareVersion"] = mDevice.Description().hardwareVersion; }
+    void GetSerialNumber(In, Out out) { out["serialNumber"] = mDevice.SerialNumber(); }
+    void GetPvrEnabled(In, Out out) { out["pvrEnabled"] = mDevice.Description().pvr ? 1 : 0; }
+    void GetCiplusEnabled(In, Out out) { out["ciplusEnabled"] = mDevice.Description().ciPlus ? 1 : 0; }
+
+    // At the television.
+    std::string Switch(const std::vector<std::string>& words, const char* name, bool DeviceDescription::*what);
+    std::string UpdateSoftware(const std::vector<std::string>& words);
+
+    Device& mDevice;
+};
+
+LocalSystemFamily::LocalSystemFamily(const FamilySetup& setup)
+    : Family({"local_system", "service_plugin_to_hbbtv_local_system", "", 11, "method", 6}), mDevice(setup.tv.device) {
+    using F = LocalSystemFamily;
+    Row(0, "GetDeviceID", &F::GetDeviceID);
+    Row(2, "GetVendorName", &F::GetVendorName);
+    Row(4, "GetModelName", &F::GetModelName);
+    Row(6, "GetFamilyName", &F::GetFamilyName);
+    Row(8, "GetSoftwareVersion", &F::GetSoftwareVersion);
+    Row(10, "GetHardwareVersion", &F::GetHardwareVersion);
+    Row(12, "GetSerialNumber", &F::GetSerialNumber);
+    Row(14, "GetPvrEnabled", &F::GetPvrEnabled);
+    Row(16, "GetCiplusEnabled", &F::GetCiplusEnabled);
+    AddCommand("pvr", {"pvr on|off", "the disk for recordings is plugged in, or pulled out",
+                       [this](const auto& words) { return Switch(words, "pvr", &DeviceDescription::pvr); }});
+    AddCommand("ci-plus", {"ci-plus on|off", "a CI Plus module is plugged in, or pulled out",
+                           [this](const auto& words) { return Switch(words, "ci-plus", &DeviceDescription::ciPlus); }});
+    AddCommand("software-update", {"software-update VERSION", "the television's software becomes this version",
+                                   [this](const auto& words) { return UpdateSoftware(words); }});
+}
+
+std::string LocalSystemFamily::Switch(const std::vector<std::string>& words, const char* name,
+                                      bool DeviceDescription::*what) {
+    const std::string word = Word(words);
+    if (word != "on" && word != "off") throw Refused("usage: " + std::string(name) + " on|off");
+    mDevice.Change([&](DeviceDescription& description) { description.*what = word == "on"; });
+    return "";
+}
+
+std::string LocalSystemFamily::UpdateSoftware(const std::vector<std::string>& words) {
+    const std::string version = Word(words);
+    if (version.empty()) throw Refused("usage: software-update VERSION");
+    mDevice.Change([&](DeviceDescription& description) { description.softwareVersion = version; });
+    return "";
+}
+
+}  // namespace
+
+std::unique_ptr<Family> MakeLocalSystemFamily(const FamilySetup& setup) {
+    return std::make_unique<LocalSystemFamily>(setup);
+}
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,98 @@
+// Stream events from a file: see stream_event_script.h.
+#include "families/video_broadcast/stream_event_script.h"
+
+#include <cctype>
+#include <cstdio>
+
+#include "platform/json_source.h"
+#include "platform/utf8.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+constexpr size_t kMostEvents = 1000;
+constexpr size_t kMostBytes = 4096;  // what fits into the section of a stream descriptor, and some
+constexpr std::chrono::milliseconds kShortestInterval{10};
+
+const JsonNames kStatuses{{"trigger", 0}, {"error", 1}};
+
+// The bytes that hexadecimal digits stand for; the digits come in small letters.
+std::string BytesOf(const std::string& digits) {
+    std::string bytes;
+    for (size_t i = 0; i + 1 < digits.size(); i += 2) {
+        bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
+    }
+    return bytes;
+}
+
+std::string Digits(const JsonObject& object) {
+    std::string digits = object.Text("data");
+    for (char& c : digits) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const bool good = digits.size() % 2 == 0 && digits.find_first_not_of("0123456789abcdef") == std::string::npos;
+    if (!good) object.Refuse("data", "is not bytes in hexadecimal, two digits each");
+    return digits;
+}
+
+std::string Utf8(const JsonObject& object, const char* name) {
+    const std::string text = object.Text(name, "");
+    if (ValidUtf8(text) != text) object.Refuse(name, "is not UTF-8");
+    return text;
+}
+
+void ReadTime(const JsonObject& object, ScriptedStreamEvent& event) {
+    event.repeats = object.Has("every");
+    if (event.repeats == object.Has("at")) object.Refuse("a stream event has either \"at\" or \"every\"");
+    event.time = object.Time(event.repeats ? "every" : "at");
+    if (event.repeats && event.time < kShortestInterval) object.Refuse("every", "is shorter than 10ms");
+}
+
+// Data and text are the same bytes in two forms, so one of them gives the other.
+void ReadContent(const JsonObject& object, ScriptedStreamEvent& event) {
+    event.text = Utf8(object, "text");
+    event.data = object.Has("data") ? Digits(object) : Hexadecimal(event.text);
+    if (!object.Has("text")) event.text = ValidUtf8(BytesOf(event.data));
+    if (event.text.size() > kMostBytes) object.Refuse("text", "is longer than 4096 bytes");
+    if (event.data.size() > 2 * kMostBytes) object.Refuse("data", "is longer than 4096 bytes");
+}
+
+ScriptedStreamEvent ReadEvent(const JsonSource& source, const Json::Value& value) {
+    const JsonObject object(source, value, "stream event", {"at", "every", "url", "name", "data", "text", "status"});
+    ScriptedStreamEvent event;
+    ReadTime(object, event);
+    event.url = Utf8(object, "url");
+    event.name = Utf8(object, "name");
+    event.error = object.OneOf("status", kStatuses, 0) != 0;
+    object.Only(!event.error, "data", "stream events with the status trigger");
+    object.Only(!event.error, "text", "stream events with the status trigger");
+    ReadContent(object, event);
+    return event;
+}
+
+}  // namespace
+
+std::string Hexadecimal(const std::string& bytes) {
+    std::string text;
+    for (const char byte : bytes) {
+        char two[3];
+        std::snprintf(two, sizeof(two), "%02x", static_cast<unsigned>(static_cast<unsigned char>(byte)));
+        text += two;
+    }
+    return text;
+}
+
+StreamEventScript ParseStreamEventScript(const std::string& text, const std::string& name) {
+    const JsonSource source(text, name);
+    const Json::Value root = source.Parse();
+    if (!root.isArray()) source.Refuse(root, "the stream events are written as a list, in [ ]");
+    if (root.size() > kMostEvents) source.Refuse(root, "there are more than 1000 stream events");
+    StreamEventScript script;
+    for (const Json::Value& value : root) script.push_back(ReadEvent(source, value));
+    return script;
+}
+
+StreamEventScript ReadStreamEventScript(const std::string& path) {
+    return ParseStreamEventScript(ReadJsonFile(path), path);
+}
+
+}  // namespace hbbtv::sim

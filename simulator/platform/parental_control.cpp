@@ -1,0 +1,210 @@
+// Rating schemes and thresholds: see parental_control.h.
+#include "platform/parental_control.h"
+
+#include <algorithm>
+#include <set>
+
+#include "core/arguments.h"
+#include "platform/line_up_text.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+const char* const kDocument = "parental_control";
+const char* const kDvbSi = "dvb-si";
+constexpr size_t kMostSchemes = 100;
+constexpr size_t kMostValues = 256;
+constexpr size_t kLongestName = 256;
+constexpr size_t kCountryLetters = 3;
+
+// The rating byte of DVB goes from 1 to 15 and is the age minus 3 (EN 300 468).
+std::vector<std::string> DvbAges() {
+    std::vector<std::string> ages;
+    for (int age = 4; age <= 18; ++age) ages.push_back(std::to_string(age));
+    return ages;
+}
+
+// OIPF volumes 3 and 5.
+std::vector<RatingScheme> OwnSchemes() {
+    std::vector<RatingScheme> schemes{
+        {kDvbSi, DvbAges(), "", "http://ratings.example/dvb/", nullptr},
+        {"urn:oipf:GermanyFSKCS", {"0", "6", "12", "16", "18"}, "DE", "http://ratings.example/fsk/", nullptr},
+        {"urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001",
+         {"G", "PG", "PG-13", "R", "NC-17", "NR"},
+         "US",
+         "http://ratings.example/mpaa/",
+         nullptr}};
+    schemes[0].threshold = schemes[0].RatingOf("18");
+    schemes[1].threshold = schemes[1].RatingOf("18");
+    schemes[2].threshold = schemes[2].RatingOf("NC-17");
+    return schemes;
+}
+
+// It stands in lists with blanks between the names, and in an XML document.
+void CheckName(const std::string& name) {
+    const auto bad = [](unsigned char c) { return c <= 0x20 || c >= 0x7f; };
+    if (name.empty() || name.size() > kLongestName || std::any_of(name.begin(), name.end(), bad)) {
+        throw Refused("a scheme's name has 1 to 256 ASCII characters and no blank");
+    }
+}
+
+void CheckValues(const std::vector<std::string>& values) {
+    const std::set<std::string> different(values.begin(), values.end());
+    if (different.count("") != 0) throw Refused("a scheme has no empty value");
+    if (different.size() != values.size()) throw Refused("a scheme has each value once");
+    if (values.size() > kMostValues) throw Refused("a scheme has at most 256 values");
+}
+
+std::vector<std::string> ReadValues(const std::string& text) {
+    std::vector<std::string> values;
+    for (const std::string_view word : Split(text, ',')) values.emplace_back(Trimmed(word));
+    CheckValues(values);
+    return values;
+}
+
+void CheckCountry(const std::string& country) {
+    const bool letters = country.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ") == std::string::npos;
+    if (country.size() != kCountryLetters || !letters) throw Refused("a country is three capital letters: DEU");
+}
+
+using SchemeVector = std::vector<ParentalControl::Scheme>;
+
+ParentalControl::Scheme FindIn(const SchemeVector& schemes, const std::string& name) {
+    const auto found =
+        std::find_if(schemes.begin(), schemes.end(), [&](const auto& scheme) { return scheme->name == name; });
+    return found == schemes.end() ? nullptr : *found;
+}
+
+ParentalControl::Scheme MakeScheme(const SchemeVector& schemes, const std::string& name,
+                                   std::vector<std::string> values) {
+    CheckName(name);
+    CheckValues(values);
+    if (FindIn(schemes, name)) throw Refused("there is another scheme with this name");
+    if (schemes.size() >= kMostSchemes) throw Refused("there are 100 schemes already");
+    return std::make_shared<RatingScheme>(RatingScheme{name, std::move(values), "", "", nullptr});
+}
+
+std::shared_ptr<Rating> Threshold(const RatingScheme& scheme, const std::string& value) {
+    const auto threshold = scheme.RatingOf(value);
+    if (!threshold && !value.empty()) throw Refused("the scheme has no such rating");
+    return threshold;
+}
+
+}  // namespace
+
+std::shared_ptr<Rating> RatingScheme::RatingOf(const std::string& value) const {
+    const auto found = std::find(values.begin(), values.end(), value);
+    if (found == values.end()) return nullptr;
+    const int number = name == kDvbSi ? std::stoi(value) : static_cast<int>(found - values.begin());
+    return std::make_shared<Rating>(Rating{name, value, number, 0, region});
+}
+
+std::string RatingScheme::IconOf(size_t index) const {
+    return icons.empty() ? "" : icons + values[index] + ".png";
+}
+
+ParentalControl::ParentalControl(const StateStore& store) : mStore(store) {
+    for (RatingScheme& scheme : OwnSchemes()) mSchemes.push_back(std::make_shared<RatingScheme>(std::move(scheme)));
+    mStore.Load(kDocument, [this](const Json::Value& document) { Take(document); });
+}
+
+// All or nothing: it throws before anything has changed.
+void ParentalControl::Take(const Json::Value& document) {
+    const std::string country = TextIn(document, "country");
+    CheckCountry(country);
+    SchemeVector schemes = mSchemes;
+    for (const Json::Value& added : ListIn(document, "schemes")) {
+        std::vector<std::string> values;
+        for (const Json::Value& value : ListIn(added, "values")) {
+            if (!value.isString()) throw std::runtime_error("a value that is no text");
+            values.push_back(value.asString());
+        }
+        schemes.push_back(MakeScheme(schemes, TextIn(added, "name"), std::move(values)));
+    }
+    std::vector<std::pair<Scheme, std::shared_ptr<Rating>>> thresholds;
+    for (const Json::Value& kept : ListIn(document, "thresholds")) {
+        const Scheme scheme = FindIn(schemes, TextIn(kept, "scheme"));
+        if (!scheme) throw std::runtime_error("a threshold of no scheme");
+        thresholds.emplace_back(scheme, Threshold(*scheme, TextIn(kept, "rating")));
+    }
+    for (const auto& [scheme, threshold] : thresholds) scheme->threshold = threshold;
+    mSchemes = std::move(schemes);
+    mCountry = country;
+}
+
+void ParentalControl::Save() const {
+    static const size_t own = OwnSchemes().size();
+    Json::Value document;
+    document["country"] = mCountry;
+    document["schemes"] = Json::Value(Json::arrayValue);
+    document["thresholds"] = Json::Value(Json::arrayValue);
+    for (size_t i = 0; i < mSchemes.size(); ++i) {
+        const RatingScheme& scheme = *mSchemes[i];
+        Json::Value threshold;
+        threshold["scheme"] = scheme.name;
+        threshold["rating"] = scheme.threshold ? scheme.threshold->name : "";
+        document["thresholds"].append(threshold);
+        if (i < own) continue;
+        Json::Value added;
+        added["name"] = scheme.name;
+        for (const std::string& value : scheme.values) added["values"].append(value);
+        document["schemes"].append(added);
+    }
+    mStore.Save(kDocument, document);
+}
+
+ParentalControl::Scheme ParentalControl::Find(const std::string& name) const {
+    return FindIn(mSchemes, name);
+}
+
+ParentalControl::Scheme ParentalControl::Add(const std::string& name, const std::string& values) {
+    const std::vector<std::string> list = ReadValues(values);
+    const Scheme known = Find(name);
+    if (known && known->values == list) return known;
+    mSchemes.push_back(MakeScheme(mSchemes, name, list));
+    try {
+        Save();
+    } catch (...) {
+        mSchemes.pop_back();
+        throw;
+    }
+    return mSchemes.back();
+}
+
+void ParentalControl::SetThreshold(const std::string& schemeName, const std::string& value) {
+    const Scheme scheme = Find(schemeName);
+    if (!scheme) throw Refused("there is no such rating scheme");
+    const auto before = scheme->threshold;
+    scheme->threshold = Threshold(*scheme, value);
+    try {
+        Save();
+    } catch (...) {
+        scheme->threshold = before;
+        throw;
+    }
+}
+
+void ParentalControl::SetCountry(const std::string& country) {
+    CheckCountry(country);
+    const std::string before = mCountry;
+    mCountry = country;
+    try {
+        Save();
+    } catch (...) {
+        mCountry = before;
+        throw;
+    }
+}
+
+int ParentalControl::LocalRating() const {
+    const Scheme scheme = Find(kDvbSi);
+    return scheme->threshold ? scheme->threshold->value : 0;
+}
+
+bool ParentalControl::Blocks(const Rating& rating) const {
+    const Scheme scheme = Find(rating.scheme);
+    return scheme && scheme->threshold && rating.value >= scheme->threshold->value;
+}
+
+}  // namespace hbbtv::sim

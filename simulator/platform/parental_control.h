@@ -1,0 +1,64 @@
+// How programmes are rated for minors, and from which rating on the parents block them: rating schemes with their
+// thresholds, and the country. What is set or added lasts.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/rating.h"
+#include "platform/state_store.h"
+
+namespace hbbtv::sim {
+
+struct RatingScheme {
+    std::string name;
+    std::vector<std::string> values;    // from the mildest on
+    std::string region;                 // of its ratings
+    std::string icons;                  // where those of the values are; empty: there are none
+    std::shared_ptr<Rating> threshold;  // null: nothing is blocked
+
+    // Null when the scheme has no such value.
+    std::shared_ptr<Rating> RatingOf(const std::string& value) const;
+
+    // Empty without one.
+    std::string IconOf(size_t index) const;
+};
+
+class ParentalControl {
+  public:
+    using Scheme = std::shared_ptr<RatingScheme>;
+
+    explicit ParentalControl(const StateStore& store);
+
+    // Those of the television, and behind them those that were added.
+    const std::vector<Scheme>& Schemes() const { return mSchemes; }
+    Scheme Find(const std::string& name) const;  // null without one
+
+    // The values with commas between them. A scheme that is there with the same values is the one. Throws Refused, and
+    // CannotKeep when nothing was changed.
+    Scheme Add(const std::string& name, const std::string& values);
+
+    // From this value on; empty: none is blocked. Throws Refused, and CannotKeep when nothing was changed.
+    void SetThreshold(const std::string& scheme, const std::string& value);
+
+    // ISO 3166, three letters.
+    const std::string& Country() const { return mCountry; }
+    void SetCountry(const std::string& country);  // throws Refused, and CannotKeep when nothing was changed
+
+    // The age from which on the parents block, 0 when they do not.
+    int LocalRating() const;
+
+    bool Blocks(const Rating& rating) const;
+
+  private:
+    void Take(const Json::Value& document);
+    void Save() const;
+
+    const StateStore& mStore;
+    std::vector<Scheme> mSchemes;
+    std::string mCountry = "DEU";
+};
+
+}  // namespace hbbtv::sim

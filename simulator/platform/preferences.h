@@ -1,0 +1,76 @@
+// What the viewer has set for all applications: languages, accessibility, recording, privacy. There is one set of
+// preferences; each is kept as soon as it is set and is back when the television is switched on again.
+#pragma once
+
+#include <json/value.h>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/state_store.h"
+
+namespace hbbtv::sim {
+
+enum class Preference {
+    AudioLanguage,
+    SubtitleLanguage,
+    UiLanguage,
+    Country,
+    Region,
+    Subtitles,
+    AudioDescription,
+    HearingImpaired,
+    RatingAge,
+    DoNotTrack,
+    CookiePolicy,
+    PersistentStorage,
+    BlockTrackingSites,
+    DeviceId,
+    DeviceIdTime,
+    Serial,
+    Product,
+    NetworkIds,
+    PvrPolicy,
+    PvrSaveEpisodes,
+    PvrSaveDays,
+    PvrStartPadding,
+    PvrEndPadding,
+    TimeShiftMode,
+    NoTitle,
+    NoSynopsis,
+    ManualRecording,
+    UiElements,
+    Resolution
+};
+
+class Preferences {
+  public:
+    // `networkIds` are those of the terrestrial networks of the line-up, which count until the viewer sets others.
+    Preferences(const StateStore& store, const std::vector<int>& networkIds);
+
+    // A text, an integer, true or false, or a list of integers: what a preference is does not change.
+    const Json::Value& Get(Preference preference) const { return mValues.at(preference); }
+
+    // Calls onChange when the value is another one than before. Throws Refused when the preference cannot have this
+    // value; CannotKeep, and then nothing has changed.
+    void Set(Preference preference, Json::Value value);
+
+    // The same as people write it: "deu,eng", "7", "on". Refuses names that no preference has.
+    void SetFromText(const std::string& name, const std::string& text);
+    std::string AsText(const std::string& name) const;
+
+    static std::vector<std::string> Names();
+
+    std::function<void(Preference)> onChange = [](Preference) {};
+
+  private:
+    void Take(const Json::Value& document);
+
+    const StateStore& mStore;
+    std::map<Preference, Json::Value> mValues;
+    Json::Value mKept{Json::objectValue};  // by name, what was ever set
+};
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,22 @@
+// A rating of a programme for minors, and the collections of them that clients hold.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace hbbtv::sim {
+
+// OIPF DAE volume 5: of the scheme dvb-si the value is the minimum age, of the others the position in the scheme.
+struct Rating {
+    std::string scheme;
+    std::string name;
+    int value = 0;
+    uint32_t labels = 0;  // bits, see the protocol
+    std::string region;   // ISO 3166, two letters; empty when it holds everywhere
+};
+
+using RatingCollection = std::vector<std::shared_ptr<Rating>>;
+
+}  // namespace hbbtv::sim

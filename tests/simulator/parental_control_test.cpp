@@ -1,0 +1,299 @@
+// Rating schemes, thresholds, ratings and their collections, and what a restart leaves of them.
+#include <filesystem>
+
+#include "simulated_platform.h"
+
+namespace hbbtv::test {
+namespace {
+
+const Endpoint kManager{"service_plugin_to_hbbtv_pcm", 16, 13};
+const char* const kFsk = "urn:oipf:GermanyFSKCS";
+const char* const kMpaa = "urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001";
+
+// Codes of the requests.
+enum {
+    kMake = 0,
+    kEnd = 2,
+    kSchemeNum = 21,
+    kSchemeByIndex = 23,
+    kAddScheme = 25,
+    kReleaseScheme = 27,
+    kSchemeName = 28,
+    kThreshold = 30,
+    kIconUrl = 33,
+    kReleaseRating = 35,
+    kScheme = 36,
+    kName = 38,
+    kValue = 40,
+    kLabel = 42,
+    kRegion = 44,
+    kRatingNum = 46,
+    kRatingByIndex = 47,
+    kAddRating = 48,
+    kReleaseCollection = 49,
+    kLocalRating = 50
+};
+
+class ParentalControl : public SimulatedPlatform {
+  protected:
+    void SetUp() override { Begin(); }
+
+    void Begin() {
+        Start({"--tune-time", "0ms", "--state", mDirectory / "state"});
+        mManager = Handle(kMake);
+    }
+
+    void Restart() {
+        EXPECT_EQ(Stop(), 0) << mSimulator->Output();
+        Begin();
+    }
+
+    Json::Value Of(const std::string& handle, int method, Members members = {}) {
+        members["in_handle"] = handle;
+        return AskAt(kManager, method, members);
+    }
+
+    int RetOfObject(const std::string& handle, int method, const Members& members = {}) {
+        return Of(handle, method, members)["ret"].asInt();
+    }
+
+    std::string Handle(int method, const Members& members = {}) {
+        const Json::Value reply = AskAt(kManager, method, members);
+        EXPECT_EQ(reply["ret"], 0) << "method " << method << "\n" << mSimulator->Output();
+        EXPECT_TRUE(reply["out_handle"].isString());
+        return reply["out_handle"].asString();
+    }
+
+    std::string HandleOf(const std::string& handle, int method, Members members = {}) {
+        members["in_handle"] = handle;
+        return Handle(method, members);
+    }
+
+    std::string SchemeAt(unsigned index) { return HandleOf(mManager, kSchemeByIndex, {{"index", index}}); }
+    std::string NameOfScheme(const std::string& scheme) { return Of(scheme, kSchemeName)["out_name"].asString(); }
+
+    std::string SchemeNames() {
+        std::string names;
+        const int count = Of(mManager, kSchemeNum)["num"].asInt();
+        for (int i = 0; i < count; ++i) names += (i == 0 ? "" : " ") + NameOfScheme(SchemeAt(static_cast<unsigned>(i)));
+        return names;
+    }
+
+    // "scheme name value labels region", or none for the null handle.
+    std::string RatingText(const std::string& rating) {
+        if (rating.empty()) return "none";
+        return Of(rating, kScheme)["out_scheme"].asString() + " " + Of(rating, kName)["out_name"].asString() + " " +
+               Of(rating, kValue)["out_value"].asString() + " " + Of(rating, kLabel)["out_label"].asString() + " " +
+               Of(rating, kRegion)["out_region"].asString();
+    }
+
+    std::string ThresholdAt(unsigned index) { return RatingText(HandleOf(SchemeAt(index), kThreshold)); }
+
+    int AddScheme(const std::string& name, const std::string& values) {
+        return RetOfObject(mManager, kAddScheme, {{"name", name}, {"values", values}});
+    }
+
+    int AddRating(const std::string& collection, const std::string& scheme, const std::string& name, int value,
+                  unsigned labels, const std::string& region) {
+        return RetOfObject(collection, kAddRating,
+                           {{"in_scheme", scheme},
+                            {"in_name", name},
+                            {"in_value", value},
+                            {"in_labels", labels},
+                            {"in_region", region}});
+    }
+
+    // What a presenting object is told when the rating of what it presents changes.
+    Json::Value RatingEvent(const std::string& rating, const std::string& answer) {
+        EXPECT_EQ(Tell("parental-rating " + rating), answer);
+        const Json::Value event = NextEventJson();
+        EXPECT_EQ(event["event"], 13);
+        EXPECT_EQ(event["contentID"], "");
+        EXPECT_EQ(event["drmSystemID"], "");
+        return event;
+    }
+
+    std::string mManager;
+};
+
+TEST_F(ParentalControl, HasTheSchemesOfItsCountries) {
+    EXPECT_EQ(SchemeNames(), std::string("dvb-si ") + kFsk + " " + kMpaa);
+    EXPECT_EQ(RetOfObject(mManager, kSchemeByIndex, {{"index", 3u}}), -1);
+    EXPECT_EQ(RetOfObject(mManager, kSchemeByIndex, {{"index", 4294967295u}}), -1);
+    EXPECT_EQ(RetOfObject(mManager, kSchemeByIndex, {{"index", -1}}), -1);
+}
+
+TEST_F(ParentalControl, BlocksFromTheThresholdOfEachSchemeOn) {
+    EXPECT_EQ(ThresholdAt(0), "dvb-si 18 18 0 ");
+    EXPECT_EQ(ThresholdAt(1), "urn:oipf:GermanyFSKCS 18 4 0 DE") << "the value is the position in the scheme";
+    EXPECT_EQ(ThresholdAt(2), "urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001 NC-17 4 0 US");
+    EXPECT_EQ(Tell(std::string("parental-threshold ") + kMpaa + " PG-13"), "ok");
+    EXPECT_EQ(ThresholdAt(2), "urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001 PG-13 2 0 US");
+    EXPECT_EQ(Tell("parental-threshold dvb-si none"), "ok");
+    EXPECT_EQ(ThresholdAt(0), "none");
+    EXPECT_EQ(Tell("parental-threshold dvb-si 3"), "error: the scheme has no such rating");
+    EXPECT_EQ(Tell("parental-threshold dvb 4"), "error: there is no such rating scheme");
+}
+
+TEST_F(ParentalControl, HasAnIconForEachValueOfItsOwnSchemes) {
+    EXPECT_EQ(Of(SchemeAt(0), kIconUrl, {{"index", 0u}})["out_url"], "http://ratings.example/dvb/4.png");
+    EXPECT_EQ(Of(SchemeAt(0), kIconUrl, {{"index", 14u}})["out_url"], "http://ratings.example/dvb/18.png");
+    EXPECT_EQ(RetOfObject(SchemeAt(0), kIconUrl, {{"index", 15u}}), -1);
+    EXPECT_EQ(Of(SchemeAt(1), kIconUrl, {{"index", 2u}})["out_url"], "http://ratings.example/fsk/12.png");
+    EXPECT_EQ(RetOfObject(SchemeAt(1), kIconUrl, {{"index", 5u}}), -1);
+    EXPECT_EQ(Of(SchemeAt(2), kIconUrl, {{"index", 5u}})["out_url"], "http://ratings.example/mpaa/NR.png");
+    const std::string added = HandleOf(mManager, kAddScheme, {{"name", "mine"}, {"values", "a"}});
+    EXPECT_EQ(Of(added, kIconUrl, {{"index", 0u}})["out_url"], "");
+    EXPECT_EQ(RetOfObject(added, kIconUrl, {{"index", 1u}}), -1);
+}
+
+TEST_F(ParentalControl, TellsTheAgeThatIsSetAndTheCountry) {
+    Json::Value reply = AskAt(kManager, kLocalRating);
+    EXPECT_EQ(reply["parentRating"], 18);
+    EXPECT_EQ(reply["countryCode"], "DEU");
+    EXPECT_EQ(Tell("parental-threshold dvb-si 12"), "ok");
+    EXPECT_EQ(Tell("country FRA"), "ok");
+    reply = AskAt(kManager, kLocalRating);
+    EXPECT_EQ(reply["parentRating"], 12);
+    EXPECT_EQ(reply["countryCode"], "FRA");
+    EXPECT_EQ(Tell("parental-threshold dvb-si none"), "ok");
+    EXPECT_EQ(AskAt(kManager, kLocalRating)["parentRating"], 0);
+    for (const std::string wrong : {"country", "country de", "country deu", "country DEUT"}) {
+        EXPECT_EQ(Tell(wrong), "error: a country is three capital letters: DEU");
+    }
+}
+
+TEST_F(ParentalControl, KeepsSchemesThatAreAddedAndWhatTheParentsSet) {
+    const std::string scheme =
+        HandleOf(mManager, kAddScheme, {{"name", "urn:x<&>\""}, {"values", "mild, strong,\xc3\xa4"}});
+    EXPECT_EQ(NameOfScheme(scheme), "urn:x<&>\"");
+    EXPECT_EQ(RatingText(HandleOf(scheme, kThreshold)), "none");
+    EXPECT_EQ(Tell("parental-threshold urn:x<&>\" strong"), "ok");
+    EXPECT_EQ(Tell("parental-threshold dvb-si 6"), "ok");
+    EXPECT_EQ(Tell(std::string("parental-threshold ") + kFsk + " none"), "ok");
+    EXPECT_EQ(Tell("country ITA"), "ok");
+    Restart();
+    EXPECT_EQ(SchemeNames(), std::string("dvb-si ") + kFsk + " " + kMpaa + " urn:x<&>\"");
+    EXPECT_EQ(ThresholdAt(0), "dvb-si 6 6 0 ");
+    EXPECT_EQ(ThresholdAt(1), "none");
+    EXPECT_EQ(ThresholdAt(3), "urn:x<&>\" strong 1 0 ");
+    EXPECT_EQ(AskAt(kManager, kLocalRating)["countryCode"], "ITA");
+    EXPECT_EQ(RetOfObject(SchemeAt(3), kIconUrl, {{"index", 2u}}), 0);
+    EXPECT_EQ(RetOfObject(SchemeAt(3), kIconUrl, {{"index", 3u}}), -1);
+}
+
+TEST_F(ParentalControl, SetsADamagedDocumentAside) {
+    for (const std::string damaged :
+         {"{", "[]", R"({"country": "D", "schemes": [], "thresholds": []})",
+          R"({"country": "DEU", "schemes": [{"name": "dvb-si", "values": ["1"]}], "thresholds": []})",
+          R"({"country": "DEU", "schemes": [{"name": "x", "values": [1]}], "thresholds": []})",
+          R"({"country": "DEU", "schemes": [], "thresholds": [{"scheme": "dvb-si", "rating": "3"}]})",
+          R"({"country": "FRA", "schemes": [], "thresholds": [{"scheme": "x", "rating": ""}]})"}) {
+        EXPECT_EQ(Stop(), 0);
+        WriteFile(mDirectory / "state/parental_control.json", damaged);
+        Begin();
+        EXPECT_EQ(SchemeNames(), std::string("dvb-si ") + kFsk + " " + kMpaa) << damaged;
+        EXPECT_EQ(AskAt(kManager, kLocalRating)["countryCode"], "DEU");
+        EXPECT_FALSE(std::filesystem::exists(mDirectory / "state/parental_control.json"));
+    }
+    EXPECT_TRUE(std::filesystem::exists(mDirectory / "state/parental_control.json.damaged-7"));
+}
+
+TEST_F(ParentalControl, AddsASchemeOnceAndNothingThatIsNone) {
+    const std::string scheme = HandleOf(mManager, kAddScheme, {{"name", "mine"}, {"values", "a,b"}});
+    EXPECT_EQ(HandleOf(mManager, kAddScheme, {{"name", "mine"}, {"values", "a, b"}}), scheme) << "it is the same";
+    EXPECT_EQ(AddScheme("mine", "a"), -1);
+    EXPECT_EQ(AddScheme("dvb-si", "a"), -1);
+    EXPECT_EQ(AddScheme("", "a"), -1);
+    EXPECT_EQ(AddScheme("two words", "a"), -1);
+    EXPECT_EQ(AddScheme("t\xc3\xa4g", "a"), -1);
+    EXPECT_EQ(AddScheme("line\n", "a"), -1);
+    EXPECT_EQ(AddScheme(std::string(257, 'x'), "a"), -1);
+    EXPECT_EQ(AddScheme("empty", ""), -1);
+    EXPECT_EQ(AddScheme("hole", "a,,b"), -1);
+    EXPECT_EQ(AddScheme("twice", "a,b,a"), -1);
+    EXPECT_EQ(Of(mManager, kSchemeNum)["num"], 4);
+    std::string values = "0";
+    for (int i = 1; i < 256; ++i) values += "," + std::to_string(i);
+    EXPECT_EQ(AddScheme("most", values), 0);
+    EXPECT_EQ(AddScheme("more", values + ",256"), -1);
+    for (int i = 5; i < 100; ++i) ASSERT_EQ(AddScheme("s" + std::to_string(i), "a"), 0);
+    EXPECT_EQ(AddScheme("s100", "a"), -1) << "there are 100";
+}
+
+TEST_F(ParentalControl, TellsTheRatingOfWhatIsPresentedAndBlocksItFromTheThresholdOn) {
+    ObjectIn("presenting");
+    const Json::Value mild = RatingEvent("dvb-si 16", "ok");
+    EXPECT_EQ(mild["blocked"], false);
+    const std::string collection = mild["PRCollectionHandle"].asString();
+    EXPECT_EQ(Of(collection, kRatingNum)["out_num"], 1);
+    EXPECT_EQ(RatingText(HandleOf(collection, kRatingByIndex, {{"in_index", 0u}})), "dvb-si 16 16 0 ");
+    const Json::Value strong = RatingEvent(std::string(kFsk) + " 18", "ok blocked");
+    EXPECT_EQ(strong["blocked"], true);
+    EXPECT_EQ(NextEvent(), "PlayState 1 3");
+    EXPECT_EQ(Tell("parental-rating dvb-si 4"), "error: nothing is presented");
+    EXPECT_EQ(Tell("parental-lock pin"), "ok");
+    EXPECT_EQ(NextEvent(), "PlayState 2 0");
+    EXPECT_EQ(Tell("parental-threshold dvb-si 12"), "ok");
+    EXPECT_EQ(RatingEvent("dvb-si 12", "ok blocked")["blocked"], true);
+    EXPECT_EQ(Tell("parental-rating dvb-si 19"), "error: there is no such rating");
+}
+
+TEST_F(ParentalControl, KeepsRatingsThatAreAddedToACollectionWithAllTheirBits) {
+    ObjectIn("presenting");
+    const std::string collection = RatingEvent("dvb-si 4", "ok")["PRCollectionHandle"].asString();
+    EXPECT_EQ(AddRating(collection, kMpaa, "R", 3, 511, "US"), 0);
+    EXPECT_EQ(AddRating(collection, "dvb-si", "12", 12, 4294967295u, ""), 0);
+    EXPECT_EQ(AddRating(collection, "dvb-si", "12", -2147483647 - 1, 2147483648u, "DE"), 0);
+    EXPECT_EQ(Of(collection, kRatingNum)["out_num"], 4);
+    const auto at = [&](unsigned index) {
+        return RatingText(HandleOf(collection, kRatingByIndex, {{"in_index", index}}));
+    };
+    EXPECT_EQ(at(0), "dvb-si 4 4 0 ");
+    EXPECT_EQ(at(1), std::string(kMpaa) + " R 3 511 US");
+    EXPECT_EQ(at(2), "dvb-si 12 12 -1 ") << "the labels' bits, as an int";
+    EXPECT_EQ(at(3), "dvb-si 12 -2147483648 -2147483648 DE");
+    EXPECT_EQ(RetOfObject(collection, kRatingByIndex, {{"in_index", 4u}}), -1);
+    EXPECT_EQ(AddRating(collection, "unknown", "12", 12, 0, ""), -1);
+    EXPECT_EQ(AddRating(collection, "dvb-si", "3", 3, 0, ""), -1);
+    EXPECT_EQ(AddRating(collection, "dvb-si", "12", 12, 0, "DEU"), -1);
+    EXPECT_EQ(AddRating(collection, "dvb-si", "12", 12, 0, "de"), -1);
+    EXPECT_EQ(Of(collection, kRatingNum)["out_num"], 4);
+    for (int i = 4; i < 1000; ++i) ASSERT_EQ(AddRating(collection, "dvb-si", "12", 12, 0, ""), 0);
+    EXPECT_EQ(AddRating(collection, "dvb-si", "12", 12, 0, ""), -1) << "there are 1000";
+}
+
+TEST_F(ParentalControl, RefusesHandlesThatAreReleasedUnknownOrOfAnotherKind) {
+    ObjectIn("presenting");
+    const std::string collection = RatingEvent("dvb-si 4", "ok")["PRCollectionHandle"].asString();
+    const std::string scheme = SchemeAt(0);
+    const std::string rating = HandleOf(scheme, kThreshold);
+    const std::map<std::string, std::vector<int>> methods{
+        {mManager, {kSchemeNum, kSchemeByIndex, kAddScheme, kEnd}},
+        {scheme, {kSchemeName, kThreshold, kIconUrl, kReleaseScheme}},
+        {rating, {kScheme, kName, kValue, kLabel, kRegion, kReleaseRating}},
+        {collection, {kRatingNum, kRatingByIndex, kAddRating, kReleaseCollection}}};
+    const Members members{{"index", 0u},   {"in_index", 0u},        {"name", "mine"},
+                          {"values", "a"}, {"in_scheme", "dvb-si"}, {"in_name", "4"},
+                          {"in_value", 4}, {"in_labels", 0u},       {"in_region", ""}};
+    for (const auto& [kind, ofKind] : methods) {
+        for (const int method : ofKind) {
+            for (const auto& other : methods) {
+                if (other.first == kind) continue;
+                EXPECT_EQ(RetOfObject(other.first, method, members), -1) << method;
+            }
+            EXPECT_EQ(RetOfObject("", method, members), -1) << method;
+            EXPECT_EQ(RetOfObject("0x1", method, members), -1) << method;
+            EXPECT_EQ(RetOfObject("x", method, members), -1) << method;
+            EXPECT_EQ(AskAt(kManager, method, members)["ret"], -1) << method << " without a handle";
+        }
+    }
+    for (const auto& [kind, ofKind] : methods) {
+        for (const int method : ofKind) EXPECT_EQ(RetOfObject(kind, method, members), 0) << method;
+        for (const int method : ofKind) EXPECT_EQ(RetOfObject(kind, method, members), -1) << method << " afterwards";
+    }
+    EXPECT_EQ(AskAt(kManager, 1)["ret"], -1) << "there is no such operation";
+}
+
+}  // namespace
+}  // namespace hbbtv::test
