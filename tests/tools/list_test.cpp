@@ -100,6 +100,14 @@ TEST_F(List, ShowsWhatAPlatformThatHangsServesWithoutWaitingForIt) {
     EXPECT_EQ("serving", Endpoint("service_plugin_to_hbbtv_vb")["state"].asString());
 }
 
+TEST_F(List, IsColouredAtATerminalUnlessNoColorIsSet) {
+    const std::vector<std::string> atTerminal{"script", "-qec", std::string(HBBTVCTL_PROGRAM) + " list", "/dev/null"};
+    EXPECT_NE(std::string::npos, RunToEnd(atTerminal).output.find("\033[1mInterfaces of"));
+    const FinishedRun plain = RunToEnd(atTerminal, std::nullopt, {"NO_COLOR=1"});
+    EXPECT_NE(std::string::npos, plain.output.find("Interfaces of")) << plain.Text();
+    EXPECT_EQ(std::string::npos, plain.output.find('\033')) << plain.Text();
+}
+
 class ListOfTheSystem : public InFrontOfTheSystem {};
 
 TEST_F(ListOfTheSystem, NamesTheProcessesForPeople) {

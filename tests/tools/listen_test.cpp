@@ -225,6 +225,9 @@ TEST_F(Listen, RegistersForEveryKindOfEventOrForTheOneThatWasAskedFor) {
     EXPECT_EQ("deu", all.Events()[0]["arguments"]["countryCode"].asString());
     // Now nobody is registered for it.
     EXPECT_EQ(1, Ctl({"emit", "application_manager", "271", "countryCode=deu"}).exit);
+    Listener keys({"application_manager", "--with", "event=KEY_PRESS"});
+    ASSERT_TRUE(keys.Listens()) << keys.Output();
+    EXPECT_EQ(1, Ctl({"emit", "application_manager", "271", "countryCode=deu"}).exit);
 }
 
 TEST_F(Listen, ShowsAnEventOnceWhenAFamilyIsNamedTwice) {

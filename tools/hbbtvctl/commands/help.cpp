@@ -31,12 +31,7 @@ class HelpFormatter : public CLI::Formatter {
 
     std::string make_option_desc(const CLI::Option* option) const override { return Purpose(*option); }
 
-    // The formatter puts a blank line in front of it.
-    std::string make_footer(const CLI::App* app) const override {
-        const std::string footer = app->get_footer();
-        return footer.empty() ? "" : footer + "\n";
-    }
-
+    // With one blank line between its parts, and none at the end.
     std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override {
         std::string text = CLI::Formatter::make_help(app, name, mode);
         for (size_t at = 0; (at = text.find("\n\n\n", at)) != std::string::npos;) text.erase(at, 1);
