@@ -50,7 +50,7 @@ struct Programme {
     std::string language = "und";  // of the texts, ISO 639-2
     std::vector<std::string> genres;
     std::shared_ptr<RatingCollection> ratings;  // null: none
-    int season = 0;                            // 0 when not known, like the next two
+    int season = 0;                             // 0 when not known, like the next two
     int episode = 0;
     int totalEpisodes = 0;
     std::string seriesId;
