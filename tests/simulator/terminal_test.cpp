@@ -183,8 +183,6 @@ TEST_F(Terminal, RefusesWhatCannotBeKeptAndChangesNothing) {
     EXPECT_EQ(AskAt(kLocalSystem, 0)["ret"], -1);
     EXPECT_EQ(Tell("pvr off").substr(0, 6), "error:");
     EXPECT_EQ(Enabled(14, "pvrEnabled"), 1);
-    EXPECT_EQ(Tell("country FRA").substr(0, 6), "error:");
-    EXPECT_EQ(AskAt(kParental, 50)["countryCode"], "DEU");
     EXPECT_EQ(Tell("parental-threshold dvb-si 4").substr(0, 6), "error:");
     EXPECT_EQ(AskAt(kParental, 50)["parentRating"], 18);
     const std::string manager = AskAt(kParental, 0)["out_handle"].asString();

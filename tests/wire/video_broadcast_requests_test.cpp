@@ -153,7 +153,7 @@ const std::vector<Row>& Rows() {
         {"GetProgrammeNum",
          AskVb<unsigned>(&Vb::GetProgrammeNum, kVb),
          R"({"type": 3, "method": 36, "vb_handle": "0x8000a1b2"})",
-         {{"num", "uint", "4000000036", "4000000036"}}},
+         {{"num", "few", "436", "436"}}},
         {"GetProgrammeByIndex",
          AskVb<void*>(&Vb::GetProgrammeByIndex, kVb, 4000000037u),
          R"({"type": 3, "method": 37, "vb_handle": "0x8000a1b2", "index": 4000000037})",

@@ -127,7 +127,7 @@ ApplicationPointer ApplicationStarter::Start(Application described) {
     if (minimumAge == 0) {
         mTv.applications.Admit(application);
     } else {
-        mEvents.AskParentalRating(mTv.parentalControl.Country(),
+        mEvents.AskParentalRating(mTv.preferences.Get(Preference::Country).asString(),
                                   [this, application](std::optional<int> rating) { Admit(application, rating); });
     }
     return application;

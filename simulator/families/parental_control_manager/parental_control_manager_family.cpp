@@ -58,7 +58,6 @@ class ParentalControlManagerFamily : public Family {
 
     // At the television.
     std::string SetThreshold(const std::vector<std::string>& words);
-    std::string SetCountry(const std::vector<std::string>& words);
 
     void RequireManager(In in) const { Find(mManagers, in, "in_handle", kManager); }
     const RatingScheme& Scheme(In in) const { return *Find(mSchemes, in, "in_handle", kScheme); }
@@ -119,8 +118,6 @@ void ParentalControlManagerFamily::AddCommands() {
     AddCommand("parental-threshold",
                {"parental-threshold SCHEME RATING|none", "the parents block from this rating on, or nothing",
                 [this](const auto& words) { return SetThreshold(words); }});
-    AddCommand("country", {"country COUNTRY", "the country that the television is set to, as DEU",
-                           [this](const auto& words) { return SetCountry(words); }});
 }
 
 // --- Schemes
@@ -171,7 +168,7 @@ void ParentalControlManagerFamily::AddParentalRating(In in, Out) {
 
 void ParentalControlManagerFamily::GetLocalParentalRating(In, Out out) {
     out["parentRating"] = mTv.parentalControl.LocalRating();
-    out["countryCode"] = mTv.parentalControl.Country();
+    out["countryCode"] = mTv.preferences.Get(Preference::Country);
 }
 
 // --- At the television
@@ -179,11 +176,6 @@ void ParentalControlManagerFamily::GetLocalParentalRating(In, Out out) {
 std::string ParentalControlManagerFamily::SetThreshold(const std::vector<std::string>& words) {
     if (words.size() != 2) throw Refused("usage: parental-threshold SCHEME RATING|none");
     mTv.parentalControl.SetThreshold(words[0], words[1] == "none" ? "" : words[1]);
-    return "";
-}
-
-std::string ParentalControlManagerFamily::SetCountry(const std::vector<std::string>& words) {
-    mTv.parentalControl.SetCountry(Word(words));
     return "";
 }
 

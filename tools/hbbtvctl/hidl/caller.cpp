@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -37,11 +38,15 @@ class Done {
     Done(const Done&) = delete;
     Done& operator=(const Done&) = delete;
 
-    void Set() { eventfd_write(mFd, 1); }
-    bool Wait(Milliseconds limit) const { return WaitUntilReadable(mFd, limit); }
+    void Set() {
+        mSet = true;
+        eventfd_write(mFd, 1);
+    }
+    bool Wait(Milliseconds limit) const { return WaitUntilReadable(mFd, limit) && mSet; }
 
   private:
     const int mFd;
+    std::atomic<bool> mSet{false};  // orders what the one has written before what the other reads
 };
 
 }  // namespace
