@@ -52,7 +52,7 @@ TEST_F(AVComponentRequests, GetAudioChannelNumGivesANegativeNumberAsAnUnsignedOn
 
 TEST_F(AVComponentRequests, ReleaseGoesBesideARequestThatIsWaitedFor) {
     // The platform answers the request once the release is there.
-    mPlatform.SetAnswer([this](const Frame&) -> std::optional<std::string> {
+    mPlatform.SetAnswer([](const Frame&) -> std::optional<std::string> {
         EXPECT_EQ(Adaptor::GetInstance()->Release(kComponent), 0);
         return "{\"ret\": 0, \"pid\": 257}";
     });
