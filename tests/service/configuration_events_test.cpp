@@ -351,7 +351,7 @@ TEST_F(ConfigurationEvents, RegistrationsAndDeathsBesideEventsDoNotDisturbEachOt
 
 // No event may be lost to a client because another one comes and goes.
 TEST_F(ConfigurationEvents, ReachAClientWhileAnotherComesAndGoes) {
-    constexpr int kEvents = 300;
+    constexpr int kTimes = 300;
     EXPECT_EQ(0, Register(mClient));
     std::atomic<bool> stop{false};
     std::thread other([&] {
@@ -360,10 +360,10 @@ TEST_F(ConfigurationEvents, ReachAClientWhileAnotherComesAndGoes) {
             EXPECT_EQ(-1, Unregister(mSecond));
         }
     });
-    for (int i = 0; i < kEvents; ++i) Send(kEvent);
+    for (int i = 0; i < kTimes; ++i) Send(kEvent);
     stop = true;
     other.join();
-    EXPECT_EQ(static_cast<size_t>(kEvents), mClient->Calls().size());
+    EXPECT_EQ(static_cast<size_t>(kTimes), mClient->Calls().size());
 }
 
 // The last client goes while the next one comes: that one must be served whatever the order.
