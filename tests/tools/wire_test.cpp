@@ -100,8 +100,7 @@ TEST_F(Send, WritesExactlyTheRawBytesAndShowsWhatComesBackInHexadecimal) {
     mChannel.SetReply(R"({"ret": 0})");
     const std::string request = FrameBytes(kRequest, 2, "{}");
     WriteFile(mDirectory / "bytes", request);
-    const Json::Value document =
-        Document(Ctl({"send", "channel", "--raw", "@" + (mDirectory / "bytes"), "--timeout", "100ms", "--json"}));
+    const Json::Value document = Document(Ctl({"send", "channel", "--raw", "@" + (mDirectory / "bytes"), "--json"}));
     EXPECT_EQ(14, document["sent_bytes"].asInt());
     EXPECT_EQ(
         "0a0000000300000002000000"
