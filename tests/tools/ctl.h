@@ -54,7 +54,7 @@ class Alone : public testing::Test {
     ScratchDirectory mDirectory;
 };
 
-// Simulated platform and service; what the simulated platform does not serve yet is served by the test.
+// Simulated platform and service, ready for calls.
 class InFrontOfTheSystem : public Alone {
   protected:
     void SetUp() override;
@@ -64,7 +64,6 @@ class InFrontOfTheSystem : public Alone {
     std::string NewVideoBroadcast() const;
 
     std::unique_ptr<SimulatedPlatform> mPlatform;
-    std::vector<std::unique_ptr<FakePlatform>> mRest;
     std::unique_ptr<ServiceProcess> mService;
 };
 

@@ -92,7 +92,8 @@ TEST_F(DoctorOfTheSystem, FindsNothingWhenAllIsWell) {
     EXPECT_EQ(0, run.exit) << run.Text();
     EXPECT_EQ("", run.errors);
     EXPECT_THAT(run.output, HasSubstr("ok       directory    " + mDirectory.Path() + " is writable\n"));
-    EXPECT_THAT(run.output, HasSubstr("ok       platform     18 of 18 sockets are served by "));
+    EXPECT_THAT(run.output, HasSubstr("ok       platform     18 of 18 sockets are served by hbbtv-sim (" +
+                                      std::to_string(mPlatform->Pid()) + ")\n"));
     EXPECT_THAT(run.output, HasSubstr("ok       library      1 of 8 event sockets are open; "));
     EXPECT_THAT(run.output, HasSubstr("ok       rights       every user may connect to the sockets that are there\n"));
     EXPECT_THAT(run.output, HasSubstr("ok       service      18 of 18 interfaces answer\n"));

@@ -32,7 +32,8 @@ TEST_F(Send, WritesTheRequestThatTheLibraryWritesAndShowsTheReply) {
     // The library's own request, for the same call.
     ServiceProcess service;
     ASSERT_NE(nullptr, FindVideoBroadcast());
-    ASSERT_TRUE(WaitFor([] { return Ctl({"call", "IChannel.GetName", "0x1000"}).exit == 0; }));
+    ASSERT_EQ(0, Ctl({"call", "IChannel.GetName", "0x1000"}).exit);
+    ASSERT_EQ(2u, mChannel.Frames().size());
     EXPECT_EQ(mChannel.Frames()[1].payload, byTool);
     EXPECT_THAT(byTool, HasSubstr("\"c_handle\" : \"0x1000\""));
 }
