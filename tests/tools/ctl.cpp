@@ -1,6 +1,7 @@
 #include "ctl.h"
 
 #include <json/reader.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -41,6 +42,12 @@ FinishedRun Ctl(const std::vector<std::string>& arguments) {
 
 FinishedRun CtlWithInput(const std::vector<std::string>& arguments, const std::string& input) {
     return RunToEnd(Command(arguments), input);
+}
+
+FinishedRun CtlWithoutPrivileges(const std::vector<std::string>& arguments) {
+    std::vector<std::string> command = Command(arguments);
+    if (geteuid() == 0) command.insert(command.begin(), {"setpriv", "--reuid=65534", "--clear-groups"});
+    return RunToEnd(command);
 }
 
 std::vector<Json::Value> Documents(const std::string& output) {

@@ -20,6 +20,9 @@ namespace hbbtv::test {
 FinishedRun Ctl(const std::vector<std::string>& arguments);
 FinishedRun CtlWithInput(const std::vector<std::string>& arguments, const std::string& input);
 
+// As a user whom file modes keep out: root, who may do everything, becomes nobody for it.
+FinishedRun CtlWithoutPrivileges(const std::vector<std::string>& arguments);
+
 // One document per line; a line that is none is a failure of the test.
 std::vector<Json::Value> Documents(const std::string& output);
 

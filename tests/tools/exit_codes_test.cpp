@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
 
 #include "ctl.h"
 #include "raw_listener.h"
@@ -71,6 +72,15 @@ TEST_F(ExitCode, IsThreeWithoutASocket) {
                ": the path is longer than the 107 bytes that a socket's address holds; use a shorter directory",
            run);
     EXPECT_EQ(3, Ctl({"emit", "channel_config", "changed"}).exit);
+}
+
+TEST_F(ExitCode, IsThreeWithASocketThatThisUserMayNotConnectTo) {
+    FakePlatform platform(kSocket, R"({"ret": 0})");
+    chmod(mDirectory.Path().c_str(), 0777);
+    chmod(Socket().c_str(), 0);
+    Expect(3, Socket() + ": the rights of the socket or its directory forbid it; its owner should make the socket 777",
+           CtlWithoutPrivileges(kSend));
+    EXPECT_TRUE(platform.Frames().empty());
 }
 
 TEST_F(ExitCode, IsThreeWithAStaleSocket) {
