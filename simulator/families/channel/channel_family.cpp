@@ -4,7 +4,7 @@
 #include <map>
 #include <set>
 
-#include "core/nearest_name.h"
+#include "common/nearest_name.h"
 #include "families/members.h"
 
 namespace hbbtv::sim {
