@@ -51,10 +51,10 @@ class ClientsOfEvents {
 };
 
 ClientsOfEvents mApmCallback;
-TolmServiceInstance gInstance;
+TolmServiceInstance mService;
 
-// The clients, the watch over them and the adaptor's functions change together.
-std::mutex gRegistration;
+// The clients, the watch over them and the adaptor's functions change together. Not taken by events.
+std::mutex mRegistering;
 
 // The function of an event, null when it has none.
 TolmAIPEventCallback FunctionOf(::TolmAIPEvent event) {
@@ -108,7 +108,7 @@ TolmAIPEventCallback FunctionOf(::TolmAIPEvent event) {
 
 }  // namespace
 
-ApplicationManager::ApplicationManager() : TolmHidlClientMonitor(kTag, &gInstance) {}
+ApplicationManager::ApplicationManager() : TolmHidlClientMonitor(kTag, &mService) {}
 
 Return<void> ApplicationManager::GetOwnerApp(int32_t appId, int32_t orgId, GetOwnerApp_cb _hidl_cb) {
     return AnswerFrom(std::tuple(appId, orgId), _hidl_cb, &Adaptor::GetOwnerApp);
@@ -213,7 +213,7 @@ Return<int32_t> ApplicationManager::RegisterCallback(V1_0::TolmAIPEvent event, c
         return -1;
     }
     const auto code = static_cast<::TolmAIPEvent>(event);
-    std::lock_guard<std::mutex> lock(gRegistration);
+    std::lock_guard<std::mutex> lock(mRegistering);
     if (!mApmCallback.Add(code, callback)) return -1;
     StartMonitor(callback);
     // An event without a function is refused, yet keeps its client: it is taken, until it is unregistered.
@@ -227,7 +227,7 @@ Return<int32_t> ApplicationManager::UnregisterCallback(V1_0::TolmAIPEvent event,
     Adaptor* adaptor = Adaptor::GetInstance();
     if (adaptor == nullptr) return -1;
     const auto code = static_cast<::TolmAIPEvent>(event);
-    std::lock_guard<std::mutex> lock(gRegistration);
+    std::lock_guard<std::mutex> lock(mRegistering);
     if (const sp<IAIPEventCallback> client = mApmCallback.Get(code)) {
         StopMonitor(client);
         mApmCallback.Remove(code);
@@ -239,7 +239,7 @@ Return<int32_t> ApplicationManager::UnregisterCallback(V1_0::TolmAIPEvent event,
 // comes of their deaths, and a client that registers from now on is left alone.
 void ApplicationManager::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
     TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
-    std::lock_guard<std::mutex> lock(gRegistration);
+    std::lock_guard<std::mutex> lock(mRegistering);
     StopMonitor(who.promote());
     if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->ClearAPIEventCallback();
     for (const auto& [event, client] : mApmCallback.RemoveAll()) Forget(client);
@@ -258,7 +258,7 @@ template <typename... Parameters, typename... Arguments>
 void Forward(::TolmAIPEvent event, Return<void> (IAIPEventCallback::*method)(Parameters...),
              const Arguments&... arguments) {
     const sp<IAIPEventCallback> client = mApmCallback.Get(event);
-    if (client == nullptr || !gInstance.HasClient()) return;
+    if (client == nullptr || !mService.HasClient()) return;
     // The client may have died just now: then there is nobody to tell.
     (void)((*client).*method)(arguments...).isOk();
 }
