@@ -3,6 +3,7 @@
 // (EventsUnderTest()) and instantiates the suites at the end for its rows.
 #pragma once
 
+#include <android/log.h>
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -31,6 +32,8 @@ struct EventFamily {
     const char* withoutReceiver;   // "priority message" in the log when there is no receiver, or empty
     const char* refusal;           // message in the log for an event that asks for a reply
     const char* protocolsExample;  // what is noted of the protocol file's example
+    int refusalPriority = ANDROID_LOG_ERROR;
+    const char* story = nullptr;  // how the lines begin by which the log tells of each event, if it does
 };
 
 const EventFamily& EventsUnderTest();
