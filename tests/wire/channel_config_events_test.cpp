@@ -10,10 +10,6 @@ namespace {
 
 using Adaptor = TolmChannelConfigAdaptorIpc;
 
-const void* Pointer(uintptr_t bits) {
-    return reinterpret_cast<const void*>(bits);
-}
-
 // "receiver code byte context"
 void Note(const char* receiver, TolmChannelConfigEvent event, const TolmChannelConfigEventInfo& info,
           const void* context) {

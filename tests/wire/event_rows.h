@@ -6,7 +6,7 @@
 #include <android/log.h>
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -37,6 +37,11 @@ struct EventFamily {
 };
 
 const EventFamily& EventsUnderTest();
+
+// A handle or context, as operations take it.
+inline const void* Pointer(uint32_t bits) {
+    return reinterpret_cast<const void*>(static_cast<uintptr_t>(bits));
+}
 
 // For the receivers. `line` is "name value value ...".
 void NoteEvent(const std::string& line);
