@@ -56,54 +56,37 @@ TolmServiceInstance mService;
 // The clients, the watch over them and the adaptor's functions change together. Not taken by events.
 std::mutex mRegistering;
 
+const std::pair<::TolmAIPEvent, TolmAIPEventCallback> kFunctions[] = {
+    {TOLM_AIP_EVENT_APPLICATION_1, ToAIPEventCallback(onApplicationEventCallback)},
+    {TOLM_AIP_EVENT_APPLICATION_2, ToAIPEventCallback(onApplicationEventCallback)},
+    {TOLM_AIP_EVENT_APPLICATION_3, ToAIPEventCallback(onApplicationEventCallback)},
+    {TOLM_AIP_EVENT_GET_LOCAL_PARENTAL_RATING, ToAIPEventCallback(onGetLocalParantalRating)},
+    {TOLM_AIP_EVENT_APPLICATION_TOP_MOST, ToAIPEventCallback(onApplicationTopMost)},
+    {TOLM_AIP_EVENT_APPLICATION_NO_TOP_MOST, ToAIPEventCallback(onApplicationNoTopMost)},
+    {TOLM_AIP_EVENT_APPLICATION_DESTROY_REQUEST, ToAIPEventCallback(onApplicationDestroyRequest)},
+    {TOLM_AIP_EVENT_KEY_PRESS, ToAIPEventCallback(onKeyPress)},
+    {TOLM_AIP_EVENT_KEY_UP, ToAIPEventCallback(onKeyUp)},
+    {TOLM_AIP_EVENT_KEY_DOWN, ToAIPEventCallback(onKeyDown)},
+    {TOLM_AIP_EVENT_IS_PARENTAL_RATING_BLOCKED, ToAIPEventCallback(onIsParentalratingBlocked)},
+    {TOLM_AIP_EVENT_REQUEST_DSMCC_FILE, ToAIPEventCallback(onRequestDsmccFile)},
+    {TOLM_AIP_EVENT_RELEASE_DSMCC_FILE, ToAIPEventCallback(onReleaseDsmccFile)},
+    {TOLM_AIP_EVENT_IS_OBJECT_SUPPORTED, ToAIPEventCallback(onIsObjectSupported)},
+    {TOLM_AIP_EVENT_HANDLE_BROADCAST_SERVICE, ToAIPEventCallback(onHandleBroadcastService)},
+    {TOLM_AIP_EVENT_GET_CONFIGURATION, ToAIPEventCallback(onGetConfiguration)},
+    {TOLM_AIP_EVENT_PLATFORM_INITIALIZE, ToAIPEventCallback(onPlatformInitialize)},
+    {TOLM_AIP_EVENT_PLATFORM_FINALIZE, ToAIPEventCallback(onPlatformFinalize)},
+    {TOLM_AIP_EVENT_SET_BROADCAST_FULL_SCREEN, ToAIPEventCallback(onSetBroadcastFullScreen)},
+    {TOLM_AIP_EVENT_OPAPP_STATE_CHANGE, ToAIPEventCallback(onOpappStateChange)},
+    {TOLM_AIP_EVENT_OPAPP_CONTEXT_CHANGE, ToAIPEventCallback(onOpappContextChange)},
+    {TOLM_AIP_EVENT_OPAPP_UPDATE, ToAIPEventCallback(onOpappUpdate)},
+};
+
 // The function of an event, null when it has none.
 TolmAIPEventCallback FunctionOf(::TolmAIPEvent event) {
-    switch (event) {
-        case TOLM_AIP_EVENT_APPLICATION_1:
-        case TOLM_AIP_EVENT_APPLICATION_2:
-        case TOLM_AIP_EVENT_APPLICATION_3:
-            return ToAIPEventCallback(onApplicationEventCallback);
-        case TOLM_AIP_EVENT_GET_LOCAL_PARENTAL_RATING:
-            return ToAIPEventCallback(onGetLocalParantalRating);
-        case TOLM_AIP_EVENT_APPLICATION_TOP_MOST:
-            return ToAIPEventCallback(onApplicationTopMost);
-        case TOLM_AIP_EVENT_APPLICATION_NO_TOP_MOST:
-            return ToAIPEventCallback(onApplicationNoTopMost);
-        case TOLM_AIP_EVENT_APPLICATION_DESTROY_REQUEST:
-            return ToAIPEventCallback(onApplicationDestroyRequest);
-        case TOLM_AIP_EVENT_KEY_PRESS:
-            return ToAIPEventCallback(onKeyPress);
-        case TOLM_AIP_EVENT_KEY_UP:
-            return ToAIPEventCallback(onKeyUp);
-        case TOLM_AIP_EVENT_KEY_DOWN:
-            return ToAIPEventCallback(onKeyDown);
-        case TOLM_AIP_EVENT_IS_PARENTAL_RATING_BLOCKED:
-            return ToAIPEventCallback(onIsParentalratingBlocked);
-        case TOLM_AIP_EVENT_REQUEST_DSMCC_FILE:
-            return ToAIPEventCallback(onRequestDsmccFile);
-        case TOLM_AIP_EVENT_RELEASE_DSMCC_FILE:
-            return ToAIPEventCallback(onReleaseDsmccFile);
-        case TOLM_AIP_EVENT_IS_OBJECT_SUPPORTED:
-            return ToAIPEventCallback(onIsObjectSupported);
-        case TOLM_AIP_EVENT_HANDLE_BROADCAST_SERVICE:
-            return ToAIPEventCallback(onHandleBroadcastService);
-        case TOLM_AIP_EVENT_GET_CONFIGURATION:
-            return ToAIPEventCallback(onGetConfiguration);
-        case TOLM_AIP_EVENT_PLATFORM_INITIALIZE:
-            return ToAIPEventCallback(onPlatformInitialize);
-        case TOLM_AIP_EVENT_PLATFORM_FINALIZE:
-            return ToAIPEventCallback(onPlatformFinalize);
-        case TOLM_AIP_EVENT_SET_BROADCAST_FULL_SCREEN:
-            return ToAIPEventCallback(onSetBroadcastFullScreen);
-        case TOLM_AIP_EVENT_OPAPP_STATE_CHANGE:
-            return ToAIPEventCallback(onOpappStateChange);
-        case TOLM_AIP_EVENT_OPAPP_CONTEXT_CHANGE:
-            return ToAIPEventCallback(onOpappContextChange);
-        case TOLM_AIP_EVENT_OPAPP_UPDATE:
-            return ToAIPEventCallback(onOpappUpdate);
-        default:
-            return nullptr;
+    for (const auto& [known, function] : kFunctions) {
+        if (known == event) return function;
     }
+    return nullptr;
 }
 
 }  // namespace
