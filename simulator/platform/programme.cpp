@@ -9,10 +9,6 @@
 
 namespace hbbtv::sim {
 
-const char* const kSchemeDvbSi = "dvb-si";
-const char* const kSchemeFsk = "urn:oipf:GermanyFSKCS";
-const char* const kSchemeMpaa = "urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001";
-
 namespace {
 
 std::string DvbUrl(const Service& service, int eventId) {

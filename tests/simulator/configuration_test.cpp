@@ -339,7 +339,8 @@ TEST_F(Configuration, SaysWhatItIsAndWhatItCannotBe) {
     EXPECT_EQ(Tell("get network-ids"), "ok 12290,12289");
     EXPECT_NE(Tell("get").find("country DEU; region 0; subtitles off"), std::string::npos);
     EXPECT_EQ(Tell("get contry"), "error: there is no preference \"contry\"; did you mean \"country\"?");
-    EXPECT_EQ(Tell("set rating-age 19"), "error: rating-age is 0 to 18");
+    EXPECT_EQ(Tell("set rating-age 19"), "error: rating-age is 4 to 18, or 0");
+    EXPECT_EQ(Tell("set rating-age 3"), "error: rating-age is 4 to 18, or 0");
     EXPECT_EQ(Tell("set subtitles yes"), "error: subtitles is on or off");
     EXPECT_EQ(Tell("set network-ids 1,,2"), "error: network-ids is at most 100 numbers from 0 to 65535, or none");
     EXPECT_EQ(Tell("set country"), "error: usage: set PREFERENCE VALUE");

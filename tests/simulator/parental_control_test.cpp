@@ -160,6 +160,43 @@ TEST_F(ParentalControl, TellsTheAgeThatIsSetAndTheCountry) {
     EXPECT_EQ(AskAt(kManager, kLocalRating)["parentRating"], 0);
 }
 
+TEST_F(ParentalControl, HasOneAgeWithThePreferencesWhoeverChangesIt) {
+    LibraryStandIn preferences(mDirectory / "service_hbbtv_to_plugin_conf");
+    const Endpoint configuration{"service_plugin_to_hbbtv_conf", 12, 9};
+    const auto ages = [&] {
+        return AskAt(kManager, kLocalRating)["parentRating"].asString() + " " +
+               AskAt(configuration, 35)["age"].asString() + " " + ThresholdAt(0);
+    };
+    const auto event = [&] {
+        const auto frame = preferences.Next();
+        return frame ? Parsed(frame->text) : Json::Value();
+    };
+    EXPECT_EQ(ages(), "18 18 dvb-si 18 18 0 ");
+    EXPECT_EQ(AskAt(configuration, 33)["ret"], 0);
+    EXPECT_EQ(Tell("parental-threshold dvb-si 12"), "ok");
+    EXPECT_EQ(event(), Parsed(R"({"event": 8, "age": 12})"));
+    EXPECT_EQ(ages(), "12 12 dvb-si 12 12 0 ");
+    EXPECT_EQ(Tell("set rating-age 16"), "ok");
+    EXPECT_EQ(event(), Parsed(R"({"event": 8, "age": 16})"));
+    EXPECT_EQ(ages(), "16 16 dvb-si 16 16 0 ");
+    EXPECT_EQ(Tell("parental-threshold dvb-si none"), "ok");
+    EXPECT_EQ(event(), Parsed(R"({"event": 8, "age": 0})"));
+    EXPECT_EQ(ages(), "0 0 none");
+    EXPECT_EQ(Tell("set rating-age 4"), "ok");
+    Restart();
+    EXPECT_EQ(ages(), "4 4 dvb-si 4 4 0 ");
+    EXPECT_EQ(Tell("set rating-age 0"), "ok");
+    Restart();
+    EXPECT_EQ(ages(), "0 0 none") << "the scheme's own 18 does not come back";
+}
+
+TEST_F(ParentalControl, BlocksFromTheAgeOfThePreferencesOn) {
+    ObjectIn("presenting");
+    EXPECT_EQ(Tell("set rating-age 12"), "ok");
+    EXPECT_EQ(RatingEvent("dvb-si 11", "ok")["blocked"], false);
+    EXPECT_EQ(RatingEvent("dvb-si 12", "ok blocked")["blocked"], true);
+}
+
 TEST_F(ParentalControl, KeepsSchemesThatAreAddedAndWhatTheParentsSet) {
     const std::string scheme =
         HandleOf(mManager, kAddScheme, {{"name", "urn:x<&>\""}, {"values", "mild, strong,\xc3\xa4"}});

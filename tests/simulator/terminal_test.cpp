@@ -180,12 +180,18 @@ TEST_F(Terminal, RefusesWhatCannotBeKeptAndChangesNothing) {
     Begin({"--state", state});
     std::filesystem::create_directory(state + "/device.json");
     std::filesystem::create_directory(state + "/parental_control.json");
+    std::filesystem::create_directory(state + "/preferences.json");
     EXPECT_EQ(AskAt(kLocalSystem, 0)["ret"], -1);
     EXPECT_EQ(Tell("pvr off").substr(0, 6), "error:");
     EXPECT_EQ(Enabled(14, "pvrEnabled"), 1);
     EXPECT_EQ(Tell("parental-threshold dvb-si 4").substr(0, 6), "error:");
     EXPECT_EQ(AskAt(kParental, 50)["parentRating"], 18);
     const std::string manager = AskAt(kParental, 0)["out_handle"].asString();
+    const std::string scheme = AskAt(kParental, 23, {{"in_handle", manager}, {"index", 1u}})["out_handle"].asString();
+    const Json::Value threshold = AskAt(kParental, 30, {{"in_handle", scheme}})["out_handle"];
+    EXPECT_EQ(Tell("parental-threshold urn:oipf:GermanyFSKCS 6").substr(0, 6), "error:");
+    EXPECT_EQ(AskAt(kParental, 40, {{"in_handle", threshold}})["out_value"], 4) << "the position of 18";
+    EXPECT_EQ(AskAt(kParental, 30, {{"in_handle", scheme}})["out_handle"], threshold);
     EXPECT_EQ(AskAt(kParental, 25, {{"in_handle", manager}, {"name", "x"}, {"values", "a"}})["ret"], -1);
     EXPECT_EQ(AskAt(kParental, 21, {{"in_handle", manager}})["num"], 3);
 }

@@ -128,7 +128,7 @@ ConfigurationFamily::ConfigurationFamily(const FamilySetup& setup)
     Gives(35, "GetRatingAge", P::RatingAge, "age");
     Gives(36, "GetDNTPolicy", P::DoNotTrack, "dnt");
     AddCommands();
-    mPreferences.onChange = [this](Preference preference) { Tell(preference); };
+    mPreferences.Watch([this](Preference preference) { Tell(preference); });
 }
 
 void ConfigurationFamily::AddCommands() {

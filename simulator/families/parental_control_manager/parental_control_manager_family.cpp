@@ -167,7 +167,7 @@ void ParentalControlManagerFamily::AddParentalRating(In in, Out) {
 }
 
 void ParentalControlManagerFamily::GetLocalParentalRating(In, Out out) {
-    out["parentRating"] = mTv.parentalControl.LocalRating();
+    out["parentRating"] = mTv.preferences.Get(Preference::RatingAge);
     out["countryCode"] = mTv.preferences.Get(Preference::Country);
 }
 
