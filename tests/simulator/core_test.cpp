@@ -136,7 +136,7 @@ class EventWithReply : public testing::Test {
 
 TEST_F(EventWithReply, IsARequestWhoseReplyArrives) {
     test::LibraryStandIn served(mDirectory / "events");
-    std::optional<test::RawFrame> question;
+    std::optional<test::Frame> question;
     std::thread library([&] {
         question = served.Next();
         served.Reply("{\"ret\": 5}");
