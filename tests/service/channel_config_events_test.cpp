@@ -53,7 +53,7 @@ TEST_F(ChannelConfigEvents, ReachTheRegisteredClientWithItsContext) {
                             "OnChannelConfigEvent 3 0 2147486396", "OnChannelConfigEvent -1 0 2147486396"));
 }
 
-TEST_F(ChannelConfigEvents, GiveAContextWithAZeroHighHalf) {
+TEST_F(ChannelConfigEvents, GiveTheContextWithAZeroHighHalf) {
     Register(mClient, -1);
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre("OnChannelConfigEvent 0 65 4294967295"));

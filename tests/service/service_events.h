@@ -16,7 +16,7 @@
 
 namespace hbbtv::test {
 
-// Told to a service by the death recipients of its clients.
+// What a client is to the death recipient that is linked to it.
 using IBase = android::hidl::base::V1_0::IBase;
 
 // Lines of every service that watches its clients.

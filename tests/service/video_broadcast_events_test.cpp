@@ -136,7 +136,7 @@ TEST_F(VideoBroadcastEvents, ARecordWithoutTextsGivesEmptyOnes) {
 }
 
 // The address sanitizer's leak check is what fails when the text is kept.
-TEST_F(VideoBroadcastEvents, WithoutAClientARecordIsDroppedSilentlyAndItsTextsAreFreed) {
+TEST_F(VideoBroadcastEvents, AreDroppedSilentlyWithoutAClientAndTheirTextsFreed) {
     TolmVideoBroadcastEventInfo info;
     memset(&info, 0, sizeof(info));
     info.recording.recordingId = {strdup("rec-1"), 5};

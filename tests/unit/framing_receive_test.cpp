@@ -19,14 +19,10 @@
 #include "socket_pair.h"
 #include "stdout_capture.h"
 
+namespace hbbtv::test {
+
 namespace {
 
-using hbbtv::test::FrameBytes;
-using hbbtv::test::HeaderBytes;
-using hbbtv::test::LogCapture;
-using hbbtv::test::SocketPair;
-using hbbtv::test::StdoutCapture;
-using hbbtv::test::WaitUntilRead;
 using tolm::RecvInternalSocket;
 using tolm::TolmIpcSocketMsgHeader;
 
@@ -268,3 +264,5 @@ TEST(SocketAddress, CutsAPathAt107Characters) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

@@ -18,13 +18,10 @@
 #include "socket_pair.h"
 #include "stdout_capture.h"
 
+namespace hbbtv::test {
+
 namespace {
 
-using hbbtv::test::Frame;
-using hbbtv::test::LogCapture;
-using hbbtv::test::LogLine;
-using hbbtv::test::SocketPair;
-using hbbtv::test::StdoutCapture;
 using tolm::SendInternalSocket;
 
 std::vector<unsigned char> Bytes(const std::string& text) {
@@ -184,3 +181,5 @@ TEST(SendInternalSocket, GoesOnAfterASignal) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

@@ -12,12 +12,10 @@
 #include "scratch_directory.h"
 #include "stdout_capture.h"
 
+namespace hbbtv::test {
+
 namespace {
 
-using hbbtv::test::LogCapture;
-using hbbtv::test::LogLine;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
 using tolm::TolmIpcFactory;
 
 constexpr TolmIpcKeyId kKey = TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB;
@@ -129,3 +127,5 @@ TEST(IpcServerDelegateBase, DoesNothing) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

@@ -11,11 +11,10 @@
 #include "log_capture.h"
 #include "stdout_capture.h"
 
+namespace hbbtv::test {
+
 namespace {
 
-using hbbtv::test::LogCapture;
-using hbbtv::test::LogLine;
-using hbbtv::test::StdoutCapture;
 using tolm::TolmIpcKeyConverter;
 
 struct Row {
@@ -172,3 +171,5 @@ TEST(KeyConverter, IsOneForAllThreads) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

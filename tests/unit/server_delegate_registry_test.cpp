@@ -11,11 +11,9 @@
 #include "scratch_directory.h"
 #include "stdout_capture.h"
 
-namespace {
+namespace hbbtv::test {
 
-using hbbtv::test::LogCapture;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
+namespace {
 
 constexpr TolmIpcKeyId kKey = TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB;  // 50, 32 in hexadecimal
 
@@ -127,3 +125,5 @@ TEST_F(ServerDelegateRegistry, CountsPorts) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

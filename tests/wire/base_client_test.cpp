@@ -16,17 +16,9 @@
 #include "scratch_directory.h"
 #include "stdout_capture.h"
 
-namespace {
+namespace hbbtv::test {
 
-using hbbtv::test::FakePlatform;
-using hbbtv::test::Frame;
-using hbbtv::test::FrameBytes;
-using hbbtv::test::LogCapture;
-using hbbtv::test::LogLine;
-using hbbtv::test::RawConnection;
-using hbbtv::test::RawListener;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
+namespace {
 
 constexpr char kName[] = "service_plugin_to_hbbtv_vb";
 constexpr char kTag[] = "[ipc_base]";
@@ -223,3 +215,5 @@ TEST(BaseClientThreads, SendOneWayWhileAnotherWaitsForItsReply) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

@@ -13,17 +13,9 @@
 #include "scratch_directory.h"
 #include "stdout_capture.h"
 
-namespace {
+namespace hbbtv::test {
 
-using hbbtv::test::EventReceiver;
-using hbbtv::test::Frame;
-using hbbtv::test::FrameBytes;
-using hbbtv::test::HeaderBytes;
-using hbbtv::test::LogCapture;
-using hbbtv::test::LogLine;
-using hbbtv::test::RawConnection;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
+namespace {
 
 constexpr TolmIpcKeyId kKey = TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB;  // 50, 32 in hexadecimal
 constexpr char kTag[] = "[ipc_base]";
@@ -94,7 +86,7 @@ TEST_F(BaseServer, HandsOnAnEventAndLogsIt) {
 
 TEST_F(BaseServer, SendsBackWhatTheHandlerGivesAndLogsBoth) {
     EXPECT_EQ("{\n\t\"heard\" : 5\n}\n", Ask("{\"answer\":5}"));
-    ASSERT_TRUE(hbbtv::test::WaitFor([this] { return !Lines().empty(); }));
+    ASSERT_TRUE(WaitFor([this] { return !Lines().empty(); }));
     EXPECT_EQ(Texts{"3 recv msg:{\n\t\"answer\" : 5\n}\n and out_msg:{\n\t\"heard\" : 5\n}\n in m_ipc_id(32) port(7)"},
               Lines());
 }
@@ -181,3 +173,5 @@ TEST(BaseServerItself, HandlesNothingAndAnswersNull) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

@@ -16,17 +16,9 @@
 #include "scratch_directory.h"
 #include "stdout_capture.h"
 
-namespace {
+namespace hbbtv::test {
 
-using hbbtv::test::FrameBytes;
-using hbbtv::test::kSanitized;
-using hbbtv::test::ProcessUsage;
-using hbbtv::test::RawConnection;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
-using hbbtv::test::ToText;
-using hbbtv::test::UsageOfThisProcess;
-using hbbtv::test::WaitFor;
+namespace {
 
 // Under a sanitizer a connection takes twenty times as long, and a message ten times.
 constexpr int kConnections = kSanitized ? 3000 : 100000;
@@ -152,3 +144,5 @@ TEST_F(Bulk, EventsOf18SendersAtOnceAllArriveInTheirOrder) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

@@ -24,18 +24,10 @@
 #include "scratch_directory.h"
 #include "stdout_capture.h"
 
+namespace hbbtv::test {
+
 namespace {
 
-using hbbtv::test::FakePlatform;
-using hbbtv::test::Frame;
-using hbbtv::test::FrameBytes;
-using hbbtv::test::HeaderBytes;
-using hbbtv::test::LogCapture;
-using hbbtv::test::LogLine;
-using hbbtv::test::RawConnection;
-using hbbtv::test::RawListener;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
 using tolm::TolmIpcClientSocket;
 
 constexpr TolmIpcKeyId kKey = TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB;
@@ -249,7 +241,7 @@ TEST_F(ClientSocket, TriesNoEmptyMessageWithoutAServer) {
 TEST_F(ClientSocket, ClosesItsDescriptors) {
     const FakePlatform platform(kName, "{}");
     mClient.reset();
-    const int before = hbbtv::test::UsageOfThisProcess().descriptors;
+    const int before = UsageOfThisProcess().descriptors;
     for (int i = 0; i < 50; ++i) {
         TolmIpcClientSocket connected(kKey, 7);
         std::vector<unsigned char> reply;
@@ -257,7 +249,7 @@ TEST_F(ClientSocket, ClosesItsDescriptors) {
         const TolmIpcClientSocket unconnected(TOLM_IPC_KEY_MAS, 1);
     }
     // The platform's ends go when its threads have seen the close.
-    EXPECT_TRUE(hbbtv::test::WaitFor([&] { return hbbtv::test::UsageOfThisProcess().descriptors == before; }));
+    EXPECT_TRUE(WaitFor([&] { return UsageOfThisProcess().descriptors == before; }));
 }
 
 TEST(ClientSocketFailures, SaysThatItCannotBindAndConnectsAllTheSame) {
@@ -294,3 +286,5 @@ TEST(ClientSocketFailures, SaysThatTheModeCouldNotBeSet) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

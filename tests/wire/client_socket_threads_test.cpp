@@ -19,17 +19,10 @@
 #include "scratch_directory.h"
 #include "stdout_capture.h"
 
+namespace hbbtv::test {
+
 namespace {
 
-using hbbtv::test::FakePlatform;
-using hbbtv::test::Frame;
-using hbbtv::test::FrameBytes;
-using hbbtv::test::kSanitized;
-using hbbtv::test::LogCapture;
-using hbbtv::test::RawConnection;
-using hbbtv::test::RawListener;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
 using tolm::TolmIpcClientSocket;
 
 constexpr TolmIpcKeyId kKey = TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB;
@@ -149,3 +142,5 @@ TEST(ClientSocketThreads, NeverReconnectTheSameClientAtOnce) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

@@ -80,18 +80,10 @@ extern "C" int accept4(int fd, sockaddr* address, socklen_t* length, int flags) 
     return next(fd, address, length, flags);
 }
 
+namespace hbbtv::test {
+
 namespace {
 
-using hbbtv::test::FakePlatform;
-using hbbtv::test::Frame;
-using hbbtv::test::FrameBytes;
-using hbbtv::test::LogCapture;
-using hbbtv::test::RawConnection;
-using hbbtv::test::RecordingDelegate;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
-using hbbtv::test::UsageOfThisProcess;
-using hbbtv::test::WaitFor;
 using tolm::TolmIpcServerSocket;
 
 constexpr TolmIpcKeyId kKey = TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB;
@@ -214,3 +206,5 @@ TEST_F(FailingCalls, AServerWhoseAcceptingFailsForEverEnds) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

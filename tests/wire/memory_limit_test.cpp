@@ -21,19 +21,10 @@
 #include "socket_pair.h"
 #include "stdout_capture.h"
 
+namespace hbbtv::test {
+
 namespace {
 
-using hbbtv::test::Frame;
-using hbbtv::test::FrameBytes;
-using hbbtv::test::HeaderBytes;
-using hbbtv::test::kSanitized;
-using hbbtv::test::LogCapture;
-using hbbtv::test::RawConnection;
-using hbbtv::test::RecordingDelegate;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::SocketPair;
-using hbbtv::test::StdoutCapture;
-using hbbtv::test::UsageOfThisProcess;
 using tolm::TolmIpcServerSocket;
 
 constexpr char kTag[] = "tolm_IPC";
@@ -137,3 +128,5 @@ TEST(MemoryLimit, SendsNoMessageThatCannotBePutTogether) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

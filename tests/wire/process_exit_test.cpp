@@ -9,12 +9,9 @@
 #include "raw_socket.h"
 #include "scratch_directory.h"
 
-namespace {
+namespace hbbtv::test {
 
-using hbbtv::test::ChildProcess;
-using hbbtv::test::FrameBytes;
-using hbbtv::test::RawConnection;
-using hbbtv::test::ScratchDirectory;
+namespace {
 
 class ProcessExit : public testing::Test {
   protected:
@@ -91,3 +88,5 @@ TEST_F(ProcessExit, ComesFromInsideAHandler) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

@@ -19,16 +19,9 @@
 #include "scratch_directory.h"
 #include "stdout_capture.h"
 
-namespace {
+namespace hbbtv::test {
 
-using hbbtv::test::EventReceiver;
-using hbbtv::test::FrameBytes;
-using hbbtv::test::kSanitized;
-using hbbtv::test::LogCapture;
-using hbbtv::test::RawConnection;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
-using hbbtv::test::UsageOfThisProcess;
+namespace {
 
 constexpr TolmIpcKeyId kKey = TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB;  // 50, 32 in hexadecimal
 constexpr char kName[] = "service_hbbtv_to_plugin_vb";
@@ -100,7 +93,7 @@ TEST_F(Registry, BuildsANewServerAfterTheLastPortHasGone) {
         EXPECT_TRUE(receiver.WaitForMessages(1));
     }
     // The kernel counts a thread for a moment after it was joined.
-    EXPECT_TRUE(hbbtv::test::WaitFor([&] { return UsageOfThisProcess().threads == threads; }));
+    EXPECT_TRUE(WaitFor([&] { return UsageOfThisProcess().threads == threads; }));
 }
 
 TEST_F(Registry, IgnoresTheEndOfAReceiverThatNeverBegan) {
@@ -198,7 +191,7 @@ TEST_F(Registry, ServesOtherEndpointsFromAHandlerWhileItsOwnIsDeleted) {
     std::atomic<bool> deleting{false};
     auto receiver = std::make_unique<EventReceiver>(kKey, 7, [&](const Json::Value&, Json::Value&) {
         inside = true;
-        hbbtv::test::WaitFor([&] { return deleting.load(); });
+        WaitFor([&] { return deleting.load(); });
         // Some of these rounds find the deletion waiting.
         for (int round = 0; round < 100; ++round) {
             EventReceiver other(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_SM, 8);
@@ -208,7 +201,7 @@ TEST_F(Registry, ServesOtherEndpointsFromAHandlerWhileItsOwnIsDeleted) {
     receiver->Start();
     RawConnection connection = Connect();
     ASSERT_TRUE(connection.Write(FrameBytes(2, 7, "{}")));
-    ASSERT_TRUE(hbbtv::test::WaitFor([&] { return inside.load(); }));
+    ASSERT_TRUE(WaitFor([&] { return inside.load(); }));
     deleting = true;
     receiver.reset();
     EXPECT_EQ(100, mLog.Count(ANDROID_LOG_DEBUG, kTag, "ipc server stop success in channel(31) port(8)"));
@@ -219,12 +212,12 @@ TEST_F(Registry, TakesAnotherPortWhileAHandlerRuns) {
     std::atomic<bool> release{false};
     EventReceiver first(kKey, 7, [&](const Json::Value&, Json::Value&) {
         inside = true;
-        EXPECT_TRUE(hbbtv::test::WaitFor([&] { return release.load(); }));
+        EXPECT_TRUE(WaitFor([&] { return release.load(); }));
     });
     first.Start();
     RawConnection connection = Connect();
     ASSERT_TRUE(connection.Write(FrameBytes(2, 7, "{}")));
-    ASSERT_TRUE(hbbtv::test::WaitFor([&] { return inside.load(); }));
+    ASSERT_TRUE(WaitFor([&] { return inside.load(); }));
     EventReceiver second(kKey, 8);
     second.Start();
     release = true;
@@ -241,7 +234,7 @@ TEST_F(Registry, IsUsedByManyThreadsAtOnce) {
                 EventReceiver receiver(kKey, port);
                 receiver.Start();
                 // The endpoint may be a new one by the time of the message, when another thread has ended the old.
-                ASSERT_TRUE(hbbtv::test::WaitFor([&] {
+                ASSERT_TRUE(WaitFor([&] {
                     RawConnection connection = Connect();
                     connection.Write(FrameBytes(2, port, "{}"));
                     connection.Read(12);
@@ -254,3 +247,5 @@ TEST_F(Registry, IsUsedByManyThreadsAtOnce) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

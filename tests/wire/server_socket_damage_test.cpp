@@ -16,16 +16,10 @@
 #include "scratch_directory.h"
 #include "stdout_capture.h"
 
+namespace hbbtv::test {
+
 namespace {
 
-using hbbtv::test::Frame;
-using hbbtv::test::FrameBytes;
-using hbbtv::test::HeaderBytes;
-using hbbtv::test::LogCapture;
-using hbbtv::test::RawConnection;
-using hbbtv::test::RecordingDelegate;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
 using tolm::TolmIpcServerSocket;
 
 constexpr TolmIpcKeyId kKey = TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB;
@@ -72,10 +66,8 @@ TEST_F(DamagedConnection, GoneAtEachByteOfAMessageDeliversNothing) {
         ASSERT_TRUE(peer.Write(bytes.substr(0, cut)));
         peer.Close();
         ++ended;
-        ASSERT_TRUE(hbbtv::test::WaitFor([&] {
-            return mLog.Count(ANDROID_LOG_WARN, "tolm_IPC", "peer closed!") == ended;
-        })) << cut
-            << "\n"
+        ASSERT_TRUE(WaitFor([&] { return mLog.Count(ANDROID_LOG_WARN, "tolm_IPC", "peer closed!") == ended; }))
+            << cut << "\n"
             << mLog.Text();
         ASSERT_NO_FATAL_FAILURE(ExpectOthersNoticeNothing());
     }
@@ -88,7 +80,7 @@ TEST_F(DamagedConnection, GoneAtEachByteOfASecondMessageDeliversTheFirst) {
         RawConnection peer = Connect();
         ASSERT_TRUE(peer.Write(FrameBytes(1, 7, "first " + std::to_string(cut)) + bytes.substr(0, cut)));
         peer.Close();
-        ASSERT_TRUE(hbbtv::test::WaitFor([&] { return Events().size() == cut + 1; }));
+        ASSERT_TRUE(WaitFor([&] { return Events().size() == cut + 1; }));
         ASSERT_EQ("first " + std::to_string(cut), Events().back());
         ASSERT_NO_FATAL_FAILURE(ExpectOthersNoticeNothing());
     }
@@ -182,9 +174,10 @@ TEST_F(DamagedConnection, ResetWithAReplyUnreadEnds) {
         peer.Close();
         ASSERT_NO_FATAL_FAILURE(ExpectOthersNoticeNothing());
     }
-    EXPECT_TRUE(hbbtv::test::WaitFor([&] { return mLog.Count(ANDROID_LOG_WARN, "tolm_IPC", "peer closed!") == 50; }))
-        << mLog.Text();
+    EXPECT_TRUE(WaitFor([&] { return mLog.Count(ANDROID_LOG_WARN, "tolm_IPC", "peer closed!") == 50; })) << mLog.Text();
     EXPECT_TRUE(Events().empty());
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

@@ -19,17 +19,10 @@
 #include "scratch_directory.h"
 #include "stdout_capture.h"
 
+namespace hbbtv::test {
+
 namespace {
 
-using hbbtv::test::Frame;
-using hbbtv::test::FrameBytes;
-using hbbtv::test::ProcessUsage;
-using hbbtv::test::RawConnection;
-using hbbtv::test::RecordingDelegate;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
-using hbbtv::test::UsageOfThisProcess;
-using hbbtv::test::WaitFor;
 using tolm::TolmIpcServerSocket;
 
 constexpr TolmIpcKeyId kKey = TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB;
@@ -200,3 +193,5 @@ TEST_F(StoppingServer, JoinsThreadsOfEndedConnectionsAsItGoesOn) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test

@@ -24,19 +24,10 @@
 #include "scratch_directory.h"
 #include "stdout_capture.h"
 
+namespace hbbtv::test {
+
 namespace {
 
-using hbbtv::test::Frame;
-using hbbtv::test::FrameBytes;
-using hbbtv::test::HeaderBytes;
-using hbbtv::test::LogCapture;
-using hbbtv::test::LogLine;
-using hbbtv::test::RawConnection;
-using hbbtv::test::RawListener;
-using hbbtv::test::RecordingDelegate;
-using hbbtv::test::ScratchDirectory;
-using hbbtv::test::StdoutCapture;
-using hbbtv::test::WaitFor;
 using tolm::TolmIpcServerSocket;
 
 constexpr TolmIpcKeyId kKey = TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB;
@@ -287,3 +278,5 @@ TEST(ServerSocketFailures, SaysThatTheModeCouldNotBeSet) {
 }
 
 }  // namespace
+
+}  // namespace hbbtv::test
