@@ -27,7 +27,7 @@ int Serve(const Options& options) {
     loop.StopOnSignals({SIGINT, SIGTERM});
     Simulator simulator(loop, journal, lineUp, options.settings, options.directory, std::move(guide));
     for (const std::string& fault : options.faults) {
-        const std::string answer = simulator.Command(fault);
+        const std::string answer = simulator.Execute(fault);
         if (answer == "ok") continue;
         std::fprintf(stderr, "hbbtv-sim: --fault: %s\n", answer.c_str());
         return kUsage;

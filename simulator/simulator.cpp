@@ -6,6 +6,7 @@
 
 #include "common/nearest_name.h"
 #include "core/frame_connection.h"
+#include "families/members.h"
 
 namespace hbbtv::sim {
 
@@ -34,8 +35,9 @@ Simulator::Simulator(EventLoop& loop, const Journal& journal, LineUp lineUp, con
     const FamilySetup setup{mLoop, mTv, mSettings,
                             [this](const FamilyAddress& address) -> EventSink& { return SinkOf(address); }, mDirectory};
     for (auto& family : MakeFamilies(setup)) Serve(std::move(family));
+    AddCommands();
     mControl = std::make_unique<ControlServer>(mLoop, mDirectory + "/" + kControlSocket,
-                                               [this](const std::string& line) { return Command(line); });
+                                               [this](const std::string& line) { return Execute(line); });
 }
 
 Simulator::~Simulator() = default;
@@ -69,14 +71,23 @@ std::string Simulator::Summary() const {
     return text.str();
 }
 
-std::string Simulator::Command(const std::string& line) {
+void Simulator::AddCommands() {
+    mCommands["stop-answering"] = {"stop-answering FAMILY", "its requests are read and otherwise left alone",
+                                   [this](const Words& words) { return SetAnswering(words, false); }};
+    mCommands["answer"] = {"answer FAMILY", "its requests are answered again",
+                           [this](const Words& words) { return SetAnswering(words, true); }};
+    mCommands["help"] = {"help [COMMAND]", "what a command is for, or how all are written",
+                         [this](const Words& words) { return Help(words); }};
+}
+
+std::string Simulator::Execute(const std::string& line) {
     std::istringstream input(line);
     std::string name;
-    std::vector<std::string> words;
+    Words words;
     input >> name;
     for (std::string word; input >> word;) words.push_back(word);
     try {
-        std::string answer = Run(name, words);
+        std::string answer = Run(Find(name), words);
         std::replace_if(
             answer.begin(), answer.end(), [](unsigned char c) { return c < 0x20; }, ' ');  // it is one line
         return answer.empty() ? "ok" : "ok " + answer;
@@ -85,37 +96,52 @@ std::string Simulator::Command(const std::string& line) {
     }
 }
 
-std::string Simulator::Run(const std::string& name, const std::vector<std::string>& words) {
-    if (name == "stop-answering") return SetAnswering(words, false);
-    if (name == "answer") return SetAnswering(words, true);
-    if (name == "help") return Help();
-    std::set<std::string> known{"stop-answering", "answer", "help"};
-    for (const auto& entry : mFamilies) {
-        const auto& commands = entry.second->Served().Commands();
-        const auto found = commands.find(name);
-        if (found != commands.end()) return found->second.run(words);
-        for (const auto& command : commands) known.insert(command.first);
+std::string Simulator::Run(const Command& command, const Words& words) const {
+    try {
+        return command.run(words);
+    } catch (const WrongWords&) {
+        throw Refused("usage: " + command.usage);
     }
-    throw Refused("there is no command \"" + Excerpt(name) + "\"" + DidYouMean(name, known));
 }
 
-std::string Simulator::SetAnswering(const std::vector<std::string>& words, bool answering) {
-    if (words.size() != 1) throw Refused(answering ? "usage: answer FAMILY" : "usage: stop-answering FAMILY");
-    const auto found = mFamilies.find(words[0]);
+const Command& Simulator::Find(const std::string& name) const {
+    std::set<std::string> known;
+    const Command* found = nullptr;
+    const auto look = [&](const std::map<std::string, Command>& commands) {
+        for (const auto& command : commands) {
+            known.insert(command.first);
+            if (command.first == name) found = &command.second;
+        }
+    };
+    look(mCommands);
+    for (const auto& entry : mFamilies) look(entry.second->Served().Commands());
+    if (found == nullptr) throw Refused("there is no command \"" + Excerpt(name) + "\"" + DidYouMean(name, known));
+    return *found;
+}
+
+std::string Simulator::SetAnswering(const Words& words, bool answering) {
+    const std::string& name = Word(words);
+    const auto found = mFamilies.find(name);
     if (found != mFamilies.end()) {
         found->second->StopAnswering(!answering);
         return "";
     }
     std::set<std::string> known;
     for (const auto& entry : mFamilies) known.insert(entry.first);
-    throw Refused("there is no family \"" + Excerpt(words[0]) + "\"" + DidYouMean(words[0], known));
+    throw Refused("there is no family \"" + Excerpt(name) + "\"" + DidYouMean(name, known));
 }
 
-std::string Simulator::Help() const {
-    std::string text = "stop-answering FAMILY; answer FAMILY";
-    for (const auto& entry : mFamilies) {
-        for (const auto& command : entry.second->Served().Commands()) text += "; " + command.second.usage;
+std::string Simulator::Help(const Words& words) const {
+    if (!words.empty()) {
+        const Command& command = Find(Word(words));
+        return command.usage + ": " + command.purpose;
     }
+    std::string text;
+    const auto add = [&](const std::map<std::string, Command>& commands) {
+        for (const auto& command : commands) text += (text.empty() ? "" : "; ") + command.second.usage;
+    };
+    add(mCommands);
+    for (const auto& entry : mFamilies) add(entry.second->Served().Commands());
     return text;
 }
 

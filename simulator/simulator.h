@@ -28,7 +28,7 @@ class Simulator {
     Simulator& operator=(const Simulator&) = delete;
 
     // What the control socket does with a line: "ok", "ok ..." or "error: ...".
-    std::string Command(const std::string& line);
+    std::string Execute(const std::string& line);
 
     // The block that is printed at the start.
     std::string Summary() const;
@@ -36,9 +36,11 @@ class Simulator {
   private:
     EventSink& SinkOf(const FamilyAddress& address);
     void Serve(std::unique_ptr<Family> family);
-    std::string Run(const std::string& name, const std::vector<std::string>& words);
-    std::string SetAnswering(const std::vector<std::string>& words, bool answering);
-    std::string Help() const;
+    void AddCommands();
+    std::string Run(const Command& command, const Words& words) const;
+    std::string SetAnswering(const Words& words, bool answering);
+    std::string Help(const Words& words) const;
+    const Command& Find(const std::string& name) const;
 
     EventLoop& mLoop;
     const Journal& mJournal;
@@ -49,6 +51,7 @@ class Simulator {
     std::vector<std::unique_ptr<EventSender>> mSenders;
     std::map<std::string, std::unique_ptr<Dispatcher>> mFamilies;  // by name
     std::vector<std::unique_ptr<LocalListener>> mListeners;
+    std::map<std::string, Command> mCommands;  // by name, its own; the families have theirs
     std::unique_ptr<ControlServer> mControl;
 };
 

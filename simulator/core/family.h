@@ -31,13 +31,19 @@ struct Operation {
     Handler handler;
 };
 
-// Something that happens at the television and not by a request: the viewer zaps, the aerial falls. The function gets
-// the words behind the command's name and returns the answer; it throws Refused when the command makes no sense now.
+// Those behind a command's name.
+using Words = std::vector<std::string>;
+
+// Something that happens at the television and not by a request: the viewer zaps, the aerial falls. The function
+// returns the answer; it throws WrongWords, or Refused when the command makes no sense now.
 struct Command {
     std::string usage;  // "zap next|previous|NUMBER"
     std::string purpose;
-    std::function<std::string(const std::vector<std::string>& words)> run;
+    std::function<std::string(const Words& words)> run;
 };
+
+// The words are not as the command's usage says, which is then the answer.
+struct WrongWords {};
 
 // Where a family's events go.
 class EventSink {
@@ -63,19 +69,30 @@ class Family {
     const std::map<std::string, Command>& Commands() const { return mCommands; }
 
   protected:
+    using In = const Arguments&;
+    using Out = Json::Value&;
+
     explicit Family(FamilyAddress address) : mAddress(std::move(address)) {}
 
     // One row of the family's table.
     void Row(int code, const char* name, Handler handler) { mOperations[code] = {name, std::move(handler)}; }
 
     template <typename F>
-    void Row(int code, const char* name, void (F::*method)(const Arguments&, Json::Value&)) {
-        Row(code, name, [self = static_cast<F*>(this), method](const Arguments& in, Json::Value& out) {
-            (self->*method)(in, out);
-        });
+    void Row(int code, const char* name, void (F::*method)(In, Out)) {
+        Row(code, name, [self = static_cast<F*>(this), method](In in, Out out) { (self->*method)(in, out); });
     }
 
-    void AddCommand(const std::string& name, Command command) { mCommands[name] = std::move(command); }
+    // The usage begins with the command's name.
+    void AddCommand(const std::string& usage, const std::string& purpose,
+                    std::function<std::string(const Words&)> run) {
+        mCommands[usage.substr(0, usage.find(' '))] = {usage, purpose, std::move(run)};
+    }
+
+    template <typename F>
+    void AddCommand(const char* usage, const char* purpose, std::string (F::*method)(const Words&)) {
+        AddCommand(usage, purpose,
+                   [self = static_cast<F*>(this), method](const Words& w) { return (self->*method)(w); });
+    }
 
   private:
     FamilyAddress mAddress;

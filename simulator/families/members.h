@@ -1,5 +1,5 @@
-// How families read the handles and positions of a request and write the handles of a reply, and the words of a
-// command.
+// How families read the handles, positions and numbered values of a request and write the handles of a reply; the words
+// of a command; and the replies to what they have asked.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "core/arguments.h"
+#include "core/family.h"
 #include "core/handles.h"
+#include "platform/line_up_text.h"
 
 namespace hbbtv::sim {
 
@@ -38,15 +40,46 @@ const typename List::value_type& At(const List& list, int64_t index) {
     throw Refused("index " + std::to_string(index) + " of " + std::to_string(list.size()));
 }
 
-// The one word of a command, empty when there are more or none.
-inline std::string Word(const std::vector<std::string>& words) {
-    return words.size() == 1 ? words[0] : "";
+// A value of an enumeration that begins with 0 and ends with `last`. `kind` ends the sentence that refuses any other.
+template <typename Enum>
+Enum Choice(int number, Enum last, const char* kind) {
+    if (number >= 0 && number <= static_cast<int>(last)) return static_cast<Enum>(number);
+    throw Refused("there is no " + std::string(kind) + " " + std::to_string(number));
 }
 
-inline std::optional<int> Number(const std::string& word) {
-    const bool digits = !word.empty() && word.size() <= 5 && word.find_first_not_of("0123456789") == std::string::npos;
-    if (!digits) return std::nullopt;
-    return std::stoi(word);
+inline ComponentType ReadComponentType(int number) {
+    return Choice(number, ComponentType::Subtitle, "component type");
+}
+
+// The one word of a command.
+inline const std::string& Word(const Words& words) {
+    if (words.size() != 1) throw WrongWords();
+    return words[0];
+}
+
+// Whether a command has this one of the two words.
+inline bool IsFirst(const Words& words, const char* first, const char* second) {
+    if (Word(words) != first && Word(words) != second) throw WrongWords();
+    return Word(words) == first;
+}
+
+inline void RequireNone(const Words& words) {
+    if (!words.empty()) throw WrongWords();
+}
+
+inline std::optional<int> Number(const std::string& word, uint32_t largest = 99999) {
+    const auto number = ReadNumber(word, 10, largest);
+    return number ? std::optional<int>(static_cast<int>(*number)) : std::nullopt;
+}
+
+// A reply counts when it says that all went well.
+inline bool WentWell(const Json::Value& reply) {
+    return reply.isObject() && reply["ret"].isInt() && reply["ret"].asInt() == 0;
+}
+
+inline std::optional<int> IntIn(const Json::Value& reply, const char* member) {
+    if (!WentWell(reply) || !reply[member].isInt()) return std::nullopt;
+    return reply[member].asInt();
 }
 
 }  // namespace hbbtv::sim

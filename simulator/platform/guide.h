@@ -27,12 +27,6 @@ class Guide {
 
     // The programme that runs at that time and the one behind it. Less when there is less.
     ProgrammeList NowAndNext(const std::shared_ptr<const Service>& service, std::time_t time);
-
-    ProgrammeList Between(const std::shared_ptr<const Service>& service, std::time_t from, std::time_t to);
-
-    // Those of the services that fit, service by service, and not more than `most`.
-    ProgrammeList Search(const std::vector<std::shared_ptr<Service>>& services, TimeRange range,
-                         const std::function<bool(const Programme&)>& fits, size_t most = SIZE_MAX);
 };
 
 }  // namespace hbbtv::sim

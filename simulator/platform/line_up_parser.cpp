@@ -25,7 +25,7 @@ const Names kReceptions{{"none", 0}, {"good", 1}};
 const Names kControlCodes{{"present", 0}, {"autostart", 1}};
 const Names kComponentTypes{{"video", 0}, {"audio", 1}, {"subtitle", 2}};
 
-// OIPF DAE volume 2, media formats.
+// OIPF DAE volume 2, media formats, and the one of ultra high definition, which came later (ETSI TS 102 796).
 const Names kEncodings[] = {
     {{"AVC_HD_25", 0},
      {"AVC_HD_30", 0},
@@ -35,6 +35,7 @@ const Names kEncodings[] = {
      {"AVC_SP_30", 0},
      {"AVC_3D_25", 0},
      {"AVC_3D_30", 0},
+     {"HEVC_UHD_25", 0},
      {"MPEG2_SD_25", 0},
      {"MPEG2_SD_30", 0},
      {"MPEG2_HD_25", 0},

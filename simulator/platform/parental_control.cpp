@@ -12,7 +12,6 @@ namespace hbbtv::sim {
 namespace {
 
 const char* const kDocument = "parental_control";
-const char* const kDvbSi = "dvb-si";
 constexpr size_t kMostSchemes = 100;
 constexpr size_t kMostValues = 256;
 constexpr size_t kLongestName = 256;
@@ -27,14 +26,9 @@ std::vector<std::string> DvbAges() {
 // OIPF volumes 3 and 5.
 std::vector<RatingScheme> OwnSchemes() {
     std::vector<RatingScheme> schemes{
-        {kDvbSi, DvbAges(), "", "http://ratings.example/dvb/", nullptr},
-        {"urn:oipf:GermanyFSKCS", {"0", "6", "12", "16", "18"}, "DE", "http://ratings.example/fsk/", nullptr},
-        {"urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001",
-         {"G", "PG", "PG-13", "R", "NC-17", "NR"},
-         "US",
-         "http://ratings.example/mpaa/",
-         nullptr}};
-    schemes[0].threshold = schemes[0].RatingOf("18");
+        {kSchemeDvbSi, DvbAges(), "", "http://ratings.example/dvb/", nullptr},
+        {kSchemeFsk, {"0", "6", "12", "16", "18"}, "DE", "http://ratings.example/fsk/", nullptr},
+        {kSchemeMpaa, {"G", "PG", "PG-13", "R", "NC-17", "NR"}, "US", "http://ratings.example/mpaa/", nullptr}};
     schemes[1].threshold = schemes[1].RatingOf("18");
     schemes[2].threshold = schemes[2].RatingOf("NC-17");
     return schemes;
@@ -90,7 +84,7 @@ std::shared_ptr<Rating> Threshold(const RatingScheme& scheme, const std::string&
 std::shared_ptr<Rating> RatingScheme::RatingOf(const std::string& value) const {
     const auto found = std::find(values.begin(), values.end(), value);
     if (found == values.end()) return nullptr;
-    const int number = name == kDvbSi ? std::stoi(value) : static_cast<int>(found - values.begin());
+    const int number = name == kSchemeDvbSi ? std::stoi(value) : static_cast<int>(found - values.begin());
     return std::make_shared<Rating>(Rating{name, value, number, 0, region});
 }
 
@@ -98,9 +92,19 @@ std::string RatingScheme::IconOf(size_t index) const {
     return icons.empty() ? "" : icons + values[index] + ".png";
 }
 
-ParentalControl::ParentalControl(const StateStore& store) : mStore(store) {
+ParentalControl::ParentalControl(const StateStore& store, Preferences& preferences)
+    : mStore(store), mPreferences(preferences) {
     for (RatingScheme& scheme : OwnSchemes()) mSchemes.push_back(std::make_shared<RatingScheme>(std::move(scheme)));
     mStore.Load(kDocument, [this](const Json::Value& document) { Take(document); });
+    FollowRatingAge();
+    mPreferences.Watch([this](Preference preference) {
+        if (preference == Preference::RatingAge) FollowRatingAge();
+    });
+}
+
+void ParentalControl::FollowRatingAge() {
+    const Scheme ages = Find(kSchemeDvbSi);
+    ages->threshold = ages->RatingOf(mPreferences.Get(Preference::RatingAge).asString());
 }
 
 // All or nothing: it throws before anything has changed.
@@ -131,10 +135,12 @@ void ParentalControl::Save() const {
     document["thresholds"] = Json::Value(Json::arrayValue);
     for (size_t i = 0; i < mSchemes.size(); ++i) {
         const RatingScheme& scheme = *mSchemes[i];
-        Json::Value threshold;
-        threshold["scheme"] = scheme.name;
-        threshold["rating"] = scheme.threshold ? scheme.threshold->name : "";
-        document["thresholds"].append(threshold);
+        if (scheme.name != kSchemeDvbSi) {
+            Json::Value threshold;
+            threshold["scheme"] = scheme.name;
+            threshold["rating"] = scheme.threshold ? scheme.threshold->name : "";
+            document["thresholds"].append(threshold);
+        }
         if (i < own) continue;
         Json::Value added;
         added["name"] = scheme.name;
@@ -165,19 +171,16 @@ ParentalControl::Scheme ParentalControl::Add(const std::string& name, const std:
 void ParentalControl::SetThreshold(const std::string& schemeName, const std::string& value) {
     const Scheme scheme = Find(schemeName);
     if (!scheme) throw Refused("there is no such rating scheme");
+    const auto threshold = Threshold(*scheme, value);
+    if (schemeName == kSchemeDvbSi) return mPreferences.Set(Preference::RatingAge, threshold ? threshold->value : 0);
     const auto before = scheme->threshold;
-    scheme->threshold = Threshold(*scheme, value);
+    scheme->threshold = threshold;
     try {
         Save();
     } catch (...) {
         scheme->threshold = before;
         throw;
     }
-}
-
-int ParentalControl::LocalRating() const {
-    const Scheme scheme = Find(kDvbSi);
-    return scheme->threshold ? scheme->threshold->value : 0;
 }
 
 bool ParentalControl::Blocks(const Rating& rating) const {

@@ -1,5 +1,5 @@
 // How programmes are rated for minors, and from which rating on the parents block them: rating schemes with their
-// thresholds. What is set or added lasts.
+// thresholds. What is set or added lasts. The threshold of dvb-si is an age, and is the rating age of the preferences.
 #pragma once
 
 #include <memory>
@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/preferences.h"
 #include "platform/rating.h"
 #include "platform/state_store.h"
 
@@ -30,7 +31,10 @@ class ParentalControl {
   public:
     using Scheme = std::shared_ptr<RatingScheme>;
 
-    explicit ParentalControl(const StateStore& store);
+    // The preferences live longer, and are watched.
+    ParentalControl(const StateStore& store, Preferences& preferences);
+    ParentalControl(const ParentalControl&) = delete;
+    ParentalControl& operator=(const ParentalControl&) = delete;
 
     // Those of the television, and behind them those that were added.
     const std::vector<Scheme>& Schemes() const { return mSchemes; }
@@ -43,16 +47,15 @@ class ParentalControl {
     // From this value on; empty: none is blocked. Throws Refused, and CannotKeep when nothing was changed.
     void SetThreshold(const std::string& scheme, const std::string& value);
 
-    // The age from which on the parents block, 0 when they do not.
-    int LocalRating() const;
-
     bool Blocks(const Rating& rating) const;
 
   private:
     void Take(const Json::Value& document);
     void Save() const;
+    void FollowRatingAge();
 
     const StateStore& mStore;
+    Preferences& mPreferences;
     std::vector<Scheme> mSchemes;
 };
 

@@ -73,6 +73,11 @@ std::function<bool(const Json::Value&)> From(Json::Int64 first, Json::Int64 last
     return [first, last](const Json::Value& value) { return value.asInt64() >= first && value.asInt64() <= last; };
 }
 
+// The ages that a rating of DVB can say, or none.
+bool IsRatingAge(const Json::Value& value) {
+    return value.asInt64() == 0 || From(4, 18)(value);
+}
+
 bool AreNetworkIds(const Json::Value& list) {
     return std::all_of(list.begin(), list.end(), From(0, 65535));
 }
@@ -102,7 +107,7 @@ const std::vector<Rule>& Rules() {
         {P::Subtitles, "subtitles", false, onOff, IsAnything},
         {P::AudioDescription, "audio-description", false, onOff, IsAnything},
         {P::HearingImpaired, "hearing-impaired", false, onOff, IsAnything},
-        {P::RatingAge, "rating-age", 0, "0 to 18", From(0, 18)},
+        {P::RatingAge, "rating-age", 18, "4 to 18, or 0", IsRatingAge},
         {P::DoNotTrack, "do-not-track", 0, "0 to 2", From(0, 2)},
         {P::CookiePolicy, "cookie-policy", 0, "0 to 2", From(0, 2)},
         {P::PersistentStorage, "persistent-storage", 1, "0 or 1", From(0, 1)},
@@ -221,7 +226,7 @@ void Preferences::Set(Preference preference, Json::Value value) {
     mKept = std::move(kept);
     if (mValues[preference] == value) return;
     mValues[preference] = std::move(value);
-    onChange(preference);
+    for (const auto& onChange : mWatchers) onChange(preference);
 }
 
 void Preferences::SetFromText(const std::string& name, const std::string& text) {

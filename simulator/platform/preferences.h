@@ -53,8 +53,7 @@ class Preferences {
     // A text, an integer, true or false, or a list of integers: what a preference is does not change.
     const Json::Value& Get(Preference preference) const { return mValues.at(preference); }
 
-    // Calls onChange when the value is another one than before. Throws Refused when the preference cannot have this
-    // value; CannotKeep, and then nothing has changed.
+    // Throws Refused when the preference cannot have this value; CannotKeep, and then nothing has changed.
     void Set(Preference preference, Json::Value value);
 
     // The same as people write it: "deu,eng", "7", "on". Refuses names that no preference has.
@@ -63,7 +62,8 @@ class Preferences {
 
     static std::vector<std::string> Names();
 
-    std::function<void(Preference)> onChange = [](Preference) {};
+    // `onChange` is called whenever a preference has another value than before, for as long as the preferences live.
+    void Watch(std::function<void(Preference)> onChange) { mWatchers.push_back(std::move(onChange)); }
 
   private:
     void Take(const Json::Value& document);
@@ -71,6 +71,7 @@ class Preferences {
     const StateStore& mStore;
     std::map<Preference, Json::Value> mValues;
     Json::Value mKept{Json::objectValue};  // by name, what was ever set
+    std::vector<std::function<void(Preference)>> mWatchers;
 };
 
 }  // namespace hbbtv::sim

@@ -9,18 +9,12 @@
 
 namespace hbbtv::sim {
 
-const char* const kSchemeDvbSi = "dvb-si";
-const char* const kSchemeFsk = "urn:oipf:GermanyFSKCS";
-const char* const kSchemeMpaa = "urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001";
-
 namespace {
 
-std::string DvbUrl(const Service& service, int eventId) {
-    char text[64];
-    std::snprintf(text, sizeof(text), "dvb://%x.%x.%x;%x", static_cast<unsigned>(service.onid),
-                  static_cast<unsigned>(service.tsid), static_cast<unsigned>(service.sid),
-                  static_cast<unsigned>(eventId));
-    return text;
+std::string DvbEventUrl(const Service& service, int eventId) {
+    char event[16];
+    std::snprintf(event, sizeof(event), ";%x", static_cast<unsigned>(eventId));
+    return DvbUrl(service) + event;
 }
 
 // Characters that may not stand in an address as they are become their number.
@@ -45,7 +39,7 @@ std::shared_ptr<Programme> MakeProgramme(std::shared_ptr<const Service> service,
     programme->duration = static_cast<int>(onAir.to - onAir.from);
     programme->channelId = CcidOf(*service);
     if (service->uri.empty()) {
-        programme->id = DvbUrl(*service, eventId);
+        programme->id = DvbEventUrl(*service, eventId);
     } else {
         programme->id = "crid://iptv.example/" + Escaped(service->uri) + "/" + std::to_string(eventId);
         programme->idType = static_cast<int>(ProgrammeIdType::TvaCrid);

@@ -23,11 +23,6 @@ struct TimeRange {
 // The last second that the interface can say.
 constexpr std::time_t kLastTime = INT32_MAX;
 
-// Schemes of OIPF DAE volumes 3 and 5.
-extern const char* const kSchemeDvbSi;
-extern const char* const kSchemeFsk;
-extern const char* const kSchemeMpaa;
-
 // Values of OIPF DAE volume 5.
 enum class ProgrammeIdType { TvaCrid = 0, DvbEvent = 1, TvaGroupCrid = 2 };
 

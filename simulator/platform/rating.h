@@ -8,6 +8,11 @@
 
 namespace hbbtv::sim {
 
+// Schemes of OIPF DAE volumes 3 and 5.
+inline constexpr const char* kSchemeDvbSi = "dvb-si";
+inline constexpr const char* kSchemeFsk = "urn:oipf:GermanyFSKCS";
+inline constexpr const char* kSchemeMpaa = "urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001";
+
 // OIPF DAE volume 5: of the scheme dvb-si the value is the minimum age, of the others the position in the scheme.
 struct Rating {
     std::string scheme;

@@ -1,6 +1,8 @@
 // Channels of services: see service_channels.h.
 #include "platform/service_channels.h"
 
+#include <cstdio>
+
 namespace hbbtv::sim {
 
 namespace {
@@ -29,6 +31,13 @@ std::string CcidOf(const Service& service) {
     if (!service.uri.empty()) return "ccid:" + service.uri;
     return "ccid:" + std::to_string(service.onid) + "." + std::to_string(service.tsid) + "." +
            std::to_string(service.sid);
+}
+
+std::string DvbUrl(const Service& service) {
+    char text[40];
+    std::snprintf(text, sizeof(text), "dvb://%x.%x.%x", static_cast<unsigned>(service.onid),
+                  static_cast<unsigned>(service.tsid), static_cast<unsigned>(service.sid));
+    return text;
 }
 
 ServiceChannels::ServiceChannels(const LineUp& lineUp) {

@@ -14,6 +14,9 @@ namespace hbbtv::sim {
 // "ccid:" and onid, tsid and sid, or the address of an IP service.
 std::string CcidOf(const Service& service);
 
+// "dvb://1.3fb.283d": onid, tsid and sid, hexadecimal. Of a broadcast service.
+std::string DvbUrl(const Service& service);
+
 class ServiceChannels {
   public:
     explicit ServiceChannels(const LineUp& lineUp);

@@ -115,7 +115,6 @@ std::optional<StreamCode> PictureCode(const Component& component) {
     if (StartsWith(encoding, "AVC_HD_")) return StreamCode{0xf5, static_cast<uint8_t>(0x0b + rate)};
     if (StartsWith(encoding, "AVC_")) return StreamCode{0xf5, type(0)};
     if (StartsWith(encoding, "HEVC_UHD_")) return StreamCode{0x09, 0x04};
-    if (StartsWith(encoding, "HEVC_")) return StreamCode{0x09, static_cast<uint8_t>(rate == 0 ? 0x00 : 0x02)};
     return std::nullopt;
 }
 

@@ -82,7 +82,7 @@ Tv::Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theStat
           state, Brought(lineUp), [this](const std::string& ccid) { return serviceChannels.WithCcid(ccid); })),
       preferences(state, TerrestrialNetworkIds(lineUp)),
       guide(theGuide ? std::move(theGuide) : std::make_unique<Schedule>(seed.value_or(0))),
-      parentalControl(state),
+      parentalControl(state, preferences),
       device(state, seed),
       handleSource(seed),
       channels(handleSource),

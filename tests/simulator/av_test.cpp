@@ -21,7 +21,7 @@ class AvComponents : public AvPlatform {
     }
 
     Json::Value Get(const std::string& component, int method, const char* member) {
-        const Json::Value reply = Ask(To::Component, method, {{"handle", component}});
+        const Json::Value reply = AskAt(kToComponent, method, {{"handle", component}});
         EXPECT_EQ(reply["ret"], 0) << method;
         return reply[member];
     }
@@ -87,14 +87,14 @@ TEST_F(AvComponents, AreReleasedByEitherFormAndRefusedThen) {
     const std::string vb = Presenting(1);
     const std::string asked = ComponentOf(vb, 0, 0);
     const std::string sent = ComponentOf(vb, 1, 0);
-    EXPECT_EQ(Ret(To::Component, 0, {{"handle", asked}}), 0);
-    Send(To::Component, 0, {{"handle", sent}});
+    EXPECT_EQ(RetAt(kToComponent, 0, {{"handle", asked}}), 0);
+    SendAt(kToComponent, 0, {{"handle", sent}});
     for (const std::string& handle : {asked, sent, vb, std::string("0x1"), std::string()}) {
         for (int method = 0; method <= 11; ++method) {
-            EXPECT_EQ(Ret(To::Component, method, {{"handle", handle}}), -1) << method << " " << handle;
+            EXPECT_EQ(RetAt(kToComponent, method, {{"handle", handle}}), -1) << method << " " << handle;
         }
     }
-    EXPECT_EQ(Ret(To::Component, 12, {{"handle", ComponentOf(vb, 0, 0)}}), -1) << "there is no such operation";
+    EXPECT_EQ(RetAt(kToComponent, 12, {{"handle", ComponentOf(vb, 0, 0)}}), -1) << "there is no such operation";
     EXPECT_NE(ComponentOf(vb, 1, 0), sent);
     EXPECT_EQ(Get(ComponentOf(vb, 1, 0), 1, "tag"), 7);
 }
@@ -133,33 +133,29 @@ class AvControl : public AvPlatform {
 
 TEST_F(AvControl, KeepsWhatTheBrowserTellsOfEachTypeInEitherForm) {
     EXPECT_EQ(Tell("components"), "error: the browser has not told of any");
-    EXPECT_EQ(Ret(To::Control, 0, Update(1, {Item(1, "HEAAC", "deu", 3, true), Item(1, "AC3", "fra", 4, false)}, 0)),
+    EXPECT_EQ(RetAt(kToAvControl, 0, Update(1, {Item(1, "HEAAC", "deu", 3, true), Item(1, "AC3", "fra", 4, false)}, 0)),
               0);
     EXPECT_EQ(Tell("components"),
               "ok audio 0: tag 3 HEAAC deu 2 channels active current; audio 1: tag 4 AC3 fra 2 channels");
     Json::Value subtitle = Item(2, "DVB-SUBT", "deu", 9, false);
     subtitle["impaired"] = true;
-    Send(To::Control, 0, Update(2, {subtitle}, -1));
+    SendAt(kToAvControl, 0, Update(2, {subtitle}, -1));
     Json::Value description = Item(1, "AC3", "fra", 4, false);
     description["desc"] = true;
-    EXPECT_EQ(Ret(To::Control, 0, Update(1, {description}, 0)), 0);
+    EXPECT_EQ(RetAt(kToAvControl, 0, Update(1, {description}, 0)), 0);
     EXPECT_EQ(Tell("components"),
               "ok audio 0: tag 4 AC3 fra 2 channels audio description current; "
               "subtitle 0: tag 9 DVB-SUBT deu hearing impaired");
-    EXPECT_EQ(Ret(To::Control, 0, Update(1, {}, 0)), 0);
+    EXPECT_EQ(RetAt(kToAvControl, 0, Update(1, {}, 0)), 0);
     EXPECT_EQ(Tell("components"), "ok audio: none; subtitle 0: tag 9 DVB-SUBT deu hearing impaired");
 }
 
 TEST_F(AvControl, AsksTheBrowserForTheComponentThatTheViewerSelects) {
     EXPECT_EQ(Tell("select audio 0"), "error: the browser has told of no audio components");
-    EXPECT_EQ(Ret(To::Control, 0, Update(1, {Item(1, "HEAAC", "deu", 3, true), Item(1, "AC3", "fra", 4, false)}, 0)),
+    EXPECT_EQ(RetAt(kToAvControl, 0, Update(1, {Item(1, "HEAAC", "deu", 3, true), Item(1, "AC3", "fra", 4, false)}, 0)),
               0);
     EXPECT_EQ(Tell("select audio 1"), "ok tag 4 AC3 fra 2 channels");
-    const auto event = mEvents->Next();
-    ASSERT_TRUE(event.has_value());
-    EXPECT_EQ(event->type, 1);
-    EXPECT_EQ(event->port, 19);
-    EXPECT_EQ(Parsed(event->text), Parsed(R"({"method": 1, "component_type": 1, "component_index": 1})"));
+    EXPECT_EQ(NextEventOf(*mEvents, 19), Parsed(R"({"method": 1, "component_type": 1, "component_index": 1})"));
     EXPECT_EQ(Tell("components"),
               "ok audio 0: tag 3 HEAAC deu 2 channels active current; audio 1: tag 4 AC3 fra 2 channels")
         << "until the browser has done it";
@@ -173,7 +169,7 @@ TEST_F(AvControl, AsksTheBrowserForTheComponentThatTheViewerSelects) {
 
 TEST_F(AvControl, RefusesUpdatesThatContradictThemselvesAndKeepsTheLastGoodOne) {
     const Json::Value good = Item(1, "HEAAC", "deu", 3, true);
-    EXPECT_EQ(Ret(To::Control, 0, Update(1, {good}, 0)), 0);
+    EXPECT_EQ(RetAt(kToAvControl, 0, Update(1, {good}, 0)), 0);
     std::vector<Members> wrong{Update(3, {}, 0), Update(-1, {}, 0), Update(1, {good}, 1), {}};
     for (const char* member : {"component_type", "component_count", "current_component_index", "components"}) {
         wrong.push_back(Update(1, {good}, 0));
@@ -193,8 +189,8 @@ TEST_F(AvControl, RefusesUpdatesThatContradictThemselvesAndKeepsTheLastGoodOne) 
     wrong.push_back(Update(1, {good}, 0));
     wrong.back()["component_count"] = 2u;
     wrong.push_back(Update(1, std::vector<Json::Value>(1001, good), 0));
-    for (size_t i = 0; i < wrong.size(); ++i) EXPECT_EQ(Ret(To::Control, 0, wrong[i]), -1) << i;
-    EXPECT_EQ(Ret(To::Control, 1, Update(1, {good}, 0)), -1) << "there is no such operation";
+    for (size_t i = 0; i < wrong.size(); ++i) EXPECT_EQ(RetAt(kToAvControl, 0, wrong[i]), -1) << i;
+    EXPECT_EQ(RetAt(kToAvControl, 1, Update(1, {good}, 0)), -1) << "there is no such operation";
     EXPECT_EQ(Tell("components"), "ok audio 0: tag 3 HEAAC deu 2 channels active current");
 }
 

@@ -14,19 +14,19 @@ class ChannelLists : public ChannelPlatform {
 
     std::string Triplet(const std::string& list, int onid, int tsid, int sid, int nid) {
         const std::string channel =
-            Handle(Of::ChannelList, 4, "channel",
-                   {{"cl_handle", list}, {"onid", onid}, {"tsid", tsid}, {"sid", sid}, {"nid", nid}});
+            HandleAt(kToChannelList, 4, "channel",
+                     {{"cl_handle", list}, {"onid", onid}, {"tsid", tsid}, {"sid", sid}, {"nid", nid}});
         return channel.empty() ? "none" : NameOf(channel);
     }
 
     std::string WithId(const std::string& list, const std::string& id) {
-        const std::string channel = Handle(Of::ChannelList, 3, "channel", {{"cl_handle", list}, {"channelID", id}});
+        const std::string channel = HandleAt(kToChannelList, 3, "channel", {{"cl_handle", list}, {"channelID", id}});
         return channel.empty() ? "none" : NameOf(channel);
     }
 
-    int SetList(const std::string& list) { return Ret(Of::ChannelConfig, 7, {{"list", list}}); }
+    int SetList(const std::string& list) { return RetAt(kToChannelConfig, 7, {{"list", list}}); }
 
-    void Register() { EXPECT_EQ(Ret(Of::ChannelConfig, 0, {{"context", "0xabc"}}), 0); }
+    void Register() { EXPECT_EQ(RetAt(kToChannelConfig, 0, {{"context", "0xabc"}}), 0); }
 
     // A line-up of so many services, numbered from 1.
     static std::string LineUpOf(int count) {
@@ -43,11 +43,11 @@ class ChannelLists : public ChannelPlatform {
 
 TEST_F(ChannelLists, TheListOfAllHoldsTheListedServicesInTheirOrder) {
     const std::string list = GetChannelList();
-    EXPECT_EQ(Ask(Of::ChannelList, 1, {{"cl_handle", list}})["len"], 7);
+    EXPECT_EQ(AskAt(kToChannelList, 1, {{"cl_handle", list}})["len"], 7);
     EXPECT_EQ(Names(list), "One Two Scrambled Dark Locked Shy Wave");
     EXPECT_EQ(GetChannelList(), list) << "one object, one handle";
     for (const int index : {-1, 7, 2147483647}) {
-        EXPECT_EQ(Ret(Of::ChannelList, 2, {{"cl_handle", list}, {"index", index}}), -1) << index;
+        EXPECT_EQ(RetAt(kToChannelList, 2, {{"cl_handle", list}, {"index", index}}), -1) << index;
     }
 }
 
@@ -81,7 +81,7 @@ TEST_F(ChannelLists, FindAChannelByItsSourceId) {
             .asString();
     const std::string list = CreateList({ChannelOf(1), made});
     const auto find = [&](const std::string& where, int sourceId) {
-        return Handle(Of::ChannelList, 5, "channel", {{"cl_handle", where}, {"sourceID", sourceId}});
+        return HandleAt(kToChannelList, 5, "channel", {{"cl_handle", where}, {"sourceID", sourceId}});
     };
     EXPECT_EQ(find(list, 77), made);
     EXPECT_EQ(find(list, 78), "");
@@ -101,13 +101,13 @@ TEST_F(ChannelLists, OfTheClientsOwnHoldWhatWasPutInAlsoTwice) {
 
 TEST_F(ChannelLists, OfTheClientsOwnNeedEveryChannelThatTheyAnnounce) {
     const std::string one = ChannelOf(1);
-    EXPECT_EQ(Ret(Of::ChannelConfig, 8, {{"size", 2u}, {"channel0", one}}), -1);
-    EXPECT_EQ(Ret(Of::ChannelConfig, 8, {{"size", 4294967295u}, {"channel0", one}}), -1);
-    EXPECT_EQ(Ret(Of::ChannelConfig, 8, {{"size", 1u}, {"channel0", ""}}), -1);
-    EXPECT_EQ(Ret(Of::ChannelConfig, 8, {{"size", 1u}, {"channel0", "0x1"}}), -1);
-    EXPECT_EQ(Ret(Of::ChannelConfig, 8, {{"size", 1u}, {"channel0", GetChannelList()}}), -1);
-    EXPECT_EQ(Ret(Of::ChannelConfig, 8, {{"size", -1}}), -1);
-    EXPECT_EQ(Ret(Of::ChannelConfig, 8, {}), -1);
+    EXPECT_EQ(RetAt(kToChannelConfig, 8, {{"size", 2u}, {"channel0", one}}), -1);
+    EXPECT_EQ(RetAt(kToChannelConfig, 8, {{"size", 4294967295u}, {"channel0", one}}), -1);
+    EXPECT_EQ(RetAt(kToChannelConfig, 8, {{"size", 1u}, {"channel0", ""}}), -1);
+    EXPECT_EQ(RetAt(kToChannelConfig, 8, {{"size", 1u}, {"channel0", "0x1"}}), -1);
+    EXPECT_EQ(RetAt(kToChannelConfig, 8, {{"size", 1u}, {"channel0", GetChannelList()}}), -1);
+    EXPECT_EQ(RetAt(kToChannelConfig, 8, {{"size", -1}}), -1);
+    EXPECT_EQ(RetAt(kToChannelConfig, 8, {}), -1);
 }
 
 TEST_F(ChannelLists, ComeToAnEndBeforeTheMemoryDoes) {
@@ -116,12 +116,12 @@ TEST_F(ChannelLists, ComeToAnEndBeforeTheMemoryDoes) {
     Members members{{"size", kLength}};
     for (unsigned i = 0; i < kLength; ++i) members["channel" + std::to_string(i)] = one;
     std::string list;
-    for (int i = 0; i < 10; ++i) list = Handle(Of::ChannelConfig, 8, "list", members);
-    EXPECT_EQ(Ask(Of::ChannelList, 1, {{"cl_handle", list}})["len"], 99999);
+    for (int i = 0; i < 10; ++i) list = HandleAt(kToChannelConfig, 8, "list", members);
+    EXPECT_EQ(AskAt(kToChannelList, 1, {{"cl_handle", list}})["len"], 99999);
     EXPECT_NE(CreateList({one, one, one}), "");
-    EXPECT_EQ(Ret(Of::ChannelConfig, 8, {{"size", 1u}, {"channel0", one}}), -1);
-    EXPECT_EQ(Ret(Of::ChannelList, 0, {{"cl_handle", list}}), 0);
-    EXPECT_EQ(Ret(Of::ChannelConfig, 8, members), 0);
+    EXPECT_EQ(RetAt(kToChannelConfig, 8, {{"size", 1u}, {"channel0", one}}), -1);
+    EXPECT_EQ(RetAt(kToChannelList, 0, {{"cl_handle", list}}), 0);
+    EXPECT_EQ(RetAt(kToChannelConfig, 8, members), 0);
 }
 
 TEST_F(ChannelLists, FilteredHoldTheChannelsWhoseEveryPropertyIsAsTheFlagSays) {
@@ -135,31 +135,31 @@ TEST_F(ChannelLists, FilteredHoldTheChannelsWhoseEveryPropertyIsAsTheFlagSays) {
     EXPECT_EQ(Names(Filtered(true, true, false, "fav:b")), "");
     EXPECT_EQ(Names(Filtered(false, false, false, "fav:a")), "Scrambled Dark Wave") << "no favourites, no list";
     const Members unknown{{"blocked", false}, {"favourite", true}, {"hidden", false}, {"favouriteListID", "fav:z"}};
-    EXPECT_EQ(Ret(Of::ChannelConfig, 9, unknown), -1);
-    EXPECT_EQ(Ret(Of::ChannelConfig, 9, {{"blocked", false}, {"favourite", true}, {"hidden", false}}), -1);
+    EXPECT_EQ(RetAt(kToChannelConfig, 9, unknown), -1);
+    EXPECT_EQ(RetAt(kToChannelConfig, 9, {{"blocked", false}, {"favourite", true}, {"hidden", false}}), -1);
 }
 
 TEST_F(ChannelLists, FilteredFollowWhatClientsSetWhileEarlierOnesStay) {
     const std::string before = Filtered(false, false, false);
-    EXPECT_EQ(Ret(Of::Channel, 35, {{"c_handle", ChannelOf(7)}, {"hidden", true}}), 0);
-    EXPECT_EQ(Ret(Of::Channel, 35, {{"c_handle", ChannelOf(6)}, {"hidden", false}}), 0);
-    EXPECT_EQ(Ret(Of::Channel, 12, {{"c_handle", ChannelOf(4)}, {"name", "Dim"}}), 0);
+    EXPECT_EQ(RetAt(kToChannel, 35, {{"c_handle", ChannelOf(7)}, {"hidden", true}}), 0);
+    EXPECT_EQ(RetAt(kToChannel, 35, {{"c_handle", ChannelOf(6)}, {"hidden", false}}), 0);
+    EXPECT_EQ(RetAt(kToChannel, 12, {{"c_handle", ChannelOf(4)}, {"name", "Dim"}}), 0);
     EXPECT_EQ(Names(Filtered(false, false, true)), "Wave");
     EXPECT_EQ(Names(Filtered(false, true, false)), "One Two Shy");
     EXPECT_EQ(Names(Filtered(false, false, false)), "Scrambled Dim");
     EXPECT_EQ(Names(before), "Scrambled Dim Wave");
     const std::string tea = FavouriteListOf("fav:b");
-    EXPECT_EQ(Ret(Of::FavouriteList, 9, {{"fl_handle", tea}, {"index", 0}, {"ccid", "ccid:1.1.4"}}), 0);
+    EXPECT_EQ(RetAt(kToFavouriteList, 9, {{"fl_handle", tea}, {"index", 0}, {"ccid", "ccid:1.1.4"}}), 0);
     EXPECT_EQ(Names(Filtered(false, true, false, "fav:b")), "One Two Dim") << "in the order of the channel list";
 }
 
 TEST_F(ChannelLists, ThatAreReleasedAreRefused) {
     const std::string all = GetChannelList();
-    EXPECT_EQ(Ret(Of::ChannelList, 0, {{"cl_handle", all}}), 0);
+    EXPECT_EQ(RetAt(kToChannelList, 0, {{"cl_handle", all}}), 0);
     const Members members{{"cl_handle", all}, {"index", 0},   {"channelID", "ccid:1.1.1"},
                           {"onid", 1},        {"tsid", 1},    {"sid", 1},
                           {"nid", -1},        {"sourceID", 1}};
-    for (int method = 0; method <= 5; ++method) EXPECT_EQ(Ret(Of::ChannelList, method, members), -1) << method;
+    for (int method = 0; method <= 5; ++method) EXPECT_EQ(RetAt(kToChannelList, method, members), -1) << method;
     EXPECT_EQ(SetList(all), -1);
     const std::string again = GetChannelList();
     EXPECT_NE(again, all);
@@ -172,11 +172,11 @@ TEST_F(ChannelLists, OfOtherKindsAreRefused) {
         Members members{{"cl_handle", handle}, {"index", 0},   {"channelID", "ccid:1.1.1"},
                         {"onid", 1},           {"tsid", 1},    {"sid", 1},
                         {"nid", -1},           {"sourceID", 1}};
-        for (int method = 0; method <= 5; ++method) EXPECT_EQ(Ret(Of::ChannelList, method, members), -1) << method;
+        for (int method = 0; method <= 5; ++method) EXPECT_EQ(RetAt(kToChannelList, method, members), -1) << method;
         EXPECT_EQ(SetList(handle), handle.empty() ? 0 : -1) << "the null handle stands for the list of all";
     }
-    EXPECT_EQ(Ret(Of::ChannelList, 6, {{"cl_handle", GetChannelList()}}), -1) << "there is no such operation";
-    EXPECT_EQ(Ret(Of::ChannelConfig, 10), -1);
+    EXPECT_EQ(RetAt(kToChannelList, 6, {{"cl_handle", GetChannelList()}}), -1) << "there is no such operation";
+    EXPECT_EQ(RetAt(kToChannelConfig, 10), -1);
 }
 
 TEST_F(ChannelLists, InUseIsWhatGetChannelListGivesAndZappingGoesThrough) {
@@ -192,14 +192,14 @@ TEST_F(ChannelLists, InUseIsWhatGetChannelListGivesAndZappingGoesThrough) {
     EXPECT_EQ(Tell("zap 6"), "ok Shy") << "hidden channels have a number";
 
     const std::string vb = NewObject();
-    EXPECT_NE(Handle(Of::ChannelConfig, 2, "handle"), "");
+    EXPECT_NE(HandleAt(kToChannelConfig, 2, "handle"), "");
     EXPECT_NE(AskOf(vb, kBindToCurrentChannel)["channel"], "");
     EXPECT_EQ(RetOf(vb, kNextChannel), 0);
-    EXPECT_EQ(NameOf(Handle(Of::ChannelConfig, 2, "handle")), "Two");
+    EXPECT_EQ(NameOf(HandleAt(kToChannelConfig, 2, "handle")), "Two");
     EXPECT_EQ(RetOf(vb, kPrevChannel), 0);
-    EXPECT_EQ(NameOf(Handle(Of::ChannelConfig, 2, "handle")), "Wave");
+    EXPECT_EQ(NameOf(HandleAt(kToChannelConfig, 2, "handle")), "Wave");
 
-    EXPECT_EQ(Ret(Of::ChannelList, 0, {{"cl_handle", list}}), 0);
+    EXPECT_EQ(RetAt(kToChannelList, 0, {{"cl_handle", list}}), 0);
     EXPECT_EQ(Names(GetChannelList()), "Wave Shy Two Wave One") << "it stays in use when its handle goes";
     EXPECT_EQ(SetList(""), 0) << "back to the list of all";
     EXPECT_EQ(GetChannelList(), all);
@@ -227,15 +227,15 @@ TEST_F(ChannelLists, WithAChannelThatIsNotReceivedZapToAnError) {
 }
 
 TEST_F(ChannelLists, TheBroadcastSupervisorIsAVideoBroadcastObjectOfTheTelevision) {
-    const std::string supervisor = Handle(Of::ChannelConfig, 4, "handle");
+    const std::string supervisor = HandleAt(kToChannelConfig, 4, "handle");
     EXPECT_NE(supervisor, "");
-    EXPECT_EQ(Handle(Of::ChannelConfig, 4, "handle"), supervisor);
+    EXPECT_EQ(HandleAt(kToChannelConfig, 4, "handle"), supervisor);
     EXPECT_EQ(RetOf(supervisor, kRegisterCallback, {{"context", "0x5"}}), 0);
     EXPECT_EQ(SetChannel(supervisor, ChannelOf(2)), 0);
     EXPECT_EQ(NextEvent(), "PlayState 1 0");
     EXPECT_EQ(RetOf(supervisor, kDestroy), -1);
-    EXPECT_EQ(Handle(Of::ChannelConfig, 4, "handle"), supervisor);
-    EXPECT_EQ(NameOf(Handle(Of::ChannelConfig, 2, "handle")), "Two");
+    EXPECT_EQ(HandleAt(kToChannelConfig, 4, "handle"), supervisor);
+    EXPECT_EQ(NameOf(HandleAt(kToChannelConfig, 2, "handle")), "Two");
 }
 
 TEST_F(ChannelLists, TellOfAnotherListInUse) {
@@ -245,7 +245,7 @@ TEST_F(ChannelLists, TellOfAnotherListInUse) {
     EXPECT_EQ(NextChange(), "L");
     EXPECT_EQ(SetList(list), 0) << "nothing changes, so nothing is told";
     EXPECT_EQ(SetList("0x1"), -1);
-    EXPECT_EQ(Ret(Of::Collection, 19, {{"flc_handle", Collection()}, {"favId", "fav:b"}}), 0);
+    EXPECT_EQ(RetAt(kToCollection, 19, {{"flc_handle", Collection()}, {"favId", "fav:b"}}), 0);
     EXPECT_EQ(NextChange(), "F");
     EXPECT_EQ(SetList(""), 0);
     EXPECT_EQ(NextChange(), "L");
@@ -255,13 +255,13 @@ TEST_F(ChannelLists, TellNobodyBeforeARegistrationAndAfterItsEnd) {
     const std::string list = CreateList({ChannelOf(1)});
     EXPECT_EQ(SetList(list), 0);
     Register();
-    EXPECT_EQ(Ret(Of::ChannelConfig, 1), 0);
+    EXPECT_EQ(RetAt(kToChannelConfig, 1), 0);
     EXPECT_EQ(SetList(""), 0);
-    EXPECT_EQ(Ret(Of::ChannelConfig, 1), 0) << "also without one";
+    EXPECT_EQ(RetAt(kToChannelConfig, 1), 0) << "also without one";
     Register();
-    EXPECT_EQ(Ret(Of::Collection, 19, {{"flc_handle", Collection()}, {"favId", "fav:b"}}), 0);
+    EXPECT_EQ(RetAt(kToCollection, 19, {{"flc_handle", Collection()}, {"favId", "fav:b"}}), 0);
     EXPECT_EQ(NextChange(), "F") << "the first event of all";
-    EXPECT_EQ(Ret(Of::ChannelConfig, 0), -1) << "without a context";
+    EXPECT_EQ(RetAt(kToChannelConfig, 0), -1) << "without a context";
 }
 
 TEST_F(ChannelLists, TellWhatIsChangedAtTheTelevision) {
@@ -319,13 +319,13 @@ TEST_F(LongChannelLists, Of10000ChannelsHoldThemAll) {
     const std::string all = GetChannelList();
     std::vector<std::string> channels;
     for (int i = 0; i < kServices; ++i) {
-        channels.push_back(Handle(Of::ChannelList, 2, "channel", {{"cl_handle", all}, {"index", i}}));
+        channels.push_back(HandleAt(kToChannelList, 2, "channel", {{"cl_handle", all}, {"index", i}}));
     }
     for (int i = kServices; i > 0; --i) channels.push_back(channels[static_cast<size_t>(i) - 1]);
     const std::string list = CreateList(channels);
-    EXPECT_EQ(Ask(Of::ChannelList, 1, {{"cl_handle", list}})["len"], 10000);
+    EXPECT_EQ(AskAt(kToChannelList, 1, {{"cl_handle", list}})["len"], 10000);
     for (int i = 0; i < 10000; ++i) {
-        EXPECT_EQ(Handle(Of::ChannelList, 2, "channel", {{"cl_handle", list}, {"index", i}}),
+        EXPECT_EQ(HandleAt(kToChannelList, 2, "channel", {{"cl_handle", list}, {"index", i}}),
                   channels[static_cast<size_t>(i)]);
     }
     EXPECT_EQ(SetList(list), 0);

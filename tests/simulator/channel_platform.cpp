@@ -36,20 +36,6 @@ const char* const kChannelLineUp = R"({
     ]
 })";
 
-namespace {
-
-const Endpoint& EndpointOf(Of family) {
-    static const std::map<Of, Endpoint> endpoints{
-        {Of::Channel, {"service_plugin_to_hbbtv_vb_chn", 2, 12}},
-        {Of::ChannelList, {"service_plugin_to_hbbtv_vb_chn_list", 4, 14}},
-        {Of::ChannelConfig, {"service_plugin_to_hbbtv_vb_chn_config", 3, 19}},
-        {Of::FavouriteList, {"service_plugin_to_hbbtv_vb_fav_list", 5, 15}},
-        {Of::Collection, {"service_plugin_to_hbbtv_vb_fav_list_collect", 6, 15}}};
-    return endpoints.at(family);
-}
-
-}  // namespace
-
 void ChannelPlatform::Begin(std::vector<std::string> options) {
     options.insert(options.end(), {"--tune-time", "0ms"});
     Start(options);
@@ -63,70 +49,53 @@ void ChannelPlatform::RestartRemembering() {
     BeginRemembering();
 }
 
-Json::Value ChannelPlatform::Ask(Of family, int method, const Members& members) {
-    return AskAt(EndpointOf(family), method, members);
-}
-
-std::string ChannelPlatform::Handle(Of family, int method, const char* member, const Members& members) {
-    const Json::Value reply = Ask(family, method, members);
-    EXPECT_EQ(reply["ret"], 0) << "method " << method << "\n" << mSimulator->Output();
-    EXPECT_TRUE(reply[member].isString()) << "method " << method;
-    return reply[member].asString();
-}
-
 std::string ChannelPlatform::FavouriteListOf(const std::string& favId) {
-    return Handle(Of::Collection, 15, "list", {{"flc_handle", Collection()}, {"favId", favId}});
+    return HandleAt(kToCollection, 15, "list", {{"flc_handle", Collection()}, {"favId", favId}});
 }
 
 std::string ChannelPlatform::CreateList(const std::vector<std::string>& channels) {
     Members members{{"size", static_cast<unsigned>(channels.size())}};
     for (size_t i = 0; i < channels.size(); ++i) members["channel" + std::to_string(i)] = channels[i];
-    return Handle(Of::ChannelConfig, 8, "list", members);
+    return HandleAt(kToChannelConfig, 8, "list", members);
 }
 
 std::string ChannelPlatform::Filtered(bool blocked, bool favourite, bool hidden, const std::string& favouriteListId) {
-    return Handle(
-        Of::ChannelConfig, 9, "handle",
+    return HandleAt(
+        kToChannelConfig, 9, "handle",
         {{"blocked", blocked}, {"favourite", favourite}, {"hidden", hidden}, {"favouriteListID", favouriteListId}});
 }
 
 std::string ChannelPlatform::ChannelOf(int sid) {
-    return Handle(Of::ChannelList, 4, "channel",
-                  {{"cl_handle", GetChannelList()}, {"onid", -1}, {"tsid", 1}, {"sid", sid}, {"nid", -1}});
+    return HandleAt(kToChannelList, 4, "channel",
+                    {{"cl_handle", GetChannelList()}, {"onid", -1}, {"tsid", 1}, {"sid", sid}, {"nid", -1}});
 }
 
-std::string ChannelPlatform::NamesOf(Of family, const char* handleMember, int itemMethod, const std::string& list) {
-    const unsigned length = Ask(family, 1, {{handleMember, list}})["len"].asUInt();
+std::string ChannelPlatform::NamesOf(const Endpoint& family, const char* handleMember, int itemMethod,
+                                     const std::string& list) {
+    const unsigned length = AskAt(family, 1, {{handleMember, list}})["len"].asUInt();
     std::string names;
     for (unsigned i = 0; i < length; ++i) {
         const int index = static_cast<int>(i);
         names += (i == 0 ? "" : " ") +
-                 NameOf(Handle(family, itemMethod, "channel", {{handleMember, list}, {"index", index}}));
+                 NameOf(HandleAt(family, itemMethod, "channel", {{handleMember, list}, {"index", index}}));
     }
     return names;
 }
 
 std::string ChannelPlatform::FavouriteIds() {
     const std::string collection = Collection();
-    const unsigned length = Ask(Of::Collection, 13, {{"flc_handle", collection}})["len"].asUInt();
+    const unsigned length = AskAt(kToCollection, 13, {{"flc_handle", collection}})["len"].asUInt();
     std::string ids;
     for (unsigned i = 0; i < length; ++i) {
         const std::string list =
-            Handle(Of::Collection, 14, "list", {{"flc_handle", collection}, {"index", static_cast<int>(i)}});
-        ids += (i == 0 ? "" : " ") + Ask(Of::FavouriteList, 2, {{"fl_handle", list}})["favId"].asString();
+            HandleAt(kToCollection, 14, "list", {{"flc_handle", collection}, {"index", static_cast<int>(i)}});
+        ids += (i == 0 ? "" : " ") + AskAt(kToFavouriteList, 2, {{"fl_handle", list}})["favId"].asString();
     }
     return ids;
 }
 
 std::string ChannelPlatform::NextChange() {
-    const auto frame = mConfigEvents->Next();
-    if (!frame) {
-        ADD_FAILURE() << "no event came\n" << mSimulator->Output();
-        return "";
-    }
-    EXPECT_EQ(frame->type, 1);
-    EXPECT_EQ(frame->port, 3);
-    const Json::Value event = Parsed(frame->text);
+    const Json::Value event = NextEventOf(*mConfigEvents, 3);
     EXPECT_EQ(event["event"], 0);
     EXPECT_EQ(event.getMemberNames(), (std::vector<std::string>{"event", "reserved"}));
     return event["reserved"].asString();

@@ -11,8 +11,6 @@ namespace hbbtv::test {
 // list "fav:a", All mine, holds Two, Locked and Shy; "fav:b", Tea, holds One and Two.
 extern const char* const kChannelLineUp;
 
-enum class Of { Channel, ChannelList, ChannelConfig, FavouriteList, Collection };
-
 class ChannelPlatform : public SimulatedPlatform {
   protected:
     ChannelPlatform() { mLineUp = kChannelLineUp; }
@@ -24,16 +22,9 @@ class ChannelPlatform : public SimulatedPlatform {
 
     std::string StateDirectory() const { return mDirectory / "state"; }
 
-    Json::Value Ask(Of family, int method, const Members& members = {});
-
-    int Ret(Of family, int method, const Members& members = {}) { return Ask(family, method, members)["ret"].asInt(); }
-
-    // The handle in the member of the reply; empty when there is none.
-    std::string Handle(Of family, int method, const char* member, const Members& members = {});
-
-    std::string GetChannelList() { return Handle(Of::ChannelConfig, 3, "handle"); }
-    std::string CurrentFavourites() { return Handle(Of::ChannelConfig, 6, "handle"); }
-    std::string Collection() { return Handle(Of::ChannelConfig, 5, "handle"); }
+    std::string GetChannelList() { return HandleAt(kToChannelConfig, 3, "handle"); }
+    std::string CurrentFavourites() { return HandleAt(kToChannelConfig, 6, "handle"); }
+    std::string Collection() { return HandleAt(kToChannelConfig, 5, "handle"); }
     std::string FavouriteListOf(const std::string& favId);
     std::string CreateList(const std::vector<std::string>& channels);
     std::string Filtered(bool blocked, bool favourite, bool hidden, const std::string& favouriteListId = "");
@@ -42,14 +33,14 @@ class ChannelPlatform : public SimulatedPlatform {
     std::string ChannelOf(int sid);
 
     // The names of a list's channels, in their order: "One Two".
-    std::string Names(const std::string& channelList) { return NamesOf(Of::ChannelList, "cl_handle", 2, channelList); }
-    std::string Favourites(const std::string& list) { return NamesOf(Of::FavouriteList, "fl_handle", 5, list); }
+    std::string Names(const std::string& channelList) { return NamesOf(kToChannelList, "cl_handle", 2, channelList); }
+    std::string Favourites(const std::string& list) { return NamesOf(kToFavouriteList, "fl_handle", 5, list); }
 
     // The ids of the favourite lists of the collection, in their order.
     std::string FavouriteIds();
 
     std::string NameOf(const std::string& channel) {
-        return Ask(Of::Channel, 13, {{"c_handle", channel}})["name"].asString();
+        return AskAt(kToChannel, 13, {{"c_handle", channel}})["name"].asString();
     }
 
     // What the next event of the channel configuration says: "L" or "F".
@@ -58,7 +49,7 @@ class ChannelPlatform : public SimulatedPlatform {
     std::unique_ptr<LibraryStandIn> mConfigEvents;
 
   private:
-    std::string NamesOf(Of family, const char* handleMember, int itemMethod, const std::string& list);
+    std::string NamesOf(const Endpoint& family, const char* handleMember, int itemMethod, const std::string& list);
 };
 
 }  // namespace hbbtv::test

@@ -12,14 +12,14 @@ class Channels : public ChannelPlatform {
 
     Json::Value OfHandle(const std::string& channel, int method, const char* member, Members members = {}) {
         members["c_handle"] = channel;
-        const Json::Value reply = Ask(test::Of::Channel, method, members);
+        const Json::Value reply = AskAt(kToChannel, method, members);
         EXPECT_EQ(reply["ret"], 0) << "method " << method;
         return reply[member];
     }
 
     int Set(const std::string& channel, int method, Members members) {
         members["c_handle"] = channel;
-        return Ret(test::Of::Channel, method, members);
+        return RetAt(kToChannel, method, members);
     }
 
     // As the video/broadcast family makes them.
@@ -110,11 +110,11 @@ TEST_F(Channels, TellInWhichFavouriteListsTheyAreAsTheseChange) {
     EXPECT_EQ(Set(two, 19, {{"index", 2u}}), -1);
     const std::string wave = ChannelOf(7);
     const std::string tea = FavouriteListOf("fav:b");
-    EXPECT_EQ(Ret(test::Of::FavouriteList, 9, {{"fl_handle", tea}, {"index", 0}, {"ccid", "ccid:2.1.7"}}), 0);
+    EXPECT_EQ(RetAt(kToFavouriteList, 9, {{"fl_handle", tea}, {"index", 0}, {"ccid", "ccid:2.1.7"}}), 0);
     EXPECT_EQ(OfHandle(wave, 17, "favourite"), true);
     EXPECT_EQ(OfHandle(wave, 18, "num"), 1);
     EXPECT_EQ(OfHandle(wave, 19, "name", {{"index", 0u}}), "fav:b");
-    EXPECT_EQ(Ret(test::Of::FavouriteList, 10, {{"fl_handle", tea}, {"index", 0}}), 0);
+    EXPECT_EQ(RetAt(kToFavouriteList, 10, {{"fl_handle", tea}, {"index", 0}}), 0);
     EXPECT_EQ(OfHandle(wave, 17, "favourite"), false);
     EXPECT_EQ(OfHandle(wave, 18, "num"), 0);
 }
@@ -126,7 +126,7 @@ TEST_F(Channels, KeepWhatClientsSetAndEveryHandleSeesIt) {
     EXPECT_EQ(Set(one, 28, {{"description", ""}}), 0);
     EXPECT_EQ(Set(one, 35, {{"hidden", true}}), 0);
     EXPECT_EQ(Set(one, 37, {{"url", "http://uno"}}), 0);
-    EXPECT_EQ(Ret(test::Of::Channel, 0, {{"c_handle", one}}), 0);
+    EXPECT_EQ(RetAt(kToChannel, 0, {{"c_handle", one}}), 0);
     const std::string again = ChannelOf(1);
     EXPECT_NE(again, one);
     EXPECT_EQ(NameOf(again), "Uno");
@@ -200,10 +200,10 @@ TEST_F(Channels, GiveTheirLogoInAnySizeThatIsOne) {
 TEST_F(Channels, AreTheSameHoweverTheyAreAskedFor) {
     const std::string fromList = ChannelOf(2);
     EXPECT_EQ(Make(11, 1, 1, 2, 0, ""), fromList);
-    EXPECT_EQ(Handle(test::Of::FavouriteList, 5, "channel", {{"fl_handle", FavouriteListOf("fav:a")}, {"index", 0}}),
+    EXPECT_EQ(HandleAt(kToFavouriteList, 5, "channel", {{"fl_handle", FavouriteListOf("fav:a")}, {"index", 0}}),
               fromList);
     EXPECT_EQ(Tell("zap 2"), "ok Two");
-    EXPECT_EQ(Handle(test::Of::ChannelConfig, 2, "handle"), fromList);
+    EXPECT_EQ(HandleAt(kToChannelConfig, 2, "handle"), fromList);
 }
 
 TEST_F(Channels, MadeByAClientOfNumbersThatNameNothingTellTheseNumbers) {
@@ -244,7 +244,7 @@ TEST_F(Channels, MadeByAClientOfNumbersThatNameNothingTellTheseNumbers) {
 
 TEST_F(Channels, AreRefusedByWrongHandlesInEveryOperation) {
     const std::string released = ChannelOf(1);
-    EXPECT_EQ(Ret(test::Of::Channel, 0, {{"c_handle", released}}), 0);
+    EXPECT_EQ(RetAt(kToChannel, 0, {{"c_handle", released}}), 0);
     const std::string list = GetChannelList();
     const Members members{{"name", "x"},    {"longname", "x"}, {"description", "x"}, {"num", 0u},
                           {"index", 0u},    {"genre", "x"},    {"hidden", true},     {"url", "x"},
@@ -254,7 +254,7 @@ TEST_F(Channels, AreRefusedByWrongHandlesInEveryOperation) {
             EXPECT_EQ(Set(handle, method, members), -1) << method << " " << handle;
         }
     }
-    EXPECT_EQ(Ret(test::Of::Channel, 42, members), -1) << "there is no such operation";
+    EXPECT_EQ(RetAt(kToChannel, 42, members), -1) << "there is no such operation";
     EXPECT_EQ(NameOf(ChannelOf(1)), "One");
 }
 

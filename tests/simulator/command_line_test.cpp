@@ -174,17 +174,17 @@ TEST_F(CommandLine, WithoutTraceItIsSilentAfterReady) {
 
 TEST_F(CommandLine, AFamilyThatStopsAnsweringIsSilentUntilItIsToldToAnswer) {
     Start({"--fault", "stop-answering:video_broadcast"});
-    mClient->Send(2, 1, R"({"type": 3, "method": 0, "context": "0x1"})");
+    Client().Send(2, 1, R"({"type": 3, "method": 0, "context": "0x1"})");
     EXPECT_EQ(Tell("answer video_broadcast"), "ok");
-    mClient->Send(2, 2, R"({"type": 3, "method": 0, "context": "0x1"})");
-    auto reply = mClient->Receive();
+    Client().Send(2, 2, R"({"type": 3, "method": 0, "context": "0x1"})");
+    auto reply = Client().Receive();
     ASSERT_TRUE(reply.has_value());
     EXPECT_EQ(reply->port, 2) << "the first request never gets a reply";
     EXPECT_EQ(Tell("stop-answering video_broadcast"), "ok");
-    mClient->Send(2, 3, R"({"type": 3, "method": 0, "context": "0x1"})");
+    Client().Send(2, 3, R"({"type": 3, "method": 0, "context": "0x1"})");
     EXPECT_EQ(Tell("answer video_broadcast"), "ok");
-    mClient->Send(2, 4, R"({"type": 3, "method": 0, "context": "0x1"})");
-    reply = mClient->Receive();
+    Client().Send(2, 4, R"({"type": 3, "method": 0, "context": "0x1"})");
+    reply = Client().Receive();
     ASSERT_TRUE(reply.has_value());
     EXPECT_EQ(reply->port, 4);
 }
@@ -206,6 +206,8 @@ TEST_F(CommandLine, TellAnswersWhatItRefusesAndEndsWithCode1) {
         EXPECT_EQ(outcome.output, entry.second);
     }
     EXPECT_EQ(Run({"--tell", "help"}).exitCode, 0);
+    EXPECT_EQ(Run({"--tell", "help zap"}).output, "ok zap next|previous|NUMBER: the viewer changes the channel\n");
+    EXPECT_EQ(Run({"--tell", "help zup"}).output, "error: there is no command \"zup\"; did you mean \"zap\"?\n");
     EXPECT_EQ(Run({"--tell", "zap 2"}).output, "ok Two\n");
     EXPECT_EQ(Run({"--tell", "zap previous"}).output, "ok One\n");
     EXPECT_EQ(Run({"--tell", "zap previous"}).output, "ok Locked\n");
@@ -229,7 +231,7 @@ TEST_F(CommandLine, AClosedOutputDoesNotEndIt) {
     mSimulator = std::make_unique<ChildProcess>(std::vector<std::string>{"sh", "-c", command});
     EXPECT_TRUE(WaitFor([&] { return RawClient(mRequestSocket).Connected(); }));
     close(reader);
-    mClient = std::make_unique<RawClient>(mRequestSocket);
+    CloseConnections();
     for (int i = 0; i < 20; ++i) EXPECT_EQ(Ask(kCreate, {{"context", "0x1"}})["ret"], 0);
     EXPECT_EQ(Stop(), 0);
 }

@@ -1,7 +1,6 @@
 // The preferences over the wire: each operation, what is refused, the events of changes from both sides, and what a
 // restart leaves of them.
 #include <filesystem>
-#include <fstream>
 
 #include "simulated_platform.h"
 
@@ -30,7 +29,6 @@ class Configuration : public SimulatedPlatform {
 
     void Begin() {
         Start({"--state", mDirectory / "state"});
-        mRequests = std::make_unique<RawClient>(mDirectory / "service_plugin_to_hbbtv_conf");
         if (!mEvents) mEvents = std::make_unique<LibraryStandIn>(mDirectory / "service_hbbtv_to_plugin_conf");
     }
 
@@ -39,22 +37,7 @@ class Configuration : public SimulatedPlatform {
         Begin();
     }
 
-    Json::Value Ask(int method, const Members& members = {}) {
-        Json::Value request;
-        request["type"] = 9;
-        request["method"] = method;
-        for (const auto& member : members) request[member.first] = member.second;
-        mRequests->Send(2, 12, request.toStyledString());
-        const auto reply = mRequests->Receive();
-        if (!reply) {
-            ADD_FAILURE() << "no reply to method " << method << "\n" << mSimulator->Output();
-            return Json::Value(Json::objectValue);
-        }
-        EXPECT_EQ(reply->type, 3);
-        EXPECT_EQ(reply->port, 12);
-        return Parsed(reply->text);
-    }
-
+    Json::Value Ask(int method, const Members& members = {}) { return AskAt(kToConfiguration, method, members); }
     int Ret(int method, const Members& members = {}) { return Ask(method, members)["ret"].asInt(); }
 
     // The value of a getter's only member.
@@ -77,18 +60,8 @@ class Configuration : public SimulatedPlatform {
     }
 
     // The next event: compared as a document, so nothing may be missing and nothing more may be there.
-    Json::Value Event() {
-        const auto frame = mEvents->Next();
-        if (!frame) {
-            ADD_FAILURE() << "no event came\n" << mSimulator->Output();
-            return Json::Value();
-        }
-        EXPECT_EQ(frame->type, 1);
-        EXPECT_EQ(frame->port, 12);
-        return Parsed(frame->text);
-    }
+    Json::Value Event() { return NextEventOf(*mEvents, 12); }
 
-    std::unique_ptr<RawClient> mRequests;
     std::unique_ptr<LibraryStandIn> mEvents;
 };
 
@@ -313,7 +286,7 @@ TEST_F(Configuration, ThatIsDamagedIsSetAside) {
           "{\"network-ids\": [1, \"2\"]}", "{\"subtitles\": 1}", "{\"device-id-time\": 1e300}", "nonsense"}) {
         EXPECT_EQ(SetAudio("fra"), 0);
         EXPECT_EQ(Stop(), 0);
-        std::ofstream(file) << text;
+        WriteFile(file, text);
         Begin();
         EXPECT_EQ(Audio(), "deu,eng") << text;
         EXPECT_EQ(NetworkIds(), "2 12290 12289") << text;
@@ -339,7 +312,8 @@ TEST_F(Configuration, SaysWhatItIsAndWhatItCannotBe) {
     EXPECT_EQ(Tell("get network-ids"), "ok 12290,12289");
     EXPECT_NE(Tell("get").find("country DEU; region 0; subtitles off"), std::string::npos);
     EXPECT_EQ(Tell("get contry"), "error: there is no preference \"contry\"; did you mean \"country\"?");
-    EXPECT_EQ(Tell("set rating-age 19"), "error: rating-age is 0 to 18");
+    EXPECT_EQ(Tell("set rating-age 19"), "error: rating-age is 4 to 18, or 0");
+    EXPECT_EQ(Tell("set rating-age 3"), "error: rating-age is 4 to 18, or 0");
     EXPECT_EQ(Tell("set subtitles yes"), "error: subtitles is on or off");
     EXPECT_EQ(Tell("set network-ids 1,,2"), "error: network-ids is at most 100 numbers from 0 to 65535, or none");
     EXPECT_EQ(Tell("set country"), "error: usage: set PREFERENCE VALUE");

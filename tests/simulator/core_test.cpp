@@ -1,4 +1,4 @@
-// Small parts of the simulator by themselves: frames, handles, names, the schedule, and events that wait for a reply.
+// Small parts of the simulator by themselves: frames, handles, names, and events that wait for a reply.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -9,7 +9,6 @@
 #include "core/event_sender.h"
 #include "core/handles.h"
 #include "core/json_text.h"
-#include "platform/schedule.h"
 #include "raw_peers.h"
 #include "scratch_directory.h"
 
@@ -115,52 +114,6 @@ TEST(NearestName, IsTheOneWithTheFewestChanges) {
     EXPECT_EQ(DidYouMean("x", {}), "");
 }
 
-class GeneratedSchedule : public testing::Test {
-  protected:
-    static constexpr std::time_t kDay = 86400;
-    static constexpr std::time_t kSomeDay = 20000 * kDay;
-
-    LineUp mLineUp = DefaultLineUp();
-    std::shared_ptr<const Service> mService = mLineUp.First();
-    Schedule mSchedule{0};
-};
-
-TEST_F(GeneratedSchedule, FillsADayWithoutGapAndOverlap) {
-    for (const auto& service : mLineUp.services) {
-        std::time_t end = kSomeDay;
-        for (const auto& programme : mSchedule.Between(service, kSomeDay, kSomeDay + kDay)) {
-            EXPECT_EQ(programme->start, end) << service->name;
-            EXPECT_GE(programme->duration, 600);
-            EXPECT_FALSE(programme->name.empty());
-            end = programme->start + programme->duration;
-        }
-        EXPECT_EQ(end, kSomeDay + kDay) << service->name;
-    }
-}
-
-TEST_F(GeneratedSchedule, KnowsWhatRunsAtEveryMinuteAndWhatFollows) {
-    for (std::time_t time = kSomeDay; time < kSomeDay + kDay + 7200; time += 60) {
-        const ProgrammeList both = mSchedule.NowAndNext(mService, time);
-        ASSERT_EQ(both.size(), 2u);
-        EXPECT_LE(both[0]->start, time);
-        EXPECT_GT(both[0]->start + both[0]->duration, time);
-        EXPECT_EQ(both[1]->start, both[0]->start + both[0]->duration);
-    }
-}
-
-TEST_F(GeneratedSchedule, IsTheSameForTheSameSeedAndAnotherForAnother) {
-    const auto names = [&](Schedule& schedule) {
-        std::string all;
-        for (const auto& programme : schedule.Between(mService, kSomeDay, kSomeDay + kDay))
-            all += programme->name + ",";
-        return all;
-    };
-    Schedule same(0);
-    Schedule other(1);
-    EXPECT_EQ(names(mSchedule), names(same));
-    EXPECT_NE(names(mSchedule), names(other));
-}
-
 // An event that asks for a reply. The loop runs on the test's thread, the library's end on another.
 class EventWithReply : public testing::Test {
   protected:
@@ -183,7 +136,7 @@ class EventWithReply : public testing::Test {
 
 TEST_F(EventWithReply, IsARequestWhoseReplyArrives) {
     test::LibraryStandIn served(mDirectory / "events");
-    std::optional<test::RawFrame> question;
+    std::optional<test::Frame> question;
     std::thread library([&] {
         question = served.Next();
         served.Reply("{\"ret\": 5}");

@@ -17,15 +17,15 @@ class DamagedInput : public SimulatedPlatform {
         another.Send(2, 7, R"({"type": 3, "method": 0, "context": "0x1"})");
         const auto reply = another.Receive();
         ASSERT_TRUE(reply.has_value()) << mSimulator->Output();
-        EXPECT_EQ(Parsed(reply->text)["ret"], 0);
+        EXPECT_EQ(Parsed(reply->payload)["ret"], 0);
         EXPECT_EQ(Stop(), 0);
     }
 
     // What the simulator replies to this text.
     Json::Value ReplyTo(const std::string& text) {
-        mClient->Send(2, 7, text);
-        const auto reply = mClient->Receive();
-        if (reply) return Parsed(reply->text);
+        Client().Send(2, 7, text);
+        const auto reply = Client().Receive();
+        if (reply) return Parsed(reply->payload);
         ADD_FAILURE() << "no reply\n" << mSimulator->Output();
         return {};
     }
@@ -76,7 +76,7 @@ TEST_F(DamagedInput, ALargeMessageWithinTheLimitIsRead) {
 TEST_F(DamagedInput, AHugeAnnouncedSizeClosesTheConnectionWithoutWaitingForTheBytes) {
     for (const uint32_t size : {0xffffffffu, 0x80000000u, 4194305u}) {
         RawClient client(mRequestSocket);
-        client.SendBytes(FrameBytes(size, 2, 7, "{}"));
+        client.SendBytes(HeaderBytes(size, 2, 7) + "{}");
         EXPECT_TRUE(client.SeesClose()) << size;
     }
     EXPECT_TRUE(mSimulator->WaitForOutput("announces 4294967295 bytes"));
@@ -86,7 +86,7 @@ TEST_F(DamagedInput, AnAnnouncedSizeTakesNoMemoryAheadOfItsBytes) {
     std::vector<std::unique_ptr<RawClient>> clients;
     for (int i = 0; i < 200; ++i) {
         clients.push_back(std::make_unique<RawClient>(mRequestSocket));
-        clients.back()->SendBytes(FrameBytes(4194304, 2, 7, "{"));  // 200 times the largest size: 800 MB
+        clients.back()->SendBytes(HeaderBytes(4194304, 2, 7) + "{");  // 200 times the largest size: 800 MB
     }
     EXPECT_EQ(Ask(kCreate, {{"context", "0x1"}})["ret"], 0);
     std::string line;
@@ -101,26 +101,26 @@ TEST_F(DamagedInput, AnAnnouncedSizeTakesNoMemoryAheadOfItsBytes) {
 
 TEST_F(DamagedInput, HalfAFrameIsWaitedForAndThenReadAsOne) {
     const std::string text = R"({"type": 3, "method": 0, "context": "0x1"})";
-    const std::string bytes = FrameBytes(static_cast<uint32_t>(text.size()), 2, 7, text);
-    for (const char byte : bytes) mClient->SendBytes(std::string(1, byte));
-    const auto reply = mClient->Receive();
+    const std::string bytes = FrameBytes(2, 7, text);
+    for (const char byte : bytes) Client().SendBytes(std::string(1, byte));
+    const auto reply = Client().Receive();
     ASSERT_TRUE(reply.has_value());
-    EXPECT_EQ(Parsed(reply->text)["ret"], 0);
+    EXPECT_EQ(Parsed(reply->payload)["ret"], 0);
 }
 
 TEST_F(DamagedInput, APeerThatLeavesInTheMiddleOfAFrameIsLogged) {
     for (const size_t length : {1u, 11u, 12u, 20u}) {
         RawClient client(mRequestSocket);
-        client.SendBytes(FrameBytes(100, 2, 7, std::string(50, ' ')).substr(0, length));
+        client.SendBytes((HeaderBytes(100, 2, 7) + std::string(50, ' ')).substr(0, length));
     }
     EXPECT_TRUE(mSimulator->WaitForOutput("left in the middle of a message"));
 }
 
 TEST_F(DamagedInput, APeerThatStopsSendingStillGetsItsReplies) {
-    mClient->Send(2, 7, R"({"type": 3, "method": 0, "context": "0x1"})");
-    mClient->CloseSending();
-    ASSERT_TRUE(mClient->Receive().has_value());
-    EXPECT_TRUE(mClient->SeesClose());
+    Client().Send(2, 7, R"({"type": 3, "method": 0, "context": "0x1"})");
+    Client().CloseSending();
+    ASSERT_TRUE(Client().Receive().has_value());
+    EXPECT_TRUE(Client().SeesClose());
 }
 
 TEST_F(DamagedInput, APeerThatLeavesWithoutReadingItsRepliesDisturbsNobody) {
@@ -130,22 +130,22 @@ TEST_F(DamagedInput, APeerThatLeavesWithoutReadingItsRepliesDisturbsNobody) {
 
 TEST_F(DamagedInput, OtherMessageTypesAreReadAndDropped) {
     for (const int type : {0, 3, 4, -1, 0x7fffffff}) {
-        mClient->Send(type, 7, R"({"type": 3, "method": 0, "context": "0x1"})");
+        Client().Send(type, 7, R"({"type": 3, "method": 0, "context": "0x1"})");
     }
     EXPECT_EQ(Ask(kCreate, {{"context", "0x1"}})["ret"], 0) << "the next reply is that of the next request";
 }
 
 TEST_F(DamagedInput, AOneWayMessageIsCarriedOutWithoutAReply) {
     const std::string vb = NewObject();
-    mClient->Send(1, 7, R"({"type": 3, "method": 15, "vb_handle": ")" + vb + R"(", "volume": 33})");
-    mClient->Send(1, 7, "nonsense");
+    Client().Send(1, 7, R"({"type": 3, "method": 15, "vb_handle": ")" + vb + R"(", "volume": 33})");
+    Client().Send(1, 7, "nonsense");
     EXPECT_EQ(AskOf(vb, kGetVolume)["volume"], 33);
 }
 
 TEST_F(DamagedInput, TheReplyEchoesWhateverPortTheRequestCarried) {
     for (const int port : {0, 7, -5, 0x7fffffff}) {
-        mClient->Send(2, port, R"({"type": 3, "method": 0, "context": "0x1"})");
-        const auto reply = mClient->Receive();
+        Client().Send(2, port, R"({"type": 3, "method": 0, "context": "0x1"})");
+        const auto reply = Client().Receive();
         ASSERT_TRUE(reply.has_value());
         EXPECT_EQ(reply->type, 3);
         EXPECT_EQ(reply->port, port);
@@ -155,10 +155,10 @@ TEST_F(DamagedInput, TheReplyEchoesWhateverPortTheRequestCarried) {
 TEST_F(DamagedInput, RequestsThatArriveTogetherAreAnsweredInOrder) {
     std::string bytes;
     const std::string text = R"({"type": 3, "method": 0, "context": "0x1"})";
-    for (int port = 0; port < 50; ++port) bytes += FrameBytes(static_cast<uint32_t>(text.size()), 2, port, text);
-    mClient->SendBytes(bytes);
+    for (int port = 0; port < 50; ++port) bytes += FrameBytes(2, port, text);
+    Client().SendBytes(bytes);
     for (int port = 0; port < 50; ++port) {
-        const auto reply = mClient->Receive();
+        const auto reply = Client().Receive();
         ASSERT_TRUE(reply.has_value());
         EXPECT_EQ(reply->port, port);
     }

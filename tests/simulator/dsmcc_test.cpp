@@ -3,21 +3,11 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "simulated_platform.h"
 
 namespace hbbtv::test {
 namespace {
-
-const Endpoint kDsmcc{"service_dsmcc_to_hbbtv", 2, 20};
-
-std::string ContentOf(const std::string& path) {
-    std::stringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
 
 // Codes of the events.
 enum { kArrived = 0, kChanged = 1, kMissing = 2, kLost = 3, kOnItsWay = 4 };
@@ -42,33 +32,20 @@ class Dsmcc : public SimulatedPlatform {
 
     // As the library asks: one-way.
     void Request(const std::string& url, const std::string& context = "0x5a10") {
-        if (!mRequests) mRequests = std::make_unique<RawClient>(mDirectory / kDsmcc.socket);
-        Json::Value request;
-        request["type"] = 20;
-        request["method"] = 0;
-        request["url"] = url;
-        request["context"] = context;
-        mRequests->Send(1, 2, request.toStyledString());
+        SendAt(kToDsmcc, 0, {{"url", url}, {"context", context}});
     }
 
     // With a reply, which a refusal shows in.
     int RequestAndWait(const std::string& url) {
-        return AskAt(kDsmcc, 0, {{"url", url}, {"context", "0x1"}})["ret"].asInt();
+        return AskAt(kToDsmcc, 0, {{"url", url}, {"context", "0x1"}})["ret"].asInt();
     }
 
     int ReleaseFile(const std::string& url, const std::string& context = "0x5a10") {
-        return AskAt(kDsmcc, 1, {{"url", url}, {"context", context}})["ret"].asInt();
+        return AskAt(kToDsmcc, 1, {{"url", url}, {"context", context}})["ret"].asInt();
     }
 
     Json::Value NextFileEvent() {
-        const auto frame = mFileEvents->Next();
-        if (!frame) {
-            ADD_FAILURE() << "no event came\n" << mSimulator->Output();
-            return Json::Value(Json::objectValue);
-        }
-        EXPECT_EQ(frame->type, 1);
-        EXPECT_EQ(frame->port, 2);
-        const Json::Value event = Parsed(frame->text);
+        const Json::Value event = NextEventOf(*mFileEvents, 2);
         EXPECT_EQ(event["method"], 4);
         EXPECT_EQ(event.getMemberNames(), (std::vector<std::string>{"context", "event", "filePath", "method", "url"}));
         return event;
@@ -86,7 +63,6 @@ class Dsmcc : public SimulatedPlatform {
     }
 
     std::unique_ptr<LibraryStandIn> mFileEvents;
-    std::unique_ptr<RawClient> mRequests;
 };
 
 const char* const kIndex = "dvb://1.1.1.17/index.html";
@@ -359,9 +335,9 @@ TEST_F(Dsmcc, WhatIsNoCarouselUrlIsRefused) {
     const std::string endless = "dvb://1.1.1.17/" + std::string(5000, 'x');
     EXPECT_EQ(RequestAndWait(endless), -1);
     Expect(kMissing, endless, "0x1");
-    EXPECT_EQ(AskAt(kDsmcc, 0, {{"url", kIndex}})["ret"], -1) << "no context";
-    EXPECT_EQ(AskAt(kDsmcc, 0, {{"context", "0x1"}})["ret"], -1) << "no URL";
-    EXPECT_EQ(AskAt(kDsmcc, 2, {{"url", kIndex}, {"context", "0x1"}})["ret"], -1) << "no such operation";
+    EXPECT_EQ(AskAt(kToDsmcc, 0, {{"url", kIndex}})["ret"], -1) << "no context";
+    EXPECT_EQ(AskAt(kToDsmcc, 0, {{"context", "0x1"}})["ret"], -1) << "no URL";
+    EXPECT_EQ(AskAt(kToDsmcc, 2, {{"url", kIndex}, {"context", "0x1"}})["ret"], -1) << "no such operation";
 }
 
 TEST_F(Dsmcc, AtMostAThousandFilesAreInUse) {

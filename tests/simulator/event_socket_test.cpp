@@ -28,7 +28,7 @@ TEST_F(EventSocket, AnEventIsAOneWayMessageOfPort7WithTheRegisteredContext) {
     ASSERT_TRUE(frame.has_value());
     EXPECT_EQ(frame->type, 1);
     EXPECT_EQ(frame->port, 7);
-    const Json::Value event = Parsed(frame->text);
+    const Json::Value event = Parsed(frame->payload);
     EXPECT_EQ(event.getMemberNames(), (std::vector<std::string>{"context", "event", "isFullScreen", "type"}));
     EXPECT_EQ(event["type"], "videobroadcast");
     EXPECT_EQ(event["event"], 3);

@@ -2,8 +2,6 @@
 #include <signal.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "channel_platform.h"
 
@@ -16,12 +14,12 @@ class FavouriteLists : public ChannelPlatform {
 
     int OfList(const std::string& list, int method, Members members = {}) {
         members["fl_handle"] = list;
-        return Ret(Of::FavouriteList, method, members);
+        return RetAt(kToFavouriteList, method, members);
     }
 
     int OfCollection(int method, Members members = {}) {
         members["flc_handle"] = Collection();
-        return Ret(Of::Collection, method, members);
+        return RetAt(kToCollection, method, members);
     }
 
     int Insert(const std::string& list, int index, const std::string& ccid) {
@@ -34,21 +32,21 @@ class FavouriteLists : public ChannelPlatform {
     int Activate(const std::string& favId) { return OfCollection(19, {{"favId", favId}}); }
 
     std::string Create(const std::string& name) {
-        return Handle(Of::Collection, 16, "list", {{"flc_handle", Collection()}, {"name", name}});
+        return HandleAt(kToCollection, 16, "list", {{"flc_handle", Collection()}, {"name", name}});
     }
 
     std::string ListName(const std::string& list) {
-        return Ask(Of::FavouriteList, 4, {{"fl_handle", list}})["name"].asString();
+        return AskAt(kToFavouriteList, 4, {{"fl_handle", list}})["name"].asString();
     }
 
     std::string IdOf(const std::string& list) {
-        return Ask(Of::FavouriteList, 2, {{"fl_handle", list}})["favId"].asString();
+        return AskAt(kToFavouriteList, 2, {{"fl_handle", list}})["favId"].asString();
     }
 
     std::string Find(const std::string& list, int method, const Members& members) {
         Members all = members;
         all["fl_handle"] = list;
-        const std::string channel = Handle(Of::FavouriteList, method, "channel", all);
+        const std::string channel = HandleAt(kToFavouriteList, method, "channel", all);
         return channel.empty() ? "none" : NameOf(channel);
     }
 
@@ -122,11 +120,11 @@ TEST_F(FavouriteLists, ThatAreRemovedAreNotFoundAnyMoreAndCannotBeCommitted) {
     EXPECT_EQ(Activate("fav:b"), -1);
     EXPECT_EQ(Commit(list), -1);
     EXPECT_EQ(Favourites(list), "One Two") << "who holds it can still read it";
-    EXPECT_EQ(Ask(Of::Channel, 17, {{"c_handle", ChannelOf(1)}})["favourite"], false);
+    EXPECT_EQ(AskAt(kToChannel, 17, {{"c_handle", ChannelOf(1)}})["favourite"], false);
 }
 
 TEST_F(FavouriteLists, InUseFollowActivationAndRemoval) {
-    EXPECT_EQ(Ret(Of::ChannelConfig, 0, {{"context", "0x1"}}), 0);
+    EXPECT_EQ(RetAt(kToChannelConfig, 0, {{"context", "0x1"}}), 0);
     EXPECT_EQ(Activate("fav:b"), 0);
     EXPECT_EQ(NextChange(), "F");
     EXPECT_EQ(CurrentFavourites(), FavouriteListOf("fav:b"));
@@ -154,8 +152,8 @@ TEST_F(FavouriteLists, AndCollectionsThatAreReleasedOrOfOtherKindsAreRefused) {
         Members all = members;
         all["fl_handle"] = handle;
         all["flc_handle"] = handle;
-        for (int method = 0; method <= 11; ++method) EXPECT_EQ(Ret(Of::FavouriteList, method, all), -1) << method;
-        for (int method = 12; method <= 19; ++method) EXPECT_EQ(Ret(Of::Collection, method, all), -1) << method;
+        for (int method = 0; method <= 11; ++method) EXPECT_EQ(RetAt(kToFavouriteList, method, all), -1) << method;
+        for (int method = 12; method <= 19; ++method) EXPECT_EQ(RetAt(kToCollection, method, all), -1) << method;
     }
     EXPECT_NE(Collection(), collection);
     EXPECT_EQ(FavouriteIds(), "fav:a fav:b");
@@ -164,9 +162,9 @@ TEST_F(FavouriteLists, AndCollectionsThatAreReleasedOrOfOtherKindsAreRefused) {
 TEST_F(FavouriteLists, AndCollectionsShareATypeAndDivideItsCodes) {
     const std::string list = FavouriteListOf("fav:a");
     const std::string collection = Collection();
-    EXPECT_EQ(Ret(Of::Collection, 0, {{"fl_handle", list}, {"flc_handle", collection}}), -1);
-    EXPECT_EQ(Ret(Of::FavouriteList, 12, {{"fl_handle", list}, {"flc_handle", collection}}), -1);
-    EXPECT_EQ(Ret(Of::Collection, 20, {{"flc_handle", collection}}), -1);
+    EXPECT_EQ(RetAt(kToCollection, 0, {{"fl_handle", list}, {"flc_handle", collection}}), -1);
+    EXPECT_EQ(RetAt(kToFavouriteList, 12, {{"fl_handle", list}, {"flc_handle", collection}}), -1);
+    EXPECT_EQ(RetAt(kToCollection, 20, {{"flc_handle", collection}}), -1);
     EXPECT_EQ(Favourites(list), "Two Locked Shy");
 }
 
@@ -187,7 +185,7 @@ TEST_F(FavouriteLists, CommittedOutlastTheSimulator) {
     EXPECT_EQ(ListName(FavouriteListOf("fav:b")), "Tea \"\x01\xc3\xa9");
     EXPECT_EQ(Favourites(FavouriteListOf("fav:b")), "Wave One Two");
     EXPECT_EQ(Favourites(FavouriteListOf("fav:a")), "Two Locked Shy");
-    EXPECT_EQ(Ask(Of::Channel, 17, {{"c_handle", ChannelOf(7)}})["favourite"], true);
+    EXPECT_EQ(AskAt(kToChannel, 17, {{"c_handle", ChannelOf(7)}})["favourite"], true);
 }
 
 TEST_F(FavouriteLists, NotCommittedAreAsBeforeAfterARestart) {
@@ -306,9 +304,7 @@ TEST_F(FavouriteLists, WhoseStateIsDamagedComeFromTheLineUpAndNothingIsWrittenOv
         EXPECT_TRUE(mSimulator->WaitForOutput("it is now " + aside));
         EXPECT_EQ(FavouriteIds(), "fav:a fav:b");
         EXPECT_FALSE(std::filesystem::exists(StateFile()));
-        std::stringstream kept;
-        kept << std::ifstream(StateDirectory() + "/" + aside).rdbuf();
-        EXPECT_EQ(kept.str(), damaged[i]);
+        EXPECT_EQ(ContentOf(StateDirectory() + "/" + aside), damaged[i]);
         EXPECT_EQ(Stop(), 0);
     }
     BeginRemembering();

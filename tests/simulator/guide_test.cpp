@@ -5,6 +5,7 @@
 
 #include "platform/listed_guide.h"
 #include "platform/schedule.h"
+#include "walked_guide.h"
 
 namespace hbbtv::sim {
 namespace {
@@ -47,22 +48,21 @@ TEST_F(ListedProgrammes, AreNowAndNextWithGaps) {
 }
 
 TEST_F(ListedProgrammes, AreInARangeWhenTheyAreOnAirWithinIt) {
-    EXPECT_EQ(Names(mGuide.Between(mService, 0, 1000)), (Texts{"100", "200", "400"}));
-    EXPECT_EQ(Names(mGuide.Between(mService, 199, 201)), (Texts{"100", "200"}));
-    EXPECT_EQ(Names(mGuide.Between(mService, 200, 400)), Texts{"200"});
-    EXPECT_EQ(Names(mGuide.Between(mService, 300, 400)), Texts());
-    EXPECT_EQ(Names(mGuide.Between(mService, 400, 100)), Texts());
-    EXPECT_EQ(Names(mGuide.Between(mService, 150, 150)), Texts());
+    EXPECT_EQ(Names(Walked(mGuide, mService, {0, 1000})), (Texts{"100", "200", "400"}));
+    EXPECT_EQ(Names(Walked(mGuide, mService, {199, 201})), (Texts{"100", "200"}));
+    EXPECT_EQ(Names(Walked(mGuide, mService, {200, 400})), Texts{"200"});
+    EXPECT_EQ(Names(Walked(mGuide, mService, {300, 400})), Texts());
+    EXPECT_EQ(Names(Walked(mGuide, mService, {400, 100})), Texts());
+    EXPECT_EQ(Names(Walked(mGuide, mService, {150, 150})), Texts());
 }
 
-TEST_F(ListedProgrammes, AreSearchedServiceByService) {
-    const auto all = [](const Programme&) { return true; };
-    EXPECT_EQ(Names(mGuide.Search({mOther, mService}, mGuide.Known(0), all)), (Texts{"", "100", "200", "400"}));
-    EXPECT_EQ(Names(mGuide.Search({mService, mOther}, mGuide.Known(0), all, 2)), (Texts{"100", "200"}));
-    EXPECT_EQ(Names(mGuide.Search({mService}, {200, 300}, all)), Texts{"200"});
-    EXPECT_EQ(Names(mGuide.Search({mService}, {0, 1000}, [](const Programme& p) { return p.eventId == 400; })),
-              Texts{"400"});
-    EXPECT_EQ(mGuide.Search({mService}, {0, 1000}, all, 0).size(), 0u);
+TEST_F(ListedProgrammes, AreWalkedThroughUntilTheVisitorHasEnough) {
+    ProgrammeList seen;
+    mGuide.Walk(mService, {0, 1000}, [&](const std::shared_ptr<Programme>& programme) {
+        seen.push_back(programme);
+        return programme->name != "200";
+    });
+    EXPECT_EQ(Names(seen), (Texts{"100", "200"}));
 }
 
 TEST_F(ListedProgrammes, AreKnownFromTheFirstToTheLast) {
@@ -89,9 +89,45 @@ TEST_F(MadeUpProgrammes, AreKnownForAWeekAndFromYesterdayOn) {
     EXPECT_EQ(known.to, kSomeDay + 8 * kDay);
 }
 
+TEST_F(MadeUpProgrammes, FillADayWithoutGapAndOverlap) {
+    for (const auto& service : mLineUp.services) {
+        std::time_t end = kSomeDay;
+        for (const auto& programme : Walked(mSchedule, service, {kSomeDay, kSomeDay + kDay})) {
+            EXPECT_EQ(programme->start, end) << service->name;
+            EXPECT_GE(programme->duration, 600);
+            EXPECT_FALSE(programme->name.empty());
+            end = programme->start + programme->duration;
+        }
+        EXPECT_EQ(end, kSomeDay + kDay) << service->name;
+    }
+}
+
+TEST_F(MadeUpProgrammes, RunAtEveryMinuteAndHaveOneThatFollows) {
+    for (std::time_t time = kSomeDay; time < kSomeDay + kDay + 7200; time += 60) {
+        const ProgrammeList both = mSchedule.NowAndNext(mService, time);
+        ASSERT_EQ(both.size(), 2u);
+        EXPECT_LE(both[0]->start, time);
+        EXPECT_GT(both[0]->start + both[0]->duration, time);
+        EXPECT_EQ(both[1]->start, both[0]->start + both[0]->duration);
+    }
+}
+
+TEST_F(MadeUpProgrammes, AreTheSameForTheSameSeedAndOthersForAnother) {
+    const auto names = [&](Schedule& schedule) {
+        std::string all;
+        for (const auto& programme : Walked(schedule, mService, {kSomeDay, kSomeDay + kDay}))
+            all += programme->name + ",";
+        return all;
+    };
+    Schedule same(0);
+    Schedule other(1);
+    EXPECT_EQ(names(mSchedule), names(same));
+    EXPECT_NE(names(mSchedule), names(other));
+}
+
 TEST_F(MadeUpProgrammes, HaveIdsThatAreTheirOwnForAMonthAndLonger) {
     std::map<std::string, int> ids;
-    const ProgrammeList month = mSchedule.Between(mService, kSomeDay, kSomeDay + 60 * kDay);
+    const ProgrammeList month = Walked(mSchedule, mService, {kSomeDay, kSomeDay + 60 * kDay});
     ASSERT_GT(month.size(), 60u);
     for (const auto& programme : month) ++ids[programme->id];
     EXPECT_EQ(ids.size(), month.size());
@@ -99,10 +135,10 @@ TEST_F(MadeUpProgrammes, HaveIdsThatAreTheirOwnForAMonthAndLonger) {
 }
 
 TEST_F(MadeUpProgrammes, EndAfterTwoMonthsAndAtTheEndsOfTime) {
-    const ProgrammeList all = mSchedule.Between(mService, kSomeDay, kLastTime);
+    const ProgrammeList all = Walked(mSchedule, mService, {kSomeDay, kLastTime});
     EXPECT_EQ(all.back()->onAir.to, kSomeDay + 62 * kDay);
-    EXPECT_EQ(mSchedule.Between(mService, INT64_MIN, INT64_MIN + 5).size(), 0u);
-    EXPECT_EQ(mSchedule.Between(mService, INT64_MAX - 5, INT64_MAX).size(), 0u);
+    EXPECT_EQ(Walked(mSchedule, mService, {INT64_MIN, INT64_MIN + 5}).size(), 0u);
+    EXPECT_EQ(Walked(mSchedule, mService, {INT64_MAX - 5, INT64_MAX}).size(), 0u);
     EXPECT_EQ(mSchedule.NowAndNext(mService, -1)[0]->onAir.from, 0);
 }
 
@@ -113,7 +149,7 @@ TEST_F(MadeUpProgrammes, ThatSomebodyHoldsOrHasChangedStayTheSameObjects) {
     std::weak_ptr<Programme> unused = mSchedule.NowAndNext(mService, kSomeDay + 2 * kDay)[0];
     ASSERT_FALSE(unused.expired());
     for (int i = 0; i < 70; ++i) {
-        mSchedule.Between(mService, kSomeDay + (100 + i * 62) * kDay, kSomeDay + (162 + i * 62) * kDay);
+        Walked(mSchedule, mService, {kSomeDay + (100 + i * 62) * kDay, kSomeDay + (162 + i * 62) * kDay});
     }
     EXPECT_TRUE(unused.expired()) << "4340 days are more than are kept";
     EXPECT_EQ(mSchedule.NowAndNext(mService, kSomeDay)[0], held);
@@ -122,7 +158,7 @@ TEST_F(MadeUpProgrammes, ThatSomebodyHoldsOrHasChangedStayTheSameObjects) {
 
 TEST_F(MadeUpProgrammes, HaveGenresAndSomeOfThemRatings) {
     size_t rated = 0;
-    for (const auto& programme : mSchedule.Between(mService, kSomeDay, kSomeDay + 7 * kDay)) {
+    for (const auto& programme : Walked(mSchedule, mService, {kSomeDay, kSomeDay + 7 * kDay})) {
         EXPECT_EQ(programme->genres.size(), 1u);
         EXPECT_EQ(programme->language, "eng");
         if (programme->name == "The Last Ferry") {

@@ -213,7 +213,7 @@ class ForeignLineUp : public SimulatedPlatform {
     void StartWith(const std::string& lineUp) {
         mSimulator = Launch({"--line-up", lineUp, "--tune-time", "0ms"});
         ASSERT_TRUE(mSimulator->WaitForOutput("ready\n")) << mSimulator->Output();
-        mClient = std::make_unique<RawClient>(mRequestSocket);
+        CloseConnections();
         ServeEvents();
     }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <map>
 
 namespace hbbtv::sim {
 namespace {
@@ -34,6 +35,25 @@ std::string Refusal(const std::string& text) {
     } catch (const BadLineUp& e) {
         const char* sentence = std::strchr(e.what(), ' ');
         return sentence == nullptr ? e.what() : sentence + 1;
+    }
+}
+
+TEST(LineUpEncodings, AreTheMediaFormatsOfTheirType) {
+    const std::map<std::string, std::vector<std::string>> encodings{
+        {"video",
+         {"AVC_HD_25", "AVC_HD_30", "AVC_SD_25", "AVC_SD_30", "AVC_SP_25", "AVC_SP_30", "AVC_3D_25", "AVC_3D_30",
+          "MPEG2_SD_25", "MPEG2_SD_30", "MPEG2_HD_25", "MPEG2_HD_30", "HEVC_UHD_25"}},
+        {"audio", {"HEAAC", "HEAAC2", "HEAAC_MPS", "MPEG1_L2", "AC3", "E-AC3", "DTS"}},
+        {"subtitle", {"DVB-SUBT", "EBU-SUBT", "CEA-SUBT", "3GPP-TT"}}};
+    for (const auto& [type, fitting] : encodings) {
+        for (const auto& [other, all] : encodings) {
+            for (const std::string& encoding : all) {
+                const std::string language = type == "video" ? "" : R"("language": "deu", )";
+                const std::string component = R"({"type": ")" + type + R"(", "tag": 1, "pid": 1, )" + language +
+                                              R"("encoding": ")" + encoding + "\"}";
+                EXPECT_EQ(Refusal(File(Service("", component))).empty(), type == other) << type << " " << encoding;
+            }
+        }
     }
 }
 

@@ -6,7 +6,6 @@
 namespace hbbtv::test {
 namespace {
 
-const Endpoint kManager{"service_plugin_to_hbbtv_pcm", 16, 13};
 const char* const kFsk = "urn:oipf:GermanyFSKCS";
 const char* const kMpaa = "urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001";
 
@@ -50,7 +49,7 @@ class ParentalControl : public SimulatedPlatform {
 
     Json::Value Of(const std::string& handle, int method, Members members = {}) {
         members["in_handle"] = handle;
-        return AskAt(kManager, method, members);
+        return AskAt(kToParentalControl, method, members);
     }
 
     int RetOfObject(const std::string& handle, int method, const Members& members = {}) {
@@ -58,10 +57,7 @@ class ParentalControl : public SimulatedPlatform {
     }
 
     std::string Handle(int method, const Members& members = {}) {
-        const Json::Value reply = AskAt(kManager, method, members);
-        EXPECT_EQ(reply["ret"], 0) << "method " << method << "\n" << mSimulator->Output();
-        EXPECT_TRUE(reply["out_handle"].isString());
-        return reply["out_handle"].asString();
+        return HandleAt(kToParentalControl, method, "out_handle", members);
     }
 
     std::string HandleOf(const std::string& handle, int method, Members members = {}) {
@@ -148,16 +144,49 @@ TEST_F(ParentalControl, HasAnIconForEachValueOfItsOwnSchemes) {
 }
 
 TEST_F(ParentalControl, TellsTheAgeThatIsSetAndTheCountry) {
-    Json::Value reply = AskAt(kManager, kLocalRating);
+    Json::Value reply = AskAt(kToParentalControl, kLocalRating);
     EXPECT_EQ(reply["parentRating"], 18);
     EXPECT_EQ(reply["countryCode"], "DEU");
     EXPECT_EQ(Tell("parental-threshold dvb-si 12"), "ok");
     EXPECT_EQ(Tell("set country FRA"), "ok");
-    reply = AskAt(kManager, kLocalRating);
+    reply = AskAt(kToParentalControl, kLocalRating);
     EXPECT_EQ(reply["parentRating"], 12);
     EXPECT_EQ(reply["countryCode"], "FRA");
     EXPECT_EQ(Tell("parental-threshold dvb-si none"), "ok");
-    EXPECT_EQ(AskAt(kManager, kLocalRating)["parentRating"], 0);
+    EXPECT_EQ(AskAt(kToParentalControl, kLocalRating)["parentRating"], 0);
+}
+
+TEST_F(ParentalControl, HasOneAgeWithThePreferencesWhoeverChangesIt) {
+    LibraryStandIn preferences(mDirectory / "service_hbbtv_to_plugin_conf");
+    const auto ages = [&] {
+        return AskAt(kToParentalControl, kLocalRating)["parentRating"].asString() + " " +
+               AskAt(kToConfiguration, 35)["age"].asString() + " " + ThresholdAt(0);
+    };
+    const auto event = [&] { return NextEventOf(preferences, 12); };
+    EXPECT_EQ(ages(), "18 18 dvb-si 18 18 0 ");
+    EXPECT_EQ(AskAt(kToConfiguration, 33)["ret"], 0);
+    EXPECT_EQ(Tell("parental-threshold dvb-si 12"), "ok");
+    EXPECT_EQ(event(), Parsed(R"({"event": 8, "age": 12})"));
+    EXPECT_EQ(ages(), "12 12 dvb-si 12 12 0 ");
+    EXPECT_EQ(Tell("set rating-age 16"), "ok");
+    EXPECT_EQ(event(), Parsed(R"({"event": 8, "age": 16})"));
+    EXPECT_EQ(ages(), "16 16 dvb-si 16 16 0 ");
+    EXPECT_EQ(Tell("parental-threshold dvb-si none"), "ok");
+    EXPECT_EQ(event(), Parsed(R"({"event": 8, "age": 0})"));
+    EXPECT_EQ(ages(), "0 0 none");
+    EXPECT_EQ(Tell("set rating-age 4"), "ok");
+    Restart();
+    EXPECT_EQ(ages(), "4 4 dvb-si 4 4 0 ");
+    EXPECT_EQ(Tell("set rating-age 0"), "ok");
+    Restart();
+    EXPECT_EQ(ages(), "0 0 none") << "the scheme's own 18 does not come back";
+}
+
+TEST_F(ParentalControl, BlocksFromTheAgeOfThePreferencesOn) {
+    ObjectIn("presenting");
+    EXPECT_EQ(Tell("set rating-age 12"), "ok");
+    EXPECT_EQ(RatingEvent("dvb-si 11", "ok")["blocked"], false);
+    EXPECT_EQ(RatingEvent("dvb-si 12", "ok blocked")["blocked"], true);
 }
 
 TEST_F(ParentalControl, KeepsSchemesThatAreAddedAndWhatTheParentsSet) {
@@ -174,7 +203,7 @@ TEST_F(ParentalControl, KeepsSchemesThatAreAddedAndWhatTheParentsSet) {
     EXPECT_EQ(ThresholdAt(0), "dvb-si 6 6 0 ");
     EXPECT_EQ(ThresholdAt(1), "none");
     EXPECT_EQ(ThresholdAt(3), "urn:x<&>\" strong 1 0 ");
-    EXPECT_EQ(AskAt(kManager, kLocalRating)["countryCode"], "ITA");
+    EXPECT_EQ(AskAt(kToParentalControl, kLocalRating)["countryCode"], "ITA");
     EXPECT_EQ(RetOfObject(SchemeAt(3), kIconUrl, {{"index", 2u}}), 0);
     EXPECT_EQ(RetOfObject(SchemeAt(3), kIconUrl, {{"index", 3u}}), -1);
 }
@@ -280,14 +309,14 @@ TEST_F(ParentalControl, RefusesHandlesThatAreReleasedUnknownOrOfAnotherKind) {
             EXPECT_EQ(RetOfObject("", method, members), -1) << method;
             EXPECT_EQ(RetOfObject("0x1", method, members), -1) << method;
             EXPECT_EQ(RetOfObject("x", method, members), -1) << method;
-            EXPECT_EQ(AskAt(kManager, method, members)["ret"], -1) << method << " without a handle";
+            EXPECT_EQ(AskAt(kToParentalControl, method, members)["ret"], -1) << method << " without a handle";
         }
     }
     for (const auto& [kind, ofKind] : methods) {
         for (const int method : ofKind) EXPECT_EQ(RetOfObject(kind, method, members), 0) << method;
         for (const int method : ofKind) EXPECT_EQ(RetOfObject(kind, method, members), -1) << method << " afterwards";
     }
-    EXPECT_EQ(AskAt(kManager, 1)["ret"], -1) << "there is no such operation";
+    EXPECT_EQ(AskAt(kToParentalControl, 1)["ret"], -1) << "there is no such operation";
 }
 
 }  // namespace

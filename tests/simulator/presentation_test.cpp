@@ -156,6 +156,13 @@ TEST_F(Presentation, TheTimeShiftModeIsAPreferenceFrom0To3) {
     EXPECT_EQ(AskOf(vb, kGetMaxOffset)["offset"], 1800000);
 }
 
+TEST_F(Presentation, TheTimeShiftModeOfANewObjectIsThePreferredOne) {
+    const std::string before = NewObject();
+    EXPECT_EQ(Tell("set time-shift-mode 3"), "ok");
+    EXPECT_EQ(AskOf(NewObject(), kGetTimeShiftMode)["mode"], 3);
+    EXPECT_EQ(AskOf(before, kGetTimeShiftMode)["mode"], 1);
+}
+
 TEST_F(Presentation, AChangeOfChannelEndsTimeShift) {
     const std::string vb = ObjectOnTwo();
     EXPECT_EQ(RetOf(vb, kPause), 0);
@@ -187,6 +194,23 @@ TEST_F(Presentation, TheComponentsAreThoseOfTheTunedService) {
     EXPECT_EQ(RetOf(vb, kGetComponentNum, {{"comType", 3}}), -1);
     EXPECT_EQ(RetOf(vb, kStop), 0);
     EXPECT_EQ(Count(vb, kGetComponentNum, 1), 0u);
+}
+
+TEST_F(Presentation, ThePreferencesChooseTheComponentsOfAServiceWhenItIsTuned) {
+    EXPECT_EQ(Tell("set audio-language ita,fra"), "ok");
+    EXPECT_EQ(Tell("set subtitles on"), "ok");
+    const std::string vb = ObjectOnTwo();
+    EXPECT_EQ(Active(vb, 1), Component(vb, 1, 1)) << "the French one";
+    EXPECT_EQ(Active(vb, 2), Component(vb, 2, 0));
+    EXPECT_EQ(Tell("set audio-language deu"), "ok");
+    EXPECT_EQ(Tell("set audio-description on"), "ok");
+    EXPECT_EQ(Tell("set subtitles off"), "ok");
+    EXPECT_EQ(Active(vb, 1), Component(vb, 1, 1)) << "until the service is tuned again";
+    EXPECT_EQ(EventsSoFar(vb), Events{});
+    EXPECT_EQ(SetChannel(vb, Channel(vb, 2)), 0);
+    EventsUntil("PlayState 2 0");
+    EXPECT_EQ(Active(vb, 1), Component(vb, 1, 2)) << "German, with audio description";
+    EXPECT_EQ(Count(vb, kGetActiveComponentNum, 2), 0u);
 }
 
 TEST_F(Presentation, SelectingAComponentReplacesTheOneOfItsType) {

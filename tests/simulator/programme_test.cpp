@@ -7,22 +7,22 @@ namespace {
 class Programmes : public AvPlatform {
   protected:
     Json::Value Get(const std::string& programme, int method, const char* member) {
-        const Json::Value reply = Ask(To::Programme, method, {{"handle", programme}});
+        const Json::Value reply = AskAt(kToProgramme, method, {{"handle", programme}});
         EXPECT_EQ(reply["ret"], 0) << method;
         return reply[member];
     }
 
     int Set(const std::string& programme, int method, const char* member, const Json::Value& value) {
-        return Ret(To::Programme, method, {{"handle", programme}, {member, value}});
+        return RetAt(kToProgramme, method, {{"handle", programme}, {member, value}});
     }
 
     int Want(const std::string& programme, int tag) {
-        return Ret(To::Programme, 79,
-                   {{"handle", programme}, {"in_descTag", tag}, {"in_descTagExt", 0}, {"in_priDataSpec", 0}});
+        return RetAt(kToProgramme, 79,
+                     {{"handle", programme}, {"in_descTag", tag}, {"in_descTagExt", 0}, {"in_priDataSpec", 0}});
     }
 
     std::string Descriptor(const std::string& programme, unsigned index) {
-        const Json::Value reply = Ask(To::Programme, 78, {{"handle", programme}, {"in_index", index}});
+        const Json::Value reply = AskAt(kToProgramme, 78, {{"handle", programme}, {"in_index", index}});
         EXPECT_EQ(reply["ret"], 0);
         const unsigned length = reply["length"].asUInt();
         EXPECT_EQ(reply.size(), length + 2) << "ret, length and a member for each byte";
@@ -90,7 +90,7 @@ TEST_F(Programmes, KeepWhatClientsSetAndStayWhereTheyAre) {
     EXPECT_EQ(Set(programme, 21, "in_channelID", "ccid:9"), 0);
     EXPECT_EQ(Set(programme, 30, "in_programID", "crid://a/b"), 0);
     EXPECT_EQ(Set(programme, 33, "in_programIDType", 2), 0);
-    EXPECT_EQ(Ret(To::Programme, 0, {{"handle", programme}}), 0);
+    EXPECT_EQ(RetAt(kToProgramme, 0, {{"handle", programme}}), 0);
     const std::string again = ProgrammeOf(vb, 0);
     EXPECT_NE(again, programme);
     EXPECT_EQ(Get(again, 1, "out_name"), odd);
@@ -113,10 +113,10 @@ TEST_F(Programmes, RefuseWhatMakesNoSense) {
     EXPECT_EQ(Set(programme, 3, "in_name", std::string(262145, 'x')), -1);
     EXPECT_EQ(Set(programme, 15, "in_startTime", 2147483648u), -1);
     for (const int method : {3, 9, 12, 15, 18, 21, 30, 33, 78, 79}) {
-        EXPECT_EQ(Ret(To::Programme, method, {{"handle", programme}}), -1) << method;
+        EXPECT_EQ(RetAt(kToProgramme, method, {{"handle", programme}}), -1) << method;
     }
     for (const int method : {2, 4, 8, 11, 14, 17, 20, 22, 27, 29, 32, 35, 75, 77, 80}) {
-        EXPECT_EQ(Ret(To::Programme, method, {{"handle", programme}}), -1) << "no operation " << method;
+        EXPECT_EQ(RetAt(kToProgramme, method, {{"handle", programme}}), -1) << "no operation " << method;
     }
     EXPECT_EQ(Get(programme, 1, "out_name"), "Long Day - The Start");
 }
@@ -127,8 +127,8 @@ TEST_F(Programmes, AreReleasedByEitherFormAndRefusedThen) {
     const std::string asked = ProgrammeOf(vb, 0);
     const std::string sent = ProgrammeOf(vb, 1);
     EXPECT_EQ(ProgrammeOf(vb, 0), asked) << "one handle for as long as it has any";
-    EXPECT_EQ(Ret(To::Programme, 0, {{"handle", asked}}), 0);
-    Send(To::Programme, 0, {{"handle", sent}});
+    EXPECT_EQ(RetAt(kToProgramme, 0, {{"handle", asked}}), 0);
+    SendAt(kToProgramme, 0, {{"handle", sent}});
     const Members members{{"in_name", "x"},   {"in_desc", "x"},      {"in_longDesc", "x"},  {"in_startTime", 1},
                           {"in_duration", 1}, {"in_channelID", "x"}, {"in_programID", "x"}, {"in_programIDType", 1},
                           {"in_index", 0u},   {"in_descTag", 0x4d},  {"in_descTagExt", 0},  {"in_priDataSpec", 0}};
@@ -136,7 +136,7 @@ TEST_F(Programmes, AreReleasedByEitherFormAndRefusedThen) {
         for (const std::string& handle : {asked, sent, vb, std::string("0x1"), std::string()}) {
             Members all = members;
             all["handle"] = handle;
-            EXPECT_EQ(Ret(To::Programme, method, all), -1) << method << " " << handle;
+            EXPECT_EQ(RetAt(kToProgramme, method, all), -1) << method << " " << handle;
         }
     }
     EXPECT_EQ(Get(ProgrammeOf(vb, 0), 1, "out_name"), "Long Day - The Start");
@@ -172,8 +172,8 @@ TEST_F(Programmes, GiveTheirDescriptorsByteByByte) {
               "DEU"
               "\x09")
         << "from 12";
-    EXPECT_EQ(Ret(To::Programme, 78, {{"handle", programme}, {"in_index", 6u}}), -1);
-    EXPECT_EQ(Ret(To::Programme, 78, {{"handle", programme}, {"in_index", 4294967295u}}), -1);
+    EXPECT_EQ(RetAt(kToProgramme, 78, {{"handle", programme}, {"in_index", 6u}}), -1);
+    EXPECT_EQ(RetAt(kToProgramme, 78, {{"handle", programme}, {"in_index", 4294967295u}}), -1);
 }
 
 TEST_F(Programmes, GiveOnlyTheDescriptorsOfATagOnceItIsAskedFor) {
@@ -185,9 +185,9 @@ TEST_F(Programmes, GiveOnlyTheDescriptorsOfATagOnceItIsAskedFor) {
     EXPECT_EQ(Descriptor(programme, 1),
               "\x50\x06\xf2\x03\x02"
               "deu");
-    EXPECT_EQ(Ret(To::Programme, 78, {{"handle", programme}, {"in_index", 2u}}), -1);
-    Send(To::Programme, 79,
-         {{"handle", programme}, {"in_descTag", 0x55}, {"in_descTagExt", -1}, {"in_priDataSpec", 9}});
+    EXPECT_EQ(RetAt(kToProgramme, 78, {{"handle", programme}, {"in_index", 2u}}), -1);
+    SendAt(kToProgramme, 79,
+           {{"handle", programme}, {"in_descTag", 0x55}, {"in_descTagExt", -1}, {"in_priDataSpec", 9}});
     EXPECT_EQ(Get(programme, 76, "out_num"), 1);
     EXPECT_EQ(Descriptor(programme, 0),
               "\x55\x04"
@@ -201,7 +201,7 @@ TEST_F(Programmes, GiveOnlyTheDescriptorsOfATagOnceItIsAskedFor) {
     EXPECT_EQ(Want(programme, -1), 0);
     EXPECT_EQ(Get(programme, 76, "out_num"), 6);
     EXPECT_EQ(Want(programme, 0x50), 0);
-    EXPECT_EQ(Ret(To::Programme, 0, {{"handle", programme}}), 0);
+    EXPECT_EQ(RetAt(kToProgramme, 0, {{"handle", programme}}), 0);
     EXPECT_EQ(Get(ProgrammeOf(vb, 0), 76, "out_num"), 6) << "it was asked with a handle that is gone";
 }
 

@@ -1,42 +1,34 @@
-// The two ends of the wire as a test needs them, made of system calls only: a client that sends what it is told to, and
-// a stand-in for the library's served event socket. Every wait has a deadline.
+// The two ends of the wire as a test of the simulator needs them: a client that sends what it is told to, and a
+// stand-in for the library's served event socket. Every wait has a deadline.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 
-#include "wait_for.h"
+#include "raw_socket.h"
 
 namespace hbbtv::test {
 
-struct RawFrame {
-    uint32_t size = 0;
-    int32_t type = 0;
-    int32_t port = 0;
-    std::string text;
-};
-
 class RawClient {
   public:
+    // Tries once to connect.
     explicit RawClient(const std::string& path);
-    ~RawClient();
-    RawClient(const RawClient&) = delete;
-    RawClient& operator=(const RawClient&) = delete;
 
-    bool Connected() const { return mFd >= 0; }
-    void SendBytes(const std::string& bytes);
-    void Send(int32_t type, int32_t port, const std::string& text);
-    std::optional<RawFrame> Receive();
+    bool Connected() const { return mConnection.Fd() >= 0; }
+
+    // What cannot be sent because the other side has closed shows in what it then does not answer.
+    void SendBytes(const std::string& bytes) { mConnection.Write(bytes); }
+    void Send(int type, int port, const std::string& text) { SendBytes(FrameBytes(type, port, text)); }
+    std::optional<Frame> Receive() { return mConnection.ReadFrame(); }
 
     // Whether the other side closed the connection, waiting for it. Nothing may be left to read.
-    bool SeesClose();
+    bool SeesClose() { return mConnection.PeerCloses(); }
 
     // No more bytes will come from here.
     void CloseSending();
 
   private:
-    int mFd;
+    RawConnection mConnection;
 };
 
 class LibraryStandIn {
@@ -47,20 +39,17 @@ class LibraryStandIn {
     LibraryStandIn& operator=(const LibraryStandIn&) = delete;
 
     // The next message from whoever connects.
-    std::optional<RawFrame> Next(std::chrono::milliseconds patience = kPatience);
+    std::optional<Frame> Next(std::chrono::milliseconds patience = kPatience);
 
     void Reply(const std::string& text);
 
     // Ends the connection, as the other process does when it dies; the socket stays served.
-    void Disconnect();
+    void Disconnect() { mConnection.reset(); }
 
   private:
     std::string mPath;
     int mListening;
-    int mFd = -1;
+    std::optional<RawConnection> mConnection;
 };
-
-// One frame's bytes with any header.
-std::string FrameBytes(uint32_t size, int32_t type, int32_t port, const std::string& text);
 
 }  // namespace hbbtv::test

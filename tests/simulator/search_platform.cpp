@@ -49,28 +49,10 @@ void SearchPlatform::BeginSearching(const std::string& programmes, const std::ve
     std::vector<std::string> all{"--programmes", mDirectory / "programmes.xml"};
     all.insert(all.end(), options.begin(), options.end());
     Begin(all);
-    mSearches = std::make_unique<RawClient>(mDirectory / "service_plugin_to_hbbtv_sm");
-    mProgrammes = std::make_unique<RawClient>(mDirectory / "service_plugin_to_hbbtv_program");
     mSearchEvents = std::make_unique<LibraryStandIn>(mDirectory / "service_hbbtv_to_plugin_sm");
     mManager = NewManager();
     mSearch = NewSearch(mManager);
     mResults = Made(mSearch, kGetResult);
-}
-
-Json::Value SearchPlatform::Asked(int method, const Members& members) {
-    Json::Value request;
-    request["type"] = 0;
-    request["method"] = static_cast<unsigned>(method);
-    for (const auto& member : members) request[member.first] = member.second;
-    mSearches->Send(2, 8, request.toStyledString());
-    const auto reply = mSearches->Receive();
-    if (!reply) {
-        ADD_FAILURE() << "no reply to method " << method << "\n" << mSimulator->Output();
-        return Json::Value(Json::objectValue);
-    }
-    EXPECT_EQ(reply->type, 3);
-    EXPECT_EQ(reply->port, 8);
-    return Parsed(reply->text);
 }
 
 Json::Value SearchPlatform::AskedOf(const std::string& handle, int method, Members members) {
@@ -122,14 +104,7 @@ int SearchPlatform::GetResults(const std::string& results, unsigned offset, unsi
 }
 
 std::string SearchPlatform::NextState() {
-    const auto frame = mSearchEvents->Next();
-    if (!frame) {
-        ADD_FAILURE() << "no event came\n" << mSimulator->Output();
-        return "none";
-    }
-    EXPECT_EQ(frame->type, 1);
-    EXPECT_EQ(frame->port, 8);
-    const Json::Value event = Parsed(frame->text);
+    const Json::Value event = NextEventOf(*mSearchEvents, 8);
     EXPECT_EQ(event.getMemberNames(), (std::vector<std::string>{"event", "searchHandle", "state"}));
     EXPECT_EQ(event["event"], 0);
     const std::string search = event["searchHandle"].asString();
@@ -137,13 +112,7 @@ std::string SearchPlatform::NextState() {
 }
 
 std::string SearchPlatform::TitleOf(const std::string& programme) {
-    Json::Value request;
-    request["type"] = 5;
-    request["method"] = 1;
-    request["handle"] = programme;
-    mProgrammes->Send(2, 13, request.toStyledString());
-    const auto reply = mProgrammes->Receive();
-    return reply ? Parsed(reply->text)["out_name"].asString() : "no reply";
+    return AskAt(kToProgramme, 1, {{"handle", programme}})["out_name"].asString();
 }
 
 std::string SearchPlatform::Titles(const std::string& results) {

@@ -46,7 +46,7 @@ class SearchPlatform : public ChannelPlatform {
     void BeginSearching(const std::string& programmes, const std::vector<std::string>& options = {});
 
     // The reply to one request of the family.
-    Json::Value Asked(int method, const Members& members = {});
+    Json::Value Asked(int method, const Members& members = {}) { return AskAt(kToSearchManager, method, members); }
     Json::Value AskedOf(const std::string& handle, int method, Members members = {});
 
     int RetOf(const std::string& handle, int method, const Members& members = {}) {
@@ -83,10 +83,6 @@ class SearchPlatform : public ChannelPlatform {
     std::string mSearch;
     std::string mResults;
     std::unique_ptr<LibraryStandIn> mSearchEvents;
-
-  private:
-    std::unique_ptr<RawClient> mSearches;
-    std::unique_ptr<RawClient> mProgrammes;
 };
 
 }  // namespace hbbtv::test

@@ -48,6 +48,12 @@ Json::Value Parsed(const std::string& text) {
     return document;
 }
 
+std::string ContentOf(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
 void WriteFile(const std::string& path, const std::string& text) {
     std::ofstream(path) << text;
 }
@@ -65,8 +71,7 @@ void SimulatedPlatform::Start(std::vector<std::string> options) {
     mClients.clear();
     mSimulator = Launch(options);
     ASSERT_TRUE(mSimulator->WaitForOutput("ready\n")) << mSimulator->Output();
-    mClient = std::make_unique<RawClient>(mRequestSocket);
-    ASSERT_TRUE(mClient->Connected());
+    ASSERT_TRUE(Client().Connected());
     ServeEvents();
 }
 
@@ -79,31 +84,55 @@ void SimulatedPlatform::ServeEvents() {
     mLibrary = std::make_unique<LibraryStandIn>(mEventSocket);
 }
 
-Json::Value SimulatedPlatform::Exchange(RawClient& client, const Endpoint& endpoint, int method,
-                                        const Members& members) {
+namespace {
+
+std::string Request(const Endpoint& endpoint, int code, const std::map<std::string, Json::Value>& members) {
     Json::Value request;
-    request["type"] = endpoint.type;
-    request["method"] = method;
+    if (endpoint.type) request["type"] = *endpoint.type;
+    request[endpoint.code] = code;
     for (const auto& member : members) request[member.first] = member.second;
-    client.Send(2, endpoint.port, request.toStyledString());
+    return request.toStyledString();
+}
+
+}  // namespace
+
+RawClient& SimulatedPlatform::ClientOf(const Endpoint& endpoint) {
+    auto& client = mClients[endpoint.socket];
+    if (!client) client = std::make_unique<RawClient>(mDirectory / endpoint.socket);
+    return *client;
+}
+
+Json::Value SimulatedPlatform::AnswerTo(const Endpoint& endpoint, const std::string& text) {
+    RawClient& client = ClientOf(endpoint);
+    client.Send(kRequest, endpoint.port, text);
     const auto reply = client.Receive();
     if (!reply) {
-        ADD_FAILURE() << "no reply to " << endpoint.socket << " method " << method << "\n" << mSimulator->Output();
+        ADD_FAILURE() << "no reply to " << text << " at " << endpoint.socket << "\n" << mSimulator->Output();
         return Json::Value(Json::objectValue);
     }
-    EXPECT_EQ(reply->type, 3);
+    EXPECT_EQ(reply->type, kReply);
     EXPECT_EQ(reply->port, endpoint.port);
-    return Parsed(reply->text);
+    return Parsed(reply->payload);
+}
+
+Json::Value SimulatedPlatform::AskAt(const Endpoint& endpoint, int code, const Members& members) {
+    return AnswerTo(endpoint, Request(endpoint, code, members));
+}
+
+std::string SimulatedPlatform::HandleAt(const Endpoint& endpoint, int code, const char* member,
+                                        const Members& members) {
+    const Json::Value reply = AskAt(endpoint, code, members);
+    EXPECT_EQ(reply["ret"], 0) << "code " << code << "\n" << mSimulator->Output();
+    EXPECT_TRUE(reply[member].isString()) << "code " << code;
+    return reply[member].asString();
+}
+
+void SimulatedPlatform::SendAt(const Endpoint& endpoint, int code, const Members& members) {
+    ClientOf(endpoint).Send(kOneWay, endpoint.port, Request(endpoint, code, members));
 }
 
 Json::Value SimulatedPlatform::Ask(int method, const Members& members) {
-    return Exchange(*mClient, {"service_plugin_to_hbbtv_vb", 7, 3}, method, members);
-}
-
-Json::Value SimulatedPlatform::AskAt(const Endpoint& endpoint, int method, const Members& members) {
-    auto& client = mClients[endpoint.socket];
-    if (!client) client = std::make_unique<RawClient>(mDirectory / endpoint.socket);
-    return Exchange(*client, endpoint, method, members);
+    return AskAt(kToVideoBroadcast, method, members);
 }
 
 Json::Value SimulatedPlatform::AskOf(const std::string& vb, int method, Members members) {
@@ -144,15 +173,24 @@ std::string SimulatedPlatform::Tell(const std::string& line) {
     return answer.substr(0, answer.find('\n'));
 }
 
-Json::Value SimulatedPlatform::NextEventJson() {
-    const auto frame = mLibrary->Next();
-    if (!frame) {
-        ADD_FAILURE() << "no event came\n" << mSimulator->Output();
-        return Json::Value(Json::objectValue);
+Frame SimulatedPlatform::NextMessage(LibraryStandIn& library, int port) {
+    const auto message = library.Next();
+    if (!message) {
+        ADD_FAILURE() << "no message came\n" << mSimulator->Output();
+        return {kOneWay, port, "{}"};
     }
-    EXPECT_EQ(frame->type, 1);
-    EXPECT_EQ(frame->port, 7);
-    const Json::Value event = Parsed(frame->text);
+    EXPECT_EQ(message->port, port);
+    return *message;
+}
+
+Json::Value SimulatedPlatform::NextEventOf(LibraryStandIn& library, int port) {
+    const Frame event = NextMessage(library, port);
+    EXPECT_EQ(event.type, kOneWay);
+    return Parsed(event.payload);
+}
+
+Json::Value SimulatedPlatform::NextEventJson() {
+    const Json::Value event = NextEventOf(*mLibrary, 7);
     EXPECT_EQ(event["type"], "videobroadcast");
     return event;
 }

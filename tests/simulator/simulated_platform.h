@@ -7,6 +7,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -82,8 +83,28 @@ enum Method {
 struct Endpoint {
     const char* socket;
     int port;
-    int type;
+    std::optional<int> type;  // the member "type", which one family lacks
+    const char* code = "method";
 };
+
+inline const Endpoint kToApplicationManager{"service_plugin_to_hbbtv_apm", 1, std::nullopt, "t"};
+inline const Endpoint kToAvControl{"service_plugin_to_hbbtv_av_ctrl", 19, 2};
+inline const Endpoint kToCapabilities{"service_plugin_to_hbbtv_cap", 10, 10};
+inline const Endpoint kToChannel{"service_plugin_to_hbbtv_vb_chn", 2, 12};
+inline const Endpoint kToChannelConfig{"service_plugin_to_hbbtv_vb_chn_config", 3, 19};
+inline const Endpoint kToChannelList{"service_plugin_to_hbbtv_vb_chn_list", 4, 14};
+inline const Endpoint kToCollection{"service_plugin_to_hbbtv_vb_fav_list_collect", 6, 15};
+inline const Endpoint kToComponent{"service_plugin_to_hbbtv_av_com", 14, 11};
+inline const Endpoint kToConfiguration{"service_plugin_to_hbbtv_conf", 12, 9};
+inline const Endpoint kToDsmcc{"service_dsmcc_to_hbbtv", 2, 20};
+inline const Endpoint kToFavouriteList{"service_plugin_to_hbbtv_vb_fav_list", 5, 15};
+inline const Endpoint kToLocalSystem{"service_plugin_to_hbbtv_local_system", 11, 6};
+inline const Endpoint kToParentalControl{"service_plugin_to_hbbtv_pcm", 16, 13};
+inline const Endpoint kToPrivateData{"service_plugin_to_hbbtv_app_priv", 17, 8};
+inline const Endpoint kToProgramme{"service_plugin_to_hbbtv_program", 13, 5};
+inline const Endpoint kToSearchManager{"service_plugin_to_hbbtv_sm", 8, 0};
+inline const Endpoint kToTabManager{"service_mtm_to_hbbtv", 1, 0};
+inline const Endpoint kToVideoBroadcast{"service_plugin_to_hbbtv_vb", 7, 3};
 
 class SimulatedPlatform : public testing::Test {
   protected:
@@ -101,10 +122,33 @@ class SimulatedPlatform : public testing::Test {
     void ServeEvents();
     void StopServingEvents() { mLibrary.reset(); }
 
+    // A request to a family and its reply.
+    Json::Value AskAt(const Endpoint& endpoint, int code, const Members& members = {});
+
+    int RetAt(const Endpoint& endpoint, int code, const Members& members = {}) {
+        return AskAt(endpoint, code, members)["ret"].asInt();
+    }
+
+    // The handle in this member of the reply; empty for the null handle.
+    std::string HandleAt(const Endpoint& endpoint, int code, const char* member, const Members& members = {});
+
+    // One-way. What is asked behind it comes later.
+    void SendAt(const Endpoint& endpoint, int code, const Members& members);
+
+    // The connection for a family's requests, made when it is first used; the video/broadcast family's.
+    RawClient& ClientOf(const Endpoint& endpoint);
+    RawClient& Client() { return ClientOf(kToVideoBroadcast); }
+    void CloseConnections() { mClients.clear(); }
+
+    // Whatever the text is, there is a reply.
+    Json::Value AnswerTo(const Endpoint& endpoint, const std::string& text);
+
+    // The next message that the stand-in gets, with a failure when none comes: one-way or a question, and an event.
+    Frame NextMessage(LibraryStandIn& library, int port);
+    Json::Value NextEventOf(LibraryStandIn& library, int port);
+
+    // Of the video/broadcast family, with the handle of an object in the second form.
     Json::Value Ask(int method, const Members& members = {});
-    // Of another family.
-    Json::Value AskAt(const Endpoint& endpoint, int method, const Members& members = {});
-    // With the handle of an object.
     Json::Value AskOf(const std::string& vb, int method, Members members = {});
 
     int Ret(int method, const Members& members = {}) { return Ask(method, members)["ret"].asInt(); }
@@ -144,10 +188,8 @@ class SimulatedPlatform : public testing::Test {
     std::string mEventSocket = mDirectory / "service_hbbtv_to_plugin_vb";
     std::unique_ptr<LibraryStandIn> mLibrary;
     std::unique_ptr<ChildProcess> mSimulator;
-    std::unique_ptr<RawClient> mClient;
 
   private:
-    Json::Value Exchange(RawClient& client, const Endpoint& endpoint, int method, const Members& members);
     std::string EventText(const Json::Value& event) const;
 
     std::map<std::string, std::string> mChannelNames;            // by handle
@@ -156,6 +198,7 @@ class SimulatedPlatform : public testing::Test {
 
 Json::Value Parsed(const std::string& text);
 
+std::string ContentOf(const std::string& path);
 void WriteFile(const std::string& path, const std::string& text);
 
 }  // namespace hbbtv::test

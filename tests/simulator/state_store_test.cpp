@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "simulated_platform.h"
 
@@ -60,9 +59,7 @@ TEST(StateStores, SetAsideWhatItsReaderRefuses) {
         store.Save("a", Document(aside));
         store.Load("a", [](const Json::Value&) { throw std::runtime_error("no"); });
         EXPECT_TRUE(Loaded(store, "a").isNull());
-        std::string text;
-        std::getline(std::ifstream(directory / aside), text, '\0');
-        EXPECT_EQ(Parsed(text), Document(aside));
+        EXPECT_EQ(Parsed(ContentOf(directory / aside)), Document(aside));
     }
 }
 
@@ -83,9 +80,7 @@ TEST(StateStores, FollowNoLinkOutOfTheirDirectoryWhenTheySave) {
     std::filesystem::create_symlink(directory / "precious", directory / "state/a.json.new");
     const StateStore store(directory / "state");
     EXPECT_THROW(store.Save("a", Document("x")), CannotKeep);
-    std::string text;
-    std::getline(std::ifstream(directory / "precious"), text);
-    EXPECT_EQ(text, "mine");
+    EXPECT_EQ(ContentOf(directory / "precious"), "mine");
 }
 
 TEST(StateStores, RefuseADocumentOfMoreThan64MebibytesAndKeepTheEarlierOne) {

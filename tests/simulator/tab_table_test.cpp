@@ -136,10 +136,7 @@ TEST_F(TabTable, EveryNotificationWithoutItsMembersIsRefusedAndNoneEndsTheProces
     for (const int method : {8, 9, 10, 11, 12, 13, 15}) EXPECT_EQ(Notify(method, {{"tabid", 1}}), -1) << method;
     for (const char* text : {"", "nonsense", "null", "[]", "{}", R"({"type": 0})", R"({"type": 1, "method": 3})",
                              R"({"type": "0", "method": 3})", R"({"type": 0, "method": 0, "tabid": "1"})"}) {
-        mTabs->Send(2, 1, text);
-        const auto reply = mTabs->Receive();
-        ASSERT_TRUE(reply.has_value()) << text;
-        EXPECT_EQ(Parsed(reply->text)["ret"], -1) << text;
+        EXPECT_EQ(AnswerTo(kToTabManager, text)["ret"], -1) << text;
     }
     EXPECT_EQ(TabEntry(1), "tab 1: no application, empty, hidden");
 }

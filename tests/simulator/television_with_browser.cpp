@@ -73,14 +73,8 @@ std::string Entry(const std::string& table, const std::string& start) {
 }  // namespace
 
 void TelevisionWithBrowser::Start(const std::string& ping) {
-    const std::string lineUp = mDirectory / "applications.json";
-    WriteFile(lineUp, LineUp());
-    mSimulator = Launch({"--line-up", lineUp, "--tune-time", "0ms", "--ping-interval", ping});
-    ASSERT_TRUE(mSimulator->WaitForOutput("ready\n")) << mSimulator->Output();
-    mManager = std::make_unique<RawClient>(mDirectory / "service_plugin_to_hbbtv_apm");
-    mTabs = std::make_unique<RawClient>(mDirectory / "service_mtm_to_hbbtv");
-    ASSERT_TRUE(mManager->Connected());
-    ASSERT_TRUE(mTabs->Connected());
+    mLineUp = LineUp();
+    SimulatedPlatform::Start({"--tune-time", "0ms", "--ping-interval", ping});
     ServeApplicationEvents();
     ServeBrowser();
 }
@@ -89,71 +83,27 @@ void TelevisionWithBrowser::ServeApplicationEvents() {
     mManagerEvents = std::make_unique<LibraryStandIn>(mDirectory / "service_hbbtv_to_plugin_apm");
 }
 
-Json::Value TelevisionWithBrowser::AskManager(int code, const Members& members) {
-    Json::Value request;
-    request["t"] = static_cast<unsigned>(code);
-    for (const auto& member : members) request[member.first] = member.second;
-    mManager->Send(2, 1, request.toStyledString());
-    const auto reply = mManager->Receive();
-    if (!reply) {
-        ADD_FAILURE() << "no reply to " << code << "\n" << mSimulator->Output();
-        return Json::Value(Json::objectValue);
-    }
-    EXPECT_EQ(reply->type, 3);
-    EXPECT_EQ(reply->port, 1);
-    return Parsed(reply->text);
-}
-
-void TelevisionWithBrowser::TellManager(int code, const Members& members) {
-    Json::Value request;
-    request["t"] = static_cast<unsigned>(code);
-    for (const auto& member : members) request[member.first] = member.second;
-    mManager->Send(1, 1, request.toStyledString());
-}
-
 int TelevisionWithBrowser::Notify(int method, const Members& members) {
-    Json::Value request;
-    request["type"] = 0;
-    request["method"] = method;
-    for (const auto& member : members) request[member.first] = member.second;
-    mTabs->Send(2, 1, request.toStyledString());
-    const auto reply = mTabs->Receive();
-    if (!reply) {
-        ADD_FAILURE() << "no reply to " << method << "\n" << mSimulator->Output();
-        return -1000;
-    }
-    EXPECT_EQ(reply->type, 3);
-    EXPECT_EQ(reply->port, 1);
-    const Json::Value document = Parsed(reply->text);
-    EXPECT_EQ(document.getMemberNames(), std::vector<std::string>{"ret"});
-    return document["ret"].asInt();
+    const Json::Value reply = AskAt(kToTabManager, method, members);
+    EXPECT_EQ(reply.getMemberNames(), std::vector<std::string>{"ret"});
+    return reply["ret"].asInt();
 }
 
 std::string TelevisionWithBrowser::NextCommand() {
-    const auto frame = mBrowser->Next();
-    if (!frame) {
-        ADD_FAILURE() << "no command came\n" << mSimulator->Output();
-        return "";
-    }
-    EXPECT_EQ(frame->port, 1);
-    const Json::Value command = Parsed(frame->text);
+    const Frame message = NextMessage(*mBrowser, 1);
+    const Json::Value command = Parsed(message.payload);
     EXPECT_EQ(command["type"], 0);
     const int method = command["method"].asInt();
     const bool waits = method == 23 || method == 28 || method == 32 || method == 34;
-    EXPECT_EQ(frame->type, waits ? 2 : 1) << frame->text;
+    EXPECT_EQ(message.type, waits ? kRequest : kOneWay) << message.payload;
     const auto name = kCommandNames.find(method);
     return WithMembers(name == kCommandNames.end() ? "?" : name->second, command, "method");
 }
 
 std::string TelevisionWithBrowser::NextManagerEvent() {
-    const auto frame = mManagerEvents->Next();
-    if (!frame) {
-        ADD_FAILURE() << "no event came\n" << mSimulator->Output();
-        return "";
-    }
-    EXPECT_EQ(frame->port, 1);
-    const Json::Value event = Parsed(frame->text);
-    EXPECT_EQ(frame->type, event["t"] == 271 ? 2 : 1);
+    const Frame message = NextMessage(*mManagerEvents, 1);
+    const Json::Value event = Parsed(message.payload);
+    EXPECT_EQ(message.type, event["t"] == 271 ? kRequest : kOneWay);
     return WithMembers(event["t"].asString(), event, "t");
 }
 

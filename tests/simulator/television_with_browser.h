@@ -23,9 +23,12 @@ class TelevisionWithBrowser : public SimulatedPlatform {
     void ServeApplicationEvents();
 
     // A request of the application manager; members beside "t".
-    Json::Value AskManager(int code, const Members& members = {});
-    int ManagerRet(int code, const Members& members = {}) { return AskManager(code, members)["ret"].asInt(); }
-    void TellManager(int code, const Members& members);
+    Json::Value AskManager(int code, const Members& members = {}) {
+        return AskAt(kToApplicationManager, code, members);
+    }
+
+    int ManagerRet(int code, const Members& members = {}) { return RetAt(kToApplicationManager, code, members); }
+    void TellManager(int code, const Members& members) { SendAt(kToApplicationManager, code, members); }
 
     // What the browser tells; the status.
     int Notify(int method, const Members& members = {});
@@ -53,8 +56,6 @@ class TelevisionWithBrowser : public SimulatedPlatform {
 
     std::unique_ptr<LibraryStandIn> mBrowser;
     std::unique_ptr<LibraryStandIn> mManagerEvents;
-    std::unique_ptr<RawClient> mManager;
-    std::unique_ptr<RawClient> mTabs;
 };
 
 }  // namespace hbbtv::test

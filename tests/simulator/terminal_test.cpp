@@ -7,11 +7,6 @@
 namespace hbbtv::test {
 namespace {
 
-const Endpoint kCapabilities{"service_plugin_to_hbbtv_cap", 10, 10};
-const Endpoint kLocalSystem{"service_plugin_to_hbbtv_local_system", 11, 6};
-const Endpoint kPrivateData{"service_plugin_to_hbbtv_app_priv", 17, 8};
-const Endpoint kParental{"service_plugin_to_hbbtv_pcm", 16, 13};
-
 // Reads the document on its standard input as a browser would and prints what is in it, one element a line.
 const char* const kReadXml = R"(
 import sys, xml.etree.ElementTree as tree
@@ -38,24 +33,24 @@ class Terminal : public SimulatedPlatform {
         Start(options);
     }
 
-    std::string Xml() { return AskAt(kCapabilities, 0)["xml_capabilities"].asString(); }
-    bool Has(int number) { return AskAt(kCapabilities, 3, {{"capability_type", number}})["available"].asBool(); }
+    std::string Xml() { return AskAt(kToCapabilities, 0)["xml_capabilities"].asString(); }
+    bool Has(int number) { return AskAt(kToCapabilities, 3, {{"capability_type", number}})["available"].asBool(); }
 
     // "SD HD"
     std::string ExtraDecodes() {
-        return AskAt(kCapabilities, 1)["amount_of_decodes"].asString() + " " +
-               AskAt(kCapabilities, 2)["amount_of_decodes"].asString();
+        return AskAt(kToCapabilities, 1)["amount_of_decodes"].asString() + " " +
+               AskAt(kToCapabilities, 2)["amount_of_decodes"].asString();
     }
 
     std::string Said(int method, const char* member) {
-        const Json::Value reply = AskAt(kLocalSystem, method);
+        const Json::Value reply = AskAt(kToLocalSystem, method);
         EXPECT_EQ(reply["ret"], 0);
         EXPECT_TRUE(reply[member].isString()) << member;
         return reply[member].asString();
     }
 
     int Enabled(int method, const char* member) {
-        const Json::Value reply = AskAt(kLocalSystem, method);
+        const Json::Value reply = AskAt(kToLocalSystem, method);
         EXPECT_TRUE(reply[member].isInt()) << member;
         return reply[member].asInt();
     }
@@ -80,7 +75,7 @@ TEST_F(Terminal, TellsItsCapabilitiesInADocument) {
               ".video_profile name=MP4_AVC_SD_25_HEAAC type=video/mp4\n"
               ".video_profile name=MP4_AVC_HD_25_HEAAC type=video/mp4\n"
               ".html5_media: true\n");
-    EXPECT_EQ(AskAt(kCapabilities, 4)["terminalCap"],
+    EXPECT_EQ(AskAt(kToCapabilities, 4)["terminalCap"],
               "OITF_HD_UIPROF+META_SI+META_EIT+TRICKMODE+RTSP+AVCAD+DRM+PVR+DVB_S");
 }
 
@@ -88,8 +83,8 @@ TEST_F(Terminal, ChangesItsCapabilitiesWithWhatIsPluggedInAndAdded) {
     Begin();
     EXPECT_EQ(Tell("pvr off"), "ok");
     EXPECT_EQ(Tell("ci-plus on"), "ok");
-    const std::string manager = AskAt(kParental, 0)["out_handle"].asString();
-    EXPECT_EQ(AskAt(kParental, 25, {{"in_handle", manager}, {"name", "x<&>\"'"}, {"values", "a"}})["ret"], 0);
+    const std::string manager = AskAt(kToParentalControl, 0)["out_handle"].asString();
+    EXPECT_EQ(AskAt(kToParentalControl, 25, {{"in_handle", manager}, {"name", "x<&>\"'"}, {"values", "a"}})["ret"], 0);
     const std::string elements = Elements(Xml());
     for (const std::string line :
          {".ui_profile name=OITF_HD_UIPROF+META_SI+META_EIT+TRICKMODE+RTSP+AVCAD+DRM+DVB_S\n", "...recording: false\n",
@@ -106,9 +101,9 @@ TEST_F(Terminal, HasTheCapabilitiesThatTheDocumentNames) {
     EXPECT_FALSE(Has(2147483647));
     EXPECT_EQ(Tell("pvr off"), "ok");
     EXPECT_FALSE(Has(7));
-    EXPECT_EQ(AskAt(kCapabilities, 3)["ret"], -1) << "no number";
-    EXPECT_EQ(AskAt(kCapabilities, 3, {{"capability_type", "PVR"}})["ret"], -1);
-    EXPECT_EQ(AskAt(kCapabilities, 5)["ret"], -1) << "there is no such operation";
+    EXPECT_EQ(AskAt(kToCapabilities, 3)["ret"], -1) << "no number";
+    EXPECT_EQ(AskAt(kToCapabilities, 3, {{"capability_type", "PVR"}})["ret"], -1);
+    EXPECT_EQ(AskAt(kToCapabilities, 5)["ret"], -1) << "there is no such operation";
 }
 
 TEST_F(Terminal, HasAsManyDecodersFreeAsNothingUses) {
@@ -135,7 +130,7 @@ TEST_F(Terminal, SaysWhatItIs) {
     EXPECT_EQ(Said(0, "deviceID").size(), 32u);
     EXPECT_EQ(Enabled(14, "pvrEnabled"), 1);
     EXPECT_EQ(Enabled(16, "ciplusEnabled"), 0);
-    for (const int odd : {1, 3, 5, 7, 9, 11, 13, 15, 17}) EXPECT_EQ(AskAt(kLocalSystem, odd)["ret"], -1) << odd;
+    for (const int odd : {1, 3, 5, 7, 9, 11, 13, 15, 17}) EXPECT_EQ(AskAt(kToLocalSystem, odd)["ret"], -1) << odd;
 }
 
 TEST_F(Terminal, StaysTheSameTelevisionWhenItRemembers) {
@@ -180,14 +175,21 @@ TEST_F(Terminal, RefusesWhatCannotBeKeptAndChangesNothing) {
     Begin({"--state", state});
     std::filesystem::create_directory(state + "/device.json");
     std::filesystem::create_directory(state + "/parental_control.json");
-    EXPECT_EQ(AskAt(kLocalSystem, 0)["ret"], -1);
+    std::filesystem::create_directory(state + "/preferences.json");
+    EXPECT_EQ(AskAt(kToLocalSystem, 0)["ret"], -1);
     EXPECT_EQ(Tell("pvr off").substr(0, 6), "error:");
     EXPECT_EQ(Enabled(14, "pvrEnabled"), 1);
     EXPECT_EQ(Tell("parental-threshold dvb-si 4").substr(0, 6), "error:");
-    EXPECT_EQ(AskAt(kParental, 50)["parentRating"], 18);
-    const std::string manager = AskAt(kParental, 0)["out_handle"].asString();
-    EXPECT_EQ(AskAt(kParental, 25, {{"in_handle", manager}, {"name", "x"}, {"values", "a"}})["ret"], -1);
-    EXPECT_EQ(AskAt(kParental, 21, {{"in_handle", manager}})["num"], 3);
+    EXPECT_EQ(AskAt(kToParentalControl, 50)["parentRating"], 18);
+    const std::string manager = AskAt(kToParentalControl, 0)["out_handle"].asString();
+    const std::string scheme =
+        AskAt(kToParentalControl, 23, {{"in_handle", manager}, {"index", 1u}})["out_handle"].asString();
+    const Json::Value threshold = AskAt(kToParentalControl, 30, {{"in_handle", scheme}})["out_handle"];
+    EXPECT_EQ(Tell("parental-threshold urn:oipf:GermanyFSKCS 6").substr(0, 6), "error:");
+    EXPECT_EQ(AskAt(kToParentalControl, 40, {{"in_handle", threshold}})["out_value"], 4) << "the position of 18";
+    EXPECT_EQ(AskAt(kToParentalControl, 30, {{"in_handle", scheme}})["out_handle"], threshold);
+    EXPECT_EQ(AskAt(kToParentalControl, 25, {{"in_handle", manager}, {"name", "x"}, {"values", "a"}})["ret"], -1);
+    EXPECT_EQ(AskAt(kToParentalControl, 21, {{"in_handle", manager}})["num"], 3);
 }
 
 TEST_F(Terminal, RecordsOnlyWithADisk) {
@@ -204,26 +206,26 @@ TEST_F(Terminal, RecordsOnlyWithADisk) {
 
 TEST_F(Terminal, TellsApplicationsTheFreeMemory) {
     Begin();
-    EXPECT_EQ(AskAt(kPrivateData, 0)["memSize"], 67108864);
+    EXPECT_EQ(AskAt(kToPrivateData, 0)["memSize"], 67108864);
     EXPECT_EQ(Tell("free-memory 2147483647"), "ok");
-    EXPECT_EQ(AskAt(kPrivateData, 0)["memSize"], 2147483647);
+    EXPECT_EQ(AskAt(kToPrivateData, 0)["memSize"], 2147483647);
     EXPECT_EQ(Tell("free-memory unknown"), "ok");
-    EXPECT_EQ(AskAt(kPrivateData, 0)["memSize"], -1);
+    EXPECT_EQ(AskAt(kToPrivateData, 0)["memSize"], -1);
     EXPECT_EQ(Tell("free-memory 0"), "ok");
-    EXPECT_EQ(AskAt(kPrivateData, 0)["memSize"], 0);
+    EXPECT_EQ(AskAt(kToPrivateData, 0)["memSize"], 0);
     for (const std::string wrong : {"", " 2147483648", " -1", " 1 2", " much"}) {
         EXPECT_EQ(Tell("free-memory" + wrong), "error: usage: free-memory BYTES|unknown");
     }
-    EXPECT_EQ(AskAt(kPrivateData, 0)["memSize"], 0);
+    EXPECT_EQ(AskAt(kToPrivateData, 0)["memSize"], 0);
 }
 
 TEST_F(Terminal, TellsApplicationsTheChannelThatIsOn) {
     Begin();
     const std::string vb = NewObject();
-    EXPECT_EQ(AskAt(kPrivateData, 1)["channel"], Channel(vb, 1));
+    EXPECT_EQ(AskAt(kToPrivateData, 1)["channel"], Channel(vb, 1));
     EXPECT_EQ(Tell("zap 2"), "ok Two");
-    EXPECT_EQ(AskAt(kPrivateData, 1)["channel"], Channel(vb, 2));
-    EXPECT_EQ(AskAt(kPrivateData, 2)["ret"], -1) << "there is no such operation";
+    EXPECT_EQ(AskAt(kToPrivateData, 1)["channel"], Channel(vb, 2));
+    EXPECT_EQ(AskAt(kToPrivateData, 2)["ret"], -1) << "there is no such operation";
 }
 
 }  // namespace

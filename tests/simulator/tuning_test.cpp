@@ -240,7 +240,6 @@ TEST_F(SimulatedPlatform, TheSameSeedGivesTheSameHandles) {
         Start({"--seed", "7"});
         const std::string vb = NewObject();
         handles.push_back(vb + " " + Channel(vb, 1));
-        mClient.reset();
         EXPECT_EQ(Stop(), 0);
     }
     EXPECT_EQ(handles[0], handles[1]);
@@ -251,7 +250,6 @@ TEST_F(SimulatedPlatform, WithoutASeedTheHandlesDifferFromRunToRun) {
     for (int run = 0; run < 2; ++run) {
         Start();
         handles.push_back(NewObject());
-        mClient.reset();
         EXPECT_EQ(Stop(), 0);
     }
     EXPECT_NE(handles[0], handles[1]);

@@ -4,9 +4,11 @@
 #include <chrono>
 #include <stdexcept>
 
+#include "platform/programme_search.h"
 #include "platform/xmltv.h"
 #include "platform/xmltv_time.h"
 #include "simulated_platform.h"
+#include "walked_guide.h"
 
 namespace hbbtv::sim {
 namespace {
@@ -44,7 +46,7 @@ class Xmltv : public testing::Test {
     Texts Of(int sid) {
         Texts texts;
         if (!mGuide) return {mRefusal};
-        for (const auto& p : mGuide->Between(mLineUp.Find(1, 1, sid), 0, kLastTime)) {
+        for (const auto& p : Walked(*mGuide, mLineUp.Find(1, 1, sid))) {
             texts.push_back(p->name + " " + std::to_string(p->start) + "+" + std::to_string(p->duration));
         }
         return texts;
@@ -54,7 +56,7 @@ class Xmltv : public testing::Test {
     std::shared_ptr<Programme> Only(const std::string& content) {
         Read("<tv><programme channel=\"one.tv\" start=\"19700101000100\" stop=\"19700101000200\"><title>T</title>" +
              content + "</programme></tv>");
-        const auto all = mGuide ? mGuide->Between(mLineUp.Find(1, 1, 1), 0, kLastTime) : ProgrammeList();
+        const auto all = mGuide ? Walked(*mGuide, mLineUp.Find(1, 1, 1)) : ProgrammeList();
         EXPECT_EQ(all.size(), 1u) << mRefusal;
         return all.empty() ? MakeProgramme(mLineUp.First(), {0, 1}, 0) : all.front();
     }
@@ -107,7 +109,7 @@ TEST_F(Xmltv, TakesTheLanguageOfTheTitle) {
              {"de", "deu"}, {"en_GB", "eng"}, {"fr-FR", "fra"}, {"ita", "ita"}, {"xx", "und"}, {"GERMAN", "und"}}) {
         Read("<tv><programme channel=\"one.tv\" start=\"19700101000100\"><title lang=\"" + given +
              "\">T</title></programme></tv>");
-        EXPECT_EQ(mGuide->Between(mLineUp.First(), 0, 100)[0]->language, language) << given;
+        EXPECT_EQ(Walked(*mGuide, mLineUp.First(), {0, 100})[0]->language, language) << given;
     }
 }
 
@@ -282,7 +284,7 @@ TEST_F(Xmltv, GivesProgrammesThatStartInTheSameMinuteDifferentIds) {
     Read("<tv>" + Row("A", "19700101000100", "19700101000110") + Row("B", "19700101000110", "19700101000120") +
          Row("C", "19700101000200", "19700101000300") + "</tv>");
     Texts ids;
-    for (const auto& p : mGuide->Between(mLineUp.First(), 0, 1000)) ids.push_back(p->id);
+    for (const auto& p : Walked(*mGuide, mLineUp.First(), {0, 1000})) ids.push_back(p->id);
     EXPECT_EQ(ids, (Texts{"dvb://1.1.1;1", "dvb://1.1.1;2", "dvb://1.1.1;3"}));
 }
 
@@ -401,10 +403,14 @@ TEST_F(Xmltv, Holds100000ProgrammesAndWalksThemQuickly) {
     ASSERT_TRUE(mGuide) << mRefusal;
     EXPECT_EQ(mGuide->Size(), 100000u);
     EXPECT_EQ(mWarnings, Texts());
-    const auto found = mGuide->Search(mLineUp.services, mGuide->Known(0),
-                                      [](const Programme& p) { return p.name.find("Number 9999") == 0; });
+    ResultRoom room;
+    const auto listed = [this] { return ProgrammeSearch::Services(mLineUp.services.begin(), mLineUp.services.end()); };
+    ProgrammeSearch search(*mGuide, room, listed, 1);
+    search.SetQuery(Compare("Programme.name", 6, "Number 9999"));
+    search.Ask(0, 100, 0);
+    search.Step(std::chrono::steady_clock::time_point::max());
     const auto searched = std::chrono::steady_clock::now();
-    EXPECT_EQ(found.size(), 11u) << "9999 and 99990 to 99999";
+    EXPECT_EQ(search.Total(), 11u) << "9999 and 99990 to 99999";
     const auto next = mGuide->NowAndNext(mLineUp.First(), 1577836800 + 90);
     ASSERT_EQ(next.size(), 2u);
     EXPECT_EQ(next[0]->name, "Number 2");

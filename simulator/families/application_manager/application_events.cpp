@@ -1,6 +1,8 @@
 // The wire form of the application manager's messages: see application_events.h.
 #include "families/application_manager/application_events.h"
 
+#include "families/members.h"
+
 namespace hbbtv::sim {
 
 void ApplicationEvents::ApplicationLoaded(const ApplicationId& id) {
@@ -25,8 +27,7 @@ void ApplicationEvents::AskParentalRating(const std::string& country,
     event["t"] = 271;
     event["countryCode"] = country;
     mSink.SendAndWait("GetLocalParentalRating", event, [onRating = std::move(onRating)](const Json::Value& reply) {
-        const bool good = reply.isObject() && reply["ret"] == 0 && reply["parentalRating"].isInt();
-        onRating(good ? std::optional<int>(reply["parentalRating"].asInt()) : std::nullopt);
+        onRating(IntIn(reply, "parentalRating"));
     });
 }
 

@@ -8,6 +8,7 @@
 #include "core/journal.h"
 #include "families/application_manager/application_events.h"
 #include "families/application_manager/application_starter.h"
+#include "families/members.h"
 #include "platform/remote_control.h"
 
 namespace hbbtv::sim {
@@ -44,6 +45,12 @@ bool Flag(const Arguments& in, const char* member) {
     return value == 1;
 }
 
+ApplicationId IdIn(const Words& words) {
+    const auto id = ReadApplicationId(Word(words));
+    if (!id) throw WrongWords();
+    return *id;
+}
+
 std::string Described(const Application& application) {
     static const char* const kTypes[] = {"broadcast-related", "broadcast-independent", "operator"};
     char keys[16];
@@ -63,9 +70,6 @@ class ApplicationManagerFamily : public Family, private ApplicationWatcher {
     explicit ApplicationManagerFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
     void AddRows();
     void AddCommands();
 
@@ -97,9 +101,9 @@ class ApplicationManagerFamily : public Family, private ApplicationWatcher {
     void SetDeviceResolution(In in, Out);
 
     // At the television.
-    std::string ApplicationTable(const std::vector<std::string>& words);
-    std::string Start(const std::vector<std::string>& words);
-    std::string Stop(const std::vector<std::string>& words);
+    std::string ApplicationTable(const Words& words);
+    std::string Start(const Words& words);
+    std::string Stop(const Words& words);
 
     void Shown(const ApplicationPointer&) override { SayFullScreen(false); }
     void Loaded(const ApplicationPointer& application) override { mEvents.ApplicationLoaded(application->id); }
@@ -153,14 +157,10 @@ void ApplicationManagerFamily::AddRows() {
 }
 
 void ApplicationManagerFamily::AddCommands() {
-    const auto add = [this](const char* name, const char* usage, const char* purpose,
-                            std::string (ApplicationManagerFamily::*method)(const std::vector<std::string>&)) {
-        AddCommand(name, {usage, purpose, [this, method](const auto& words) { return (this->*method)(words); }});
-    };
     using F = ApplicationManagerFamily;
-    add("apps", "apps", "the table of applications", &F::ApplicationTable);
-    add("start", "start ORGANISATION.APPLICATION", "an application of the service starts", &F::Start);
-    add("stop", "stop ORGANISATION.APPLICATION", "an application ends", &F::Stop);
+    AddCommand("apps", "the table of applications", &F::ApplicationTable);
+    AddCommand("start ORGANISATION.APPLICATION", "an application of the service starts", &F::Start);
+    AddCommand("stop ORGANISATION.APPLICATION", "an application ends", &F::Stop);
 }
 
 // --- Which one is meant
@@ -292,25 +292,19 @@ void ApplicationManagerFamily::SayFullScreen(bool destroyed) {
     mEvents.BroadcastFullScreen(alone, alone && destroyed);
 }
 
-std::string ApplicationManagerFamily::ApplicationTable(const std::vector<std::string>& words) {
-    if (!words.empty()) throw Refused("usage: apps");
+std::string ApplicationManagerFamily::ApplicationTable(const Words& words) {
+    RequireNone(words);
     std::string text = "screen " + std::to_string(mTv.resolution.width) + "x" + std::to_string(mTv.resolution.height);
     for (const auto& application : mTv.applications.Running()) text += "; " + Described(*application);
     return text;
 }
 
-ApplicationId IdIn(const std::vector<std::string>& words, const char* usage) {
-    const auto id = words.size() == 1 ? ReadApplicationId(words[0]) : std::nullopt;
-    if (!id) throw Refused(std::string("usage: ") + usage);
-    return *id;
+std::string ApplicationManagerFamily::Start(const Words& words) {
+    return mStarter.StartAnnounced(IdIn(words), "", true)->name;
 }
 
-std::string ApplicationManagerFamily::Start(const std::vector<std::string>& words) {
-    return mStarter.StartAnnounced(IdIn(words, "start ORGANISATION.APPLICATION"), "", true)->name;
-}
-
-std::string ApplicationManagerFamily::Stop(const std::vector<std::string>& words) {
-    const ApplicationId id = IdIn(words, "stop ORGANISATION.APPLICATION");
+std::string ApplicationManagerFamily::Stop(const Words& words) {
+    const ApplicationId id = IdIn(words);
     const ApplicationPointer application = mTv.applications.Find(id);
     if (!application) throw Refused("no application " + IdText(id) + " runs");
     mTv.applications.End(application);

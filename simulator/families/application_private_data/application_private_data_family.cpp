@@ -2,7 +2,6 @@
 #include "families/application_private_data/application_private_data_family.h"
 
 #include "families/members.h"
-#include "platform/line_up_text.h"
 
 namespace hbbtv::sim {
 
@@ -15,14 +14,11 @@ class ApplicationPrivateDataFamily : public Family {
     explicit ApplicationPrivateDataFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
     void GetFreeMem(In, Out out) { out["memSize"] = mTv.device.freeMemory.value_or(kUnknown); }
     void GetCurrentChannel(In, Out out) { out["channel"] = Text(mTv.channels, mTv.tuner.On()); }
 
     // At the television.
-    std::string SetFreeMemory(const std::vector<std::string>& words);
+    std::string SetFreeMemory(const Words& words);
 
     Tv& mTv;
 };
@@ -32,16 +28,15 @@ ApplicationPrivateDataFamily::ApplicationPrivateDataFamily(const FamilySetup& se
     using F = ApplicationPrivateDataFamily;
     Row(0, "getFreeMem", &F::GetFreeMem);
     Row(1, "getCurrentChannel", &F::GetCurrentChannel);
-    AddCommand("free-memory", {"free-memory BYTES|unknown", "so much memory is free for applications",
-                               [this](const auto& words) { return SetFreeMemory(words); }});
+    AddCommand("free-memory BYTES|unknown", "so much memory is free for applications", &F::SetFreeMemory);
 }
 
-std::string ApplicationPrivateDataFamily::SetFreeMemory(const std::vector<std::string>& words) {
-    const std::string word = Word(words);
-    const auto bytes = ReadNumber(word, 10, INT32_MAX);
-    if (!bytes && word != "unknown") throw Refused("usage: free-memory BYTES|unknown");
-    mTv.device.freeMemory.reset();
-    if (bytes) mTv.device.freeMemory = static_cast<int>(*bytes);
+// --- At the television
+
+std::string ApplicationPrivateDataFamily::SetFreeMemory(const Words& words) {
+    const auto bytes = Number(Word(words), INT32_MAX);
+    if (!bytes && Word(words) != "unknown") throw WrongWords();
+    mTv.device.freeMemory = bytes;
     return "";
 }
 

@@ -1,34 +1,21 @@
 // Requests of the AV component family: see av_component_family.h.
 #include "families/av_component/av_component_family.h"
 
-#include "families/members.h"
+#include "families/object_family.h"
 
 namespace hbbtv::sim {
 
 namespace {
 
-class AvComponentFamily : public Family {
+class AvComponentFamily : public ObjectFamily<Component> {
   public:
     explicit AvComponentFamily(const FamilySetup& setup);
-
-  private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
-    // A row that reads the component into one member of the reply.
-    template <typename Read>
-    void Get(int code, const char* name, const char* member, Read read) {
-        Row(code, name, [this, member, read](In in, Out out) {
-            out[member] = read(*Find(mTv.components, in, "handle", "component"));
-        });
-    }
-
-    Tv& mTv;
 };
 
 AvComponentFamily::AvComponentFamily(const FamilySetup& setup)
-    : Family({"av_component", "service_plugin_to_hbbtv_av_com", "", 14, "method", 11}), mTv(setup.tv) {
-    Row(0, "Release", [this](In in, Out) { Remove(mTv.components, in, "handle", "component"); });
+    : ObjectFamily({"av_component", "service_plugin_to_hbbtv_av_com", "", 14, "method", 11}, setup.tv.components,
+                   "handle", "component") {
+    Row(0, "Release", &AvComponentFamily::Release);
     Get(1, "GetComponentTag", "tag", [](const Component& c) { return c.tag; });
     Get(2, "GetPid", "pid", [](const Component& c) { return c.pid; });
     Get(3, "GetType", "type", [](const Component& c) { return static_cast<int>(c.type); });

@@ -14,7 +14,6 @@ namespace {
 
 constexpr size_t kMostComponents = 1000;  // of a type
 const std::array<const char*, 3> kTypes{"video", "audio", "subtitle"};
-const char* const kSelectUsage = "usage: select video|audio|subtitle INDEX";
 
 // One of the browser's media, as the browser tells of it.
 struct MediaComponent {
@@ -30,9 +29,7 @@ struct MediaComponents {
 MediaComponent ReadComponent(const Arguments& in) {
     MediaComponent read;
     read.active = in.Bool("actived");
-    const int type = in.Int("comp_type");
-    if (type < 0 || type > 2) throw Refused("there is no component type " + std::to_string(type));
-    read.component.type = static_cast<ComponentType>(type);
+    read.component.type = ReadComponentType(in.Int("comp_type"));
     read.component.encoding = in.ShortText("encoding");
     read.component.language = in.ShortText("language");
     read.component.audioChannels = static_cast<int>(in.UInt("audio_channelNum"));
@@ -60,11 +57,11 @@ class AvControlFamily : public Family {
     explicit AvControlFamily(const FamilySetup& setup);
 
   private:
-    void ComponentUpdate(const Arguments& in, Json::Value&);
+    void ComponentUpdate(In in, Out);
 
     // At the television.
-    std::string Components(const std::vector<std::string>& words) const;
-    std::string Select(const std::vector<std::string>& words);
+    std::string Components(const Words& words);
+    std::string Select(const Words& words);
 
     EventSink& mSink;
     std::array<std::optional<MediaComponents>, 3> mComponents;  // by type; nothing until the browser told
@@ -73,17 +70,15 @@ class AvControlFamily : public Family {
 AvControlFamily::AvControlFamily(const FamilySetup& setup)
     : Family({"av_control", "service_plugin_to_hbbtv_av_ctrl", "service_hbbtv_to_plugin_av_ctrl", 19, "method", 2}),
       mSink(setup.sinkOf(Address())) {
-    Row(0, "ComponentUpdate", &AvControlFamily::ComponentUpdate);
-    AddCommand("components", {"components", "the components of the browser's media, as the browser told of them",
-                              [this](const auto& words) { return Components(words); }});
-    AddCommand("select", {"select video|audio|subtitle INDEX", "the viewer asks for one of them",
-                          [this](const auto& words) { return Select(words); }});
+    using F = AvControlFamily;
+    Row(0, "ComponentUpdate", &F::ComponentUpdate);
+    AddCommand("components", "the components of the browser's media, as the browser told of them", &F::Components);
+    AddCommand("select video|audio|subtitle INDEX", "the viewer asks for one of them", &F::Select);
 }
 
 // An update holds all components of its type, so it takes the place of the one before.
-void AvControlFamily::ComponentUpdate(const Arguments& in, Json::Value&) {
-    const int type = in.Int("component_type");
-    if (type < 0 || type > 2) throw Refused("there is no component type " + std::to_string(type));
+void AvControlFamily::ComponentUpdate(In in, Out) {
+    const ComponentType type = ReadComponentType(in.Int("component_type"));
     const unsigned count = in.UInt("component_count");
     const Json::Value& items = in.Objects("components");
     if (count != items.size()) {
@@ -104,8 +99,8 @@ void AvControlFamily::ComponentUpdate(const Arguments& in, Json::Value&) {
 
 // --- At the television
 
-std::string AvControlFamily::Components(const std::vector<std::string>& words) const {
-    if (!words.empty()) throw Refused("usage: components");
+std::string AvControlFamily::Components(const Words& words) {
+    RequireNone(words);
     std::string text;
     for (size_t type = 0; type < kTypes.size(); ++type) {
         if (!mComponents[type]) continue;
@@ -122,11 +117,11 @@ std::string AvControlFamily::Components(const std::vector<std::string>& words) c
 }
 
 // What comes of it, the browser tells with its next update.
-std::string AvControlFamily::Select(const std::vector<std::string>& words) {
+std::string AvControlFamily::Select(const Words& words) {
     const auto index = words.size() == 2 ? Number(words[1]) : std::nullopt;
     size_t type = 0;
     while (index && type < kTypes.size() && words[0] != kTypes[type]) ++type;
-    if (!index || type == kTypes.size()) throw Refused(kSelectUsage);
+    if (!index || type == kTypes.size()) throw WrongWords();
     if (!mComponents[type]) throw Refused(std::string("the browser has told of no ") + kTypes[type] + " components");
     const MediaComponent& media = At(mComponents[type]->list, *index);
     Json::Value event;

@@ -12,9 +12,6 @@ class CapabilitiesFamily : public Family {
     explicit CapabilitiesFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
     void GetXmlCapabilities(In, Out out) { out["xml_capabilities"] = Capabilities(mTv).Xml(); }
     void GetExtraSDVideoDecodes(In, Out out) { out["amount_of_decodes"] = ExtraVideoDecodes(mTv, false); }
     void GetExtraHDVideoDecodes(In, Out out) { out["amount_of_decodes"] = ExtraVideoDecodes(mTv, true); }

@@ -5,7 +5,8 @@
 #include <set>
 
 #include "common/nearest_name.h"
-#include "families/members.h"
+#include "core/journal.h"
+#include "families/object_family.h"
 
 namespace hbbtv::sim {
 
@@ -28,7 +29,7 @@ std::string Field(const Channel& channel, const std::string& fieldId) {
     if (field != kFields.end()) return channel.service ? field->second(*channel.service) : "";
     std::set<std::string> known;
     for (const auto& entry : kFields) known.insert(entry.first);
-    throw Refused("there is no field \"" + fieldId.substr(0, 100) + "\"" + DidYouMean(fieldId.substr(0, 100), known));
+    throw Refused("there is no field \"" + Excerpt(fieldId) + "\"" + DidYouMean(fieldId.substr(0, 100), known));
 }
 
 // There is one logo, of a size that nobody knows.
@@ -47,38 +48,11 @@ void SetGenre(Channel& channel, unsigned index, std::string genre) {
     channel.genres[index] = std::move(genre);
 }
 
-class ChannelFamily : public Family {
+class ChannelFamily : public ObjectFamily<Channel> {
   public:
-    explicit ChannelFamily(const FamilySetup& setup)
-        : Family({"channel", "service_plugin_to_hbbtv_vb_chn", "", 2, "method", 12}), mTv(setup.tv) {
-        AddIdentity();
-        AddState();
-        AddTexts();
-    }
+    explicit ChannelFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
-    std::shared_ptr<Channel> Named(In in) const { return Find(mTv.channels, in, "c_handle", "channel"); }
-
-    // A row that reads the channel into one member of the reply.
-    template <typename Read>
-    void Get(int code, const char* name, const char* member, Read read) {
-        Row(code, name, [this, member, read](In in, Out out) { out[member] = read(*Named(in)); });
-    }
-
-    // The same with members of the request.
-    template <typename Read>
-    void GetBy(int code, const char* name, const char* member, Read read) {
-        Row(code, name, [this, member, read](In in, Out out) { out[member] = read(*Named(in), in); });
-    }
-
-    template <typename Change>
-    void Set(int code, const char* name, Change change) {
-        Row(code, name, [this, change](In in, Out) { change(*Named(in), in); });
-    }
-
     void AddIdentity();
     void AddState();
     void AddTexts();
@@ -86,9 +60,18 @@ class ChannelFamily : public Family {
     Tv& mTv;
 };
 
+ChannelFamily::ChannelFamily(const FamilySetup& setup)
+    : ObjectFamily({"channel", "service_plugin_to_hbbtv_vb_chn", "", 2, "method", 12}, setup.tv.channels, "c_handle",
+                   "channel"),
+      mTv(setup.tv) {
+    AddIdentity();
+    AddState();
+    AddTexts();
+}
+
 // What nothing that is received has (an ATSC source, an analogue carrier, a minor number) is 0.
 void ChannelFamily::AddIdentity() {
-    Row(0, "Release", [this](In in, Out) { Remove(mTv.channels, in, "c_handle", "channel"); });
+    Row(0, "Release", &ChannelFamily::Release);
     Get(1, "GetChannelType", "channelType", [](const Channel& c) { return static_cast<int>(c.Type()); });
     Get(2, "GetIdType", "idType", [](const Channel& c) { return c.idType; });
     Get(3, "GetCcid", "ccid", [](const Channel& c) { return c.ccid; });
@@ -112,8 +95,8 @@ void ChannelFamily::AddState() {
     Get(17, "GetFavourite", "favourite", [this](const Channel& c) { return !mTv.favourites->Holding(c).empty(); });
     Get(18, "GetFavIDsNum", "num",
         [this](const Channel& c) { return static_cast<unsigned>(mTv.favourites->Holding(c).size()); });
-    GetBy(19, "GetFavIDsNameByIndex", "name",
-          [this](const Channel& c, In in) { return At(mTv.favourites->Holding(c), in.UInt("index"))->id; });
+    Get(19, "GetFavIDsNameByIndex", "name",
+        [this](const Channel& c, In in) { return At(mTv.favourites->Holding(c), in.UInt("index"))->id; });
     Get(20, "GetLocked", "locked", [](const Channel& c) { return c.Blocked(); });
     Get(21, "GetManualBlock", "manualBlock", [](const Channel& c) { return c.Blocked(); });
     Get(23, "GetChannelMaxBitRate", "maxBitrate", [](const Channel&) { return 0u; });
@@ -135,11 +118,11 @@ void ChannelFamily::AddTexts() {
     Set(31, "SetGenreNum", [](Channel& c, In in) { SetGenreNum(c, in.UInt("num")); });
     Set(32, "SetGenreByIndex", [](Channel& c, In in) { SetGenre(c, in.UInt("index"), in.ShortText("genre")); });
     Get(33, "GetGenreNum", "num", [](const Channel& c) { return static_cast<unsigned>(c.genres.size()); });
-    GetBy(34, "GetGenreByIndex", "genre", [](const Channel& c, In in) { return At(c.genres, in.UInt("index")); });
+    Get(34, "GetGenreByIndex", "genre", [](const Channel& c, In in) { return At(c.genres, in.UInt("index")); });
     Set(37, "SetLogoURL", [](Channel& c, In in) { c.logoUrl = in.ShortText("url"); });
     Get(38, "GetLogoURL", "url", [](const Channel& c) { return c.logoUrl; });
-    GetBy(39, "GetField", "field", [](const Channel& c, In in) { return Field(c, in.Text("fieldId")); });
-    GetBy(40, "GetLogo", "logo", [](const Channel& c, In in) { return Logo(c, in.Int("width"), in.Int("height")); });
+    Get(39, "GetField", "field", [](const Channel& c, In in) { return Field(c, in.Text("fieldId")); });
+    Get(40, "GetLogo", "logo", [](const Channel& c, In in) { return Logo(c, in.Int("width"), in.Int("height")); });
 }
 
 }  // namespace

@@ -16,9 +16,6 @@ class ChannelConfigFamily : public Family {
     explicit ChannelConfigFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
     void RegisterCallback(In in, Out);
     void UnregisterCallback(In, Out) { mRegistered = false; }
     void GetCurrentChannel(In, Out out) { out["handle"] = Text(mTv.channels, mTv.tuner.On()); }
@@ -35,8 +32,8 @@ class ChannelConfigFamily : public Family {
     void Tell(ConfigChange change);
 
     // At the television.
-    std::string SetHidden(const std::vector<std::string>& words, bool hidden);
-    std::string SetListed(const std::vector<std::string>& words, bool listed);
+    std::string SetHidden(const Words& words, bool hidden);
+    std::string SetListed(const Words& words, bool listed);
 
     Tv& mTv;
     EventSink& mSink;
@@ -59,14 +56,12 @@ ChannelConfigFamily::ChannelConfigFamily(const FamilySetup& setup)
     Row(7, "SetChannelList", &F::SetChannelList);
     Row(8, "CreateChannelList", &F::CreateChannelList);
     Row(9, "CreateFilteredList", &F::CreateFilteredList);
-    const auto add = [this](const char* name, const char* purpose, auto method, bool on) {
-        AddCommand(name, {std::string(name) + " NUMBER", purpose,
-                          [this, method, on](const auto& words) { return (this->*method)(words, on); }});
-    };
-    add("hide", "a channel is not shown to the viewer any more", &F::SetHidden, true);
-    add("show", "it is shown again", &F::SetHidden, false);
-    add("remove", "a channel is taken out of the channel list", &F::SetListed, false);
-    add("restore", "it is put back", &F::SetListed, true);
+    AddCommand("hide NUMBER", "a channel is not shown to the viewer any more",
+               [this](const Words& words) { return SetHidden(words, true); });
+    AddCommand("show NUMBER", "it is shown again", [this](const Words& words) { return SetHidden(words, false); });
+    AddCommand("remove NUMBER", "a channel is taken out of the channel list",
+               [this](const Words& words) { return SetListed(words, false); });
+    AddCommand("restore NUMBER", "it is put back", [this](const Words& words) { return SetListed(words, true); });
     mTv.onConfigChange = [this](ConfigChange change) { Tell(change); };
 }
 
@@ -140,9 +135,9 @@ void ChannelConfigFamily::CreateFilteredList(In in, Out out) {
 
 // --- At the television
 
-std::string ChannelConfigFamily::SetHidden(const std::vector<std::string>& words, bool hidden) {
+std::string ChannelConfigFamily::SetHidden(const Words& words, bool hidden) {
     const auto number = Number(Word(words));
-    if (!number) throw Refused(hidden ? "usage: hide NUMBER" : "usage: show NUMBER");
+    if (!number) throw WrongWords();
     const auto channel = mTv.channelList.KnownWithNumber(*number);
     if (!channel) throw Refused("there is no such channel in the list");
     if (channel->hidden == hidden) throw Refused(hidden ? "the channel is hidden" : "the channel is not hidden");
@@ -151,9 +146,9 @@ std::string ChannelConfigFamily::SetHidden(const std::vector<std::string>& words
     return channel->name;
 }
 
-std::string ChannelConfigFamily::SetListed(const std::vector<std::string>& words, bool listed) {
+std::string ChannelConfigFamily::SetListed(const Words& words, bool listed) {
     const auto number = Number(Word(words));
-    if (!number) throw Refused(listed ? "usage: restore NUMBER" : "usage: remove NUMBER");
+    if (!number) throw WrongWords();
     const auto channel = listed ? mTv.channelList.PutBack(*number) : mTv.channelList.TakeOut(*number);
     if (!channel) throw Refused(listed ? "no such channel was removed" : "there is no such channel in the list");
     mTv.onConfigChange(ConfigChange::ChannelList);

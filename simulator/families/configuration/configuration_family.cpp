@@ -60,13 +60,9 @@ class ConfigurationFamily : public Family {
     explicit ConfigurationFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
     void Gives(int code, const char* name, Preference preference, const char* member);
     void Takes(int code, const char* name, Preference preference, const char* member,
                Json::Value (*read)(const Arguments&, const char*));
-    void AddCommands();
 
     void GetOrSetText(In in, Out out);
     void GetDeviceIdContent(In, Out out);
@@ -78,8 +74,8 @@ class ConfigurationFamily : public Family {
     void Tell(Preference preference);
 
     // At the television.
-    std::string Set(const std::vector<std::string>& words);
-    std::string Get(const std::vector<std::string>& words) const;
+    std::string Set(const Words& words);
+    std::string Get(const Words& words);
 
     Preferences& mPreferences;
     EventSink& mSink;
@@ -127,14 +123,9 @@ ConfigurationFamily::ConfigurationFamily(const FamilySetup& setup)
     Row(34, "UnregisterCallback", &F::UnregisterCallback);
     Gives(35, "GetRatingAge", P::RatingAge, "age");
     Gives(36, "GetDNTPolicy", P::DoNotTrack, "dnt");
-    AddCommands();
-    mPreferences.onChange = [this](Preference preference) { Tell(preference); };
-}
-
-void ConfigurationFamily::AddCommands() {
-    AddCommand("set",
-               {"set PREFERENCE VALUE", "the viewer changes a preference", [this](const auto& w) { return Set(w); }});
-    AddCommand("get", {"get [PREFERENCE]", "what a preference is, or all", [this](const auto& w) { return Get(w); }});
+    AddCommand("set PREFERENCE VALUE", "the viewer changes a preference", &F::Set);
+    AddCommand("get [PREFERENCE]", "what a preference is, or all", &F::Get);
+    mPreferences.Watch([this](Preference preference) { Tell(preference); });
 }
 
 void ConfigurationFamily::Gives(int code, const char* name, Preference preference, const char* member) {
@@ -209,16 +200,16 @@ void ConfigurationFamily::GetDttNetworkIds(In, Out out) {
 
 // --- At the television
 
-std::string ConfigurationFamily::Set(const std::vector<std::string>& words) {
-    if (words.size() < 2) throw Refused("usage: set PREFERENCE VALUE");
+std::string ConfigurationFamily::Set(const Words& words) {
+    if (words.size() < 2) throw WrongWords();
     std::string value = words[1];
     for (size_t i = 2; i < words.size(); ++i) value += " " + words[i];
     mPreferences.SetFromText(words[0], value);
     return "";
 }
 
-std::string ConfigurationFamily::Get(const std::vector<std::string>& words) const {
-    if (words.size() > 1) throw Refused("usage: get [PREFERENCE]");
+std::string ConfigurationFamily::Get(const Words& words) {
+    if (words.size() > 1) throw WrongWords();
     if (words.size() == 1) return mPreferences.AsText(words[0]);
     std::string all;
     for (const std::string& name : Preferences::Names()) {

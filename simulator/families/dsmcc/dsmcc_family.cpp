@@ -37,8 +37,6 @@ class DsmccFamily : public Family {
     explicit DsmccFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
     using File = std::shared_ptr<const LocalFiles::File>;
 
     // What one caller asked for and has not released: the URL together with the caller's mark.
@@ -68,7 +66,7 @@ class DsmccFamily : public Family {
     void Send(FileEvent event, const Key& key, const File& file = nullptr);
 
     // At the television.
-    std::string Change(const std::vector<std::string>& words);
+    std::string Change(const Words& words);
 
     EventLoop& mLoop;
     Tv& mTv;
@@ -89,8 +87,7 @@ DsmccFamily::DsmccFamily(const FamilySetup& setup)
     using F = DsmccFamily;
     Row(0, "RequestFile", &F::RequestFile);
     Row(1, "ReleaseFile", &F::ReleaseFile);
-    AddCommand("carousel-change", {"carousel-change PATH", "the carousel sends the file as a new version",
-                                   [this](const auto& words) { return Change(words); }});
+    AddCommand("carousel-change PATH", "the carousel sends the file as a new version", &F::Change);
     mTv.tuner.Watch([this] { CarouselLeft(); });
     if (setup.settings.carousel.empty()) return;
     mCarousel = std::make_unique<Carousel>(setup.settings.carousel);
@@ -217,10 +214,10 @@ void DsmccFamily::Send(FileEvent event, const Key& key, const File& file) {
 
 // --- At the television
 
-std::string DsmccFamily::Change(const std::vector<std::string>& words) {
-    if (words.size() != 1) throw Refused("usage: carousel-change PATH");
+std::string DsmccFamily::Change(const Words& words) {
+    const std::string& word = Word(words);
     if (!mCarousel) throw Refused("there is no carousel, see --carousel");
-    const CarouselPath path = ReadCarouselPath(words[0]);
+    const CarouselPath path = ReadCarouselPath(word);
     const int version = mCarousel->NextVersion(path);
     Changed(path);
     return "version " + std::to_string(version);

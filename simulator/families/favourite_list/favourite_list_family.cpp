@@ -1,7 +1,7 @@
 // Requests of the favourite list family: see favourite_list_family.h.
 #include "families/favourite_list/favourite_list_family.h"
 
-#include "families/members.h"
+#include "families/object_family.h"
 
 namespace hbbtv::sim {
 
@@ -10,50 +10,43 @@ namespace {
 constexpr size_t kMostChannels = 20000;
 constexpr int kAnyNetwork = -1;
 
-class FavouriteListFamily : public Family {
+class FavouriteListFamily : public ObjectFamily<FavouriteList> {
   public:
     explicit FavouriteListFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
-    std::shared_ptr<FavouriteList> Named(In in) const {
-        return Find(mTv.favouriteLists, in, "fl_handle", "favourite list");
-    }
-
-    void InsertBefore(In in, Out out);
-    void RemoveAt(In in, Out out);
-
-    // A row that finds a channel of the list, or the null handle.
-    template <typename Search>
-    void Look(int code, const char* name, Search search) {
-        Row(code, name,
-            [this, search](In in, Out out) { out["channel"] = Text(mTv.channels, search(Named(in)->channels, in)); });
-    }
+    void InsertBefore(In in, Out);
+    void RemoveAt(In in, Out);
 
     Tv& mTv;
 };
 
 // Its code numbers end where those of the collection begin: both have the same type.
 FavouriteListFamily::FavouriteListFamily(const FamilySetup& setup)
-    : Family({"favourite_list", "service_plugin_to_hbbtv_vb_fav_list", "", 5, "method", 15}), mTv(setup.tv) {
-    Row(0, "Release", [this](In in, Out) { Remove(mTv.favouriteLists, in, "fl_handle", "favourite list"); });
-    Row(1, "GetLength",
-        [this](In in, Out out) { out["len"] = static_cast<unsigned>(Named(in)->channels.Channels().size()); });
-    Row(2, "GetFavID", [this](In in, Out out) { out["favId"] = Named(in)->id; });
-    Row(3, "SetName", [this](In in, Out) { Named(in)->name = in.ShortText("name"); });
-    Row(4, "GetName", [this](In in, Out out) { out["name"] = Named(in)->name; });
-    Look(5, "Item", [](const ChannelList& list, In in) { return At(list.Channels(), in.Int("index")); });
-    Look(6, "GetChannel", [](const ChannelList& list, In in) { return list.WithId(in.Text("channelID")); });
-    Look(7, "GetChannelByTriplet", [](const ChannelList& list, In in) {
+    : ObjectFamily({"favourite_list", "service_plugin_to_hbbtv_vb_fav_list", "", 5, "method", 15},
+                   setup.tv.favouriteLists, "fl_handle", "favourite list"),
+      mTv(setup.tv) {
+    using F = FavouriteListFamily;
+    const auto look = [&](int code, const char* name, auto search) {
+        Look(code, name, "channel", setup.tv.channels,
+             [search](const FavouriteList& list, In in) { return search(list.channels, in); });
+    };
+    Row(0, "Release", &F::Release);
+    Get(1, "GetLength", "len",
+        [](const FavouriteList& list) { return static_cast<unsigned>(list.channels.Channels().size()); });
+    Get(2, "GetFavID", "favId", [](const FavouriteList& list) { return list.id; });
+    Set(3, "SetName", [](FavouriteList& list, In in) { list.name = in.ShortText("name"); });
+    Get(4, "GetName", "name", [](const FavouriteList& list) { return list.name; });
+    look(5, "Item", [](const ChannelList& list, In in) { return At(list.Channels(), in.Int("index")); });
+    look(6, "GetChannel", [](const ChannelList& list, In in) { return list.WithId(in.Text("channelID")); });
+    look(7, "GetChannelByTriplet", [](const ChannelList& list, In in) {
         return list.WithTriplet(in.Int("onid"), in.Int("tsid"), in.Int("sid"), kAnyNetwork);
     });
-    Look(8, "GetChannelBySourceID",
+    look(8, "GetChannelBySourceID",
          [](const ChannelList& list, In in) { return list.WithSourceId(in.Int("sourceID")); });
-    Row(9, "InsertBefore", &FavouriteListFamily::InsertBefore);
-    Row(10, "Remove", &FavouriteListFamily::RemoveAt);
-    Row(11, "Commit", [this](In in, Out) { mTv.favourites->Commit(*Named(in)); });
+    Row(9, "InsertBefore", &F::InsertBefore);
+    Row(10, "Remove", &F::RemoveAt);
+    Set(11, "Commit", [this](FavouriteList& list, In) { mTv.favourites->Commit(list); });
 }
 
 void FavouriteListFamily::InsertBefore(In in, Out) {

@@ -12,9 +12,6 @@ class LocalSystemFamily : public Family {
     explicit LocalSystemFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
     void GetDeviceID(In, Out out) { out["deviceID"] = mDevice.Id(); }
     void GetVendorName(In, Out out) { out["vendorName"] = mDevice.Description().vendorName; }
     void GetModelName(In, Out out) { out["modelName"] = mDevice.Description().modelName; }
@@ -26,8 +23,8 @@ class LocalSystemFamily : public Family {
     void GetCiplusEnabled(In, Out out) { out["ciplusEnabled"] = mDevice.Description().ciPlus ? 1 : 0; }
 
     // At the television.
-    std::string Switch(const std::vector<std::string>& words, const char* name, bool DeviceDescription::*what);
-    std::string UpdateSoftware(const std::vector<std::string>& words);
+    std::string Switch(const Words& words, bool DeviceDescription::*what);
+    std::string UpdateSoftware(const Words& words);
 
     Device& mDevice;
 };
@@ -44,25 +41,23 @@ LocalSystemFamily::LocalSystemFamily(const FamilySetup& setup)
     Row(12, "GetSerialNumber", &F::GetSerialNumber);
     Row(14, "GetPvrEnabled", &F::GetPvrEnabled);
     Row(16, "GetCiplusEnabled", &F::GetCiplusEnabled);
-    AddCommand("pvr", {"pvr on|off", "the disk for recordings is plugged in, or pulled out",
-                       [this](const auto& words) { return Switch(words, "pvr", &DeviceDescription::pvr); }});
-    AddCommand("ci-plus", {"ci-plus on|off", "a CI Plus module is plugged in, or pulled out",
-                           [this](const auto& words) { return Switch(words, "ci-plus", &DeviceDescription::ciPlus); }});
-    AddCommand("software-update", {"software-update VERSION", "the television's software becomes this version",
-                                   [this](const auto& words) { return UpdateSoftware(words); }});
+    AddCommand("pvr on|off", "the disk for recordings is plugged in, or pulled out",
+               [this](const Words& words) { return Switch(words, &DeviceDescription::pvr); });
+    AddCommand("ci-plus on|off", "a CI Plus module is plugged in, or pulled out",
+               [this](const Words& words) { return Switch(words, &DeviceDescription::ciPlus); });
+    AddCommand("software-update VERSION", "the television's software becomes this version", &F::UpdateSoftware);
 }
 
-std::string LocalSystemFamily::Switch(const std::vector<std::string>& words, const char* name,
-                                      bool DeviceDescription::*what) {
-    const std::string word = Word(words);
-    if (word != "on" && word != "off") throw Refused("usage: " + std::string(name) + " on|off");
-    mDevice.Change([&](DeviceDescription& description) { description.*what = word == "on"; });
+// --- At the television
+
+std::string LocalSystemFamily::Switch(const Words& words, bool DeviceDescription::*what) {
+    const bool on = IsFirst(words, "on", "off");
+    mDevice.Change([&](DeviceDescription& description) { description.*what = on; });
     return "";
 }
 
-std::string LocalSystemFamily::UpdateSoftware(const std::vector<std::string>& words) {
-    const std::string version = Word(words);
-    if (version.empty()) throw Refused("usage: software-update VERSION");
+std::string LocalSystemFamily::UpdateSoftware(const Words& words) {
+    const std::string& version = Word(words);
     mDevice.Change([&](DeviceDescription& description) { description.softwareVersion = version; });
     return "";
 }

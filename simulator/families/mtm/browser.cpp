@@ -1,10 +1,9 @@
 // The browser's part in the life of applications: see browser.h.
 #include "families/mtm/browser.h"
 
-#include <cstdio>
-
 #include "core/arguments.h"
 #include "core/journal.h"
+#include "families/members.h"
 #include "families/mtm/xml_signalling.h"
 #include "platform/remote_control.h"
 
@@ -14,27 +13,13 @@ namespace {
 
 constexpr int kPressed = 0;  // type of a key's message
 
-// A reply is taken for what it should be only when it is it.
-bool Good(const Json::Value& reply) {
-    return reply.isObject() && reply["ret"].isInt() && reply["ret"].asInt() == 0;
-}
-
-std::optional<int> Number(const Json::Value& reply, const char* member) {
-    if (!Good(reply) || !reply[member].isInt()) return std::nullopt;
-    return reply[member].asInt();
-}
-
 BrowserCommands::Page PageOf(const Application& application) {
     const char* mode = application.operatorApplication ? "opapp" : "hbbtv";
     return {application.document, application.shown, application.service != nullptr, mode, application.boundaries};
 }
 
 std::string Origin(const Service& service) {
-    if (!service.uri.empty()) return service.uri;
-    char text[40];
-    std::snprintf(text, sizeof(text), "dvb://%x.%x.%x", static_cast<unsigned>(service.onid),
-                  static_cast<unsigned>(service.tsid), static_cast<unsigned>(service.sid));
-    return text;
+    return service.uri.empty() ? DvbUrl(service) : service.uri;
 }
 
 }  // namespace
@@ -76,7 +61,7 @@ void Browser::AskForSignalling(const ApplicationPointer& application) {
 }
 
 void Browser::SignallingCame(const ApplicationPointer& application, const Json::Value& reply) {
-    const bool text = Good(reply) && reply["xmlFile"].isString();
+    const bool text = WentWell(reply) && reply["xmlFile"].isString();
     const auto location = text ? LocationIn(reply["xmlFile"].asString()) : std::nullopt;
     if (!location) return NoTab(application, reply, "it gives no application's place for " + Excerpt(application->url));
     mTv.applications.FoundDocument(application, *location);
@@ -92,7 +77,7 @@ void Browser::AskForTab(const ApplicationPointer& application) {
 }
 
 void Browser::TabCame(const ApplicationPointer& application, const Json::Value& reply) {
-    const auto id = Number(reply, "tabid");
+    const auto id = IntIn(reply, "tabid");
     if (!application->running) {
         if (id) mCommands.DestroyApp(*id);
         if (Tab* tab = id ? mTv.tabs.Find(*id) : nullptr) tab->state = TabState::Closing;
@@ -126,7 +111,7 @@ void Browser::Fill(int tab, const ApplicationPointer& application) {
 void Browser::AskForRenderProcess(int id) {
     mCommands.GetRenderProcessId(id, [this, id](const Json::Value& reply) {
         Tab* tab = mTv.tabs.Find(id);
-        const auto process = Number(reply, "render_id");
+        const auto process = IntIn(reply, "render_id");
         if (tab != nullptr) tab->renderProcess = process;
     });
 }
@@ -219,7 +204,7 @@ void Browser::Ping() {
 }
 
 void Browser::Ponged(const Json::Value& reply) {
-    const auto status = Number(reply, "status");
+    const auto status = IntIn(reply, "status");
     if (!status) return Lost();
     mTv.tabs.browserStatus = *status;
     FoundThere();

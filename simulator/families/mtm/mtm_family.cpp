@@ -4,6 +4,7 @@
 
 #include "common/nearest_name.h"
 #include "core/journal.h"
+#include "families/members.h"
 #include "families/mtm/browser.h"
 #include "platform/remote_control.h"
 
@@ -53,9 +54,6 @@ class MtmFamily : public Family {
     explicit MtmFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
     void AddRows();
     void AddCommands();
     void AddNotification(int code, const char* name, void (MtmFamily::*method)(In));
@@ -86,10 +84,10 @@ class MtmFamily : public Family {
     void OnMemoryReduced(In in) { Named(in).memoryLevel = in.Int("level"); }
 
     // At the television.
-    std::string Key(const std::vector<std::string>& words);
-    std::string TabTable(const std::vector<std::string>& words);
-    std::string Crash(const std::vector<std::string>& words);
-    std::string CloseTabs(const std::vector<std::string>& words);
+    std::string Key(const Words& words);
+    std::string TabTable(const Words& words);
+    std::string Crash(const Words& words);
+    std::string CloseTabs(const Words& words);
 
     Tab& Named(In in) { return mTv.tabs.Named(in.Int("tabid")); }
     static std::string Text(In in, const char* member) { return in.Text(member).substr(0, kLongestKept); }
@@ -137,15 +135,11 @@ void MtmFamily::AddRows() {
 }
 
 void MtmFamily::AddCommands() {
-    const auto add = [this](const char* name, const char* usage, const char* purpose,
-                            std::string (MtmFamily::*method)(const std::vector<std::string>&)) {
-        AddCommand(name, {usage, purpose, [this, method](const auto& words) { return (this->*method)(words); }});
-    };
     using F = MtmFamily;
-    add("key", "key NAME", "the viewer presses a key", &F::Key);
-    add("tabs", "tabs", "the table of tabs", &F::TabTable);
-    add("crash", "crash TAB", "the tab's page brings its process down", &F::Crash);
-    add("close-tabs", "close-tabs", "all tabs go, and their applications with them", &F::CloseTabs);
+    AddCommand("key NAME", "the viewer presses a key", &F::Key);
+    AddCommand("tabs", "the table of tabs", &F::TabTable);
+    AddCommand("crash TAB", "the tab's page brings its process down", &F::Crash);
+    AddCommand("close-tabs", "all tabs go, and their applications with them", &F::CloseTabs);
 }
 
 // --- Life of tabs
@@ -224,9 +218,8 @@ void MtmFamily::OnTabLoadFailed(In in) {
 
 // --- At the television
 
-std::string MtmFamily::Key(const std::vector<std::string>& words) {
-    if (words.size() != 1) throw Refused("usage: key NAME");
-    const RemoteKey* key = FindKey(words[0]);
+std::string MtmFamily::Key(const Words& words) {
+    const RemoteKey* key = FindKey(Word(words));
     if (key == nullptr) {
         std::set<std::string> known;
         for (const RemoteKey& one : RemoteKeys()) known.insert(one.name);
@@ -236,8 +229,8 @@ std::string MtmFamily::Key(const std::vector<std::string>& words) {
     return taker ? taker->name : "no application takes it";
 }
 
-std::string MtmFamily::TabTable(const std::vector<std::string>& words) {
-    if (!words.empty()) throw Refused("usage: tabs");
+std::string MtmFamily::TabTable(const Words& words) {
+    RequireNone(words);
     const Tabs& tabs = mTv.tabs;
     std::string text = std::string("browser ") + mBrowser.Presence() + ", status " +
                        std::to_string(tabs.browserStatus) + ", memory " + std::to_string(tabs.memoryStatus) +
@@ -247,16 +240,15 @@ std::string MtmFamily::TabTable(const std::vector<std::string>& words) {
     return text;
 }
 
-std::string MtmFamily::Crash(const std::vector<std::string>& words) {
-    const std::string word = words.size() == 1 ? words[0] : "";
-    const bool number = !word.empty() && word.size() <= 9 && word.find_first_not_of("0123456789") == std::string::npos;
-    if (!number) throw Refused("usage: crash TAB");
-    Crashed(mTv.tabs.Named(std::stoi(word)));
+std::string MtmFamily::Crash(const Words& words) {
+    const auto tab = Number(Word(words), INT32_MAX);
+    if (!tab) throw WrongWords();
+    Crashed(mTv.tabs.Named(*tab));
     return "";
 }
 
-std::string MtmFamily::CloseTabs(const std::vector<std::string>& words) {
-    if (!words.empty()) throw Refused("usage: close-tabs");
+std::string MtmFamily::CloseTabs(const Words& words) {
+    RequireNone(words);
     mBrowser.DestroyAll();
     return "";
 }

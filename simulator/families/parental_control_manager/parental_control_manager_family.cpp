@@ -28,12 +28,8 @@ class ParentalControlManagerFamily : public Family {
     explicit ParentalControlManagerFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
     void AddManagerRows();
     void AddRatingRows();
-    void AddCommands();
 
     void Create(In, Out out) { out["out_handle"] = Text(mManagers, std::make_shared<Manager>()); }
     void Destroy(In in, Out) { Remove(mManagers, in, "in_handle", kManager); }
@@ -57,7 +53,7 @@ class ParentalControlManagerFamily : public Family {
     void GetLocalParentalRating(In, Out out);
 
     // At the television.
-    std::string SetThreshold(const std::vector<std::string>& words);
+    std::string SetThreshold(const Words& words);
 
     void RequireManager(In in) const { Find(mManagers, in, "in_handle", kManager); }
     const RatingScheme& Scheme(In in) const { return *Find(mSchemes, in, "in_handle", kScheme); }
@@ -83,7 +79,8 @@ ParentalControlManagerFamily::ParentalControlManagerFamily(const FamilySetup& se
       mRatings(setup.tv.handleSource) {
     AddManagerRows();
     AddRatingRows();
-    AddCommands();
+    AddCommand("parental-threshold SCHEME RATING|none", "the parents block from this rating on, or nothing",
+               &ParentalControlManagerFamily::SetThreshold);
 }
 
 void ParentalControlManagerFamily::AddManagerRows() {
@@ -112,12 +109,6 @@ void ParentalControlManagerFamily::AddRatingRows() {
     Row(48, "AddParentalRating", &F::AddParentalRating);
     Row(49, "ReleaseParentalRatingCollection", &F::ReleaseParentalRatingCollection);
     Row(50, "GetLocalParentalRating", &F::GetLocalParentalRating);
-}
-
-void ParentalControlManagerFamily::AddCommands() {
-    AddCommand("parental-threshold",
-               {"parental-threshold SCHEME RATING|none", "the parents block from this rating on, or nothing",
-                [this](const auto& words) { return SetThreshold(words); }});
 }
 
 // --- Schemes
@@ -167,14 +158,14 @@ void ParentalControlManagerFamily::AddParentalRating(In in, Out) {
 }
 
 void ParentalControlManagerFamily::GetLocalParentalRating(In, Out out) {
-    out["parentRating"] = mTv.parentalControl.LocalRating();
+    out["parentRating"] = mTv.preferences.Get(Preference::RatingAge);
     out["countryCode"] = mTv.preferences.Get(Preference::Country);
 }
 
 // --- At the television
 
-std::string ParentalControlManagerFamily::SetThreshold(const std::vector<std::string>& words) {
-    if (words.size() != 2) throw Refused("usage: parental-threshold SCHEME RATING|none");
+std::string ParentalControlManagerFamily::SetThreshold(const Words& words) {
+    if (words.size() != 2) throw WrongWords();
     mTv.parentalControl.SetThreshold(words[0], words[1] == "none" ? "" : words[1]);
     return "";
 }

@@ -3,7 +3,7 @@
 
 #include <map>
 
-#include "families/members.h"
+#include "families/object_family.h"
 #include "platform/si_descriptors.h"
 
 namespace hbbtv::sim {
@@ -13,39 +13,33 @@ namespace {
 // A tag is one byte.
 constexpr int kLastTag = 0xff;
 
-class ProgrammeFamily : public Family {
+void SetDuration(Programme& programme, int duration) {
+    if (duration < 0) throw Refused("the duration is negative");
+    programme.duration = duration;
+}
+
+void SetIdType(Programme& programme, int type) {
+    programme.idType = static_cast<int>(Choice(type, ProgrammeIdType::TvaGroupCrid, "type of identifiers"));
+}
+
+class ProgrammeFamily : public ObjectFamily<Programme> {
   public:
-    explicit ProgrammeFamily(const FamilySetup& setup)
-        : Family({"programme", "service_plugin_to_hbbtv_program", "", 13, "method", 5}), mTv(setup.tv) {
-        AddMembers();
-        AddDescriptors();
-    }
+    explicit ProgrammeFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
-    std::shared_ptr<Programme> Named(In in) const { return Find(mTv.programmes, in, "handle", "programme"); }
-
-    // A row that reads the programme into one member of the reply.
-    template <typename Read>
-    void Get(int code, const char* name, const char* member, Read read) {
-        Row(code, name, [this, member, read](In in, Out out) { out[member] = read(*Named(in)); });
-    }
-
+    // What a client has set shows in the programme.
     template <typename Change>
     void Set(int code, const char* name, Change change) {
-        Row(code, name, [this, change](In in, Out) {
-            const auto programme = Named(in);
-            change(*programme, in);
-            programme->changed = true;
+        ObjectFamily::Set(code, name, [change](Programme& programme, In in) {
+            change(programme, in);
+            programme.changed = true;
         });
     }
 
     void AddMembers();
     void AddDescriptors();
 
-    void Release(In in, Out);
+    void Release(In in, Out out);
     void GetParentalRatings(In in, Out out);
     std::vector<std::string> Descriptors(In in) const;
     void GetSIDescriptorByIndex(In in, Out out);
@@ -55,14 +49,12 @@ class ProgrammeFamily : public Family {
     std::map<const Programme*, int> mWantedTags;  // of the programmes for which a tag was asked
 };
 
-void SetDuration(Programme& programme, int duration) {
-    if (duration < 0) throw Refused("the duration is negative");
-    programme.duration = duration;
-}
-
-void SetIdType(Programme& programme, int type) {
-    if (type < 0 || type > 2) throw Refused("there is no type of identifiers " + std::to_string(type));
-    programme.idType = type;
+ProgrammeFamily::ProgrammeFamily(const FamilySetup& setup)
+    : ObjectFamily({"programme", "service_plugin_to_hbbtv_program", "", 13, "method", 5}, setup.tv.programmes, "handle",
+                   "programme"),
+      mTv(setup.tv) {
+    AddMembers();
+    AddDescriptors();
 }
 
 void ProgrammeFamily::AddMembers() {
@@ -93,9 +85,9 @@ void ProgrammeFamily::AddDescriptors() {
     Row(79, "GetSIDescriptorByEventId", &ProgrammeFamily::GetSIDescriptorByEventId);
 }
 
-void ProgrammeFamily::Release(In in, Out) {
+void ProgrammeFamily::Release(In in, Out out) {
     mWantedTags.erase(Named(in).get());
-    Remove(mTv.programmes, in, "handle", "programme");
+    ObjectFamily::Release(in, out);
 }
 
 // Clients may add to the collection, so a programme whose collection was given out counts as changed.

@@ -26,9 +26,6 @@ class SearchManagerFamily : public Family {
     explicit SearchManagerFamily(const FamilySetup& setup);
 
   private:
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
     // Search managers.
     void Create(In, Out out) { out["out_handle"] = Text(mManagers, std::make_shared<Manager>()); }
     void Destroy(In in, Out);

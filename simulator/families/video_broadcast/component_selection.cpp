@@ -16,11 +16,35 @@ bool Fits(const Component& wanted, const Component& candidate) {
            wanted.audioDescription == candidate.audioDescription;
 }
 
+// With audio description, or for the hearing impaired.
+bool IsAid(const Component& component) {
+    return component.audioDescription || component.hearingImpaired;
+}
+
+bool IsPlain(const Component& component) {
+    return !IsAid(component);
+}
+
+using Condition = bool (*)(const Component&);
+
+// Of the language that comes first in the list, ISO 639-2 with commas between; *** is any.
+std::shared_ptr<Component> FirstIn(const std::string& languages, Condition fits, const ComponentList& components) {
+    for (size_t at = 0; at < languages.size(); at += 4) {
+        const std::string language = languages.substr(at, 3);
+        for (const auto& component : components) {
+            if ((language == "***" || language == component->language) && fits(*component)) return component;
+        }
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 void ComponentSelection::Start(std::shared_ptr<const Service> service) {
     mService = std::move(service);
-    mActive = {Usual(ComponentType::Video), Usual(ComponentType::Audio), nullptr};
+    const bool subtitles = mPreferences.Get(Preference::Subtitles).asBool();
+    mActive = {Usual(ComponentType::Video), Usual(ComponentType::Audio),
+               subtitles ? Usual(ComponentType::Subtitle) : nullptr};
 }
 
 void ComponentSelection::Clear() {
@@ -66,10 +90,17 @@ std::shared_ptr<Component> ComponentSelection::Resolve(const std::shared_ptr<Com
 }
 
 std::shared_ptr<Component> ComponentSelection::Usual(ComponentType type) const {
-    for (const auto& component : All(type)) {
-        if (!component->audioDescription) return component;
-    }
-    return nullptr;
+    const ComponentList all = All(type);
+    const bool sound = type == ComponentType::Audio;
+    const std::string languages =
+        mPreferences.Get(sound ? Preference::AudioLanguage : Preference::SubtitleLanguage).asString();
+    const bool aided = mPreferences.Get(sound ? Preference::AudioDescription : Preference::HearingImpaired).asBool();
+    auto chosen = aided ? FirstIn(languages, IsAid, all) : nullptr;
+    if (!chosen) chosen = FirstIn(languages, IsPlain, all);
+    if (!chosen && !sound) chosen = FirstIn(languages, IsAid, all);  // better than another language
+    if (!chosen) chosen = FirstIn("***", IsPlain, all);
+    if (!chosen && (aided || !sound)) chosen = FirstIn("***", IsAid, all);
+    return chosen;
 }
 
 bool ComponentSelection::Select(const std::shared_ptr<Component>& component) {

@@ -10,7 +10,9 @@ namespace hbbtv::sim {
 
 class ComponentSelection {
   public:
-    // The usual ones of a service: its first picture, its first sound without audio description, no subtitles.
+    explicit ComponentSelection(const Preferences& preferences) : mPreferences(preferences) {}
+
+    // The usual ones of a service; subtitles only when the viewer wants them.
     void Start(std::shared_ptr<const Service> service);
     void Clear();
 
@@ -25,6 +27,9 @@ class ComponentSelection {
     // description. Null when the service has none.
     std::shared_ptr<Component> Resolve(const std::shared_ptr<Component>& wanted) const;
 
+    // The one that the viewer's preferences of languages, audio description and subtitles for the hearing impaired
+    // choose. Null when the service has none of the type, and when it has only sound that describes, which nobody wants
+    // unasked.
     std::shared_ptr<Component> Usual(ComponentType type) const;
 
     // Whether something changed.
@@ -32,6 +37,7 @@ class ComponentSelection {
     bool Unselect(ComponentType type);
 
   private:
+    const Preferences& mPreferences;
     std::shared_ptr<const Service> mService;
     std::array<std::shared_ptr<Component>, 3> mActive;
 };

@@ -15,20 +15,12 @@ namespace {
 
 constexpr unsigned kLoudest = 100;
 
-ComponentType TypeOf(int number) {
-    if (number < 0 || number > 2) throw Refused("there is no component type " + std::to_string(number));
-    return static_cast<ComponentType>(number);
-}
-
 class VideoBroadcastFamily : public Family {
   public:
     explicit VideoBroadcastFamily(const FamilySetup& setup);
 
   private:
     using Object = VideoBroadcastObject;
-    using In = const Arguments&;
-    using Out = Json::Value&;
-
     void AddRows();
     void AddCommands();
 
@@ -100,13 +92,13 @@ class VideoBroadcastFamily : public Family {
     void RemoveStreamEventListener(In in, Out);
 
     // At the television.
-    std::string Zap(const std::vector<std::string>& words);
-    std::string Signal(const std::vector<std::string>& words);
-    std::string ParentalLock(const std::vector<std::string>& words);
-    std::string Rate(const std::vector<std::string>& words);
-    std::string Fail(const std::vector<std::string>& words);
-    std::string TakeTuner(const std::vector<std::string>& words);
-    std::string Record(const std::vector<std::string>& words);
+    std::string Zap(const Words& words);
+    std::string Signal(const Words& words);
+    std::string ParentalLock(const Words& words);
+    std::string Rate(const Words& words);
+    std::string Fail(const Words& words);
+    std::string TakeTuner(const Words& words);
+    std::string Record(const Words& words);
 
     std::shared_ptr<Object> NewObject();
     Handle Supervisor();
@@ -199,18 +191,14 @@ void VideoBroadcastFamily::AddRows() {
 }
 
 void VideoBroadcastFamily::AddCommands() {
-    const auto add = [this](const char* name, const char* usage, const char* purpose,
-                            std::string (VideoBroadcastFamily::*method)(const std::vector<std::string>&)) {
-        AddCommand(name, {usage, purpose, [this, method](const auto& words) { return (this->*method)(words); }});
-    };
     using F = VideoBroadcastFamily;
-    add("zap", "zap next|previous|NUMBER", "the viewer changes the channel", &F::Zap);
-    add("signal", "signal lost|back", "a disturbance that passes", &F::Signal);
-    add("parental-lock", "parental-lock on|pin", "the parents' lock falls, or its PIN is entered", &F::ParentalLock);
-    add("parental-rating", "parental-rating SCHEME RATING", "what is presented is rated so from now on", &F::Rate);
-    add("fail", "fail [ERROR]", "presenting fails for good, with this error (100)", &F::Fail);
-    add("tuner", "tuner taken|free", "something else needs the tuner", &F::TakeTuner);
-    add("record", "record", "what is presented is recorded from now on", &F::Record);
+    AddCommand("zap next|previous|NUMBER", "the viewer changes the channel", &F::Zap);
+    AddCommand("signal lost|back", "a disturbance that passes", &F::Signal);
+    AddCommand("parental-lock on|pin", "the parents' lock falls, or its PIN is entered", &F::ParentalLock);
+    AddCommand("parental-rating SCHEME RATING", "what is presented is rated so from now on", &F::Rate);
+    AddCommand("fail [ERROR]", "presenting fails for good, with this error (100)", &F::Fail);
+    AddCommand("tuner taken|free", "something else needs the tuner", &F::TakeTuner);
+    AddCommand("record", "what is presented is recorded from now on", &F::Record);
 }
 
 // --- Which one is meant
@@ -359,9 +347,7 @@ void VideoBroadcastFamily::GetPlaySpeedByIndex(In in, Out out) {
 
 void VideoBroadcastFamily::SetTimeShiftMode(In in, Out) {
     Object& object = Named(in);
-    const int mode = in.Int("mode");
-    if (mode < 0 || mode > 3) throw Refused("there is no time-shift mode " + std::to_string(mode));
-    object.Shift().mode = static_cast<TimeShiftMode>(mode);
+    object.Shift().mode = Choice(in.Int("mode"), TimeShiftMode::LocalThenNetwork, "time-shift mode");
 }
 
 void VideoBroadcastFamily::StopRecording(In in, Out) {
@@ -370,9 +356,8 @@ void VideoBroadcastFamily::StopRecording(In in, Out) {
 
 void VideoBroadcastFamily::Seek(In in, Out) {
     Object& object = Named(in);
-    const int reference = in.Int("reference");
-    if (reference < 0 || reference > 2) throw Refused("there is no reference " + std::to_string(reference));
-    object.Seek(in.Int("offset"), static_cast<SeekReference>(reference));
+    const SeekReference reference = Choice(in.Int("reference"), SeekReference::End, "reference");
+    object.Seek(in.Int("offset"), reference);
 }
 
 // --- Programmes
@@ -397,16 +382,16 @@ void VideoBroadcastFamily::CreateProgrammeList(In, Out out) {
 // --- Components
 
 void VideoBroadcastFamily::GetAVComponentNumByType(In in, Out out) {
-    out["num"] = static_cast<unsigned>(Named(in).Components().All(TypeOf(in.Int("comType"))).size());
+    out["num"] = static_cast<unsigned>(Named(in).Components().All(ReadComponentType(in.Int("comType"))).size());
 }
 
 void VideoBroadcastFamily::GetSpecificTypeAVComponentByIndex(In in, Out out) {
-    const ComponentList all = Named(in).Components().All(TypeOf(in.Int("comType")));
+    const ComponentList all = Named(in).Components().All(ReadComponentType(in.Int("comType")));
     out["component"] = Text(mTv.components, At(all, in.UInt("index")));
 }
 
 void VideoBroadcastFamily::GetCurrentActiveAVComponentNumByType(In in, Out out) {
-    out["num"] = static_cast<unsigned>(Named(in).Components().Active(TypeOf(in.Int("comType"))).size());
+    out["num"] = static_cast<unsigned>(Named(in).Components().Active(ReadComponentType(in.Int("comType"))).size());
 }
 
 // This request comes without a type, so the index counts the active components of all types.
@@ -434,7 +419,7 @@ void VideoBroadcastFamily::UnselectComponent(In in, Out) {
 
 void VideoBroadcastFamily::SelectComponentByType(In in, Out) {
     Object& object = Named(in);
-    const ComponentType type = TypeOf(in.Int("comType"));
+    const ComponentType type = ReadComponentType(in.Int("comType"));
     if (!object.Components().Active(type).empty()) return;
     const auto component = object.Components().Usual(type);
     if (!component) throw Refused("the service has no component of this type");
@@ -444,7 +429,7 @@ void VideoBroadcastFamily::SelectComponentByType(In in, Out) {
 
 void VideoBroadcastFamily::UnselectComponentByType(In in, Out) {
     Object& object = Named(in);
-    const ComponentType type = TypeOf(in.Int("comType"));
+    const ComponentType type = ReadComponentType(in.Int("comType"));
     const bool changed = object.Components().Unselect(type);
     if (changed) object.Events().SelectedComponent(static_cast<int>(type));
 }
@@ -478,7 +463,7 @@ void VideoBroadcastFamily::CreateVideoComponent(In in, Out out) {
 
 void VideoBroadcastFamily::CreateAVComponentList(In in, Out out) {
     const bool active = in.Bool("is_active");
-    const ComponentType type = TypeOf(in.Int("avcmp_type"));
+    const ComponentType type = ReadComponentType(in.Int("avcmp_type"));
     auto list = std::make_shared<ComponentList>();
     if (Object* object = Viewed()) *list = active ? object->Components().Active(type) : object->Components().All(type);
     out["avcmp_coll"] = Text(mTv.componentLists, list);
@@ -496,11 +481,11 @@ void VideoBroadcastFamily::RemoveStreamEventListener(In in, Out) {
 
 // --- At the television
 
-std::string VideoBroadcastFamily::Zap(const std::vector<std::string>& words) {
-    const std::string word = Word(words);
+std::string VideoBroadcastFamily::Zap(const Words& words) {
+    const std::string& word = Word(words);
     const auto number = Number(word);
     const int steps = word == "next" ? 1 : word == "previous" ? -1 : 0;
-    if (!number && steps == 0) throw Refused("usage: zap next|previous|NUMBER");
+    if (!number && steps == 0) throw WrongWords();
     const ChannelLists& list = mTv.channelList;
     const auto channel = number ? list.WithNumber(*number) : list.Neighbour(*mTv.tuner.On(), steps);
     if (!channel) throw Refused("there is no such channel in the list");
@@ -514,25 +499,23 @@ std::string VideoBroadcastFamily::Zap(const std::vector<std::string>& words) {
     return channel->name;
 }
 
-std::string VideoBroadcastFamily::Signal(const std::vector<std::string>& words) {
-    const std::string word = Word(words);
-    if (word != "lost" && word != "back") throw Refused("usage: signal lost|back");
-    if (word == "lost" && !InFront().TransientProblem(ChannelError::CannotTune)) throw Refused("nothing is presented");
-    if (word == "back" && !InFront().ProblemEnded()) throw Refused("there was no disturbance");
+std::string VideoBroadcastFamily::Signal(const Words& words) {
+    const bool lost = IsFirst(words, "lost", "back");
+    if (lost && !InFront().TransientProblem(ChannelError::CannotTune)) throw Refused("nothing is presented");
+    if (!lost && !InFront().ProblemEnded()) throw Refused("there was no disturbance");
     return "";
 }
 
-std::string VideoBroadcastFamily::ParentalLock(const std::vector<std::string>& words) {
-    const std::string word = Word(words);
-    if (word != "on" && word != "pin") throw Refused("usage: parental-lock on|pin");
-    if (word == "on" && !InFront().TransientProblem(ChannelError::ParentalLock)) throw Refused("nothing is presented");
-    if (word == "pin" && !InFront().ProblemEnded()) throw Refused("nothing is locked");
+std::string VideoBroadcastFamily::ParentalLock(const Words& words) {
+    const bool on = IsFirst(words, "on", "pin");
+    if (on && !InFront().TransientProblem(ChannelError::ParentalLock)) throw Refused("nothing is presented");
+    if (!on && !InFront().ProblemEnded()) throw Refused("nothing is locked");
     return "";
 }
 
 // The event's collection is the receiver's, who may add to it.
-std::string VideoBroadcastFamily::Rate(const std::vector<std::string>& words) {
-    if (words.size() != 2) throw Refused("usage: parental-rating SCHEME RATING");
+std::string VideoBroadcastFamily::Rate(const Words& words) {
+    if (words.size() != 2) throw WrongWords();
     const auto scheme = mTv.parentalControl.Find(words[0]);
     const auto rating = scheme ? scheme->RatingOf(words[1]) : nullptr;
     if (!rating) throw Refused("there is no such rating");
@@ -545,22 +528,20 @@ std::string VideoBroadcastFamily::Rate(const std::vector<std::string>& words) {
     return blocked ? "blocked" : "";
 }
 
-std::string VideoBroadcastFamily::Fail(const std::vector<std::string>& words) {
+std::string VideoBroadcastFamily::Fail(const Words& words) {
     const auto error = words.empty() ? static_cast<int>(ChannelError::Unidentified) : Number(Word(words));
-    if (!error) throw Refused("usage: fail [ERROR]");
+    if (!error) throw WrongWords();
     if (!InFront().PermanentProblem(static_cast<ChannelError>(*error))) throw Refused("nothing is tuned");
     return "";
 }
 
-std::string VideoBroadcastFamily::TakeTuner(const std::vector<std::string>& words) {
-    const std::string word = Word(words);
-    if (word != "taken" && word != "free") throw Refused("usage: tuner taken|free");
-    mTv.tuner.TakeAway(word == "taken");
+std::string VideoBroadcastFamily::TakeTuner(const Words& words) {
+    mTv.tuner.TakeAway(IsFirst(words, "taken", "free"));
     return "";
 }
 
-std::string VideoBroadcastFamily::Record(const std::vector<std::string>& words) {
-    if (!words.empty()) throw Refused("usage: record");
+std::string VideoBroadcastFamily::Record(const Words& words) {
+    RequireNone(words);
     if (!mTv.device.Description().pvr) throw Refused("there is no disk to record on");
     if (!InFront().StartRecording()) throw Refused("nothing is presented, or it is already recorded");
     return "";

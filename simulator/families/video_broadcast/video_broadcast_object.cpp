@@ -25,8 +25,12 @@ VideoBroadcastObject::VideoBroadcastObject(Tv& tv, EventLoop& loop, EventSink& s
       mSettings(settings),
       mOnServiceLeft(std::move(onServiceLeft)),
       mEvents(sink),
+      mComponents(tv.preferences),
+      mNoComponents(tv.preferences),
       mShift(loop, [this] { mEvents.PlaySpeed(1.0); }),
-      mTuning(loop) {}
+      mTuning(loop) {
+    mShift.mode = static_cast<TimeShiftMode>(tv.preferences.Get(Preference::TimeShiftMode).asInt());
+}
 
 VideoBroadcastObject::~VideoBroadcastObject() {
     if (mRecording) mTv.tuner.recorded = false;

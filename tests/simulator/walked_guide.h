@@ -1,0 +1,18 @@
+// What a guide has of a service, as a list.
+#pragma once
+
+#include "platform/guide.h"
+
+namespace hbbtv::sim {
+
+inline ProgrammeList Walked(Guide& guide, const std::shared_ptr<const Service>& service,
+                            TimeRange range = {0, kLastTime}) {
+    ProgrammeList found;
+    guide.Walk(service, range, [&](const std::shared_ptr<Programme>& programme) {
+        found.push_back(programme);
+        return true;
+    });
+    return found;
+}
+
+}  // namespace hbbtv::sim
