@@ -11,7 +11,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::MatchesRegex;
-using testing::StartsWith;
 
 class Call : public InFrontOfTheSystem {};
 

@@ -24,10 +24,9 @@ std::string Steady(std::string line) {
              "\"(wall_us|monotonic_us|took_us|duration_ms|calls|calls_per_second|p50|p90|p99|p99\\.9|max)\":[0-9]+"),
          "\"$1\":N"},
         {std::regex("[0-9]+\\.[0-9]{3} ms"), "N ms"},
-        {std::regex("[0-9]+ calls, [0-9]+ per second"), "N calls, N per second"},
+        {std::regex("[0-9]+\\.[0-9] s: [0-9]+ calls, [0-9]+ per second"), "N s: N calls, N per second"},
         {std::regex("\\([0-9]{2,}\\)"), "(PROCESS)"},
         {std::regex("[0-9]+ of 107 bytes"), "N of 107 bytes"},
-        {std::regex("[0-9]+ of [0-9]+ (sockets|interfaces|event sockets)"), "N of N $1"},
         {std::regex(" +"), " "},
     };
     for (const auto& [pattern, steady] : kRules) line = std::regex_replace(line, pattern, steady);

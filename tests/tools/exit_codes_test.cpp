@@ -14,7 +14,6 @@ namespace hbbtv::test {
 namespace {
 
 using testing::HasSubstr;
-using testing::MatchesRegex;
 
 const std::vector<std::string> kCall{"call", "IChannelConfig.GetCurrentChannel"};
 const std::vector<std::string> kSend{"send", "channel_config.GetCurrentChannel"};

@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "ctl.h"
 #include "raw_listener.h"
 
@@ -13,7 +11,6 @@ namespace hbbtv::test {
 namespace {
 
 using testing::HasSubstr;
-using testing::MatchesRegex;
 
 class Send : public Alone {
   protected:

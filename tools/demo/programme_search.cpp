@@ -6,7 +6,6 @@
 #include <condition_variable>
 #include <ctime>
 #include <mutex>
-#include <vector>
 
 namespace hbbtv::demo {
 

@@ -76,8 +76,7 @@ int CallAndListen(const Interface& interface, const Method& method, const Json::
     const android::sp<DeathNotice> notice = new DeathNotice(interruption);
     notice->Watch(service);
     if (const int code = CallAndPrint(service, method, arguments, events, options); code != kDone) return code;
-    const bool limited = !options.duration.word.empty();
-    interruption.Wait(limited ? std::optional(options.duration.Value()) : std::nullopt);
+    interruption.Wait(options.duration.Limit());
     notice->Check();
     return kDone;
 }

@@ -2,7 +2,6 @@
 // one that was asked for.
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>

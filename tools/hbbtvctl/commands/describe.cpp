@@ -1,6 +1,5 @@
 // hbbtvctl describe: what the .hal files and the wire say of a name.
 #include <cstdio>
-#include <sstream>
 
 #include "commands/commands.h"
 #include "commands/options.h"

@@ -5,12 +5,13 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <map>
+#include <set>
 
 #include "commands/commands.h"
 #include "commands/options.h"
+#include "common/local_socket.h"
 #include "failure.h"
 #include "hidl/caller.h"
 #include "package/values.h"
@@ -40,6 +41,12 @@ struct Check {
 
 using Checks = std::vector<Check>;
 
+std::string Joined(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
+
 Check Good(const std::string& name, const std::string& finding) {
     return {name, Check::Level::Good, finding, ""};
 }
@@ -64,11 +71,11 @@ Check CheckDirectory(const std::string& directory) {
 Check CheckPathLength(const std::string& directory) {
     const std::string longest = LongestFileName(Package::Get());
     const size_t length = directory.size() + 1 + longest.size();
-    const std::string finding =
-        "the longest socket path has " + std::to_string(length) + " of " + std::to_string(kLongestPath) + " bytes";
-    if (length <= kLongestPath) return Good("path length", finding);
+    const std::string finding = "the longest socket path has " + std::to_string(length) + " of " +
+                                std::to_string(kLongestSocketPath) + " bytes";
+    if (length <= kLongestSocketPath) return Good("path length", finding);
     return {"path length", Check::Level::Problem, finding + " (" + longest + ")",
-            "use a directory of at most " + std::to_string(kLongestPath - 1 - longest.size()) + " bytes"};
+            "use a directory of at most " + std::to_string(kLongestSocketPath - 1 - longest.size()) + " bytes"};
 }
 
 std::string Advice(Finding::State state) {
@@ -89,13 +96,13 @@ std::string Advice(Finding::State state) {
 // One line when all are well, else one for each way in which they are not.
 Checks CheckPlatform(const std::string& directory) {
     std::map<Finding::State, std::vector<std::string>> byState;
-    std::map<std::string, int> peers;
+    std::set<std::string> peers;
     size_t all = 0;
     for (const Endpoint& endpoint : AllEndpoints(Package::Get())) {
         if (!endpoint.ofPlatform) continue;
         const Finding finding = LookAt(PathOf(directory, endpoint));
         byState[finding.state].push_back(endpoint.socket);
-        if (finding.state == Finding::State::Serving) ++peers[finding.peer];
+        if (finding.state == Finding::State::Serving) peers.insert(finding.peer);
         ++all;
     }
     Checks checks;
@@ -104,15 +111,11 @@ Checks CheckPlatform(const std::string& directory) {
         Finding finding;
         finding.state = state;
         if (state == Finding::State::Serving) {
-            std::string served;
-            for (const auto& peer : peers) served += (served.empty() ? "" : ", ") + peer.first;
-            checks.push_back(Good("platform", count + "are served by " + served));
+            checks.push_back(Good("platform", count + "are served by " + Joined({peers.begin(), peers.end()})));
             continue;
         }
-        std::string names;
-        for (const std::string& socket : sockets) names += (names.empty() ? "" : ", ") + socket;
-        checks.push_back(
-            {"platform", Check::Level::Problem, count + "are " + finding.InWords() + ": " + names, Advice(state)});
+        checks.push_back({"platform", Check::Level::Problem,
+                          count + "are " + finding.InWords() + ": " + Joined(sockets), Advice(state)});
     }
     return checks;
 }
@@ -188,9 +191,7 @@ Check CheckService(Milliseconds limit) {
     const std::string count =
         std::to_string(all - missing.size()) + " of " + std::to_string(all) + " interfaces answer";
     if (missing.empty()) return Good("service", count);
-    std::string names;
-    for (const std::string& name : missing) names += (names.empty() ? "" : ", ") + name;
-    return {"service", Check::Level::Problem, count + "; missing: " + names,
+    return {"service", Check::Level::Problem, count + "; missing: " + Joined(missing),
             missing.size() == all ? "start hbbtv_service"
                                   : "the service is older than this tool, or could not register them"};
 }
@@ -199,16 +200,16 @@ Check CheckService(Milliseconds limit) {
 Check CheckVersions(const std::string& path) {
     const std::string ours = Package::Get().name + "::";
     const std::string package = ours.substr(0, ours.find('@') + 1);
-    std::string others;
+    std::vector<std::string> others;
     DIR* names = opendir(path.c_str());
     while (const dirent* entry = names == nullptr ? nullptr : readdir(names)) {
         const std::string name = entry->d_name;
         if (name.rfind(package, 0) != 0 || name.rfind(ours, 0) == 0) continue;
-        others += (others.empty() ? "" : ", ") + name.substr(0, name.find(','));
+        others.push_back(name.substr(0, name.find(',')));
     }
     if (names != nullptr) closedir(names);
     if (others.empty()) return Good("version", "nothing but " + Package::Get().name + " is registered");
-    return {"version", Check::Level::Problem, "also registered: " + others,
+    return {"version", Check::Level::Problem, "also registered: " + Joined(others),
             "build service, clients and this tool from the same package", kNotUnderstood};
 }
 

@@ -1,5 +1,4 @@
 // hbbtvctl emit: an event as the platform writes it, to the socket that the library serves.
-#include <cstdio>
 
 #include "arguments.h"
 #include "commands/commands.h"

@@ -264,8 +264,7 @@ int Run(const ListenOptions& options) {
         notice->Watch(listenings.back()->Service());
     }
     std::fprintf(stderr, "hbbtvctl: listening, Ctrl-C ends\n");
-    const bool limited = !options.duration.word.empty();
-    interruption.Wait(limited ? std::optional(options.duration.Value()) : std::nullopt);
+    interruption.Wait(options.duration.Limit());
     try {
         notice->Check();
     } catch (const Failure&) {

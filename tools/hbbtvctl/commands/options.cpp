@@ -34,6 +34,10 @@ Milliseconds TimeOption::Value() const {
     return ReadTime(word).value_or(Milliseconds(0));
 }
 
+std::optional<Milliseconds> TimeOption::Limit() const {
+    return ReadTime(word);
+}
+
 void AddTime(CLI::App& command, const std::string& name, TimeOption& option, const std::string& purpose) {
     const auto check = [](const std::string& text) {
         return ReadTime(text) ? "" : Quoted(text) + " is no time: write 300ms or 2s, at most a day";

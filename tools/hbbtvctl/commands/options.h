@@ -2,23 +2,24 @@
 #pragma once
 
 #include <CLI/App.hpp>
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 
 #include "arguments.h"
+#include "duration.h"
 
 namespace hbbtv::ctl {
-
-using Milliseconds = std::chrono::milliseconds;
 
 // "300ms", "2s", or plain milliseconds.
 struct TimeOption {
     explicit TimeOption(std::string text) : word(std::move(text)) {}
 
     Milliseconds Value() const;
+
+    // Nothing when there is none.
+    std::optional<Milliseconds> Limit() const;
 
     std::string word;
 };

@@ -1,5 +1,4 @@
 // hbbtvctl send: a request as the library writes it, to whoever plays the platform.
-#include <cstdio>
 
 #include "arguments.h"
 #include "commands/commands.h"

@@ -18,11 +18,6 @@ namespace hbbtv::ctl {
 
 namespace {
 
-std::string InWords(Milliseconds time) {
-    const std::string text = std::to_string(time.count());
-    return time.count() % 1000 == 0 ? std::to_string(time.count() / 1000) + " s" : text + " ms";
-}
-
 Invoker InvokerOf(const Interface& interface, const Method& method) {
     for (const MethodBinding& binding : AllBindings().at(interface.name)->methods) {
         if (binding.name == method.name) return binding.invoke;

@@ -3,16 +3,14 @@
 
 #include <json/value.h>
 
-#include <chrono>
 #include <functional>
 #include <string>
 
+#include "duration.h"
 #include "package/bindings.h"
 #include "package/description.h"
 
 namespace hbbtv::ctl {
-
-using Milliseconds = std::chrono::milliseconds;
 
 // Runs `work` on a thread of its own and waits for it. Throws Failure(kTimeout) with `what` when it takes too long, and
 // Interrupted: the thread is left to itself then, and the process has to end by std::_Exit.

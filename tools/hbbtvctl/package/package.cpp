@@ -1,7 +1,6 @@
 // From the built-in text to the package: see description.h.
 #include <json/reader.h>
 
-#include <algorithm>
 #include <cctype>
 #include <set>
 

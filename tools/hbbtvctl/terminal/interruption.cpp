@@ -15,7 +15,6 @@ namespace hbbtv::ctl {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Milliseconds = std::chrono::milliseconds;
 
 int gSignals = -1;  // of the Interruption that there is
 

@@ -1,8 +1,9 @@
 // Waiting that Ctrl-C, SIGTERM, a deadline, a reader of the output that has gone, or another thread ends.
 #pragma once
 
-#include <chrono>
 #include <optional>
+
+#include "duration.h"
 
 namespace hbbtv::ctl {
 
@@ -23,7 +24,7 @@ class Interruption {
     void Wake();
 
     // Without a limit: for ever. NoReader: standard output is a pipe whose other end is closed.
-    Cause Wait(std::optional<std::chrono::milliseconds> limit);
+    Cause Wait(std::optional<Milliseconds> limit);
 
   private:
     int mWake;
@@ -31,6 +32,6 @@ class Interruption {
 
 // Waits until the descriptor can be read; false when it cannot in time. While there is an Interruption, a signal ends
 // the wait by Interrupted.
-bool WaitUntilReadable(int fd, std::chrono::milliseconds limit);
+bool WaitUntilReadable(int fd, Milliseconds limit);
 
 }  // namespace hbbtv::ctl

@@ -16,7 +16,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kConnectAgain{10};
+constexpr Milliseconds kConnectAgain{10};
 constexpr int kConnectAttempts = 100;
 
 std::string WhyNot(const std::string& path, int error) {
@@ -30,8 +30,8 @@ std::string WhyNot(const std::string& path, int error) {
         case Finding::State::NoSocket:
             return path + ": is no socket; remove or rename it, and start the other side again";
         default:
-            if (path.size() <= kLongestPath) return path + ": " + std::strerror(error);
-            return path + ": the path is longer than the " + std::to_string(kLongestPath) +
+            if (path.size() <= kLongestSocketPath) return path + ": " + std::strerror(error);
+            return path + ": the path is longer than the " + std::to_string(kLongestSocketPath) +
                    " bytes that a socket's address holds; use a shorter directory";
     }
 }
@@ -46,17 +46,13 @@ int Connect(const std::string& path) {
     throw Failure(kTimeout, path + ": the other side accepts no connection; it hangs, start it again");
 }
 
-std::string InSeconds(std::chrono::milliseconds time) {
-    return std::to_string(time.count()) + " ms";
-}
-
 }  // namespace
 
 WireConnection::WireConnection(const std::string& path) : mPath(path), mSocket(Connect(path)) {}
 
 bool WireConnection::Wait(short events, Clock::time_point deadline) const {
     while (true) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
+        const auto left = std::chrono::ceil<Milliseconds>(deadline - Clock::now()).count();
         pollfd entry{mSocket.Get(), events, 0};
         const int ready = poll(&entry, 1, left > 0 ? static_cast<int>(left) : 0);
         if (ready > 0) return true;
@@ -64,11 +60,11 @@ bool WireConnection::Wait(short events, Clock::time_point deadline) const {
     }
 }
 
-void WireConnection::Send(const std::string& bytes, std::chrono::milliseconds limit) {
+void WireConnection::Send(const std::string& bytes, Milliseconds limit) {
     const auto deadline = Clock::now() + limit;
     for (size_t sent = 0; sent < bytes.size();) {
         if (!Wait(POLLOUT, deadline)) {
-            throw Failure(kTimeout, mPath + ": the other side did not take the message within " + InSeconds(limit));
+            throw Failure(kTimeout, mPath + ": the other side did not take the message within " + InWords(limit));
         }
         const ssize_t count = send(mSocket.Get(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
         if (count > 0) sent += static_cast<size_t>(count);
@@ -78,7 +74,7 @@ void WireConnection::Send(const std::string& bytes, std::chrono::milliseconds li
     }
 }
 
-Frame WireConnection::Receive(std::chrono::milliseconds limit) {
+Frame WireConnection::Receive(Milliseconds limit) {
     const auto deadline = Clock::now() + limit;
     while (true) {
         if (const auto frame = mReader.Next()) return *frame;
@@ -87,7 +83,7 @@ Frame WireConnection::Receive(std::chrono::milliseconds limit) {
                                               " bytes, more than any message has");
         }
         if (!Wait(POLLIN, deadline)) {
-            throw Failure(kTimeout, mPath + ": no answer within " + InSeconds(limit) +
+            throw Failure(kTimeout, mPath + ": no answer within " + InWords(limit) +
                                         "; the other side hangs: look at its log, or start it again");
         }
         char bytes[65536];
@@ -102,7 +98,7 @@ Frame WireConnection::Receive(std::chrono::milliseconds limit) {
     }
 }
 
-std::string WireConnection::ReceiveAll(std::chrono::milliseconds quiet) {
+std::string WireConnection::ReceiveAll(Milliseconds quiet) {
     std::string all;
     while (Wait(POLLIN, Clock::now() + quiet)) {
         char bytes[65536];

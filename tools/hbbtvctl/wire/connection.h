@@ -2,11 +2,11 @@
 #pragma once
 
 #include <chrono>
-#include <optional>
 #include <string>
 
 #include "common/frame.h"
 #include "common/local_socket.h"
+#include "duration.h"
 
 namespace hbbtv::ctl {
 
@@ -16,13 +16,13 @@ class WireConnection {
     explicit WireConnection(const std::string& path);
 
     // Throws Failure(kPeerLost) or Failure(kTimeout).
-    void Send(const std::string& bytes, std::chrono::milliseconds limit);
+    void Send(const std::string& bytes, Milliseconds limit);
 
     // The next message. Throws Failure(kPeerLost), Failure(kTimeout) or, for a message that cannot be, kNotUnderstood.
-    Frame Receive(std::chrono::milliseconds limit);
+    Frame Receive(Milliseconds limit);
 
     // Whatever comes until nothing more does for `quiet`, or the other side closes.
-    std::string ReceiveAll(std::chrono::milliseconds quiet);
+    std::string ReceiveAll(Milliseconds quiet);
 
   private:
     // Waits until the socket is ready for `events` of poll(); false when it is not in time.

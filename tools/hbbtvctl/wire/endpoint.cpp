@@ -97,9 +97,9 @@ std::string Finding::InWords() const {
 Finding LookAt(const std::string& path) {
     Finding finding;
     struct stat file {};
-    if (path.size() > kLongestPath) {
+    if (path.size() > kLongestSocketPath) {
         finding.state = Finding::State::Unreachable;
-        finding.reason = "the path is longer than " + std::to_string(kLongestPath) + " bytes";
+        finding.reason = "the path is longer than " + std::to_string(kLongestSocketPath) + " bytes";
         return finding;
     }
     if (stat(path.c_str(), &file) != 0) {

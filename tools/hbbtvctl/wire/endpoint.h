@@ -28,9 +28,6 @@ std::string DefaultDirectory();
 
 std::string PathOf(const std::string& directory, const Endpoint& endpoint);
 
-// The longest path that fits into the address of a Unix-domain socket.
-constexpr size_t kLongestPath = 107;
-
 // The longest name of a file that the library or the platform makes there: a client's own end.
 std::string LongestFileName(const Package& package);
 
