@@ -213,8 +213,9 @@ void VideoBroadcastFamily::AddComponents() {
 }
 
 void VideoBroadcastFamily::AddStreamEvents() {
-    Row(64, "AddStreamEventListener",
-        [this](In in, Out) { mListeners.Add(in.Text("strurl"), in.Text("dvburl"), in.Text("event_name")); });
+    Row(64, "AddStreamEventListener", [this](In in, Out) {
+        mListeners.Add(in.ShortText("strurl"), in.ShortText("dvburl"), in.ShortText("event_name"));
+    });
     Row(65, "RemoveStreamEventListener",
         [this](In in, Out) { mListeners.Remove(in.Text("strurl"), in.Text("dvburl"), in.Text("event_name")); });
 }
@@ -291,7 +292,7 @@ void VideoBroadcastFamily::CreateChannel_1(In in, Out out) {
     Named(in);
     Channel channel;
     channel.idType = in.Int("idType");
-    channel.dsd = in.Text("dsd");
+    channel.dsd = in.ShortText("dsd");
     channel.sid = in.Int("sid");
     // The descriptor says on which transponder; here the service id alone finds the service.
     for (const auto& service : mTv.lineUp.services) {
@@ -311,7 +312,7 @@ void VideoBroadcastFamily::CreateChannel_2(In in, Out out) {
     channel.tsid = in.Int("tsid");
     channel.sid = in.Int("sid");
     channel.sourceId = in.Int("sourceId");
-    channel.ipBroadcastId = in.Text("ipBroadcastId");
+    channel.ipBroadcastId = in.ShortText("ipBroadcastId");
     out["channel"] = Text(mTv.channels, mTv.MakeChannel(channel));
 }
 
@@ -359,10 +360,10 @@ void VideoBroadcastFamily::CreateAudioComponent(In in, Out out) {
     Component component;
     component.type = ComponentType::Audio;
     component.tag = in.Int("componentTag");
-    component.language = in.Text("language");
+    component.language = in.ShortText("language");
     component.audioDescription = in.Bool("audioDescription");
     component.audioChannels = in.Int("channels");
-    component.encoding = in.Text("encoding");
+    component.encoding = in.ShortText("encoding");
     out["component"] = AddDescription(component);
 }
 
@@ -372,7 +373,7 @@ void VideoBroadcastFamily::CreateVideoComponent(In in, Out out) {
     component.type = ComponentType::Video;
     component.tag = in.Int("componentTag");
     component.aspectRatio = in.Real("aspectRatio");
-    component.encoding = in.Text("encoding");
+    component.encoding = in.ShortText("encoding");
     out["component"] = AddDescription(component);
 }
 
