@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <sstream>
 
+#include "common/nearest_name.h"
 #include "core/frame_connection.h"
-#include "core/nearest_name.h"
 #include "families/members.h"
 
 namespace hbbtv::sim {

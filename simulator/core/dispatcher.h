@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "common/frame.h"
 #include "core/family.h"
-#include "core/frame.h"
 #include "core/journal.h"
 
 namespace hbbtv::sim {

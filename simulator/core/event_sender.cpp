@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "common/local_socket.h"
 #include "core/json_text.h"
-#include "core/local_socket.h"
 
 namespace hbbtv::sim {
 

@@ -7,9 +7,9 @@
 #include <memory>
 #include <string>
 
+#include "common/frame.h"
 #include "core/event_loop.h"
 #include "core/family.h"
-#include "core/frame.h"
 #include "core/journal.h"
 
 namespace hbbtv::sim {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "core/frame.h"
+#include "common/frame.h"
 
 namespace hbbtv::sim {
 

@@ -8,9 +8,9 @@
 #include <cerrno>
 #include <cstring>
 
+#include "common/local_socket.h"
 #include "core/event_loop.h"
 #include "core/journal.h"
-#include "core/local_socket.h"
 
 namespace hbbtv::sim {
 

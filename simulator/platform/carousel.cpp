@@ -9,8 +9,8 @@
 #include <cstring>
 #include <memory>
 
+#include "common/local_socket.h"
 #include "core/arguments.h"
-#include "core/local_socket.h"
 #include "platform/json_source.h"
 
 namespace hbbtv::sim {

@@ -7,7 +7,7 @@
 #include <exception>
 #include <memory>
 
-#include "core/nearest_name.h"
+#include "common/nearest_name.h"
 #include "core/time_text.h"
 #include "platform/line_up_text.h"
 

@@ -4,7 +4,7 @@
 #include <set>
 #include <tuple>
 
-#include "core/nearest_name.h"
+#include "common/nearest_name.h"
 #include "platform/json_source.h"
 #include "platform/line_up.h"
 #include "platform/remote_control.h"

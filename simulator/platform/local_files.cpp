@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "core/local_socket.h"
+#include "common/local_socket.h"
 
 namespace hbbtv::sim {
 

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <set>
 
+#include "common/nearest_name.h"
 #include "core/arguments.h"
 #include "core/journal.h"
-#include "core/nearest_name.h"
 
 namespace hbbtv::sim {
 

@@ -7,9 +7,9 @@
 #include <set>
 #include <vector>
 
+#include "common/nearest_name.h"
 #include "core/arguments.h"
 #include "core/journal.h"
-#include "core/nearest_name.h"
 #include "platform/letter_case.h"
 
 namespace hbbtv::sim {

@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "core/local_socket.h"
+#include "common/local_socket.h"
 
 namespace hbbtv::sim {
 

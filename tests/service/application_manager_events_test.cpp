@@ -1,19 +1,14 @@
 // From the application manager's event to the client that has registered for it: forwarding, the one flag of the
-// service, and the clients' deaths. The service runs in this process, the platform is at the other end of real sockets.
-
-#include <android/log.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+// service, and the clients' deaths.
 
 #include <atomic>
 #include <functional>
-#include <string>
 #include <thread>
 
 #include "ApplicationManager.h"
-#include "log_capture.h"
-#include "method_rows.h"
+#include "beside.h"
 #include "recording_aip_callback.h"
+#include "service_events.h"
 
 namespace hbbtv::test {
 
@@ -24,53 +19,28 @@ using android::sp;
 using android::wp;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using IBase = android::hidl::base::V1_0::IBase;
 
-constexpr char kTag[] = "[hidl_application_manager_wrapper_client]";
 constexpr char kEvent[] = R"({"t": 237, "appid": 17, "orgid": -19})";
 constexpr char kQuestion[] = R"({"t": 271, "countryCode": "DEU"})";
 constexpr char kRefused[] = "{\n\t\"ret\" : -1\n}\n";
 constexpr char kRatedZero[] = "{\n\t\"parentalRating\" : 0,\n\t\"ret\" : 0\n}\n";
-constexpr char kDied[] = "ClientDeathRecipient::serviceDied - client died";
-constexpr char kStarted[] = "ClientDeathRecipient::StartMonitor";
-constexpr char kStopped[] = "ClientDeathRecipient::StopMonitor";
 
 void* Context(uintptr_t bits) {
     return reinterpret_cast<void*>(bits);
 }
 
-class ApplicationManagerEvents : public testing::Test {
+class ApplicationManagerEvents : public ServiceEvents<ApplicationManager, RecordingAIPCallback> {
   protected:
-    int Register(int event, const sp<RecordingAIPCallback>& client, int64_t context = 0x55) {
-        return mService->RegisterCallback(static_cast<RecordingAIPCallback::Event>(event), client, context);
+    ApplicationManagerEvents()
+        : ServiceEvents("service_hbbtv_to_plugin_apm", "[hidl_application_manager_wrapper_client]") {}
+
+    int Register(int event, const sp<Client>& client, int64_t context = 0x55) {
+        return mService->RegisterCallback(static_cast<Client::Event>(event), client, context);
     }
 
     int Unregister(int event, int64_t context = 0x55) {
-        return mService->UnregisterCallback(static_cast<RecordingAIPCallback::Event>(event), context);
+        return mService->UnregisterCallback(static_cast<Client::Event>(event), context);
     }
-
-    // The reply to a message that asks for one.
-    std::string Ask(const std::string& json) {
-        RawConnection connection = RawConnection::To(mDirectory / "service_hbbtv_to_plugin_apm");
-        EXPECT_TRUE(connection.Write(FrameBytes(kRequest, 1, json)));
-        const auto reply = connection.ReadFrame();
-        return reply ? reply->payload : "no reply";
-    }
-
-    // A one-way event, as it leaves the platform, until it has been handled.
-    void Send(const std::string& json) {
-        RawConnection connection = RawConnection::To(mDirectory / "service_hbbtv_to_plugin_apm");
-        EXPECT_TRUE(connection.Write(FrameBytes(kOneWay, 1, json)));
-        EXPECT_TRUE(connection.Write(FrameBytes(kRequest, 1, "{}")));
-        EXPECT_TRUE(connection.ReadFrame().has_value());
-    }
-
-    int Logged(int priority, const char* message) const { return mLog.Count(priority, kTag, message); }
-
-    ScratchDirectory mDirectory;
-    LogCapture mLog;
-    sp<ApplicationManager> mService = new ApplicationManager;
-    const sp<RecordingAIPCallback> mClient = new RecordingAIPCallback;
 };
 
 struct EventCase {
@@ -122,7 +92,7 @@ class ApplicationManagerEvent : public ApplicationManagerEvents, public testing:
 }  // namespace
 
 TEST_P(ApplicationManagerEvent, ReachesTheClientThatHasRegisteredForIt) {
-    const sp<RecordingAIPCallback> other = new RecordingAIPCallback;
+    const sp<Client> other = new Client;
     for (const EventCase& row : kEvents) {
         EXPECT_EQ(0, Register(row.event, row.event == GetParam().event ? mClient : other));
     }
@@ -151,7 +121,7 @@ TEST_P(ApplicationManagerEvent, IsHeldBackByTheEndOfAnotherRegistration) {
     GetParam().happen();
     EXPECT_THAT(mClient->Calls(), IsEmpty());
     EXPECT_EQ("", mLog.Text());
-    EXPECT_EQ(0, Register(other, new RecordingAIPCallback));
+    EXPECT_EQ(0, Register(other, new Client));
     GetParam().happen();
     EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
 }
@@ -168,7 +138,7 @@ TEST_P(ApplicationManagerEvent, IsDroppedWhenThereIsNoService) {
 }
 
 TEST_P(ApplicationManagerEvent, MayBeRegisteredOnceUntilItIsUnregistered) {
-    const sp<RecordingAIPCallback> second = new RecordingAIPCallback;
+    const sp<Client> second = new Client;
     EXPECT_EQ(0, Register(GetParam().event, mClient));
     EXPECT_EQ(-1, Register(GetParam().event, second));
     EXPECT_THAT(second->Linked(), IsEmpty());
@@ -243,7 +213,7 @@ TEST_F(ApplicationManagerEvents, NullTextsAreEmpty) {
 TEST_F(ApplicationManagerEvents, WithoutAFunctionAreRefusedAndTakenAllTheSame) {
     for (const int event : {-1, 0, 12, 13, 14, 15, 16, 17, 20, 30, 2147483647}) {
         SCOPED_TRACE(event);
-        const sp<RecordingAIPCallback> client = new RecordingAIPCallback;
+        const sp<Client> client = new Client;
         mLog.Clear();
         EXPECT_EQ(-1, Register(event, client));
         EXPECT_EQ(1u, client->Linked().size());
@@ -276,7 +246,7 @@ TEST_F(ApplicationManagerEvents, StayHeldBackWhenARegistrationIsRefusedBeforeItI
     EXPECT_EQ(0, Register(8, mClient));
     EXPECT_EQ(0, Register(5, mClient));
     EXPECT_EQ(0, Unregister(5));
-    EXPECT_EQ(-1, Register(8, new RecordingAIPCallback));
+    EXPECT_EQ(-1, Register(8, new Client));
     EXPECT_EQ(-1, Register(9, nullptr));
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
@@ -293,7 +263,7 @@ TEST_F(ApplicationManagerEvents, AreNotHeldBackByTheEndOfARegistrationThatWasNot
 
 TEST_F(ApplicationManagerEvents, ANullCallbackIsRefused) {
     EXPECT_EQ(-1, Register(8, nullptr));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_ERROR, "cb is null"));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_ERROR, kNoCallback));
     EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kStarted));
     // The event is still free.
     EXPECT_EQ(0, Register(8, mClient));
@@ -311,12 +281,12 @@ TEST_F(ApplicationManagerEvents, RegistrationWatchesTheClientUntilItIsTakenBack)
     EXPECT_EQ(0, Unregister(9));
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     EXPECT_EQ(2, Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, "cb is null"));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, kNoCallback));
 }
 
 TEST_F(ApplicationManagerEvents, AClientThatIsTakenBackIsNotKept) {
-    sp<RecordingAIPCallback> client = new RecordingAIPCallback;
-    const wp<RecordingAIPCallback> watched = client;
+    sp<Client> client = new Client;
+    const wp<Client> watched = client;
     EXPECT_EQ(0, Register(8, client));
     client.clear();
     EXPECT_NE(nullptr, watched.promote().get());
@@ -333,7 +303,7 @@ TEST_F(ApplicationManagerEvents, AContextGoesWithItsRegistration) {
 }
 
 TEST_F(ApplicationManagerEvents, TheDeathOfTheClientEndsAllDeliveries) {
-    const sp<RecordingAIPCallback> other = new RecordingAIPCallback;
+    const sp<Client> other = new Client;
     EXPECT_EQ(0, Register(1, mClient));
     EXPECT_EQ(0, Register(4, mClient));
     EXPECT_EQ(0, Register(8, other));
@@ -341,7 +311,7 @@ TEST_F(ApplicationManagerEvents, TheDeathOfTheClientEndsAllDeliveries) {
     mClient->Die();
     EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
     EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, "cb is null"));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, kNoCallback));
     EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[ipc_apm]", "ENTER"));
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     EXPECT_THAT(other->Linked(), IsEmpty());
@@ -366,7 +336,7 @@ TEST_F(ApplicationManagerEvents, TheDeathOfAClientWithManyRegistrationsIsHandled
     const auto recipients = mClient->Linked();
     ASSERT_EQ(3u, recipients.size());
     recipients[0]->serviceDied(0, wp<IBase>(mClient.get()));
-    const sp<RecordingAIPCallback> next = new RecordingAIPCallback;
+    const sp<Client> next = new Client;
     EXPECT_EQ(0, Register(8, next));
     recipients[1]->serviceDied(0, wp<IBase>(mClient.get()));
     recipients[2]->serviceDied(0, wp<IBase>(mClient.get()));
@@ -378,7 +348,7 @@ TEST_F(ApplicationManagerEvents, TheDeathOfAClientWithManyRegistrationsIsHandled
 
 TEST_F(ApplicationManagerEvents, TheDeathOfAClientThatNobodyHoldsAnyMoreIsBorne) {
     EXPECT_EQ(0, Register(8, mClient));
-    sp<RecordingAIPCallback> gone = new RecordingAIPCallback;
+    sp<Client> gone = new Client;
     const wp<IBase> who(gone.get());
     gone.clear();
     ASSERT_EQ(nullptr, who.promote().get());
@@ -386,7 +356,7 @@ TEST_F(ApplicationManagerEvents, TheDeathOfAClientThatNobodyHoldsAnyMoreIsBorne)
     mService->OnHidlClientDied(0, who);
     EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
     EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_ERROR, "cb is null"));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_ERROR, kNoCallback));
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
     EXPECT_THAT(mClient->Linked(), IsEmpty());
@@ -400,12 +370,36 @@ TEST_F(ApplicationManagerEvents, TheLateDeathNoticeOfAClientThatWasTakenBackIsNo
     EXPECT_EQ(0, Register(8, mClient));
     const auto recipient = mClient->Linked().at(0);
     EXPECT_EQ(0, Unregister(8));
-    const sp<RecordingAIPCallback> next = new RecordingAIPCallback;
+    const sp<Client> next = new Client;
     EXPECT_EQ(0, Register(8, next));
     recipient->serviceDied(0, wp<IBase>(mClient.get()));
     EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kDied));
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(next->Calls(), ElementsAre("onKeyPress 1 2 0"));
+}
+
+TEST_F(ApplicationManagerEvents, ReachAClientThatRegistersWhileAnotherDies) {
+    const sp<Client> next = new Client;
+    Beside registration([&] { EXPECT_EQ(0, Register(1, next, 9)); });
+    EXPECT_EQ(0, Register(8, mClient));
+    mClient->WhenUnlinked([&] { registration.Begin(); });
+    mClient->Die();
+    registration.End();
+    EXPECT_EQ(1u, next->Linked().size());
+    Send(kEvent);
+    EXPECT_THAT(next->Calls(), ElementsAre("onApplicationEvent 1 17 -19 9"));
+}
+
+TEST_F(ApplicationManagerEvents, ReachAClientThatRegistersWhileAnotherLeaves) {
+    const sp<Client> next = new Client;
+    Beside registration([&] { EXPECT_EQ(0, Register(1, next, 9)); });
+    EXPECT_EQ(0, Register(1, mClient));
+    mClient->WhenUnlinked([&] { registration.Begin(); });
+    EXPECT_EQ(0, Unregister(1));
+    registration.End();
+    EXPECT_EQ(1u, next->Linked().size());
+    Send(kEvent);
+    EXPECT_THAT(next->Calls(), ElementsAre("onApplicationEvent 1 17 -19 9"));
 }
 
 TEST_F(ApplicationManagerEvents, WithoutAnAdaptorNothingIsTakenBack) {
@@ -427,7 +421,7 @@ TEST_F(ApplicationManagerEvents, WithoutAnAdaptorNothingIsTakenBack) {
 TEST_F(ApplicationManagerEvents, AServiceThatGoesDoesNotTakeItsSuccessorsPlace) {
     sp<ApplicationManager> second = new ApplicationManager;
     mService.clear();
-    EXPECT_EQ(0, static_cast<int32_t>(second->RegisterCallback(RecordingAIPCallback::Event::KEY_PRESS, mClient, 1)));
+    EXPECT_EQ(0, static_cast<int32_t>(second->RegisterCallback(Client::Event::KEY_PRESS, mClient, 1)));
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 1 2 0"));
 }
@@ -437,7 +431,7 @@ TEST_F(ApplicationManagerEvents, RegistrationsAndDeathsBesideEventsDoNotDisturbE
     std::atomic<bool> stop{false};
     std::thread registrations([&] {
         for (int i = 0; i < kTurns; ++i) {
-            const sp<RecordingAIPCallback> client = new RecordingAIPCallback;
+            const sp<Client> client = new Client;
             EXPECT_EQ(0, Register(1, client));
             EXPECT_EQ(0, Register(4, client));
             client->Die();
@@ -445,7 +439,7 @@ TEST_F(ApplicationManagerEvents, RegistrationsAndDeathsBesideEventsDoNotDisturbE
     });
     std::thread others([&] {
         while (!stop) {
-            const sp<RecordingAIPCallback> client = new RecordingAIPCallback;
+            const sp<Client> client = new Client;
             EXPECT_EQ(0, Register(8, client));
             onKeyPress(1, 2, nullptr);
             EXPECT_EQ(0, Unregister(8));

@@ -95,7 +95,7 @@ const InterfaceUnderTest& UnderTest() {
 INSTANTIATE_TEST_SUITE_P(ApplicationManager, Method, testing::ValuesIn(Rows::Requests()), NameOf);
 INSTANTIATE_TEST_SUITE_P(ApplicationManager, OneWayMethod, testing::ValuesIn(Rows::OneWays()), NameOf);
 
-TEST(ApplicationManagerMethodTable, HasARowForEveryMethodButTheTwoThatTellThePlatformNothing) {
+TEST(ApplicationManagerMethodTable, HasARowForEveryMethodButThoseOfTheRegistration) {
     EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size() + Rows::OneWays().size()) + 2);
 }
 

@@ -12,7 +12,7 @@ namespace {
 using vantorel::hardware::hbbtv::implementation::HIDL_FETCH_IApplicationPrivatedata;
 
 struct Rows : ServiceOf<&HIDL_FETCH_IApplicationPrivatedata> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"GetFreeMem", Result<int32_t>([](auto& s, auto cb) { return s.GetFreeMem(cb); }), 0, "{}",
              R"({"memSize": -100})", "0 -100", "-1 0"},
@@ -30,10 +30,10 @@ const InterfaceUnderTest& UnderTest() {
     return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(ApplicationPrivatedata, Method, testing::ValuesIn(Rows::All()), NameOf);
+INSTANTIATE_TEST_SUITE_P(ApplicationPrivatedata, Method, testing::ValuesIn(Rows::Requests()), NameOf);
 
 TEST(ApplicationPrivatedataMethodTable, HasARowForEveryMethod) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size()));
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size()));
 }
 
 TEST(ApplicationPrivatedata, GivesNoChannelWhenTheHandleIsANumber) {
@@ -42,7 +42,7 @@ TEST(ApplicationPrivatedata, GivesNoChannelWhenTheHandleIsANumber) {
     EXPECT_EQ("-1 0x0", (Rows::Result<int64_t>([](auto& s, auto cb) { return s.GetCurrentChannel(cb); })()));
 }
 
-TEST(ApplicationPrivatedata, GivesTheChannelWithAZeroHighHalf) {
+TEST(ApplicationPrivatedata, GivesHandlesWithAZeroHighHalf) {
     ScratchDirectory directory;
     FakePlatform platform("service_plugin_to_hbbtv_app_priv", R"({"ret": 0, "channel": "0x12345678f0000001"})");
     EXPECT_EQ("0 0xf0000001", (Rows::Result<int64_t>([](auto& s, auto cb) { return s.GetCurrentChannel(cb); })()));

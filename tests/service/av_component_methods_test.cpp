@@ -17,7 +17,7 @@ using vantorel::hardware::hbbtv::V1_0::TolmHbbtvAVComponentType;
 constexpr int64_t kObject = 0x7777777780001000;
 
 struct Rows : ServiceOf<&HIDL_FETCH_IAVComponent> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"GetComponentTag", Result<int32_t>([](auto& s, auto cb) { return s.GetComponentTag(kObject, cb); }), 1,
              R"({"handle": "0x80001000"})", R"({"tag": -11})", "0 -11", "-1 0"},
@@ -45,7 +45,7 @@ struct Rows : ServiceOf<&HIDL_FETCH_IAVComponent> {
         return *rows;
     }
 
-    static const std::vector<MethodRow>& OneWay() {
+    static const std::vector<MethodRow>& OneWays() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"Release", Status([](auto& s) { return s.Release(kObject); }), 0, R"({"handle": "0x80001000"})", "{}", "0",
              "-1"},
@@ -61,11 +61,11 @@ const InterfaceUnderTest& UnderTest() {
     return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(AVComponent, Method, testing::ValuesIn(Rows::All()), NameOf);
-INSTANTIATE_TEST_SUITE_P(AVComponent, OneWayMethod, testing::ValuesIn(Rows::OneWay()), NameOf);
+INSTANTIATE_TEST_SUITE_P(AVComponent, Method, testing::ValuesIn(Rows::Requests()), NameOf);
+INSTANTIATE_TEST_SUITE_P(AVComponent, OneWayMethod, testing::ValuesIn(Rows::OneWays()), NameOf);
 
 TEST(AVComponentMethodTable, HasARowForEveryMethod) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size() + Rows::OneWay().size()));
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size() + Rows::OneWays().size()));
 }
 
 }  // namespace hbbtv::test

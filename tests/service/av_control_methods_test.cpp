@@ -30,7 +30,7 @@ const hidl_vec<TolmAvComponentData>& Components() {
 }
 
 struct Rows : ServiceOf<&HIDL_FETCH_IAVControl> {
-    static const std::vector<MethodRow>& OneWay() {
+    static const std::vector<MethodRow>& OneWays() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"ComponentUpdate", Status([](auto& s) {
                  return s.ComponentUpdate(kEvent, TolmHbbtvAVComponentType::SUBTITLE, Components(), -3);
@@ -56,10 +56,10 @@ const InterfaceUnderTest& UnderTest() {
 
 // All methods that ask the platform do not wait for it.
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Method);
-INSTANTIATE_TEST_SUITE_P(AVControl, OneWayMethod, testing::ValuesIn(Rows::OneWay()), NameOf);
+INSTANTIATE_TEST_SUITE_P(AVControl, OneWayMethod, testing::ValuesIn(Rows::OneWays()), NameOf);
 
 TEST(AVControlMethodTable, HasARowForEveryMethodButThoseOfTheRegistration) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::OneWay().size()) + 2);
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::OneWays().size()) + 2);
 }
 
 TEST(AVControl, TellsOfNoComponents) {

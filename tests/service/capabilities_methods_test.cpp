@@ -13,7 +13,7 @@ using android::hardware::hidl_string;
 using vantorel::hardware::hbbtv::implementation::HIDL_FETCH_ICapabilities;
 
 struct Rows : ServiceOf<&HIDL_FETCH_ICapabilities> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"GetXmlCapabilities", Result<hidl_string>([](auto& s, auto cb) { return s.GetXmlCapabilities(cb); }), 0,
              "{}", R"({"xml_capabilities": "<x y='0'/>"})", "0 <x y='0'/>", "-1 ", "-1"},
@@ -37,10 +37,10 @@ const InterfaceUnderTest& UnderTest() {
     return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(Capabilities, Method, testing::ValuesIn(Rows::All()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Capabilities, Method, testing::ValuesIn(Rows::Requests()), NameOf);
 
 TEST(CapabilitiesMethodTable, HasARowForEveryMethod) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size()));
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size()));
 }
 
 }  // namespace hbbtv::test

@@ -18,7 +18,7 @@ using vantorel::hardware::hbbtv::implementation::HIDL_FETCH_IChannelConfig;
 constexpr int64_t kObject = 0x7777777780001000;
 
 struct Rows : ServiceOf<&HIDL_FETCH_IChannelConfig> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"RegisterCallback",
              Status([](auto& s) { return s.RegisterCallback(new RecordingConfigCallback, 0x5ffffffff); }), 0,
@@ -59,10 +59,10 @@ const InterfaceUnderTest& UnderTest() {
     return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(ChannelConfig, Method, testing::ValuesIn(Rows::All()), NameOf);
+INSTANTIATE_TEST_SUITE_P(ChannelConfig, Method, testing::ValuesIn(Rows::Requests()), NameOf);
 
 TEST(ChannelConfigMethodTable, HasARowForEveryMethod) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size()));
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size()));
 }
 
 TEST(ChannelConfig, GivesHandlesWithAZeroHighHalf) {

@@ -15,7 +15,7 @@ using vantorel::hardware::hbbtv::implementation::HIDL_FETCH_IChannelList;
 constexpr int64_t kObject = 0x7777777780001000;
 
 struct Rows : ServiceOf<&HIDL_FETCH_IChannelList> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"Release", Status([](auto& s) { return s.Release(kObject); }), 0, R"({"cl_handle": "0x80001000"})", "{}",
              "0", "-1"},
@@ -47,10 +47,10 @@ const InterfaceUnderTest& UnderTest() {
     return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(ChannelList, Method, testing::ValuesIn(Rows::All()), NameOf);
+INSTANTIATE_TEST_SUITE_P(ChannelList, Method, testing::ValuesIn(Rows::Requests()), NameOf);
 
 TEST(ChannelListMethodTable, HasARowForEveryMethod) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size()));
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size()));
 }
 
 }  // namespace hbbtv::test

@@ -1,21 +1,13 @@
-// From the platform's event to the clients of the configuration: forwarding, registrations and a client's death. The
-// service runs in this process, the platform is at the other end of real sockets.
-
-#include <android/log.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+// From the platform's event to the clients of the configuration: forwarding, registrations and a client's death.
 
 #include <atomic>
-#include <memory>
-#include <string>
 #include <thread>
 
 #include "Configuration.h"
-#include "event_connection.h"
+#include "beside.h"
 #include "ipc/src/plugin/tolm_configuration_adaptor_ipc.h"
-#include "log_capture.h"
-#include "method_rows.h"
 #include "recording_configuration_callback.h"
+#include "service_events.h"
 
 namespace hbbtv::test {
 
@@ -26,45 +18,21 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using vantorel::hardware::hbbtv::implementation::Configuration;
 using vantorel::hardware::hbbtv::implementation::TolmConfigurationCallback;
-using IBase = android::hidl::base::V1_0::IBase;
-using Client = RecordingConfigurationCallback;
 
-constexpr char kTag[] = "[hidl_configuration_wrapper_server]";
 constexpr char kEvent[] = R"({"event": 8, "age": 16})";
 constexpr char kCall[] = "onConfigurationEvent 8 0 0 '' '' '' 0 0 0 '' 16 0 0 0 0 0 0";
 constexpr char kRegister[] = "{\n\t\"method\" : 33,\n\t\"type\" : 9\n}\n";
 constexpr char kUnregister[] = "{\n\t\"method\" : 34,\n\t\"type\" : 9\n}\n";
 
-class ConfigurationEvents : public testing::Test {
+class ConfigurationEvents : public ServiceEvents<Configuration, RecordingConfigurationCallback> {
   protected:
+    ConfigurationEvents() : ServiceEvents("service_hbbtv_to_plugin_conf", "[hidl_configuration_wrapper_server]") {}
+
     int Register(const sp<Client>& callback) { return mService->RegisterCallback(callback); }
     int Unregister(const sp<Client>& callback) { return mService->UnregisterCallback(callback); }
 
-    // A one-way event, as it leaves the platform, until it has been handled.
-    void Send(const std::string& json) {
-        if (mEvents == nullptr) {
-            mEvents = std::make_unique<EventConnection>(mDirectory / "service_hbbtv_to_plugin_conf", 12);
-        }
-        ASSERT_TRUE(mEvents->Send({json}));
-    }
-
-    // The requests since the platform was last told to forget them, as they came.
-    std::vector<std::string> Requests() const {
-        std::vector<std::string> requests;
-        for (const Frame& frame : mPlatform.Frames()) requests.push_back(frame.payload);
-        return requests;
-    }
-
-    int Logged(int priority, const char* message) const { return mLog.Count(priority, kTag, message); }
-
-    ScratchDirectory mDirectory;
-    LogCapture mLog;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_conf", R"({"ret": 0})"};
-    sp<Configuration> mService = new Configuration;
-    const sp<Client> mClient = new Client;
     const sp<Client> mSecond = new Client;
     const sp<Client> mThird = new Client;
-    std::unique_ptr<EventConnection> mEvents;
 };
 
 struct EventCase {
@@ -125,7 +93,7 @@ TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationIsToldThePlatformAndGivesIts
 }
 
 // Notes its name in a list that several clients share. Events come on one thread.
-class NamedClient : public Client {
+class NamedClient : public RecordingConfigurationCallback {
   public:
     NamedClient(const char* name, std::string* told) : mName(name), mTold(told) {}
 
@@ -179,7 +147,7 @@ TEST_F(ConfigurationEvents, ANullCallbackIsRefusedAndTheEarlierOneStays) {
     EXPECT_THAT(Requests(), IsEmpty());
     EXPECT_EQ(0, Register(mClient));
     EXPECT_EQ(-1, Register(nullptr));
-    EXPECT_EQ(2, Logged(ANDROID_LOG_ERROR, "cb is null"));
+    EXPECT_EQ(2, Logged(ANDROID_LOG_ERROR, kNoCallback));
     EXPECT_THAT(Requests(), ElementsAre(kRegister));
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
@@ -189,13 +157,13 @@ TEST_F(ConfigurationEvents, RegistrationWatchesTheClientUntilItIsTakenBack) {
     EXPECT_EQ(0, Register(mClient));
     EXPECT_EQ(1u, mClient->Linked().size());
     EXPECT_EQ(0u, mClient->Cookie());
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StartMonitor"));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StopMonitor"));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStarted));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kStopped));
 
     mPlatform.ForgetFrames();
     EXPECT_EQ(0, Unregister(mClient));
     EXPECT_THAT(mClient->Linked(), IsEmpty());
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StopMonitor"));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
     EXPECT_THAT(Requests(), ElementsAre(kUnregister));
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
@@ -209,7 +177,7 @@ TEST_F(ConfigurationEvents, TakingBackOneOfSeveralLeavesTheOthersServedAndThePla
     mPlatform.ForgetFrames();
     EXPECT_EQ(-1, Unregister(mSecond));
     EXPECT_THAT(mSecond->Linked(), IsEmpty());
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StopMonitor"));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
     Send(kEvent);
     EXPECT_EQ(-1, Unregister(mClient));
     Send(kEvent);
@@ -232,7 +200,7 @@ TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredLeavesTheOthersServed)
     mPlatform.ForgetFrames();
     EXPECT_EQ(-1, Unregister(mSecond));
     EXPECT_EQ(-1, Unregister(nullptr));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StopMonitor"));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kStopped));
     EXPECT_THAT(Requests(), IsEmpty());
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
@@ -267,9 +235,9 @@ TEST_F(ConfigurationEvents, TheDeathOfOneClientEndsTheDeliveryToAllAndTellsThePl
     mSecond->Die();
     EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "ENTER"));
     EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "LEAVE"));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::serviceDied - client died"));
-    EXPECT_EQ(2, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::StopMonitor"));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, "cb is null"));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
+    EXPECT_EQ(2, Logged(ANDROID_LOG_INFO, kStopped));
+    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, kNoCallback));
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     EXPECT_THAT(mSecond->Linked(), IsEmpty());
     EXPECT_THAT(Requests(), ElementsAre(kUnregister));
@@ -292,7 +260,7 @@ TEST_F(ConfigurationEvents, TwoClientsThatDieTogetherAreOneDeath) {
     mPlatform.ForgetFrames();
     recipient->serviceDied(0, android::wp<IBase>(mClient.get()));
     recipient->serviceDied(0, android::wp<IBase>(mSecond.get()));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, "ClientDeathRecipient::serviceDied - client died"));
+    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
     EXPECT_THAT(Requests(), ElementsAre(kUnregister));
 }
 
@@ -366,19 +334,26 @@ TEST_F(ConfigurationEvents, ReachAClientWhileAnotherComesAndGoes) {
     EXPECT_EQ(static_cast<size_t>(kTimes), mClient->Calls().size());
 }
 
-// The last client goes while the next one comes: that one must be served whatever the order.
-TEST_F(ConfigurationEvents, AnEndBesideARegistrationLeavesTheNewClientServed) {
-    for (int i = 0; i < 100; ++i) {
-        const sp<Client> leaving = new Client;
-        const sp<Client> next = new Client;
-        EXPECT_EQ(0, Register(leaving));
-        std::thread end([&] { Unregister(leaving); });
-        Register(next);
-        end.join();
-        Send(kEvent);
-        EXPECT_THAT(next->Calls(), ElementsAre(kCall));
-        EXPECT_EQ(0, Unregister(next));
-    }
+TEST_F(ConfigurationEvents, ReachAClientThatRegistersWhileTheLastOneDies) {
+    Beside registration([this] { EXPECT_EQ(0, Register(mSecond)); });
+    EXPECT_EQ(0, Register(mClient));
+    mClient->WhenUnlinked([&] { registration.Begin(); });
+    mClient->Die();
+    registration.End();
+    EXPECT_EQ(1u, mSecond->Linked().size());
+    Send(kEvent);
+    EXPECT_THAT(mSecond->Calls(), ElementsAre(kCall));
+}
+
+TEST_F(ConfigurationEvents, ReachAClientThatRegistersWhileTheLastOneLeaves) {
+    Beside registration([this] { EXPECT_EQ(0, Register(mSecond)); });
+    EXPECT_EQ(0, Register(mClient));
+    mClient->WhenUnlinked([&] { registration.Begin(); });
+    EXPECT_EQ(0, Unregister(mClient));
+    registration.End();
+    EXPECT_EQ(1u, mSecond->Linked().size());
+    Send(kEvent);
+    EXPECT_THAT(mSecond->Calls(), ElementsAre(kCall));
 }
 
 // Either the death comes first and drops all, or the client is taken back first and its death no longer matters.
@@ -405,7 +380,7 @@ TEST_F(ConfigurationEvents, ADeathBesideTheEndOfItsClientDropsAllOrNone) {
 TEST(ConfigurationWithoutPlatform, ForgetsItsClientAllTheSame) {
     const ScratchDirectory directory;
     const sp<Configuration> service = new Configuration;
-    const sp<Client> client = new Client;
+    const sp<RecordingConfigurationCallback> client = new RecordingConfigurationCallback;
     EXPECT_EQ(-1, static_cast<int32_t>(service->RegisterCallback(client)));
     EXPECT_EQ(1u, client->Linked().size());
     TolmConfigurationCallback(8, {}, nullptr);

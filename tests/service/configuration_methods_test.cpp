@@ -15,7 +15,7 @@ using android::hardware::hidl_vec;
 using vantorel::hardware::hbbtv::implementation::HIDL_FETCH_IConfiguration;
 
 struct Rows : ServiceOf<&HIDL_FETCH_IConfiguration> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"GetPreferredAudioLanguage",
              Result<hidl_string>([](auto& s, auto cb) { return s.GetPreferredAudioLanguage(cb); }), 0, "{}",
@@ -79,10 +79,10 @@ const InterfaceUnderTest& UnderTest() {
     return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(Configuration, Method, testing::ValuesIn(Rows::All()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Configuration, Method, testing::ValuesIn(Rows::Requests()), NameOf);
 
 TEST(ConfigurationMethodTable, HasARowForEveryMethod) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size()));
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size()));
 }
 
 }  // namespace hbbtv::test

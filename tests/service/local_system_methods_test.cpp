@@ -13,7 +13,7 @@ using android::hardware::hidl_string;
 using vantorel::hardware::hbbtv::implementation::HIDL_FETCH_ILocalSystem;
 
 struct Rows : ServiceOf<&HIDL_FETCH_ILocalSystem> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"GetDeviceID", Result<hidl_string>([](auto& s, auto cb) { return s.GetDeviceID(cb); }), 0, "{}",
              R"({"deviceID": "deviceID of 0"})", "0 deviceID of 0", "-1 "},
@@ -45,10 +45,10 @@ const InterfaceUnderTest& UnderTest() {
     return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(LocalSystem, Method, testing::ValuesIn(Rows::All()), NameOf);
+INSTANTIATE_TEST_SUITE_P(LocalSystem, Method, testing::ValuesIn(Rows::Requests()), NameOf);
 
 TEST(LocalSystemMethodTable, HasARowForEveryMethod) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size()));
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size()));
 }
 
 TEST(LocalSystem, GivesWhetherRecordingIsEnabledAsABool) {

@@ -12,7 +12,7 @@ namespace {
 using vantorel::hardware::hbbtv::implementation::HIDL_FETCH_IMtm;
 
 struct Rows : ServiceOf<&HIDL_FETCH_IMtm> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"OnTabCreated", Status([](auto& s) { return s.OnTabCreated(-3); }), 0, R"({"tabid": -3})", "{}", "0",
              "-1"},
@@ -58,10 +58,10 @@ const InterfaceUnderTest& UnderTest() {
     return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(Mtm, Method, testing::ValuesIn(Rows::All()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Mtm, Method, testing::ValuesIn(Rows::Requests()), NameOf);
 
-TEST(MtmMethodTable, HasARowForEveryMethodButTheTwoThatTellThePlatformNothing) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size()) + 2);
+TEST(MtmMethodTable, HasARowForEveryMethodButThoseOfTheRegistration) {
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size()) + 2);
 }
 
 }  // namespace hbbtv::test

@@ -16,7 +16,7 @@ using vantorel::hardware::hbbtv::implementation::HIDL_FETCH_IParentalControlMana
 constexpr int64_t kObject = 0x7777777780001000;
 
 struct Rows : ServiceOf<&HIDL_FETCH_IParentalControlManager> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"Create", Result<int64_t>([](auto& s, auto cb) { return s.Create(cb); }), 0, "{}",
              R"({"out_handle": "0xf0000000"})", "0 0xf0000000", "-1 0x0"},
@@ -88,10 +88,10 @@ const InterfaceUnderTest& UnderTest() {
     return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(ParentalControlManager, Method, testing::ValuesIn(Rows::All()), NameOf);
+INSTANTIATE_TEST_SUITE_P(ParentalControlManager, Method, testing::ValuesIn(Rows::Requests()), NameOf);
 
 TEST(ParentalControlManagerMethodTable, HasARowForEveryMethod) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size()));
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size()));
 }
 
 TEST(ParentalControlManager, GivesNoThresholdWhenTheReplyLacksIt) {

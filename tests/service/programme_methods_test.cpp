@@ -17,7 +17,7 @@ using vantorel::hardware::hbbtv::V1_0::TolmHbbtvProgrammeIDType;
 constexpr int64_t kObject = 0x7777777780001000;
 
 struct Rows : ServiceOf<&HIDL_FETCH_IProgramme> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"GetName", Result<hidl_string>([](auto& s, auto cb) { return s.GetName(kObject, cb); }), 1,
              R"({"handle": "0x80001000"})", R"({"out_name": "out_name of 1"})", "0 out_name of 1", "-1 "},
@@ -68,7 +68,7 @@ struct Rows : ServiceOf<&HIDL_FETCH_IProgramme> {
         return *rows;
     }
 
-    static const std::vector<MethodRow>& OneWay() {
+    static const std::vector<MethodRow>& OneWays() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"Release", Status([](auto& s) { return s.Release(kObject); }), 0, R"({"handle": "0x80001000"})", "{}", "0",
              "-1"},
@@ -88,11 +88,11 @@ const InterfaceUnderTest& UnderTest() {
     return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(Programme, Method, testing::ValuesIn(Rows::All()), NameOf);
-INSTANTIATE_TEST_SUITE_P(Programme, OneWayMethod, testing::ValuesIn(Rows::OneWay()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Programme, Method, testing::ValuesIn(Rows::Requests()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Programme, OneWayMethod, testing::ValuesIn(Rows::OneWays()), NameOf);
 
 TEST(ProgrammeMethodTable, HasARowForEveryMethod) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size() + Rows::OneWay().size()));
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size() + Rows::OneWays().size()));
 }
 
 TEST(Programme, GivesADescriptorWithItsZeroBytesInFullLength) {
@@ -105,7 +105,7 @@ TEST(Programme, GivesADescriptorWithItsZeroBytesInFullLength) {
     EXPECT_EQ(std::string("_\0\xff\0\0", 5), descriptor);
 }
 
-TEST(Programme, GivesTheRatingsWithAZeroHighHalf) {
+TEST(Programme, GivesHandlesWithAZeroHighHalf) {
     ScratchDirectory directory;
     FakePlatform platform("service_plugin_to_hbbtv_program", R"({"ret": 0, "out_handle": "0x12345678f0000001"})");
     int64_t ratings = -1;

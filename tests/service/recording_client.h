@@ -3,9 +3,12 @@
 
 #include <android/hidl/base/1.0/IBase.h>
 
+#include <algorithm>
+#include <functional>
 #include <mutex>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace hbbtv::test {
@@ -36,21 +39,36 @@ class RecordingClient : public Callback {
         }
     }
 
-    Return<bool> linkToDeath(const android::sp<Recipient>& recipient, uint64_t cookie) override {
+    // Calls `hook` when the next recipient is linked (or unlinked), while the service is at it.
+    void WhenLinked(std::function<void()> hook) {
         std::lock_guard<std::mutex> lock(mMutex);
+        mWhenLinked = std::move(hook);
+    }
+
+    void WhenUnlinked(std::function<void()> hook) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mWhenUnlinked = std::move(hook);
+    }
+
+    Return<bool> linkToDeath(const android::sp<Recipient>& recipient, uint64_t cookie) override {
+        std::unique_lock<std::mutex> lock(mMutex);
         mLinked.push_back(recipient);
         mCookie = cookie;
+        const auto hook = std::exchange(mWhenLinked, nullptr);
+        lock.unlock();
+        if (hook) hook();
         return true;
     }
 
     Return<bool> unlinkToDeath(const android::sp<Recipient>& recipient) override {
-        std::lock_guard<std::mutex> lock(mMutex);
-        for (auto linked = mLinked.begin(); linked != mLinked.end(); ++linked) {
-            if (*linked != recipient) continue;
-            mLinked.erase(linked);
-            return true;
-        }
-        return false;
+        std::unique_lock<std::mutex> lock(mMutex);
+        const auto linked = std::find(mLinked.begin(), mLinked.end(), recipient);
+        if (linked == mLinked.end()) return false;
+        mLinked.erase(linked);
+        const auto hook = std::exchange(mWhenUnlinked, nullptr);
+        lock.unlock();
+        if (hook) hook();
+        return true;
     }
 
     uint64_t Cookie() const {
@@ -75,6 +93,8 @@ class RecordingClient : public Callback {
     std::vector<std::string> mCalls;              // guarded by mMutex
     std::vector<android::sp<Recipient>> mLinked;  // guarded by mMutex
     uint64_t mCookie = ~uint64_t{0};              // guarded by mMutex
+    std::function<void()> mWhenLinked;            // guarded by mMutex
+    std::function<void()> mWhenUnlinked;          // guarded by mMutex
 };
 
 }  // namespace hbbtv::test

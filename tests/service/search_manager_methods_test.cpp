@@ -17,7 +17,7 @@ using vantorel::hardware::hbbtv::V1_0::TolmQueryComparisonType;
 constexpr int64_t kObject = 0x7777777780001000;
 
 struct Rows : ServiceOf<&HIDL_FETCH_ISearchManager> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"SearchManager_Create", Result<int64_t>([](auto& s, auto cb) { return s.SearchManager_Create(cb); }), 1,
              "{}", R"({"out_handle": "0xf0000001"})", "0 0xf0000001", "-1 0x0"},
@@ -97,10 +97,10 @@ const InterfaceUnderTest& UnderTest() {
     return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(SearchManager, Method, testing::ValuesIn(Rows::All()), NameOf);
+INSTANTIATE_TEST_SUITE_P(SearchManager, Method, testing::ValuesIn(Rows::Requests()), NameOf);
 
 TEST(SearchManagerMethodTable, HasARowForEveryMethod) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size()));
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size()));
 }
 
 TEST(SearchManager, NarrowsTheStartTimeTo32Bits) {

@@ -1,20 +1,12 @@
-// From the platform's event to the client's callback: forwarding, registration and the client's death. The service runs
-// in this process, the platform is at the other end of real sockets.
-
-#include <android/log.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+// From the platform's event to the client's callback: forwarding, registration and the client's death.
 
 #include <cstdlib>
 #include <cstring>
-#include <string>
 
 #include "VideoBroadcast.h"
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
-#include "log_capture.h"
-#include "raw_socket.h"
+#include "one_client.h"
 #include "recording_callback.h"
-#include "scratch_directory.h"
 
 namespace hbbtv::test {
 
@@ -29,42 +21,27 @@ using vantorel::hardware::hbbtv::implementation::VideoBroadcast;
 constexpr char kTag[] = "[hidl_video_broadcast_wrapper_client]";
 constexpr int64_t kVb = 0x1000;
 constexpr int64_t kContext = 0xabc;
+constexpr char kUnregister[] = "{\n\t\"method\" : 4,\n\t\"type\" : 3,\n\t\"vb_handle\" : \"0x1000\"\n}\n";
 
-class VideoBroadcastEvents : public testing::Test {
+class VideoBroadcastEvents : public ServiceEvents<VideoBroadcast, RecordingCallback> {
   protected:
-    void Register(const sp<RecordingCallback>& callback) {
-        ASSERT_EQ(0, static_cast<int32_t>(mService->RegisterCallback(kVb, callback, kContext)));
+    static constexpr char kEvent[] = R"({"type": "videobroadcast", "event": 4})";
+    static constexpr char kCall[] = "onVideoBroadcastEvent 4";
+
+    VideoBroadcastEvents() : ServiceEvents("service_hbbtv_to_plugin_vb", kTag) {}
+
+    void Register(const sp<Client>& client) {
+        ASSERT_EQ(0, static_cast<int32_t>(mService->RegisterCallback(kVb, client, kContext)));
     }
 
-    // A one-way event, as it leaves the platform.
-    void Send(const std::string& json) {
-        if (mEvents == nullptr) {
-            mEvents = std::make_unique<RawConnection>(RawConnection::To(mDirectory / "service_hbbtv_to_plugin_vb"));
-        }
-        ASSERT_TRUE(mEvents->Write(FrameBytes(kOneWay, 7, json)));
-    }
+    void RefuseNull() { EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(kVb, nullptr, kContext))); }
+    void Unregister() { ASSERT_EQ(0, static_cast<int32_t>(mService->UnregisterCallback(kVb))); }
 
-    // The reply to an event that asks for one. Events before it have been handled by then.
-    std::string Ask(const std::string& json) {
-        RawConnection connection = RawConnection::To(mDirectory / "service_hbbtv_to_plugin_vb");
-        EXPECT_TRUE(connection.Write(FrameBytes(kRequest, 7, json)));
-        const auto reply = connection.ReadFrame();
-        return reply ? reply->payload : "no reply";
-    }
-
-    // Whether the events sent so far have been handled: they are handled in order, on one connection.
-    void Settle() {
-        ASSERT_TRUE(mEvents->Write(FrameBytes(kRequest, 7, R"({"type": "none", "context": ""})")));
-        ASSERT_TRUE(mEvents->ReadFrame().has_value());
-    }
-
-    ScratchDirectory mDirectory;
-    LogCapture mLog;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_vb", R"({"ret": 0})"};
-    const sp<VideoBroadcast> mService = new VideoBroadcast;
-    const sp<RecordingCallback> mClient = new RecordingCallback;
-    std::unique_ptr<RawConnection> mEvents;
+    int DroppedByTheAdaptor() const { return mLog.Count(ANDROID_LOG_WARN, "[ipc_vb]", "m_cb is null"); }
 };
+
+INSTANTIATE_TYPED_TEST_SUITE_P(VideoBroadcastClient, OneClient, VideoBroadcastEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(VideoBroadcastClient, OneClientThatMayLeave, VideoBroadcastEvents);
 
 struct EventCase {
     const char* name;
@@ -112,10 +89,11 @@ const EventCase kEvents[] = {
 
 class VideoBroadcastEvent : public VideoBroadcastEvents, public testing::WithParamInterface<EventCase> {};
 
+}  // namespace
+
 TEST_P(VideoBroadcastEvent, ReachesTheRegisteredClient) {
     Register(mClient);
     Send(std::string(R"({"type": "videobroadcast", )") + GetParam().event + "}");
-    Settle();
     EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
 }
 
@@ -126,7 +104,6 @@ TEST_F(VideoBroadcastEvents, CodesThatNoClientKnowsAreWarnedAboutAndReachNoMetho
     Register(mClient);
     for (const int code : {20, 23, -1, 2147483647}) {
         Send(R"({"type": "videobroadcast", "event": )" + std::to_string(code) + "}");
-        Settle();
         EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, kTag, "wrong event type " + std::to_string(code))) << mLog.Text();
     }
     EXPECT_THAT(mClient->Calls(), IsEmpty());
@@ -147,7 +124,6 @@ TEST_F(VideoBroadcastEvents, CodesWithoutValuesAlsoComeByTheReplyingPath) {
 TEST_F(VideoBroadcastEvents, TextsWithZeroBytesArriveWhole) {
     Register(mClient);
     Send(R"({"type": "videobroadcast", "event": 8, "recordingId": "a\u0000b"})");
-    Settle();
     EXPECT_THAT(mClient->Calls(), ElementsAre(std::string("onRecordingEvent 0 0 a\0b", 24)));
 }
 
@@ -168,132 +144,66 @@ TEST_F(VideoBroadcastEvents, WithoutAClientARecordIsDroppedSilentlyAndItsTextsAr
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(VideoBroadcastEvents, ANullCallbackIsRefusedAndTheEarlierOneStays) {
+TEST_F(VideoBroadcastEvents, AreTakenBackFromThePlatformByEachEndButNotByADeath) {
     Register(mClient);
     mPlatform.ForgetFrames();
-    EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(kVb, nullptr, kContext)));
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_ERROR, kTag, "cb is null"));
-    EXPECT_THAT(mPlatform.Frames(), IsEmpty());
-    Send(R"({"type": "videobroadcast", "event": 4})");
-    Settle();
-    EXPECT_THAT(mClient->Calls(), ElementsAre("onVideoBroadcastEvent 4"));
-}
-
-TEST_F(VideoBroadcastEvents, ANullClientIsNotMonitored) {
-    mService->StartMonitor(nullptr);
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::StartMonitor"));
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_ERROR, kTag, "cb is null"));
-    mService->StopMonitor(nullptr);
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::StopMonitor"));
-    EXPECT_EQ(2, mLog.Count(ANDROID_LOG_ERROR, kTag, "cb is null"));
-}
-
-TEST_F(VideoBroadcastEvents, RegistrationWatchesTheClientUntilItIsTakenBack) {
-    Register(mClient);
-    EXPECT_EQ(1u, mClient->Linked().size());
-    EXPECT_EQ(0u, mClient->Cookie());
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::StartMonitor"));
-
-    EXPECT_EQ(0, static_cast<int32_t>(mService->UnregisterCallback(kVb)));
-    EXPECT_THAT(mClient->Linked(), IsEmpty());
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::StopMonitor"));
-    Send(R"({"type": "videobroadcast", "event": 4})");
-    Settle();
-    EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, "[ipc_vb]", "m_cb is null"));
-}
-
-TEST_F(VideoBroadcastEvents, TakingBackWhatWasNotRegisteredSaysSoAndStillAsksThePlatform) {
-    EXPECT_EQ(0, static_cast<int32_t>(mService->UnregisterCallback(kVb)));
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_ERROR, kTag, "cb is null"));
-    EXPECT_EQ(1u, mPlatform.Frames().size());
-}
-
-TEST_F(VideoBroadcastEvents, ASecondRegistrationReplacesTheFirst) {
-    const sp<RecordingCallback> second = new RecordingCallback;
-    Register(mClient);
-    Register(second);
-    EXPECT_THAT(mClient->Linked(), IsEmpty());
-    Send(R"({"type": "videobroadcast", "event": 4})");
-    Settle();
-    EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_THAT(second->Calls(), ElementsAre("onVideoBroadcastEvent 4"));
-}
-
-TEST_F(VideoBroadcastEvents, RegisteringTheSameClientAgainLeavesOneLink) {
-    Register(mClient);
-    Register(mClient);
-    EXPECT_EQ(1u, mClient->Linked().size());
-    mClient->Die();
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died"));
-}
-
-TEST_F(VideoBroadcastEvents, TheDeathOfTheClientEndsTheDeliveryWithoutTellingThePlatform) {
+    Unregister();
+    EXPECT_THAT(Requests(), ElementsAre(kUnregister));
+    Unregister();
+    EXPECT_THAT(Requests(), ElementsAre(kUnregister, kUnregister));
     Register(mClient);
     mPlatform.ForgetFrames();
     mClient->Die();
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "ENTER"));
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "LEAVE"));
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died"));
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::StopMonitor"));
-    EXPECT_EQ(2, mLog.Count(ANDROID_LOG_VERBOSE, "[ipc_vb]", "ENTER"));  // RegisterCallback, ClearCallback
-    EXPECT_THAT(mPlatform.Frames(), IsEmpty());
-    Send(R"({"type": "videobroadcast", "event": 4})");
-    Settle();
+    EXPECT_THAT(Requests(), IsEmpty());
+}
+
+TEST_F(VideoBroadcastEvents, AreDroppedByTheAdaptorAfterTheRegistrationsEnd) {
+    Register(mClient);
+    Unregister();
+    Send(kEvent);
+    EXPECT_EQ(1, DroppedByTheAdaptor());
+}
+
+TEST_F(VideoBroadcastEvents, AreDroppedByTheAdaptorAfterADeath) {
+    Register(mClient);
+    mLog.Clear();
+    mClient->Die();
+    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[ipc_vb]", "ENTER"));  // ClearCallback
+    Send(kEvent);
+    EXPECT_EQ(1, DroppedByTheAdaptor());
+}
+
+TEST_F(VideoBroadcastEvents, ThePlatformsRefusalIsPassedOnAndTheClientRegisteredAllTheSame) {
+    mPlatform.SetReply(R"({"ret": 6})");
+    EXPECT_EQ(6, static_cast<int32_t>(mService->RegisterCallback(kVb, mClient, kContext)));
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
+    EXPECT_EQ(6, static_cast<int32_t>(mService->UnregisterCallback(kVb)));
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    Send(kEvent);
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
+}
+
+TEST_F(VideoBroadcastEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierClientStays) {
+    Register(mClient);
+    TolmVideoBroadcastAdaptorIpc::DeleteInstance();
+    const NoMemoryForAdaptors noMemory;
+    const sp<Client> second = new Client;
+    EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(kVb, second, kContext)));
+    EXPECT_THAT(second->Linked(), IsEmpty());
+    EXPECT_EQ(1u, mClient->Linked().size());
+    TolmVideoBroadcastHidlCallback(TOLM_VB_EVENT_PLAIN_4, {}, nullptr);
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
+}
+
+TEST_F(VideoBroadcastEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
+    Register(mClient);
+    TolmVideoBroadcastAdaptorIpc::DeleteInstance();
+    const NoMemoryForAdaptors noMemory;
+    EXPECT_EQ(-1, static_cast<int32_t>(mService->UnregisterCallback(kVb)));
+    EXPECT_THAT(mClient->Linked(), IsEmpty());
+    TolmVideoBroadcastHidlCallback(TOLM_VB_EVENT_PLAIN_4, {}, nullptr);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, "[ipc_vb]", "m_cb is null"));
-
-    const sp<RecordingCallback> next = new RecordingCallback;
-    Register(next);
-    EXPECT_EQ(1u, next->Linked().size());
-    Send(R"({"type": "videobroadcast", "event": 5})");
-    Settle();
-    EXPECT_THAT(next->Calls(), ElementsAre("onVideoBroadcastEvent 5"));
 }
-
-TEST_F(VideoBroadcastEvents, TheLateDeathNoticeOfAReplacedClientLeavesItsSuccessorAlone) {
-    const sp<RecordingCallback> second = new RecordingCallback;
-    Register(mClient);
-    const auto recipient = mClient->Linked().at(0);
-    Register(second);
-    recipient->serviceDied(0, android::wp<android::hidl::base::V1_0::IBase>(mClient.get()));
-    EXPECT_EQ(0, mLog.Count(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died"));
-    Send(R"({"type": "videobroadcast", "event": 4})");
-    Settle();
-    EXPECT_THAT(second->Calls(), ElementsAre("onVideoBroadcastEvent 4"));
-}
-
-TEST_F(VideoBroadcastEvents, ADeathNoticeAfterTheServiceHasGoneTellsNobody) {
-    Register(mClient);
-    const auto recipient = mClient->Linked().at(0);
-    sp<VideoBroadcast> passing = new VideoBroadcast;
-    const sp<RecordingCallback> itsClient = new RecordingCallback;
-    passing->StartMonitor(itsClient);
-    const auto itsRecipient = itsClient->Linked().at(0);
-    passing.clear();
-    itsRecipient->serviceDied(0, android::wp<android::hidl::base::V1_0::IBase>(itsClient.get()));
-    EXPECT_EQ(0, mLog.Count(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died"));
-}
-
-TEST_F(VideoBroadcastEvents, RegistrationsAndDeathsBesideEventsDoNotDisturbEachOther) {
-    constexpr int kTurns = 200;
-    Register(mClient);
-    std::thread registrations([this] {
-        for (int i = 0; i < kTurns; ++i) {
-            const sp<RecordingCallback> client = new RecordingCallback;
-            Register(client);
-            client->Die();
-        }
-    });
-    for (int i = 0; i < kTurns; ++i) Send(R"({"type": "videobroadcast", "event": 8, "recordingId": "r"})");
-    Settle();
-    registrations.join();
-    Register(mClient);
-    Send(R"({"type": "videobroadcast", "event": 5})");
-    Settle();
-    EXPECT_EQ("onVideoBroadcastEvent 5", mClient->Calls().back());
-}
-
-}  // namespace
 
 }  // namespace hbbtv::test

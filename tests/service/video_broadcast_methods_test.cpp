@@ -1,5 +1,4 @@
-// Every method of IVideoBroadcast: the request it makes of the platform, and what its caller is answered. The service
-// runs in this process, the platform is at the other end of a real socket.
+// Every method of IVideoBroadcast: the request it makes of the platform, and what its caller is answered.
 
 #include <gtest/gtest.h>
 
@@ -23,7 +22,7 @@ constexpr int64_t kChannel = -1;  // low half 0xffffffff
 constexpr int64_t kComponent = 0x11112000;
 
 struct Rows : ServiceOf<&HIDL_FETCH_IVideoBroadcast> {
-    static const std::vector<MethodRow>& All() {
+    static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"Create", Result<int64_t>([](auto& s, auto cb) { return s.Create(0x1234567889abcdef, cb); }), 0,
              R"({"context": "0x89abcdef"})", R"({"vb_handle": "0x80001000"})", "0 0x80001000", "-1 0x0"},
@@ -140,14 +139,14 @@ struct Rows : ServiceOf<&HIDL_FETCH_IVideoBroadcast> {
 }  // namespace
 
 const InterfaceUnderTest& UnderTest() {
-    static const InterfaceUnderTest videoBroadcast{"service_plugin_to_hbbtv_vb", 7, 3};
-    return videoBroadcast;
+    static const InterfaceUnderTest tested{"service_plugin_to_hbbtv_vb", 7, 3};
+    return tested;
 }
 
-INSTANTIATE_TEST_SUITE_P(VideoBroadcast, Method, testing::ValuesIn(Rows::All()), NameOf);
+INSTANTIATE_TEST_SUITE_P(VideoBroadcast, Method, testing::ValuesIn(Rows::Requests()), NameOf);
 
 TEST(VideoBroadcastMethodTable, HasARowForEveryMethodButTheOneThatAsksNothing) {
-    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::All().size()) + 1);
+    EXPECT_EQ(HBBTV_METHODS, static_cast<int>(Rows::Requests().size()) + 1);
 }
 
 TEST(VideoBroadcast, SetChannelExtGivesZeroWithoutAskingThePlatform) {
@@ -160,7 +159,7 @@ TEST(VideoBroadcast, SetChannelExtGivesZeroWithoutAskingThePlatform) {
     EXPECT_TRUE(platform.Frames().empty());
 }
 
-TEST(VideoBroadcast, AHandleOfMoreThan32BitsFromThePlatformIsCutAndNotSignExtended) {
+TEST(VideoBroadcast, GivesHandlesWithAZeroHighHalf) {
     ScratchDirectory directory;
     FakePlatform platform("service_plugin_to_hbbtv_vb", R"({"ret": 0, "vb_handle": "0x12345678f0000001"})");
     const sp<IVideoBroadcast> service = HIDL_FETCH_IVideoBroadcast("default");

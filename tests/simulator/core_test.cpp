@@ -4,11 +4,11 @@
 #include <set>
 #include <thread>
 
+#include "common/frame.h"
+#include "common/nearest_name.h"
 #include "core/event_sender.h"
-#include "core/frame.h"
 #include "core/handles.h"
 #include "core/json_text.h"
-#include "core/nearest_name.h"
 #include "raw_peers.h"
 #include "scratch_directory.h"
 

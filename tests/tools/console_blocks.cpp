@@ -27,7 +27,6 @@ std::string Steady(std::string line) {
         {std::regex("[0-9]+ calls, [0-9]+ per second"), "N calls, N per second"},
         {std::regex("\\([0-9]{2,}\\)"), "(PROCESS)"},
         {std::regex("[0-9]+ of 107 bytes"), "N of 107 bytes"},
-        {std::regex(", tools_test \\(PROCESS\\)"), ""},  // what the simulated platform does not serve
         {std::regex("[0-9]+ of [0-9]+ (sockets|interfaces|event sockets)"), "N of N $1"},
         {std::regex(" +"), " "},
     };

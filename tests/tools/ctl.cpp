@@ -1,7 +1,6 @@
 #include "ctl.h"
 
 #include <json/reader.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -43,6 +42,12 @@ FinishedRun Ctl(const std::vector<std::string>& arguments) {
 
 FinishedRun CtlWithInput(const std::vector<std::string>& arguments, const std::string& input) {
     return RunToEnd(Command(arguments), input);
+}
+
+FinishedRun CtlWithoutPrivileges(const std::vector<std::string>& arguments) {
+    std::vector<std::string> command = Command(arguments);
+    if (geteuid() == 0) command.insert(command.begin(), {"setpriv", "--reuid=65534", "--clear-groups"});
+    return RunToEnd(command);
 }
 
 std::vector<Json::Value> Documents(const std::string& output) {
@@ -100,17 +105,9 @@ void WriteFile(const std::string& path, const std::string& text) {
 void InFrontOfTheSystem::SetUp() {
     mPlatform = std::make_unique<SimulatedPlatform>(std::vector<std::string>{"--seed", "7"});
     ASSERT_TRUE(mPlatform->Ready()) << mPlatform->Output();
-    for (const std::string& family : FamiliesOfProtocolFiles()) {
-        const Json::Value protocol = Parse(ReadFile(std::string(HBBTV_SOURCE_DIR) + "/protocol/" + family + ".json"));
-        const std::string name = protocol["endpoints"]["requests"]["socket"].asString();
-        if (access((mDirectory / name).c_str(), F_OK) == 0) continue;
-        mRest.push_back(std::make_unique<FakePlatform>(name, R"({"ret": 0})"));
-        chmod((mDirectory / name).c_str(), 0777);
-    }
     mService = std::make_unique<ServiceProcess>();
-    ASSERT_NE(nullptr, FindVideoBroadcast());
-    ASSERT_TRUE(mService->WaitForOutput("IVideoBroadcast/default")) << mService->Output();
-    ASSERT_TRUE(WaitFor([] { return Ctl({"doctor"}).output.find("interfaces answer; missing") == std::string::npos; }));
+    // The service publishes it last.
+    ASSERT_NE(nullptr, FindVideoBroadcast()) << mService->Output();
 }
 
 std::string InFrontOfTheSystem::CurrentChannel() const {

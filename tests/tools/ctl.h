@@ -20,6 +20,9 @@ namespace hbbtv::test {
 FinishedRun Ctl(const std::vector<std::string>& arguments);
 FinishedRun CtlWithInput(const std::vector<std::string>& arguments, const std::string& input);
 
+// As a user whom file modes keep out: root, who may do everything, becomes nobody for it.
+FinishedRun CtlWithoutPrivileges(const std::vector<std::string>& arguments);
+
 // One document per line; a line that is none is a failure of the test.
 std::vector<Json::Value> Documents(const std::string& output);
 
@@ -54,7 +57,7 @@ class Alone : public testing::Test {
     ScratchDirectory mDirectory;
 };
 
-// Simulated platform and service; what the simulated platform does not serve yet is served by the test.
+// Simulated platform and service, ready for calls.
 class InFrontOfTheSystem : public Alone {
   protected:
     void SetUp() override;
@@ -64,7 +67,6 @@ class InFrontOfTheSystem : public Alone {
     std::string NewVideoBroadcast() const;
 
     std::unique_ptr<SimulatedPlatform> mPlatform;
-    std::vector<std::unique_ptr<FakePlatform>> mRest;
     std::unique_ptr<ServiceProcess> mService;
 };
 

@@ -32,18 +32,38 @@ TEST(Doctor, MissesTheDirectory) {
 
 TEST(Doctor, MindsADirectoryThatIsNotWritable) {
     ScratchDirectory directory;
-    // The super-user may write anywhere, so the tool runs as nobody there.
     const std::string forbidden = directory / "forbidden";
     mkdir(forbidden.c_str(), 0755);
     chmod(directory.Path().c_str(), 0777);
     chmod(forbidden.c_str(), 0555);
-    std::vector<std::string> command{HBBTVCTL_PROGRAM, "--directory", forbidden, "doctor"};
-    if (geteuid() == 0) command.insert(command.begin(), {"setpriv", "--reuid=65534", "--clear-groups"});
-    const FinishedRun run = RunToEnd(command);
+    const FinishedRun run = CtlWithoutPrivileges({"--directory", forbidden, "doctor"});
     EXPECT_EQ(3, run.exit) << run.Text();
     EXPECT_THAT(run.output, HasSubstr("PROBLEM  directory    " + forbidden +
                                       " is not writable for this user; sockets cannot "
                                       "be made there; chmod it, or use another TMPDIR\n"));
+}
+
+TEST(Doctor, FindsSocketsThatThisUserMayNotConnectTo) {
+    ScratchDirectory directory;
+    chmod(directory.Path().c_str(), 0777);
+    const FakePlatform platform("service_plugin_to_hbbtv_vb", "");
+    const FakePlatform library("service_hbbtv_to_plugin_vb", "");
+    chmod((directory / "service_plugin_to_hbbtv_vb").c_str(), 0);
+    chmod((directory / "service_hbbtv_to_plugin_vb").c_str(), 0);
+    const FinishedRun sockets = CtlWithoutPrivileges({"doctor"});
+    EXPECT_EQ(3, sockets.exit) << sockets.Text();
+    EXPECT_THAT(sockets.output, HasSubstr("PROBLEM  platform     1 of 18 sockets are forbidden: "
+                                          "service_plugin_to_hbbtv_vb; chmod 777 the socket, and let the user search "
+                                          "its directory\n"));
+    EXPECT_THAT(sockets.output, HasSubstr("PROBLEM  library      service_hbbtv_to_plugin_vb is forbidden; chmod 777 "
+                                          "the socket, and let the user search its directory\n"));
+    // Nor may this user ask what is there.
+    const std::string closed = directory / "closed";
+    mkdir(closed.c_str(), 0);
+    const FinishedRun all = CtlWithoutPrivileges({"--directory", closed, "doctor"});
+    chmod(closed.c_str(), 0700);
+    EXPECT_EQ(3, all.exit) << all.Text();
+    EXPECT_THAT(all.output, HasSubstr("PROBLEM  platform     18 of 18 sockets are forbidden: "));
 }
 
 TEST(Doctor, CountsTheBytesOfTheLongestPath) {
@@ -92,7 +112,8 @@ TEST_F(DoctorOfTheSystem, FindsNothingWhenAllIsWell) {
     EXPECT_EQ(0, run.exit) << run.Text();
     EXPECT_EQ("", run.errors);
     EXPECT_THAT(run.output, HasSubstr("ok       directory    " + mDirectory.Path() + " is writable\n"));
-    EXPECT_THAT(run.output, HasSubstr("ok       platform     18 of 18 sockets are served by "));
+    EXPECT_THAT(run.output, HasSubstr("ok       platform     18 of 18 sockets are served by hbbtv-sim (" +
+                                      std::to_string(mPlatform->Pid()) + ")\n"));
     EXPECT_THAT(run.output, HasSubstr("ok       library      1 of 8 event sockets are open; "));
     EXPECT_THAT(run.output, HasSubstr("ok       rights       every user may connect to the sockets that are there\n"));
     EXPECT_THAT(run.output, HasSubstr("ok       service      18 of 18 interfaces answer\n"));

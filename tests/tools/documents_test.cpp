@@ -23,7 +23,7 @@ class Shell : public ChildProcess {
     explicit Shell(const std::string& directory)
         : ChildProcess({"bash", "--norc", "--noprofile"},
                        {"PATH=" + DirectoryOf(HBBTVCTL_PROGRAM) + ":" + std::getenv("PATH"), "TMPDIR=" + directory,
-                        "MANWIDTH=80", "LC_ALL=C.UTF-8"}) {
+                        "HOME=" + directory, "MANWIDTH=80", "LC_ALL=C.UTF-8"}) {
         Write("cd '" + directory + "'\n");
     }
 
@@ -90,43 +90,71 @@ TEST(DocumentsOfHbbtvctl, ExplainEveryCommandAndExitCode) {
     }
 }
 
-class Footers : public InFrontOfTheSystem {
-  protected:
-    // The indented lines below "Examples".
-    static std::vector<std::string> ExamplesOf(const std::string& help) {
-        std::vector<std::string> examples;
-        std::istringstream lines(help.substr(std::min(help.find("\nExamples"), help.size())));
-        for (std::string line; std::getline(lines, line);) {
-            if (line.rfind("  ", 0) == 0) examples.push_back(line.substr(2));
-        }
-        return examples;
+// The last lines, for the message of a failed assertion.
+std::string EndOf(const std::string& output) {
+    constexpr size_t kMost = 4000;
+    if (output.size() <= kMost) return output;
+    return "..." + output.substr(output.find('\n', output.size() - kMost));
+}
+
+// The indented lines below "Examples".
+std::vector<std::string> ExamplesOf(const std::string& help) {
+    std::vector<std::string> examples;
+    std::istringstream lines(help.substr(std::min(help.find("\nExamples"), help.size())));
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("  ", 0) == 0) examples.push_back(line.substr(2));
     }
+    return examples;
+}
+
+class Help : public InFrontOfTheSystem, public testing::WithParamInterface<const char*> {
+  protected:
+    // What the examples need: the library's sockets, files, and handles that exist in place of those that they name.
+    void SetUp() override {
+        ASSERT_NO_FATAL_FAILURE(InFrontOfTheSystem::SetUp());
+        const FinishedRun listen = Ctl({"listen", "channel_config", "video_broadcast", "--for", "1ms"});
+        ASSERT_EQ(0, listen.exit) << listen.Text();
+        WriteFile(mDirectory / "request.bin", FrameBytes(kRequest, 2, R"({"type": 18, "method": 0})"));
+        WriteFile(mDirectory / "damaged.bin", "damaged");
+        mChannel = CurrentChannel();
+        mVideoBroadcast = NewVideoBroadcast();
+    }
+
+    // As it is typed into a shell, and into the right one.
+    std::string Command(std::string example) const {
+        example = std::regex_replace(example, std::regex("0x1000"), mChannel);
+        example = std::regex_replace(example, std::regex("0x2000"), mVideoBroadcast);
+        if (example.find(" fish ") != std::string::npos) return "fish --no-config -c '" + example + "'";
+        if (example.find(" zsh)") != std::string::npos) {
+            return "zsh -f -c 'autoload -Uz compinit; compinit -D -u; " + example + "'";
+        }
+        return example;
+    }
+
+    std::string mChannel;
+    std::string mVideoBroadcast;
 };
 
-TEST_F(Footers, OfHelpShowWhatWorks) {
-    ASSERT_EQ(0, Ctl({"listen", "channel_config", "video_broadcast", "--for", "1ms"}).exit);
-    WriteFile(mDirectory / "request.bin", FrameBytes(kRequest, 2, R"({"type": 18, "method": 0})"));
-    WriteFile(mDirectory / "damaged.bin", "damaged");
-    const std::string channel = CurrentChannel();
-    const std::string vb = NewVideoBroadcast();
-    for (const char* command :
-         {"list", "describe", "call", "listen", "send", "emit", "bench", "doctor", "completion", "man"}) {
-        const std::vector<std::string> examples = ExamplesOf(Ctl({command, "--help"}).output);
-        EXPECT_LE(2u, examples.size()) << command;
-        for (std::string example : examples) {
-            example = std::regex_replace(example, std::regex("0x1000"), channel);
-            example = std::regex_replace(example, std::regex("0x2000"), vb);
-            if (example.find(" fish ") != std::string::npos) example = "fish --no-config -c '" + example + "'";
-            if (example.find(" zsh)") != std::string::npos) {
-                example = "zsh -f -c 'autoload -Uz compinit; compinit -D; " + example + "'";
-            }
-            Shell shell(mDirectory.Path());
-            int code = -1;
-            const std::string output = shell.Type(example, &code);
-            EXPECT_EQ(0, code) << "$ " << example << "\n" << output;
-        }
+TEST_P(Help, ShowsExamplesThatWork) {
+    const std::vector<std::string> examples = ExamplesOf(Ctl({GetParam(), "--help"}).output);
+    EXPECT_LE(2u, examples.size());
+    for (const std::string& example : examples) {
+        const std::string command = Command(example);
+        Shell shell(mDirectory.Path());
+        int code = -1;
+        const std::string output = shell.Type(command, &code);
+        if (code == 0) continue;
+        ADD_FAILURE() << "$ " << command << "\nends with " << code << " and says:\n"
+                      << output << "\nThe service said:\n"
+                      << EndOf(mService->Output()) << "\nThe platform said:\n"
+                      << EndOf(mPlatform->Output());
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Of, Help,
+                         testing::Values("list", "describe", "call", "listen", "send", "emit", "bench", "doctor",
+                                         "completion", "man"),
+                         [](const auto& command) { return std::string(command.param); });
 
 }  // namespace
 

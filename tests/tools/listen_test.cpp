@@ -129,8 +129,9 @@ TEST_F(Listen, TakesArgumentsOfTheRegistrationForTheFamiliesThatHaveThem) {
     for (const Frame& frame : mVideoBroadcast.Frames()) {
         EXPECT_THAT(frame.payload, HasSubstr("\"vb_handle\" : \"0x77\"")) << "no object is made";
     }
-    // Events of both families.
+    // Events of both families, each over a socket of its own, so that only waiting keeps them in order.
     Emit();
+    ASSERT_TRUE(listener.WaitForEvents(1)) << listener.Output();
     ASSERT_EQ(0, Ctl({"emit", "video_broadcast", "onPlayPositionChanged", "position=1234", "--one-way"}).exit);
     ASSERT_TRUE(listener.WaitForEvents(2)) << listener.Output();
     EXPECT_EQ("onPlayPositionChanged", listener.Events()[1]["method"].asString());

@@ -1,7 +1,5 @@
 #include "screen.h"
 
-#include <unistd.h>
-
 #include <cstdlib>
 #include <string>
 
@@ -22,15 +20,16 @@ Screen::Screen(const std::string& shell)
     : mSocket(std::string(std::getenv("TMPDIR")) + "/terminal"),
       mTerminal({"tmux", "-u", "-D", "-f", "/dev/null", "-S", mSocket},
                 {PathWithProgram(), std::string("HOME=") + std::getenv("TMPDIR"), "LC_ALL=C.UTF-8", "TERM=xterm"}) {
-    WaitFor([this] { return access(mSocket.c_str(), F_OK) == 0; });
-    Tell({"new-session", "-d", "-x", "100", "-y", "40", shell});
+    // The socket's file is there before anybody listens on it.
+    WaitFor([&] { return Tell({"new-session", "-d", "-x", "100", "-y", "40", shell}); });
 }
 
-void Screen::Tell(const std::vector<std::string>& command) const {
-    std::vector<std::string> words{"tmux", "-S", mSocket};
+bool Screen::Tell(const std::vector<std::string>& command) const {
+    // -N: never a server of tmux's own making, which would outlive the test.
+    std::vector<std::string> words{"tmux", "-N", "-S", mSocket};
     words.insert(words.end(), command.begin(), command.end());
     // A new session has the PATH of the process that asks for it.
-    RunToEnd(words, std::nullopt, {PathWithProgram()});
+    return RunToEnd(words, std::nullopt, {PathWithProgram()}).exit == 0;
 }
 
 void Screen::Type(const std::string& text) const {

@@ -22,7 +22,8 @@ class Screen {
     bool WaitForText(const std::string& text) const;
 
   private:
-    void Tell(const std::vector<std::string>& command) const;
+    // Whether tmux did it.
+    bool Tell(const std::vector<std::string>& command) const;
 
     std::string mSocket;
     ChildProcess mTerminal;

@@ -117,14 +117,6 @@ const std::vector<Row>& Rows() {
 }
 
 // The rows of one form.
-std::vector<Row> RowsOf(const std::string& form) {
-    std::vector<Row> rows;
-    for (const Row& row : Rows()) {
-        if (row.form == form) rows.push_back(row);
-    }
-    return rows;
-}
-
 const TextRow kTexts[] = {
     {"NotifyDSMCCResponseToAPM",
      [](const std::string& text) { Apm::GetInstance()->NotifyDSMCCResponseToAPM(text, text); },
@@ -140,8 +132,8 @@ const FamilyUnderTest& UnderTest() {
 }
 
 INSTANTIATE_TEST_SUITE_P(ApplicationManagerRows, Request, ::testing::ValuesIn(Rows()), NameOf);
-INSTANTIATE_TEST_SUITE_P(ApplicationManagerRows, Reply, ::testing::ValuesIn(RowsOf("request")), NameOf);
-INSTANTIATE_TEST_SUITE_P(ApplicationManagerRows, OneWay, ::testing::ValuesIn(RowsOf("one-way")), NameOf);
+INSTANTIATE_TEST_SUITE_P(ApplicationManagerRows, Reply, ::testing::ValuesIn(RowsOf(Rows(), "request")), NameOf);
+INSTANTIATE_TEST_SUITE_P(ApplicationManagerRows, OneWay, ::testing::ValuesIn(RowsOf(Rows(), "one-way")), NameOf);
 INSTANTIATE_TEST_SUITE_P(ApplicationManagerRows, PlatformProcess, ::testing::ValuesIn(Rows()), NameOf);
 INSTANTIATE_TEST_SUITE_P(ApplicationManagerRows, Texts, ::testing::ValuesIn(kTexts), NameOfTextRow);
 

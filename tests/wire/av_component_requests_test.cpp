@@ -70,14 +70,6 @@ const std::vector<Row>& Rows() {
     return *rows;
 }
 
-std::vector<Row> RowsOf(const std::string& form) {
-    std::vector<Row> rows;
-    for (const Row& row : Rows()) {
-        if (row.form == form) rows.push_back(row);
-    }
-    return rows;
-}
-
 }  // namespace
 
 const FamilyUnderTest& UnderTest() {
@@ -87,8 +79,8 @@ const FamilyUnderTest& UnderTest() {
 }
 
 INSTANTIATE_TEST_SUITE_P(AVComponentRows, Request, ::testing::ValuesIn(Rows()), NameOf);
-INSTANTIATE_TEST_SUITE_P(AVComponentRows, Reply, ::testing::ValuesIn(RowsOf("request")), NameOf);
-INSTANTIATE_TEST_SUITE_P(AVComponentRows, OneWay, ::testing::ValuesIn(RowsOf("one-way")), NameOf);
+INSTANTIATE_TEST_SUITE_P(AVComponentRows, Reply, ::testing::ValuesIn(RowsOf(Rows(), "request")), NameOf);
+INSTANTIATE_TEST_SUITE_P(AVComponentRows, OneWay, ::testing::ValuesIn(RowsOf(Rows(), "one-way")), NameOf);
 INSTANTIATE_TEST_SUITE_P(AVComponentRows, PlatformProcess, ::testing::ValuesIn(Rows()), NameOf);
 
 // No operation takes a text.
@@ -98,7 +90,7 @@ TEST(AVComponentProtocol, HasTheRowsOfThisTest) {
     ExpectTheProtocolsOperations(Rows());
 }
 
-TEST(AVComponentProtocol, NamesTheEndpoint) {
+TEST(AVComponentProtocol, NamesTheEndpoints) {
     ExpectTheProtocolsEndpoint("requests", 15, "service_plugin_to_hbbtv_av_com", 14, "platform");
     ExpectNoEventsInTheProtocol();
 }

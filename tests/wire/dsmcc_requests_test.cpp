@@ -1,14 +1,11 @@
-// The operations of the DSM-CC adaptor: the release, which is answered, as a row; the request for a file, which is not,
-// by itself.
+// The operations of the DSM-CC adaptor: the release of a file, which is answered, and the request for one, which is
+// not.
 
 #include <android/log.h>
 
 #include "ipc/src/dsmcc/tolm_dsmcc_adaptor_ipc.h"
 #include "log_capture.h"
-#include "protocol_file.h"
 #include "request_rows.h"
-#include "wire_texts.h"
-#include "written_json.h"
 
 namespace hbbtv::test {
 
@@ -20,6 +17,11 @@ constexpr char kTag[] = "[ipc_dsmcc]";
 
 const std::vector<Row>& Rows() {
     static const auto* const rows = new std::vector<Row>{
+        {"RequestFile",
+         Tell<Adaptor>(&Adaptor::RequestFile, std::string("text 0 of url"), Handle(0xcafe0000)),
+         R"({"type": 20, "method": 0, "url": "text 0 of url", "context": "0xcafe0000"})",
+         {},
+         "one-way"},
         {"ReleaseFile",
          Tell<Adaptor>(&Adaptor::ReleaseFile, std::string("text 1 of url"), Handle(0xcafe0001)),
          R"({"type": 20, "method": 1, "url": "text 1 of url", "context": "0xcafe0001"})",
@@ -29,6 +31,8 @@ const std::vector<Row>& Rows() {
 }
 
 const TextRow kTexts[] = {
+    {"RequestFile", [](const std::string& text) { Adaptor::GetInstance()->RequestFile(text, Handle(7)); },
+     R"({"type": 20, "method": 0, "url": "", "context": "0x7"})"},
     {"ReleaseFile", [](const std::string& text) { Adaptor::GetInstance()->ReleaseFile(text, Handle(7)); },
      R"({"type": 20, "method": 1, "url": "", "context": "0x7"})"},
 };
@@ -64,25 +68,13 @@ const FamilyUnderTest& UnderTest() {
 }
 
 INSTANTIATE_TEST_SUITE_P(DsmccRows, Request, ::testing::ValuesIn(Rows()), NameOf);
-INSTANTIATE_TEST_SUITE_P(DsmccRows, Reply, ::testing::ValuesIn(Rows()), NameOf);
+INSTANTIATE_TEST_SUITE_P(DsmccRows, Reply, ::testing::ValuesIn(RowsOf(Rows(), "request")), NameOf);
+INSTANTIATE_TEST_SUITE_P(DsmccRows, OneWay, ::testing::ValuesIn(RowsOf(Rows(), "one-way")), NameOf);
 INSTANTIATE_TEST_SUITE_P(DsmccRows, PlatformProcess, ::testing::ValuesIn(Rows()), NameOf);
 INSTANTIATE_TEST_SUITE_P(DsmccRows, Texts, ::testing::ValuesIn(kTexts), NameOfTextRow);
 
-TEST(DsmccProtocol, HasTheTwoOperations) {
-    const Json::Value protocol = ReadProtocolFile("dsmcc");
-    ASSERT_EQ(protocol["operations"].size(), 2u);
-    EXPECT_EQ(protocol["operations"][0]["name"].asString(), "RequestFile");
-    EXPECT_EQ(protocol["operations"][0]["form"].asString(), "one-way");
-    EXPECT_NE(protocol["operations"][0]["doc"].asString(), "");
-    EXPECT_EQ(protocol["operations"][0]["reply"].size(), 0u);
-    EXPECT_EQ(protocol["operations"][1]["name"].asString(), "ReleaseFile");
-    for (const Json::Value& operation : protocol["operations"]) {
-        ASSERT_EQ(operation["request"].size(), 2u);
-        EXPECT_EQ(operation["request"][0]["key"].asString(), "url");
-        EXPECT_EQ(operation["request"][0]["type"].asString(), "string");
-        EXPECT_EQ(operation["request"][1]["key"].asString(), "context");
-        EXPECT_EQ(operation["request"][1]["type"].asString(), "pointer");
-    }
+TEST(DsmccProtocol, HasTheRowsOfThisTest) {
+    ExpectTheProtocolsOperations(Rows());
 }
 
 TEST(DsmccProtocol, NamesTheEndpoints) {
@@ -101,38 +93,12 @@ TEST(DsmccProtocol, HasAnExampleThatIsWhatTravels) {
         R"({"type": 20, "method": 1, "url": "dvb://1.3fb.283d.17/index.html", "context": "0x5a10"})", {});
 }
 
-TEST_F(FileRequest, IsAOneWayMessageAndWaitsForNoReply) {
-    // Answers requests only: whoever waited for a reply would get 5.
-    FakePlatform platform("service_dsmcc_to_hbbtv", "{\"ret\": 5}");
-    EXPECT_EQ(Ask("text 0 of url", Handle(0xcafe0000)), 0);
-    ASSERT_TRUE(platform.WaitForFrames(1));
-    const Frame frame = platform.Frames()[0];
-    EXPECT_EQ(frame.type, kOneWay);
-    EXPECT_EQ(frame.port, 2);
-    EXPECT_EQ(
-        frame.payload,
-        "{\n\t\"context\" : \"0xcafe0000\",\n\t\"method\" : 0,\n\t\"type\" : 20,\n\t\"url\" : \"text 0 of url\"\n}\n");
-    EXPECT_EQ(Lines(), kEnterAndLeave);
-}
-
 TEST_F(FileRequest, WithoutAContextHasAnEmptyOne) {
     FakePlatform platform("service_dsmcc_to_hbbtv", "");
     EXPECT_EQ(Ask("u", nullptr), 0);
     ASSERT_TRUE(platform.WaitForFrames(1));
     EXPECT_EQ(platform.Frames()[0].payload,
               "{\n\t\"context\" : \"\",\n\t\"method\" : 0,\n\t\"type\" : 20,\n\t\"url\" : \"u\"\n}\n");
-}
-
-TEST_F(FileRequest, HasItsUrlAsAJsonString) {
-    FakePlatform platform("service_dsmcc_to_hbbtv", "");
-    for (const WireText& text : WireTexts()) {
-        SCOPED_TRACE(text.name);
-        platform.ForgetFrames();
-        EXPECT_EQ(Ask(text.text, Handle(7)), 0);
-        ASSERT_TRUE(platform.WaitForFrames(1));
-        EXPECT_EQ(platform.Frames()[0].payload,
-                  Styled(ObjectOf({{"type", "20"}, {"method", "0"}, {"url", text.onTheWire}, {"context", "\"0x7\""}})));
-    }
 }
 
 TEST_F(FileRequest, FailsWithoutALineOfTheAdaptorWhileThePlatformIsDown) {

@@ -3,9 +3,10 @@
 // (EventsUnderTest()) and instantiates the suites at the end for its rows.
 #pragma once
 
+#include <android/log.h>
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -31,9 +32,16 @@ struct EventFamily {
     const char* withoutReceiver;   // "priority message" in the log when there is no receiver, or empty
     const char* refusal;           // message in the log for an event that asks for a reply
     const char* protocolsExample;  // what is noted of the protocol file's example
+    int refusalPriority = ANDROID_LOG_ERROR;
+    const char* story = nullptr;  // how the lines begin by which the log tells of each event, if it does
 };
 
 const EventFamily& EventsUnderTest();
+
+// A handle or context, as operations take it.
+inline const void* Pointer(uint32_t bits) {
+    return reinterpret_cast<const void*>(static_cast<uintptr_t>(bits));
+}
 
 // For the receivers. `line` is "name value value ...".
 void NoteEvent(const std::string& line);

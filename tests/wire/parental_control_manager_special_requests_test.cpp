@@ -15,9 +15,9 @@ using Manager = TolmParentalControlManagerAdaptorIpc;
 
 const void* const kObject = reinterpret_cast<const void*>(0x8000a1b2);
 
-class ParentalControlRequests : public ::testing::Test {
+class ParentalControlManagerRequests : public ::testing::Test {
   protected:
-    ~ParentalControlRequests() override { Manager::DeleteInstance(); }
+    ~ParentalControlManagerRequests() override { Manager::DeleteInstance(); }
 
     Manager& Adaptor() { return *Manager::GetInstance(); }
 
@@ -38,7 +38,7 @@ constexpr Bits kBits[] = {
 
 }  // namespace
 
-TEST_F(ParentalControlRequests, TheLocalRatingGivesItsCountryToWhoWantsNoRating) {
+TEST_F(ParentalControlManagerRequests, TheLocalRatingGivesItsCountryToWhoWantsNoRating) {
     mPlatform.SetReply("{\"ret\": 0, \"parentRating\": 12, \"countryCode\": \"DEU\"}");
     std::string countryCode;
     EXPECT_EQ(Adaptor().GetLocalParentalRating(countryCode, nullptr), 0);
@@ -47,14 +47,14 @@ TEST_F(ParentalControlRequests, TheLocalRatingGivesItsCountryToWhoWantsNoRating)
     EXPECT_EQ(mPlatform.Frames()[0].payload, "{\n\t\"method\" : 50,\n\t\"type\" : 13\n}\n");
 }
 
-TEST_F(ParentalControlRequests, TheLocalRatingThatFailsLeavesTheCountryToWhoWantsNoRating) {
+TEST_F(ParentalControlManagerRequests, TheLocalRatingThatFailsLeavesTheCountryToWhoWantsNoRating) {
     mPlatform.SetReply("{\"ret\": 4, \"parentRating\": 12, \"countryCode\": \"DEU\"}");
     std::string countryCode = "FRA";
     EXPECT_EQ(Adaptor().GetLocalParentalRating(countryCode, nullptr), 4);
     EXPECT_EQ(countryCode, "FRA");
 }
 
-TEST_F(ParentalControlRequests, CountsAndLabelsAreTheBitsOfAnInt) {
+TEST_F(ParentalControlManagerRequests, CountsAndLabelsAreTheBitsOfAnInt) {
     for (const Bits& bits : kBits) {
         SCOPED_TRACE(bits.json);
         const std::string number = bits.json;
@@ -72,13 +72,13 @@ TEST_F(ParentalControlRequests, CountsAndLabelsAreTheBitsOfAnInt) {
     }
 }
 
-TEST_F(ParentalControlRequests, ANullObjectIsAnEmptyText) {
+TEST_F(ParentalControlManagerRequests, ANullObjectIsAnEmptyText) {
     EXPECT_EQ(Adaptor().Destroy(nullptr), 0);
     ASSERT_EQ(mPlatform.Frames().size(), 1u);
     EXPECT_EQ(mPlatform.Frames()[0].payload, "{\n\t\"in_handle\" : \"\",\n\t\"method\" : 2,\n\t\"type\" : 13\n}\n");
 }
 
-TEST_F(ParentalControlRequests, TheUnusedCodesAreNamedByTheProtocol) {
+TEST_F(ParentalControlManagerRequests, TheUnusedCodesAreNamedByTheProtocol) {
     const Json::Value protocol = ReadProtocolFile("parental_control_manager");
     std::vector<int> codes;
     for (const Json::Value& entry : protocol["unused_codes"]) {

@@ -109,14 +109,6 @@ const std::vector<Row>& Rows() {
     return *rows;
 }
 
-std::vector<Row> RowsOf(const std::string& form) {
-    std::vector<Row> rows;
-    for (const Row& row : Rows()) {
-        if (row.form == form) rows.push_back(row);
-    }
-    return rows;
-}
-
 const TextRow kTexts[] = {
     {"SetName", [](const std::string& text) { Adaptor::GetInstance()->SetName(kProgramme, text); },
      R"({"type": 5, "method": 3, "handle": "0x8000e5f6", "in_name": ""})"},
@@ -140,8 +132,8 @@ const FamilyUnderTest& UnderTest() {
 }
 
 INSTANTIATE_TEST_SUITE_P(ProgrammeRows, Request, ::testing::ValuesIn(Rows()), NameOf);
-INSTANTIATE_TEST_SUITE_P(ProgrammeRows, Reply, ::testing::ValuesIn(RowsOf("request")), NameOf);
-INSTANTIATE_TEST_SUITE_P(ProgrammeRows, OneWay, ::testing::ValuesIn(RowsOf("one-way")), NameOf);
+INSTANTIATE_TEST_SUITE_P(ProgrammeRows, Reply, ::testing::ValuesIn(RowsOf(Rows(), "request")), NameOf);
+INSTANTIATE_TEST_SUITE_P(ProgrammeRows, OneWay, ::testing::ValuesIn(RowsOf(Rows(), "one-way")), NameOf);
 INSTANTIATE_TEST_SUITE_P(ProgrammeRows, PlatformProcess, ::testing::ValuesIn(Rows()), NameOf);
 INSTANTIATE_TEST_SUITE_P(ProgrammeRows, Texts, ::testing::ValuesIn(kTexts), NameOfTextRow);
 
@@ -149,7 +141,7 @@ TEST(ProgrammeProtocol, HasTheRowsOfThisTest) {
     ExpectTheProtocolsOperations(Rows());
 }
 
-TEST(ProgrammeProtocol, NamesTheEndpoint) {
+TEST(ProgrammeProtocol, NamesTheEndpoints) {
     ExpectTheProtocolsEndpoint("requests", 25, "service_plugin_to_hbbtv_program", 13, "platform");
     ExpectNoEventsInTheProtocol();
 }

@@ -114,6 +114,14 @@ const char* ShownBefore(const std::string& type) {
     return "no type";
 }
 
+std::vector<Row> RowsOf(const std::vector<Row>& rows, const std::string& form) {
+    std::vector<Row> chosen;
+    for (const Row& row : rows) {
+        if (row.form == form) chosen.push_back(row);
+    }
+    return chosen;
+}
+
 void PrintTo(const Row& row, std::ostream* out) {
     *out << row.operation;
 }

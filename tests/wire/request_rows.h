@@ -137,6 +137,9 @@ std::function<Outcome()> AskTwo(Operation operation, Arguments... arguments) {
     };
 }
 
+// Those of a form of the protocol file.
+std::vector<Row> RowsOf(const std::vector<Row>& rows, const std::string& form);
+
 void PrintTo(const Row& row, std::ostream* out);
 std::string NameOf(const ::testing::TestParamInfo<Row>& info);
 

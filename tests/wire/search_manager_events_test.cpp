@@ -10,10 +10,6 @@ namespace {
 
 using Adaptor = TolmSearchManagerAdaptor;
 
-const void* Pointer(uintptr_t bits) {
-    return reinterpret_cast<const void*>(bits);
-}
-
 // "receiver code state search context"
 void Note(const char* receiver, TolmSearchManagerEvent event, const TolmSearchManagerEventInfo& info,
           const void* context) {

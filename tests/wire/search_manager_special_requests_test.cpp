@@ -19,9 +19,9 @@ const void* Pointer(uintptr_t bits) {
     return reinterpret_cast<const void*>(bits);
 }
 
-class SearchRequests : public ::testing::Test {
+class SearchManagerRequests : public ::testing::Test {
   protected:
-    ~SearchRequests() override { Adaptor::DeleteInstance(); }
+    ~SearchManagerRequests() override { Adaptor::DeleteInstance(); }
 
     ScratchDirectory mDirectory;
     FakePlatform mPlatform{"service_plugin_to_hbbtv_sm", "{\"ret\": 0}"};
@@ -29,7 +29,7 @@ class SearchRequests : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(SearchRequests, TheStartTimeStandsAsARealNumber) {
+TEST_F(SearchManagerRequests, TheStartTimeStandsAsARealNumber) {
     const std::pair<uint32_t, const char*> times[] = {
         {0, "0.0"}, {1, "1.0"}, {1767225600, "1767225600.0"}, {2147483648u, "2147483648.0"}, {~0u, "4294967295.0"},
     };
@@ -44,7 +44,7 @@ TEST_F(SearchRequests, TheStartTimeStandsAsARealNumber) {
     }
 }
 
-TEST_F(SearchRequests, TheNumbersOfAResultSetStandUnderNamesOfTheirOwn) {
+TEST_F(SearchManagerRequests, TheNumbersOfAResultSetStandUnderNamesOfTheirOwn) {
     mPlatform.SetReply("{\"ret\": 0, \"offset\": 100000, \"length\": 20, \"size\": 3000}");
     unsigned offset = 0;
     unsigned length = 0;
@@ -57,7 +57,7 @@ TEST_F(SearchRequests, TheNumbersOfAResultSetStandUnderNamesOfTheirOwn) {
     EXPECT_EQ(size, 3000u);
 }
 
-TEST_F(SearchRequests, ResultsAreWaitedForLikeEveryReply) {
+TEST_F(SearchManagerRequests, ResultsAreWaitedForLikeEveryReply) {
     mPlatform.SetReply("{\"ret\": 4}");
     EXPECT_EQ(Adaptor::GetInstance()->SearchResults_GetResults(Pointer(1), 0, 20), 4);
     mPlatform.SetReply("nonsense");
@@ -66,7 +66,7 @@ TEST_F(SearchRequests, ResultsAreWaitedForLikeEveryReply) {
     EXPECT_EQ(mPlatform.Frames()[0].type, kRequest);
 }
 
-TEST_F(SearchRequests, OfTwoOperandsKeepTheirOrder) {
+TEST_F(SearchManagerRequests, OfTwoOperandsKeepTheirOrder) {
     void* query = nullptr;
     EXPECT_EQ(Adaptor::GetInstance()->Query_And(Pointer(0xa), Pointer(0xb), query), -1);
     EXPECT_EQ(Adaptor::GetInstance()->Query_Or(Pointer(0xb), nullptr, query), -1);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -239,6 +240,19 @@ TEST_F(ServerSocket, SaysWhyItCannotBeReached) {
     EXPECT_TRUE(mOut.HasLine("tolm_IPC \"server unlink file Error: Is a directory\""));
     EXPECT_TRUE(mOut.HasLine("tolm_IPC \"Bind Error: Address already in use\""));
     EXPECT_TRUE(mOut.HasLine("tolm_IPC \"accept Error: Invalid argument\""));
+}
+
+// Nobody waits for such a server, and it must not fill the log.
+TEST_F(ServerSocket, SlowsDownWhenItCannotBeReached) {
+    std::filesystem::create_directories(mDirectory / kName + "/inside");
+    Start();
+    const auto errors = [this] { return mLog.Count(ANDROID_LOG_ERROR, "tolm_IPC", "accept Error: Invalid argument"); };
+    ASSERT_TRUE(WaitFor([&] { return errors() >= 100; }));
+    const int before = errors();
+    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_TRUE(WaitFor([&] { return errors() >= before + 4; }));
+    // At least three whole pauses of 100 ms.
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(300));
 }
 
 TEST_F(ServerSocket, OfAnUnknownKeyHasNoName) {

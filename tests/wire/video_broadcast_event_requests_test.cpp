@@ -17,12 +17,12 @@ constexpr char kRefused[] = "null\n";
 const Lines kHandled = {"2 ENTER", "2 LEAVE"};
 const Lines kAssertionFailed = {"2 ENTER", "5 VB_Assert_Ret failed!"};
 
-class EventAsARequest : public EventRowTest {};
-class EventRequests : public EventsFixture {};
+class VideoBroadcastEventAsARequest : public EventRowTest {};
+class VideoBroadcastEventRequests : public EventsFixture {};
 
 }  // namespace
 
-TEST_P(EventAsARequest, IsTakenWithoutItsPayload) {
+TEST_P(VideoBroadcastEventAsARequest, IsTakenWithoutItsPayload) {
     Register(Pointer(0xabcd));
     RegisterMediaSync(Pointer(0xabcd));
     const bool mediaSync = std::string(GetParam().object) == "mediasync";
@@ -37,9 +37,9 @@ TEST_P(EventAsARequest, IsTakenWithoutItsPayload) {
     EXPECT_EQ(received[0].context, Pointer(0xabcd));
 }
 
-INSTANTIATE_TEST_SUITE_P(VideoBroadcastEvents, EventAsARequest, ::testing::ValuesIn(EventRows()), NameOfEvent);
+INSTANTIATE_TEST_SUITE_P(Each, VideoBroadcastEventAsARequest, ::testing::ValuesIn(EventRows()), NameOfEvent);
 
-TEST_F(EventRequests, OfAnyCodeAreTaken) {
+TEST_F(VideoBroadcastEventRequests, OfAnyCodeAreTaken) {
     Register(Pointer(0xabcd));
     const std::vector<int> codes = {17, 18, 19, 20, 21, 22, 23, -1, 2147483647, -2147483647 - 1};
     for (const int code : codes) {
@@ -54,7 +54,7 @@ TEST_F(EventRequests, OfAnyCodeAreTaken) {
     EXPECT_EQ(Received().size(), codes.size());
 }
 
-TEST_F(EventRequests, WithoutARowAreNamedByTheProtocol) {
+TEST_F(VideoBroadcastEventRequests, WithoutARowAreNamedByTheProtocol) {
     const Json::Value protocol = ReadProtocolFile("video_broadcast");
     std::vector<int> codes;
     for (const Json::Value& event : protocol["events"]) {
@@ -63,7 +63,7 @@ TEST_F(EventRequests, WithoutARowAreNamedByTheProtocol) {
     EXPECT_EQ(codes, (std::vector<int>{17, 18, 19, 21, 22}));
 }
 
-TEST_F(EventRequests, HaveTheirCodeReadLeniently) {
+TEST_F(VideoBroadcastEventRequests, HaveTheirCodeReadLeniently) {
     Register(Pointer(0xabcd));
     for (const Reading& reading : ReadingsOf("int", "")) {
         SCOPED_TRACE(reading.json);
@@ -73,7 +73,7 @@ TEST_F(EventRequests, HaveTheirCodeReadLeniently) {
     }
 }
 
-TEST_F(EventRequests, WithoutAContextThatIsATextAreRefused) {
+TEST_F(VideoBroadcastEventRequests, WithoutAContextThatIsATextAreRefused) {
     Register(Pointer(0xabcd));
     for (const char* type : {"\"videobroadcast\"", "\"mediasync\"", "\"other\"", "", "3"}) {
         for (const char* context : {"", "null", "true", "43981", "43981.5", "[\"0xabcd\"]", "{\"a\": \"0xabcd\"}"}) {
@@ -85,7 +85,7 @@ TEST_F(EventRequests, WithoutAContextThatIsATextAreRefused) {
     EXPECT_TRUE(Received().empty());
 }
 
-TEST_F(EventRequests, WithAnotherContextAreRefused) {
+TEST_F(VideoBroadcastEventRequests, WithAnotherContextAreRefused) {
     Register(Pointer(0xabcd));
     for (const char* context : {"0xabce", "0x1abcd", "", "text", "0xffffffff"}) {
         SCOPED_TRACE(context);
@@ -98,13 +98,13 @@ TEST_F(EventRequests, WithAnotherContextAreRefused) {
     EXPECT_EQ(Received().size(), 1u);
 }
 
-TEST_F(EventRequests, WithoutAReceiverAreRefused) {
+TEST_F(VideoBroadcastEventRequests, WithoutAReceiverAreRefused) {
     EXPECT_EQ(Ask("{\"type\": \"videobroadcast\", \"event\": 4, \"context\": \"0xabcd\"}"), kRefused);
     EXPECT_EQ(Ask("{\"type\": \"videobroadcast\", \"event\": 4, \"context\": \"\"}"), kRefused);
     EXPECT_EQ(AdaptorLines(), (Lines{"2 ENTER", "5 VB_Assert_Ret failed!", "2 ENTER", "5 VB_Assert_Ret failed!"}));
 }
 
-TEST_F(EventRequests, ForAReceiverWithoutAContextAreRefused) {
+TEST_F(VideoBroadcastEventRequests, ForAReceiverWithoutAContextAreRefused) {
     Register(nullptr);
     for (const char* context : {"", "0x0", "(nil)", "0xabcd"}) {
         EXPECT_EQ(Ask(std::string("{\"type\": \"videobroadcast\", \"event\": 4, \"context\": \"") + context + "\"}"),
@@ -114,7 +114,7 @@ TEST_F(EventRequests, ForAReceiverWithoutAContextAreRefused) {
     EXPECT_TRUE(Received().empty());
 }
 
-TEST_F(EventRequests, OfAnotherObjectAreTakenAndIgnored) {
+TEST_F(VideoBroadcastEventRequests, OfAnotherObjectAreTakenAndIgnored) {
     RegisterMediaSync(Pointer(0xabcd));
     for (const char* type : {"\"mediasync\"", "\"other\"", "\"\"", "", "null", "3", "[]", "{}", "\"VIDEOBROADCAST\""}) {
         SCOPED_TRACE(type);
@@ -126,7 +126,7 @@ TEST_F(EventRequests, OfAnotherObjectAreTakenAndIgnored) {
     EXPECT_TRUE(Received().empty());
 }
 
-TEST_F(EventRequests, ReadTheContextAsAPointer) {
+TEST_F(VideoBroadcastEventRequests, ReadTheContextAsAPointer) {
     Register(Pointer(0x8000abcd));
     for (const char* context : {"0x8000abcd", "0x8000ABCD", "8000abcd", " 0x8000abcd", "0x000000008000abcd"}) {
         EXPECT_EQ(Ask(std::string("{\"type\": \"videobroadcast\", \"event\": 4, \"context\": \"") + context + "\"}"),
@@ -135,7 +135,7 @@ TEST_F(EventRequests, ReadTheContextAsAPointer) {
     }
 }
 
-TEST_F(EventRequests, ThatAreNoJsonObjectGetAnEmptyReply) {
+TEST_F(VideoBroadcastEventRequests, ThatAreNoJsonObjectGetAnEmptyReply) {
     Register(Pointer(0xabcd));
     for (const char* text : {"nonsense", "null", "[]", "7", " ", "{\"type\":"}) {
         SCOPED_TRACE(text);
@@ -146,14 +146,14 @@ TEST_F(EventRequests, ThatAreNoJsonObjectGetAnEmptyReply) {
     EXPECT_EQ(Ask("{\"type\": \"videobroadcast\", \"event\": 4, \"context\": \"0xabcd\"}"), kTaken);
 }
 
-TEST_F(EventRequests, ForAnotherPortGetAnEmptyReply) {
+TEST_F(VideoBroadcastEventRequests, ForAnotherPortGetAnEmptyReply) {
     Register(Pointer(0xabcd));
     EXPECT_EQ(Ask("{\"type\": \"videobroadcast\", \"event\": 4, \"context\": \"0xabcd\"}", 8), "");
     EXPECT_EQ(LinesOf("[ipc_base]"), (Lines{"5 channel(32) port(8): no receiver"}));
     EXPECT_TRUE(Received().empty());
 }
 
-TEST_F(EventRequests, AreLoggedWithBothDocuments) {
+TEST_F(VideoBroadcastEventRequests, AreLoggedWithBothDocuments) {
     AdaptorLines();
     EXPECT_EQ(Ask("{\"type\": \"other\", \"context\": \"\"}"), kTaken);
     EXPECT_EQ(Ask("{\"type\": \"other\"}"), kRefused);

@@ -16,12 +16,12 @@ using Lines = std::vector<std::string>;
 
 const Lines kHandled = {"2 ENTER", "2 LEAVE"};
 
-class Event : public EventRowTest {};
-class Events : public EventsFixture {};
+class VideoBroadcastEvent : public EventRowTest {};
+class VideoBroadcastEvents : public EventsFixture {};
 
 }  // namespace
 
-TEST_P(Event, IsARowOfTheProtocol) {
+TEST_P(VideoBroadcastEvent, IsARowOfTheProtocol) {
     const Json::Value protocol = ReadProtocolFile("video_broadcast");
     for (const Json::Value& event : protocol["events"]) {
         if (event["object"] != GetParam().object || event["code"] != GetParam().code) continue;
@@ -38,7 +38,7 @@ TEST_P(Event, IsARowOfTheProtocol) {
     FAIL() << "not in the protocol";
 }
 
-TEST_P(Event, ReachesTheReceiver) {
+TEST_P(VideoBroadcastEvent, ReachesTheReceiver) {
     RegisterForRow(Pointer(0x80c0ffee));
     SendEvent(EventOf(GetParam()));
     const std::vector<ReceivedEvent> received = Received();
@@ -52,7 +52,7 @@ TEST_P(Event, ReachesTheReceiver) {
     EXPECT_EQ(AdaptorLines(), kHandled);
 }
 
-TEST_P(Event, IsReadLeniently) {
+TEST_P(VideoBroadcastEvent, IsReadLeniently) {
     RegisterForRow(Pointer(0x80c0ffee));
     size_t count = 0;
     for (const EventMember& member : GetParam().members) {
@@ -78,7 +78,7 @@ TEST_P(Event, IsReadLeniently) {
     }
 }
 
-TEST_P(Event, MayLackEverythingButItsHandles) {
+TEST_P(VideoBroadcastEvent, MayLackEverythingButItsHandles) {
     RegisterForRow(Pointer(0x80c0ffee));
     std::string event = EventOf(GetParam());
     std::map<std::string, std::string> shown;
@@ -97,7 +97,7 @@ TEST_P(Event, MayLackEverythingButItsHandles) {
     EXPECT_EQ(received[0].payload, PayloadOf(GetParam(), shown));
 }
 
-TEST_P(Event, MayHoldWhatNobodyReads) {
+TEST_P(VideoBroadcastEvent, MayHoldWhatNobodyReads) {
     RegisterForRow(Pointer(0x80c0ffee));
     SendEvent(WithMember(WithMember(EventOf(GetParam()), "more", "[1, {\"event\": 5}]"), "Event", "9"));
     const std::vector<ReceivedEvent> received = Received();
@@ -106,16 +106,16 @@ TEST_P(Event, MayHoldWhatNobodyReads) {
     EXPECT_EQ(received[0].payload, PayloadOf(GetParam()));
 }
 
-TEST_P(Event, IsDroppedWithoutAReceiver) {
+TEST_P(VideoBroadcastEvent, IsDroppedWithoutAReceiver) {
     SendEvent(EventOf(GetParam()));
     const bool mediaSync = std::string(GetParam().object) == "mediasync";
     EXPECT_EQ(AdaptorLines(), (Lines{"2 ENTER", mediaSync ? "5 m_cbMS is null" : "5 m_cb is null"}));
     EXPECT_TRUE(Received().empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(VideoBroadcastEvents, Event, ::testing::ValuesIn(EventRows()), NameOfEvent);
+INSTANTIATE_TEST_SUITE_P(Each, VideoBroadcastEvent, ::testing::ValuesIn(EventRows()), NameOfEvent);
 
-TEST_F(Events, OfTheProtocolAreTheRowsOfThisTest) {
+TEST_F(VideoBroadcastEvents, OfTheProtocolAreTheRowsOfThisTest) {
     const Json::Value protocol = ReadProtocolFile("video_broadcast");
     std::vector<std::string> expected;
     for (const Json::Value& event : protocol["events"]) {
@@ -126,7 +126,7 @@ TEST_F(Events, OfTheProtocolAreTheRowsOfThisTest) {
     EXPECT_EQ(rows, expected);
 }
 
-TEST_F(Events, NameTheHandlerInTheLog) {
+TEST_F(VideoBroadcastEvents, NameTheHandlerInTheLog) {
     Register(nullptr);
     mLog.Clear();
     SendEvent("{\"type\": \"videobroadcast\", \"event\": 4}");
@@ -144,7 +144,7 @@ TEST_F(Events, NameTheHandlerInTheLog) {
     }
 }
 
-TEST_F(Events, OfUnknownCodesReachTheReceiverWithAnEmptyRecord) {
+TEST_F(VideoBroadcastEvents, OfUnknownCodesReachTheReceiverWithAnEmptyRecord) {
     Register(Pointer(0x80c0ffee));
     for (const int code : {17, 18, 19, 20, 21, 22, 23, -1, 2147483647, -2147483647 - 1}) {
         SCOPED_TRACE(code);
@@ -160,7 +160,7 @@ TEST_F(Events, OfUnknownCodesReachTheReceiverWithAnEmptyRecord) {
     EXPECT_EQ(Received().size(), 10u);
 }
 
-TEST_F(Events, OfUnknownMediaSynchronisationCodesReachTheReceiverWithAnEmptyRecord) {
+TEST_F(VideoBroadcastEvents, OfUnknownMediaSynchronisationCodesReachTheReceiverWithAnEmptyRecord) {
     RegisterMediaSync(Pointer(0x80c0ffee));
     for (const int code : {6, 20, -1, 2147483647}) {
         SCOPED_TRACE(code);
@@ -175,7 +175,7 @@ TEST_F(Events, OfUnknownMediaSynchronisationCodesReachTheReceiverWithAnEmptyReco
     EXPECT_EQ(Received().size(), 4u);
 }
 
-TEST_F(Events, HaveTheirCodeReadLeniently) {
+TEST_F(VideoBroadcastEvents, HaveTheirCodeReadLeniently) {
     Register(nullptr);
     for (const Reading& reading : ReadingsOf("int", "")) {
         SCOPED_TRACE(reading.json);
@@ -188,7 +188,7 @@ TEST_F(Events, HaveTheirCodeReadLeniently) {
     EXPECT_EQ(Received().size(), ReadingsOf("int", "").size());
 }
 
-TEST_F(Events, OfAnotherObjectAreLoggedAndDropped) {
+TEST_F(VideoBroadcastEvents, OfAnotherObjectAreLoggedAndDropped) {
     Register(Pointer(1));
     RegisterMediaSync(Pointer(2));
     const std::pair<const char*, const char*> types[] = {
@@ -215,7 +215,7 @@ TEST_F(Events, OfAnotherObjectAreLoggedAndDropped) {
     EXPECT_TRUE(Received().empty());
 }
 
-TEST_F(Events, ThatAreNoJsonObjectAreLoggedOnceAndDropped) {
+TEST_F(VideoBroadcastEvents, ThatAreNoJsonObjectAreLoggedOnceAndDropped) {
     Register(Pointer(1));
     const std::string tooDeep =
         "{\"type\": \"videobroadcast\", \"event\": 4, \"a\": " + std::string(1001, '[') + std::string(1001, ']') + "}";
@@ -234,14 +234,14 @@ TEST_F(Events, ThatAreNoJsonObjectAreLoggedOnceAndDropped) {
     EXPECT_EQ(Received().size(), 1u);
 }
 
-TEST_F(Events, AreLoggedWithTheirDocument) {
+TEST_F(VideoBroadcastEvents, AreLoggedWithTheirDocument) {
     Register(Pointer(1));
     SendEvent("{\"type\": \"videobroadcast\", \"event\": 4}");
     EXPECT_EQ(LinesOf("[ipc_base]"),
               (Lines{"3 recv msg:{\n\t\"event\" : 4,\n\t\"type\" : \"videobroadcast\"\n}\n in m_ipc_id(32) port(7)"}));
 }
 
-TEST_F(Events, ForAnotherPortReachNobody) {
+TEST_F(VideoBroadcastEvents, ForAnotherPortReachNobody) {
     Register(Pointer(1));
     SendEvent("{\"type\": \"videobroadcast\", \"event\": 4}", 8);
     EXPECT_EQ(LinesOf("[ipc_base]"), (Lines{"5 channel(32) port(8): no receiver"}));
@@ -249,7 +249,7 @@ TEST_F(Events, ForAnotherPortReachNobody) {
     EXPECT_TRUE(Received().empty());
 }
 
-TEST_F(Events, OfOneConnectionKeepTheirOrder) {
+TEST_F(VideoBroadcastEvents, OfOneConnectionKeepTheirOrder) {
     Register(Pointer(1));
     for (int i = 0; i < 200; ++i) {
         SendEvent("{\"type\": \"videobroadcast\", \"event\": 7, \"position\": " + std::to_string(i) + "}");
@@ -259,7 +259,7 @@ TEST_F(Events, OfOneConnectionKeepTheirOrder) {
     for (int i = 0; i < 200; ++i) EXPECT_EQ(received[i].payload, "position=" + std::to_string(i));
 }
 
-TEST_F(Events, OfSeveralConnectionsAllArrive) {
+TEST_F(VideoBroadcastEvents, OfSeveralConnectionsAllArrive) {
     Register(Pointer(1));
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
@@ -276,7 +276,7 @@ TEST_F(Events, OfSeveralConnectionsAllArrive) {
     EXPECT_EQ(Received().size(), 100u);
 }
 
-TEST_F(Events, HoldLongTexts) {
+TEST_F(VideoBroadcastEvents, HoldLongTexts) {
     Register(Pointer(1));
     const std::string text(64 * 1024, 'x');
     SendEvent("{\"type\": \"videobroadcast\", \"event\": 14, \"error\": 0, \"contentID\": \"" + text +
@@ -287,7 +287,7 @@ TEST_F(Events, HoldLongTexts) {
                                        "rightsIssuerUrl=\"\xf0\x9f\x93\xba\"");
 }
 
-TEST_F(Events, SpellTheDrmSystemInTwoWays) {
+TEST_F(VideoBroadcastEvents, SpellTheDrmSystemInTwoWays) {
     Register(Pointer(1));
     SendEvent(
         "{\"type\": \"videobroadcast\", \"event\": 12, \"contentID\": \"c\", \"PRCollectionHandle\": \"0x1\", "
@@ -305,7 +305,7 @@ TEST_F(Events, SpellTheDrmSystemInTwoWays) {
     EXPECT_EQ(received[2].payload, "error=1; contentID=\"c\"; drmSystemId=\"right\"; rightsIssuerUrl=\"r\"");
 }
 
-TEST_F(Events, OfChangedContentShowOnlyWhatTheirFlagsName) {
+TEST_F(VideoBroadcastEvents, OfChangedContentShowOnlyWhatTheirFlagsName) {
     RegisterMediaSync(nullptr);
     const std::string dependent =
         "\"timelineSelector\": \"t\", \"unitsPerTick\": 1, \"unitsPerSecond\": 2, \"contentId\": \"c\", "
@@ -328,7 +328,7 @@ TEST_F(Events, OfChangedContentShowOnlyWhatTheirFlagsName) {
     }
 }
 
-TEST_F(Events, LikeTheProtocolsExampleArrive) {
+TEST_F(VideoBroadcastEvents, LikeTheProtocolsExampleArrive) {
     Register(Pointer(1));
     SendEvent(ReadProtocolFile("video_broadcast")["examples"]["event"]["document"].toStyledString());
     const std::vector<ReceivedEvent> received = Received();
@@ -337,7 +337,7 @@ TEST_F(Events, LikeTheProtocolsExampleArrive) {
     EXPECT_EQ(received[0].payload, "channelHandle=0x4f10; viewerChannelHandle=0x4f10; quiet=0");
 }
 
-TEST_F(Events, GoToTheReceiverOfTheirObject) {
+TEST_F(VideoBroadcastEvents, GoToTheReceiverOfTheirObject) {
     Register(Pointer(1));
     RegisterMediaSync(Pointer(2));
     SendEvent("{\"type\": \"mediasync\", \"event\": 3, \"state\": 1, \"error\": 2}");

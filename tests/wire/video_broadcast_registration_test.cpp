@@ -37,7 +37,7 @@ void MediaSync(const TolmMediaSyncEvent&, const TolmMediaSyncEventInfo&, const v
     ++gMediaSync;
 }
 
-class Registration : public EventsFixture {
+class VideoBroadcastRegistration : public EventsFixture {
   protected:
     // For the platform's threads.
     std::string AskOverAnotherConnection() const {
@@ -50,7 +50,7 @@ class Registration : public EventsFixture {
 
 }  // namespace
 
-TEST_F(Registration, OfAnotherObjectReplacesTheFirst) {
+TEST_F(VideoBroadcastRegistration, OfAnotherObjectReplacesTheFirst) {
     EXPECT_EQ(Adaptor().RegisterCallback(Pointer(1), &First, Pointer(0x1111)), 0);
     EXPECT_EQ(Adaptor().RegisterCallback(Pointer(2), &Second, Pointer(0xabcd)), 0);
     SendEvent(kEvent);
@@ -59,7 +59,7 @@ TEST_F(Registration, OfAnotherObjectReplacesTheFirst) {
     EXPECT_EQ(gSecond, 2);
 }
 
-TEST_F(Registration, WithoutAFunctionIsNone) {
+TEST_F(VideoBroadcastRegistration, WithoutAFunctionIsNone) {
     EXPECT_EQ(Adaptor().RegisterCallback(Pointer(1), &First, Pointer(0xabcd)), 0);
     EXPECT_EQ(Adaptor().RegisterCallback(Pointer(1), nullptr, Pointer(0xabcd)), 0);
     AdaptorLines();
@@ -69,7 +69,7 @@ TEST_F(Registration, WithoutAFunctionIsNone) {
     EXPECT_EQ(gFirst, 0);
 }
 
-TEST_F(Registration, EndsWithUnregisterCallbackOfAnyObject) {
+TEST_F(VideoBroadcastRegistration, EndsWithUnregisterCallbackOfAnyObject) {
     Register(Pointer(0xabcd));
     EXPECT_EQ(Adaptor().UnregisterCallback(Pointer(0x99)), 0);
     AdaptorLines();
@@ -79,7 +79,7 @@ TEST_F(Registration, EndsWithUnregisterCallbackOfAnyObject) {
     EXPECT_TRUE(Received().empty());
 }
 
-TEST_F(Registration, EndsWithClearCallback) {
+TEST_F(VideoBroadcastRegistration, EndsWithClearCallback) {
     Register(Pointer(0xabcd));
     Adaptor().ClearCallback();
     AdaptorLines();
@@ -93,7 +93,7 @@ TEST_F(Registration, EndsWithClearCallback) {
     EXPECT_EQ(Received().size(), 1u);
 }
 
-TEST_F(Registration, OfMediaSynchronisationIsUntouchedByTheOthersEnd) {
+TEST_F(VideoBroadcastRegistration, OfMediaSynchronisationIsUntouchedByTheOthersEnd) {
     Register(Pointer(0xabcd));
     Adaptor().RegisterMediaSyncCallback(&MediaSync, nullptr);
     Adaptor().ClearCallback();
@@ -108,7 +108,7 @@ TEST_F(Registration, OfMediaSynchronisationIsUntouchedByTheOthersEnd) {
     EXPECT_EQ(gMediaSync, 1);
 }
 
-TEST_F(Registration, HoldsWhenThePlatformRefusesIt) {
+TEST_F(VideoBroadcastRegistration, HoldsWhenThePlatformRefusesIt) {
     mPlatform.SetReply("{\"ret\": -3}");
     EXPECT_EQ(Adaptor().RegisterCallback(Pointer(1), &First, Pointer(0xabcd)), -3);
     SendEvent(kEvent);
@@ -120,7 +120,7 @@ TEST_F(Registration, HoldsWhenThePlatformRefusesIt) {
     EXPECT_EQ(gFirst, 1);
 }
 
-TEST_F(Registration, IsInPlaceBeforeThePlatformKnowsOfIt) {
+TEST_F(VideoBroadcastRegistration, IsInPlaceBeforeThePlatformKnowsOfIt) {
     // The platform sends an event first and answers the request after that event was handled.
     std::promise<std::string> reply;
     mPlatform.SetAnswer([&](const Frame& request) {
@@ -133,7 +133,7 @@ TEST_F(Registration, IsInPlaceBeforeThePlatformKnowsOfIt) {
     EXPECT_EQ(gFirst, 1);
 }
 
-TEST_F(Registration, IsGoneBeforeThePlatformKnowsOfIt) {
+TEST_F(VideoBroadcastRegistration, IsGoneBeforeThePlatformKnowsOfIt) {
     EXPECT_EQ(Adaptor().RegisterCallback(Pointer(1), &First, Pointer(0xabcd)), 0);
     std::promise<std::string> reply;
     mPlatform.SetAnswer([&](const Frame& request) {
@@ -146,14 +146,14 @@ TEST_F(Registration, IsGoneBeforeThePlatformKnowsOfIt) {
     EXPECT_EQ(gFirst, 0);
 }
 
-TEST_F(Registration, LetsAReceiverMakeRequests) {
+TEST_F(VideoBroadcastRegistration, LetsAReceiverMakeRequests) {
     EXPECT_EQ(Adaptor().RegisterCallback(Pointer(1), &AskInHandler, Pointer(0xabcd)), 0);
     mPlatform.SetReply("{\"ret\": 0, \"state\": 2}");
     EXPECT_EQ(Ask(kEvent), "{\n\t\"ret\" : 0\n}\n");
     EXPECT_EQ(gStateInHandler, 2);
 }
 
-TEST_F(Registration, MayChangeWhileEventsCome) {
+TEST_F(VideoBroadcastRegistration, MayChangeWhileEventsCome) {
     std::atomic<bool> stop{false};
     std::thread sender([&] {
         RawConnection connection = RawConnection::To(mDirectory / "service_hbbtv_to_plugin_vb");

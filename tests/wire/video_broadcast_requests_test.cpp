@@ -273,4 +273,11 @@ TEST(VideoBroadcastProtocol, HasTheTypeAndTheCodesOfTheFamily) {
     ExpectTheProtocolsCodes(3, codes);
 }
 
+TEST(VideoBroadcastProtocol, HasAnExampleThatIsWhatTravels) {
+    ExpectTheProtocolsExample(
+        "SetChannel", Tell<Vb>(&Vb::SetChannel, Handle(0x8001a2b0), Handle(0x4f10), false, std::string()),
+        R"({"type": 3, "method": 11, "vb_handle": "0x8001a2b0", "channel": "0x4f10", "trickPlay": false, "url": ""})",
+        {});
+}
+
 }  // namespace hbbtv::test

@@ -114,15 +114,6 @@ TEST_F(VideoBroadcastRequests, AnExchangeIsLoggedWithBothDocuments) {
         << mLog.Text();
 }
 
-TEST_F(VideoBroadcastRequests, TheProtocolsExampleIsWhatIsSent) {
-    const Json::Value example = ReadProtocolFile("video_broadcast")["examples"]["request"];
-    ASSERT_EQ(example["operation"].asString(), "SetChannel");
-    const void* const vb = reinterpret_cast<const void*>(0x8001a2b0);
-    const void* const channel = reinterpret_cast<const void*>(0x4f10);
-    EXPECT_EQ(Adaptor().SetChannel(vb, channel, false, ""), 0);
-    EXPECT_EQ(mPlatform.Frames().back().payload, example["document"].toStyledString());
-}
-
 TEST_F(VideoBroadcastRequests, OfManyThreadsEachGetTheirOwnReply) {
     // Gives back the index that it was asked for.
     mPlatform.SetAnswer([](const Frame& request) {

@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "core/local_socket.h"
+#include "common/local_socket.h"
 #include "failure.h"
 #include "package/values.h"
 
@@ -134,7 +134,7 @@ std::string ReadWord(const std::string& word) {
     if (word.rfind("@@", 0) == 0) return word.substr(1);
     if (word.empty() || word[0] != '@') return word;
     const std::string name = word.substr(1);
-    const sim::Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
     if (file.Get() < 0) throw Failure(kUsage, name + ": cannot be opened: " + std::strerror(errno));
     return All(file.Get(), name);
 }

@@ -17,7 +17,7 @@ constexpr char kTag[] = "[hidl_av_control_wrapper_client]";
 
 TolmClientHolder<IAVControlCallback> mAVControlCallback;
 
-// The client and the adaptor's receiver change together. Not taken by events.
+// The client, the watch over it and the adaptor's receiver change together. Not taken by events.
 std::mutex mRegistering;
 
 TolmAVCtrlComponentData ToAdaptorComponent(const TolmAvComponentData& component) {

@@ -51,64 +51,47 @@ class ClientsOfEvents {
 };
 
 ClientsOfEvents mApmCallback;
-TolmServiceInstance gInstance;
+TolmServiceInstance mService;
 
-// The clients, the watch over them and the adaptor's functions change together.
-std::mutex gRegistration;
+// The clients, the watch over them and the adaptor's functions change together. Not taken by events.
+std::mutex mRegistering;
+
+const std::pair<::TolmAIPEvent, TolmAIPEventCallback> kFunctions[] = {
+    {TOLM_AIP_EVENT_APPLICATION_1, ToAIPEventCallback(onApplicationEventCallback)},
+    {TOLM_AIP_EVENT_APPLICATION_2, ToAIPEventCallback(onApplicationEventCallback)},
+    {TOLM_AIP_EVENT_APPLICATION_3, ToAIPEventCallback(onApplicationEventCallback)},
+    {TOLM_AIP_EVENT_GET_LOCAL_PARENTAL_RATING, ToAIPEventCallback(onGetLocalParantalRating)},
+    {TOLM_AIP_EVENT_APPLICATION_TOP_MOST, ToAIPEventCallback(onApplicationTopMost)},
+    {TOLM_AIP_EVENT_APPLICATION_NO_TOP_MOST, ToAIPEventCallback(onApplicationNoTopMost)},
+    {TOLM_AIP_EVENT_APPLICATION_DESTROY_REQUEST, ToAIPEventCallback(onApplicationDestroyRequest)},
+    {TOLM_AIP_EVENT_KEY_PRESS, ToAIPEventCallback(onKeyPress)},
+    {TOLM_AIP_EVENT_KEY_UP, ToAIPEventCallback(onKeyUp)},
+    {TOLM_AIP_EVENT_KEY_DOWN, ToAIPEventCallback(onKeyDown)},
+    {TOLM_AIP_EVENT_IS_PARENTAL_RATING_BLOCKED, ToAIPEventCallback(onIsParentalratingBlocked)},
+    {TOLM_AIP_EVENT_REQUEST_DSMCC_FILE, ToAIPEventCallback(onRequestDsmccFile)},
+    {TOLM_AIP_EVENT_RELEASE_DSMCC_FILE, ToAIPEventCallback(onReleaseDsmccFile)},
+    {TOLM_AIP_EVENT_IS_OBJECT_SUPPORTED, ToAIPEventCallback(onIsObjectSupported)},
+    {TOLM_AIP_EVENT_HANDLE_BROADCAST_SERVICE, ToAIPEventCallback(onHandleBroadcastService)},
+    {TOLM_AIP_EVENT_GET_CONFIGURATION, ToAIPEventCallback(onGetConfiguration)},
+    {TOLM_AIP_EVENT_PLATFORM_INITIALIZE, ToAIPEventCallback(onPlatformInitialize)},
+    {TOLM_AIP_EVENT_PLATFORM_FINALIZE, ToAIPEventCallback(onPlatformFinalize)},
+    {TOLM_AIP_EVENT_SET_BROADCAST_FULL_SCREEN, ToAIPEventCallback(onSetBroadcastFullScreen)},
+    {TOLM_AIP_EVENT_OPAPP_STATE_CHANGE, ToAIPEventCallback(onOpappStateChange)},
+    {TOLM_AIP_EVENT_OPAPP_CONTEXT_CHANGE, ToAIPEventCallback(onOpappContextChange)},
+    {TOLM_AIP_EVENT_OPAPP_UPDATE, ToAIPEventCallback(onOpappUpdate)},
+};
 
 // The function of an event, null when it has none.
 TolmAIPEventCallback FunctionOf(::TolmAIPEvent event) {
-    switch (event) {
-        case TOLM_AIP_EVENT_APPLICATION_1:
-        case TOLM_AIP_EVENT_APPLICATION_2:
-        case TOLM_AIP_EVENT_APPLICATION_3:
-            return ToAIPEventCallback(onApplicationEventCallback);
-        case TOLM_AIP_EVENT_GET_LOCAL_PARENTAL_RATING:
-            return ToAIPEventCallback(onGetLocalParantalRating);
-        case TOLM_AIP_EVENT_APPLICATION_TOP_MOST:
-            return ToAIPEventCallback(onApplicationTopMost);
-        case TOLM_AIP_EVENT_APPLICATION_NO_TOP_MOST:
-            return ToAIPEventCallback(onApplicationNoTopMost);
-        case TOLM_AIP_EVENT_APPLICATION_DESTROY_REQUEST:
-            return ToAIPEventCallback(onApplicationDestroyRequest);
-        case TOLM_AIP_EVENT_KEY_PRESS:
-            return ToAIPEventCallback(onKeyPress);
-        case TOLM_AIP_EVENT_KEY_UP:
-            return ToAIPEventCallback(onKeyUp);
-        case TOLM_AIP_EVENT_KEY_DOWN:
-            return ToAIPEventCallback(onKeyDown);
-        case TOLM_AIP_EVENT_IS_PARENTAL_RATING_BLOCKED:
-            return ToAIPEventCallback(onIsParentalratingBlocked);
-        case TOLM_AIP_EVENT_REQUEST_DSMCC_FILE:
-            return ToAIPEventCallback(onRequestDsmccFile);
-        case TOLM_AIP_EVENT_RELEASE_DSMCC_FILE:
-            return ToAIPEventCallback(onReleaseDsmccFile);
-        case TOLM_AIP_EVENT_IS_OBJECT_SUPPORTED:
-            return ToAIPEventCallback(onIsObjectSupported);
-        case TOLM_AIP_EVENT_HANDLE_BROADCAST_SERVICE:
-            return ToAIPEventCallback(onHandleBroadcastService);
-        case TOLM_AIP_EVENT_GET_CONFIGURATION:
-            return ToAIPEventCallback(onGetConfiguration);
-        case TOLM_AIP_EVENT_PLATFORM_INITIALIZE:
-            return ToAIPEventCallback(onPlatformInitialize);
-        case TOLM_AIP_EVENT_PLATFORM_FINALIZE:
-            return ToAIPEventCallback(onPlatformFinalize);
-        case TOLM_AIP_EVENT_SET_BROADCAST_FULL_SCREEN:
-            return ToAIPEventCallback(onSetBroadcastFullScreen);
-        case TOLM_AIP_EVENT_OPAPP_STATE_CHANGE:
-            return ToAIPEventCallback(onOpappStateChange);
-        case TOLM_AIP_EVENT_OPAPP_CONTEXT_CHANGE:
-            return ToAIPEventCallback(onOpappContextChange);
-        case TOLM_AIP_EVENT_OPAPP_UPDATE:
-            return ToAIPEventCallback(onOpappUpdate);
-        default:
-            return nullptr;
+    for (const auto& [known, function] : kFunctions) {
+        if (known == event) return function;
     }
+    return nullptr;
 }
 
 }  // namespace
 
-ApplicationManager::ApplicationManager() : TolmHidlClientMonitor(kTag, &gInstance) {}
+ApplicationManager::ApplicationManager() : TolmHidlClientMonitor(kTag, &mService) {}
 
 Return<void> ApplicationManager::GetOwnerApp(int32_t appId, int32_t orgId, GetOwnerApp_cb _hidl_cb) {
     return AnswerFrom(std::tuple(appId, orgId), _hidl_cb, &Adaptor::GetOwnerApp);
@@ -213,7 +196,7 @@ Return<int32_t> ApplicationManager::RegisterCallback(V1_0::TolmAIPEvent event, c
         return -1;
     }
     const auto code = static_cast<::TolmAIPEvent>(event);
-    std::lock_guard<std::mutex> lock(gRegistration);
+    std::lock_guard<std::mutex> lock(mRegistering);
     if (!mApmCallback.Add(code, callback)) return -1;
     StartMonitor(callback);
     // An event without a function is refused, yet keeps its client: it is taken, until it is unregistered.
@@ -227,7 +210,7 @@ Return<int32_t> ApplicationManager::UnregisterCallback(V1_0::TolmAIPEvent event,
     Adaptor* adaptor = Adaptor::GetInstance();
     if (adaptor == nullptr) return -1;
     const auto code = static_cast<::TolmAIPEvent>(event);
-    std::lock_guard<std::mutex> lock(gRegistration);
+    std::lock_guard<std::mutex> lock(mRegistering);
     if (const sp<IAIPEventCallback> client = mApmCallback.Get(code)) {
         StopMonitor(client);
         mApmCallback.Remove(code);
@@ -239,7 +222,7 @@ Return<int32_t> ApplicationManager::UnregisterCallback(V1_0::TolmAIPEvent event,
 // comes of their deaths, and a client that registers from now on is left alone.
 void ApplicationManager::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
     TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
-    std::lock_guard<std::mutex> lock(gRegistration);
+    std::lock_guard<std::mutex> lock(mRegistering);
     StopMonitor(who.promote());
     if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->ClearAPIEventCallback();
     for (const auto& [event, client] : mApmCallback.RemoveAll()) Forget(client);
@@ -258,7 +241,7 @@ template <typename... Parameters, typename... Arguments>
 void Forward(::TolmAIPEvent event, Return<void> (IAIPEventCallback::*method)(Parameters...),
              const Arguments&... arguments) {
     const sp<IAIPEventCallback> client = mApmCallback.Get(event);
-    if (client == nullptr || !gInstance.HasClient()) return;
+    if (client == nullptr || !mService.HasClient()) return;
     // The client may have died just now: then there is nobody to tell.
     (void)((*client).*method)(arguments...).isOk();
 }

@@ -1,5 +1,7 @@
 #include "ChannelConfig.h"
 
+#include <mutex>
+
 #include "ipc/tolm_log.h"
 #include "utils/include/tolm_hidl_answer.h"
 
@@ -13,6 +15,9 @@ constexpr char kTag[] = "[hidl_video_broadcast_wrapper_client]";  // shared with
 
 TolmClientHolder<IChannelConfigCallback> mConfigCallback;
 
+// The client, the watch over it and the adaptor's receiver and context change together. Not taken by events.
+std::mutex mRegistering;
+
 }  // namespace
 
 ChannelConfig::ChannelConfig() : TolmHidlClientMonitor(kTag) {}
@@ -24,11 +29,13 @@ Return<int32_t> ChannelConfig::RegisterCallback(const sp<IChannelConfigCallback>
     }
     Adaptor* adaptor = Adaptor::GetInstance();
     if (adaptor == nullptr) return -1;
+    std::lock_guard<std::mutex> lock(mRegistering);
     Hold(mConfigCallback, cb);
     return adaptor->RegisterCallback(TolmChannelConfigCallback, Handle(context));
 }
 
 Return<int32_t> ChannelConfig::UnregisterCallback() {
+    std::lock_guard<std::mutex> lock(mRegistering);
     Drop(mConfigCallback);
     return Status(&Adaptor::UnregisterCallback);
 }
@@ -70,6 +77,7 @@ Return<void> ChannelConfig::CreateChannelList(const hidl_vec<int64_t>& channels,
 
 void ChannelConfig::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
     TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
+    std::lock_guard<std::mutex> lock(mRegistering);
     if (!DropDead(mConfigCallback, who)) return;
     if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->UnregisterCallback();
 }

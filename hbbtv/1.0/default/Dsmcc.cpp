@@ -15,43 +15,28 @@ constexpr char kMonitorTag[] = "[hidl_video_broadcast_wrapper_client]";  // shar
 constexpr char kTag[] = "[hidl_dsmcc_wrapper_client]";
 
 TolmClientHolder<IDsmccCallback> mCallback;
+TolmServiceInstance mService;
 
-// The service that mCallback was registered with; its end ends the forwarding.
-class RegisteredService {
-  public:
-    void Set(const wp<Dsmcc>& service) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        mService = service;
-    }
-
-    sp<Dsmcc> Get() const {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mService.promote();
-    }
-
-  private:
-    mutable std::mutex mMutex;
-    wp<Dsmcc> mService;  // guarded by mMutex
-};
-
-RegisteredService mService;
+// The client and the watch over it change together. Not taken by events.
+std::mutex mRegistering;
 
 }  // namespace
 
-Dsmcc::Dsmcc() : TolmHidlClientMonitor(kMonitorTag) {}
+Dsmcc::Dsmcc() : TolmHidlClientMonitor(kMonitorTag, &mService) {}
 
 Return<int32_t> Dsmcc::RegisterCallback(const sp<IDsmccCallback>& cb) {
     if (cb == nullptr) {
         TOLM_LOG(ANDROID_LOG_ERROR, kMonitorTag, "cb is null");
         return -1;
     }
-    mService.Set(this);
+    std::lock_guard<std::mutex> lock(mRegistering);
     Hold(mCallback, cb);
     return Status(&Adaptor::BrowserRegisterCallback, &TolmBacBrowserDSMCCFileCallback);
 }
 
 // The adaptor keeps the forwarding function, which says in the log that there is no client.
 Return<int32_t> Dsmcc::UnregisterCallback() {
+    std::lock_guard<std::mutex> lock(mRegistering);
     Drop(mCallback);
     return 0;
 }
@@ -66,13 +51,13 @@ Return<int32_t> Dsmcc::OnReleaseFile(const hidl_string& url, int64_t context) {
 
 void Dsmcc::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
     TOLM_LOG(ANDROID_LOG_INFO, kMonitorTag, "ClientDeathRecipient::serviceDied - client died");
+    std::lock_guard<std::mutex> lock(mRegistering);
     DropDead(mCallback, who);
 }
 
 void TolmBacBrowserDSMCCFileCallback(TolmDSMCCFileEventType type, const char* filePath, const void* context) {
     const sp<IDsmccCallback> client = mCallback.Get();
-    const sp<Dsmcc> service = mService.Get();
-    if (client == nullptr || service == nullptr || !service->HasClient()) {
+    if (client == nullptr || !mService.HasClient()) {
         TOLM_LOG(ANDROID_LOG_ERROR, kTag, "IDsmccCallback callback is null");
         return;
     }

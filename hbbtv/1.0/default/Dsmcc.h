@@ -25,9 +25,6 @@ class Dsmcc : public IDsmcc, public TolmHidlClientMonitor {
     Return<int32_t> OnReleaseFile(const hidl_string& url, int64_t context) override;
 
     void OnHidlClientDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) override;
-
-    // Whether the client that registered may be called. Any thread.
-    bool HasClient() const { return !ClientDied(); }
 };
 
 // Forwards an event of the adaptor to the registered client. On the adaptor's server thread.

@@ -15,17 +15,17 @@ namespace {
 constexpr char kTag[] = "[hidl_mtm_wrapper_client]";
 
 TolmClientHolder<IMtmCallback> mMtmCallback;
-TolmServiceInstance gInstance;
+TolmServiceInstance mService;
 
 // What the adaptor calls, whichever client is registered.
-MtmCallback gBridge;
+MtmCallback mBridge;
 
-// The client and the adaptor's callback change together.
-std::mutex gRegistration;
+// The client, the watch over it and the adaptor's receiver change together. Not taken by events.
+std::mutex mRegistering;
 
 }  // namespace
 
-Mtm::Mtm() : TolmHidlClientMonitor(kTag, &gInstance) {}
+Mtm::Mtm() : TolmHidlClientMonitor(kTag, &mService) {}
 
 Return<int32_t> Mtm::OnTabCreated(int32_t tabId) {
     return Status(&Adaptor::OnTabCreated, tabId);
@@ -104,16 +104,16 @@ Return<void> Mtm::RegisterCallback(const sp<IMtmCallback>& callback) {
     Adaptor* adaptor = Adaptor::GetInstance();
     if (callback == nullptr) TOLM_LOG(ANDROID_LOG_ERROR, kTag, "cb is null");
     if (adaptor == nullptr || callback == nullptr) return ::android::hardware::Void();
-    std::lock_guard<std::mutex> lock(gRegistration);
+    std::lock_guard<std::mutex> lock(mRegistering);
     Hold(mMtmCallback, callback);
-    adaptor->RegisterCallback(&gBridge);
+    adaptor->RegisterCallback(&mBridge);
     return ::android::hardware::Void();
 }
 
 Return<void> Mtm::UnregisterCallback() {
     Adaptor* adaptor = Adaptor::GetInstance();
     if (adaptor == nullptr) return ::android::hardware::Void();
-    std::lock_guard<std::mutex> lock(gRegistration);
+    std::lock_guard<std::mutex> lock(mRegistering);
     Drop(mMtmCallback);
     adaptor->UnRegisterCallback();
     return ::android::hardware::Void();
@@ -121,14 +121,14 @@ Return<void> Mtm::UnregisterCallback() {
 
 void Mtm::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
     TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
-    std::lock_guard<std::mutex> lock(gRegistration);
+    std::lock_guard<std::mutex> lock(mRegistering);
     if (!DropDead(mMtmCallback, who)) return;
     if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->UnRegisterCallback();
 }
 
 sp<IMtmCallback> LivingMtmClient() {
     sp<IMtmCallback> client = mMtmCallback.Get();
-    return gInstance.HasClient() ? client : nullptr;
+    return mService.HasClient() ? client : nullptr;
 }
 
 IMtm* HIDL_FETCH_IMtm(const char*) {

@@ -17,7 +17,7 @@ constexpr char kTag[] = "[hidl_search_manager_wrapper_client]";
 TolmClientHolder<ISearchManagerCallback> mSearchCallback;
 TolmServiceInstance mService;
 
-// The client and the context that the adaptor keeps for it change together. Not taken by events.
+// The client, the watch over it and the adaptor's receiver and context change together. Not taken by events.
 std::mutex mRegistering;
 
 }  // namespace
@@ -132,6 +132,7 @@ Return<void> SearchManager::Query_Not(int64_t query, Query_Not_cb _hidl_cb) {
 // The adaptor keeps its receiver, which drops the events from now on.
 void SearchManager::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
     TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
+    std::lock_guard<std::mutex> lock(mRegistering);
     DropDead(mSearchCallback, who);
 }
 

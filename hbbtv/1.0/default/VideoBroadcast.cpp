@@ -1,5 +1,7 @@
 #include "VideoBroadcast.h"
 
+#include <mutex>
+
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
 #include "ipc/tolm_log.h"
 #include "utils/include/tolm_hidl_answer.h"
@@ -14,6 +16,9 @@ constexpr char kTag[] = "[hidl_video_broadcast_wrapper_client]";
 
 // One client for the whole process, whatever its object.
 TolmClientHolder<IVideoBroadcastCallback> mVBCallback;
+
+// The client, the watch over it and the adaptor's receiver and context change together. Not taken by events.
+std::mutex mRegistering;
 
 }  // namespace
 
@@ -38,11 +43,13 @@ Return<int32_t> VideoBroadcast::RegisterCallback(int64_t vb, const sp<IVideoBroa
     }
     Adaptor* adaptor = Adaptor::GetInstance();
     if (adaptor == nullptr) return -1;
+    std::lock_guard<std::mutex> lock(mRegistering);
     Hold(mVBCallback, cb);
     return adaptor->RegisterCallback(Handle(vb), TolmVideoBroadcastHidlCallback, Handle(context));
 }
 
 Return<int32_t> VideoBroadcast::UnregisterCallback(int64_t vb) {
+    std::lock_guard<std::mutex> lock(mRegistering);
     Drop(mVBCallback);
     return Status(&Adaptor::UnregisterCallback, Handle(vb));
 }
@@ -199,6 +206,7 @@ Return<int32_t> VideoBroadcast::ChangeDisplaySource(int32_t source) {
 
 void VideoBroadcast::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
     TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
+    std::lock_guard<std::mutex> lock(mRegistering);
     if (!DropDead(mVBCallback, who)) return;
     if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->ClearCallback();
 }

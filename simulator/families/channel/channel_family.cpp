@@ -4,8 +4,8 @@
 #include <map>
 #include <set>
 
+#include "common/nearest_name.h"
 #include "core/journal.h"
-#include "core/nearest_name.h"
 #include "families/object_family.h"
 
 namespace hbbtv::sim {

@@ -2,8 +2,8 @@
 // browser.cpp.
 #include "families/mtm/mtm_family.h"
 
+#include "common/nearest_name.h"
 #include "core/journal.h"
-#include "core/nearest_name.h"
 #include "families/members.h"
 #include "families/mtm/browser.h"
 #include "platform/remote_control.h"

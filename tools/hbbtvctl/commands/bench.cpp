@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include "arguments.h"
@@ -39,23 +40,30 @@ struct Measured {
     CallOutcome last;
 };
 
-// The calls of all threads in turn: at their times when there is a rate, otherwise as fast as they go.
+// The calls of all threads in turn: at their times when there is a rate, otherwise as fast as they go. The first is
+// made in any case, however late its thread comes to it on a busy machine.
 class Pace {
   public:
-    Pace(Clock::time_point begin, double rate) : mBegin(begin), mRate(rate) {}
+    Pace(Clock::time_point begin, Clock::time_point end, double rate) : mBegin(begin), mEnd(end), mRate(rate) {}
 
-    // Waits for the next call's time and gives it. With a rate, a call that begins late counts from when it was due:
-    // waiting for a slow service is part of what a client sees.
-    Clock::time_point Next() {
-        if (mRate <= 0) return Clock::now();
-        const double seconds = static_cast<double>(mNumber++) / mRate;
-        const auto due = mBegin + std::chrono::duration_cast<Nanoseconds>(std::chrono::duration<double>(seconds));
-        std::this_thread::sleep_until(due);
-        return due;
+    // Waits for the next call's time and gives it, or for the end, and gives nothing. With a rate, a call that begins
+    // late counts from when it was due: waiting for a slow service is part of what a client sees.
+    std::optional<Clock::time_point> Next() {
+        const uint64_t number = mNumber++;
+        const Clock::time_point due = mRate > 0 ? Due(number) : Clock::now();
+        std::this_thread::sleep_until(std::min(due, mEnd));
+        return number == 0 || due < mEnd ? std::optional(due) : std::nullopt;
     }
 
   private:
+    // The end, for what is due then or later.
+    Clock::time_point Due(uint64_t number) const {
+        const std::chrono::duration<double> after(static_cast<double>(number) / mRate);
+        return after < mEnd - mBegin ? mBegin + std::chrono::duration_cast<Nanoseconds>(after) : mEnd;
+    }
+
     const Clock::time_point mBegin;
+    const Clock::time_point mEnd;
     const double mRate;
     std::atomic<uint64_t> mNumber{0};
 };
@@ -73,8 +81,7 @@ struct Job {
           method(theMethod),
           arguments(std::move(theArguments)),
           begin(Clock::now()),
-          end(begin + options.duration.Value()),
-          pace(begin, options.rate) {
+          pace(begin, begin + options.duration.Value(), options.rate) {
         measured.last.answered = true;
     }
 
@@ -82,7 +89,6 @@ struct Job {
     const Method& method;
     const Json::Value arguments;
     const Clock::time_point begin;
-    const Clock::time_point end;
     Pace pace;
     NoEvents noEvents;
     std::mutex mutex;
@@ -93,10 +99,10 @@ void Work(Job& job) {
     Measured mine;
     mine.last.answered = true;
     while (mine.last.answered) {
-        const Clock::time_point begin = job.pace.Next();
-        if (begin >= job.end) break;
+        const std::optional<Clock::time_point> begin = job.pace.Next();
+        if (!begin) break;
         mine.last = job.service.CallNow(job.method, job.arguments, job.noEvents);
-        mine.times.push_back(Clock::now() - begin);
+        mine.times.push_back(Clock::now() - *begin);
         if (mine.last.answered && StatusOf(job.method, mine.last.results) != 0) ++mine.failed;
     }
     const std::lock_guard<std::mutex> lock(job.mutex);
@@ -169,7 +175,6 @@ int Run(const BenchOptions& options) {
     const double seconds = std::chrono::duration<double>(Clock::now() - job->begin).count();
     Measured& measured = job->measured;
     job->service.CheckAnswered(*method, measured.last);
-    if (measured.times.empty()) throw Failure(kUsage, "no call fits into --duration");
     std::sort(measured.times.begin(), measured.times.end());
     Print(name, options, measured, seconds);
     return measured.failed == 0 ? kDone : kStatusNotZero;

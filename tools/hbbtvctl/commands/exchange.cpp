@@ -110,10 +110,9 @@ int Exchange(const Message& message, bool json, const ExchangeOptions& options) 
     WireConnection connection(message.path);
     Reply reply;
     const auto begin = std::chrono::steady_clock::now();
-    connection.Send(sim::Encode({message.withReply ? sim::kRequest : sim::kOneWay, message.port, text}),
-                    options.timeout.Value());
+    connection.Send(Encode({message.withReply ? kRequest : kOneWay, message.port, text}), options.timeout.Value());
     if (message.withReply) {
-        const sim::Frame frame = connection.Receive(options.timeout.Value());
+        const Frame frame = connection.Receive(options.timeout.Value());
         if (frame.payload.empty()) {
             throw Failure(kNotUnderstood, message.path + ": the reply to " + message.name +
                                               " is empty: the other side could not read the message");

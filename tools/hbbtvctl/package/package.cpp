@@ -5,7 +5,7 @@
 #include <cctype>
 #include <set>
 
-#include "core/nearest_name.h"
+#include "common/nearest_name.h"
 #include "failure.h"
 #include "package/description.h"
 
@@ -58,7 +58,7 @@ void MakeInteger(Type& type, const std::string& name) {
 }  // namespace
 
 std::string DidYouMean(const std::string& name, const std::vector<std::string>& known) {
-    return sim::DidYouMean(name, std::set<std::string>(known.begin(), known.end()));
+    return hbbtv::DidYouMean(name, std::set<std::string>(known.begin(), known.end()));
 }
 
 const Method* Interface::Find(const std::string& method) const {

@@ -38,7 +38,7 @@ std::string WhyNot(const std::string& path, int error) {
 
 int Connect(const std::string& path) {
     for (int i = 0; i < kConnectAttempts; ++i) {
-        const int fd = sim::ConnectTo(path);
+        const int fd = ConnectTo(path);
         if (fd >= 0) return fd;
         if (errno != EAGAIN) throw Failure(kNobodyThere, WhyNot(path, errno));
         poll(nullptr, 0, static_cast<int>(kConnectAgain.count()));
@@ -78,7 +78,7 @@ void WireConnection::Send(const std::string& bytes, std::chrono::milliseconds li
     }
 }
 
-sim::Frame WireConnection::Receive(std::chrono::milliseconds limit) {
+Frame WireConnection::Receive(std::chrono::milliseconds limit) {
     const auto deadline = Clock::now() + limit;
     while (true) {
         if (const auto frame = mReader.Next()) return *frame;

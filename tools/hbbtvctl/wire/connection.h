@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "core/frame.h"
-#include "core/local_socket.h"
+#include "common/frame.h"
+#include "common/local_socket.h"
 
 namespace hbbtv::ctl {
 
@@ -19,7 +19,7 @@ class WireConnection {
     void Send(const std::string& bytes, std::chrono::milliseconds limit);
 
     // The next message. Throws Failure(kPeerLost), Failure(kTimeout) or, for a message that cannot be, kNotUnderstood.
-    sim::Frame Receive(std::chrono::milliseconds limit);
+    Frame Receive(std::chrono::milliseconds limit);
 
     // Whatever comes until nothing more does for `quiet`, or the other side closes.
     std::string ReceiveAll(std::chrono::milliseconds quiet);
@@ -29,8 +29,8 @@ class WireConnection {
     bool Wait(short events, std::chrono::steady_clock::time_point deadline) const;
 
     std::string mPath;
-    sim::Descriptor mSocket;
-    sim::FrameReader mReader;
+    Descriptor mSocket;
+    FrameReader mReader;
 };
 
 }  // namespace hbbtv::ctl

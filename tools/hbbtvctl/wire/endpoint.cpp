@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <tuple>
 
-#include "core/local_socket.h"
+#include "common/local_socket.h"
 #include "failure.h"
 
 namespace hbbtv::ctl {
@@ -111,7 +111,7 @@ Finding LookAt(const std::string& path) {
         finding.state = Finding::State::NoSocket;
         return finding;
     }
-    const sim::Descriptor fd(sim::ConnectTo(path));
+    const Descriptor fd(ConnectTo(path));
     if (fd.Get() >= 0 || errno == EAGAIN) {
         finding.state = Finding::State::Serving;
         if (fd.Get() >= 0) finding.peer = ProcessOf(fd.Get());

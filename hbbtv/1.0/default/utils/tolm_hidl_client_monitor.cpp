@@ -1,29 +1,32 @@
 #include "utils/include/tolm_hidl_client_monitor.h"
 
+#include <algorithm>
+
 #include "ipc/tolm_log.h"
 
 bool TolmServiceInstance::HasClient() const {
     std::lock_guard<std::mutex> lock(mMutex);
-    return mRecipient != nullptr && !mRecipient->IsDied();
+    return !mRecipients.empty() && !mRecipients.back()->IsDied();
 }
 
-void TolmServiceInstance::Set(const android::sp<Recipient>& recipient) {
+void TolmServiceInstance::Add(const android::sp<Recipient>& recipient) {
     std::lock_guard<std::mutex> lock(mMutex);
-    mRecipient = recipient;
+    mRecipients.push_back(recipient);
 }
 
-void TolmServiceInstance::Clear(const android::sp<Recipient>& recipient) {
+void TolmServiceInstance::Remove(const android::sp<Recipient>& recipient) {
     std::lock_guard<std::mutex> lock(mMutex);
-    if (mRecipient == recipient) mRecipient.clear();
+    const auto found = std::find(mRecipients.begin(), mRecipients.end(), recipient);
+    if (found != mRecipients.end()) mRecipients.erase(found);
 }
 
 TolmHidlClientMonitor::TolmHidlClientMonitor(const char* tag, TolmServiceInstance* instance)
     : mTag(tag), mInstance(instance), mRecipient(new TolmHidlClientDeathRecipient(this)) {
-    if (mInstance != nullptr) mInstance->Set(mRecipient);
+    if (mInstance != nullptr) mInstance->Add(mRecipient);
 }
 
 TolmHidlClientMonitor::~TolmHidlClientMonitor() {
-    if (mInstance != nullptr) mInstance->Clear(mRecipient);
+    if (mInstance != nullptr) mInstance->Remove(mRecipient);
     mRecipient->Detach();
 }
 

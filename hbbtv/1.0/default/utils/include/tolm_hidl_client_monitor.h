@@ -4,6 +4,7 @@
 
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include "utils/include/i_tolm_death_recipient.h"
 
@@ -27,7 +28,8 @@ class TolmClientHolder {
     android::sp<Callback> mCallback;  // guarded by mMutex
 };
 
-// The service object that there is, for functions that are called with its events and have none at hand. Any thread.
+// The service object that there is, for functions that are called with its events and have none at hand: the youngest,
+// should there be several. Any thread.
 class TolmServiceInstance {
   public:
     using Recipient = TolmHidlClientDeathRecipient;
@@ -38,13 +40,11 @@ class TolmServiceInstance {
   private:
     friend class TolmHidlClientMonitor;
 
-    void Set(const android::sp<Recipient>& recipient);
-
-    // Unless another service has taken its place.
-    void Clear(const android::sp<Recipient>& recipient);
+    void Add(const android::sp<Recipient>& recipient);
+    void Remove(const android::sp<Recipient>& recipient);
 
     mutable std::mutex mMutex;
-    android::sp<Recipient> mRecipient;  // guarded by mMutex
+    std::vector<android::sp<Recipient>> mRecipients;  // guarded by mMutex
 };
 
 // Base of such a service. Any thread.
@@ -63,16 +63,13 @@ class TolmHidlClientMonitor : public ITolmHidlClientEvent {
     explicit TolmHidlClientMonitor(const char* tag, TolmServiceInstance* instance = nullptr);
     ~TolmHidlClientMonitor();
 
-    // Whether there is no living client: monitoring was stopped, or the client died.
-    bool ClientDied() const { return mRecipient->IsDied(); }
-
-    // Corrects that, for a service with several clients.
+    // Corrects the flag that says that there is no living client, for a service with several.
     void SetClientDied(bool died) { mRecipient->SetDied(died); }
 
-    // Puts a callback into the holder, in place of another one, and watches it.
+    // Puts a callback into the holder, in place of another one, and watches it. The service keeps this and the next two
+    // from running at once.
     template <typename Callback>
     void Hold(TolmClientHolder<Callback>& holder, const android::sp<Callback>& callback) {
-        std::lock_guard<std::mutex> lock(mRegistration);
         Forget(holder.Exchange(callback));
         StartMonitor(callback);
     }
@@ -80,7 +77,6 @@ class TolmHidlClientMonitor : public ITolmHidlClientEvent {
     // Empties the holder and ends the watch.
     template <typename Callback>
     void Drop(TolmClientHolder<Callback>& holder) {
-        std::lock_guard<std::mutex> lock(mRegistration);
         StopMonitor(holder.Get());
         holder.Exchange(nullptr);
     }
@@ -88,7 +84,6 @@ class TolmHidlClientMonitor : public ITolmHidlClientEvent {
     // The same if the holder still holds the client that died: whether it did.
     template <typename Callback>
     bool DropDead(TolmClientHolder<Callback>& holder, const android::wp<IBase>& who) {
-        std::lock_guard<std::mutex> lock(mRegistration);
         const android::sp<Callback> held = holder.Get();
         if (android::wp<IBase>(android::sp<IBase>(held)) != who) return false;
         StopMonitor(held);
@@ -103,5 +98,4 @@ class TolmHidlClientMonitor : public ITolmHidlClientEvent {
     const char* const mTag;
     TolmServiceInstance* const mInstance;
     const android::sp<TolmHidlClientDeathRecipient> mRecipient;
-    std::mutex mRegistration;  // a holder and the watch over what it holds change together
 };

@@ -5,8 +5,8 @@
 #include "ipc/src/tolm_adaptor_instance.h"
 
 // All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. The names
-// begin with small letters here, and so they stand in the log.
+// platform did not answer properly; results are written only on success. The names begin with small letters here, and
+// so they stand in the log.
 class TolmApplicationPrivateDataAdaptorIpc : public tolm::TolmAdaptorClient,
                                              public tolm::TolmAdaptorInstance<TolmApplicationPrivateDataAdaptorIpc> {
   public:

@@ -30,8 +30,8 @@ class TolmVideoBroadcastAdaptorIpc : public tolm::TolmAdaptorClient,
     int Release(const void* vb);
     int Destroy(const void* vb);
 
-    // Makes `callback` the receiver of all video/broadcast events of this process, in place of any earlier one. The
-    // platform sends the context back with the object's events.
+    // Makes `callback` the receiver of all video/broadcast events of this process, in place of any earlier one, whether
+    // the platform answers or not. The platform sends the context back with the object's events.
     int RegisterCallback(const void* vb, TolmVideoBroadcastCallback callback, const void* context);
     int UnregisterCallback(const void* vb);
 

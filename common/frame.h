@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-namespace hbbtv::sim {
+namespace hbbtv {
 
 constexpr int32_t kOneWay = 1;
 constexpr int32_t kRequest = 2;
@@ -41,4 +41,4 @@ class FrameReader {
     size_t mUsed = 0;  // bytes at the front that were handed out; dropped when the rest is not a whole message
 };
 
-}  // namespace hbbtv::sim
+}  // namespace hbbtv

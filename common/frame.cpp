@@ -1,9 +1,9 @@
 // Writing and reading of framed messages: see frame.h.
-#include "core/frame.h"
+#include "common/frame.h"
 
 #include <cstring>
 
-namespace hbbtv::sim {
+namespace hbbtv {
 
 namespace {
 
@@ -46,4 +46,4 @@ std::optional<uint32_t> FrameReader::Oversized() const {
     return size;
 }
 
-}  // namespace hbbtv::sim
+}  // namespace hbbtv

@@ -4,9 +4,9 @@
 #include <set>
 #include <string>
 
-namespace hbbtv::sim {
+namespace hbbtv {
 
 // `; did you mean "number"?` when a known name is near, otherwise `; known are "a", "b"`.
 std::string DidYouMean(const std::string& name, const std::set<std::string>& known);
 
-}  // namespace hbbtv::sim
+}  // namespace hbbtv

@@ -1,5 +1,5 @@
 // Unix-domain socket system calls: see local_socket.h.
-#include "core/local_socket.h"
+#include "common/local_socket.h"
 
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace hbbtv::sim {
+namespace hbbtv {
 
 namespace {
 
@@ -56,4 +56,4 @@ int ListenOn(const std::string& path) {
     return fd.Release();
 }
 
-}  // namespace hbbtv::sim
+}  // namespace hbbtv

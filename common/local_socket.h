@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace hbbtv::sim {
+namespace hbbtv {
 
 class Descriptor {
   public:
@@ -28,4 +28,4 @@ int ConnectTo(const std::string& path);
 // A new non-blocking socket bound to the path and listening there with mode 0777, or -1 and errno.
 int ListenOn(const std::string& path);
 
-}  // namespace hbbtv::sim
+}  // namespace hbbtv

@@ -1,12 +1,12 @@
 // The nearest known name, by the number of letters to change: see nearest_name.h.
-#include "core/nearest_name.h"
+#include "common/nearest_name.h"
 
 #include <algorithm>
 #include <cctype>
 #include <numeric>
 #include <vector>
 
-namespace hbbtv::sim {
+namespace hbbtv {
 
 namespace {
 
@@ -49,4 +49,4 @@ std::string DidYouMean(const std::string& name, const std::set<std::string>& kno
     return all.empty() ? "" : "; known are " + all;
 }
 
-}  // namespace hbbtv::sim
+}  // namespace hbbtv

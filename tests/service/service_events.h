@@ -1,0 +1,73 @@
+// What the tests of a service's events share: the service in this process with a client of it, and the platform at the
+// other end of real sockets.
+#pragma once
+
+#include <android/log.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "event_connection.h"
+#include "log_capture.h"
+#include "method_rows.h"
+
+namespace hbbtv::test {
+
+// Told to a service by the death recipients of its clients.
+using IBase = android::hidl::base::V1_0::IBase;
+
+// Lines of every service that watches its clients.
+inline constexpr char kStarted[] = "ClientDeathRecipient::StartMonitor";
+inline constexpr char kStopped[] = "ClientDeathRecipient::StopMonitor";
+inline constexpr char kDied[] = "ClientDeathRecipient::serviceDied - client died";
+inline constexpr char kNoCallback[] = "cb is null";
+
+template <typename TheService, typename TheClient>
+class ServiceEvents : public testing::Test {
+  protected:
+    using Service = TheService;
+    using Client = TheClient;
+
+    // `socket` is that of the events, `tag` that of the service's lines about its clients.
+    ServiceEvents(const char* socket, const char* tag) : mSocket(socket), mTag(tag) {}
+
+    // A one-way event, as it leaves the platform, until it has been handled.
+    void Send(const std::string& json) { ASSERT_TRUE(Events().Send({json})); }
+
+    // The reply to an event that asks for one.
+    std::string Ask(const std::string& json) {
+        const auto reply = Events().Ask(json);
+        return reply ? reply->payload : "no reply";
+    }
+
+    // The requests since the platform was last told to forget them, as they came.
+    std::vector<std::string> Requests() const {
+        std::vector<std::string> requests;
+        for (const Frame& frame : mPlatform.Frames()) requests.push_back(frame.payload);
+        return requests;
+    }
+
+    int Logged(int priority, const char* message) const { return mLog.Count(priority, mTag, message); }
+
+    ScratchDirectory mDirectory;
+    LogCapture mLog;
+    FakePlatform mPlatform{UnderTest().socket, R"({"ret": 0})"};
+    android::sp<Service> mService = new Service;
+    const android::sp<Client> mClient = new Client;
+
+  private:
+    // Made when there is an event: before its first use, the adaptor serves no socket.
+    EventConnection& Events() {
+        if (mEvents == nullptr) mEvents = std::make_unique<EventConnection>(mDirectory / mSocket, UnderTest().port);
+        return *mEvents;
+    }
+
+    const char* const mSocket;
+    const char* const mTag;
+    std::unique_ptr<EventConnection> mEvents;
+};
+
+}  // namespace hbbtv::test
