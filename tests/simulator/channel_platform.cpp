@@ -3,7 +3,7 @@
 
 namespace hbbtv::test {
 
-const char* const kChannelLineUp = R"({
+const std::string kChannelLineUp = R"({
     "networks": [{"id": "sat", "name": "Satellite", "position": "19.2E", "delivery": "DVB_S", "nid": 133},
                  {"id": "cable", "name": "Cable", "delivery": "DVB_C", "nid": 200}],
     "services": [
@@ -13,15 +13,8 @@ const char* const kChannelLineUp = R"({
          "components": [{"type": "video", "tag": 1, "pid": 101, "encoding": "AVC_HD_25"}]},
         {"name": "Two", "network": "sat", "onid": 1, "tsid": 1, "sid": 2, "type": "TV", "number": 2,
          "components": [{"type": "video", "tag": 1, "pid": 201, "encoding": "MPEG2_SD_25"}]},
-        {"name": "Scrambled", "network": "sat", "onid": 1, "tsid": 1, "sid": 3, "type": "TV", "number": 3,
-         "access": "scrambled",
-         "components": [{"type": "video", "tag": 1, "pid": 301, "encoding": "MPEG2_SD_25", "encrypted": true}]},
-        {"name": "Dark", "network": "sat", "onid": 1, "tsid": 1, "sid": 4, "type": "TV", "number": 4,
-         "reception": "none",
-         "components": [{"type": "video", "tag": 1, "pid": 401, "encoding": "MPEG2_SD_25"}]},
-        {"name": "Locked", "network": "sat", "onid": 1, "tsid": 1, "sid": 5, "type": "TV", "number": 5,
-         "access": "locked",
-         "components": [{"type": "video", "tag": 1, "pid": 501, "encoding": "MPEG2_SD_25"}]},
+        )" + std::string(kOddServices) +
+                                   R"(
         {"name": "Shy", "network": "sat", "onid": 1, "tsid": 1, "sid": 6, "type": "OTHER", "number": 6, "hidden": true,
          "components": [{"type": "video", "tag": 1, "pid": 601, "encoding": "MPEG2_SD_25"}]},
         {"name": "Wave", "network": "cable", "onid": 2, "tsid": 1, "sid": 7, "type": "RADIO", "number": 7,

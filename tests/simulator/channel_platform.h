@@ -9,7 +9,7 @@ namespace hbbtv::test {
 // Channels 1 One, 2 Two, 3 Scrambled, 4 Dark (no signal), 5 Locked, 6 Shy (hidden), 7 Wave (radio, by cable); and
 // Spare, on air without being in the list. The triplets are 1.1.<number>, Wave is 2.1.7 and Spare 1.1.9. The favourite
 // list "fav:a", All mine, holds Two, Locked and Shy; "fav:b", Tea, holds One and Two.
-extern const char* const kChannelLineUp;
+extern const std::string kChannelLineUp;
 
 class ChannelPlatform : public SimulatedPlatform {
   protected:

@@ -22,13 +22,7 @@ class DamagedInput : public SimulatedPlatform {
     }
 
     // What the simulator replies to this text.
-    Json::Value ReplyTo(const std::string& text) {
-        Client().Send(2, 7, text);
-        const auto reply = Client().Receive();
-        if (reply) return Parsed(reply->payload);
-        ADD_FAILURE() << "no reply\n" << mSimulator->Output();
-        return {};
-    }
+    Json::Value ReplyTo(const std::string& text) { return AnswerTo(kToVideoBroadcast, text); }
 };
 
 class DamagedText : public DamagedInput, public testing::WithParamInterface<const char*> {};
@@ -53,6 +47,18 @@ INSTANTIATE_TEST_SUITE_P(
                     "{\"type\": 3, \"method\": 0, \"context\": \"no handle\"}",
                     "{\"type\": 3, \"method\": 7, \"vb_handle\": {\"a\": []}}",
                     "{\"type\": 3, \"method\": 63, \"source\": 99999999999999999999}", "\xff\xfe\x80"));
+
+TEST_F(DamagedInput, TextsThatAreKeptEndAt256KiB) {
+    const std::string vb = ObjectIn("presenting");
+    const std::string most(256 << 10, 'x');
+    for (const auto& [text, ret] : {std::pair(most, 0), std::pair(most + "x", -1)}) {
+        EXPECT_EQ(RetOf(vb, kCreateChannel1, {{"idType", 11}, {"dsd", text}, {"sid", 1}}), ret);
+        EXPECT_EQ(RetOf(vb, kCreateVideoComponent, {{"componentTag", 1}, {"aspectRatio", 1.78}, {"encoding", text}}),
+                  ret);
+        EXPECT_EQ(Ret(kAddStreamEventListener, {{"strurl", "dvb://1.1.1/e"}, {"dvburl", ""}, {"event_name", text}}),
+                  ret);
+    }
+}
 
 TEST_F(DamagedInput, ANestingBombGetsMinusOne) {
     for (const char* open : {"[", "{\"a\":"}) {

@@ -10,7 +10,18 @@
 
 namespace hbbtv::test {
 
-const char* const kSmallLineUp = R"({
+const char* const kOddServices =
+    R"({"name": "Scrambled", "network": "sat", "onid": 1, "tsid": 1, "sid": 3, "type": "TV", "number": 3,
+         "access": "scrambled",
+         "components": [{"type": "video", "tag": 1, "pid": 301, "encoding": "MPEG2_SD_25", "encrypted": true}]},
+        {"name": "Dark", "network": "sat", "onid": 1, "tsid": 1, "sid": 4, "type": "TV", "number": 4,
+         "reception": "none",
+         "components": [{"type": "video", "tag": 1, "pid": 401, "encoding": "MPEG2_SD_25"}]},
+        {"name": "Locked", "network": "sat", "onid": 1, "tsid": 1, "sid": 5, "type": "TV", "number": 5,
+         "access": "locked",
+         "components": [{"type": "video", "tag": 1, "pid": 501, "encoding": "MPEG2_SD_25"}]},)";
+
+const std::string kSmallLineUp = R"({
     "networks": [{"id": "sat", "name": "Satellite", "position": "19.2E", "delivery": "DVB_S", "nid": 1}],
     "services": [
         {"name": "One", "network": "sat", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1,
@@ -23,15 +34,8 @@ const char* const kSmallLineUp = R"({
                         {"type": "audio", "tag": 4, "pid": 204, "encoding": "MPEG1_L2", "language": "deu",
                          "audioDescription": true},
                         {"type": "subtitle", "tag": 5, "pid": 205, "encoding": "DVB-SUBT", "language": "deu"}]},
-        {"name": "Scrambled", "network": "sat", "onid": 1, "tsid": 1, "sid": 3, "type": "TV", "number": 3,
-         "access": "scrambled",
-         "components": [{"type": "video", "tag": 1, "pid": 301, "encoding": "MPEG2_SD_25", "encrypted": true}]},
-        {"name": "Dark", "network": "sat", "onid": 1, "tsid": 1, "sid": 4, "type": "TV", "number": 4,
-         "reception": "none",
-         "components": [{"type": "video", "tag": 1, "pid": 401, "encoding": "MPEG2_SD_25"}]},
-        {"name": "Locked", "network": "sat", "onid": 1, "tsid": 1, "sid": 5, "type": "TV", "number": 5,
-         "access": "locked",
-         "components": [{"type": "video", "tag": 1, "pid": 501, "encoding": "MPEG2_SD_25"}]},
+        )" + std::string(kOddServices) +
+                                 R"(
         {"name": "Hidden", "network": "sat", "onid": 1, "tsid": 1, "sid": 9, "type": "TV", "listed": false,
          "components": [{"type": "video", "tag": 1, "pid": 901, "encoding": "MPEG2_SD_25"}]}
     ]

@@ -20,7 +20,10 @@ namespace hbbtv::test {
 // Five channels and a service outside the list:
 //   1 One, 2 Two (with sound in two languages, a description and subtitles), 3 Scrambled, 4 Dark (no signal),
 //   5 Locked; Hidden. The triplets are 1.1.<number>, Hidden is 1.1.9. All by satellite.
-extern const char* const kSmallLineUp;
+extern const std::string kSmallLineUp;
+
+// The three of them that cannot be presented, for other line-ups with a network "sat".
+extern const char* const kOddServices;
 
 // Codes of the video/broadcast requests.
 enum Method {

@@ -271,7 +271,7 @@ void ApplicationManagerFamily::KeyConsumedByBrowser(In in, Out out) {
 
 void ApplicationManagerFamily::NotifyDSMCCResponseToAPM(In in, Out) {
     const std::string url = in.Text("url");
-    if (!mTv.applications.FileArrived(url, in.Text("path"))) {
+    if (!mTv.applications.FileArrived(url, in.ShortText("path"))) {
         throw Refused("no application waits for \"" + Excerpt(url) + "\"");
     }
 }

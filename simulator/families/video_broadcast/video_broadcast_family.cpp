@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <ctime>
 
-#include "families/members.h"
+#include "families/object_family.h"
 #include "families/video_broadcast/stream_event_listeners.h"
 #include "families/video_broadcast/video_broadcast_object.h"
 
@@ -15,81 +15,70 @@ namespace {
 
 constexpr unsigned kLoudest = 100;
 
-class VideoBroadcastFamily : public Family {
+using Object = VideoBroadcastObject;
+
+void SetWindow(Object& object, int x, int y, int width, int height) {
+    if (width < 0 || height < 0) throw Refused("the window has a negative size");
+    object.window = {x, y, width, height};
+}
+
+void SetFullScreen(Object& object, bool full) {
+    if (full == object.fullScreen) return;
+    object.fullScreen = full;
+    object.Events().FullScreen(full);
+}
+
+void SetVolume(Object& object, unsigned volume) {
+    if (volume > kLoudest) throw Refused("the volume is above " + std::to_string(kLoudest));
+    object.volume = volume;
+}
+
+void StopRecording(Object& object) {
+    if (!object.StopRecording()) throw Refused("nothing is being recorded");
+}
+
+ComponentType TypeIn(const Arguments& in) {
+    return ReadComponentType(in.Int("comType"));
+}
+
+void SelectByType(Object& object, ComponentType type) {
+    if (!object.Components().Active(type).empty()) return;
+    const auto component = object.Components().Usual(type);
+    if (!component) throw Refused("the service has no component of this type");
+    object.Components().Select(component);
+    object.Events().SelectedComponent(static_cast<int>(type));
+}
+
+void UnselectByType(Object& object, ComponentType type) {
+    const bool changed = object.Components().Unselect(type);
+    if (changed) object.Events().SelectedComponent(static_cast<int>(type));
+}
+
+class VideoBroadcastFamily : public ObjectFamily<Object> {
   public:
     explicit VideoBroadcastFamily(const FamilySetup& setup);
 
   private:
-    using Object = VideoBroadcastObject;
-    void AddRows();
+    void AddLifecycle();
+    void AddChannels();
+    void AddPresentation();
+    void AddTime();
+    void AddProgrammes();
+    void AddComponents();
+    void AddStreamEvents();
     void AddCommands();
 
-    // Lifecycle and registration.
     void Create(In in, Out out);
-    void Release(In in, Out) { Named(in).Release(); }
-    void Destroy(In in, Out out);
-    void RegisterCallback(In in, Out) { Named(in).Events().Register(in.Pointer("context")); }
-    void UnregisterCallback(In in, Out) { Named(in).Events().Unregister(); }
-
-    // Channels.
-    void BindToCurrentChannel(In in, Out out) { out["channel"] = Text(mTv.channels, Named(in).Bind()); }
+    void Destroy(In in, Out);
     void CreateChannel_1(In in, Out out);
     void CreateChannel_2(In in, Out out);
-    void SetChannel(In in, Out out);
-    void SetChannel_Quiet(In in, Out out);
-    void PrevChannel(In in, Out) { Named(in).Step(-1); }
-    void NextChannel(In in, Out) { Named(in).Step(1); }
-    void GetCurrentChannel(In in, Out out) { out["channel"] = Text(mTv.channels, Named(in).Current()); }
-    void GetPlayState(In in, Out out) { out["state"] = static_cast<int>(Named(in).State()); }
-    void Stop(In in, Out) { Named(in).Stop(); }
-
-    // Presentation.
-    void SetWindow(In in, Out out);
-    void GetFullScreen(In in, Out out) { out["fullscreen"] = Named(in).fullScreen; }
-    void SetFullScreen(In in, Out out);
-    void SetVolume(In in, Out out);
-    void GetVolume(In in, Out out) { out["volume"] = Named(in).volume; }
-    void ChangeDisplaySource(In in, Out) { mTv.displaySource = in.Int("source"); }
-
-    // Play speed, time shift, recording.
-    void GetPlaybackOffset(In in, Out out) { out["offset"] = Named(in).Shift().Offset(); }
-    void GetMaxOffset(In in, Out out) { out["offset"] = Named(in).Shift().MaxOffset(); }
-    void GetRecordingState(In in, Out out) { out["state"] = Named(in).RecordingState(); }
-    void GetPlayPosition(In in, Out out) { out["position"] = Named(in).Shift().Position(); }
-    void GetPlaySpeed(In in, Out out) { out["speed"] = Named(in).Speed(); }
-    void GetPlaySpeedNum(In in, Out out);
-    void GetPlaySpeedByIndex(In in, Out out);
-    void SetTimeShiftMode(In in, Out out);
-    void GetTimeShiftMode(In in, Out out) { out["mode"] = static_cast<int>(Named(in).Shift().mode); }
-    void GetCurrentTimeShiftMode(In in, Out out) { out["mode"] = static_cast<int>(Named(in).Shift().CurrentMode()); }
-    void StopRecording(In in, Out out);
-    void Pause(In in, Out) { Named(in).SetSpeed(0.0); }
-    void Resume(In in, Out) { Named(in).Resume(); }
-    void SetSpeed(In in, Out) { Named(in).SetSpeed(in.Real("speed")); }
-    void Seek(In in, Out out);
-    void StopTimeShift(In in, Out) { Named(in).StopTimeShift(); }
-
-    // Programmes.
-    void GetProgrammeNum(In in, Out out);
-    void GetProgrammeByIndex(In in, Out out);
-    void CreateProgrammeList(In in, Out out);
-
-    // Components.
-    void GetAVComponentNumByType(In in, Out out);
-    void GetSpecificTypeAVComponentByIndex(In in, Out out);
-    void GetCurrentActiveAVComponentNumByType(In in, Out out);
-    void GetSpecificTypeCurrentActiveAVComponentByIndex(In in, Out out);
-    void SelectComponent(In in, Out out);
-    void UnselectComponent(In in, Out out);
-    void SelectComponentByType(In in, Out out);
-    void UnselectComponentByType(In in, Out out);
+    void SetChannel(Object& object, In in, int quiet);
+    void CreateProgrammeList(In, Out out);
+    void SelectComponent(Object& object, In in);
+    void UnselectComponent(Object& object, In in);
     void CreateAudioComponent(In in, Out out);
     void CreateVideoComponent(In in, Out out);
     void CreateAVComponentList(In in, Out out);
-
-    // Stream events.
-    void AddStreamEventListener(In in, Out);
-    void RemoveStreamEventListener(In in, Out);
 
     // At the television.
     std::string Zap(const Words& words);
@@ -102,12 +91,10 @@ class VideoBroadcastFamily : public Family {
 
     std::shared_ptr<Object> NewObject();
     Handle Supervisor();
-    Object& Named(In in) const;
     Object* Viewed() const;
     Object& InFront() const;
-    std::shared_ptr<Channel> NamedChannel(In in) const;
-    std::shared_ptr<Component> NamedComponent(In in) const;
-    ProgrammeList Programmes(Object* object);
+    std::shared_ptr<Component> ComponentOf(const Object& object, In in) const;
+    ProgrammeList Programmes(const Object* object) const;
     std::string AddDescription(Component component);
 
     EventLoop& mLoop;
@@ -121,73 +108,116 @@ class VideoBroadcastFamily : public Family {
 };
 
 VideoBroadcastFamily::VideoBroadcastFamily(const FamilySetup& setup)
-    : Family({"video_broadcast", "service_plugin_to_hbbtv_vb", "service_hbbtv_to_plugin_vb", 7, "method", 3}),
+    : ObjectFamily({"video_broadcast", "service_plugin_to_hbbtv_vb", "service_hbbtv_to_plugin_vb", 7, "method", 3},
+                   mObjects, "vb_handle", "video/broadcast object"),
       mLoop(setup.loop),
       mTv(setup.tv),
       mSettings(setup.settings),
       mSink(setup.sinkOf(Address())),
       mObjects(setup.tv.handleSource),
       mListeners(setup.loop, setup.settings, [this] { return Viewed(); }) {
-    AddRows();
+    AddLifecycle();
+    AddChannels();
+    AddPresentation();
+    AddTime();
+    AddProgrammes();
+    AddComponents();
+    AddStreamEvents();
     AddCommands();
     mTv.broadcastSupervisor = [this] { return Supervisor(); };
 }
 
-void VideoBroadcastFamily::AddRows() {
+void VideoBroadcastFamily::AddLifecycle() {
+    Row(0, "Create", &VideoBroadcastFamily::Create);
+    Set(1, "Release", [](Object& o, In) { o.Release(); });
+    Row(2, "Destroy", &VideoBroadcastFamily::Destroy);
+    Set(3, "RegisterCallback", [](Object& o, In in) { o.Events().Register(in.Pointer("context")); });
+    Set(4, "UnregisterCallback", [](Object& o, In) { o.Events().Unregister(); });
+}
+
+void VideoBroadcastFamily::AddChannels() {
     using F = VideoBroadcastFamily;
-    Row(0, "Create", &F::Create);
-    Row(1, "Release", &F::Release);
-    Row(2, "Destroy", &F::Destroy);
-    Row(3, "RegisterCallback", &F::RegisterCallback);
-    Row(4, "UnregisterCallback", &F::UnregisterCallback);
-    Row(5, "SetWindow", &F::SetWindow);
-    Row(6, "GetFullScreen", &F::GetFullScreen);
-    Row(7, "GetPlayState", &F::GetPlayState);
-    Row(8, "BindToCurrentChannel", &F::BindToCurrentChannel);
+    Get(7, "GetPlayState", "state", [](const Object& o) { return static_cast<int>(o.State()); });
+    Look(8, "BindToCurrentChannel", "channel", mTv.channels, [](Object& o, In) { return o.Bind(); });
     Row(9, "CreateChannel_1", &F::CreateChannel_1);
     Row(10, "CreateChannel_2", &F::CreateChannel_2);
-    Row(11, "SetChannel", &F::SetChannel);
-    Row(12, "PrevChannel", &F::PrevChannel);
-    Row(13, "NextChannel", &F::NextChannel);
-    Row(14, "SetFullScreen", &F::SetFullScreen);
-    Row(15, "SetVolume", &F::SetVolume);
-    Row(16, "GetVolume", &F::GetVolume);
-    Row(17, "Stop", &F::Stop);
-    Row(18, "GetPlaybackOffset", &F::GetPlaybackOffset);
-    Row(19, "GetMaxOffset", &F::GetMaxOffset);
-    Row(20, "GetRecordingState", &F::GetRecordingState);
-    Row(21, "GetPlayPosition", &F::GetPlayPosition);
-    Row(22, "GetPlaySpeed", &F::GetPlaySpeed);
-    Row(23, "GetPlaySpeedNum", &F::GetPlaySpeedNum);
-    Row(24, "GetPlaySpeedByIndex", &F::GetPlaySpeedByIndex);
-    Row(25, "SetTimeShiftMode", &F::SetTimeShiftMode);
-    Row(26, "GetTimeShiftMode", &F::GetTimeShiftMode);
-    Row(27, "GetCurrentTimeShiftMode", &F::GetCurrentTimeShiftMode);
-    Row(28, "StopRecording", &F::StopRecording);
-    Row(29, "Pause", &F::Pause);
-    Row(30, "Resume", &F::Resume);
-    Row(31, "SetSpeed", &F::SetSpeed);
-    Row(32, "Seek", &F::Seek);
-    Row(33, "StopTimeShift", &F::StopTimeShift);
-    Row(35, "SetChannel_Quiet", &F::SetChannel_Quiet);
-    Row(36, "GetProgrammeNum", &F::GetProgrammeNum);
-    Row(37, "GetProgrammeByIndex", &F::GetProgrammeByIndex);
-    Row(38, "GetCurrentChannel", &F::GetCurrentChannel);
-    Row(39, "GetAVComponentNumByType", &F::GetAVComponentNumByType);
-    Row(40, "GetSpecificTypeAVComponentByIndex", &F::GetSpecificTypeAVComponentByIndex);
-    Row(41, "GetCurrentActiveAVComponentNumByType", &F::GetCurrentActiveAVComponentNumByType);
-    Row(42, "GetSpecificTypeCurrentActiveAVComponentByIndex", &F::GetSpecificTypeCurrentActiveAVComponentByIndex);
-    Row(43, "SelectComponent", &F::SelectComponent);
-    Row(44, "UnselectComponent", &F::UnselectComponent);
-    Row(45, "SelectComponentByType", &F::SelectComponentByType);
-    Row(46, "UnselectComponentByType", &F::UnselectComponentByType);
+    Set(11, "SetChannel", [this](Object& o, In in) { SetChannel(o, in, 0); });
+    Set(12, "PrevChannel", [](Object& o, In) { o.Step(-1); });
+    Set(13, "NextChannel", [](Object& o, In) { o.Step(1); });
+    Set(17, "Stop", [](Object& o, In) { o.Stop(); });
+    Set(35, "SetChannel_Quiet", [this](Object& o, In in) { SetChannel(o, in, in.Int("quiet")); });
+    Look(38, "GetCurrentChannel", "channel", mTv.channels, [](const Object& o, In) { return o.Current(); });
+}
+
+void VideoBroadcastFamily::AddPresentation() {
+    Set(5, "SetWindow",
+        [](Object& o, In in) { SetWindow(o, in.Int("rect_x"), in.Int("rect_y"), in.Int("rect_w"), in.Int("rect_h")); });
+    Get(6, "GetFullScreen", "fullscreen", [](const Object& o) { return o.fullScreen; });
+    Set(14, "SetFullScreen", [](Object& o, In in) { SetFullScreen(o, in.Bool("fullscreen")); });
+    Set(15, "SetVolume", [](Object& o, In in) { SetVolume(o, in.UInt("volume")); });
+    Get(16, "GetVolume", "volume", [](const Object& o) { return o.volume; });
+    Row(63, "ChangeDisplaySource", [this](In in, Out) { mTv.displaySource = in.Int("source"); });
+}
+
+// Play speed, time shift and recording.
+void VideoBroadcastFamily::AddTime() {
+    Get(18, "GetPlaybackOffset", "offset", [](const Object& o) { return o.Shift().Offset(); });
+    Get(19, "GetMaxOffset", "offset", [](const Object& o) { return o.Shift().MaxOffset(); });
+    Get(20, "GetRecordingState", "state", [](const Object& o) { return o.RecordingState(); });
+    Get(21, "GetPlayPosition", "position", [](const Object& o) { return o.Shift().Position(); });
+    Get(22, "GetPlaySpeed", "speed", [](const Object& o) { return o.Speed(); });
+    Get(23, "GetPlaySpeedNum", "num", [](const Object&) { return static_cast<unsigned>(TimeShift::Speeds().size()); });
+    Get(24, "GetPlaySpeedByIndex", "speed",
+        [](const Object&, In in) { return At(TimeShift::Speeds(), in.UInt("index")); });
+    Set(25, "SetTimeShiftMode", [](Object& o, In in) {
+        o.Shift().mode = Choice(in.Int("mode"), TimeShiftMode::LocalThenNetwork, "time-shift mode");
+    });
+    Get(26, "GetTimeShiftMode", "mode", [](const Object& o) { return static_cast<int>(o.Shift().mode); });
+    Get(27, "GetCurrentTimeShiftMode", "mode",
+        [](const Object& o) { return static_cast<int>(o.Shift().CurrentMode()); });
+    Set(28, "StopRecording", [](Object& o, In) { StopRecording(o); });
+    Set(29, "Pause", [](Object& o, In) { o.SetSpeed(0.0); });
+    Set(30, "Resume", [](Object& o, In) { o.Resume(); });
+    Set(31, "SetSpeed", [](Object& o, In in) { o.SetSpeed(in.Real("speed")); });
+    Set(32, "Seek", [](Object& o, In in) {
+        o.Seek(in.Int("offset"), Choice(in.Int("reference"), SeekReference::End, "reference"));
+    });
+    Set(33, "StopTimeShift", [](Object& o, In) { o.StopTimeShift(); });
+}
+
+void VideoBroadcastFamily::AddProgrammes() {
+    Get(36, "GetProgrammeNum", "num", [this](const Object& o) { return static_cast<unsigned>(Programmes(&o).size()); });
+    Look(37, "GetProgrammeByIndex", "programme", mTv.programmes,
+         [this](const Object& o, In in) { return At(Programmes(&o), in.UInt("index")); });
+    Row(50, "CreateProgrammeList", &VideoBroadcastFamily::CreateProgrammeList);
+}
+
+// Operation 42 comes without a type, so its index counts the active components of all types.
+void VideoBroadcastFamily::AddComponents() {
+    using F = VideoBroadcastFamily;
+    Get(39, "GetAVComponentNumByType", "num",
+        [](const Object& o, In in) { return static_cast<unsigned>(o.Components().All(TypeIn(in)).size()); });
+    Look(40, "GetSpecificTypeAVComponentByIndex", "component", mTv.components,
+         [](const Object& o, In in) { return At(o.Components().All(TypeIn(in)), in.UInt("index")); });
+    Get(41, "GetCurrentActiveAVComponentNumByType", "num",
+        [](const Object& o, In in) { return static_cast<unsigned>(o.Components().Active(TypeIn(in)).size()); });
+    Look(42, "GetSpecificTypeCurrentActiveAVComponentByIndex", "component", mTv.components,
+         [](const Object& o, In in) { return At(o.Components().Active(), in.UInt("index")); });
+    Set(43, "SelectComponent", [this](Object& o, In in) { SelectComponent(o, in); });
+    Set(44, "UnselectComponent", [this](Object& o, In in) { UnselectComponent(o, in); });
+    Set(45, "SelectComponentByType", [](Object& o, In in) { SelectByType(o, TypeIn(in)); });
+    Set(46, "UnselectComponentByType", [](Object& o, In in) { UnselectByType(o, TypeIn(in)); });
     Row(47, "CreateAudioComponent", &F::CreateAudioComponent);
     Row(48, "CreateVideoComponent", &F::CreateVideoComponent);
     Row(49, "CreateAVComponentList", &F::CreateAVComponentList);
-    Row(50, "CreateProgrammeList", &F::CreateProgrammeList);
-    Row(63, "ChangeDisplaySource", &F::ChangeDisplaySource);
-    Row(64, "AddStreamEventListener", &F::AddStreamEventListener);
-    Row(65, "RemoveStreamEventListener", &F::RemoveStreamEventListener);
+}
+
+void VideoBroadcastFamily::AddStreamEvents() {
+    Row(64, "AddStreamEventListener", [this](In in, Out) {
+        mListeners.Add(in.ShortText("strurl"), in.ShortText("dvburl"), in.ShortText("event_name"));
+    });
+    Row(65, "RemoveStreamEventListener",
+        [this](In in, Out) { mListeners.Remove(in.Text("strurl"), in.Text("dvburl"), in.Text("event_name")); });
 }
 
 void VideoBroadcastFamily::AddCommands() {
@@ -203,35 +233,29 @@ void VideoBroadcastFamily::AddCommands() {
 
 // --- Which one is meant
 
-VideoBroadcastObject& VideoBroadcastFamily::Named(In in) const {
-    return *Find(mObjects, in, "vb_handle", "video/broadcast object");
-}
-
 // The one that used the tuner last; when it is gone, the newest.
-VideoBroadcastObject* VideoBroadcastFamily::Viewed() const {
+Object* VideoBroadcastFamily::Viewed() const {
     for (Object* object : mInOrder) {
         if (object == mTv.tuner.LatestUser()) return object;
     }
     return mInOrder.empty() ? nullptr : mInOrder.back();
 }
 
-VideoBroadcastObject& VideoBroadcastFamily::InFront() const {
+Object& VideoBroadcastFamily::InFront() const {
     Object* object = Viewed();
     if (object == nullptr) throw Refused("there is no video/broadcast object");
     return *object;
 }
 
-std::shared_ptr<Channel> VideoBroadcastFamily::NamedChannel(In in) const {
-    return in.Pointer("channel") == 0 ? nullptr : Find(mTv.channels, in, "channel", "channel");
-}
-
-std::shared_ptr<Component> VideoBroadcastFamily::NamedComponent(In in) const {
-    return Find(mTv.components, in, "component", "component");
+std::shared_ptr<Component> VideoBroadcastFamily::ComponentOf(const Object& object, In in) const {
+    const auto component = object.Components().Resolve(Find(mTv.components, in, "component", "component"));
+    if (!component) throw Refused("the service has no such component");
+    return component;
 }
 
 // --- Lifecycle
 
-std::shared_ptr<VideoBroadcastObject> VideoBroadcastFamily::NewObject() {
+std::shared_ptr<Object> VideoBroadcastFamily::NewObject() {
     return std::make_shared<Object>(mTv, mLoop, mSink, mSettings, [this] { mListeners.ServiceLeft(InFront()); });
 }
 
@@ -254,7 +278,7 @@ Handle VideoBroadcastFamily::Supervisor() {
 }
 
 void VideoBroadcastFamily::Destroy(In in, Out) {
-    Object& object = Named(in);
+    Object& object = *Named(in);
     if (&object == mSupervisor.get()) throw Refused("the broadcast supervisor is the television's own");
     object.Events().Unregister();  // an object that is gone says nothing
     object.Release();
@@ -268,7 +292,7 @@ void VideoBroadcastFamily::CreateChannel_1(In in, Out out) {
     Named(in);
     Channel channel;
     channel.idType = in.Int("idType");
-    channel.dsd = in.Text("dsd");
+    channel.dsd = in.ShortText("dsd");
     channel.sid = in.Int("sid");
     // The descriptor says on which transponder; here the service id alone finds the service.
     for (const auto& service : mTv.lineUp.services) {
@@ -288,91 +312,23 @@ void VideoBroadcastFamily::CreateChannel_2(In in, Out out) {
     channel.tsid = in.Int("tsid");
     channel.sid = in.Int("sid");
     channel.sourceId = in.Int("sourceId");
-    channel.ipBroadcastId = in.Text("ipBroadcastId");
+    channel.ipBroadcastId = in.ShortText("ipBroadcastId");
     out["channel"] = Text(mTv.channels, mTv.MakeChannel(channel));
 }
 
-void VideoBroadcastFamily::SetChannel(In in, Out) {
-    Object& object = Named(in);
+// The null handle is no channel: the object lets go.
+void VideoBroadcastFamily::SetChannel(Object& object, In in, int quiet) {
     in.Bool("trickPlay");
     in.Text("url");
-    object.SetChannel(NamedChannel(in), 0);
-}
-
-void VideoBroadcastFamily::SetChannel_Quiet(In in, Out) {
-    Object& object = Named(in);
-    in.Bool("trickPlay");
-    in.Text("url");
-    object.SetChannel(NamedChannel(in), in.Int("quiet"));
-}
-
-// --- Presentation
-
-void VideoBroadcastFamily::SetWindow(In in, Out) {
-    Object& object = Named(in);
-    const int x = in.Int("rect_x");
-    const int y = in.Int("rect_y");
-    const int width = in.Int("rect_w");
-    const int height = in.Int("rect_h");
-    if (width < 0 || height < 0) throw Refused("the window has a negative size");
-    object.window = {x, y, width, height};
-}
-
-void VideoBroadcastFamily::SetFullScreen(In in, Out) {
-    Object& object = Named(in);
-    const bool full = in.Bool("fullscreen");
-    if (full == object.fullScreen) return;
-    object.fullScreen = full;
-    object.Events().FullScreen(full);
-}
-
-void VideoBroadcastFamily::SetVolume(In in, Out) {
-    Object& object = Named(in);
-    const unsigned volume = in.UInt("volume");
-    if (volume > kLoudest) throw Refused("the volume is above " + std::to_string(kLoudest));
-    object.volume = volume;
-}
-
-// --- Play speed, time shift, recording
-
-void VideoBroadcastFamily::GetPlaySpeedNum(In in, Out out) {
-    Named(in);
-    out["num"] = static_cast<unsigned>(TimeShift::Speeds().size());
-}
-
-void VideoBroadcastFamily::GetPlaySpeedByIndex(In in, Out out) {
-    Named(in);
-    out["speed"] = At(TimeShift::Speeds(), in.UInt("index"));
-}
-
-void VideoBroadcastFamily::SetTimeShiftMode(In in, Out) {
-    Object& object = Named(in);
-    object.Shift().mode = Choice(in.Int("mode"), TimeShiftMode::LocalThenNetwork, "time-shift mode");
-}
-
-void VideoBroadcastFamily::StopRecording(In in, Out) {
-    if (!Named(in).StopRecording()) throw Refused("nothing is being recorded");
-}
-
-void VideoBroadcastFamily::Seek(In in, Out) {
-    Object& object = Named(in);
-    const SeekReference reference = Choice(in.Int("reference"), SeekReference::End, "reference");
-    object.Seek(in.Int("offset"), reference);
+    const bool none = in.Pointer("channel") == 0;
+    object.SetChannel(none ? nullptr : Find(mTv.channels, in, "channel", "channel"), quiet);
 }
 
 // --- Programmes
 
-ProgrammeList VideoBroadcastFamily::Programmes(Object* object) {
+ProgrammeList VideoBroadcastFamily::Programmes(const Object* object) const {
     if (object == nullptr || object->State() != PlayState::Presenting) return {};
     return mTv.guide->NowAndNext(object->Current()->service, std::time(nullptr));
-}
-
-void VideoBroadcastFamily::GetProgrammeNum(In in, Out out) {
-    out["num"] = static_cast<unsigned>(Programmes(&Named(in)).size());
-}
-
-void VideoBroadcastFamily::GetProgrammeByIndex(In in, Out out) {
-    out["programme"] = Text(mTv.programmes, At(Programmes(&Named(in)), in.UInt("index")));
 }
 
 void VideoBroadcastFamily::CreateProgrammeList(In, Out out) {
@@ -381,57 +337,17 @@ void VideoBroadcastFamily::CreateProgrammeList(In, Out out) {
 
 // --- Components
 
-void VideoBroadcastFamily::GetAVComponentNumByType(In in, Out out) {
-    out["num"] = static_cast<unsigned>(Named(in).Components().All(ReadComponentType(in.Int("comType"))).size());
-}
-
-void VideoBroadcastFamily::GetSpecificTypeAVComponentByIndex(In in, Out out) {
-    const ComponentList all = Named(in).Components().All(ReadComponentType(in.Int("comType")));
-    out["component"] = Text(mTv.components, At(all, in.UInt("index")));
-}
-
-void VideoBroadcastFamily::GetCurrentActiveAVComponentNumByType(In in, Out out) {
-    out["num"] = static_cast<unsigned>(Named(in).Components().Active(ReadComponentType(in.Int("comType"))).size());
-}
-
-// This request comes without a type, so the index counts the active components of all types.
-void VideoBroadcastFamily::GetSpecificTypeCurrentActiveAVComponentByIndex(In in, Out out) {
-    out["component"] = Text(mTv.components, At(Named(in).Components().Active(), in.UInt("index")));
-}
-
-void VideoBroadcastFamily::SelectComponent(In in, Out) {
-    Object& object = Named(in);
-    const auto component = object.Components().Resolve(NamedComponent(in));
-    if (!component) throw Refused("the service has no such component");
+void VideoBroadcastFamily::SelectComponent(Object& object, In in) {
+    const auto component = ComponentOf(object, in);
     const bool changed = object.Components().Select(component);
     if (changed) object.Events().SelectedComponent(static_cast<int>(component->type));
 }
 
-void VideoBroadcastFamily::UnselectComponent(In in, Out) {
-    Object& object = Named(in);
-    const auto component = object.Components().Resolve(NamedComponent(in));
-    if (!component) throw Refused("the service has no such component");
+void VideoBroadcastFamily::UnselectComponent(Object& object, In in) {
+    const auto component = ComponentOf(object, in);
     const ComponentList active = object.Components().Active(component->type);
     if (active.empty() || active.front() != component) throw Refused("the component is not selected");
-    object.Components().Unselect(component->type);
-    object.Events().SelectedComponent(static_cast<int>(component->type));
-}
-
-void VideoBroadcastFamily::SelectComponentByType(In in, Out) {
-    Object& object = Named(in);
-    const ComponentType type = ReadComponentType(in.Int("comType"));
-    if (!object.Components().Active(type).empty()) return;
-    const auto component = object.Components().Usual(type);
-    if (!component) throw Refused("the service has no component of this type");
-    object.Components().Select(component);
-    object.Events().SelectedComponent(static_cast<int>(type));
-}
-
-void VideoBroadcastFamily::UnselectComponentByType(In in, Out) {
-    Object& object = Named(in);
-    const ComponentType type = ReadComponentType(in.Int("comType"));
-    const bool changed = object.Components().Unselect(type);
-    if (changed) object.Events().SelectedComponent(static_cast<int>(type));
+    UnselectByType(object, component->type);
 }
 
 std::string VideoBroadcastFamily::AddDescription(Component component) {
@@ -444,10 +360,10 @@ void VideoBroadcastFamily::CreateAudioComponent(In in, Out out) {
     Component component;
     component.type = ComponentType::Audio;
     component.tag = in.Int("componentTag");
-    component.language = in.Text("language");
+    component.language = in.ShortText("language");
     component.audioDescription = in.Bool("audioDescription");
     component.audioChannels = in.Int("channels");
-    component.encoding = in.Text("encoding");
+    component.encoding = in.ShortText("encoding");
     out["component"] = AddDescription(component);
 }
 
@@ -457,7 +373,7 @@ void VideoBroadcastFamily::CreateVideoComponent(In in, Out out) {
     component.type = ComponentType::Video;
     component.tag = in.Int("componentTag");
     component.aspectRatio = in.Real("aspectRatio");
-    component.encoding = in.Text("encoding");
+    component.encoding = in.ShortText("encoding");
     out["component"] = AddDescription(component);
 }
 
@@ -467,16 +383,6 @@ void VideoBroadcastFamily::CreateAVComponentList(In in, Out out) {
     auto list = std::make_shared<ComponentList>();
     if (Object* object = Viewed()) *list = active ? object->Components().Active(type) : object->Components().All(type);
     out["avcmp_coll"] = Text(mTv.componentLists, list);
-}
-
-// --- Stream events
-
-void VideoBroadcastFamily::AddStreamEventListener(In in, Out) {
-    mListeners.Add(in.Text("strurl"), in.Text("dvburl"), in.Text("event_name"));
-}
-
-void VideoBroadcastFamily::RemoveStreamEventListener(In in, Out) {
-    mListeners.Remove(in.Text("strurl"), in.Text("dvburl"), in.Text("event_name"));
 }
 
 // --- At the television

@@ -54,8 +54,12 @@ class VideoBroadcastObject {
 
     // Components there are none of while nothing is presented.
     ComponentSelection& Components() { return mState == PlayState::Presenting ? mComponents : mNoComponents; }
+    const ComponentSelection& Components() const {
+        return mState == PlayState::Presenting ? mComponents : mNoComponents;
+    }
 
     TimeShift& Shift() { return mShift; }
+    const TimeShift& Shift() const { return mShift; }
     ObjectEvents& Events() { return mEvents; }
 
     // What is only kept.
