@@ -31,6 +31,8 @@ class FavouriteLists : public ChannelPlatform {
     int CommitCollection() { return OfCollection(18); }
     int Activate(const std::string& favId) { return OfCollection(19, {{"favId", favId}}); }
 
+    int SetList(const std::string& channelList) { return RetAt(kToChannelConfig, 7, {{"list", channelList}}); }
+
     std::string Create(const std::string& name) {
         return HandleAt(kToCollection, 16, "list", {{"flc_handle", Collection()}, {"name", name}});
     }
@@ -121,6 +123,28 @@ TEST_F(FavouriteLists, ThatAreRemovedAreNotFoundAnyMoreAndCannotBeCommitted) {
     EXPECT_EQ(Commit(list), -1);
     EXPECT_EQ(Favourites(list), "One Two") << "who holds it can still read it";
     EXPECT_EQ(AskAt(kToChannel, 17, {{"c_handle", ChannelOf(1)}})["favourite"], false);
+}
+
+TEST_F(FavouriteLists, InUseTellOfOtherChannelsAndNames) {
+    const std::string inUse = CurrentFavourites();
+    const std::string other = FavouriteListOf("fav:b");
+    EXPECT_EQ(RetAt(kToChannelConfig, 0, {{"context", "0x1"}}), 0);
+    EXPECT_EQ(OfList(other, 3, {{"name", "another"}}), 0) << "not the one in use";
+    EXPECT_EQ(RemoveFrom(other, 0), 0);
+    EXPECT_EQ(SetList(CreateList({})), 0);
+    EXPECT_EQ(NextChange(), "L") << "the first event of all";
+    EXPECT_EQ(Insert(inUse, 0, "ccid:2.1.7"), 0);
+    EXPECT_EQ(NextChange(), "F");
+    EXPECT_EQ(RemoveFrom(inUse, 0), 0);
+    EXPECT_EQ(NextChange(), "F");
+    EXPECT_EQ(OfList(inUse, 3, {{"name", "Evening"}}), 0);
+    EXPECT_EQ(NextChange(), "F");
+    EXPECT_EQ(OfList(inUse, 3, {{"name", "Evening"}}), 0) << "nothing changes, so nothing is told";
+    EXPECT_EQ(Insert(inUse, 99, "ccid:2.1.7"), -1);
+    EXPECT_EQ(RemoveFrom(inUse, 99), -1);
+    EXPECT_EQ(Commit(inUse), 0) << "of what is kept, and not of the list";
+    EXPECT_EQ(SetList(""), 0);
+    EXPECT_EQ(NextChange(), "L") << "the next event of all";
 }
 
 TEST_F(FavouriteLists, InUseFollowActivationAndRemoval) {
