@@ -147,6 +147,17 @@ TEST_F(Absence, OfApplicationsAndTabsNeedsNoPings) {
     EXPECT_LE(pings, 2);
 }
 
+TEST_F(Absence, OfABrowserWithATabOfItsOwnIsWatchedForToo) {
+    TelevisionWithBrowser::Start("20ms");
+    EXPECT_EQ(Notify(0, {{"tabid", 7}}), 0);
+    EXPECT_EQ(NextCommand(), "Ping");
+    Reply(R"({"ret": 0, "status": 5})");
+    EXPECT_EQ(NextCommand(), "Ping");
+    EXPECT_EQ(Tell("tabs"), "ok browser there, status 5, memory 0; tab 7: no application, empty, hidden");
+    Reply("null");
+    ExpectSaid("mtm: the browser does not answer, its tabs are gone", 1);
+}
+
 TEST_F(Absence, OfPingsIsWhatAnIntervalOf0Means) {
     TelevisionWithBrowser::Start("0ms");
     TuneToTab(2, 3);
