@@ -199,6 +199,34 @@ TEST_F(FavouriteLists, ComeToAnEndBeforeTheMemoryDoes) {
     EXPECT_NE(Create("x"), "");
 }
 
+TEST_F(FavouriteLists, HoldAtMost20000Channels) {
+    EXPECT_EQ(Stop(), 0);
+    std::string ccids = "\"ccid:1.1.1\"";
+    for (int i = 1; i < 20000; ++i) ccids += ", \"ccid:1.1.1\"";
+    WriteFile(StateFile(), R"({"inUse": "", "lists": [{"id": "a", "name": "", "channels": [)" + ccids + "]}]}");
+    BeginRemembering();
+    const std::string list = FavouriteListOf("a");
+    EXPECT_EQ(AskAt(kToFavouriteList, 1, {{"fl_handle", list}})["len"], 20000);
+    EXPECT_EQ(Insert(list, 0, "ccid:1.1.2"), -1);
+    EXPECT_EQ(RemoveFrom(list, 19999), 0);
+    EXPECT_EQ(Insert(list, 19999, "ccid:1.1.2"), 0);
+    EXPECT_EQ(Insert(list, 0, "ccid:1.1.2"), -1);
+}
+
+TEST_F(FavouriteLists, ThatAreNewNeverHaveTheIdOfOneThatIsKept) {
+    const std::string kept = Create("Sport");
+    const std::string id = IdOf(kept);
+    EXPECT_EQ(Commit(kept), 0);
+    RestartRemembering();
+    EXPECT_EQ(OfCollection(17, {{"index", 2}}), 0);
+    EXPECT_EQ(FavouriteIds(), "fav:a fav:b") << "removed, yet not committed";
+    const std::string fresh = Create("News");
+    EXPECT_NE(IdOf(fresh), id);
+    EXPECT_EQ(Commit(fresh), 0);
+    RestartRemembering();
+    EXPECT_EQ(ListName(FavouriteListOf(id)), "Sport") << "what is kept was not written over";
+}
+
 TEST_F(FavouriteLists, CommittedOutlastTheSimulator) {
     const std::string list = FavouriteListOf("fav:b");
     EXPECT_EQ(OfList(list, 3, {{"name", "Tea \"\x01\xc3\xa9"}}), 0);
