@@ -1,11 +1,11 @@
 // Puts the parts together: see simulator.h.
 #include "simulator.h"
 
-#include <algorithm>
 #include <sstream>
 
 #include "common/nearest_name.h"
 #include "core/frame_connection.h"
+#include "core/journal.h"
 #include "families/members.h"
 
 namespace hbbtv::sim {
@@ -61,7 +61,7 @@ void Simulator::Serve(std::unique_ptr<Family> family) {
 
 std::string Simulator::Summary() const {
     std::ostringstream text;
-    text << "line-up: " << ServiceCount(mTv.lineUp) << ", on: " << mTv.tuner.On()->service->name << "\n";
+    text << "line-up: " << ServiceCount(mTv.lineUp) << ", on: " << OneLine(mTv.tuner.On()->service->name) << "\n";
     for (const auto& entry : mFamilies) {
         const FamilyAddress& address = entry.second->Served().Address();
         text << "serving: " << mDirectory << "/" << address.requestSocket << " (" << address.name << ")\n";
@@ -87,9 +87,7 @@ std::string Simulator::Execute(const std::string& line) {
     input >> name;
     for (std::string word; input >> word;) words.push_back(word);
     try {
-        std::string answer = Run(Find(name), words);
-        std::replace_if(
-            answer.begin(), answer.end(), [](unsigned char c) { return c < 0x20; }, ' ');  // it is one line
+        const std::string answer = OneLine(Run(Find(name), words));
         return answer.empty() ? "ok" : "ok " + answer;
     } catch (const std::exception& e) {
         return std::string("error: ") + e.what();

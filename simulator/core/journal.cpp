@@ -3,6 +3,7 @@
 
 #include <json/writer.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace hbbtv::sim {
@@ -29,7 +30,7 @@ std::string ReadableValue(const Json::Value& value) {
 }  // namespace
 
 void Journal::Log(const std::string& line) {
-    std::fprintf(stderr, "hbbtv-sim: %s\n", line.c_str());
+    std::fprintf(stderr, "hbbtv-sim: %s\n", OneLine(line).c_str());
 }
 
 void Journal::Request(const std::string& operation, const std::string& arguments, const std::string& outcome,
@@ -56,6 +57,12 @@ std::string Readable(const Json::Value& object, const std::string& codeMember) {
         line += name + '=' + ReadableValue(*member);
     }
     return line;
+}
+
+std::string OneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7f; }, ' ');
+    return text;
 }
 
 std::string Excerpt(const std::string& text) {

@@ -30,6 +30,9 @@ class Journal {
 // member, of replies (where that is empty) none. Texts in quotes, except handles.
 std::string Readable(const Json::Value& object, const std::string& codeMember);
 
+// The text in one line, with blanks in place of control characters.
+std::string OneLine(std::string text);
+
 // The start of something that came from outside, in one line, fit to be printed.
 std::string Excerpt(const std::string& text);
 

@@ -15,7 +15,7 @@ namespace hbbtv::sim {
 namespace {
 
 constexpr int kMostWarnings = 1000;
-constexpr size_t kLongestLine = 64u << 10;
+constexpr size_t kLongestLine = 256u << 10;
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 
 // C0 and C1, and the place in the private use area where DVB's two-byte tables have their own C1.

@@ -1,6 +1,9 @@
 // The demo against the simulated platform: what a new user sees first.
 
 #include <gtest/gtest.h>
+#include <vantorel/hardware/hbbtv/1.0/IChannel.h>
+#include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
+#include <vantorel/hardware/hbbtv/1.0/IChannelList.h>
 
 #include <string>
 #include <vector>
@@ -107,6 +110,35 @@ TEST(Demo, TellsOfTheChannelChangesAndOfAnApplicationAndEndsWell) {
         {"<- CreateApp", "http://arte.example/hbbtv/: tab 1", "<- SetAppConfig", "tab 1: broadcast-related",
          "<- SetDvbOrigin", "tab 1: dvb://1.3fb.283e", "<- LoadURLInTab", "tab 1: http://arte.example/hbbtv/",
          "<- ShowHideTab", "tab 1: show", "<- GetRenderProcessId", "tab 1: process 4711", "<- DestroyApp", "tab 1"});
+}
+
+TEST(Demo, ShowsNamesOfEveryKindOnOneLineOfItsTable) {
+    using namespace vantorel::hardware::hbbtv::V1_0;
+    ScratchDirectory directory;
+    SimulatedPlatform platform;
+    ASSERT_TRUE(platform.Ready()) << platform.Output();
+    ServiceProcess service;
+    const auto config = Find<IChannelConfig>();
+    const auto lists = Find<IChannelList>();
+    const auto channels = Find<IChannel>();
+    ASSERT_TRUE(config != nullptr && lists != nullptr && channels != nullptr);
+    int64_t list = 0;
+    const auto keep = [&](int64_t& handle) { return [&](int32_t, int64_t result) { handle = result; }; };
+    ASSERT_TRUE(config->GetChannelList(keep(list)).isOk());
+    const std::string names[] = {"K\xc3\xb6ln",
+                                 "\x1b[2Ja\nb\x7f\xc2\x9b"
+                                 "31m",
+                                 std::string(65536, 'x')};
+    for (int32_t i = 0; i < 3; ++i) {
+        int64_t channel = 0;
+        ASSERT_TRUE(lists->Item(list, 18 + i, keep(channel)).isOk());
+        ASSERT_EQ(0, static_cast<int32_t>(channels->SetName(channel, names[i])));
+    }
+    ChildProcess demo({HBBTV_DEMO_PROGRAM});
+    EXPECT_EQ(0, demo.WaitForExit());
+    ExpectInOrder(demo.Output(), {"  19  K\xc3\xb6ln                        TV        1  1107 17500\n",
+                                  "  20  .[2Ja.b..31m                TV        1  1107 17501\n",
+                                  "  21  " + std::string(60, 'x') + "  TV        1  1111  7200\n"});
 }
 
 TEST(Demo, SaysThatThePlatformIsDownByItsStatus) {

@@ -362,6 +362,21 @@ TEST_F(ApplicationManager, AnApplicationOfTheBroadcastIsLoadedWhenItsFileIsThere
     ExpectSaid("no application waits for \"dvb://1.1.5.17/index.html\"", 1);  // it has its file
 }
 
+TEST_F(ApplicationManager, AFileThatComesBeforeTheParentalRatingIsNotWaitedForYet) {
+    const Members file{{"url", "dvb://1.1.8.17/index.html"}, {"path", "/tmp/dsmcc/index.html"}};
+    Tell("zap 8");
+    NextManagerEvent();
+    EXPECT_EQ(NextManagerEvent(), "271 countryCode=\"DEU\"");
+    TellManager(kNotifyDSMCCResponseToAPM, file);
+    ExpectSaid("no application waits for \"dvb://1.1.8.17/index.html\"", 1);
+    mManagerEvents->Reply(R"({"parentalRating": 0, "ret": 0})");
+    EXPECT_TRUE(WaitFor([&] { return AppEntry("17.1").find("waits for its file") != std::string::npos; }));
+    TellManager(kNotifyDSMCCResponseToAPM, file);
+    EXPECT_EQ(NextCommand(),
+              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true "
+              "url=\"file:///tmp/dsmcc/index.html\"");
+}
+
 TEST_F(ApplicationManager, TellsOfAnApplicationOnceItsPageIsLoaded) {
     StartRed();
     EXPECT_EQ(NextManagerEvent(), "270 bValue=0 isDestroy=0") << "the picture shares the screen now";
@@ -383,6 +398,14 @@ TEST_F(ApplicationManager, AsksTheParentalRatingForAnApplicationWithAMinimumAge)
     mManagerEvents->Reply(R"({"parentalRating": 0, "ret": 0})");
     EXPECT_EQ(NextCommand(),
               "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true url=\"http://late.test/\"");
+}
+
+TEST_F(ApplicationManager, AsksTheParentalRatingOfTheCountryThatIsSet) {
+    EXPECT_EQ(Tell("set country ITA"), "ok");
+    Tell("zap 4");
+    NextManagerEvent();
+    EXPECT_EQ(NextManagerEvent(), "271 countryCode=\"ITA\"");
+    mManagerEvents->Reply(R"({"parentalRating": 0, "ret": 0})");
 }
 
 class ParentalRating : public ApplicationManager, public testing::WithParamInterface<std::pair<const char*, bool>> {};
@@ -458,6 +481,27 @@ TEST_F(ApplicationManager, EveryRequestWithoutItsMembersIsRefusedAndNoneEndsTheP
         EXPECT_EQ(AnswerTo(kToApplicationManager, text)["ret"], -1) << text;
     }
     EXPECT_EQ(Current(), "17.1");
+}
+
+class ApplicationManagerOverIp : public ApplicationManager {
+  protected:
+    void SetUp() override {
+        WriteFile(mDirectory / "list.m3u", "#EXTM3U\n#EXTINF:-1,One\nhttp://tv.example/one\n");
+        mSimulator = Launch({"--line-up", mDirectory / "list.m3u", "--tune-time", "0ms", "--ping-interval", "0ms"});
+        ASSERT_TRUE(mSimulator->WaitForOutput("ready\n")) << mSimulator->Output();
+        ServeApplicationEvents();
+        ServeBrowser();
+    }
+};
+
+TEST_F(ApplicationManagerOverIp, TheOriginIsTheServicesUri) {
+    EXPECT_EQ(Create(Id(-1, -1), "http://a.test/")["ret"], 0);
+    EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
+    Reply(R"({"ret": 0, "tabid": 1})");
+    FillTab(1);
+    TellManager(kSetBIAppToBR, {{"tabid", 1}});
+    EXPECT_EQ(NextCommand(), "SetAppConfig isBR=true tabid=1");
+    EXPECT_EQ(NextCommand(), "SetDvbOrigin origin=\"http://tv.example/one\" tabid=1");
 }
 
 }  // namespace

@@ -32,6 +32,18 @@ TEST_F(Absence, LeavesTheApplicationWithoutATabAndSaysSoOnce) {
     EXPECT_EQ(Tell("apps"), "ok screen 1920x1080");
 }
 
+TEST_F(Absence, IsToldOnOneLineWhateverTheNamesAre) {
+    mLineUp = R"({"networks": [{"id": "sat", "name": "S", "delivery": "DVB_S", "nid": 1}], "services": [
+        {"name": "K\u00f6ln\n\u001b[2J\u007f!", "network": "sat", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1,
+         "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}],
+         "applications": [{"name": "A\r\nready\u001b[2J", "organisation": 17, "application": 1,
+                           "control": "autostart", "url": "http://a.test/"}]}]})";
+    SimulatedPlatform::Start({"--tune-time", "0ms"});
+    EXPECT_NE(mSimulator->Output().find(", on: K\xc3\xb6ln  [2J !\n"), std::string::npos) << mSimulator->Output();
+    ExpectSaid("mtm: no tab for A  ready [2J: no browser answers\n", 1);
+    EXPECT_EQ(Tell("zap 1"), "ok K\xc3\xb6ln  [2J !");
+}
+
 TEST_F(Absence, EndsWithTheNextTuning) {
     TelevisionWithBrowser::Start();
     mBrowser.reset();
@@ -145,6 +157,17 @@ TEST_F(Absence, OfApplicationsAndTabsNeedsNoPings) {
     }
     EXPECT_NE(command.find("https://free.test/"), std::string::npos) << command;
     EXPECT_LE(pings, 2);
+}
+
+TEST_F(Absence, OfABrowserWithATabOfItsOwnIsWatchedForToo) {
+    TelevisionWithBrowser::Start("20ms");
+    EXPECT_EQ(Notify(0, {{"tabid", 7}}), 0);
+    EXPECT_EQ(NextCommand(), "Ping");
+    Reply(R"({"ret": 0, "status": 5})");
+    EXPECT_EQ(NextCommand(), "Ping");
+    EXPECT_EQ(Tell("tabs"), "ok browser there, status 5, memory 0; tab 7: no application, empty, hidden");
+    Reply("null");
+    ExpectSaid("mtm: the browser does not answer, its tabs are gone", 1);
 }
 
 TEST_F(Absence, OfPingsIsWhatAnIntervalOf0Means) {

@@ -31,6 +31,8 @@ class FavouriteLists : public ChannelPlatform {
     int CommitCollection() { return OfCollection(18); }
     int Activate(const std::string& favId) { return OfCollection(19, {{"favId", favId}}); }
 
+    int SetList(const std::string& channelList) { return RetAt(kToChannelConfig, 7, {{"list", channelList}}); }
+
     std::string Create(const std::string& name) {
         return HandleAt(kToCollection, 16, "list", {{"flc_handle", Collection()}, {"name", name}});
     }
@@ -123,6 +125,28 @@ TEST_F(FavouriteLists, ThatAreRemovedAreNotFoundAnyMoreAndCannotBeCommitted) {
     EXPECT_EQ(AskAt(kToChannel, 17, {{"c_handle", ChannelOf(1)}})["favourite"], false);
 }
 
+TEST_F(FavouriteLists, InUseTellOfOtherChannelsAndNames) {
+    const std::string inUse = CurrentFavourites();
+    const std::string other = FavouriteListOf("fav:b");
+    EXPECT_EQ(RetAt(kToChannelConfig, 0, {{"context", "0x1"}}), 0);
+    EXPECT_EQ(OfList(other, 3, {{"name", "another"}}), 0) << "not the one in use";
+    EXPECT_EQ(RemoveFrom(other, 0), 0);
+    EXPECT_EQ(SetList(CreateList({})), 0);
+    EXPECT_EQ(NextChange(), "L") << "the first event of all";
+    EXPECT_EQ(Insert(inUse, 0, "ccid:2.1.7"), 0);
+    EXPECT_EQ(NextChange(), "F");
+    EXPECT_EQ(RemoveFrom(inUse, 0), 0);
+    EXPECT_EQ(NextChange(), "F");
+    EXPECT_EQ(OfList(inUse, 3, {{"name", "Evening"}}), 0);
+    EXPECT_EQ(NextChange(), "F");
+    EXPECT_EQ(OfList(inUse, 3, {{"name", "Evening"}}), 0) << "nothing changes, so nothing is told";
+    EXPECT_EQ(Insert(inUse, 99, "ccid:2.1.7"), -1);
+    EXPECT_EQ(RemoveFrom(inUse, 99), -1);
+    EXPECT_EQ(Commit(inUse), 0) << "of what is kept, and not of the list";
+    EXPECT_EQ(SetList(""), 0);
+    EXPECT_EQ(NextChange(), "L") << "the next event of all";
+}
+
 TEST_F(FavouriteLists, InUseFollowActivationAndRemoval) {
     EXPECT_EQ(RetAt(kToChannelConfig, 0, {{"context", "0x1"}}), 0);
     EXPECT_EQ(Activate("fav:b"), 0);
@@ -173,6 +197,34 @@ TEST_F(FavouriteLists, ComeToAnEndBeforeTheMemoryDoes) {
     EXPECT_EQ(OfCollection(16, {{"name", "x"}}), -1);
     EXPECT_EQ(OfCollection(17, {{"index", 999}}), 0);
     EXPECT_NE(Create("x"), "");
+}
+
+TEST_F(FavouriteLists, HoldAtMost20000Channels) {
+    EXPECT_EQ(Stop(), 0);
+    std::string ccids = "\"ccid:1.1.1\"";
+    for (int i = 1; i < 20000; ++i) ccids += ", \"ccid:1.1.1\"";
+    WriteFile(StateFile(), R"({"inUse": "", "lists": [{"id": "a", "name": "", "channels": [)" + ccids + "]}]}");
+    BeginRemembering();
+    const std::string list = FavouriteListOf("a");
+    EXPECT_EQ(AskAt(kToFavouriteList, 1, {{"fl_handle", list}})["len"], 20000);
+    EXPECT_EQ(Insert(list, 0, "ccid:1.1.2"), -1);
+    EXPECT_EQ(RemoveFrom(list, 19999), 0);
+    EXPECT_EQ(Insert(list, 19999, "ccid:1.1.2"), 0);
+    EXPECT_EQ(Insert(list, 0, "ccid:1.1.2"), -1);
+}
+
+TEST_F(FavouriteLists, ThatAreNewNeverHaveTheIdOfOneThatIsKept) {
+    const std::string kept = Create("Sport");
+    const std::string id = IdOf(kept);
+    EXPECT_EQ(Commit(kept), 0);
+    RestartRemembering();
+    EXPECT_EQ(OfCollection(17, {{"index", 2}}), 0);
+    EXPECT_EQ(FavouriteIds(), "fav:a fav:b") << "removed, yet not committed";
+    const std::string fresh = Create("News");
+    EXPECT_NE(IdOf(fresh), id);
+    EXPECT_EQ(Commit(fresh), 0);
+    RestartRemembering();
+    EXPECT_EQ(ListName(FavouriteListOf(id)), "Sport") << "what is kept was not written over";
 }
 
 TEST_F(FavouriteLists, CommittedOutlastTheSimulator) {

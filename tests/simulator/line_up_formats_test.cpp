@@ -84,6 +84,19 @@ TEST(LineUpFormat, MayHaveAnyLengthOfLinesInJson) {
     EXPECT_EQ(reading.warnings, Texts());
 }
 
+TEST(LineUpFormat, MayHaveNamesOf64KibibytesInEveryForm) {
+    std::string name;
+    while (name.size() < 65536) name += "K\xc3\xb6ln, \"\xf0\x9f\x93\xba\" \\' ";
+    name.back() = '.';
+    const Texts names{name};
+    EXPECT_EQ(ReadingOfText("#EXTM3U\n#EXTINF:-1 tvg-chno=\"1\"," + name + "\nudp://a\n").Names(), names);
+    EXPECT_EQ(
+        ReadingOfText("eDVB services /4/\ntransponders\nend\nservices\n1:00c00000:1:1:1:0\n" + name + "\np:A\nend\n")
+            .Names(),
+        names);
+    EXPECT_EQ(ReadingOfText("eDVB services /5/\ns:1:00c00000:1:1:1:0,\"" + name + "\",p:A\n").Names(), names);
+}
+
 TEST(LineUpFormat, ThatIsNoneIsRefusedWithASentence) {
     const std::string forms = " begins no line-up: neither JSON ({) nor M3U (#EXTM3U) nor lamedb (eDVB services)";
     const std::map<std::string, std::string> refused{

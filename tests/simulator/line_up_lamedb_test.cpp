@@ -310,9 +310,9 @@ INSTANTIATE_TEST_SUITE_P(
              "/nowhere/f:17: \"c:\" is no PID; it is skipped",
              "/nowhere/f:17: \"c:0090000\" is above 8190; it is skipped"}},
         Odd{"AnEndlessLine",
-            kA + std::string(70000, '1') + "\n" + kB + "end\n",
+            kA + std::string(270000, '1') + "\n" + kB + "end\n",
             {"A", "B"},
-            {"/nowhere/f:20: the line is longer than 65536 bytes; it is skipped"}}),
+            {"/nowhere/f:20: the line is longer than 262144 bytes; it is skipped"}}),
     OddName);
 
 TEST(Lamedb, WarnsOfOddTransponders) {

@@ -93,6 +93,7 @@ TEST(M3u, ShowsNamesInUtf8WithoutControlCharacters) {
         "#EXTM3U\n#EXTINF:-1,M\xfcnchen \xc2\x86TV\xc2\x87\nudp://a\n#EXTINF:-1,\xf0\x9f\x93\xba "
         "\x01\xed\xa0\x80\nudp://b\n");
     EXPECT_EQ(reading.Names(), (Texts{"M\xc3\xbcnchen TV", "\xf0\x9f\x93\xba \xc3\xad\xc2\xa0"}));
+    EXPECT_EQ(ReadingOfText("#EXTM3U\n#EXTINF:-1,A\tB\nudp://a\n").Names(), Texts{"A B"});
 }
 
 struct Odd {
@@ -157,9 +158,9 @@ INSTANTIATE_TEST_SUITE_P(
             {"/nowhere/f:2: the attributes cannot be read; the name is taken from behind the last comma"}},
         Odd{"QuotationMarksInAValue", "#EXTM3U\n#EXTINF:-1 tvg-name=\"The \"A\" Team\" x,A\nudp://a\n", {"A"}, {}},
         Odd{"AnEndlessLine",
-            "#EXTM3U\n#EXTINF:-1," + std::string(70000, 'x') + "\nudp://a\n",
+            "#EXTM3U\n#EXTINF:-1," + std::string(270000, 'x') + "\nudp://a\n",
             {"udp://a"},
-            {"/nowhere/f:2: the line is longer than 65536 bytes; it is skipped"}}),
+            {"/nowhere/f:2: the line is longer than 262144 bytes; it is skipped"}}),
     OddName);
 
 TEST(M3u, WithoutAServiceIsRefused) {
@@ -178,6 +179,9 @@ TEST(IpServices, AreNeverFoundByNumbers) {
     const LineUp lineUp = ReadingOfText(kPlaylist).lineUp;
     ASSERT_FALSE(lineUp.services.empty());
     EXPECT_EQ(lineUp.Find(0, 0, 0), nullptr);
+    const StateStore nothingKept("");
+    const Tv tv(lineUp, 1, nothingKept);
+    for (const int any : {0, -1}) EXPECT_EQ(tv.channelList.All()->WithTriplet(any, any, 0, any), nullptr) << any;
 }
 
 TEST(IpServices, AreChannelsByTheirBroadcastId) {

@@ -95,6 +95,17 @@ TEST_F(TabTable, ATabWithoutMemoryHasCrashedAndItsApplicationEnds) {
     EXPECT_EQ(TabEntry(3), "");
 }
 
+TEST_F(TabTable, WhatIsTooLateAboutAPageDoesNotBringItsTabBack) {
+    TuneToTab(2, 3);
+    EXPECT_EQ(Notify(16, {{"tabid", 3}}), 0);
+    EXPECT_EQ(Notify(9, {{"tabid", 3}, {"progress", 0.5}}), 0);
+    EXPECT_EQ(TabEntry(3), "tab 3: Start (11.1), crashed, hidden, render process 1003");
+    EXPECT_EQ(Notify(12, {{"tabid", 3}, {"url", "http://red.test/"}}), 0);
+    EXPECT_EQ(TabEntry(3), "tab 3: Start (11.1), crashed, hidden, url http://red.test/, render process 1003");
+    EXPECT_EQ(Notify(13, {{"tabid", 3}, {"url", "u"}, {"error_code", -1}, {"description", ""}}), 0);
+    EXPECT_EQ(TabEntry(3), "tab 3: Start (11.1), crashed, hidden, url u, render process 1003");
+}
+
 TEST_F(TabTable, APageThatWantsToBeClosedIsAndItsApplicationEnds) {
     TuneToTab(2, 3);
     EXPECT_EQ(Notify(2, {{"tabid", 3}}), 0);

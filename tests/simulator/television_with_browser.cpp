@@ -45,6 +45,10 @@ std::string LineUp() {
                    R"({"name": "Unseen", "organisation": 22, "application": 1, "control": "autostart",
                        "url": "http://dark.test/"})",
                    R"(, "reception": "none")") +
+           "," +
+           Channel(8, "Guarded",
+                   R"({"name": "Vault", "organisation": 23, "application": 1, "control": "autostart",
+                       "url": "dvb://1.1.8.17/index.html", "minimumAge": 16})") +
            "]}";
 }
 

@@ -14,6 +14,7 @@ namespace hbbtv::test {
 //   5 Carousel  Broadcast, 14.1, starts with it from a file of the broadcast
 //   6 Xml       Signalled, 15.1, starts with it, its place is in an XML file
 //   7 Dark      Unseen, 16.1, would start with it, but there is no signal
+//   8 Guarded   Vault, 17.1, starts with it from a file of the broadcast, from 16 years on
 class TelevisionWithBrowser : public SimulatedPlatform {
   protected:
     // With a tune time of 0 and this between two pings.

@@ -285,15 +285,19 @@ TEST(ApplicationManagerWithoutPlatform, SaysWhereItCouldNotTellTheResolutionOrAF
     EXPECT_EQ(Apm::GetInstance()->SetDeviceResolution(1280, 720), -1);
     EXPECT_EQ(Apm::GetInstance()->NotifyDSMCCResponseToAPM("u", "p"), -1);
     EXPECT_EQ(Apm::GetInstance()->ShowApp(1, 2), -1);
-    std::vector<std::string> functions;
+    std::vector<std::string> lines;
     for (const LogLine& line : log.Lines()) {
-        if (line.tag != kTag || line.message != "TRACE") continue;
+        if (line.tag != kTag) continue;
+        lines.push_back(line.function + " " + line.message);
+        if (line.message != "TRACE") continue;
         EXPECT_EQ(line.priority, ANDROID_LOG_WARN);
         EXPECT_EQ(line.text,
                   "[tolm](tolm_apm_adaptor_ipc.cpp:" + std::to_string(line.line) + ") " + line.function + ": TRACE");
-        functions.push_back(line.function);
     }
-    EXPECT_EQ(functions, (std::vector<std::string>{"SetDeviceResolution", "NotifyDSMCCResponseToAPM"}));
+    EXPECT_EQ(lines, (std::vector<std::string>{"SetDeviceResolution ENTER", "SetDeviceResolution TRACE",
+                                               "SetDeviceResolution LEAVE", "NotifyDSMCCResponseToAPM ENTER",
+                                               "NotifyDSMCCResponseToAPM TRACE", "NotifyDSMCCResponseToAPM LEAVE",
+                                               "ShowApp ENTER", "ShowApp LEAVE"}));
     Apm::DeleteInstance();
 }
 

@@ -29,6 +29,26 @@ struct Row {
     bool favourite = false, locked = false, hidden = false;
 };
 
+// A name may be of any length and hold anything: so many characters of it, and dots for those that would do something.
+std::string Cell(const std::string& name) {
+    constexpr size_t kWidth = 26;
+    constexpr size_t kMostCharacters = 60;
+    constexpr size_t kMostBytes = 4 * kMostCharacters;
+    std::string cell;
+    size_t characters = 0;
+    for (size_t at = 0; at < name.size() && cell.size() < kMostBytes; ++at) {
+        const auto byte = static_cast<unsigned char>(name[at]);
+        const bool continues = (byte & 0xc0) == 0x80;
+        if (!continues && ++characters > kMostCharacters) break;
+        const bool upperControl =
+            byte == 0xc2 && at + 1 < name.size() && static_cast<unsigned char>(name[at + 1]) < 0xa0;
+        cell += byte < 0x20 || byte == 0x7f || upperControl ? '.' : name[at];
+        if (upperControl) ++at;
+    }
+    if (characters < kWidth) cell.append(kWidth - characters, ' ');
+    return cell;
+}
+
 class Walk {
   public:
     Walk(Transcript& transcript, Caller& caller, const std::function<void(int64_t, const std::string&)>& name)
@@ -97,9 +117,9 @@ class Walk {
     void Show(const std::vector<Row>& rows, double milliseconds) {
         std::string table = "      no  name                        type   onid  tsid   sid\n";
         for (const Row& row : rows) {
-            char line[200];
-            std::snprintf(line, sizeof(line), "    %4d  %-26.60s  %-5s %5d %5d %5d%s%s%s\n", row.number,
-                          row.name.c_str(), toString(row.type).c_str(), row.onid, row.tsid, row.sid,
+            char line[400];
+            std::snprintf(line, sizeof(line), "    %4d  %s  %-5s %5d %5d %5d%s%s%s\n", row.number,
+                          Cell(row.name).c_str(), toString(row.type).c_str(), row.onid, row.tsid, row.sid,
                           row.favourite ? "  favourite" : "", row.locked ? "  locked" : "",
                           row.hidden ? "  hidden" : "");
             table += line;

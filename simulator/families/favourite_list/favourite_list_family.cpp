@@ -15,8 +15,10 @@ class FavouriteListFamily : public ObjectFamily<FavouriteList> {
     explicit FavouriteListFamily(const FamilySetup& setup);
 
   private:
+    void SetName(In in, Out);
     void InsertBefore(In in, Out);
     void RemoveAt(In in, Out);
+    void TellOf(const FavouriteList& changed);
 
     Tv& mTv;
 };
@@ -35,7 +37,7 @@ FavouriteListFamily::FavouriteListFamily(const FamilySetup& setup)
     Get(1, "GetLength", "len",
         [](const FavouriteList& list) { return static_cast<unsigned>(list.channels.Channels().size()); });
     Get(2, "GetFavID", "favId", [](const FavouriteList& list) { return list.id; });
-    Set(3, "SetName", [](FavouriteList& list, In in) { list.name = in.ShortText("name"); });
+    Row(3, "SetName", &F::SetName);
     Get(4, "GetName", "name", [](const FavouriteList& list) { return list.name; });
     look(5, "Item", [](const ChannelList& list, In in) { return At(list.Channels(), in.Int("index")); });
     look(6, "GetChannel", [](const ChannelList& list, In in) { return list.WithId(in.Text("channelID")); });
@@ -49,8 +51,22 @@ FavouriteListFamily::FavouriteListFamily(const FamilySetup& setup)
     Set(11, "Commit", [this](FavouriteList& list, In) { mTv.favourites->Commit(list); });
 }
 
+// Of the list in use alone.
+void FavouriteListFamily::TellOf(const FavouriteList& changed) {
+    if (mTv.favourites->InUse().get() == &changed) mTv.onConfigChange(ConfigChange::FavouriteList);
+}
+
+void FavouriteListFamily::SetName(In in, Out) {
+    const auto list = Named(in);
+    const std::string name = in.ShortText("name");
+    if (name == list->name) return;
+    list->name = name;
+    TellOf(*list);
+}
+
 void FavouriteListFamily::InsertBefore(In in, Out) {
-    ChannelList& list = Named(in)->channels;
+    const auto named = Named(in);
+    ChannelList& list = named->channels;
     const size_t length = list.Channels().size();
     const int index = in.Int("index");
     if (index < 0 || static_cast<size_t>(index) > length) {
@@ -60,13 +76,16 @@ void FavouriteListFamily::InsertBefore(In in, Out) {
     const auto channel = mTv.serviceChannels.WithCcid(in.Text("ccid"));
     if (!channel) throw Refused("\"ccid\" names no channel of the line-up");
     list.Insert(static_cast<size_t>(index), channel);
+    TellOf(*named);
 }
 
 void FavouriteListFamily::RemoveAt(In in, Out) {
-    ChannelList& list = Named(in)->channels;
+    const auto named = Named(in);
+    ChannelList& list = named->channels;
     const int index = in.Int("index");
     At(list.Channels(), index);
     list.Remove(static_cast<size_t>(index));
+    TellOf(*named);
 }
 
 }  // namespace

@@ -243,9 +243,11 @@ int TolmAdaptorClient::Call(const Method& method, std::initializer_list<Member> 
     return status;
 }
 
-int TolmAdaptorClient::Post(const Method& method, std::initializer_list<Member> request) {
+int TolmAdaptorClient::Post(const Method& method, std::initializer_list<Member> request,
+                            void (*logFailure)(const Method& method)) {
     LogEnter(mFamily.tag, method);
     const int status = SendIpcWithNoRet(Request(mFamily, method, request));
+    if (status != 0 && logFailure != nullptr) logFailure(method);
     LogLeave(mFamily.tag, method);
     return status;
 }

@@ -121,8 +121,10 @@ class TolmAdaptorClient : public TolmBaseClient {
     // platform's "ret", or -1 when there was no proper reply or a result failed. Results are read only on status 0.
     int Call(const Method& method, std::initializer_list<Member> request, std::initializer_list<Target> results = {});
 
-    // The same for an operation without a reply: 0 when it was written.
-    int Post(const Method& method, std::initializer_list<Member> request);
+    // The same for an operation without a reply: 0 when it was written. `logFailure`, if any, writes a line of its own
+    // when it was not.
+    int Post(const Method& method, std::initializer_list<Member> request,
+             void (*logFailure)(const Method& method) = nullptr);
 
   private:
     const Family& mFamily;

@@ -45,12 +45,6 @@ int Refuse(const Method& place) {
     return -1;
 }
 
-// The status of an operation whose failure is logged.
-int Traced(int status, const Method& place = -1) {
-    if (status != 0) LogTrace(place);
-    return status;
-}
-
 }  // namespace
 
 TolmApmAdaptorIpc::TolmApmAdaptorIpc()
@@ -175,7 +169,7 @@ int TolmApmAdaptorIpc::GetKeyLabel(int appId, int orgId, int code, std::string& 
 
 // The platform spells it so.
 int TolmApmAdaptorIpc::SetDeviceResolution(unsigned width, unsigned height) {
-    return Traced(Post(249, {UInt("width", width), UInt("heigth", height)}));
+    return Post(249, {UInt("width", width), UInt("heigth", height)}, LogTrace);
 }
 
 int TolmApmAdaptorIpc::GetVBResouceAllowed(int tabId, bool& allowed) {
@@ -199,7 +193,7 @@ int TolmApmAdaptorIpc::KeyConsumedByBrowser(int tabId, int keyCode, bool& consum
 }
 
 int TolmApmAdaptorIpc::NotifyDSMCCResponseToAPM(const std::string& url, const std::string& path) {
-    return Traced(Post(265, {Text("url", url), Text("path", path)}));
+    return Post(265, {Text("url", url), Text("path", path)}, LogTrace);
 }
 
 TolmApmAdaptorIpc::Registration TolmApmAdaptorIpc::RegistrationOf(TolmAIPEvent event) {
