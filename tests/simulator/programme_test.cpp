@@ -234,7 +234,7 @@ class ProgrammeFiles : public AvPlatform {
     }
 };
 
-TEST_F(ProgrammeFiles, ThatAreBrokenEndTheProgramWithCode6AndAReason) {
+TEST_F(ProgrammeFiles, ThatAreBrokenEndTheProgramWithCode3AndAReason) {
     const std::string path = mDirectory / "guide.xml";
     WriteFile(path, "<tv>\n<programme>\n</tv>\n");
     EXPECT_EQ(Refusal(path),
