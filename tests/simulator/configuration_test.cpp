@@ -168,8 +168,12 @@ TEST_F(Configuration, ReplacesElementsOfTheUserInterfaceWhenAllOfThemHaveCome) {
     EXPECT_EQ(Tell("get ui-elements"), "ok none");
     EXPECT_EQ(replace(2, 0, 1), 0);
     EXPECT_EQ(Tell("get ui-elements"), "ok 1,64");
-    EXPECT_EQ(replace(3, 0, 0), 0);
-    EXPECT_EQ(replace(1, 0, 127), 0) << "another number of them begins anew";
+    EXPECT_EQ(replace(3, 2, 68), 0);
+    EXPECT_EQ(replace(2, 0, 2), 0) << "another number of them begins anew";
+    EXPECT_EQ(Tell("get ui-elements"), "ok 1,64");
+    EXPECT_EQ(replace(2, 1, 65), 0);
+    EXPECT_EQ(Tell("get ui-elements"), "ok 2,65");
+    EXPECT_EQ(replace(1, 0, 127), 0);
     EXPECT_EQ(Tell("get ui-elements"), "ok 127");
     EXPECT_EQ(replace(1, 0, 5), -1) << "no such element";
     EXPECT_EQ(replace(1, 1, 0), -1);
