@@ -114,7 +114,6 @@ const std::vector<Rule>& Rules() {
         {P::BlockTrackingSites, "block-tracking-sites", 0, "0 or 1", From(0, 1)},
         {P::DeviceId, "device-id", true, onOff, IsAnything},
         {P::DeviceIdTime, "device-id-time", Json::Int64{1767225600}, "seconds since 1970", From(0, kEndOfTime)},
-        {P::Serial, "serial", "SIM0000001", shortText, IsShort},
         {P::Product, "product", "Simulated television", shortText, IsShort},
         {P::NetworkIds, "network-ids", Json::arrayValue, "at most 100 numbers from 0 to 65535, or none", AreNetworkIds},
         {P::PvrPolicy, "pvr-policy", 0, "0 to 2", From(0, 2)},

@@ -29,7 +29,6 @@ enum class Preference {
     BlockTrackingSites,
     DeviceId,
     DeviceIdTime,
-    Serial,
     Product,
     NetworkIds,
     PvrPolicy,

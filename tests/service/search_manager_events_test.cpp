@@ -1,7 +1,7 @@
 // From the platform's event to the client of searches: forwarding, registration and the client's death.
 
 #include "SearchManager.h"
-#include "ipc/src/plugin/tolm_search_manager_adaptor.h"
+#include "ipc/src/plugin/tolm_search_manager_adaptor_ipc.h"
 #include "one_client.h"
 #include "recording_search_manager_callback.h"
 

@@ -96,7 +96,7 @@ TEST_F(Configuration, TellsTheRulesOfRecordingThatWereSet) {
 TEST_F(Configuration, TellsWhatTheViewerHasSet) {
     for (const char* command :
          {"set subtitles on", "set audio-description on", "set hearing-impaired on", "set rating-age 12",
-          "set do-not-track 1", "set serial 4711-A", "set product Big Screen 55", "set device-id-time 1700000000"}) {
+          "set do-not-track 1", "set product Big Screen 55", "set device-id-time 1700000000"}) {
         EXPECT_EQ(Tell(command), "ok") << command;
     }
     EXPECT_EQ(Get(28, "enable"), true);
@@ -105,7 +105,6 @@ TEST_F(Configuration, TellsWhatTheViewerHasSet) {
     EXPECT_EQ(Get(35, "age").asInt(), 12);
     EXPECT_EQ(Get(36, "dnt").asInt(), 1);
     const Json::Value content = Ask(26);
-    EXPECT_EQ(content["serial"], "4711-A");
     EXPECT_EQ(content["product"], "Big Screen 55");
     EXPECT_EQ(content["request_time"], "1700000000");
     EXPECT_EQ(Tell("set subtitles off"), "ok");
@@ -122,6 +121,16 @@ TEST_F(Configuration, TellsNothingOfADeviceIdThatIsOff) {
         EXPECT_TRUE(content.isMember(member)) << member;
         EXPECT_EQ(content[member], "") << member;
     }
+}
+
+TEST_F(Configuration, TellsTheSerialNumberOfTheTelevision) {
+    const Json::Value drawn = Ask(26)["serial"];
+    EXPECT_EQ(drawn.asString().size(), 10u);
+    EXPECT_EQ(AskAt(kToLocalSystem, 12)["serialNumber"], drawn);
+    EXPECT_EQ(Tell("set serial 4711-A").substr(0, 6), "error:");
+    EXPECT_EQ(Ask(26)["serial"], drawn);
+    Restart();
+    EXPECT_EQ(Ask(26)["serial"], drawn);
 }
 
 TEST_F(Configuration, HasTheNetworkIdsOfTheTerrestrialNetworksUntilOthersAreSet) {
@@ -159,8 +168,12 @@ TEST_F(Configuration, ReplacesElementsOfTheUserInterfaceWhenAllOfThemHaveCome) {
     EXPECT_EQ(Tell("get ui-elements"), "ok none");
     EXPECT_EQ(replace(2, 0, 1), 0);
     EXPECT_EQ(Tell("get ui-elements"), "ok 1,64");
-    EXPECT_EQ(replace(3, 0, 0), 0);
-    EXPECT_EQ(replace(1, 0, 127), 0) << "another number of them begins anew";
+    EXPECT_EQ(replace(3, 2, 68), 0);
+    EXPECT_EQ(replace(2, 0, 2), 0) << "another number of them begins anew";
+    EXPECT_EQ(Tell("get ui-elements"), "ok 1,64");
+    EXPECT_EQ(replace(2, 1, 65), 0);
+    EXPECT_EQ(Tell("get ui-elements"), "ok 2,65");
+    EXPECT_EQ(replace(1, 0, 127), 0);
     EXPECT_EQ(Tell("get ui-elements"), "ok 127");
     EXPECT_EQ(replace(1, 0, 5), -1) << "no such element";
     EXPECT_EQ(replace(1, 1, 0), -1);

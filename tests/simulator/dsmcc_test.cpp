@@ -266,7 +266,7 @@ TEST_F(Dsmcc, NoPathLeadsOutOfTheCarousel) {
     WriteFile(mDirectory / "secret", "secret");
     std::filesystem::create_directory(mDirectory / "outside");
     WriteFile(mDirectory / "outside/secret", "secret");
-    Begin({{"index.html", "x"}, {"dir/file", "x"}, {"%2e%2e/file", "x"}});
+    Begin({{"index.html", "x"}, {"dir/file", "x"}, {"%2e%2e/file", "x"}, {"carousel.json", "{}"}});
     std::filesystem::create_symlink(mDirectory / "secret", Carousel() + "/link");
     std::filesystem::create_symlink("index.html", Carousel() + "/inside");
     std::filesystem::create_directory_symlink(mDirectory / "outside", Carousel() + "/linked");

@@ -1,5 +1,6 @@
 // The programme family: every operation against an XMLTV file, what clients set, and the descriptors on the wire.
 #include "av_platform.h"
+#include "wait_for.h"
 
 namespace hbbtv::test {
 namespace {
@@ -35,6 +36,19 @@ class Programmes : public AvPlatform {
         return bytes;
     }
 };
+
+// So many services, 1.1.1 and on.
+std::string LineUpOf(int services) {
+    std::string list;
+    for (int sid = 1; sid <= services; ++sid) {
+        const std::string number = std::to_string(sid);
+        list += std::string(sid == 1 ? "" : ",") + R"({"name": "S)" + number +
+                R"(", "network": "sat", "onid": 1, "tsid": 1, "sid": )" + number + R"(, "type": "TV", "number": )" +
+                number + R"(, "components": [{"type": "video", "tag": 1, "pid": 101, "encoding": "MPEG2_SD_25"}]})";
+    }
+    return R"({"networks": [{"id": "sat", "name": "Satellite", "delivery": "DVB_S", "nid": 1}], "services": [)" + list +
+           "]}";
+}
 
 TEST_F(Programmes, TellWhatTheFileSays) {
     Begin();
@@ -101,6 +115,27 @@ TEST_F(Programmes, KeepWhatClientsSetAndStayWhereTheyAre) {
     EXPECT_EQ(Get(again, 19, "out_channelID"), "ccid:9");
     EXPECT_EQ(Get(again, 28, "out_programID"), "crid://a/b");
     EXPECT_EQ(Get(again, 31, "out_programIDType"), 2);
+}
+
+// Those that nobody has changed are forgotten in the meantime, and made again when they are asked for.
+TEST_F(Programmes, KeepWhatClientsSetWhenThousandsOfDaysAreMadeUp) {
+    constexpr int kServices = 500;
+    mLineUp = LineUpOf(kServices);
+    Begin("");
+    const std::string programme = ProgrammeOf(Presenting(kServices), 0);
+    EXPECT_EQ(Set(programme, 3, "in_name", "kept"), 0);
+    EXPECT_EQ(RetAt(kToProgramme, 0, {{"handle", programme}}), 0);
+
+    const std::string manager = HandleAt(kToSearchManager, 1, "out_handle");
+    const std::string search = HandleAt(kToSearchManager, 5, "out_handle", {{"in_handle", manager}, {"target", 1u}});
+    const std::string query =
+        HandleAt(kToSearchManager, 8, "out_handle",
+                 {{"in_handle", search}, {"field", "Programme.name"}, {"comp", 0}, {"value", "kept"}});
+    const std::string results = HandleAt(kToSearchManager, 10, "out_handle", {{"in_handle", search}});
+    EXPECT_EQ(RetAt(kToSearchManager, 14, {{"search_handle", search}, {"query_handle", query}}), 0);
+    EXPECT_EQ(RetAt(kToSearchManager, 26, {{"in_handle", results}, {"offset", 0u}, {"count", 9u}}), 0);
+    const auto found = [&] { return AskAt(kToSearchManager, 22, {{"in_handle", results}})["size"].asUInt(); };
+    EXPECT_TRUE(WaitFor([&] { return found() == 1; }));
 }
 
 TEST_F(Programmes, RefuseWhatMakesNoSense) {
@@ -234,7 +269,7 @@ class ProgrammeFiles : public AvPlatform {
     }
 };
 
-TEST_F(ProgrammeFiles, ThatAreBrokenEndTheProgramWithCode6AndAReason) {
+TEST_F(ProgrammeFiles, ThatAreBrokenEndTheProgramWithCode3AndAReason) {
     const std::string path = mDirectory / "guide.xml";
     WriteFile(path, "<tv>\n<programme>\n</tv>\n");
     EXPECT_EQ(Refusal(path),

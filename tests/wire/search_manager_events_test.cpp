@@ -1,7 +1,7 @@
 // The event of searches: how it is read, in all its forms, and who receives it from when to when.
 
 #include "event_rows.h"
-#include "ipc/src/plugin/tolm_search_manager_adaptor.h"
+#include "ipc/src/plugin/tolm_search_manager_adaptor_ipc.h"
 #include "lenient_readings.h"
 
 namespace hbbtv::test {
@@ -69,7 +69,7 @@ const EventMemberRow kMembers[] = {
 const EventFamily& EventsUnderTest() {
     static const EventFamily family{"search_manager",
                                     "[ipc_search_manager]",
-                                    "tolm_search_manager_adaptor.cpp",
+                                    "tolm_search_manager_adaptor_ipc.cpp",
                                     [] { Adaptor::GetInstance(); },
                                     &Adaptor::DeleteInstance,
                                     &Register,

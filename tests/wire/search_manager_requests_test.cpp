@@ -1,6 +1,6 @@
 // Every operation of the search adaptor: its call, its request and its reply, written out.
 
-#include "ipc/src/plugin/tolm_search_manager_adaptor.h"
+#include "ipc/src/plugin/tolm_search_manager_adaptor_ipc.h"
 #include "request_rows.h"
 
 namespace hbbtv::test {
@@ -122,7 +122,7 @@ const TextRow kTexts[] = {
 }  // namespace
 
 const FamilyUnderTest& UnderTest() {
-    static const FamilyUnderTest family{"search_manager", "[ipc_search_manager]", "tolm_search_manager_adaptor.cpp",
+    static const FamilyUnderTest family{"search_manager", "[ipc_search_manager]", "tolm_search_manager_adaptor_ipc.cpp",
                                         &Adaptor::DeleteInstance};
     return family;
 }

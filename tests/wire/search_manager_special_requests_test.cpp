@@ -4,7 +4,7 @@
 
 #include <set>
 
-#include "ipc/src/plugin/tolm_search_manager_adaptor.h"
+#include "ipc/src/plugin/tolm_search_manager_adaptor_ipc.h"
 #include "protocol_file.h"
 #include "raw_socket.h"
 #include "scratch_directory.h"

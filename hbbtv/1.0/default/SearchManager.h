@@ -3,7 +3,7 @@
 
 #include <vantorel/hardware/hbbtv/1.0/ISearchManager.h>
 
-#include "ipc/src/plugin/tolm_search_manager_adaptor.h"
+#include "ipc/src/plugin/tolm_search_manager_adaptor_ipc.h"
 #include "utils/include/tolm_hidl_client_monitor.h"
 
 namespace vantorel::hardware::hbbtv::implementation {

@@ -78,6 +78,7 @@ class ConfigurationFamily : public Family {
     std::string Get(const Words& words);
 
     Preferences& mPreferences;
+    Device& mDevice;
     EventSink& mSink;
     bool mRegistered = false;
     unsigned mReplacedOf = 0;           // the announced number of user interface elements
@@ -87,6 +88,7 @@ class ConfigurationFamily : public Family {
 ConfigurationFamily::ConfigurationFamily(const FamilySetup& setup)
     : Family({"configuration", "service_plugin_to_hbbtv_conf", "service_hbbtv_to_plugin_conf", 12, "method", 9}),
       mPreferences(setup.tv.preferences),
+      mDevice(setup.tv.device),
       mSink(setup.sinkOf(Address())) {
     using F = ConfigurationFamily;
     Gives(0, "GetPreferredAudioLanguage", P::AudioLanguage, "pref_audio_language");
@@ -170,7 +172,7 @@ void ConfigurationFamily::GetOrSetText(In in, Out out) {
 
 void ConfigurationFamily::GetDeviceIdContent(In, Out out) {
     const bool there = mPreferences.Get(P::DeviceId).asBool();
-    out["serial"] = there ? mPreferences.Get(P::Serial) : "";
+    out["serial"] = there ? mDevice.SerialNumber() : "";
     out["product"] = there ? mPreferences.Get(P::Product) : "";
     out["request_time"] = there ? mPreferences.Get(P::DeviceIdTime).asString() : "";
 }

@@ -1,4 +1,4 @@
-#include "ipc/src/plugin/tolm_search_manager_adaptor.h"
+#include "ipc/src/plugin/tolm_search_manager_adaptor_ipc.h"
 
 #include "ipc/src/tolm_json_text.h"
 #include "ipc/tolm_log.h"
