@@ -134,6 +134,7 @@ std::string ReadWord(const std::string& word) {
     if (word.rfind("@@", 0) == 0) return word.substr(1);
     if (word.empty() || word[0] != '@') return word;
     const std::string name = word.substr(1);
+    if (name.empty()) throw Failure(kUsage, "@ is followed by the name of a file; a text that is @ is written as @@");
     const Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
     if (file.Get() < 0) throw Failure(kUsage, name + ": cannot be opened: " + std::strerror(errno));
     return All(file.Get(), name);

@@ -149,7 +149,10 @@ class Listening {
         for (const Parameter& parameter : maker->arguments) nothing.append(Nothing(*parameter.type));
         const Json::Value results = mService.Call(*maker, nothing, mSink);
         if (results[0].asInt() != 0)
-            throw Failure(kStatusNotZero, mInterface.name + "." + maker->name + ": status " + results[0].asString());
+            throw Failure(kStatusNotZero, mInterface.name + "." + maker->name + ": status " + results[0].asString() +
+                                              "; the registration needs this object: give one as --with " +
+                                              argument.name +
+                                              "=HANDLE, or ask `hbbtvctl doctor` whether the platform is there");
         mMade[argument.name] = results[1];
         return results[1];
     }
