@@ -15,14 +15,14 @@
 #include <iostream>
 #include <string>
 
-#include "recording_aip_callback.h"
+#include "recording_aip_event_callback.h"
 #include "recording_av_control_callback.h"
-#include "recording_callback.h"
-#include "recording_config_callback.h"
+#include "recording_channel_config_callback.h"
 #include "recording_configuration_callback.h"
 #include "recording_dsmcc_callback.h"
 #include "recording_mtm_callback.h"
-#include "recording_search_callback.h"
+#include "recording_search_manager_callback.h"
+#include "recording_video_broadcast_callback.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ using vantorel::hardware::hbbtv::V1_0::TolmAIPEvent;
 constexpr int64_t kVb = 0x1000;
 constexpr int64_t kContext = 0xabc;
 
-class PrintingCallback : public hbbtv::test::RecordingCallback {
+class PrintingCallback : public hbbtv::test::RecordingVideoBroadcastCallback {
   public:
     Return<void> onPlayPositionChanged(int32_t position) override {
         printf("position %d\n", position);
@@ -59,7 +59,7 @@ class PrintingAVControlCallback : public hbbtv::test::RecordingAVControlCallback
     }
 };
 
-class PrintingConfigCallback : public hbbtv::test::RecordingConfigCallback {
+class PrintingConfigCallback : public hbbtv::test::RecordingChannelConfigCallback {
   public:
     Return<void> OnChannelConfigEvent(int32_t event, const Info& info, int64_t context) override {
         printf("channel configuration %d %d %lld\n", event, info.reserved, static_cast<long long>(context));
@@ -86,7 +86,7 @@ class PrintingDsmccCallback : public hbbtv::test::RecordingDsmccCallback {
     }
 };
 
-class PrintingAIPCallback : public hbbtv::test::RecordingAIPCallback {
+class PrintingAIPCallback : public hbbtv::test::RecordingAIPEventCallback {
   public:
     Return<void> onApplicationEvent(Event event, const Info& info, int64_t context) override {
         printf("application event %d %d %d %lld\n", static_cast<int>(event), info.appId, info.orgId,
@@ -111,7 +111,7 @@ class PrintingMtmCallback : public hbbtv::test::RecordingMtmCallback {
     }
 };
 
-class PrintingSearchCallback : public hbbtv::test::RecordingSearchCallback {
+class PrintingSearchCallback : public hbbtv::test::RecordingSearchManagerCallback {
   public:
     Return<void> OnSearchManagerEvent(int32_t event, const Info& info, int64_t context) override {
         printf("search %d %d %lld %lld\n", event, info.state, static_cast<long long>(info.searchHandle),

@@ -7,7 +7,7 @@
 
 #include "ApplicationManager.h"
 #include "beside.h"
-#include "recording_aip_callback.h"
+#include "recording_aip_event_callback.h"
 #include "service_events.h"
 
 namespace hbbtv::test {
@@ -29,7 +29,7 @@ void* Context(uintptr_t bits) {
     return reinterpret_cast<void*>(bits);
 }
 
-class ApplicationManagerEvents : public ServiceEvents<ApplicationManager, RecordingAIPCallback> {
+class ApplicationManagerEvents : public ServiceEvents<ApplicationManager, RecordingAIPEventCallback> {
   protected:
     ApplicationManagerEvents()
         : ServiceEvents("service_hbbtv_to_plugin_apm", "[hidl_application_manager_wrapper_client]") {}

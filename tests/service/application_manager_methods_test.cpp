@@ -4,7 +4,7 @@
 
 #include "ApplicationManager.h"
 #include "method_rows.h"
-#include "recording_aip_callback.h"
+#include "recording_aip_event_callback.h"
 
 namespace hbbtv::test {
 
@@ -104,7 +104,7 @@ TEST(ApplicationManager, RegistersAndUnregistersWithoutAskingThePlatform) {
     FakePlatform platform(kSocket, R"({"ret": 5})");
     const auto service = Rows::Make();
     EXPECT_EQ(0, static_cast<int32_t>(
-                     service->RegisterCallback(TolmAIPEvent::KEY_PRESS, new RecordingAIPCallback, 0x5ffffffff)));
+                     service->RegisterCallback(TolmAIPEvent::KEY_PRESS, new RecordingAIPEventCallback, 0x5ffffffff)));
     EXPECT_EQ(0, static_cast<int32_t>(service->UnregisterCallback(TolmAIPEvent::KEY_PRESS, 0x5ffffffff)));
     EXPECT_TRUE(platform.Frames().empty());
     EXPECT_EQ(0, platform.Connections());
@@ -114,7 +114,7 @@ TEST(ApplicationManager, CannotRegisterOrUnregisterWithoutAnAdaptor) {
     ScratchDirectory directory;
     const NoMemoryForAdaptors noMemory;
     const auto service = Rows::Make();
-    const android::sp<RecordingAIPCallback> client = new RecordingAIPCallback;
+    const android::sp<RecordingAIPEventCallback> client = new RecordingAIPEventCallback;
     EXPECT_EQ(-1, static_cast<int32_t>(service->RegisterCallback(TolmAIPEvent::KEY_PRESS, client, 1)));
     EXPECT_TRUE(client->Linked().empty());
     EXPECT_EQ(-1, static_cast<int32_t>(service->UnregisterCallback(TolmAIPEvent::KEY_PRESS, 1)));

@@ -4,7 +4,7 @@
 #include "ChannelConfig.h"
 #include "ipc/src/plugin/tolm_channel_config_adaptor_ipc.h"
 #include "one_client.h"
-#include "recording_config_callback.h"
+#include "recording_channel_config_callback.h"
 
 namespace hbbtv::test {
 
@@ -20,7 +20,7 @@ constexpr char kTag[] = "[hidl_video_broadcast_wrapper_client]";
 constexpr int64_t kContext = 0x7777777780000abc;  // the low half counts
 constexpr char kUnregister[] = "{\n\t\"method\" : 1,\n\t\"type\" : 19\n}\n";
 
-class ChannelConfigEvents : public ServiceEvents<ChannelConfig, RecordingConfigCallback> {
+class ChannelConfigEvents : public ServiceEvents<ChannelConfig, RecordingChannelConfigCallback> {
   protected:
     static constexpr char kEvent[] = R"({"event": 0, "reserved": "A"})";
     static constexpr char kCall[] = "OnChannelConfigEvent 0 65 2147486396";
@@ -130,7 +130,7 @@ TEST(ChannelConfigWithoutPlatform, ForgetsItsClientAllTheSame) {
     const ScratchDirectory directory;
     LogCapture log;
     const sp<ChannelConfig> service = new ChannelConfig;
-    const sp<RecordingConfigCallback> client = new RecordingConfigCallback;
+    const sp<RecordingChannelConfigCallback> client = new RecordingChannelConfigCallback;
     EXPECT_EQ(-1, static_cast<int32_t>(service->RegisterCallback(client, 5)));
     EXPECT_EQ(1u, client->Linked().size());
     EXPECT_EQ(-1, static_cast<int32_t>(service->UnregisterCallback()));

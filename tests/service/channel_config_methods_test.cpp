@@ -6,7 +6,7 @@
 
 #include "ChannelConfig.h"
 #include "method_rows.h"
-#include "recording_config_callback.h"
+#include "recording_channel_config_callback.h"
 
 namespace hbbtv::test {
 
@@ -21,7 +21,7 @@ struct Rows : ServiceOf<&HIDL_FETCH_IChannelConfig> {
     static const std::vector<MethodRow>& Requests() {
         static const auto* const rows = new std::vector<MethodRow>{
             {"RegisterCallback",
-             Status([](auto& s) { return s.RegisterCallback(new RecordingConfigCallback, 0x5ffffffff); }), 0,
+             Status([](auto& s) { return s.RegisterCallback(new RecordingChannelConfigCallback, 0x5ffffffff); }), 0,
              R"({"context": "0xffffffff"})", "{}", "0", "-1"},
             {"UnregisterCallback", Status([](auto& s) { return s.UnregisterCallback(); }), 1, "{}", "{}", "0", "-1"},
             {"GetCurrentChannel", Result<int64_t>([](auto& s, auto cb) { return s.GetCurrentChannel(cb); }), 2, "{}",

@@ -3,7 +3,7 @@
 #include "SearchManager.h"
 #include "ipc/src/plugin/tolm_search_manager_adaptor.h"
 #include "one_client.h"
-#include "recording_search_callback.h"
+#include "recording_search_manager_callback.h"
 
 namespace hbbtv::test {
 
@@ -17,7 +17,7 @@ using vantorel::hardware::hbbtv::implementation::TolmSearchManagerCallback;
 
 constexpr int64_t kContext = 0x7777777780000abc;  // the low half counts
 
-class SearchManagerEvents : public ServiceEvents<SearchManager, RecordingSearchCallback> {
+class SearchManagerEvents : public ServiceEvents<SearchManager, RecordingSearchManagerCallback> {
   protected:
     static constexpr char kEvent[] = R"({"event": 0, "state": 3, "searchHandle": "0xf0009d20"})";
     static constexpr char kCall[] = "OnSearchManagerEvent 0 3 4026572064 2147486396";
@@ -113,7 +113,7 @@ TEST_F(SearchManagerEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierClie
 TEST(SearchManagerWithoutPlatform, RegistersItsClientAllTheSame) {
     const ScratchDirectory directory;
     const sp<SearchManager> service = new SearchManager;
-    const sp<RecordingSearchCallback> client = new RecordingSearchCallback;
+    const sp<RecordingSearchManagerCallback> client = new RecordingSearchManagerCallback;
     EXPECT_EQ(-1, static_cast<int32_t>(service->SearchManager_RegisterCallback(1, client, 5)));
     EXPECT_EQ(1u, client->Linked().size());
     TolmSearchManagerCallback(0, {3, nullptr}, nullptr);

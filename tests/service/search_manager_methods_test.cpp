@@ -4,7 +4,7 @@
 
 #include "SearchManager.h"
 #include "method_rows.h"
-#include "recording_search_callback.h"
+#include "recording_search_manager_callback.h"
 
 namespace hbbtv::test {
 
@@ -24,7 +24,7 @@ struct Rows : ServiceOf<&HIDL_FETCH_ISearchManager> {
             {"SearchManager_Destroy", Status([](auto& s) { return s.SearchManager_Destroy(kObject); }), 3,
              R"({"in_handle": "0x80001000"})", "{}", "0", "-1"},
             {"SearchManager_RegisterCallback", Status([](auto& s) {
-                 return s.SearchManager_RegisterCallback(kObject, new RecordingSearchCallback, 0x5ffffffff);
+                 return s.SearchManager_RegisterCallback(kObject, new RecordingSearchManagerCallback, 0x5ffffffff);
              }),
              4, R"({"in_handle": "0x80001000", "context": "0xffffffff"})", "{}", "0", "-1"},
             {"SearchManager_CreateSearch",

@@ -6,7 +6,7 @@
 #include "VideoBroadcast.h"
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
 #include "one_client.h"
-#include "recording_callback.h"
+#include "recording_video_broadcast_callback.h"
 
 namespace hbbtv::test {
 
@@ -23,7 +23,7 @@ constexpr int64_t kVb = 0x1000;
 constexpr int64_t kContext = 0xabc;
 constexpr char kUnregister[] = "{\n\t\"method\" : 4,\n\t\"type\" : 3,\n\t\"vb_handle\" : \"0x1000\"\n}\n";
 
-class VideoBroadcastEvents : public ServiceEvents<VideoBroadcast, RecordingCallback> {
+class VideoBroadcastEvents : public ServiceEvents<VideoBroadcast, RecordingVideoBroadcastCallback> {
   protected:
     static constexpr char kEvent[] = R"({"type": "videobroadcast", "event": 4})";
     static constexpr char kCall[] = "onVideoBroadcastEvent 4";

@@ -4,7 +4,7 @@
 
 #include "VideoBroadcast.h"
 #include "method_rows.h"
-#include "recording_callback.h"
+#include "recording_video_broadcast_callback.h"
 
 namespace hbbtv::test {
 
@@ -31,8 +31,8 @@ struct Rows : ServiceOf<&HIDL_FETCH_IVideoBroadcast> {
             {"Release", Status([](auto& s) { return s.Release(kVb); }), 1, R"({"vb_handle": "0x80001000"})", "{}", "0",
              "-1"},
             {"RegisterCallback",
-             Status([](auto& s) { return s.RegisterCallback(kVb, new RecordingCallback, 0x5ffffffff); }), 3,
-             R"({"vb_handle": "0x80001000", "context": "0xffffffff"})", "{}", "0", "-1"},
+             Status([](auto& s) { return s.RegisterCallback(kVb, new RecordingVideoBroadcastCallback, 0x5ffffffff); }),
+             3, R"({"vb_handle": "0x80001000", "context": "0xffffffff"})", "{}", "0", "-1"},
             {"UnregisterCallback", Status([](auto& s) { return s.UnregisterCallback(kVb); }), 4,
              R"({"vb_handle": "0x80001000"})", "{}", "0", "-1"},
             {"SetWindow", Status([](auto& s) {

@@ -7,8 +7,8 @@
 #include "ipc/src/tolm_adaptor_instance.h"
 
 // All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. `manager`, `scheme`, `rating` (also one that is
-// a threshold) and `collection` are handles, valid until they are given back.
+// platform did not answer properly; results are written only on success. `manager`, `scheme`, `rating` (also one that
+// is a threshold) and `collection` are handles, valid until they are given back.
 class TolmParentalControlManagerAdaptorIpc : public tolm::TolmAdaptorClient,
                                              public tolm::TolmAdaptorInstance<TolmParentalControlManagerAdaptorIpc> {
   public:

@@ -7,7 +7,7 @@
 
 namespace hbbtv::test {
 
-class RecordingSearchCallback : public RecordingClient<vantorel::hardware::hbbtv::V1_0::ISearchManagerCallback> {
+class RecordingSearchManagerCallback : public RecordingClient<vantorel::hardware::hbbtv::V1_0::ISearchManagerCallback> {
   public:
     using Info = vantorel::hardware::hbbtv::V1_0::TolmSearchManagerEventInfo;
 

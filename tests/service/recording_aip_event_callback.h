@@ -9,7 +9,7 @@
 
 namespace hbbtv::test {
 
-class RecordingAIPCallback : public RecordingClient<vantorel::hardware::hbbtv::V1_0::IAIPEventCallback> {
+class RecordingAIPEventCallback : public RecordingClient<vantorel::hardware::hbbtv::V1_0::IAIPEventCallback> {
   public:
     using Event = vantorel::hardware::hbbtv::V1_0::TolmAIPEvent;
     using Info = vantorel::hardware::hbbtv::V1_0::TolmAIPEventInfo;

@@ -7,7 +7,7 @@
 
 namespace hbbtv::test {
 
-class RecordingConfigCallback : public RecordingClient<vantorel::hardware::hbbtv::V1_0::IChannelConfigCallback> {
+class RecordingChannelConfigCallback : public RecordingClient<vantorel::hardware::hbbtv::V1_0::IChannelConfigCallback> {
   public:
     using Info = vantorel::hardware::hbbtv::V1_0::TolmChannelConfigEventInfo;
 

@@ -9,7 +9,8 @@
 
 namespace hbbtv::test {
 
-class RecordingCallback : public RecordingClient<vantorel::hardware::hbbtv::V1_0::IVideoBroadcastCallback> {
+class RecordingVideoBroadcastCallback
+    : public RecordingClient<vantorel::hardware::hbbtv::V1_0::IVideoBroadcastCallback> {
   public:
     Return<void> onVideoBroadcastEvent(int32_t event) override { return Note("onVideoBroadcastEvent", event); }
 
