@@ -99,6 +99,11 @@ TEST_F(Call, TakesAndGivesVectorsAndStructs) {
         const std::string handle = made["results"]["list"].asString();
         EXPECT_EQ("status  0\nlength  3\n", Ctl({"call", "IChannelList.GetLength", handle}).output);
     }
+    const std::vector<std::string> getIds{"call", "IConfiguration.GetDttNetworkIds"};
+    EXPECT_THAT(Ctl(getIds).output, MatchesRegex("status      0\nnetworkIds  \\[[0-9]+, [0-9]+\\]\n"));
+    const Json::Value ids = Document(Ctl({getIds[0], getIds[1], "--json"}))["results"]["networkIds"];
+    EXPECT_EQ(2u, ids.size());
+    EXPECT_TRUE(ids[0].isInt() && ids[1].isInt());
     const Json::Value none = Document(Ctl({"call", "IChannelConfig.CreateChannelList", "channels=", "--json"}));
     EXPECT_EQ("status  0\nlength  0\n",
               Ctl({"call", "IChannelList.GetLength", none["results"]["list"].asString()}).output);
