@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -34,6 +35,33 @@ std::vector<std::string> EnvironmentWith(const std::vector<std::string>& additio
     }
     return all;
 }
+
+// A child that has gone is a failure of its test, not the end of the process that runs all tests: the signal that a
+// write to its input raises in this thread is taken, unless one was pending before.
+class SigpipeBlocked {
+  public:
+    SigpipeBlocked() {
+        sigset_t pending;
+        sigpending(&pending);
+        mPendingBefore = sigismember(&pending, SIGPIPE) == 1;
+        sigemptyset(&mSigpipe);
+        sigaddset(&mSigpipe, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &mSigpipe, &mBefore);
+    }
+    ~SigpipeBlocked() {
+        const timespec atOnce{};
+        while (!mPendingBefore && sigtimedwait(&mSigpipe, nullptr, &atOnce) < 0 && errno == EINTR) {
+        }
+        pthread_sigmask(SIG_SETMASK, &mBefore, nullptr);
+    }
+    SigpipeBlocked(const SigpipeBlocked&) = delete;
+    SigpipeBlocked& operator=(const SigpipeBlocked&) = delete;
+
+  private:
+    sigset_t mSigpipe;
+    sigset_t mBefore;
+    bool mPendingBefore = false;
+};
 
 }  // namespace
 
@@ -97,8 +125,18 @@ bool ChildProcess::WaitForOutput(const std::string& text, std::chrono::milliseco
     return WaitFor([&] { return Output().find(text) != std::string::npos; }, patience);
 }
 
-void ChildProcess::Write(const std::string& text) {
-    if (write(mInput, text.data(), text.size()) != static_cast<ssize_t>(text.size())) std::perror("write to child");
+bool ChildProcess::Write(const std::string& text) {
+    const SigpipeBlocked blocked;
+    for (size_t written = 0; written < text.size();) {
+        const ssize_t n = write(mInput, text.data() + written, text.size() - written);
+        if (n >= 0) {
+            written += static_cast<size_t>(n);
+        } else if (errno != EINTR) {
+            std::perror("write to child");
+            return false;
+        }
+    }
+    return true;
 }
 
 void ChildProcess::CloseInput() {

@@ -30,8 +30,8 @@ class ChildProcess {
     // Whether its output holds the text, waiting for it.
     bool WaitForOutput(const std::string& text, std::chrono::milliseconds patience = kPatience) const;
 
-    // Writes to its standard input.
-    void Write(const std::string& text);
+    // Writes to its standard input; false when nobody reads there any more.
+    bool Write(const std::string& text);
     void CloseInput();
 
     void Signal(int signal);

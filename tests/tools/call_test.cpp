@@ -67,6 +67,25 @@ TEST_F(Call, TakesTextsThatLookLikeSomethingElse) {
     EXPECT_EQ("status  0\nname    \"a\\u001b[31m\\u009b\\u007f\"\n", Ctl({"call", "IChannel.GetName", channel}).output);
 }
 
+TEST_F(Call, CarriesLongTextsAndAnyBytes) {
+    const std::string channel = CurrentChannel();
+    const std::string file = mDirectory / "text";
+    const auto setName = [&] { return Ctl({"call", "IChannel.SetName", "channel=" + channel, "name=@" + file}); };
+    const std::string longText(64 * 1024, 'x');
+    WriteFile(file, longText);
+    EXPECT_EQ(0, setName().exit);
+    EXPECT_EQ("status  0\nname    \"" + longText + "\"\n", Ctl({"call", "IChannel.GetName", channel}).output);
+    // Bytes that are no text come back as what JSON makes of them, on one line.
+    WriteFile(file, std::string("a\xff\n\0b", 5));
+    EXPECT_EQ(0, setName().exit);
+    EXPECT_THAT(Ctl({"call", "IChannel.GetName", channel}).output, MatchesRegex("status  0\nname    \"a[^\n]*b\"\n"));
+    WriteFile(file, std::string(1024 * 1024, 'x'));
+    const FinishedRun tooLong = setName();
+    EXPECT_EQ(2, tooLong.exit);
+    EXPECT_EQ("hbbtvctl: IChannel.SetName: the arguments have 1048576 bytes; a call carries 1040384 at most\n",
+              tooLong.errors);
+}
+
 TEST_F(Call, TakesAndGivesVectorsAndStructs) {
     const std::string channel = CurrentChannel();
     const std::string vb = NewVideoBroadcast();
@@ -80,6 +99,11 @@ TEST_F(Call, TakesAndGivesVectorsAndStructs) {
         const std::string handle = made["results"]["list"].asString();
         EXPECT_EQ("status  0\nlength  3\n", Ctl({"call", "IChannelList.GetLength", handle}).output);
     }
+    const std::vector<std::string> getIds{"call", "IConfiguration.GetDttNetworkIds"};
+    EXPECT_THAT(Ctl(getIds).output, MatchesRegex("status      0\nnetworkIds  \\[[0-9]+, [0-9]+\\]\n"));
+    const Json::Value ids = Document(Ctl({getIds[0], getIds[1], "--json"}))["results"]["networkIds"];
+    EXPECT_EQ(2u, ids.size());
+    EXPECT_TRUE(ids[0].isInt() && ids[1].isInt());
     const Json::Value none = Document(Ctl({"call", "IChannelConfig.CreateChannelList", "channels=", "--json"}));
     EXPECT_EQ("status  0\nlength  0\n",
               Ctl({"call", "IChannelList.GetLength", none["results"]["list"].asString()}).output);

@@ -98,8 +98,8 @@ TEST_F(ExitCode, IsFourWhenThePlatformHangs) {
            Ctl(With(kSend, {"--timeout", "100ms"})));
     // Long enough for finding the interface, which the limit is for as well.
     Expect(4,
-           "IChannelConfig.GetCurrentChannel: no answer within 2 s; the service hangs, or the platform behind it: "
-           "`hbbtvctl doctor` tells which",
+           "IChannelConfig.GetCurrentChannel: no answer within 2 s; the service hangs (`hbbtvctl doctor` looks at it), "
+           "or the platform behind it (`hbbtvctl send` asks it directly)",
            Ctl(With(kCall, {"--timeout", "2s"})));
 }
 
@@ -111,7 +111,9 @@ TEST_F(ExitCode, IsFourWhenTheProcessIsStopped) {
     ASSERT_EQ(0, Ctl(kCall).exit);
     service.Signal(SIGSTOP);
     EXPECT_EQ(4, Ctl(With(kCall, {"--timeout", "100ms"})).exit);
-    EXPECT_EQ(4, Ctl({"list", "--timeout", "100ms"}).exit);
+    const FinishedRun list = Ctl({"list", "--timeout", "100ms"});
+    EXPECT_EQ(4, list.exit);
+    EXPECT_EQ("", list.output) << "all or nothing";
     EXPECT_EQ(4, Ctl({"listen", "channel_config", "--timeout", "100ms"}).exit);
     EXPECT_EQ(4, Ctl({"bench", "IChannelConfig.GetCurrentChannel", "--duration", "1ms", "--timeout", "100ms"}).exit);
     platform.Signal(SIGSTOP);
@@ -182,6 +184,22 @@ TEST_F(ExitCode, IsTheCommandsOwnWhenTheReaderOfTheOutputHasGone) {
     const FinishedRun full = RunToEnd({"bash", "-c", program + " list >/dev/full"});
     EXPECT_EQ(2, full.exit);
     EXPECT_EQ("hbbtvctl: standard output: No space left on device\n", full.errors);
+}
+
+TEST_F(ExitCode, IsTwoWithAStandardDescriptorThatIsClosed) {
+    FakePlatform platform(kSocket, R"({"ret": 0})");
+    const auto run = [](const std::string& how) { return RunToEnd({"bash", "-c", "\"$0\" " + how, HBBTVCTL_PROGRAM}); };
+    const FinishedRun output = run("send channel_config.GetCurrentChannel --json >&-");
+    EXPECT_EQ(2, output.exit);
+    EXPECT_EQ("hbbtvctl: standard output: Bad file descriptor\n", output.errors);
+    const FinishedRun raw = run("send channel_config --raw x --timeout 100ms >&-");
+    EXPECT_EQ(2, raw.exit) << raw.Text();
+    EXPECT_EQ("hbbtvctl: standard output: Bad file descriptor\n", raw.errors);
+    EXPECT_EQ(1u, platform.Frames().size()) << "what is meant for people does not go to the platform";
+    const FinishedRun input = run("send channel_config.CreateChannelList - <&-");
+    EXPECT_EQ(2, input.exit);
+    EXPECT_EQ("hbbtvctl: standard input: cannot be read: Bad file descriptor\n", input.errors);
+    EXPECT_EQ(0, run("send channel_config.GetCurrentChannel 2>&-").exit) << "nobody needs it";
 }
 
 }  // namespace

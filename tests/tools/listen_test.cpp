@@ -138,6 +138,38 @@ TEST_F(Listen, TakesArgumentsOfTheRegistrationForTheFamiliesThatHaveThem) {
     EXPECT_EQ(1234, listener.Events()[1]["arguments"]["position"].asInt());
 }
 
+TEST_F(Listen, PrintsEventsThatComeFasterThanClocksTick) {
+    constexpr size_t kEvents = 2000;
+    Listener listener({"channel_config", "--count", std::to_string(kEvents)});
+    ASSERT_TRUE(listener.Listens()) << listener.Output();
+    std::string frames;
+    for (size_t i = 0; i < kEvents; ++i) {
+        const char letter = static_cast<char>('A' + i % 26);
+        frames += FrameBytes(kOneWay, 3, std::string(R"({"event": 0, "reserved": ")") + letter + "\"}");
+    }
+    WriteFile(mDirectory / "events", frames);
+    ASSERT_EQ(0, Ctl({"emit", "channel_config", "--raw", "@" + (mDirectory / "events"), "--timeout", "1ms"}).exit);
+    EXPECT_EQ(0, listener.WaitForExit());
+    const std::vector<Json::Value> events = listener.Events();
+    ASSERT_EQ(kEvents, events.size());
+    for (size_t i = 0; i < kEvents; ++i) {
+        ASSERT_EQ(static_cast<int>('A' + i % 26), events[i]["arguments"]["info"]["reserved"].asInt()) << i;
+        if (i > 0) {
+            ASSERT_LE(events[i - 1]["monotonic_us"].asInt64(), events[i]["monotonic_us"].asInt64());
+        }
+    }
+}
+
+TEST_F(Listen, NeedsTheObjectThatItRegistersFor) {
+    mVideoBroadcast.SetReply(R"({"ret": -1})");
+    const FinishedRun run = Ctl({"listen", "video_broadcast"});
+    EXPECT_EQ(1, run.exit);
+    EXPECT_EQ(
+        "hbbtvctl: IVideoBroadcast.Create: status -1; the registration needs this object: give one as --with "
+        "vb=HANDLE, or ask `hbbtvctl doctor` whether the platform is there\n",
+        run.errors);
+}
+
 TEST_F(Listen, GoesOnWhenTheRegistrationIsRefused) {
     mPlatform.SetReply(R"({"ret": -1})");
     Listener listener({"channel_config"});

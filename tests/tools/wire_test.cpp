@@ -173,6 +173,9 @@ TEST_F(EmitToTheLibrary, RawBytesHurtNobody) {
         Ctl({"emit", "channel_config", "--raw", "no message at all, by no means", "--timeout", "100ms"});
     EXPECT_EQ(0, run.exit) << run.Text();
     EXPECT_EQ("nothing came back\n", run.output);
+    const FinishedRun empty = Ctl({"emit", "channel_config", "--raw", "", "--timeout", "100ms"});
+    EXPECT_EQ(0, empty.exit) << empty.Text();
+    EXPECT_EQ("nothing came back\n", empty.output) << "no bytes are bytes, too";
     EXPECT_EQ(0, Ctl({"call", "IChannelConfig.GetCurrentChannel"}).exit);
 }
 

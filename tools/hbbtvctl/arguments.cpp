@@ -52,7 +52,7 @@ class Reader {
         : mWhose(whose), mParameters(parameters) {}
 
     Json::Value Read(const GivenArguments& given, bool allRequired) {
-        if (given.json) TakeObject(*given.json);
+        if (given.json) TakeObject(*given.json, given.jsonIs);
         for (const std::string& word : given.words) TakeWord(word);
         for (const Parameter& parameter : mParameters) {
             if (allRequired && !mValues.isMember(parameter.name)) {
@@ -88,14 +88,16 @@ class Reader {
         }
     }
 
-    void TakeObject(const std::string& word) {
+    void TakeObject(const std::string& word, const std::string& what) {
         Json::Value object;
         try {
             object = ParseJson(ReadWord(word));
         } catch (const BadValue& e) {
-            throw Failure(kUsage, mWhose + ": the arguments after --json: " + e.what());
+            throw Failure(kUsage, mWhose + ": " + what + ": " + e.what());
         }
-        if (!object.isObject()) Refuse("takes an object after --json, as in '{\"channel\": 4096}'");
+        if (!object.isObject()) {
+            throw Failure(kUsage, mWhose + ": " + what + ": an object is needed, as in '{\"channel\": 4096}'");
+        }
         for (const std::string& name : object.getMemberNames()) {
             const Parameter& parameter = Named(name);
             Take(parameter, [&] { return FromJsonValue(*parameter.type, object[name]); });
@@ -134,6 +136,7 @@ std::string ReadWord(const std::string& word) {
     if (word.rfind("@@", 0) == 0) return word.substr(1);
     if (word.empty() || word[0] != '@') return word;
     const std::string name = word.substr(1);
+    if (name.empty()) throw Failure(kUsage, "@ is followed by the name of a file; a text that is @ is written as @@");
     const Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
     if (file.Get() < 0) throw Failure(kUsage, name + ": cannot be opened: " + std::strerror(errno));
     return All(file.Get(), name);

@@ -14,6 +14,7 @@ namespace hbbtv::ctl {
 struct GivenArguments {
     std::vector<std::string> words;   // "name=value", or values in order
     std::optional<std::string> json;  // an object with all of them, or "@file" or "-"
+    std::string jsonIs{"the arguments after --json"};
 };
 
 // A value may be "@FILE" (what the file holds), "-" (what standard input holds) or "@@..." (a text that begins with @).

@@ -1,4 +1,7 @@
 // hbbtvctl: one program for the people who bring a browser and a platform together. The commands are in commands/.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
@@ -88,7 +91,20 @@ void UseDirectory(const Invocation& invocation) {
     setenv("TMPDIR", invocation.directory.c_str(), 1);
 }
 
+// A standard descriptor that is closed would be the number of the next socket or file, and what is meant for people
+// would go there. These fail as the closed one does.
+void FillClosedDescriptors() {
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
+std::string CheckDirectoryName(const std::string& name) {
+    return name.empty() ? "an empty text is no directory" : "";
+}
+
 int Main(int argc, char** argv) {
+    FillClosedDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
     CLI::App app("Look at, call, listen to and play either side of the HbbTV service library.");
     app.name("hbbtvctl");
@@ -96,7 +112,9 @@ int Main(int argc, char** argv) {
     app.footer(kFooter);
     app.require_subcommand(1);
     Invocation invocation{DefaultDirectory(), nullptr};
-    app.add_option("--directory", invocation.directory, "Where the sockets are; $TMPDIR, or /tmp")->type_name("DIR");
+    app.add_option("--directory", invocation.directory, "Where the sockets are; $TMPDIR, or /tmp")
+        ->type_name("DIR")
+        ->check(CheckDirectoryName);
     AddCommands(app, invocation);
     SetHelp(app);
     if (argc > 1 && std::string(argv[1]) == "complete") return Complete(app, {argv + std::min(argc, 3), argv + argc});

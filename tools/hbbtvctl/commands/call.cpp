@@ -92,6 +92,9 @@ int Run(const CallOptions& options) {
     const Json::Value byName = ReadArguments(name, method->arguments, options.arguments.given, true);
     const Json::Value arguments = InOrder(method->arguments, byName);
     if (Listens(arguments)) return CallAndListen(*interface, *method, arguments, options);
+    if (options.count != 0 || options.duration.Limit()) {
+        throw Failure(kUsage, "--for and --count end the listening to a callback given as @listen; there is none");
+    }
     static NoEvents events;
     ServiceCaller service(*interface, options.timeout.Value());
     return CallAndPrint(service, *method, arguments, events, options);

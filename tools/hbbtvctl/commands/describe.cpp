@@ -192,8 +192,9 @@ int Run(const std::string& name) {
     try {
         return DescribeInterface(package.FindInterface(name));
     } catch (const Failure&) {
-        throw Failure(kUsage,
-                      "there is no interface, family or type \"" + name + "\"" + DidYouMean(name, AllNames(package)));
+        throw Failure(kUsage, "there is no interface, family or type \"" + name + "\"" +
+                                  DidYouMean(name, AllNames(package)) +
+                                  " (`hbbtvctl list` shows interfaces and families)");
     }
 }
 

@@ -114,8 +114,9 @@ Checks CheckPlatform(const std::string& directory) {
             checks.push_back(Good("platform", count + "are served by " + Joined({peers.begin(), peers.end()})));
             continue;
         }
-        checks.push_back({"platform", Check::Level::Problem,
-                          count + "are " + finding.InWords() + ": " + Joined(sockets), Advice(state)});
+        const std::string which = sockets.size() == all ? "" : ": " + Joined(sockets);
+        checks.push_back(
+            {"platform", Check::Level::Problem, count + "are " + finding.InWords() + which, Advice(state)});
     }
     return checks;
 }
@@ -158,11 +159,17 @@ Checks CheckRights(const std::string& directory) {
     return checks;
 }
 
+// As the build and the device name it.
+std::string ServiceProgram() {
+    return Package::Get().name + "-service";
+}
+
 Check CheckHostDirectory(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
         return {"interfaces", Check::Level::Problem, path + ": " + std::strerror(errno),
-                "no process has registered an interface; start hbbtv_service with the same TMPDIR (or HIDL_HOST_DIR)"};
+                "no process has registered an interface; start " + ServiceProgram() +
+                    " with the same TMPDIR (or HIDL_HOST_DIR)"};
     }
     if (status.st_uid != geteuid()) {
         return {"interfaces", Check::Level::Problem, path + " belongs to user " + std::to_string(status.st_uid),
@@ -181,8 +188,8 @@ Check CheckService(Milliseconds limit) {
                 const auto service = find();
                 *there = service != nullptr && service->ping().isOk();
             });
-        } catch (const Failure& e) {
-            return {"service", Check::Level::Problem, e.what(),
+        } catch (const Failure&) {
+            return {"service", Check::Level::Problem, name + " does not answer within " + InWords(limit),
                     "the service hangs; look where with gdb, or start it again", kTimeout};
         }
         ++all;
@@ -191,8 +198,8 @@ Check CheckService(Milliseconds limit) {
     const std::string count =
         std::to_string(all - missing.size()) + " of " + std::to_string(all) + " interfaces answer";
     if (missing.empty()) return Good("service", count);
-    return {"service", Check::Level::Problem, count + "; missing: " + Joined(missing),
-            missing.size() == all ? "start hbbtv_service"
+    return {"service", Check::Level::Problem, count + (missing.size() == all ? "" : "; missing: " + Joined(missing)),
+            missing.size() == all ? "start " + ServiceProgram()
                                   : "the service is older than this tool, or could not register them"};
 }
 
@@ -243,9 +250,12 @@ int Run(const std::string& directory, const DoctorOptions& options) {
     const std::string hostDirectory = HostDirectory();
     Checks checks{CheckDirectory(directory), CheckPathLength(directory)};
     const auto add = [&checks](const Checks& more) { checks.insert(checks.end(), more.begin(), more.end()); };
-    add(CheckPlatform(directory));
-    add(CheckLibrary(directory));
-    add(CheckRights(directory));
+    // Sockets whose paths do not fit cannot be looked at, and whoever moves them changes the rest as well.
+    if (checks.back().level == Check::Level::Good) {
+        add(CheckPlatform(directory));
+        add(CheckLibrary(directory));
+        add(CheckRights(directory));
+    }
     checks.push_back(CheckHostDirectory(hostDirectory));
     if (checks.back().level == Check::Level::Good) {
         checks.push_back(CheckService(options.timeout.Value()));

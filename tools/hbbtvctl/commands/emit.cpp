@@ -30,8 +30,10 @@ bool WithReply(const EmitOptions& options, const Json::Value& event) {
 int Run(const std::string& directory, const EmitOptions& options) {
     const WireFamily& family = Package::Get().FindFamily(options.family);
     const Endpoint endpoint = EventsOf(family);
-    if (options.exchange.Raw())
+    if (options.exchange.raw) {
+        if (!options.event.empty()) throw Failure(kUsage, "--raw is all that is sent: emit takes no event with it");
         return ExchangeRaw(PathOf(directory, endpoint), options.arguments.json, options.exchange);
+    }
     if (options.event.empty()) {
         throw Failure(kUsage, "emit needs an event of " + family.name + " (`hbbtvctl describe " + family.name +
                                   "` shows all), or --raw");

@@ -125,7 +125,7 @@ int Exchange(const Message& message, bool json, const ExchangeOptions& options) 
 }
 
 int ExchangeRaw(const std::string& path, bool json, const ExchangeOptions& options) {
-    const std::string bytes = ReadWord(options.raw);
+    const std::string bytes = ReadWord(options.raw.value_or(""));
     WireConnection connection(path);
     connection.Send(bytes, options.timeout.Value());
     const std::string answer = connection.ReceiveAll(std::min(options.timeout.Value(), Milliseconds(1000)));

@@ -3,6 +3,7 @@
 
 #include <json/value.h>
 
+#include <optional>
 #include <string>
 
 #include "commands/options.h"
@@ -12,10 +13,8 @@ namespace hbbtv::ctl {
 struct ExchangeOptions {
     TimeOption timeout{"10s"};
     bool time = false;
-    bool verbose = false;  // show the message, too
-    std::string raw;       // exact bytes
-
-    bool Raw() const { return !raw.empty(); }
+    bool verbose = false;            // show the message, too
+    std::optional<std::string> raw;  // exact bytes
 };
 
 void AddExchangeOptions(CLI::App& command, ExchangeOptions& options);

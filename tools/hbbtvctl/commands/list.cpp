@@ -46,12 +46,11 @@ void PrintEndpoints(const std::string& directory, bool ofPlatform, const std::st
 }
 
 int RunForPeople(const std::string& directory, const ListOptions& options) {
-    std::printf("%s\n", Bold("Interfaces of " + Package::Get().name).c_str());
     std::vector<std::vector<std::string>> rows;
     for (const auto& [name, registered] : Registered(options.timeout.Value())) {
         rows.push_back({name, registered ? Green("registered") : Dim("not registered")});
     }
-    std::printf("%s", Columns(rows, "  ").c_str());
+    std::printf("%s\n%s", Bold("Interfaces of " + Package::Get().name).c_str(), Columns(rows, "  ").c_str());
     PrintEndpoints(directory, true, "Sockets of the platform (requests)");
     PrintEndpoints(directory, false, "Sockets of the library (events)");
     return kDone;

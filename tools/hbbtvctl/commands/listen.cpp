@@ -149,7 +149,10 @@ class Listening {
         for (const Parameter& parameter : maker->arguments) nothing.append(Nothing(*parameter.type));
         const Json::Value results = mService.Call(*maker, nothing, mSink);
         if (results[0].asInt() != 0)
-            throw Failure(kStatusNotZero, mInterface.name + "." + maker->name + ": status " + results[0].asString());
+            throw Failure(kStatusNotZero, mInterface.name + "." + maker->name + ": status " + results[0].asString() +
+                                              "; the registration needs this object: give one as --with " +
+                                              argument.name +
+                                              "=HANDLE, or ask `hbbtvctl doctor` whether the platform is there");
         mMade[argument.name] = results[1];
         return results[1];
     }
@@ -189,25 +192,35 @@ class Listening {
     Json::Value mMade{Json::objectValue};
 };
 
+// The clients' side of what is listened to.
+bool Takes(const std::vector<const Interface*>& listenedTo, const Interface& callback) {
+    return std::any_of(listenedTo.begin(), listenedTo.end(), [&callback](const Interface* interface) {
+        return CallbackOf(*Registrar(*interface))->type->name == callback.name;
+    });
+}
+
 // "IMtmCallback.CreateApp={"status": 0, "tabId": 3}", or "CreateApp=...".
-void AddAnswer(const std::string& word, std::map<std::string, Json::Value>& answers) {
+void AddAnswer(const std::string& word, const std::vector<const Interface*>& listenedTo,
+               std::map<std::string, Json::Value>& answers) {
     const size_t equals = word.find('=');
     const std::string name = word.substr(0, equals);
     if (equals == std::string::npos) throw Failure(kUsage, "--answer " + Quoted(word) + ": write METHOD=JSON");
     std::vector<std::string> known;
     for (const Interface& interface : Package::Get().interfaces) {
+        if (!Takes(listenedTo, interface)) continue;
         for (const Method& method : interface.methods) {
-            if (!interface.callback || method.results.empty()) continue;
+            if (method.results.empty()) continue;
             const std::string full = interface.name + "." + method.name;
             known.push_back(method.name);
             if (name != full && name != method.name) continue;
             const std::string json = word.substr(equals + 1);
-            answers[full] =
-                InOrder(method.results, ReadArguments("the answer to " + full, method.results, {{}, json}, true));
+            answers[full] = InOrder(method.results,
+                                    ReadArguments("--answer " + full, method.results, {{}, json, "the answer"}, true));
             return;
         }
     }
-    throw Failure(kUsage, "no method " + Quoted(name) + " needs an answer" + DidYouMean(name, known));
+    throw Failure(kUsage, "--answer " + Quoted(word) + ": no method " + Quoted(name) +
+                              " of what is listened to needs an answer" + DidYouMean(name, known));
 }
 
 std::vector<const Interface*> InterfacesOf(const std::vector<std::string>& families) {
@@ -250,8 +263,8 @@ void CheckWith(const std::vector<std::string>& with, const std::vector<const Int
 
 int Run(const ListenOptions& options) {
     EventPrinter::Settings settings{options.json, options.numbers, {}, options.count};
-    for (const std::string& answer : options.answers) AddAnswer(answer, settings.answers);
     const std::vector<const Interface*> interfaces = InterfacesOf(options.families);
+    for (const std::string& answer : options.answers) AddAnswer(answer, interfaces, settings.answers);
     CheckWith(options.with, interfaces);
     // Callbacks may come as long as the process lives.
     static Interruption interruption;

@@ -33,6 +33,8 @@ std::function<std::string(const std::string&)> WholeNumber(uint64_t least, uint6
 struct ArgumentOptions {
     GivenArguments given;
     bool json = false;
+
+    bool Any() const { return !given.words.empty() || given.json; }
 };
 
 void AddArguments(CLI::App& command, ArgumentOptions& options);

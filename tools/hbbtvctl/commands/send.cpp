@@ -40,7 +40,10 @@ QualifiedOperation FindOperation(const std::string& wanted) {
 }
 
 int Run(const std::string& directory, const SendOptions& options) {
-    if (options.operation.find('.') == std::string::npos && options.exchange.Raw()) {
+    if (options.exchange.raw) {
+        if (options.operation.find('.') != std::string::npos || options.arguments.Any()) {
+            throw Failure(kUsage, "--raw is all that is sent: send takes a family with it, and no operation");
+        }
         const WireFamily& family = Package::Get().FindFamily(options.operation);
         return ExchangeRaw(PathOf(directory, RequestsOf(family)), options.arguments.json, options.exchange);
     }

@@ -18,6 +18,16 @@ namespace hbbtv::ctl {
 
 namespace {
 
+// What a transaction carries; numbers and lengths of an ordinary call are small beside its texts.
+constexpr size_t kMostBytes = 1024 * 1024 - 8 * 1024;
+
+size_t BytesOfTexts(const Json::Value& value) {
+    if (value.isString()) return value.asString().size();
+    size_t bytes = 0;
+    for (const Json::Value& element : value) bytes += BytesOfTexts(element);
+    return bytes;
+}
+
 Invoker InvokerOf(const Interface& interface, const Method& method) {
     for (const MethodBinding& binding : AllBindings().at(interface.name)->methods) {
         if (binding.name == method.name) return binding.invoke;
@@ -54,7 +64,8 @@ void InTime(Milliseconds limit, const std::string& what, const std::function<voi
     }).detach();
     if (done->Wait(limit)) return;
     throw Failure(kTimeout, what + ": no answer within " + InWords(limit) +
-                                "; the service hangs, or the platform behind it: `hbbtvctl doctor` tells which");
+                                "; the service hangs (`hbbtvctl doctor` looks at it), or the platform behind it "
+                                "(`hbbtvctl send` asks it directly)");
 }
 
 std::string HostDirectory() {
@@ -91,6 +102,10 @@ CallOutcome ServiceCaller::CallNow(const Method& method, const Json::Value& argu
 
 Json::Value ServiceCaller::Call(const Method& method, const Json::Value& arguments, EventSink& sink) {
     const std::string what = mInterface.name + "." + method.name;
+    if (const size_t bytes = BytesOfTexts(arguments); bytes > kMostBytes) {
+        throw Failure(kUsage, what + ": the arguments have " + std::to_string(bytes) + " bytes; a call carries " +
+                                  std::to_string(kMostBytes) + " at most");
+    }
     const auto outcome = std::make_shared<CallOutcome>();
     const Invoker invoker = InvokerOf(mInterface, method);
     // Nothing of the caller's is referred to: the thread may outlive this call.

@@ -35,6 +35,8 @@ Json::Value Parse(const char* text) {
     return root;
 }
 
+constexpr size_t kMostNames = 20;
+
 struct IntegerType {
     const char* name;
     int bits;
@@ -57,7 +59,10 @@ void MakeInteger(Type& type, const std::string& name) {
 }  // namespace
 
 std::string DidYouMean(const std::string& name, const std::vector<std::string>& known) {
-    return hbbtv::DidYouMean(name, std::set<std::string>(known.begin(), known.end()));
+    const std::string text = hbbtv::DidYouMean(name, std::set<std::string>(known.begin(), known.end()));
+    // All that there are, when none is near; too many are no help.
+    const bool all = text.rfind("; known are", 0) == 0;
+    return all && known.size() > kMostNames ? "" : text;
 }
 
 const Method* Interface::Find(const std::string& method) const {

@@ -1,6 +1,7 @@
 // See style.h.
 #include "terminal/style.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,12 +12,20 @@ namespace hbbtv::ctl {
 
 namespace {
 
-constexpr size_t kLineWidth = 100;
+constexpr size_t kWidest = 100;  // prose is hard to read in longer lines
+constexpr size_t kNarrowest = 40;
 
 bool Coloured() {
     const char* refused = std::getenv("NO_COLOR");
     static const bool terminal = isatty(STDOUT_FILENO) == 1;
     return terminal && (refused == nullptr || *refused == '\0');
+}
+
+// The terminal's, where there is one.
+size_t LineWidth() {
+    winsize size{};
+    const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
+    return known ? std::clamp<size_t>(size.ws_col, kNarrowest, kWidest) : kWidest;
 }
 
 std::string In(const char* code, const std::string& text) {
@@ -37,13 +46,13 @@ size_t Width(const std::string& cell) {
 
 // A line that fits stays as it is, with its blanks. Otherwise behind `first` what fits, the rest behind `next`.
 std::string WrappedLine(const std::string& line, const std::string& first, const std::string& next) {
-    if (Width(first + line) <= kLineWidth) return first + line + "\n";
+    if (Width(first + line) <= LineWidth()) return first + line + "\n";
     std::string all;
     std::string current = first + line.substr(0, std::min(line.find_first_not_of(' '), line.size()));
     bool empty = true;
     std::istringstream words(line);
     for (std::string word; words >> word; empty = false) {
-        if (!empty && Width(current) + 1 + Width(word) > kLineWidth) {
+        if (!empty && Width(current) + 1 + Width(word) > LineWidth()) {
             all += current + "\n";
             current = next;
             empty = true;
@@ -73,6 +82,17 @@ std::string Table(const std::vector<std::vector<std::string>>& rows, const std::
         text += line + "\n";
     }
     return text;
+}
+
+// Its paragraphs in one line each. What is indented, or begins with an @, has a line of its own there.
+std::string WithoutLineBreaks(const std::string& text) {
+    std::string all = text;
+    for (size_t at = 0; (at = all.find('\n', at)) != std::string::npos; ++at) {
+        const char next = at + 1 < all.size() ? all[at + 1] : '\n';
+        const bool between = at == 0 || all[at - 1] == '\n' || next == '\n';
+        if (!between && next != ' ' && next != '@') all[at] = ' ';
+    }
+    return all;
 }
 
 }  // namespace
@@ -106,10 +126,15 @@ std::string WrappedColumns(const std::vector<std::vector<std::string>>& rows, co
 }
 
 std::string Wrapped(const std::string& text, const std::string& indent, const std::string& hanging) {
-    std::istringstream lines(text);
+    std::istringstream lines(WithoutLineBreaks(text));
     std::string all;
     for (std::string line; std::getline(lines, line);) {
-        const std::string own = line.substr(0, std::min(line.find_first_not_of(' '), line.size()));
+        if (line.empty()) {
+            all += "\n";
+            continue;
+        }
+        std::string own = line.substr(0, std::min(line.find_first_not_of(' '), line.size()));
+        if (line.find('@') == own.size()) own += "    ";
         all += WrappedLine(line, indent, hanging.empty() ? indent + own : hanging);
     }
     return all;

@@ -19,7 +19,8 @@ std::string Columns(const std::vector<std::vector<std::string>>& rows, const std
 // The same for tables whose last column is prose: it goes on below itself where the line would be too long.
 std::string WrappedColumns(const std::vector<std::vector<std::string>>& rows, const std::string& indent);
 
-// Every line of the text behind the indent, and what of it does not fit behind `hanging`, or the indent again.
+// Every paragraph of the text behind the indent, and what of it does not fit behind `hanging`, or the indent again. A
+// line is as long as the terminal's, 100 characters at most.
 std::string Wrapped(const std::string& text, const std::string& indent, const std::string& hanging = "");
 
 }  // namespace hbbtv::ctl
