@@ -106,7 +106,8 @@ TEST_F(Completion, InBash) {
 }
 
 TEST_F(Completion, InZsh) {
-    Screen screen("zsh -f -i");
+    // Without the mark that zsh shows in front of its first prompt, and which looks like one.
+    Screen screen("zsh -f -o nopromptsp -i");
     screen.Type(
         "PS1='$ '; autoload -Uz compinit; compinit -D -u; source <(hbbtvctl completion zsh); clear; echo re''ady");
     screen.Press("Enter");

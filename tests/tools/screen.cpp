@@ -14,6 +14,12 @@ std::string PathWithProgram() {
     return "PATH=" + program.substr(0, program.rfind('/')) + ":" + std::getenv("PATH");
 }
 
+// Of any of the shells, as root or not.
+bool EndsWithAPrompt(const std::string& text) {
+    const size_t last = text.find_last_not_of(" \n");
+    return last != std::string::npos && std::string("#$%>").find(text[last]) != std::string::npos;
+}
+
 }  // namespace
 
 Screen::Screen(const std::string& shell)
@@ -22,6 +28,8 @@ Screen::Screen(const std::string& shell)
                 {PathWithProgram(), std::string("HOME=") + std::getenv("TMPDIR"), "LC_ALL=C.UTF-8", "TERM=xterm"}) {
     // The socket's file is there before anybody listens on it.
     WaitFor([&] { return Tell({"new-session", "-d", "-x", "100", "-y", "40", shell}); });
+    // What is typed before the prompt is there may lose its end of line: the shell changes the terminal's mode.
+    WaitFor([&] { return EndsWithAPrompt(Text()); });
 }
 
 bool Screen::Tell(const std::vector<std::string>& command) const {
