@@ -106,12 +106,12 @@ TEST_F(Completion, InBash) {
 }
 
 TEST_F(Completion, InZsh) {
-    // Without the mark that zsh shows in front of its first prompt, and which looks like one.
-    Screen screen("zsh -f -o nopromptsp -i");
-    screen.Type(
-        "PS1='$ '; autoload -Uz compinit; compinit -D -u; source <(hbbtvctl completion zsh); clear; echo re''ady");
-    screen.Press("Enter");
-    ASSERT_TRUE(screen.WaitForText("ready\n$")) << screen.Text();
+    // As users have it, and without the mark that zsh shows in front of its first prompt, which looks like one.
+    WriteFile(
+        mDirectory / ".zshrc",
+        "PS1='$ '\nunsetopt promptsp\nautoload -Uz compinit\ncompinit -D -u\nsource <(hbbtvctl completion zsh)\n");
+    Screen screen("zsh -d -i");
+    ASSERT_TRUE(screen.WaitForText("$")) << screen.Text();
     CompletesALine(screen);
     screen.Type("hbbtvctl call IVideoBroadcast.GetAVComponentNumByType vb=1 type=");
     screen.Press("Tab");
