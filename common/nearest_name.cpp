@@ -49,4 +49,11 @@ std::string DidYouMean(const std::string& name, const std::set<std::string>& kno
     return all.empty() ? "" : "; known are " + all;
 }
 
+std::string NearestOf(const std::string& name, const std::vector<std::string>& known) {
+    constexpr size_t kMostListed = 20;
+    const std::string text = DidYouMean(name, std::set<std::string>(known.begin(), known.end()));
+    const bool listsAll = text.rfind("; known are", 0) == 0;
+    return listsAll && known.size() > kMostListed ? "" : text;
+}
+
 }  // namespace hbbtv

@@ -43,15 +43,15 @@ class Package : public testing::Test {
 
 std::set<std::string> AllMethods() {
     std::set<std::string> names;
-    for (const auto& [interface, binding] : ctl::AllBindings()) {
-        for (const ctl::MethodBinding& method : binding->methods) names.insert(interface + "." + method.name);
+    for (const auto& [interface, binding] : hbbtv::AllBindings()) {
+        for (const hbbtv::MethodBinding& method : binding->methods) names.insert(interface + "." + method.name);
     }
     return names;
 }
 
 std::set<std::string> AllEvents() {
     std::set<std::string> names;
-    for (const ctl::WireFamily& family : ctl::Package::Get().families) {
+    for (const WireFamily& family : WireFamilies()) {
         for (const Json::Value& event : family.protocol["events"]) {
             const bool mediaSync = event["object"].asString() == "mediasync";
             names.insert((mediaSync ? "mediasync" : family.name) + " " + event["code"].asString());
@@ -61,7 +61,7 @@ std::set<std::string> AllEvents() {
 }
 
 TEST_F(Package, EveryMethodGoesToThePlatformAndBack) {
-    EXPECT_EQ(18u, ctl::AllBindings().size());
+    EXPECT_EQ(18u, hbbtv::AllBindings().size());
     mWalk.Take(kFiles + "every_method.walk");
     EXPECT_EQ(277u, mWalk.Called().size());
     EXPECT_EQ(AllMethods(), mWalk.Called());

@@ -9,9 +9,10 @@
 #include <cerrno>
 #include <cstring>
 
+#include "common/failure.h"
 #include "common/local_socket.h"
-#include "failure.h"
-#include "package/values.h"
+#include "common/nearest_name.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -71,7 +72,7 @@ class Reader {
             if (parameter.name == name) return parameter;
             known.push_back(parameter.name);
         }
-        Refuse("has no argument \"" + name + "\"" + (known.empty() ? "; it takes none" : DidYouMean(name, known)));
+        Refuse("has no argument \"" + name + "\"" + (known.empty() ? "; it takes none" : NearestOf(name, known)));
     }
 
     void Store(const Parameter& parameter, const Json::Value& value) {

@@ -16,11 +16,12 @@
 #include "commands/commands.h"
 #include "commands/help.h"
 #include "commands/options.h"
-#include "failure.h"
+#include "common/failure.h"
+#include "common/interruption.h"
+#include "common/nearest_name.h"
 #include "package/description.h"
-#include "package/values.h"
-#include "terminal/interruption.h"
 #include "wire/endpoint.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -70,11 +71,11 @@ std::string Explained(const CLI::App& app, const CLI::ParseError& error, const s
             for (const CLI::Option* option : command->get_options()) {
                 if (!option->get_group().empty() && !option->get_positional()) options.push_back(option->get_name());
             }
-            return "there is no option " + Quoted(name) + DidYouMean(name, options);
+            return "there is no option " + Quoted(name) + NearestOf(name, options);
         }
         if (command != &app) continue;
         if (std::find(known.begin(), known.end(), word) == known.end()) {
-            return "there is no command " + Quoted(word) + DidYouMean(word, known);
+            return "there is no command " + Quoted(word) + NearestOf(word, known);
         }
         command = app.get_subcommand(word);
     }

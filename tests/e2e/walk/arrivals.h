@@ -13,7 +13,7 @@
 
 namespace hbbtv::test {
 
-class Arrivals : public ctl::EventSink {
+class Arrivals : public hbbtv::EventSink {
   public:
     // The callback objects live as long as the process does, and so does this.
     static Arrivals& OfThisProcess();

@@ -44,10 +44,10 @@ std::string WithNamesAsTexts(const std::string& text) {
     return json;
 }
 
-ctl::Invoker InvokerOf(const std::string& interface, const std::string& method) {
-    const auto found = ctl::AllBindings().find(interface);
-    if (found == ctl::AllBindings().end()) return nullptr;
-    for (const ctl::MethodBinding& binding : found->second->methods) {
+hbbtv::Invoker InvokerOf(const std::string& interface, const std::string& method) {
+    const auto found = hbbtv::AllBindings().find(interface);
+    if (found == hbbtv::AllBindings().end()) return nullptr;
+    for (const hbbtv::MethodBinding& binding : found->second->methods) {
         if (binding.name == method) return binding.invoke;
     }
     return nullptr;
@@ -55,15 +55,15 @@ ctl::Invoker InvokerOf(const std::string& interface, const std::string& method) 
 
 // What the method sends; empty when it does not go to the platform.
 std::string OperationOf(const std::string& interfaceName, const std::string& method) {
-    const ctl::Interface& interface = ctl::Package::Get().FindInterface(interfaceName);
-    const Json::Value* operation = ctl::Package::Get().FamilyOf(interface)->OperationOf(*interface.Find(method));
+    const hbbtv::Interface& interface = hbbtv::Package::Get().FindInterface(interfaceName);
+    const Json::Value* operation = hbbtv::Package::Get().FamilyOf(interface)->OperationOf(interface.Find(method)->name);
     return operation == nullptr ? "" : (*operation)["name"].asString();
 }
 
 // "mediasync 3" is an event of the family video_broadcast, and so on.
-const ctl::WireFamily& FamilyOf(const std::string& event) {
+const WireFamily& FamilyOf(const std::string& event) {
     const std::string name = event.substr(0, event.find(' '));
-    return ctl::Package::Get().FindFamily(name == "mediasync" ? "video_broadcast" : name);
+    return FindFamily(name == "mediasync" ? "video_broadcast" : name);
 }
 
 std::string CodeOf(const std::string& event) {
@@ -72,10 +72,10 @@ std::string CodeOf(const std::string& event) {
 
 // "IMtmCallback.Ping".
 std::string CallbackOf(const std::string& event) {
-    const ctl::WireFamily& family = FamilyOf(event);
+    const WireFamily& family = FamilyOf(event);
     for (const Json::Value& known : family.protocol["events"]) {
         if (known["object"].asString() == "mediasync" || known["code"].asString() != CodeOf(event)) continue;
-        for (const ctl::Interface& interface : ctl::Package::Get().interfaces) {
+        for (const hbbtv::Interface& interface : hbbtv::Package::Get().interfaces) {
             const std::string method = known["callback"].asString();
             if (interface.callback && interface.Find(method) != nullptr) return interface.name + "." + method;
         }
@@ -123,10 +123,10 @@ std::string Walk::TakeLine(const std::string& line) {
 
 std::string Walk::TakeCall(const std::string& interface, const std::string& method, const std::string& arguments,
                            const std::string& results, bool repeatedly) {
-    const ctl::Invoker invoke = InvokerOf(interface, method);
+    const hbbtv::Invoker invoke = InvokerOf(interface, method);
     if (invoke == nullptr) return "there is no such method";
     auto& service = mServices[interface];
-    const auto find = ctl::AllBindings().at(interface)->find;
+    const auto find = hbbtv::AllBindings().at(interface)->find;
     if (service == nullptr && !WaitFor([&] { return (service = find()) != nullptr; })) {
         return "nobody has registered this interface";
     }
@@ -134,7 +134,7 @@ std::string Walk::TakeCall(const std::string& interface, const std::string& meth
     const size_t seen = RequestsSeen(operation);
     const Json::Value given = Read("[" + arguments + "]");
     const Json::Value expected = Read("[" + results + "]");
-    ctl::CallOutcome outcome;
+    hbbtv::CallOutcome outcome;
     const auto comesOut = [&] {
         outcome = invoke(*service, given, Arrivals::OfThisProcess());
         return outcome.answered && Fits(expected, outcome.results);

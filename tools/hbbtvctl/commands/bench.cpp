@@ -11,10 +11,10 @@
 #include "arguments.h"
 #include "commands/commands.h"
 #include "commands/options.h"
-#include "failure.h"
-#include "hidl/caller.h"
-#include "package/values.h"
+#include "common/failure.h"
+#include "package/caller.h"
 #include "terminal/style.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 

@@ -4,13 +4,13 @@
 #include "arguments.h"
 #include "commands/commands.h"
 #include "commands/options.h"
-#include "failure.h"
-#include "hidl/caller.h"
-#include "hidl/death_notice.h"
-#include "hidl/event_printer.h"
+#include "common/failure.h"
+#include "death_notice.h"
+#include "event_printer.h"
+#include "package/caller.h"
 #include "package/handles.h"
-#include "package/values.h"
 #include "terminal/style.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 

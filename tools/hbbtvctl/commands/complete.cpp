@@ -6,7 +6,7 @@
 #include "commands/commands.h"
 #include "commands/help.h"
 #include "commands/options.h"
-#include "failure.h"
+#include "common/failure.h"
 #include "package/description.h"
 #include "wire/message.h"
 
@@ -41,7 +41,7 @@ Candidates Methods(const std::string& word, bool callbacks) {
 
 Candidates Families(bool withEvents) {
     Candidates candidates;
-    for (const WireFamily& family : Package::Get().families) {
+    for (const WireFamily& family : WireFamilies()) {
         if (withEvents && !family.protocol["endpoints"].isMember("events")) continue;
         candidates.push_back({family.name, family.protocol["title"].asString()});
     }
@@ -51,7 +51,7 @@ Candidates Families(bool withEvents) {
 Candidates Operations(const std::string& word) {
     Candidates candidates;
     const bool whole = word.find('.') != std::string::npos;
-    for (const WireFamily& family : Package::Get().families) {
+    for (const WireFamily& family : WireFamilies()) {
         if (!whole) candidates.push_back({family.name + ".", family.protocol["title"].asString()});
         for (const Json::Value& operation : family.protocol["operations"]) {
             if (!whole) break;
@@ -130,21 +130,21 @@ std::vector<Parameter> ParametersOf(const std::string& command, const std::vecto
     const Package& package = Package::Get();
     if (command == "emit") {
         if (positionals.size() < 2) return {};
-        const WireFamily& family = package.FindFamily(positionals[0]);
-        return WireArguments(package, EventMembers(family, FindEvent(family, positionals[1])));
+        const WireFamily& family = FindFamily(positionals[0]);
+        return WireArguments(EventMembers(family, family.FindEvent(positionals[1])));
     }
     if (command == "send") {
         const size_t dot = positionals[0].find('.');
-        const WireFamily& family = package.FindFamily(positionals[0].substr(0, dot));
+        const WireFamily& family = FindFamily(positionals[0].substr(0, dot));
         const Json::Value* operation = family.Operation(positionals[0].substr(dot + 1));
-        return operation == nullptr ? std::vector<Parameter>() : WireArguments(package, (*operation)["request"]);
+        return operation == nullptr ? std::vector<Parameter>() : WireArguments((*operation)["request"]);
     }
     return package.FindMethod(positionals[0]).method->arguments;
 }
 
 Candidates Events(const std::string& familyName) {
     Candidates candidates;
-    const WireFamily& family = Package::Get().FindFamily(familyName);
+    const WireFamily& family = FindFamily(familyName);
     for (const Json::Value& event : family.protocol["events"]) {
         const std::string callback = event["callback"].asString();
         candidates.push_back({callback.empty() ? event["code"].asString() : callback, event["name"].asString()});

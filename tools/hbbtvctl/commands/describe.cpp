@@ -3,11 +3,12 @@
 
 #include "commands/commands.h"
 #include "commands/options.h"
-#include "failure.h"
-#include "package/values.h"
+#include "common/failure.h"
+#include "common/nearest_name.h"
 #include "terminal/style.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -97,7 +98,7 @@ int DescribeMethod(const Interface& interface, const Method& method) {
     std::printf("%s%s", Signature(Bold(interface.name + "." + method.name), method, "").c_str(),
                 Wrapped(method.doc, "    ").c_str());
     const WireFamily* family = Package::Get().FamilyOf(interface);
-    if (const Json::Value* operation = family == nullptr ? nullptr : family->OperationOf(method)) {
+    if (const Json::Value* operation = family == nullptr ? nullptr : family->OperationOf(method.name)) {
         PrintOperation(*family, *operation);
     }
     PrintTypes(method.arguments);
@@ -160,7 +161,7 @@ int DescribeFamily(const WireFamily& family) {
 std::vector<std::string> AllNames(const Package& package) {
     std::vector<std::string> names;
     for (const Interface& interface : package.interfaces) names.push_back(interface.name);
-    for (const WireFamily& family : package.families) names.push_back(family.name);
+    for (const WireFamily& family : WireFamilies()) names.push_back(family.name);
     for (const auto& type : package.types) names.push_back(type->name);
     return names;
 }
@@ -177,12 +178,12 @@ int Run(const std::string& name) {
         PrintType(*type);
         return kDone;
     }
-    for (const WireFamily& family : package.families) {
+    for (const WireFamily& family : WireFamilies()) {
         if (family.name != owner) continue;
         if (member.empty()) return DescribeFamily(family);
         if (const Json::Value* operation = family.Operation(member)) return DescribeOperation(family, *operation);
         throw Failure(kUsage, "the family " + family.name + " has no operation \"" + member + "\"" +
-                                  DidYouMean(member, family.OperationNames()) + " (`hbbtvctl describe " + family.name +
+                                  NearestOf(member, family.OperationNames()) + " (`hbbtvctl describe " + family.name +
                                   "` shows all)");
     }
     if (!member.empty()) {
@@ -193,7 +194,7 @@ int Run(const std::string& name) {
         return DescribeInterface(package.FindInterface(name));
     } catch (const Failure&) {
         throw Failure(kUsage, "there is no interface, family or type \"" + name + "\"" +
-                                  DidYouMean(name, AllNames(package)) +
+                                  NearestOf(name, AllNames(package)) +
                                   " (`hbbtvctl list` shows interfaces and families)");
     }
 }

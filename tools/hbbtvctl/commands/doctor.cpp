@@ -11,12 +11,12 @@
 
 #include "commands/commands.h"
 #include "commands/options.h"
+#include "common/failure.h"
 #include "common/local_socket.h"
-#include "failure.h"
-#include "hidl/caller.h"
-#include "package/values.h"
+#include "package/caller.h"
 #include "terminal/style.h"
 #include "wire/endpoint.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -69,7 +69,7 @@ Check CheckDirectory(const std::string& directory) {
 }
 
 Check CheckPathLength(const std::string& directory) {
-    const std::string longest = LongestFileName(Package::Get());
+    const std::string longest = LongestFileName();
     const size_t length = directory.size() + 1 + longest.size();
     const std::string finding = "the longest socket path has " + std::to_string(length) + " of " +
                                 std::to_string(kLongestSocketPath) + " bytes";
@@ -98,7 +98,7 @@ Checks CheckPlatform(const std::string& directory) {
     std::map<Finding::State, std::vector<std::string>> byState;
     std::set<std::string> peers;
     size_t all = 0;
-    for (const Endpoint& endpoint : AllEndpoints(Package::Get())) {
+    for (const Endpoint& endpoint : AllEndpoints()) {
         if (!endpoint.ofPlatform) continue;
         const Finding finding = LookAt(PathOf(directory, endpoint));
         byState[finding.state].push_back(endpoint.socket);
@@ -126,7 +126,7 @@ Checks CheckLibrary(const std::string& directory) {
     Checks checks;
     size_t serving = 0;
     size_t all = 0;
-    for (const Endpoint& endpoint : AllEndpoints(Package::Get())) {
+    for (const Endpoint& endpoint : AllEndpoints()) {
         if (endpoint.ofPlatform) continue;
         const Finding finding = LookAt(PathOf(directory, endpoint));
         ++all;
@@ -145,7 +145,7 @@ Checks CheckLibrary(const std::string& directory) {
 
 Checks CheckRights(const std::string& directory) {
     Checks checks;
-    for (const Endpoint& endpoint : AllEndpoints(Package::Get())) {
+    for (const Endpoint& endpoint : AllEndpoints()) {
         const Finding finding = LookAt(PathOf(directory, endpoint));
         if (finding.state != Finding::State::Serving || (finding.mode & kEveryoneMayConnect) == kEveryoneMayConnect) {
             continue;

@@ -4,7 +4,7 @@
 #include "commands/commands.h"
 #include "commands/exchange.h"
 #include "commands/options.h"
-#include "failure.h"
+#include "common/failure.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
 
@@ -28,7 +28,7 @@ bool WithReply(const EmitOptions& options, const Json::Value& event) {
 }
 
 int Run(const std::string& directory, const EmitOptions& options) {
-    const WireFamily& family = Package::Get().FindFamily(options.family);
+    const WireFamily& family = FindFamily(options.family);
     const Endpoint endpoint = EventsOf(family);
     if (options.exchange.raw) {
         if (!options.event.empty()) throw Failure(kUsage, "--raw is all that is sent: emit takes no event with it");
@@ -38,9 +38,9 @@ int Run(const std::string& directory, const EmitOptions& options) {
         throw Failure(kUsage, "emit needs an event of " + family.name + " (`hbbtvctl describe " + family.name +
                                   "` shows all), or --raw");
     }
-    const Json::Value& event = FindEvent(family, options.event);
+    const Json::Value& event = family.FindEvent(options.event);
     const Json::Value members = EventMembers(family, event);
-    const std::vector<Parameter> parameters = WireArguments(Package::Get(), members);
+    const std::vector<Parameter> parameters = WireArguments(members);
     const std::string name = family.name + " event " + event["name"].asString();
     const Json::Value values = ReadArguments(name, parameters, options.arguments.given, false);
     return Exchange(

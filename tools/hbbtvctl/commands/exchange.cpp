@@ -6,11 +6,11 @@
 #include <cstdio>
 
 #include "arguments.h"
-#include "failure.h"
-#include "package/values.h"
+#include "common/failure.h"
 #include "terminal/style.h"
 #include "wire/connection.h"
 #include "wire/message.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 

@@ -3,11 +3,11 @@
 
 #include "commands/commands.h"
 #include "commands/options.h"
-#include "failure.h"
-#include "hidl/caller.h"
-#include "package/values.h"
+#include "common/failure.h"
+#include "package/caller.h"
 #include "terminal/style.h"
 #include "wire/endpoint.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -36,7 +36,7 @@ std::string State(const Finding& finding) {
 
 void PrintEndpoints(const std::string& directory, bool ofPlatform, const std::string& title) {
     std::vector<std::vector<std::string>> rows{{"KEY", "PORT", "FAMILY", "SOCKET", "STATE", "PROCESS"}};
-    for (const Endpoint& endpoint : AllEndpoints(Package::Get())) {
+    for (const Endpoint& endpoint : AllEndpoints()) {
         if (endpoint.ofPlatform != ofPlatform) continue;
         const Finding finding = LookAt(PathOf(directory, endpoint));
         rows.push_back({std::to_string(endpoint.key), std::to_string(endpoint.port), endpoint.family, endpoint.socket,
@@ -68,7 +68,7 @@ int RunForPrograms(const std::string& directory, const ListOptions& options) {
         document["interfaces"].append(entry);
     }
     document["endpoints"] = Json::Value(Json::arrayValue);
-    for (const Endpoint& endpoint : AllEndpoints(Package::Get())) {
+    for (const Endpoint& endpoint : AllEndpoints()) {
         const Finding finding = LookAt(PathOf(directory, endpoint));
         Json::Value entry(Json::objectValue);
         entry["family"] = endpoint.family;

@@ -7,11 +7,12 @@
 #include "arguments.h"
 #include "commands/commands.h"
 #include "commands/options.h"
-#include "failure.h"
-#include "hidl/caller.h"
-#include "hidl/death_notice.h"
-#include "hidl/event_printer.h"
-#include "package/values.h"
+#include "common/failure.h"
+#include "common/nearest_name.h"
+#include "death_notice.h"
+#include "event_printer.h"
+#include "package/caller.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -220,20 +221,20 @@ void AddAnswer(const std::string& word, const std::vector<const Interface*>& lis
         }
     }
     throw Failure(kUsage, "--answer " + Quoted(word) + ": no method " + Quoted(name) +
-                              " of what is listened to needs an answer" + DidYouMean(name, known));
+                              " of what is listened to needs an answer" + NearestOf(name, known));
 }
 
 std::vector<const Interface*> InterfacesOf(const std::vector<std::string>& families) {
     std::vector<const Interface*> interfaces;
     for (const std::string& name : families) {
-        const WireFamily& family = Package::Get().FindFamily(name);
+        const WireFamily& family = FindFamily(name);
         const Interface* interface = Package::Get().InterfaceOf(family);
         if (interface == nullptr || Registrar(*interface) == nullptr) {
             std::vector<std::string> others;
             for (const Interface& other : Package::Get().interfaces) {
                 if (Registrar(other) != nullptr) others.push_back(other.name);
             }
-            throw Failure(kUsage, "the family " + family.name + " has no events to listen to" + DidYouMean("", others));
+            throw Failure(kUsage, "the family " + family.name + " has no events to listen to" + NearestOf("", others));
         }
         if (std::find(interfaces.begin(), interfaces.end(), interface) == interfaces.end()) {
             interfaces.push_back(interface);
@@ -256,7 +257,7 @@ void CheckWith(const std::vector<std::string>& with, const std::vector<const Int
         if (taken) continue;
         const std::string name = word.substr(0, word.find('='));
         throw Failure(kUsage, "--with " + Quoted(word) + ": no registration has an argument " + Quoted(name) +
-                                  DidYouMean(name, known));
+                                  NearestOf(name, known));
     }
     for (const Interface* interface : interfaces) Given(*interface, with);
 }

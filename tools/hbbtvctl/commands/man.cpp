@@ -6,7 +6,8 @@
 #include "commands/commands.h"
 #include "commands/help.h"
 #include "commands/options.h"
-#include "failure.h"
+#include "common/failure.h"
+#include "common/nearest_name.h"
 #include "package/description.h"
 
 namespace hbbtv::ctl {
@@ -128,7 +129,7 @@ void AddMan(CLI::App& app, Invocation& invocation) {
             std::vector<std::string> known;
             for (const CLI::App* other : Commands(app)) known.push_back(other->get_name());
             const bool found = std::find(known.begin(), known.end(), name) != known.end();
-            return found ? "" : "there is no command \"" + name + "\"" + DidYouMean(name, known);
+            return found ? "" : "there is no command \"" + name + "\"" + NearestOf(name, known);
         });
     command->footer("Examples:\n  hbbtvctl man call | man -l -\n  hbbtvctl man > hbbtvctl.1");
     command->callback([wanted, &app, &invocation] { invocation.run = [wanted, &app] { return Run(app, *wanted); }; });

@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "package/values.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 

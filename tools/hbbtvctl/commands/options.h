@@ -8,7 +8,7 @@
 #include <string>
 
 #include "arguments.h"
-#include "duration.h"
+#include "common/duration.h"
 
 namespace hbbtv::ctl {
 

@@ -4,12 +4,13 @@
 #include "commands/commands.h"
 #include "commands/exchange.h"
 #include "commands/options.h"
-#include "failure.h"
-#include "package/values.h"
+#include "common/failure.h"
+#include "common/nearest_name.h"
 #include "terminal/style.h"
 #include "wire/connection.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -28,14 +29,14 @@ struct QualifiedOperation {
 
 QualifiedOperation FindOperation(const std::string& wanted) {
     const size_t dot = wanted.find('.');
-    const WireFamily& family = Package::Get().FindFamily(wanted.substr(0, dot));
+    const WireFamily& family = FindFamily(wanted.substr(0, dot));
     const std::string name = dot == std::string::npos ? "" : wanted.substr(dot + 1);
     if (const Json::Value* operation = family.Operation(name)) return {&family, operation};
     if (dot == std::string::npos) {
         throw Failure(kUsage, "\"" + wanted + "\" is no operation: write FAMILY.OPERATION, as in channel.GetOnid");
     }
     throw Failure(kUsage, "the family " + family.name + " has no operation \"" + name + "\"" +
-                              DidYouMean(name, family.OperationNames()) + " (`hbbtvctl describe " + family.name +
+                              NearestOf(name, family.OperationNames()) + " (`hbbtvctl describe " + family.name +
                               "` shows all)");
 }
 
@@ -44,12 +45,12 @@ int Run(const std::string& directory, const SendOptions& options) {
         if (options.operation.find('.') != std::string::npos || options.arguments.Any()) {
             throw Failure(kUsage, "--raw is all that is sent: send takes a family with it, and no operation");
         }
-        const WireFamily& family = Package::Get().FindFamily(options.operation);
+        const WireFamily& family = FindFamily(options.operation);
         return ExchangeRaw(PathOf(directory, RequestsOf(family)), options.arguments.json, options.exchange);
     }
     const auto [family, operation] = FindOperation(options.operation);
     const std::string name = family->name + "." + (*operation)["name"].asString();
-    const std::vector<Parameter> parameters = WireArguments(Package::Get(), (*operation)["request"]);
+    const std::vector<Parameter> parameters = WireArguments((*operation)["request"]);
     const Json::Value values = ReadArguments(name, parameters, options.arguments.given, true);
     const Endpoint endpoint = RequestsOf(*family);
     const bool oneWay = (*operation)["form"] == "one-way";

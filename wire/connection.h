@@ -4,11 +4,11 @@
 #include <chrono>
 #include <string>
 
+#include "common/duration.h"
 #include "common/frame.h"
 #include "common/local_socket.h"
-#include "duration.h"
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 class WireConnection {
   public:
@@ -33,4 +33,4 @@ class WireConnection {
     FrameReader mReader;
 };
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

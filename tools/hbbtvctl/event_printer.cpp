@@ -1,5 +1,5 @@
 // See event_printer.h.
-#include "hidl/event_printer.h"
+#include "event_printer.h"
 
 #include <sys/time.h>
 
@@ -7,7 +7,7 @@
 #include <ctime>
 
 #include "package/handles.h"
-#include "package/values.h"
+#include "wire/values.h"
 
 namespace hbbtv::ctl {
 

@@ -18,7 +18,7 @@
 #include <utility>
 #include <vector>
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 using android::hardware::hidl_string;
 using android::hardware::hidl_vec;
@@ -256,4 +256,4 @@ android::sp<android::hidl::base::V1_0::IBase> Find() {
     return I::tryGetService();
 }
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

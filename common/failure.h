@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 enum ExitCode {
     kDone = 0,
@@ -27,4 +27,4 @@ class Failure : public std::runtime_error {
     ExitCode mCode;
 };
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

@@ -6,9 +6,9 @@
 #include <stdexcept>
 #include <string>
 
-#include "package/description.h"
+#include "wire/type.h"
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 // The text completes the sentence `argument "onid": ...`.
 class BadValue : public std::runtime_error {
@@ -40,4 +40,4 @@ std::string WriteJson(const Json::Value& value);
 // In quotes, with what would disturb a terminal written as \n or \u001b.
 std::string Quoted(const std::string& text);
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

@@ -1,7 +1,7 @@
 // See death_notice.h.
-#include "hidl/death_notice.h"
+#include "death_notice.h"
 
-#include "failure.h"
+#include "common/failure.h"
 
 namespace hbbtv::ctl {
 

@@ -1,5 +1,4 @@
-// See interruption.h.
-#include "terminal/interruption.h"
+#include "common/interruption.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -10,7 +9,7 @@
 #include <csignal>
 #include <system_error>
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 namespace {
 
@@ -84,4 +83,4 @@ bool WaitUntilReadable(int fd, Milliseconds limit) {
     throw Interrupted();
 }
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

@@ -6,13 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "package/description.h"
+#include "wire/protocol.h"
+#include "wire/type.h"
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 // The arguments of a request or an event: its members, without the counts that follow from others. A member that is
 // repeated under numbered keys, or as columns of one text, is one argument whose value is a list.
-std::vector<Parameter> WireArguments(const Package& package, const Json::Value& members);
+std::vector<Parameter> WireArguments(const Json::Value& members);
 
 // One member with the value of its argument, into the message. A handle becomes text, a list numbered members.
 // `values` is by name; arguments that are missing there are left out of the message.
@@ -25,10 +26,7 @@ Json::Value MakeRequest(const WireFamily& family, const Json::Value& operation, 
 Json::Value MakeEvent(const WireFamily& family, const Json::Value& event, const Json::Value& values);
 Json::Value EventMembers(const WireFamily& family, const Json::Value& event);
 
-// By code ("5", "mediasync:5"), name, or the client's callback method. Throws Failure(kUsage).
-const Json::Value& FindEvent(const WireFamily& family, const std::string& name);
-
 // As the library writes it.
 std::string WireText(const Json::Value& message);
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

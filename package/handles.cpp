@@ -1,9 +1,8 @@
-// See handles.h.
 #include "package/handles.h"
 
 #include <set>
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 namespace {
 
@@ -22,7 +21,7 @@ void Collect(const Json::Value& members, std::set<std::string>& names) {
 // Under the names of the wire: "channel", and "channelHandle" for what a client calls "channel".
 std::set<std::string> HandlesOnTheWire() {
     std::set<std::string> names;
-    for (const WireFamily& family : Package::Get().families) {
+    for (const WireFamily& family : WireFamilies()) {
         for (const Json::Value& operation : family.protocol["operations"]) {
             Collect(operation["request"], names);
             Collect(operation["reply"], names);
@@ -42,4 +41,4 @@ bool IsHandle(const Parameter& parameter) {
     return names.count(parameter.name) != 0 || names.count(parameter.name + "Handle") != 0;
 }
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

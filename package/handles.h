@@ -3,9 +3,9 @@
 
 #include "package/description.h"
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 // Of an argument or a result of a method.
 bool IsHandle(const Parameter& parameter);
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

@@ -3,9 +3,9 @@
 
 #include <optional>
 
-#include "duration.h"
+#include "common/duration.h"
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 // Thrown out of a wait by Ctrl-C or SIGTERM, to where the command undoes what it has begun.
 struct Interrupted {};
@@ -34,4 +34,4 @@ class Interruption {
 // the wait by Interrupted.
 bool WaitUntilReadable(int fd, Milliseconds limit);
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

@@ -1,4 +1,3 @@
-// See connection.h.
 #include "wire/connection.h"
 
 #include <poll.h>
@@ -7,10 +6,10 @@
 #include <cerrno>
 #include <cstring>
 
-#include "failure.h"
+#include "common/failure.h"
 #include "wire/endpoint.h"
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 namespace {
 
@@ -109,4 +108,4 @@ std::string WireConnection::ReceiveAll(Milliseconds quiet) {
     return all;
 }
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

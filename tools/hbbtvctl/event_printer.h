@@ -8,9 +8,9 @@
 #include <mutex>
 #include <string>
 
+#include "common/interruption.h"
 #include "package/bindings.h"
 #include "package/description.h"
-#include "terminal/interruption.h"
 
 namespace hbbtv::ctl {
 

@@ -6,11 +6,11 @@
 #include <functional>
 #include <string>
 
-#include "duration.h"
+#include "common/duration.h"
 #include "package/bindings.h"
 #include "package/description.h"
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 // Runs `work` on a thread of its own and waits for it. Throws Failure(kTimeout) with `what` when it takes too long, and
 // Interrupted: the thread is left to itself then, and the process has to end by std::_Exit.
@@ -48,4 +48,4 @@ class ServiceCaller {
     android::sp<android::hidl::base::V1_0::IBase> mService;
 };
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

@@ -1,15 +1,11 @@
-// See message.h.
 #include "wire/message.h"
 
 #include <json/writer.h>
 
-#include <cctype>
 #include <cstdio>
 #include <set>
 
-#include "failure.h"
-
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 namespace {
 
@@ -42,18 +38,18 @@ std::string HalName(const std::string& wireType) {
     return wireType;
 }
 
-std::shared_ptr<const Type> TypeOf(const Package& package, const Json::Value& member) {
+std::shared_ptr<const Type> TypeOf(const Json::Value& member) {
     const std::string wireType = member["type"].asString();
-    if (member.isMember("fields")) return package.MakeType("vec<" + HalName(member["fields"]["type"].asString()) + ">");
-    if (member.isMember("repeat")) return package.MakeType("vec<" + HalName(wireType) + ">");
+    if (member.isMember("fields")) return MakeType("vec<" + HalName(member["fields"]["type"].asString()) + ">");
+    if (member.isMember("repeat")) return MakeType("vec<" + HalName(wireType) + ">");
     if (wireType == "array" && member["items"].isString()) {
-        return package.MakeType("vec<" + HalName(member["items"].asString()) + ">");
+        return MakeType("vec<" + HalName(member["items"].asString()) + ">");
     }
-    if (wireType != "array") return package.MakeType(HalName(wireType));
+    if (wireType != "array") return MakeType(HalName(wireType));
     auto record = std::make_shared<Type>();
     record->name = member["key"].asString() + " element";
     record->kind = Type::Kind::Struct;
-    record->fields = WireArguments(package, member["items"]);
+    record->fields = WireArguments(member["items"]);
     auto list = std::make_shared<Type>();
     list->name = "vec<" + record->name + ">";
     list->kind = Type::Kind::Vector;
@@ -108,24 +104,14 @@ void AddMember(const Json::Value& member, const Json::Value& value, Json::Value&
     }
 }
 
-std::string Folded(const std::string& name) {
-    std::string folded;
-    for (const char c : name) {
-        if (std::isalnum(static_cast<unsigned char>(c)) || c == ':' || c == '-') {
-            folded += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        }
-    }
-    return folded;
-}
-
 }  // namespace
 
-std::vector<Parameter> WireArguments(const Package& package, const Json::Value& members) {
+std::vector<Parameter> WireArguments(const Json::Value& members) {
     const std::set<std::string> counts = Counts(members);
     std::vector<Parameter> arguments;
     for (const Json::Value& member : members) {
         if (counts.count(member["key"].asString()) != 0) continue;
-        arguments.push_back({ArgumentName(member), TypeOf(package, member)});
+        arguments.push_back({ArgumentName(member), TypeOf(member)});
     }
     return arguments;
 }
@@ -167,22 +153,8 @@ Json::Value MakeEvent(const WireFamily& family, const Json::Value& event, const 
     return message;
 }
 
-const Json::Value& FindEvent(const WireFamily& family, const std::string& wanted) {
-    std::vector<std::string> known;
-    for (const Json::Value& event : family.protocol["events"]) {
-        const std::string code = event["code"].asString();
-        for (const std::string& name :
-             {code, event["object"].asString() + ":" + code, event["name"].asString(), event["callback"].asString()}) {
-            if (!name.empty() && Folded(name) == Folded(wanted)) return event;
-        }
-        known.push_back(event["name"].asString());
-    }
-    throw Failure(kUsage, "the family " + family.name + " has no event \"" + wanted + "\"" + DidYouMean(wanted, known) +
-                              " (`hbbtvctl describe " + family.name + "` shows all)");
-}
-
 std::string WireText(const Json::Value& message) {
     return message.toStyledString();
 }
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

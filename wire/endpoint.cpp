@@ -1,4 +1,3 @@
-// See endpoint.h.
 #include "wire/endpoint.h"
 
 #include <sys/socket.h>
@@ -11,10 +10,10 @@
 #include <filesystem>
 #include <tuple>
 
+#include "common/failure.h"
 #include "common/local_socket.h"
-#include "failure.h"
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 namespace {
 
@@ -35,9 +34,9 @@ std::string ProcessOf(int fd) {
 
 }  // namespace
 
-std::vector<Endpoint> AllEndpoints(const Package& package) {
+std::vector<Endpoint> AllEndpoints() {
     std::vector<Endpoint> endpoints;
-    for (const WireFamily& family : package.families) {
+    for (const WireFamily& family : WireFamilies()) {
         endpoints.push_back(MakeEndpoint(family, true));
         if (family.protocol["endpoints"].isMember("events")) endpoints.push_back(MakeEndpoint(family, false));
     }
@@ -67,9 +66,9 @@ std::string PathOf(const std::string& directory, const Endpoint& endpoint) {
     return directory + "/" + endpoint.socket;
 }
 
-std::string LongestFileName(const Package& package) {
+std::string LongestFileName() {
     std::string longest;
-    for (const Endpoint& endpoint : AllEndpoints(package)) {
+    for (const Endpoint& endpoint : AllEndpoints()) {
         const std::string name = endpoint.socket + "_port_" + std::to_string(endpoint.port);
         if (name.size() > longest.size()) longest = name;
     }
@@ -126,4 +125,4 @@ Finding LookAt(const std::string& path) {
     return finding;
 }
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

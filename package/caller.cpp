@@ -1,5 +1,4 @@
-// See caller.h.
-#include "hidl/caller.h"
+#include "package/caller.h"
 
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -11,10 +10,10 @@
 #include <stdexcept>
 #include <thread>
 
-#include "failure.h"
-#include "terminal/interruption.h"
+#include "common/failure.h"
+#include "common/interruption.h"
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 namespace {
 
@@ -124,4 +123,4 @@ void ServiceCaller::CheckAnswered(const Method& method, const CallOutcome& outco
                                       "; are service and hbbtvctl built from the same package?");
 }
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "package/description.h"
+#include "wire/protocol.h"
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 struct Endpoint {
     std::string family;
@@ -17,7 +17,7 @@ struct Endpoint {
 };
 
 // The platform's first, each kind in the order of the keys.
-std::vector<Endpoint> AllEndpoints(const Package& package);
+std::vector<Endpoint> AllEndpoints();
 
 // Throws Failure(kUsage) when the family has no events.
 Endpoint RequestsOf(const WireFamily& family);
@@ -29,7 +29,7 @@ std::string DefaultDirectory();
 std::string PathOf(const std::string& directory, const Endpoint& endpoint);
 
 // The longest name of a file that the library or the platform makes there: a client's own end.
-std::string LongestFileName(const Package& package);
+std::string LongestFileName();
 
 struct Finding {
     enum class State { Serving, Stale, Missing, Forbidden, NoSocket, Unreachable };
@@ -46,4 +46,4 @@ struct Finding {
 // Connects for a moment to see who is there.
 Finding LookAt(const std::string& path);
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

@@ -5,8 +5,8 @@
 
 #include <atomic>
 
-#include "hidl/caller.h"
-#include "terminal/interruption.h"
+#include "common/interruption.h"
+#include "package/caller.h"
 
 namespace hbbtv::ctl {
 

@@ -1,5 +1,4 @@
-// See values.h.
-#include "package/values.h"
+#include "wire/values.h"
 
 #include <json/reader.h>
 #include <json/writer.h>
@@ -11,7 +10,9 @@
 #include <cstdlib>
 #include <sstream>
 
-namespace hbbtv::ctl {
+#include "common/nearest_name.h"
+
+namespace hbbtv {
 
 namespace {
 
@@ -83,7 +84,7 @@ Json::Value EnumeratorOf(const Type& type, const std::string& word) {
     bool tooLarge = false;
     uint64_t magnitude = 0;
     if (ReadMagnitude(word, negative, magnitude, tooLarge)) return Integer(type, word);
-    throw BadValue(type.name + " has no enumerator " + Quoted(word) + DidYouMean(word, names));
+    throw BadValue(type.name + " has no enumerator " + Quoted(word) + NearestOf(word, names));
 }
 
 Json::Value Boolean(const std::string& word) {
@@ -114,7 +115,7 @@ Json::Value StructFromJson(const Type& type, const Json::Value& value) {
     for (const Parameter& field : type.fields) names.push_back(field.name);
     for (const std::string& name : value.getMemberNames()) {
         if (std::find(names.begin(), names.end(), name) != names.end()) continue;
-        throw BadValue(type.name + " has no field " + Quoted(name) + DidYouMean(name, names));
+        throw BadValue(type.name + " has no field " + Quoted(name) + NearestOf(name, names));
     }
     Json::Value fields(Json::objectValue);
     for (const Parameter& field : type.fields) {
@@ -317,4 +318,4 @@ std::string Quoted(const std::string& text) {
     return quoted;
 }
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

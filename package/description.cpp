@@ -1,0 +1,112 @@
+// From the built-in text to the package: see description.h.
+#include <json/reader.h>
+
+#include <cctype>
+#include <set>
+
+#include "common/failure.h"
+#include "common/nearest_name.h"
+#include "package/description.h"
+
+namespace hbbtv {
+
+namespace {
+
+Json::Value Parse(const char* text) {
+    Json::CharReaderBuilder builder;
+    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    Json::Value root;
+    std::string errors;
+    const std::string bytes(text);
+    if (!reader->parse(bytes.data(), bytes.data() + bytes.size(), &root, &errors)) throw std::logic_error(errors);
+    return root;
+}
+
+}  // namespace
+
+const Method* Interface::Find(const std::string& method) const {
+    const std::string wanted = FoldedName(method);
+    for (const Method& candidate : methods) {
+        if (FoldedName(candidate.name) == wanted) return &candidate;
+    }
+    return nullptr;
+}
+
+const Package& Package::Get() {
+    static const Package package(Parse(kDescription));
+    return package;
+}
+
+Package::Package(const Json::Value& description) : name(description["package"].asString()) {
+    const auto parametersOf = [this](const Json::Value& list) {
+        std::vector<Parameter> parameters;
+        for (const Json::Value& entry : list) {
+            parameters.push_back({entry["name"].asString(), MakeType(entry["type"].asString(), types)});
+        }
+        return parameters;
+    };
+    // In the order of the .hal file, where a struct stands behind the types that it holds.
+    for (const Json::Value& entry : description["types"]) {
+        auto type = std::make_shared<Type>();
+        type->name = entry["name"].asString();
+        type->doc = entry["doc"].asString();
+        type->kind = entry["kind"] == "enum" ? Type::Kind::Enum : Type::Kind::Struct;
+        if (type->kind == Type::Kind::Enum) MakeInteger(*type, entry["of"].asString());
+        for (const Json::Value& e : entry["enumerators"]) {
+            type->enumerators.push_back({e["name"].asString(), e["value"].asInt64(), e["doc"].asString()});
+        }
+        type->fields = parametersOf(entry["fields"]);
+        types.push_back(type);
+    }
+    for (const Json::Value& entry : description["interfaces"]) {
+        Interface interface;
+        interface.name = entry["name"].asString();
+        interface.doc = entry["doc"].asString();
+        interface.callback = entry["callback"].asBool();
+        for (const Json::Value& method : entry["methods"]) {
+            interface.methods.push_back({method["name"].asString(), method["doc"].asString(),
+                                         parametersOf(method["arguments"]), parametersOf(method["results"])});
+        }
+        interfaces.push_back(std::move(interface));
+    }
+}
+
+const Interface& Package::FindInterface(const std::string& wanted) const {
+    std::vector<std::string> known;
+    for (const Interface& interface : interfaces) {
+        if (IsInterfaceOf(interface.name, wanted) || interface.name == wanted) return interface;
+        known.push_back(interface.name);
+    }
+    throw Failure(
+        kUsage, "there is no interface \"" + wanted + "\"" + NearestOf(wanted, known) + " (`hbbtvctl list` shows all)");
+}
+
+Package::QualifiedMethod Package::FindMethod(const std::string& wanted) const {
+    const size_t dot = wanted.find('.');
+    if (dot == std::string::npos) {
+        throw Failure(kUsage, "\"" + wanted + "\" is no method: write INTERFACE.METHOD, as in IChannel.GetOnid");
+    }
+    const Interface& interface = FindInterface(wanted.substr(0, dot));
+    const std::string methodName = wanted.substr(dot + 1);
+    if (const Method* method = interface.Find(methodName)) return {&interface, method};
+    std::vector<std::string> known;
+    for (const Method& method : interface.methods) known.push_back(method.name);
+    throw Failure(kUsage, interface.name + " has no method \"" + methodName + "\"" + NearestOf(methodName, known) +
+                              " (`hbbtvctl describe " + interface.name + "` shows all)");
+}
+
+const WireFamily* Package::FamilyOf(const Interface& interface) const {
+    for (const WireFamily& family : WireFamilies()) {
+        if (IsInterfaceOf(interface.name, family.name)) return &family;
+    }
+    return nullptr;
+}
+
+const Interface* Package::InterfaceOf(const WireFamily& family) const {
+    for (const Interface& interface : interfaces) {
+        if (IsInterfaceOf(interface.name, family.name)) return &interface;
+    }
+    return nullptr;
+}
+
+}  // namespace hbbtv

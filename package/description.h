@@ -1,0 +1,61 @@
+// The HIDL package as data: what the .hal files say, built into the program.
+#pragma once
+
+#include <json/value.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "wire/protocol.h"
+#include "wire/type.h"
+
+namespace hbbtv {
+
+struct Method {
+    std::string name;
+    std::string doc;
+    std::vector<Parameter> arguments;
+    std::vector<Parameter> results;
+};
+
+struct Interface {
+    std::string name;  // "IChannel"
+    std::string doc;
+    bool callback = false;  // implemented by clients
+    std::vector<Method> methods;
+
+    const Method* Find(const std::string& method) const;
+};
+
+class Package {
+  public:
+    // Returns the one that is built in.
+    static const Package& Get();
+
+    std::string name;  // "vantorel.hardware.hbbtv@1.0"
+    std::vector<Interface> interfaces;
+    std::vector<std::shared_ptr<const Type>> types;  // structs and enumerations
+
+    // These throw Failure(kUsage) with the nearest name that exists. Names of interfaces may lack the "I" in front and
+    // be written in any letter case.
+    const Interface& FindInterface(const std::string& name) const;
+
+    // "IChannel.GetOnid".
+    struct QualifiedMethod {
+        const Interface* interface;
+        const Method* method;
+    };
+    QualifiedMethod FindMethod(const std::string& name) const;
+
+    // Returns the family that an interface's methods go to, or null; and the interface of a family, or null.
+    const WireFamily* FamilyOf(const Interface& interface) const;
+    const Interface* InterfaceOf(const WireFamily& family) const;
+
+  private:
+    explicit Package(const Json::Value& description);
+};
+
+extern const char* const kDescription;
+
+}  // namespace hbbtv

@@ -1,0 +1,107 @@
+#include "wire/protocol.h"
+
+#include <cctype>
+#include <sstream>
+
+#include "common/failure.h"
+#include "common/nearest_name.h"
+#include "wire/values.h"
+
+namespace hbbtv {
+
+namespace {
+
+// Gives each request the member that all requests of its family share.
+void ShareObject(Json::Value& protocol) {
+    const Json::Value object = protocol["envelope"]["object"];
+    if (object.isNull()) return;
+    for (Json::Value& operation : protocol["operations"]) operation["request"].insert(0, object);
+}
+
+std::vector<WireFamily> ReadFamilies() {
+    std::vector<WireFamily> families;
+    std::istringstream lines(kProtocol);
+    for (std::string line; std::getline(lines, line);) {
+        Json::Value protocol = ParseJson(line);
+        ShareObject(protocol);
+        families.push_back({protocol["family"].asString(), protocol});
+    }
+    return families;
+}
+
+// Of what is said on a command line: "PlayState", "play-state" and "play state" are the same event.
+std::string FoldedEvent(const std::string& name) {
+    std::string folded;
+    for (const char c : name) {
+        if (std::isalnum(static_cast<unsigned char>(c)) || c == ':' || c == '-') {
+            folded += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        }
+    }
+    return folded;
+}
+
+}  // namespace
+
+std::string FoldedName(const std::string& name) {
+    std::string folded;
+    for (const char c : name) {
+        if (c != '_') folded += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+    return folded;
+}
+
+bool IsInterfaceOf(const std::string& interface, const std::string& family) {
+    return FoldedName(interface) == FoldedName(family) || FoldedName(interface) == "i" + FoldedName(family);
+}
+
+const Json::Value* WireFamily::Operation(const std::string& operation) const {
+    const std::string wanted = FoldedName(operation);
+    for (const Json::Value& candidate : protocol["operations"]) {
+        if (FoldedName(candidate["name"].asString()) == wanted) return &candidate;
+    }
+    return nullptr;
+}
+
+std::vector<std::string> WireFamily::OperationNames() const {
+    std::vector<std::string> names;
+    for (const Json::Value& operation : protocol["operations"]) names.push_back(operation["name"].asString());
+    return names;
+}
+
+const Json::Value* WireFamily::OperationOf(const std::string& method) const {
+    for (const Json::Value& candidate : protocol["operations"]) {
+        if (candidate["method"] == method) return &candidate;
+    }
+    return Operation(method);
+}
+
+const Json::Value& WireFamily::FindEvent(const std::string& wanted) const {
+    std::vector<std::string> known;
+    for (const Json::Value& event : protocol["events"]) {
+        const std::string code = event["code"].asString();
+        for (const std::string& candidate :
+             {code, event["object"].asString() + ":" + code, event["name"].asString(), event["callback"].asString()}) {
+            if (!candidate.empty() && FoldedEvent(candidate) == FoldedEvent(wanted)) return event;
+        }
+        known.push_back(event["name"].asString());
+    }
+    throw Failure(kUsage, "the family " + name + " has no event \"" + wanted + "\"" + NearestOf(wanted, known) +
+                              " (`hbbtvctl describe " + name + "` shows all)");
+}
+
+const std::vector<WireFamily>& WireFamilies() {
+    static const std::vector<WireFamily> families = ReadFamilies();
+    return families;
+}
+
+const WireFamily& FindFamily(const std::string& wanted) {
+    std::vector<std::string> known;
+    for (const WireFamily& family : WireFamilies()) {
+        if (IsInterfaceOf(wanted, family.name)) return family;
+        known.push_back(family.name);
+    }
+    throw Failure(kUsage,
+                  "there is no family \"" + wanted + "\"" + NearestOf(wanted, known) + " (`hbbtvctl list` shows all)");
+}
+
+}  // namespace hbbtv
