@@ -41,8 +41,8 @@ class MtmCommands : public ServiceEvents<Mtm, RecordingMtmCallback> {
     // The adaptor calls a bridge with little patience in place of the service's own.
     void BeImpatient() { TolmMtmAdaptorIpc::GetInstance()->RegisterCallback(&mImpatient); }
 
-    MtmCallback mBridge;
-    MtmCallback mImpatient{std::chrono::milliseconds(100)};
+    MtmCallback mBridge{Mtm::RegisteredClient()};
+    MtmCallback mImpatient{Mtm::RegisteredClient(), std::chrono::milliseconds(100)};
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(MtmClient, OneClient, MtmCommands);
@@ -248,7 +248,7 @@ TEST_F(MtmCommands, ReachTheNextBrowserAlthoughTheFirstHangs) {
 
 TEST_F(MtmCommands, TakeNoMoreThanAFewThreadsForBrowsersThatHang) {
     std::vector<sp<Client>> browsers;
-    MtmCallback bridge(std::chrono::milliseconds(1));
+    MtmCallback bridge(Mtm::RegisteredClient(), std::chrono::milliseconds(1));
     for (int i = 0; i < 20; ++i) {
         browsers.emplace_back(new Client);
         browsers.back()->Hang();
@@ -266,7 +266,7 @@ TEST_F(MtmCommands, AreNotDisturbedByAnAnswerThatComesTooLate) {
     Register(mClient);
     mClient->Hang();
     {
-        MtmCallback passing(std::chrono::milliseconds(10));
+        MtmCallback passing(Mtm::RegisteredClient(), std::chrono::milliseconds(10));
         std::string xmlFile = "before";
         EXPECT_EQ(-1, passing.GetXmlFile("u", "i", xmlFile));
         EXPECT_EQ("before", xmlFile);

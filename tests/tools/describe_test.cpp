@@ -29,7 +29,7 @@ TEST_F(Describe, AMethodWithItsTypesItsDocumentationItsWireFormAndEnumerators) {
     EXPECT_THAT(text,
                 StartsWith("IVideoBroadcast.GetAVComponentNumByType(int64_t vb, TolmHbbtvAVComponentType type)\n"));
     EXPECT_THAT(text, HasSubstr("        -> (int32_t status, uint32_t num)\n"));
-    EXPECT_THAT(text, HasSubstr("    Tells how many components of a kind the channel has.\n"));
+    EXPECT_THAT(text, HasSubstr("    Returns the number of the channel's components of a kind.\n"));
     EXPECT_THAT(text, HasSubstr("Wire request, type 3, method 39, to service_plugin_to_hbbtv_vb, port 7\n"));
     EXPECT_THAT(text, HasSubstr("    vb_handle (pointer)\n"));
     EXPECT_THAT(text, HasSubstr("    comType (int): 0 video, 1 audio, 2 subtitle (OIPF Release 2 Volume 5)\n"));

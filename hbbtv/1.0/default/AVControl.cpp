@@ -1,11 +1,11 @@
 #include "AVControl.h"
 
 #include <cstring>
-#include <mutex>
 #include <vector>
 
-#include "ipc/tolm_log.h"
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_registered_client.h"
+#include "utils/include/tolm_service_tags.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
 
@@ -13,12 +13,7 @@ using Adaptor = TolmAVControlAdaptorIpc;
 
 namespace {
 
-constexpr char kTag[] = "[hidl_av_control_wrapper_client]";
-
-TolmClientHolder<IAVControlCallback> mAVControlCallback;
-
-// The client, the watch over it and the adaptor's receiver change together. Not taken by events.
-std::mutex mRegistering;
+TolmRegisteredClient<IAVControlCallback> gClient;
 
 TolmAVCtrlComponentData ToAdaptorComponent(const TolmAvComponentData& component) {
     return {component.actived,
@@ -33,24 +28,14 @@ TolmAVCtrlComponentData ToAdaptorComponent(const TolmAvComponentData& component)
 
 }  // namespace
 
-AVControl::AVControl() : TolmHidlClientMonitor(kTag) {}
+AVControl::AVControl() : TolmHidlClientMonitor(tolm::kAVControlTag, gClient) {}
 
 Return<int32_t> AVControl::RegisterCallback(const sp<IAVControlCallback>& cb, int64_t) {
-    if (cb == nullptr) {
-        TOLM_LOG(ANDROID_LOG_ERROR, kTag, "cb is null");
-        return -1;
-    }
-    Adaptor* adaptor = Adaptor::GetInstance();
-    if (adaptor == nullptr) return -1;
-    std::lock_guard<std::mutex> lock(mRegistering);
-    Hold(mAVControlCallback, cb);
-    return adaptor->RegisterCallback(TolmAVControlComponentCallback);
+    return gClient.Register(this, cb, &Adaptor::RegisterCallback, TolmAVControlComponentCallback);
 }
 
 Return<int32_t> AVControl::UnregisterCallback() {
-    std::lock_guard<std::mutex> lock(mRegistering);
-    Drop(mAVControlCallback);
-    return Status(&Adaptor::UnregisterCallback);
+    return gClient.Unregister(this, &Adaptor::UnregisterCallback);
 }
 
 Return<int32_t> AVControl::ComponentUpdate(V1_0::TolmHbbtvAVCtrlEvent event, V1_0::TolmHbbtvAVComponentType type,
@@ -64,19 +49,16 @@ Return<int32_t> AVControl::ComponentUpdate(V1_0::TolmHbbtvAVCtrlEvent event, V1_
 }
 
 void AVControl::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
-    std::lock_guard<std::mutex> lock(mRegistering);
-    if (!DropDead(mAVControlCallback, who)) return;
-    if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->UnregisterCallback();
+    gClient.OnDied(this, who, &Adaptor::UnregisterCallback);
 }
 
 TOLM_ERR TolmAVControlComponentCallback(TolmPluginIPCAvContrl event, ::TolmHbbtvAVComponentType type, int index) {
-    const sp<IAVControlCallback> client = mAVControlCallback.Get();
+    const sp<IAVControlCallback> client = gClient.Get();
     if (client == nullptr) {
-        TOLM_LOG(ANDROID_LOG_INFO, kTag, "TolmAVControlComponentCallback callback null");
+        TOLM_LOG(ANDROID_LOG_INFO, tolm::kAVControlTag, "TolmAVControlComponentCallback callback null");
         return -1;
     }
-    // The client may have died just now: then there is nobody to tell.
+    // If the client has just died, the call fails, and the event is dropped.
     (void)client->onComponentSelect(event, static_cast<V1_0::TolmHbbtvAVComponentType>(type), index).isOk();
     return 0;
 }

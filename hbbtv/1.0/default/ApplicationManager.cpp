@@ -7,54 +7,16 @@
 #include <utility>
 #include <vector>
 
-#include "ipc/tolm_log.h"
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_registered_client.h"
+#include "utils/include/tolm_service_tags.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
 
 using Adaptor = TolmApmAdaptorIpc;
+using ::android::hidl::base::V1_0::IBase;
 
 namespace {
-
-constexpr char kTag[] = "[hidl_application_manager_wrapper_client]";
-
-// One client for each event. `sp` itself bears no two threads; this does.
-class ClientsOfEvents {
-  public:
-    // Whether the event had none.
-    bool Add(::TolmAIPEvent event, const sp<IAIPEventCallback>& client) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mClients.emplace(event, client).second;
-    }
-
-    // Null when the event has none.
-    sp<IAIPEventCallback> Get(::TolmAIPEvent event) const {
-        std::lock_guard<std::mutex> lock(mMutex);
-        const auto client = mClients.find(event);
-        return client == mClients.end() ? nullptr : client->second;
-    }
-
-    void Remove(::TolmAIPEvent event) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        mClients.erase(event);
-    }
-
-    // Gives those that there were.
-    std::map<::TolmAIPEvent, sp<IAIPEventCallback>> RemoveAll() {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return std::exchange(mClients, {});
-    }
-
-  private:
-    mutable std::mutex mMutex;
-    std::map<::TolmAIPEvent, sp<IAIPEventCallback>> mClients;  // guarded by mMutex
-};
-
-ClientsOfEvents mApmCallback;
-TolmServiceInstance mService;
-
-// The clients, the watch over them and the adaptor's functions change together. Not taken by events.
-std::mutex mRegistering;
 
 const std::pair<::TolmAIPEvent, TolmAIPEventCallback> kFunctions[] = {
     {TOLM_AIP_EVENT_APPLICATION_1, ToAIPEventCallback(onApplicationEventCallback)},
@@ -81,7 +43,7 @@ const std::pair<::TolmAIPEvent, TolmAIPEventCallback> kFunctions[] = {
     {TOLM_AIP_EVENT_OPAPP_UPDATE, ToAIPEventCallback(onOpappUpdate)},
 };
 
-// The function of an event, null when it has none.
+// Returns an event's function, or null.
 TolmAIPEventCallback FunctionOf(::TolmAIPEvent event) {
     for (const auto& [known, function] : kFunctions) {
         if (known == event) return function;
@@ -89,9 +51,89 @@ TolmAIPEventCallback FunctionOf(::TolmAIPEvent event) {
     return nullptr;
 }
 
+// One client per event. The clients, the watch over their processes and the adaptor's functions change together.
+// Thread-safe.
+class RegisteredClients : public TolmServiceInstances {
+  public:
+    using Client = sp<IAIPEventCallback>;
+
+    // Returns the event's client; null if there is none, no service exists or the client-gone flag is set. Never waits
+    // for a registration, so events may call it.
+    Client GetLiving(::TolmAIPEvent event) const {
+        const Client client = Get(event);
+        return client != nullptr && HasClient() ? client : nullptr;
+    }
+
+    // Registers an event's client and returns the adaptor's status, or -1 if the event has a client. An event without a
+    // function is refused as well, but keeps its client until it is unregistered.
+    int Register(const TolmServiceMethod& service, ::TolmAIPEvent event, const Client& client, void* context) {
+        if (Adaptor::GetInstance() == nullptr || !service.Accepts(client)) return -1;
+        std::lock_guard<std::mutex> lock(mRegistering);
+        if (!Add(event, client)) return -1;
+        service->StartMonitor(client);
+        const TolmAIPEventCallback function = FunctionOf(event);
+        if (function == nullptr) return -1;
+        return TolmCallAdaptor(&Adaptor::RegisterAIPEventCallback, event, function, context);
+    }
+
+    // Ends an event's registration. The client-gone flag is that of all events, so it silences them all until one is
+    // registered again.
+    int Unregister(const TolmServiceMethod& service, ::TolmAIPEvent event, void* context) {
+        if (Adaptor::GetInstance() == nullptr) return -1;
+        std::lock_guard<std::mutex> lock(mRegistering);
+        if (const Client client = Get(event)) {
+            service->StopMonitor(client);
+            Remove(event);
+        }
+        return TolmCallAdaptor(&Adaptor::UnRegisterAIPEventCallback, event, context);
+    }
+
+    // Drops the clients of all events, dead or alive. They are no longer watched, so their deaths have no effect on
+    // clients that register from now on.
+    void OnDied(const TolmServiceMethod& service, const wp<IBase>& who) {
+        service.LogDeath();
+        std::lock_guard<std::mutex> lock(mRegistering);
+        service->StopMonitor(who.promote());
+        TolmCallAdaptor(&Adaptor::ClearAPIEventCallback);
+        for (const auto& [event, client] : RemoveAll()) service->Forget(client);
+    }
+
+  private:
+    // Returns whether the event had no client.
+    bool Add(::TolmAIPEvent event, const Client& client) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mClients.emplace(event, client).second;
+    }
+
+    // Returns the event's client, or null.
+    Client Get(::TolmAIPEvent event) const {
+        std::lock_guard<std::mutex> lock(mMutex);
+        const auto client = mClients.find(event);
+        return client == mClients.end() ? nullptr : client->second;
+    }
+
+    void Remove(::TolmAIPEvent event) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mClients.erase(event);
+    }
+
+    // Returns the clients that were registered.
+    std::map<::TolmAIPEvent, Client> RemoveAll() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return std::exchange(mClients, {});
+    }
+
+    std::mutex mRegistering;  // held while the clients, the watch and the adaptor's functions change; not by events
+
+    mutable std::mutex mMutex;
+    std::map<::TolmAIPEvent, Client> mClients;  // guarded by mMutex
+};
+
+RegisteredClients gClients;
+
 }  // namespace
 
-ApplicationManager::ApplicationManager() : TolmHidlClientMonitor(kTag, &mService) {}
+ApplicationManager::ApplicationManager() : TolmHidlClientMonitor(tolm::kApplicationManagerTag, gClients) {}
 
 Return<void> ApplicationManager::GetOwnerApp(int32_t appId, int32_t orgId, GetOwnerApp_cb _hidl_cb) {
     return AnswerFrom(std::tuple(appId, orgId), _hidl_cb, &Adaptor::GetOwnerApp);
@@ -102,14 +144,14 @@ Return<void> ApplicationManager::GetCurrentApp(GetCurrentApp_cb _hidl_cb) {
 }
 
 Return<void> ApplicationManager::GetChildApps(int32_t appId, int32_t orgId, GetChildApps_cb _hidl_cb) {
-    std::vector<std::pair<int, int>> apps;
-    Adaptor* adaptor = Adaptor::GetInstance();
-    const int status = adaptor == nullptr ? -1 : adaptor->GetChildApps(appId, orgId, apps);
-    hidl_vec<int32_t> appIds(apps.size());
-    hidl_vec<int32_t> orgIds(apps.size());
-    for (size_t i = 0; i < apps.size(); ++i) std::tie(appIds[i], orgIds[i]) = apps[i];
-    _hidl_cb(status, appIds, orgIds);
-    return ::android::hardware::Void();
+    return AnswerBy<Adaptor>(_hidl_cb, [&](Adaptor& adaptor, hidl_vec<int32_t>& appIds, hidl_vec<int32_t>& orgIds) {
+        std::vector<std::pair<int, int>> apps;
+        const int status = adaptor.GetChildApps(appId, orgId, apps);
+        appIds.resize(apps.size());
+        orgIds.resize(apps.size());
+        for (size_t i = 0; i < apps.size(); ++i) std::tie(appIds[i], orgIds[i]) = apps[i];
+        return status;
+    });
 }
 
 Return<void> ApplicationManager::CreateApplication(int32_t appId, int32_t orgId, const hidl_string& url, bool child,
@@ -189,43 +231,15 @@ Return<int32_t> ApplicationManager::SetDeviceResolution(uint32_t width, uint32_t
 
 Return<int32_t> ApplicationManager::RegisterCallback(V1_0::TolmAIPEvent event, const sp<IAIPEventCallback>& callback,
                                                      int64_t context) {
-    Adaptor* adaptor = Adaptor::GetInstance();
-    if (adaptor == nullptr) return -1;
-    if (callback == nullptr) {
-        TOLM_LOG(ANDROID_LOG_ERROR, kTag, "cb is null");
-        return -1;
-    }
-    const auto code = static_cast<::TolmAIPEvent>(event);
-    std::lock_guard<std::mutex> lock(mRegistering);
-    if (!mApmCallback.Add(code, callback)) return -1;
-    StartMonitor(callback);
-    // An event without a function is refused, yet keeps its client: it is taken, until it is unregistered.
-    const TolmAIPEventCallback function = FunctionOf(code);
-    if (function == nullptr) return -1;
-    return adaptor->RegisterAIPEventCallback(code, function, Handle(context));
+    return gClients.Register(this, static_cast<::TolmAIPEvent>(event), callback, Handle(context));
 }
 
-// There is one flag for all events, so the end of one registration silences them all until something is registered.
 Return<int32_t> ApplicationManager::UnregisterCallback(V1_0::TolmAIPEvent event, int64_t context) {
-    Adaptor* adaptor = Adaptor::GetInstance();
-    if (adaptor == nullptr) return -1;
-    const auto code = static_cast<::TolmAIPEvent>(event);
-    std::lock_guard<std::mutex> lock(mRegistering);
-    if (const sp<IAIPEventCallback> client = mApmCallback.Get(code)) {
-        StopMonitor(client);
-        mApmCallback.Remove(code);
-    }
-    return adaptor->UnRegisterAIPEventCallback(code, Handle(context));
+    return gClients.Unregister(this, static_cast<::TolmAIPEvent>(event), Handle(context));
 }
 
-// The clients of the other events are forgotten with the one that has died, whether they live or not: so nothing more
-// comes of their deaths, and a client that registers from now on is left alone.
 void ApplicationManager::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
-    std::lock_guard<std::mutex> lock(mRegistering);
-    StopMonitor(who.promote());
-    if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->ClearAPIEventCallback();
-    for (const auto& [event, client] : mApmCallback.RemoveAll()) Forget(client);
+    gClients.OnDied(this, who);
 }
 
 namespace {
@@ -240,9 +254,9 @@ hidl_string Text(const char* text) {
 template <typename... Parameters, typename... Arguments>
 void Forward(::TolmAIPEvent event, Return<void> (IAIPEventCallback::*method)(Parameters...),
              const Arguments&... arguments) {
-    const sp<IAIPEventCallback> client = mApmCallback.Get(event);
-    if (client == nullptr || !mService.HasClient()) return;
-    // The client may have died just now: then there is nobody to tell.
+    const sp<IAIPEventCallback> client = gClients.GetLiving(event);
+    if (client == nullptr) return;
+    // If the client has just died, the call fails, and the event is dropped.
     (void)((*client).*method)(arguments...).isOk();
 }
 

@@ -1,9 +1,10 @@
 #include "ChannelConfig.h"
 
-#include <mutex>
+#include <vector>
 
-#include "ipc/tolm_log.h"
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_registered_client.h"
+#include "utils/include/tolm_service_tags.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
 
@@ -11,33 +12,18 @@ using Adaptor = TolmChannelConfigAdaptorIpc;
 
 namespace {
 
-constexpr char kTag[] = "[hidl_video_broadcast_wrapper_client]";  // shared with the video/broadcast service
-
-TolmClientHolder<IChannelConfigCallback> mConfigCallback;
-
-// The client, the watch over it and the adaptor's receiver and context change together. Not taken by events.
-std::mutex mRegistering;
+TolmRegisteredClient<IChannelConfigCallback> gClient;
 
 }  // namespace
 
-ChannelConfig::ChannelConfig() : TolmHidlClientMonitor(kTag) {}
+ChannelConfig::ChannelConfig() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, gClient) {}
 
 Return<int32_t> ChannelConfig::RegisterCallback(const sp<IChannelConfigCallback>& cb, int64_t context) {
-    if (cb == nullptr) {
-        TOLM_LOG(ANDROID_LOG_ERROR, kTag, "cb is null");
-        return -1;
-    }
-    Adaptor* adaptor = Adaptor::GetInstance();
-    if (adaptor == nullptr) return -1;
-    std::lock_guard<std::mutex> lock(mRegistering);
-    Hold(mConfigCallback, cb);
-    return adaptor->RegisterCallback(TolmChannelConfigCallback, Handle(context));
+    return gClient.Register(this, cb, &Adaptor::RegisterCallback, TolmChannelConfigCallback, Handle(context));
 }
 
 Return<int32_t> ChannelConfig::UnregisterCallback() {
-    std::lock_guard<std::mutex> lock(mRegistering);
-    Drop(mConfigCallback);
-    return Status(&Adaptor::UnregisterCallback);
+    return gClient.Unregister(this, &Adaptor::UnregisterCallback);
 }
 
 Return<void> ChannelConfig::CreateFilteredList(bool blocked, bool favourite, bool hidden,
@@ -76,17 +62,14 @@ Return<void> ChannelConfig::CreateChannelList(const hidl_vec<int64_t>& channels,
 }
 
 void ChannelConfig::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
-    std::lock_guard<std::mutex> lock(mRegistering);
-    if (!DropDead(mConfigCallback, who)) return;
-    if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->UnregisterCallback();
+    gClient.OnDied(this, who, &Adaptor::UnregisterCallback);
 }
 
 void TolmChannelConfigCallback(const TolmChannelConfigEvent& event, const ::TolmChannelConfigEventInfo& info,
                                const void* context) {
-    const sp<IChannelConfigCallback> client = mConfigCallback.Get();
+    const sp<IChannelConfigCallback> client = gClient.Get();
     if (client == nullptr) return;
-    // The client may have died just now: then there is nobody to tell.
+    // If the client has just died, the call fails, and the event is dropped.
     (void)client->OnChannelConfigEvent(event, {static_cast<uint8_t>(info.reserved)}, ToHandle(context)).isOk();
 }
 

@@ -7,8 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "ipc/tolm_log.h"
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_registered_client.h"
+#include "utils/include/tolm_service_tags.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
 
@@ -17,21 +18,62 @@ using ::android::hidl::base::V1_0::IBase;
 
 namespace {
 
-constexpr char kTag[] = "[hidl_configuration_wrapper_server]";
-
-// The registered clients, in the order of their registrations. Any thread.
-class Clients {
+// The registered clients. They, the watch over their processes and the adaptor's receiver change together. Thread-safe.
+class RegisteredClients : public TolmServiceInstances {
   public:
     using Client = sp<IConfigurationCallback>;
 
+    // Returns all clients in the order of their registrations. Never waits for a registration, so events may call it.
     std::vector<Client> All() const {
         std::lock_guard<std::mutex> lock(mMutex);
         return mClients;
     }
 
-    bool Empty() const { return All().empty(); }
+    // As above, but returns none if no service exists or the client-gone flag is set.
+    std::vector<Client> AllLiving() const { return HasClient() ? All() : std::vector<Client>(); }
 
-    bool Have(const wp<IBase>& who) const {
+    // Adds a client. Returns the platform's status for the first one. A further client is served like the first
+    // although -1 is returned; clients know that.
+    int Register(const TolmServiceMethod& service, const Client& client) {
+        if (!service.Accepts(client) || Adaptor::GetInstance() == nullptr) return -1;
+        std::lock_guard<std::mutex> lock(mRegistering);
+        const bool first = All().empty();
+        Add(client);
+        service->StartMonitor(client);
+        return first ? TolmCallAdaptor(&Adaptor::RegisterCallback, TolmConfigurationCallback) : -1;
+    }
+
+    // Removes one registration of a client. Returns the platform's status once there is no client, and -1 before.
+    int Unregister(const TolmServiceMethod& service, const Client& client) {
+        std::lock_guard<std::mutex> lock(mRegistering);
+        const Client removed = Remove(client);
+        if (All().empty()) {
+            if (removed != nullptr) service->StopMonitor(removed);
+            return TolmCallAdaptor(&Adaptor::UnregisterCallback);
+        }
+        if (removed != nullptr) {
+            // The others stay, so the client-gone flag must not be set even for a moment.
+            service.LogStop();
+            service->Forget(removed);
+        }
+        return -1;
+    }
+
+    // Ends the delivery to all clients when one dies: the others have to register again.
+    void OnDied(const TolmServiceMethod& service, const wp<IBase>& who) {
+        service.LogDeath();
+        std::lock_guard<std::mutex> lock(mRegistering);
+        if (!Has(who)) {
+            // The client has just unregistered, and the others are alive.
+            service->SetClientDied(All().empty());
+            return;
+        }
+        for (const Client& client : RemoveAll()) service->StopMonitor(client);
+        TolmCallAdaptor(&Adaptor::UnregisterCallback);
+    }
+
+  private:
+    bool Has(const wp<IBase>& who) const {
         const std::vector<Client> clients = All();
         return std::any_of(clients.begin(), clients.end(),
                            [&](const Client& client) { return wp<IBase>(sp<IBase>(client)) == who; });
@@ -42,7 +84,7 @@ class Clients {
         mClients.push_back(client);
     }
 
-    // Takes one out and gives it as it was registered, or null: each call of a client comes with a proxy of its own.
+    // Removes a client and returns it as it was registered, or null: each call of a client has its own proxy.
     Client Remove(const Client& client) {
         std::lock_guard<std::mutex> lock(mMutex);
         const auto found = std::find_if(mClients.begin(), mClients.end(), [&](const Client& registered) {
@@ -59,20 +101,17 @@ class Clients {
         return std::exchange(mClients, {});
     }
 
-  private:
+    std::mutex mRegistering;  // held while the clients, the watch and the adaptor's receiver change; not by events
+
     mutable std::mutex mMutex;
     std::vector<Client> mClients;  // guarded by mMutex
 };
 
-Clients mConfigurationCallback;
-TolmServiceInstance mService;
-
-// The clients, the watch over them and the adaptor's receiver change together. Not taken by events.
-std::mutex mRegistering;
+RegisteredClients gClients;
 
 }  // namespace
 
-Configuration::Configuration() : TolmHidlClientMonitor(kTag, &mService) {}
+Configuration::Configuration() : TolmHidlClientMonitor(tolm::kConfigurationTag, gClients) {}
 
 Return<void> Configuration::GetPreferredAudioLanguage(GetPreferredAudioLanguage_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::GetPreferredAudioLanguage);
@@ -146,71 +185,40 @@ Return<void> Configuration::GetDNTPolicy(GetDNTPolicy_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::GetDNTPolicy);
 }
 
-// A further client is served like the first, although its status says otherwise; clients know that.
 Return<int32_t> Configuration::RegisterCallback(const sp<IConfigurationCallback>& callback) {
-    if (callback == nullptr) {
-        TOLM_LOG(ANDROID_LOG_ERROR, kTag, "cb is null");
-        return -1;
-    }
-    Adaptor* adaptor = Adaptor::GetInstance();
-    if (adaptor == nullptr) return -1;
-    std::lock_guard<std::mutex> lock(mRegistering);
-    const bool first = mConfigurationCallback.Empty();
-    mConfigurationCallback.Add(callback);
-    StartMonitor(callback);
-    return first ? adaptor->RegisterCallback(TolmConfigurationCallback) : -1;
+    return gClients.Register(this, callback);
 }
 
 Return<int32_t> Configuration::UnregisterCallback(const sp<IConfigurationCallback>& callback) {
-    std::lock_guard<std::mutex> lock(mRegistering);
-    const sp<IConfigurationCallback> removed = mConfigurationCallback.Remove(callback);
-    if (!mConfigurationCallback.Empty()) {
-        if (removed != nullptr) {
-            // The others stay, and with them the flag.
-            TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::StopMonitor");
-            Forget(removed);
-        }
-        return -1;
-    }
-    if (removed != nullptr) StopMonitor(removed);
-    return Status(&Adaptor::UnregisterCallback);
+    return gClients.Unregister(this, callback);
 }
 
-// The death of one client ends the delivery to all: who lives registers anew.
 void Configuration::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
-    std::lock_guard<std::mutex> lock(mRegistering);
-    if (!mConfigurationCallback.Have(who)) {
-        // It was taken back just now; the others are alive.
-        SetClientDied(mConfigurationCallback.Empty());
-        return;
-    }
-    for (const sp<IConfigurationCallback>& client : mConfigurationCallback.RemoveAll()) StopMonitor(client);
-    if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->UnregisterCallback();
+    gClients.OnDied(this, who);
 }
 
 void TolmConfigurationCallback(const TolmConfigurationEvent& event, ::TolmConfigurationEventInfo info, const void*) {
-    const std::vector<sp<IConfigurationCallback>> clients = mConfigurationCallback.All();
-    if (clients.empty() || !mService.HasClient()) return;
-    const V1_0::TolmConfigurationEventInfo told{info.width,
-                                                info.height,
-                                                info.uiLanguage,
-                                                info.audioLanguage,
-                                                info.subtitleLanguage,
-                                                info.subtitlesEnabled,
-                                                info.audioDescriptionEnabled,
-                                                info.hearingImpaired,
-                                                info.region,
-                                                info.ratingAge,
-                                                info.doNotTrackPolicy,
-                                                info.cookiePolicy,
-                                                info.persistentStorage,
-                                                info.blockTrackingSites,
-                                                info.deviceId,
-                                                info.deviceIdTimestamp};
+    const std::vector<sp<IConfigurationCallback>> clients = gClients.AllLiving();
+    if (clients.empty()) return;
+    const V1_0::TolmConfigurationEventInfo hidlInfo{info.width,
+                                                    info.height,
+                                                    info.uiLanguage,
+                                                    info.audioLanguage,
+                                                    info.subtitleLanguage,
+                                                    info.subtitlesEnabled,
+                                                    info.audioDescriptionEnabled,
+                                                    info.hearingImpaired,
+                                                    info.region,
+                                                    info.ratingAge,
+                                                    info.doNotTrackPolicy,
+                                                    info.cookiePolicy,
+                                                    info.persistentStorage,
+                                                    info.blockTrackingSites,
+                                                    info.deviceId,
+                                                    info.deviceIdTimestamp};
     for (const sp<IConfigurationCallback>& client : clients) {
-        // The client may have died just now: then there is nobody to tell.
-        (void)client->onConfigurationEvent(event, told).isOk();
+        // If the client has just died, the call fails, and the event is dropped.
+        (void)client->onConfigurationEvent(event, hidlInfo).isOk();
     }
 }
 

@@ -1,9 +1,8 @@
 #include "Dsmcc.h"
 
-#include <mutex>
-
-#include "ipc/tolm_log.h"
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_registered_client.h"
+#include "utils/include/tolm_service_tags.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
 
@@ -11,33 +10,22 @@ using Adaptor = TolmDsmccAdaptorIpc;
 
 namespace {
 
-constexpr char kMonitorTag[] = "[hidl_video_broadcast_wrapper_client]";  // shared with the video/broadcast service
-constexpr char kTag[] = "[hidl_dsmcc_wrapper_client]";
-
-TolmClientHolder<IDsmccCallback> mCallback;
-TolmServiceInstance mService;
-
-// The client and the watch over it change together. Not taken by events.
-std::mutex mRegistering;
+TolmRegisteredClient<IDsmccCallback> gClient;
 
 }  // namespace
 
-Dsmcc::Dsmcc() : TolmHidlClientMonitor(kMonitorTag, &mService) {}
+Dsmcc::Dsmcc() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, gClient) {}
 
+// The client is held even without an adaptor.
 Return<int32_t> Dsmcc::RegisterCallback(const sp<IDsmccCallback>& cb) {
-    if (cb == nullptr) {
-        TOLM_LOG(ANDROID_LOG_ERROR, kMonitorTag, "cb is null");
-        return -1;
-    }
-    std::lock_guard<std::mutex> lock(mRegistering);
-    Hold(mCallback, cb);
-    return Status(&Adaptor::BrowserRegisterCallback, &TolmBacBrowserDSMCCFileCallback);
+    return gClient.Replace(this, cb)
+               ? TolmCallAdaptor(&Adaptor::BrowserRegisterCallback, TolmBacBrowserDSMCCFileCallback)
+               : -1;
 }
 
-// The adaptor keeps the forwarding function, which says in the log that there is no client.
+// The adaptor keeps the forwarding function, which logs that there is no client.
 Return<int32_t> Dsmcc::UnregisterCallback() {
-    std::lock_guard<std::mutex> lock(mRegistering);
-    Drop(mCallback);
+    gClient.Drop(this);
     return 0;
 }
 
@@ -50,18 +38,16 @@ Return<int32_t> Dsmcc::OnReleaseFile(const hidl_string& url, int64_t context) {
 }
 
 void Dsmcc::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    TOLM_LOG(ANDROID_LOG_INFO, kMonitorTag, "ClientDeathRecipient::serviceDied - client died");
-    std::lock_guard<std::mutex> lock(mRegistering);
-    DropDead(mCallback, who);
+    gClient.OnDied(this, who);
 }
 
 void TolmBacBrowserDSMCCFileCallback(TolmDSMCCFileEventType type, const char* filePath, const void* context) {
-    const sp<IDsmccCallback> client = mCallback.Get();
-    if (client == nullptr || !mService.HasClient()) {
-        TOLM_LOG(ANDROID_LOG_ERROR, kTag, "IDsmccCallback callback is null");
+    const sp<IDsmccCallback> client = gClient.GetLiving();
+    if (client == nullptr) {
+        TOLM_LOG(ANDROID_LOG_ERROR, tolm::kDsmccTag, "IDsmccCallback callback is null");
         return;
     }
-    // The client may have died just now: then there is nobody to tell.
+    // If the client has just died, the call fails, and the event is dropped.
     (void)client->OnDsmccFileEvent(type, "", filePath, ToHandle(context)).isOk();
 }
 

@@ -1,10 +1,8 @@
 #include "Mtm.h"
 
-#include <mutex>
-
 #include "MtmCallback.h"
-#include "ipc/tolm_log.h"
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_service_tags.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
 
@@ -12,20 +10,12 @@ using Adaptor = TolmMtmAdaptorIpc;
 
 namespace {
 
-constexpr char kTag[] = "[hidl_mtm_wrapper_client]";
-
-TolmClientHolder<IMtmCallback> mMtmCallback;
-TolmServiceInstance mService;
-
-// What the adaptor calls, whichever client is registered.
-MtmCallback mBridge;
-
-// The client, the watch over it and the adaptor's receiver change together. Not taken by events.
-std::mutex mRegistering;
+TolmRegisteredClient<IMtmCallback> gClient;
+MtmCallback gBridge(gClient);  // what the adaptor calls, whichever client is registered
 
 }  // namespace
 
-Mtm::Mtm() : TolmHidlClientMonitor(kTag, &mService) {}
+Mtm::Mtm() : TolmHidlClientMonitor(tolm::kMtmTag, gClient) {}
 
 Return<int32_t> Mtm::OnTabCreated(int32_t tabId) {
     return Status(&Adaptor::OnTabCreated, tabId);
@@ -101,34 +91,22 @@ Return<int32_t> Mtm::OnTabDocumentLoadedInFrame(int32_t tabId) {
 }
 
 Return<void> Mtm::RegisterCallback(const sp<IMtmCallback>& callback) {
-    Adaptor* adaptor = Adaptor::GetInstance();
-    if (callback == nullptr) TOLM_LOG(ANDROID_LOG_ERROR, kTag, "cb is null");
-    if (adaptor == nullptr || callback == nullptr) return ::android::hardware::Void();
-    std::lock_guard<std::mutex> lock(mRegistering);
-    Hold(mMtmCallback, callback);
-    adaptor->RegisterCallback(&mBridge);
+    gClient.Register(this, callback, &Adaptor::RegisterCallback, &gBridge);
     return ::android::hardware::Void();
 }
 
+// Unlike in the other services, the client stays if there is no adaptor.
 Return<void> Mtm::UnregisterCallback() {
-    Adaptor* adaptor = Adaptor::GetInstance();
-    if (adaptor == nullptr) return ::android::hardware::Void();
-    std::lock_guard<std::mutex> lock(mRegistering);
-    Drop(mMtmCallback);
-    adaptor->UnRegisterCallback();
+    if (Adaptor::GetInstance() != nullptr) gClient.Unregister(this, &Adaptor::UnRegisterCallback);
     return ::android::hardware::Void();
 }
 
 void Mtm::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
-    std::lock_guard<std::mutex> lock(mRegistering);
-    if (!DropDead(mMtmCallback, who)) return;
-    if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->UnRegisterCallback();
+    gClient.OnDied(this, who, &Adaptor::UnRegisterCallback);
 }
 
-sp<IMtmCallback> LivingMtmClient() {
-    sp<IMtmCallback> client = mMtmCallback.Get();
-    return mService.HasClient() ? client : nullptr;
+const TolmRegisteredClient<IMtmCallback>& Mtm::RegisteredClient() {
+    return gClient;
 }
 
 IMtm* HIDL_FETCH_IMtm(const char*) {

@@ -4,7 +4,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IMtm.h>
 
 #include "ipc/src/mtm/tolm_mtm_adaptor_ipc.h"
-#include "utils/include/tolm_hidl_client_monitor.h"
+#include "utils/include/tolm_registered_client.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
 
@@ -42,10 +42,10 @@ class Mtm : public IMtm, public TolmHidlClientMonitor {
     Return<void> UnregisterCallback() override;
 
     void OnHidlClientDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) override;
-};
 
-// The registered client; null when there is none, or no service, or the client has died. Any thread.
-sp<IMtmCallback> LivingMtmClient();
+    // Returns the browser that has registered with any of the services.
+    static const TolmRegisteredClient<IMtmCallback>& RegisteredClient();
+};
 
 extern "C" IMtm* HIDL_FETCH_IMtm(const char* name);
 

@@ -1,4 +1,4 @@
-// From the platform's tab manager to the browser: what the adaptor calls, and the registered IMtmCallback does.
+// From the platform's tab manager to the browser: the adaptor calls it, and it calls the registered IMtmCallback.
 #pragma once
 
 #include <vantorel/hardware/hbbtv/1.0/IMtmCallback.h>
@@ -8,17 +8,23 @@
 
 #include "ipc/src/mtm/tolm_mtm_callback.h"
 #include "utils/include/tolm_bounded_calls.h"
+#include "utils/include/tolm_registered_client.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
 
-// Each operation gives what the client gives, or -1 when there is no client, or it has died, dies meanwhile, calls no
-// result callback or does not return in time: the platform waits for some of them, and is never left without a reply.
+// Each operation returns what the client returns. It returns -1 if there is no client, or if the client has died, dies
+// during the call, does not call the result callback, or does not return in time: the platform waits for the reply to
+// some operations and always gets one.
 class MtmCallback : public TolmMtmCallback {
   public:
+    using RegisteredClient = TolmRegisteredClient<V1_0::IMtmCallback>;
+
     // Longer than a browser needs for a tab or a file.
     static constexpr std::chrono::seconds kPatience{10};
 
-    explicit MtmCallback(std::chrono::milliseconds patience = kPatience) : mCalls(patience) {}
+    // `client` is not owned.
+    explicit MtmCallback(const RegisteredClient& client, std::chrono::milliseconds patience = kPatience)
+        : mClient(client), mCalls(patience) {}
 
     int SetAppConfig(int tabId, bool isBroadcastRelated) override;
     int SetDvbOrigin(int tabId, const std::string& origin) override;
@@ -37,14 +43,16 @@ class MtmCallback : public TolmMtmCallback {
   private:
     using Client = V1_0::IMtmCallback;
 
-    // `call` may run on when this has returned: it owns what it touches.
-    int Tell(std::function<::android::hardware::Return<int32_t>(Client& client)> call);
+    // `call` may continue after this has returned, so it owns what it uses.
+    int Call(std::function<::android::hardware::Return<int32_t>(Client& client)> call);
 
-    // The same for a call with a result. `call` is given where the status (-1 at first) and the result belong.
+    // As above, for a call with a result. `call` sets the status (-1 at first) and the result.
     template <typename Result>
-    int Ask(Result& result,
-            std::function<::android::hardware::Return<void>(Client& client, int& status, Result& result)> call);
+    int CallForResult(
+        Result& result,
+        std::function<::android::hardware::Return<void>(Client& client, int& status, Result& result)> call);
 
+    const RegisteredClient& mClient;
     TolmBoundedCalls mCalls;
 };
 

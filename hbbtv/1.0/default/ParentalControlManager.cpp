@@ -91,12 +91,12 @@ Return<int32_t> ParentalControlManager::ReleaseParentalRatingCollection(int64_t 
 }
 
 Return<void> ParentalControlManager::GetLocalParentalRating(GetLocalParentalRating_cb _hidl_cb) {
-    std::string countryCode;
-    int rating = 0;
-    Adaptor* adaptor = Adaptor::GetInstance();
-    const int status = adaptor != nullptr ? adaptor->GetLocalParentalRating(countryCode, &rating) : -1;
-    _hidl_cb(status, countryCode, rating);
-    return ::android::hardware::Void();
+    return AnswerBy<Adaptor>(_hidl_cb, [](Adaptor& adaptor, hidl_string& countryCode, int32_t& rating) {
+        std::string code;
+        const int status = adaptor.GetLocalParentalRating(code, &rating);
+        countryCode = code;
+        return status;
+    });
 }
 
 IParentalControlManager* HIDL_FETCH_IParentalControlManager(const char*) {

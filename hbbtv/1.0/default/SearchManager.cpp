@@ -1,9 +1,8 @@
 #include "SearchManager.h"
 
-#include <mutex>
-
-#include "ipc/tolm_log.h"
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_registered_client.h"
+#include "utils/include/tolm_service_tags.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
 
@@ -11,18 +10,11 @@ using Adaptor = TolmSearchManagerAdaptor;
 
 namespace {
 
-constexpr char kTag[] = "[hidl_search_manager_wrapper_client]";
-
-// One client for the whole process, whatever its search manager.
-TolmClientHolder<ISearchManagerCallback> mSearchCallback;
-TolmServiceInstance mService;
-
-// The client, the watch over it and the adaptor's receiver and context change together. Not taken by events.
-std::mutex mRegistering;
+TolmRegisteredClient<ISearchManagerCallback> gClient;  // of all search managers
 
 }  // namespace
 
-SearchManager::SearchManager() : TolmHidlClientMonitor(kTag, &mService) {}
+SearchManager::SearchManager() : TolmHidlClientMonitor(tolm::kSearchManagerTag, gClient) {}
 
 Return<void> SearchManager::SearchManager_Create(SearchManager_Create_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::SearchManager_Create);
@@ -35,15 +27,8 @@ Return<int32_t> SearchManager::SearchManager_Destroy(int64_t manager) {
 Return<int32_t> SearchManager::SearchManager_RegisterCallback(int64_t manager,
                                                               const sp<ISearchManagerCallback>& callback,
                                                               int64_t context) {
-    if (callback == nullptr) {
-        TOLM_LOG(ANDROID_LOG_ERROR, kTag, "cb is null");
-        return -1;
-    }
-    Adaptor* adaptor = Adaptor::GetInstance();
-    if (adaptor == nullptr) return -1;
-    std::lock_guard<std::mutex> lock(mRegistering);
-    Hold(mSearchCallback, callback);
-    return adaptor->SearchManager_RegisterCallback(Handle(manager), TolmSearchManagerCallback, Handle(context));
+    return gClient.Register(this, callback, &Adaptor::SearchManager_RegisterCallback, Handle(manager),
+                            TolmSearchManagerCallback, Handle(context));
 }
 
 Return<void> SearchManager::SearchManager_CreateSearch(int64_t manager, uint32_t target,
@@ -73,7 +58,7 @@ Return<int32_t> SearchManager::MetaSearch_SetQuery(int64_t search, int64_t query
     return Status(&Adaptor::MetaSearch_SetQuery, Handle(search), Handle(query));
 }
 
-// The platform knows times of 32 bits.
+// Times have 32 bits on the wire.
 Return<int32_t> SearchManager::MetaSearch_FindProgrammesFromStream(int64_t search, int64_t channel, uint64_t startTime,
                                                                    int32_t count) {
     return Status(&Adaptor::MetaSearch_FindProgrammesFromStream, Handle(search), Handle(channel),
@@ -131,16 +116,14 @@ Return<void> SearchManager::Query_Not(int64_t query, Query_Not_cb _hidl_cb) {
 
 // The adaptor keeps its receiver, which drops the events from now on.
 void SearchManager::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
-    std::lock_guard<std::mutex> lock(mRegistering);
-    DropDead(mSearchCallback, who);
+    gClient.OnDied(this, who);
 }
 
 void TolmSearchManagerCallback(const TolmSearchManagerEvent& event, const ::TolmSearchManagerEventInfo& info,
                                const void* context) {
-    const sp<ISearchManagerCallback> client = mSearchCallback.Get();
-    if (client == nullptr || !mService.HasClient()) return;
-    // The client may have died just now: then there is nobody to tell.
+    const sp<ISearchManagerCallback> client = gClient.GetLiving();
+    if (client == nullptr) return;
+    // If the client has just died, the call fails, and the event is dropped.
     (void)client->OnSearchManagerEvent(event, {info.state, ToHandle(info.searchHandle)}, ToHandle(context)).isOk();
 }
 

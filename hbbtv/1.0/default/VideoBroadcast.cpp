@@ -1,10 +1,9 @@
 #include "VideoBroadcast.h"
 
-#include <mutex>
-
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
-#include "ipc/tolm_log.h"
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_registered_client.h"
+#include "utils/include/tolm_service_tags.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
 
@@ -12,17 +11,11 @@ using Adaptor = TolmVideoBroadcastAdaptorIpc;
 
 namespace {
 
-constexpr char kTag[] = "[hidl_video_broadcast_wrapper_client]";
-
-// One client for the whole process, whatever its object.
-TolmClientHolder<IVideoBroadcastCallback> mVBCallback;
-
-// The client, the watch over it and the adaptor's receiver and context change together. Not taken by events.
-std::mutex mRegistering;
+TolmRegisteredClient<IVideoBroadcastCallback> gClient;  // of all video/broadcast objects
 
 }  // namespace
 
-VideoBroadcast::VideoBroadcast() : TolmHidlClientMonitor(kTag) {}
+VideoBroadcast::VideoBroadcast() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, gClient) {}
 
 Return<void> VideoBroadcast::Create(int64_t context, Create_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::Create, Handle(context));
@@ -37,21 +30,12 @@ Return<int32_t> VideoBroadcast::Release(int64_t vb) {
 }
 
 Return<int32_t> VideoBroadcast::RegisterCallback(int64_t vb, const sp<IVideoBroadcastCallback>& cb, int64_t context) {
-    if (cb == nullptr) {
-        TOLM_LOG(ANDROID_LOG_ERROR, kTag, "cb is null");
-        return -1;
-    }
-    Adaptor* adaptor = Adaptor::GetInstance();
-    if (adaptor == nullptr) return -1;
-    std::lock_guard<std::mutex> lock(mRegistering);
-    Hold(mVBCallback, cb);
-    return adaptor->RegisterCallback(Handle(vb), TolmVideoBroadcastHidlCallback, Handle(context));
+    return gClient.Register(this, cb, &Adaptor::RegisterCallback, Handle(vb), TolmVideoBroadcastHidlCallback,
+                            Handle(context));
 }
 
 Return<int32_t> VideoBroadcast::UnregisterCallback(int64_t vb) {
-    std::lock_guard<std::mutex> lock(mRegistering);
-    Drop(mVBCallback);
-    return Status(&Adaptor::UnregisterCallback, Handle(vb));
+    return gClient.Unregister(this, &Adaptor::UnregisterCallback, Handle(vb));
 }
 
 Return<int32_t> VideoBroadcast::SetWindow(int64_t vb, const TolmRect& rect) {
@@ -205,10 +189,7 @@ Return<int32_t> VideoBroadcast::ChangeDisplaySource(int32_t source) {
 }
 
 void VideoBroadcast::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    TOLM_LOG(ANDROID_LOG_INFO, kTag, "ClientDeathRecipient::serviceDied - client died");
-    std::lock_guard<std::mutex> lock(mRegistering);
-    if (!DropDead(mVBCallback, who)) return;
-    if (Adaptor* adaptor = Adaptor::GetInstance()) adaptor->ClearCallback();
+    gClient.OnDied(this, who, &Adaptor::ClearCallback);
 }
 
 namespace {
@@ -225,7 +206,7 @@ hidl_string Text(const TolmOwnedText& text) {
     return result;
 }
 
-// One client call per event. The caller looks at the Return.
+// Makes the one client call of an event. The caller must check the Return.
 Return<void> Forward(IVideoBroadcastCallback& client, TolmVideoBroadcastEvent event,
                      const TolmVideoBroadcastEventInfo& info) {
     switch (event) {
@@ -276,7 +257,7 @@ Return<void> Forward(IVideoBroadcastCallback& client, TolmVideoBroadcastEvent ev
         case 22:
             return client.onVideoBroadcastEvent(event);
         default:
-            TOLM_LOG(ANDROID_LOG_WARN, kTag, "wrong event type %d", event);
+            TOLM_LOG(ANDROID_LOG_WARN, tolm::kVideoBroadcastTag, "wrong event type %d", event);
             return ::android::hardware::Void();
     }
 }
@@ -286,8 +267,8 @@ Return<void> Forward(IVideoBroadcastCallback& client, TolmVideoBroadcastEvent ev
 void TolmVideoBroadcastHidlCallback(const TolmVideoBroadcastEvent& event, const TolmVideoBroadcastEventInfo& info,
                                     const void*) {
     TolmVideoBroadcastEventInfo owned = info;
-    if (const sp<IVideoBroadcastCallback> client = mVBCallback.Get()) {
-        // The client may have died just now: then there is nobody to tell.
+    if (const sp<IVideoBroadcastCallback> client = gClient.Get()) {
+        // If the client has just died, the call fails, and the event is dropped.
         (void)Forward(*client, event, owned).isOk();
     }
     TolmFreeVideoBroadcastEventInfo(event, owned);

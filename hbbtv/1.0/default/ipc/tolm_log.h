@@ -1,4 +1,4 @@
-// The log lines of this library: "[tolm](file:line) function: message" under a tag per area.
+// The log lines of this library: "[tolm](file:line) function: message" under one tag per area.
 #pragma once
 
 #include <android/log.h>
@@ -7,7 +7,9 @@
 
 namespace tolm {
 
-// The file's name without its directories.
+inline constexpr char kIpcBaseTag[] = "[ipc_base]";  // the JSON bases and the registry of receivers
+
+// Returns the file's name without its directories.
 constexpr const char* LogFileName(const char* path) {
     const char* name = path;
     for (const char* c = path; *c != '\0'; ++c) {
@@ -16,18 +18,49 @@ constexpr const char* LogFileName(const char* path) {
     return name;
 }
 
-// Whether a line of this priority and tag would be written. Ask before making a costly text for it.
+// Returns whether a line of this priority and tag would be written. Ask before building an expensive message.
 inline bool LogEnabled(int priority, const char* tag) {
     return __android_log_is_loggable(priority, tag, ANDROID_LOG_VERBOSE) != 0;
 }
 
-// A line of the socket layer: to the log under the tag "tolm_IPC" and, in short, to standard output.
+// A place in the source, for functions that log on behalf of their caller. As default arguments, __builtin_FILE(),
+// __builtin_LINE() and __builtin_FUNCTION() are those of the call.
+struct Place {
+    const char* file;
+    int line;
+    const char* function;
+};
+
+// Writes a line that names `place`.
+void LogAt(const Place& place, int priority, const char* tag, const char* message);
+
+// Writes ENTER when it is created and LEAVE at the end of its scope.
+class LogScope {
+  public:
+    explicit LogScope(const char* tag, const char* file = __builtin_FILE(), int line = __builtin_LINE(),
+                      const char* function = __builtin_FUNCTION())
+        : LogScope(tag, Place{file, line, function}) {}
+    LogScope(const char* tag, const Place& place);
+    ~LogScope();
+    LogScope(const LogScope&) = delete;
+    LogScope& operator=(const LogScope&) = delete;
+
+    // Omits LEAVE: a message that is dropped halfway leaves without it, and log filters rely on that.
+    void Abandon() { mLeaves = false; }
+
+  private:
+    const char* const mTag;
+    const Place mPlace;
+    bool mLeaves = true;
+};
+
+// Writes a line of the socket layer: to the log under the tag "tolm_IPC" and, without its place, to standard output.
 void LogSocketLine(int priority, const char* file, int line, const char* function, const char* format, ...)
     __attribute__((format(printf, 5, 6)));
 
 }  // namespace tolm
 
-// A line that names this place. `format` is a literal.
+// Writes a line that names this place. `format` is a literal.
 #define TOLM_LOG(priority, tag, format, ...)                                                                 \
     __android_log_print(priority, tag, "[tolm](%s:%d) %s: " format, ::tolm::LogFileName(__FILE__), __LINE__, \
                         static_cast<const char*>(__func__), ##__VA_ARGS__)

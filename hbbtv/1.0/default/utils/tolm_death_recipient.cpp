@@ -1,17 +1,11 @@
 #include <algorithm>
 
-#include "ipc/src/tolm_adaptor_call.h"
+#include "ipc/tolm_log.h"
 #include "utils/include/i_tolm_death_recipient.h"
-
-namespace {
-
-constexpr char kTag[] = "[hidl_base]";
-
-}  // namespace
+#include "utils/include/tolm_service_tags.h"
 
 void TolmHidlClientDeathRecipient::serviceDied(uint64_t cookie, const android::wp<IBase>& who) {
-    const tolm::Method here(-1);
-    tolm::LogEnter(kTag, here);
+    tolm::LogScope scope(tolm::kHidlBaseTag);
     bool watched = false;
     {
         std::unique_lock<std::shared_mutex> lock(mMutex);
@@ -26,7 +20,6 @@ void TolmHidlClientDeathRecipient::serviceDied(uint64_t cookie, const android::w
         std::lock_guard<std::mutex> lock(mListenerMutex);
         if (mListener != nullptr) mListener->OnHidlClientDied(cookie, who);
     }
-    tolm::LogLeave(kTag, here);
 }
 
 void TolmHidlClientDeathRecipient::Watch(const android::sp<IBase>& client) {

@@ -2,36 +2,40 @@
 
 #include <algorithm>
 
-#include "ipc/tolm_log.h"
+namespace {
 
-bool TolmServiceInstance::HasClient() const {
+constexpr char kStopped[] = "ClientDeathRecipient::StopMonitor";
+
+}  // namespace
+
+bool TolmServiceInstances::HasClient() const {
     std::lock_guard<std::mutex> lock(mMutex);
     return !mRecipients.empty() && !mRecipients.back()->IsDied();
 }
 
-void TolmServiceInstance::Add(const android::sp<Recipient>& recipient) {
+void TolmServiceInstances::Add(const android::sp<Recipient>& recipient) {
     std::lock_guard<std::mutex> lock(mMutex);
     mRecipients.push_back(recipient);
 }
 
-void TolmServiceInstance::Remove(const android::sp<Recipient>& recipient) {
+void TolmServiceInstances::Remove(const android::sp<Recipient>& recipient) {
     std::lock_guard<std::mutex> lock(mMutex);
     const auto found = std::find(mRecipients.begin(), mRecipients.end(), recipient);
     if (found != mRecipients.end()) mRecipients.erase(found);
 }
 
-TolmHidlClientMonitor::TolmHidlClientMonitor(const char* tag, TolmServiceInstance* instance)
-    : mTag(tag), mInstance(instance), mRecipient(new TolmHidlClientDeathRecipient(this)) {
-    if (mInstance != nullptr) mInstance->Add(mRecipient);
+TolmHidlClientMonitor::TolmHidlClientMonitor(const char* tag, TolmServiceInstances& instances)
+    : mTag(tag), mInstances(instances), mRecipient(new TolmHidlClientDeathRecipient(this)) {
+    mInstances.Add(mRecipient);
 }
 
 TolmHidlClientMonitor::~TolmHidlClientMonitor() {
-    if (mInstance != nullptr) mInstance->Remove(mRecipient);
+    mInstances.Remove(mRecipient);
     mRecipient->Detach();
 }
 
-// A client that is dead already cannot be linked or unlinked; its notice comes all the same, or is not wanted. The
-// process ends when nobody looks at a transport that has failed, so isOk() is asked.
+// A client that is already dead cannot be linked or unlinked. Its notice arrives anyway, or is not wanted. A failed
+// Return must be checked by isOk(): unchecked, it ends the process.
 void TolmHidlClientMonitor::StartMonitor(const android::sp<IBase>& cb) {
     TOLM_LOG(ANDROID_LOG_INFO, mTag, "ClientDeathRecipient::StartMonitor");
     mRecipient->Watch(cb);
@@ -43,7 +47,7 @@ void TolmHidlClientMonitor::StartMonitor(const android::sp<IBase>& cb) {
 }
 
 void TolmHidlClientMonitor::StopMonitor(const android::sp<IBase>& cb) {
-    TOLM_LOG(ANDROID_LOG_INFO, mTag, "ClientDeathRecipient::StopMonitor");
+    TOLM_LOG(ANDROID_LOG_INFO, mTag, "%s", kStopped);
     mRecipient->SetDied(true);
     if (cb != nullptr) {
         Forget(cb);
@@ -56,4 +60,18 @@ void TolmHidlClientMonitor::Forget(const android::sp<IBase>& client) {
     if (client == nullptr) return;
     mRecipient->Unwatch(client);
     (void)client->unlinkToDeath(mRecipient).isOk();
+}
+
+bool TolmServiceMethod::Accepts(const android::sp<android::hidl::base::V1_0::IBase>& callback) const {
+    if (callback != nullptr) return true;
+    tolm::LogAt(mPlace, ANDROID_LOG_ERROR, mService->Tag(), "cb is null");
+    return false;
+}
+
+void TolmServiceMethod::LogDeath() const {
+    tolm::LogAt(mPlace, ANDROID_LOG_INFO, mService->Tag(), "ClientDeathRecipient::serviceDied - client died");
+}
+
+void TolmServiceMethod::LogStop() const {
+    tolm::LogAt(mPlace, ANDROID_LOG_INFO, mService->Tag(), kStopped);
 }

@@ -230,36 +230,23 @@ bool Read(const Json::Value& object, std::initializer_list<Target> targets) {
     return all;
 }
 
-TolmAdaptorClient::TolmAdaptorClient(TolmIpcKeyId key, int port, const Family& family)
-    : TolmBaseClient(key, port), mFamily(family) {}
+TolmAdaptorClient::TolmAdaptorClient(const Family& family)
+    : TolmBaseClient(family.requests, family.port), mFamily(family) {}
 
 int TolmAdaptorClient::Call(const Method& method, std::initializer_list<Member> request,
                             std::initializer_list<Target> results) {
-    LogEnter(mFamily.tag, method);
+    LogScope scope(mFamily.tag, method.place);
     Json::Value reply;
-    int status = SendIpc(Request(mFamily, method, request), reply);
-    if (status == 0 && !Read(reply, results)) status = -1;
-    LogLeave(mFamily.tag, method);
-    return status;
+    const int status = SendIpc(Request(mFamily, method, request), reply);
+    return status == 0 && !Read(reply, results) ? -1 : status;
 }
 
 int TolmAdaptorClient::Post(const Method& method, std::initializer_list<Member> request,
                             void (*logFailure)(const Method& method)) {
-    LogEnter(mFamily.tag, method);
+    LogScope scope(mFamily.tag, method.place);
     const int status = SendIpcWithNoRet(Request(mFamily, method, request));
     if (status != 0 && logFailure != nullptr) logFailure(method);
-    LogLeave(mFamily.tag, method);
     return status;
-}
-
-void LogEnter(const char* tag, const Method& place) {
-    __android_log_print(ANDROID_LOG_VERBOSE, tag, "[tolm](%s:%d) %s: ENTER", LogFileName(place.file), place.line,
-                        place.operation);
-}
-
-void LogLeave(const char* tag, const Method& place) {
-    __android_log_print(ANDROID_LOG_VERBOSE, tag, "[tolm](%s:%d) %s: LEAVE", LogFileName(place.file), place.line,
-                        place.operation);
 }
 
 }  // namespace tolm

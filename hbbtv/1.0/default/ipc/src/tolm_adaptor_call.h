@@ -12,31 +12,23 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "ipc/src/tolm_base_client.h"
+#include "ipc/src/tolm_family.h"
+#include "ipc/tolm_log.h"
 
 namespace tolm {
 
-// What the requests of a family have in common.
-struct Family {
-    const char* tag;                 // of its log lines
-    std::optional<int> type;         // the member "type" of each request; none in a family without one
-    const char* codeKey = "method";  // the member that holds the operation's code
-};
-
-// An operation: its code on the wire, and for the log lines its name and place, which come from where the code stands.
+// An operation: its code on the wire, and its row's place for the log lines. A bare code converts to it.
 struct Method {
-    Method(int theCode, const char* theFile = __builtin_FILE(), int theLine = __builtin_LINE(),
-           const char* theOperation = __builtin_FUNCTION())
-        : code(theCode), file(theFile), line(theLine), operation(theOperation) {}
+    Method(int theCode, const char* file = __builtin_FILE(), int line = __builtin_LINE(),
+           const char* function = __builtin_FUNCTION())
+        : code(theCode), place{file, line, function} {}
 
     int code;
-    const char* file;
-    int line;
-    const char* operation;
+    Place place;
 };
 
 // A member of a request. Lives as long as the expression it stands in: texts are not copied.
@@ -113,8 +105,8 @@ bool Read(const Json::Value& object, std::initializer_list<Target> targets);
 // The client side of every adaptor.
 class TolmAdaptorClient : public TolmBaseClient {
   protected:
-    // `family` is kept by reference: a constant of the adaptor's file.
-    TolmAdaptorClient(TolmIpcKeyId key, int port, const Family& family);
+    // `family` is kept by reference: a row of tolm_family.h.
+    explicit TolmAdaptorClient(const Family& family);
     ~TolmAdaptorClient() = default;
 
     // Carries out an operation: logs ENTER and LEAVE, sends the request and waits for the reply. The status is the
@@ -129,9 +121,5 @@ class TolmAdaptorClient : public TolmBaseClient {
   private:
     const Family& mFamily;
 };
-
-// The ENTER and LEAVE lines around an operation or handler that is not in the table.
-void LogEnter(const char* tag, const Method& place);
-void LogLeave(const char* tag, const Method& place);
 
 }  // namespace tolm

@@ -1,6 +1,6 @@
 #include "ipc/src/tolm_base_client.h"
 
-#include <vector>
+#include <string>
 
 #include "ipc/src/tolm_json_text.h"
 #include "ipc/tolm_ipc_factory.h"
@@ -8,7 +8,9 @@
 
 namespace {
 
-constexpr char kTag[] = "[ipc_base]";
+std::string ToString(const std::vector<unsigned char>& bytes) {
+    return {bytes.begin(), bytes.end()};
+}
 
 }  // namespace
 
@@ -18,31 +20,36 @@ TolmBaseClient::TolmBaseClient(TolmIpcKeyId key, int port)
 int TolmBaseClient::SendIpcWithNoRet(const Json::Value& req) {
     const std::vector<unsigned char> bytes = tolm::ToStyledBytes(req);
     if (mClient == nullptr || !mClient->Send(bytes)) return -1;
-    if (tolm::LogEnabled(ANDROID_LOG_DEBUG, kTag)) {
-        TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "send msg:%s", req.toStyledString().c_str());
+    if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
+        TOLM_LOG(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s", ToString(bytes).c_str());
     }
     return 0;
 }
 
+TolmBaseClient::Outcome TolmBaseClient::ExchangeLocked(const std::vector<unsigned char>& request, Json::Value& reply) {
+    if (mClient == nullptr) return Outcome::kNoClient;
+    std::vector<unsigned char> bytes;
+    if (!mClient->SendSync(request, bytes)) return Outcome::kNoReply;
+    if (!tolm::ParseJson(bytes, reply)) return Outcome::kNotJson;
+    if (!reply.isObject() || !reply["ret"].isInt()) return Outcome::kNoStatus;
+    return Outcome::kComplete;
+}
+
 int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply) {
     const std::vector<unsigned char> bytes = tolm::ToStyledBytes(req);
-    std::vector<unsigned char> replyBytes;
     std::lock_guard<std::mutex> lock(mMutex);
-    const bool noClient = mClient == nullptr;
-    const bool notSent = noClient || !mClient->SendSync(bytes, replyBytes);
-    const bool notParsed = notSent || !tolm::ParseJson(replyBytes, reply);
-    if (!notParsed && reply.isObject() && reply["ret"].isInt()) {
-        if (tolm::LogEnabled(ANDROID_LOG_DEBUG, kTag)) {
-            TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "send msg:%s, out_msg:%s", req.toStyledString().c_str(),
-                     reply.toStyledString().c_str());
-        }
-        return reply["ret"].asInt();
+    const Outcome outcome = ExchangeLocked(bytes, reply);
+    if (outcome != Outcome::kComplete) {
+        // One flag per step; 0 marks the step that failed.
+        TOLM_LOG(ANDROID_LOG_WARN, tolm::kIpcBaseTag, "SendIpc failed %d %d %d", outcome != Outcome::kNoReply,
+                 outcome != Outcome::kNotJson, outcome != Outcome::kNoStatus);
+        return -1;
     }
-    // One flag for each step, 0 for the one that failed.
-    const bool sendFailed = notSent && !noClient;
-    const bool parseFailed = notParsed && !notSent;
-    TOLM_LOG(ANDROID_LOG_WARN, kTag, "SendIpc failed %d %d %d", !sendFailed, !parseFailed, notParsed);
-    return -1;
+    if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
+        TOLM_LOG(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s, out_msg:%s", ToString(bytes).c_str(),
+                 reply.toStyledString().c_str());
+    }
+    return reply["ret"].asInt();
 }
 
 int TolmBaseClient::SendIpc(const Json::Value& req) {

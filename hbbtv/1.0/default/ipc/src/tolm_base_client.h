@@ -5,29 +5,37 @@
 
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include "ipc/tolm_ipc_client.h"
 #include "ipc/tolm_ipc_types.h"
 
+// Thread-safe.
 class TolmBaseClient {
   public:
-    // `port` is what the platform knows this client by. Connects with the first message.
+    // `port` identifies this client to the platform. Connects on the first message.
     TolmBaseClient(TolmIpcKeyId key, int port);
 
-    // One-way: 0 when the message was written, else -1. Any thread, also while another waits for a reply.
+    // Sends a one-way message, even while another thread waits for a reply. Returns 0 if it was written, -1 otherwise.
     int SendIpcWithNoRet(const Json::Value& req);
 
-    // A request: the reply's "ret", or -1 when there is none (not sent, no reply, not a JSON object, "ret" no integer).
-    // Any thread; one request at a time, the others wait.
+    // Sends a request and returns the reply's "ret", or -1 if there is none: the request was not sent, no reply came,
+    // the reply is not a JSON object, or "ret" is not an integer. One request at a time; others wait.
     int SendIpc(const Json::Value& req, Json::Value& reply);
 
-    // The same for who does not want the reply's other members.
+    // As above, without access to the reply's other members.
     int SendIpc(const Json::Value& req);
 
   protected:
     ~TolmBaseClient() = default;
 
   private:
+    // The first step of an exchange that failed, if any.
+    enum class Outcome { kNoClient, kNoReply, kNotJson, kNoStatus, kComplete };
+
+    // mMutex is held.
+    Outcome ExchangeLocked(const std::vector<unsigned char>& request, Json::Value& reply);
+
     std::shared_ptr<tolm::TolmIpcClient> mClient;
     std::mutex mMutex;  // held from a request to its reply, which is how they are matched
 };

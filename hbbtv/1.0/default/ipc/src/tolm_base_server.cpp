@@ -1,17 +1,17 @@
 #include "ipc/src/tolm_base_server.h"
 
+#include <string>
+
 #include "ipc/src/tolm_hbbtv_ipc_server_delegate_mgr.h"
 #include "ipc/src/tolm_json_text.h"
 #include "ipc/tolm_log.h"
 
 namespace {
 
-constexpr char kTag[] = "[ipc_base]";
-
 // Whether a message is a JSON object.
 bool ParseMessage(const std::vector<unsigned char>& msg, Json::Value& document) {
     if (tolm::ParseJson(msg, document) && document.isObject()) return true;
-    TOLM_LOG(ANDROID_LOG_WARN, kTag, "Ipc2Json failed");
+    TOLM_LOG(ANDROID_LOG_WARN, tolm::kIpcBaseTag, "Ipc2Json failed");
     return false;
 }
 
@@ -35,9 +35,9 @@ void TolmBaseServer::Stop() {
 void TolmBaseServer::OnRecv(const std::vector<unsigned char>& msg, int port) {
     Json::Value document;
     if (!ParseMessage(msg, document)) return;
-    if (tolm::LogEnabled(ANDROID_LOG_DEBUG, kTag)) {
-        TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "recv msg:%s in m_ipc_id(%x) port(%d)", document.toStyledString().c_str(),
-                 mKey, port);
+    if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
+        TOLM_LOG(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "recv msg:%s in m_ipc_id(%x) port(%d)",
+                 document.toStyledString().c_str(), mKey, port);
     }
     ReceiveIpc(document);
 }
@@ -48,8 +48,8 @@ void TolmBaseServer::OnRecvSync(const std::vector<unsigned char>& msg, std::vect
     Json::Value out;
     ReceiveIpc(document, out);
     reply = tolm::ToStyledBytes(out);
-    if (tolm::LogEnabled(ANDROID_LOG_DEBUG, kTag)) {
-        TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "recv msg:%s and out_msg:%s in m_ipc_id(%x) port(%d)",
-                 document.toStyledString().c_str(), out.toStyledString().c_str(), mKey, port);
+    if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
+        TOLM_LOG(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "recv msg:%s and out_msg:%s in m_ipc_id(%x) port(%d)",
+                 document.toStyledString().c_str(), std::string(reply.begin(), reply.end()).c_str(), mKey, port);
     }
 }

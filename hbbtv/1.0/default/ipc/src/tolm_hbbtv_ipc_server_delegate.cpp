@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr char kTag[] = "[ipc_base]";
-
 thread_local bool tInHandler = false;
 
 }  // namespace
@@ -23,16 +21,17 @@ TolmHbbtvIpcServerDelegate::~TolmHbbtvIpcServerDelegate() {
 void TolmHbbtvIpcServerDelegate::RegisterIpcServerDelegate(int port, tolm::TolmIpcServerDelegate* receiver) {
     std::lock_guard<std::mutex> lock(mMutex);
     if (!mReceivers.emplace(port, receiver).second) {
-        TOLM_LOG(ANDROID_LOG_ERROR, kTag, "ipc server start in channel(%x) port(%d) repeatedly ", mKey, port);
+        TOLM_LOG(ANDROID_LOG_ERROR, tolm::kIpcBaseTag, "ipc server start in channel(%x) port(%d) repeatedly ", mKey,
+                 port);
         return;
     }
-    TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "ipc server start success in channel(%x) port(%d)", mKey, port);
+    TOLM_LOG(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "ipc server start success in channel(%x) port(%d)", mKey, port);
 }
 
 void TolmHbbtvIpcServerDelegate::UnRegisterIpcServerDelegate(int port) {
     std::lock_guard<std::mutex> lock(mMutex);
     if (mReceivers.erase(port) == 0) return;
-    TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "ipc server stop success in channel(%x) port(%d)", mKey, port);
+    TOLM_LOG(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "ipc server stop success in channel(%x) port(%d)", mKey, port);
 }
 
 void TolmHbbtvIpcServerDelegate::WaitForDelivery() {
@@ -43,7 +42,7 @@ tolm::TolmIpcServerDelegate* TolmHbbtvIpcServerDelegate::Find(int port) {
     std::lock_guard<std::mutex> lock(mMutex);
     const auto found = mReceivers.find(port);
     if (found != mReceivers.end() && found->second != nullptr) return found->second;
-    TOLM_LOG(ANDROID_LOG_WARN, kTag, "channel(%x) port(%d): no receiver", mKey, port);
+    TOLM_LOG(ANDROID_LOG_WARN, tolm::kIpcBaseTag, "channel(%x) port(%d): no receiver", mKey, port);
     return nullptr;
 }
 

@@ -1,4 +1,4 @@
-// How a service learns that the client which registered a callback with it has died.
+// How a service is notified when a client that registered a callback with it dies.
 #pragma once
 
 #include <android/hidl/base/1.0/IBase.h>
@@ -8,42 +8,42 @@
 #include <shared_mutex>
 #include <vector>
 
-// Told of a client's death, on a thread of the HIDL pool.
+// Receives the death of a client, on a thread of the HIDL pool.
 class ITolmHidlClientEvent {
   public:
-    // `who` is the callback that was registered; nobody may hold it any more.
+    // `who` is the callback that was registered. The last strong reference to it may be gone.
     virtual void OnHidlClientDied(uint64_t cookie, const android::wp<android::hidl::base::V1_0::IBase>& who) = 0;
 
   protected:
-    ~ITolmHidlClientEvent() = default;  // nobody owns a service by this interface
+    ~ITolmHidlClientEvent() = default;  // services are not deleted through this interface
 };
 
-// The death recipient of one service, and its flag that says whether there is no living client. The runtime holds it
-// weakly; the service keeps it.
+// The death recipient of one service, with its client-gone flag. Thread-safe. The runtime holds it weakly; the service
+// keeps it.
 class TolmHidlClientDeathRecipient : public android::hardware::hidl_death_recipient {
   public:
     using IBase = android::hidl::base::V1_0::IBase;
 
     explicit TolmHidlClientDeathRecipient(ITolmHidlClientEvent* listener) : mListener(listener) {}
 
-    // Sets the flag and tells the listener, unless the client is not watched any more: then another one has taken its
-    // place, and the notice only came late.
+    // Sets the flag and notifies the listener. Ignored if the client is no longer watched: then another client has
+    // replaced it, and the notice is late.
     void serviceDied(uint64_t cookie, const android::wp<IBase>& who) override;
 
-    // Watches a client and clears the flag.
+    // Adds a client to the watched ones and clears the flag.
     void Watch(const android::sp<IBase>& client);
 
-    // Forgets a client.
+    // Removes a client from the watched ones.
     void Unwatch(const android::sp<IBase>& client);
 
     void SetDied(bool died);
     bool IsDied() const;
 
-    // The listener is told no more when this returns.
+    // When it returns, the listener is not called any more.
     void Detach();
 
   private:
-    std::mutex mListenerMutex;        // held while the listener is told
+    std::mutex mListenerMutex;        // held while the listener is called
     ITolmHidlClientEvent* mListener;  // guarded by mListenerMutex, not owned
 
     mutable std::shared_mutex mMutex;

@@ -121,6 +121,19 @@ template <typename... Results, typename Adaptor, typename... Parameters, typenam
     return AnswerFrom(std::tuple<>(), callback, operation, arguments...);
 }
 
+// For methods with work of their own: `operation` is called with the adaptor and the results, which are zero at first,
+// and returns the status.
+template <typename Adaptor, typename... Results, typename Operation>
+::android::hardware::Return<void> AnswerBy(const std::function<void(int32_t, Results...)>& callback,
+                                           const Operation& operation) {
+    std::tuple<std::decay_t<Results>...> results{};
+    Adaptor* adaptor = Adaptor::GetInstance();
+    const int status =
+        adaptor == nullptr ? -1 : std::apply([&](auto&... result) { return operation(*adaptor, result...); }, results);
+    std::apply([&](const auto&... result) { callback(status, result...); }, results);
+    return ::android::hardware::Void();
+}
+
 // For methods whose only result is the status.
 template <typename Adaptor, typename... Parameters, typename... Arguments>
 ::android::hardware::Return<int32_t> Status(int (Adaptor::*operation)(Parameters...), const Arguments&... arguments) {

@@ -1,40 +1,19 @@
-// What the services that have clients with callbacks share: the holder of the registered callback, and the watch over
-// its process.
+// The base of the services that watch the processes of their clients.
 #pragma once
 
 #include <mutex>
-#include <utility>
 #include <vector>
 
+#include "ipc/tolm_log.h"
 #include "utils/include/i_tolm_death_recipient.h"
 
-// The registered callback of a service, or null. `sp` itself bears no two threads; this does.
-template <typename Callback>
-class TolmClientHolder {
-  public:
-    android::sp<Callback> Get() const {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mCallback;
-    }
-
-    // Gives the callback that was held.
-    android::sp<Callback> Exchange(android::sp<Callback> callback) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return std::exchange(mCallback, std::move(callback));
-    }
-
-  private:
-    mutable std::mutex mMutex;
-    android::sp<Callback> mCallback;  // guarded by mMutex
-};
-
-// The service object that there is, for functions that are called with its events and have none at hand: the youngest,
-// should there be several. Any thread.
-class TolmServiceInstance {
+// The service objects of one class that exist. Events arrive at functions that have no service object at hand; this is
+// where they look whether there is one. Thread-safe.
+class TolmServiceInstances {
   public:
     using Recipient = TolmHidlClientDeathRecipient;
 
-    // Whether there is one and its client lives.
+    // Returns whether a service exists and its client-gone flag is clear. If there are several, the newest one counts.
     bool HasClient() const;
 
   private:
@@ -47,55 +26,53 @@ class TolmServiceInstance {
     std::vector<android::sp<Recipient>> mRecipients;  // guarded by mMutex
 };
 
-// Base of such a service. Any thread.
+// Thread-safe.
 class TolmHidlClientMonitor : public ITolmHidlClientEvent {
   public:
     using IBase = android::hidl::base::V1_0::IBase;
 
-    // Begins to watch a client's process: its death comes by OnHidlClientDied(), once.
+    // Starts watching a client's process. OnHidlClientDied() is called once if it dies. Clears the client-gone flag.
     void StartMonitor(const android::sp<IBase>& cb);
 
-    // Ends that.
+    // Stops watching a client's process. Sets the client-gone flag.
     void StopMonitor(const android::sp<IBase>& cb);
 
-  protected:
-    // `tag` is that of the service's log lines. `instance`, if any, is this service as long as it lives.
-    explicit TolmHidlClientMonitor(const char* tag, TolmServiceInstance* instance = nullptr);
-    ~TolmHidlClientMonitor();
+    // Stops watching a client's process without a log line or a change of the flag. Null is ignored.
+    void Forget(const android::sp<IBase>& client);
 
-    // Corrects the flag that says that there is no living client, for a service with several.
+    // Sets the client-gone flag, for a service with several clients.
     void SetClientDied(bool died) { mRecipient->SetDied(died); }
 
-    // Puts a callback into the holder, in place of another one, and watches it. The service keeps this and the next two
-    // from running at once.
-    template <typename Callback>
-    void Hold(TolmClientHolder<Callback>& holder, const android::sp<Callback>& callback) {
-        Forget(holder.Exchange(callback));
-        StartMonitor(callback);
-    }
+    const char* Tag() const { return mTag; }
 
-    // Empties the holder and ends the watch.
-    template <typename Callback>
-    void Drop(TolmClientHolder<Callback>& holder) {
-        StopMonitor(holder.Get());
-        holder.Exchange(nullptr);
-    }
-
-    // The same if the holder still holds the client that died: whether it did.
-    template <typename Callback>
-    bool DropDead(TolmClientHolder<Callback>& holder, const android::wp<IBase>& who) {
-        const android::sp<Callback> held = holder.Get();
-        if (android::wp<IBase>(android::sp<IBase>(held)) != who) return false;
-        StopMonitor(held);
-        holder.Exchange(nullptr);
-        return true;
-    }
-
-    // Ends the watch over a client and leaves the flag alone; null is none.
-    void Forget(const android::sp<IBase>& client);
+  protected:
+    // `tag` is that of the log lines about the client. The service is one of `instances` as long as it exists.
+    TolmHidlClientMonitor(const char* tag, TolmServiceInstances& instances);
+    ~TolmHidlClientMonitor();
 
   private:
     const char* const mTag;
-    TolmServiceInstance* const mInstance;
+    TolmServiceInstances& mInstances;
     const android::sp<TolmHidlClientDeathRecipient> mRecipient;
+};
+
+// A service in one of its methods, which passes `this`: log lines written on its behalf name the method.
+class TolmServiceMethod {
+  public:
+    TolmServiceMethod(TolmHidlClientMonitor* service, const char* file = __builtin_FILE(), int line = __builtin_LINE(),
+                      const char* function = __builtin_FUNCTION())
+        : mService(service), mPlace{file, line, function} {}
+
+    TolmHidlClientMonitor* operator->() const { return mService; }
+
+    // Returns whether there is a callback, and logs an error if not.
+    bool Accepts(const android::sp<android::hidl::base::V1_0::IBase>& callback) const;
+
+    // Write the lines of a client's death and of StopMonitor().
+    void LogDeath() const;
+    void LogStop() const;
+
+  private:
+    TolmHidlClientMonitor* const mService;
+    const tolm::Place mPlace;
 };

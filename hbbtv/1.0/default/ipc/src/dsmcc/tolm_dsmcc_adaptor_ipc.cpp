@@ -7,17 +7,14 @@ using namespace tolm;
 
 namespace {
 
-constexpr char kTag[] = "[ipc_dsmcc]";
-constexpr Family kFamily{kTag, 20};
-constexpr int kPort = 2;
+constexpr const char* kTag = families::kDsmcc.tag;
 
 constexpr int kFileEvent = 4;  // the one "method" that the platform sends
 
 }  // namespace
 
 TolmDsmccAdaptorIpc::TolmDsmccAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_DSMCC_TO_HBBTV, kPort, kFamily),
-      TolmBaseServer(TOLM_IPC_KEY_SERVICE_HBBTV_TO_DSMCC, kPort) {
+    : TolmAdaptorClient(families::kDsmcc), TolmBaseServer(*families::kDsmcc.events, families::kDsmcc.port) {
     Start();
 }
 
@@ -40,17 +37,16 @@ int TolmDsmccAdaptorIpc::BrowserRegisterCallback(const TolmDsmccBrowserCallback&
 }
 
 void TolmDsmccAdaptorIpc::ReceiveIpc(const Json::Value& msg) {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     if (ReadInt(msg, "method") != kFileEvent) {
         TOLM_LOG(ANDROID_LOG_WARN, kTag, "wrong method");
-        return;
+        return scope.Abandon();
     }
     void* context = nullptr;
     if (!Read(msg, {ToPointer("context", context)})) {
         TOLM_LOG(ANDROID_LOG_WARN, kTag, "ParsePointerValue failed context:%p this:%p", context,
                  static_cast<void*>(this));
-        return;
+        return scope.Abandon();
     }
     std::string url;
     std::string filePath;
@@ -59,7 +55,6 @@ void TolmDsmccAdaptorIpc::ReceiveIpc(const Json::Value& msg) {
     TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "url:%s filePath:%s event:%d context:%p", url.c_str(), filePath.c_str(), event,
              context);
     DsmccFileCallback(filePath, event, context);
-    LogLeave(kTag, here);
 }
 
 void TolmDsmccAdaptorIpc::ReceiveIpc(const Json::Value&, Json::Value&) {
@@ -67,8 +62,7 @@ void TolmDsmccAdaptorIpc::ReceiveIpc(const Json::Value&, Json::Value&) {
 }
 
 void TolmDsmccAdaptorIpc::DsmccFileCallback(const std::string& filePath, int event, const void* context) {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     TolmDSMCCFileEventType type = TOLM_DSMCC_FILE_EVENT_0;
     switch (event) {
         case 0:
@@ -84,10 +78,10 @@ void TolmDsmccAdaptorIpc::DsmccFileCallback(const std::string& filePath, int eve
             type = TOLM_DSMCC_FILE_EVENT_1;
             break;
         case 4:
-            return;
+            return scope.Abandon();
         default:
             TOLM_LOG(ANDROID_LOG_WARN, kTag, "wrong event:%d", event);
-            return;
+            return scope.Abandon();
     }
     if (const TolmDsmccBrowserCallback browserCb = mBrowserCb.Get().function) {
         TOLM_LOG(ANDROID_LOG_DEBUG, kTag, "filePath:%s type:%d context:%p", filePath.c_str(), type, context);
@@ -95,5 +89,4 @@ void TolmDsmccAdaptorIpc::DsmccFileCallback(const std::string& filePath, int eve
     } else {
         TOLM_LOG(ANDROID_LOG_WARN, kTag, "m_browserCb is null");
     }
-    LogLeave(kTag, here);
 }

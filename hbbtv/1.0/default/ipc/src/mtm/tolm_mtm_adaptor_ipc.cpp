@@ -7,16 +7,12 @@ using namespace tolm;
 
 namespace {
 
-constexpr char kTag[] = "[ipc_mtm]";
-constexpr int kType = 0;  // of requests and commands
-constexpr Family kFamily{kTag, kType};
-constexpr int kPort = 1;
+constexpr const char* kTag = families::kMtm.tag;
 
 }  // namespace
 
 TolmMtmAdaptorIpc::TolmMtmAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_MTM_TO_HBBTV, kPort, kFamily),
-      TolmBaseServer(TOLM_IPC_KEY_SERVICE_HBBTV_TO_MTM, kPort) {
+    : TolmAdaptorClient(families::kMtm), TolmBaseServer(*families::kMtm.events, families::kMtm.port) {
     Start();
 }
 
@@ -25,17 +21,13 @@ TolmMtmAdaptorIpc::~TolmMtmAdaptorIpc() {
 }
 
 void TolmMtmAdaptorIpc::RegisterCallback(TolmMtmCallback* callback) {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     mCallback = callback;
-    LogLeave(kTag, here);
 }
 
 void TolmMtmAdaptorIpc::UnRegisterCallback() {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     mCallback = nullptr;
-    LogLeave(kTag, here);
 }
 
 int TolmMtmAdaptorIpc::OnTabCreated(int tabId) {
@@ -115,7 +107,7 @@ int TolmMtmAdaptorIpc::OnTabDocumentLoadedInFrame(int tabId) {
 }
 
 TolmMtmCallback* TolmMtmAdaptorIpc::ReceiverOf(const Json::Value& msg) const {
-    if (ReadInt(msg, "type") != kType) {
+    if (ReadInt(msg, "type") != families::kMtm.type) {
         TOLM_LOG(ANDROID_LOG_WARN, kTag, "MTM_Assert failed");
         return nullptr;
     }

@@ -12,9 +12,7 @@ using namespace tolm;
 
 namespace {
 
-constexpr char kTag[] = "[ipc_apm]";
-constexpr Family kFamily{kTag, std::nullopt, "t"};
-constexpr int kPort = 1;
+constexpr const char* kTag = families::kApplicationManager.tag;
 
 constexpr size_t kFieldWidth = 16;  // of a number in a text of numbers
 
@@ -32,24 +30,22 @@ bool HasContexts(TolmAIPEvent event) {
            event == TOLM_AIP_EVENT_APPLICATION_3 || event == TOLM_AIP_EVENT_SET_BROADCAST_FULL_SCREEN;
 }
 
-void LogTrace(const Method& place) {
-    __android_log_print(ANDROID_LOG_WARN, kTag, "[tolm](%s:%d) %s: TRACE", LogFileName(place.file), place.line,
-                        place.operation);
+void LogTrace(const Method& method) {
+    LogAt(method.place, ANDROID_LOG_WARN, kTag, "TRACE");
 }
 
-// An operation that is not asked for.
-int Refuse(const Method& place) {
-    LogEnter(kTag, place);
-    LogTrace(place);
-    LogLeave(kTag, place);
+// Logs an operation that is not sent, and returns -1.
+int Refuse(const Method& method) {
+    LogScope scope(kTag, method.place);
+    LogTrace(method);
     return -1;
 }
 
 }  // namespace
 
 TolmApmAdaptorIpc::TolmApmAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_APM, kPort, kFamily),
-      TolmBaseServer(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_APM, kPort) {
+    : TolmAdaptorClient(families::kApplicationManager),
+      TolmBaseServer(*families::kApplicationManager.events, families::kApplicationManager.port) {
     Start();
 }
 
@@ -58,40 +54,28 @@ TolmApmAdaptorIpc::~TolmApmAdaptorIpc() {
 }
 
 int TolmApmAdaptorIpc::RegisterAIPEventCallback(TolmAIPEvent event, TolmAIPEventCallback callback, void* context) {
-    const Method here(-1);
-    LogEnter(kTag, here);
-    {
-        std::lock_guard<std::mutex> lock(mCallbackMutex);
-        mCallbacks.emplace(event, callback);
-        if (HasContexts(event)) mContexts[event].push_back(context);
-    }
-    LogLeave(kTag, here);
+    LogScope scope(kTag);
+    std::lock_guard<std::mutex> lock(mCallbackMutex);
+    mCallbacks.emplace(event, callback);
+    if (HasContexts(event)) mContexts[event].push_back(context);
     return 0;
 }
 
 int TolmApmAdaptorIpc::UnRegisterAIPEventCallback(TolmAIPEvent event, void* context) {
-    const Method here(-1);
-    LogEnter(kTag, here);
-    {
-        std::lock_guard<std::mutex> lock(mCallbackMutex);
-        mCallbacks.erase(event);
-        std::vector<void*>& contexts = mContexts[event];
-        contexts.erase(std::remove(contexts.begin(), contexts.end(), context), contexts.end());
-        if (contexts.empty()) mContexts.erase(event);
-    }
-    LogLeave(kTag, here);
+    LogScope scope(kTag);
+    std::lock_guard<std::mutex> lock(mCallbackMutex);
+    mCallbacks.erase(event);
+    std::vector<void*>& contexts = mContexts[event];
+    contexts.erase(std::remove(contexts.begin(), contexts.end(), context), contexts.end());
+    if (contexts.empty()) mContexts.erase(event);
     return 0;
 }
 
 void TolmApmAdaptorIpc::ClearAPIEventCallback() {
-    const Method here(-1);
-    LogEnter(kTag, here);
-    {
-        std::lock_guard<std::mutex> lock(mCallbackMutex);
-        mCallbacks.clear();
-        mContexts.clear();
-    }
-    LogLeave(kTag, here);
+    LogScope scope(kTag);
+    std::lock_guard<std::mutex> lock(mCallbackMutex);
+    mCallbacks.clear();
+    mContexts.clear();
 }
 
 // The organisation id that comes in does not travel.

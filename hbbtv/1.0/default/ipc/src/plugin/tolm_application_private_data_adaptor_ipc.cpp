@@ -2,15 +2,8 @@
 
 using namespace tolm;
 
-namespace {
-
-constexpr Family kFamily{"[ipc_app_priv]", 8};
-constexpr int kPort = 17;
-
-}  // namespace
-
 TolmApplicationPrivateDataAdaptorIpc::TolmApplicationPrivateDataAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_APP_PRIV, kPort, kFamily) {}
+    : TolmAdaptorClient(families::kApplicationPrivateData) {}
 
 int TolmApplicationPrivateDataAdaptorIpc::getFreeMem(int& size) {
     return Call(0, {}, {ToInt("memSize", size)});

@@ -2,15 +2,7 @@
 
 using namespace tolm;
 
-namespace {
-
-constexpr Family kFamily{"[ipc_avcomponent]", 11};
-constexpr int kPort = 14;
-
-}  // namespace
-
-TolmAVComponentAdaptorIpc::TolmAVComponentAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_AV_COM, kPort, kFamily) {}
+TolmAVComponentAdaptorIpc::TolmAVComponentAdaptorIpc() : TolmAdaptorClient(families::kAVComponent) {}
 
 int TolmAVComponentAdaptorIpc::Release(const void* component) {
     return Post(0, {Pointer("handle", component)});

@@ -9,9 +9,7 @@ using namespace tolm;
 
 namespace {
 
-constexpr char kTag[] = "[ipc_avcontrol]";
-constexpr Family kFamily{kTag, 2};
-constexpr int kPort = 19;
+constexpr const char* kTag = families::kAVControl.tag;
 
 constexpr TolmPluginIPCAvContrl kSelectComponent = 1;
 
@@ -31,8 +29,7 @@ Json::Value ToJson(const TolmAVCtrlComponentData& component) {
 }  // namespace
 
 TolmAVControlAdaptorIpc::TolmAVControlAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_AV_CTRL, kPort, kFamily),
-      TolmBaseServer(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_AV_CTRL, kPort) {
+    : TolmAdaptorClient(families::kAVControl), TolmBaseServer(*families::kAVControl.events, families::kAVControl.port) {
     Start();
 }
 
@@ -41,18 +38,14 @@ TolmAVControlAdaptorIpc::~TolmAVControlAdaptorIpc() {
 }
 
 int TolmAVControlAdaptorIpc::RegisterCallback(TolmAVControlCallback callback) {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     mCallback.Set(callback, nullptr);
-    LogLeave(kTag, here);
     return 0;
 }
 
 int TolmAVControlAdaptorIpc::UnregisterCallback() {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     mCallback.Clear();
-    LogLeave(kTag, here);
     return 0;
 }
 

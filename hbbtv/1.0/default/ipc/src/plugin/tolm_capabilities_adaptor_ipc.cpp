@@ -2,15 +2,7 @@
 
 using namespace tolm;
 
-namespace {
-
-constexpr Family kFamily{"[ipc_capabilities]", 10};
-constexpr int kPort = 10;
-
-}  // namespace
-
-TolmCapabilitiesAdaptorIpc::TolmCapabilitiesAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_CAP, kPort, kFamily) {}
+TolmCapabilitiesAdaptorIpc::TolmCapabilitiesAdaptorIpc() : TolmAdaptorClient(families::kCapabilities) {}
 
 int TolmCapabilitiesAdaptorIpc::GetXmlCapabilities(std::string& xml) {
     return Call(0, {}, {ToText("xml_capabilities", xml)}) == 0 ? 0 : -1;

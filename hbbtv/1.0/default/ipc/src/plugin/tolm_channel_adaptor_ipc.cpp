@@ -2,16 +2,7 @@
 
 using namespace tolm;
 
-namespace {
-
-// The tag of all adaptors around channels.
-constexpr Family kFamily{"[ipc_videobroadcast]", 12};
-constexpr int kPort = 2;
-
-}  // namespace
-
-TolmChannelAdaptorIpc::TolmChannelAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_CHN, kPort, kFamily) {}
+TolmChannelAdaptorIpc::TolmChannelAdaptorIpc() : TolmAdaptorClient(families::kChannel) {}
 
 int TolmChannelAdaptorIpc::Release(const void* channel) {
     return Call(0, {Pointer("c_handle", channel)});

@@ -7,15 +7,13 @@ using namespace tolm;
 
 namespace {
 
-constexpr char kTag[] = "[ipc_videobroadcast]";  // that of all adaptors around channels
-constexpr Family kFamily{kTag, 19};
-constexpr int kPort = 3;
+constexpr const char* kTag = families::kChannelConfig.tag;
 
 }  // namespace
 
 TolmChannelConfigAdaptorIpc::TolmChannelConfigAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_CHN_CONFIG, kPort, kFamily),
-      TolmBaseServer(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB_CHN_CONFIG, kPort) {
+    : TolmAdaptorClient(families::kChannelConfig),
+      TolmBaseServer(*families::kChannelConfig.events, families::kChannelConfig.port) {
     Start();
 }
 

@@ -2,16 +2,7 @@
 
 using namespace tolm;
 
-namespace {
-
-// The tag of all adaptors around channels.
-constexpr Family kFamily{"[ipc_videobroadcast]", 14};
-constexpr int kPort = 4;
-
-}  // namespace
-
-TolmChannelListAdaptorIpc::TolmChannelListAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_CHN_LIST, kPort, kFamily) {}
+TolmChannelListAdaptorIpc::TolmChannelListAdaptorIpc() : TolmAdaptorClient(families::kChannelList) {}
 
 int TolmChannelListAdaptorIpc::Release(const void* list) {
     return Call(0, {Pointer("cl_handle", list)});

@@ -9,9 +9,7 @@ using namespace tolm;
 
 namespace {
 
-constexpr char kTag[] = "[ipc_configure]";
-constexpr Family kFamily{kTag, 9};
-constexpr int kPort = 12;
+constexpr const char* kTag = families::kConfiguration.tag;
 
 // Whether the code is known.
 bool Decode(const Json::Value& msg, TolmConfigurationEvent event, TolmConfigurationEventInfo& info) {
@@ -54,8 +52,8 @@ bool Decode(const Json::Value& msg, TolmConfigurationEvent event, TolmConfigurat
 }  // namespace
 
 TolmConfigurationAdaptorIpc::TolmConfigurationAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_CONF, kPort, kFamily),
-      TolmBaseServer(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_CONF, kPort) {
+    : TolmAdaptorClient(families::kConfiguration),
+      TolmBaseServer(*families::kConfiguration.events, families::kConfiguration.port) {
     Start();
 }
 
@@ -212,17 +210,13 @@ int TolmConfigurationAdaptorIpc::GetDNTPolicy(int& policy) {
 }
 
 void TolmConfigurationAdaptorIpc::SetDeviceResolutionCallback(TolmDeviceResolutionCallback callback) {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     mDeviceResolutionCallback.Set(callback, nullptr);
-    LogLeave(kTag, here);
 }
 
 void TolmConfigurationAdaptorIpc::SetDNTValueCallback(TolmDNTValueCallback callback) {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     mDNTValueCallback.Set(callback, nullptr);
-    LogLeave(kTag, here);
 }
 
 void TolmConfigurationAdaptorIpc::ReceiveIpc(const Json::Value& msg) {

@@ -2,16 +2,7 @@
 
 using namespace tolm;
 
-namespace {
-
-// The tag is that of all adaptors around channels. The collection has the same type and the codes from 12 on.
-constexpr Family kFamily{"[ipc_videobroadcast]", 15};
-constexpr int kPort = 5;
-
-}  // namespace
-
-TolmFavouriteListAdaptorIpc::TolmFavouriteListAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_FAV_LIST, kPort, kFamily) {}
+TolmFavouriteListAdaptorIpc::TolmFavouriteListAdaptorIpc() : TolmAdaptorClient(families::kFavouriteList) {}
 
 int TolmFavouriteListAdaptorIpc::Release(const void* list) {
     return Call(0, {Pointer("fl_handle", list)});

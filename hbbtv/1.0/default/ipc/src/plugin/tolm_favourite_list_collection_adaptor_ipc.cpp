@@ -2,16 +2,8 @@
 
 using namespace tolm;
 
-namespace {
-
-// The tag is that of all adaptors around channels. Favourite lists have the same type and the codes up to 11.
-constexpr Family kFamily{"[ipc_videobroadcast]", 15};
-constexpr int kPort = 6;
-
-}  // namespace
-
 TolmFavouriteListCollectionAdaptorIpc::TolmFavouriteListCollectionAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_FAV_LIST_COLLECT, kPort, kFamily) {}
+    : TolmAdaptorClient(families::kFavouriteListCollection) {}
 
 int TolmFavouriteListCollectionAdaptorIpc::Release(const void* collection) {
     return Call(12, {Pointer("flc_handle", collection)});

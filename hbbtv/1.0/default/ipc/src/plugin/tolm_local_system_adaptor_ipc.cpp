@@ -2,16 +2,7 @@
 
 using namespace tolm;
 
-namespace {
-
-// The tag is that of the configuration adaptor.
-constexpr Family kFamily{"[ipc_configure]", 6};
-constexpr int kPort = 11;
-
-}  // namespace
-
-TolmLocalSystemAdaptorIpc::TolmLocalSystemAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_LOCAL_SYSTEM, kPort, kFamily) {}
+TolmLocalSystemAdaptorIpc::TolmLocalSystemAdaptorIpc() : TolmAdaptorClient(families::kLocalSystem) {}
 
 int TolmLocalSystemAdaptorIpc::GetDeviceID(std::string& deviceID) {
     return Call(0, {}, {ToText("deviceID", deviceID)});

@@ -2,15 +2,8 @@
 
 using namespace tolm;
 
-namespace {
-
-constexpr Family kFamily{"[ipc_parental_control]", 13};
-constexpr int kPort = 16;
-
-}  // namespace
-
 TolmParentalControlManagerAdaptorIpc::TolmParentalControlManagerAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_PCM, kPort, kFamily) {}
+    : TolmAdaptorClient(families::kParentalControlManager) {}
 
 int TolmParentalControlManagerAdaptorIpc::Create(void*& manager) {
     return Call(0, {}, {ToPointer("out_handle", manager)});

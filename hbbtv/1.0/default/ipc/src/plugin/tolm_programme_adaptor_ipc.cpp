@@ -8,9 +8,6 @@ using namespace tolm;
 
 namespace {
 
-constexpr Family kFamily{"[ipc_programme]", 5};
-constexpr int kPort = 13;
-
 // No descriptor of the platform is longer.
 constexpr unsigned kMostDescriptorBytes = 256;
 
@@ -29,8 +26,7 @@ Target ToDescriptor(std::string& to) {
 
 }  // namespace
 
-TolmProgrammeAdaptorIpc::TolmProgrammeAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_PROGRAM, kPort, kFamily) {}
+TolmProgrammeAdaptorIpc::TolmProgrammeAdaptorIpc() : TolmAdaptorClient(families::kProgramme) {}
 
 int TolmProgrammeAdaptorIpc::Release(const void* programme) {
     return Post(0, {Pointer("handle", programme)});

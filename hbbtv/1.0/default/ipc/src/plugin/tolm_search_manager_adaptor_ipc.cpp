@@ -7,15 +7,13 @@ using namespace tolm;
 
 namespace {
 
-constexpr char kTag[] = "[ipc_search_manager]";
-constexpr Family kFamily{kTag, 0};
-constexpr int kPort = 8;
+constexpr const char* kTag = families::kSearchManager.tag;
 
 }  // namespace
 
 TolmSearchManagerAdaptor::TolmSearchManagerAdaptor()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_SM, kPort, kFamily),
-      TolmBaseServer(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_SM, kPort) {
+    : TolmAdaptorClient(families::kSearchManager),
+      TolmBaseServer(*families::kSearchManager.events, families::kSearchManager.port) {
     Start();
 }
 
@@ -120,8 +118,7 @@ int TolmSearchManagerAdaptor::Query_Not(const void* query, void*& negated) {
 }
 
 void TolmSearchManagerAdaptor::ReceiveIpc(const Json::Value& msg) {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     const TolmSearchManagerEvent event = ReadInt(msg, "event");
     TolmSearchManagerEventInfo info{};
     if (event == 0) {
@@ -132,7 +129,6 @@ void TolmSearchManagerAdaptor::ReceiveIpc(const Json::Value& msg) {
     }
     const auto receiver = mCallback.Get();
     if (receiver.function != nullptr) receiver.function(event, info, receiver.context);
-    LogLeave(kTag, here);
 }
 
 void TolmSearchManagerAdaptor::ReceiveIpc(const Json::Value&, Json::Value&) {

@@ -7,15 +7,13 @@ using namespace tolm;
 
 namespace {
 
-constexpr char kTag[] = "[ipc_vb]";
-constexpr Family kFamily{kTag, 3};
-constexpr int kPort = 7;
+constexpr const char* kTag = families::kVideoBroadcast.tag;
 
 }  // namespace
 
 TolmVideoBroadcastAdaptorIpc::TolmVideoBroadcastAdaptorIpc()
-    : TolmAdaptorClient(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB, kPort, kFamily),
-      TolmBaseServer(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB, kPort) {
+    : TolmAdaptorClient(families::kVideoBroadcast),
+      TolmBaseServer(*families::kVideoBroadcast.events, families::kVideoBroadcast.port) {
     Start();
 }
 
@@ -48,10 +46,8 @@ int TolmVideoBroadcastAdaptorIpc::UnregisterCallback(const void* vb) {
 }
 
 void TolmVideoBroadcastAdaptorIpc::ClearCallback() {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     mCallback.Clear();
-    LogLeave(kTag, here);
 }
 
 void TolmVideoBroadcastAdaptorIpc::RegisterMediaSyncCallback(TolmMediaSyncCallback callback, const void* context) {
@@ -159,9 +155,7 @@ int TolmVideoBroadcastAdaptorIpc::GetCurrentTimeShiftMode(const void* vb, int& m
 }
 
 int TolmVideoBroadcastAdaptorIpc::RecordNow(const void*, unsigned, std::string&) {
-    const Method here(-1);
-    LogEnter(kTag, here);
-    LogLeave(kTag, here);
+    LogScope scope(kTag);
     return 0;
 }
 
@@ -191,9 +185,7 @@ int TolmVideoBroadcastAdaptorIpc::StopTimeShift(const void* vb) {
 
 // Code 34 is its slot on the wire and is never sent.
 int TolmVideoBroadcastAdaptorIpc::SetChannel_Ext(const void*, const void*&, bool, const std::string&, int) {
-    const Method here(-1);
-    LogEnter(kTag, here);
-    LogLeave(kTag, here);
+    LogScope scope(kTag);
     return 0;
 }
 
@@ -292,17 +284,15 @@ int TolmVideoBroadcastAdaptorIpc::RemoveStreamEventListener(const std::string& s
 }
 
 void TolmVideoBroadcastAdaptorIpc::ReceiveIpc(const Json::Value& msg) {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     const std::string type = ReadText(msg, "type");
     if (type == "videobroadcast") {
-        if (!ForwardVideoBroadcastEvent(msg)) return;
+        if (!ForwardVideoBroadcastEvent(msg)) return scope.Abandon();
     } else if (type == "mediasync") {
-        if (!ForwardMediaSyncEvent(msg)) return;
+        if (!ForwardMediaSyncEvent(msg)) return scope.Abandon();
     } else {
         TOLM_LOG(ANDROID_LOG_WARN, kTag, "wrong event obj type %s", type.c_str());
     }
-    LogLeave(kTag, here);
 }
 
 bool TolmVideoBroadcastAdaptorIpc::ForwardVideoBroadcastEvent(const Json::Value& msg) {
@@ -332,17 +322,16 @@ bool TolmVideoBroadcastAdaptorIpc::ForwardMediaSyncEvent(const Json::Value& msg)
     return true;
 }
 
-// On a failed assertion the reply stays null: the platform sees that its event found nobody.
+// On a failed assertion the reply stays null, which tells the platform that nothing received its event.
 #define VB_ASSERT_RET(condition)                                   \
     if (!(condition)) {                                            \
         TOLM_LOG(ANDROID_LOG_WARN, kTag, "VB_Assert_Ret failed!"); \
-        return;                                                    \
+        return scope.Abandon();                                    \
     }
 
 // The payload of such an event is not decoded: its receiver gets the code and an all-zero record.
 void TolmVideoBroadcastAdaptorIpc::ReceiveIpc(const Json::Value& msg, Json::Value& reply) {
-    const Method here(-1);
-    LogEnter(kTag, here);
+    LogScope scope(kTag);
     const std::string type = ReadText(msg, "type");
     void* context = nullptr;
     VB_ASSERT_RET(Read(msg, {ToPointer("context", context)}));
@@ -356,5 +345,4 @@ void TolmVideoBroadcastAdaptorIpc::ReceiveIpc(const Json::Value& msg, Json::Valu
         receiver.function(ReadInt(msg, "event"), info, receiver.context);
     }
     reply["ret"] = 0;
-    LogLeave(kTag, here);
 }

@@ -19,7 +19,7 @@ using tolm::ToReal;
 using tolm::ToText;
 using tolm::ToUInt64;
 
-constexpr char kTag[] = "[ipc_vb]";
+constexpr const char* kTag = tolm::families::kVideoBroadcast.tag;
 
 // A stream event carries a few dozen bytes; more than this is no event.
 constexpr unsigned kMaxStreamEventText = 1u << 20;
