@@ -1,4 +1,3 @@
-// The nearest known name, by the number of letters to change: see nearest_name.h.
 #include "common/nearest_name.h"
 
 #include <algorithm>
@@ -12,7 +11,7 @@ namespace {
 
 constexpr size_t kLongestName = 64;
 
-// Letters to insert, delete or replace; upper and lower case are the same letter.
+// Returns the number of letters to insert, delete or replace, ignoring case.
 size_t Distance(const std::string& a, const std::string& b) {
     std::vector<size_t> row(b.size() + 1);
     std::iota(row.begin(), row.end(), size_t{0});
@@ -32,13 +31,13 @@ size_t Distance(const std::string& a, const std::string& b) {
 
 }  // namespace
 
-std::string DidYouMean(const std::string& name, const std::set<std::string>& known) {
+std::string DidYouMean(const std::string& name, const std::set<std::string>& known, size_t longestList) {
     std::string nearest;
     size_t least = std::max<size_t>(name.size() / 2, 1) + 1;
     std::string all;
     for (const std::string& candidate : known) {
-        const bool begun = !name.empty() && candidate.rfind(name, 0) == 0;
-        const size_t distance = name.size() > kLongestName ? least : begun ? 1 : Distance(name, candidate);
+        const bool prefix = !name.empty() && candidate.rfind(name, 0) == 0;
+        const size_t distance = name.size() > kLongestName ? least : prefix ? 1 : Distance(name, candidate);
         if (distance < least) {
             least = distance;
             nearest = candidate;
@@ -46,14 +45,7 @@ std::string DidYouMean(const std::string& name, const std::set<std::string>& kno
         all += (all.empty() ? "\"" : ", \"") + candidate + "\"";
     }
     if (!nearest.empty()) return "; did you mean \"" + nearest + "\"?";
-    return all.empty() ? "" : "; known are " + all;
-}
-
-std::string NearestOf(const std::string& name, const std::vector<std::string>& known) {
-    constexpr size_t kMostListed = 20;
-    const std::string text = DidYouMean(name, std::set<std::string>(known.begin(), known.end()));
-    const bool listsAll = text.rfind("; known are", 0) == 0;
-    return listsAll && known.size() > kMostListed ? "" : text;
+    return known.empty() || known.size() > longestList ? "" : "; known are " + all;
 }
 
 }  // namespace hbbtv

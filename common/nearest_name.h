@@ -1,16 +1,18 @@
-// For messages about a name that nobody knows: the known one that was probably meant.
+// Suggestions for messages about unknown names.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace hbbtv {
 
-// `; did you mean "number"?` when a known name is near, otherwise `; known are "a", "b"`.
-std::string DidYouMean(const std::string& name, const std::set<std::string>& known);
+// A list of more names than this does not help at the end of a message.
+constexpr size_t kShortList = 20;
 
-// The same, but empty when no name is near and there are too many to list.
-std::string NearestOf(const std::string& name, const std::vector<std::string>& known);
+// Returns what completes the message about an unknown name: `; did you mean "number"?` if a known name is similar,
+// otherwise the known names, `; known are "a", "b"`, or nothing if there are more than `longestList` of them.
+std::string DidYouMean(const std::string& name, const std::set<std::string>& known, size_t longestList = SIZE_MAX);
 
 }  // namespace hbbtv

@@ -62,7 +62,7 @@ void InTime(Milliseconds limit, const std::string& what, const std::function<voi
         done->Set();
     }).detach();
     if (done->Wait(limit)) return;
-    throw Failure(kTimeout, what + ": no answer within " + InWords(limit) +
+    throw Failure(kTimeout, what + ": no answer within " + FormatDuration(limit) +
                                 "; the service hangs (`hbbtvctl doctor` looks at it), or the platform behind it "
                                 "(`hbbtvctl send` asks it directly)");
 }

@@ -1,28 +1,13 @@
-// From the built-in text to the package: see description.h.
-#include <json/reader.h>
+#include "package/description.h"
 
 #include <cctype>
 #include <set>
 
 #include "common/failure.h"
 #include "common/nearest_name.h"
-#include "package/description.h"
+#include "common/text/json.h"
 
 namespace hbbtv {
-
-namespace {
-
-Json::Value Parse(const char* text) {
-    Json::CharReaderBuilder builder;
-    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-    Json::Value root;
-    std::string errors;
-    const std::string bytes(text);
-    if (!reader->parse(bytes.data(), bytes.data() + bytes.size(), &root, &errors)) throw std::logic_error(errors);
-    return root;
-}
-
-}  // namespace
 
 const Method* Interface::Find(const std::string& method) const {
     const std::string wanted = FoldedName(method);
@@ -33,7 +18,7 @@ const Method* Interface::Find(const std::string& method) const {
 }
 
 const Package& Package::Get() {
-    static const Package package(Parse(kDescription));
+    static const Package package(ParseJson(kDescription));
     return package;
 }
 
@@ -72,13 +57,13 @@ Package::Package(const Json::Value& description) : name(description["package"].a
 }
 
 const Interface& Package::FindInterface(const std::string& wanted) const {
-    std::vector<std::string> known;
+    std::set<std::string> known;
     for (const Interface& interface : interfaces) {
         if (IsInterfaceOf(interface.name, wanted) || interface.name == wanted) return interface;
-        known.push_back(interface.name);
+        known.insert(interface.name);
     }
-    throw Failure(
-        kUsage, "there is no interface \"" + wanted + "\"" + NearestOf(wanted, known) + " (`hbbtvctl list` shows all)");
+    throw Failure(kUsage, "there is no interface \"" + wanted + "\"" + DidYouMean(wanted, known, kShortList) +
+                              " (`hbbtvctl list` shows all)");
 }
 
 Package::QualifiedMethod Package::FindMethod(const std::string& wanted) const {
@@ -89,10 +74,11 @@ Package::QualifiedMethod Package::FindMethod(const std::string& wanted) const {
     const Interface& interface = FindInterface(wanted.substr(0, dot));
     const std::string methodName = wanted.substr(dot + 1);
     if (const Method* method = interface.Find(methodName)) return {&interface, method};
-    std::vector<std::string> known;
-    for (const Method& method : interface.methods) known.push_back(method.name);
-    throw Failure(kUsage, interface.name + " has no method \"" + methodName + "\"" + NearestOf(methodName, known) +
-                              " (`hbbtvctl describe " + interface.name + "` shows all)");
+    std::set<std::string> known;
+    for (const Method& method : interface.methods) known.insert(method.name);
+    throw Failure(kUsage, interface.name + " has no method \"" + methodName + "\"" +
+                              DidYouMean(methodName, known, kShortList) + " (`hbbtvctl describe " + interface.name +
+                              "` shows all)");
 }
 
 const WireFamily* Package::FamilyOf(const Interface& interface) const {

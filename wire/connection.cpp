@@ -63,7 +63,8 @@ void WireConnection::Send(const std::string& bytes, Milliseconds limit) {
     const auto deadline = Clock::now() + limit;
     for (size_t sent = 0; sent < bytes.size();) {
         if (!Wait(POLLOUT, deadline)) {
-            throw Failure(kTimeout, mPath + ": the other side did not take the message within " + InWords(limit));
+            throw Failure(kTimeout,
+                          mPath + ": the other side did not take the message within " + FormatDuration(limit));
         }
         const ssize_t count = send(mSocket.Get(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
         if (count > 0) sent += static_cast<size_t>(count);
@@ -82,7 +83,7 @@ Frame WireConnection::Receive(Milliseconds limit) {
                                               " bytes, more than any message has");
         }
         if (!Wait(POLLIN, deadline)) {
-            throw Failure(kTimeout, mPath + ": no answer within " + InWords(limit) +
+            throw Failure(kTimeout, mPath + ": no answer within " + FormatDuration(limit) +
                                         "; the other side hangs: look at its log, or start it again");
         }
         char bytes[65536];

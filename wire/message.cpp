@@ -1,9 +1,8 @@
 #include "wire/message.h"
 
-#include <json/writer.h>
-
-#include <cstdio>
 #include <set>
+
+#include "common/text/pointer_text.h"
 
 namespace hbbtv {
 
@@ -55,13 +54,6 @@ std::shared_ptr<const Type> TypeOf(const Json::Value& member) {
     list->kind = Type::Kind::Vector;
     list->element = record;
     return list;
-}
-
-std::string PointerText(uint64_t pointer) {
-    if (pointer == 0) return "";
-    char text[24];
-    std::snprintf(text, sizeof(text), "0x%llx", static_cast<unsigned long long>(pointer));
-    return text;
 }
 
 Json::Value OnTheWire(const Json::Value& member, const std::string& type, const Json::Value& value) {

@@ -5,7 +5,7 @@
 
 #include "common/failure.h"
 #include "common/nearest_name.h"
-#include "wire/values.h"
+#include "common/text/json.h"
 
 namespace hbbtv {
 
@@ -62,9 +62,9 @@ const Json::Value* WireFamily::Operation(const std::string& operation) const {
     return nullptr;
 }
 
-std::vector<std::string> WireFamily::OperationNames() const {
-    std::vector<std::string> names;
-    for (const Json::Value& operation : protocol["operations"]) names.push_back(operation["name"].asString());
+std::set<std::string> WireFamily::OperationNames() const {
+    std::set<std::string> names;
+    for (const Json::Value& operation : protocol["operations"]) names.insert(operation["name"].asString());
     return names;
 }
 
@@ -76,17 +76,17 @@ const Json::Value* WireFamily::OperationOf(const std::string& method) const {
 }
 
 const Json::Value& WireFamily::FindEvent(const std::string& wanted) const {
-    std::vector<std::string> known;
+    std::set<std::string> known;
     for (const Json::Value& event : protocol["events"]) {
         const std::string code = event["code"].asString();
         for (const std::string& candidate :
              {code, event["object"].asString() + ":" + code, event["name"].asString(), event["callback"].asString()}) {
             if (!candidate.empty() && FoldedEvent(candidate) == FoldedEvent(wanted)) return event;
         }
-        known.push_back(event["name"].asString());
+        known.insert(event["name"].asString());
     }
-    throw Failure(kUsage, "the family " + name + " has no event \"" + wanted + "\"" + NearestOf(wanted, known) +
-                              " (`hbbtvctl describe " + name + "` shows all)");
+    throw Failure(kUsage, "the family " + name + " has no event \"" + wanted + "\"" +
+                              DidYouMean(wanted, known, kShortList) + " (`hbbtvctl describe " + name + "` shows all)");
 }
 
 const std::vector<WireFamily>& WireFamilies() {
@@ -95,13 +95,13 @@ const std::vector<WireFamily>& WireFamilies() {
 }
 
 const WireFamily& FindFamily(const std::string& wanted) {
-    std::vector<std::string> known;
+    std::set<std::string> known;
     for (const WireFamily& family : WireFamilies()) {
         if (IsInterfaceOf(wanted, family.name)) return family;
-        known.push_back(family.name);
+        known.insert(family.name);
     }
-    throw Failure(kUsage,
-                  "there is no family \"" + wanted + "\"" + NearestOf(wanted, known) + " (`hbbtvctl list` shows all)");
+    throw Failure(kUsage, "there is no family \"" + wanted + "\"" + DidYouMean(wanted, known, kShortList) +
+                              " (`hbbtvctl list` shows all)");
 }
 
 }  // namespace hbbtv

@@ -3,6 +3,7 @@
 
 #include <json/value.h>
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,7 +17,7 @@ struct WireFamily {
     // Returns null when there is none. The letter case of the name does not matter, nor do its underscores.
     const Json::Value* Operation(const std::string& operation) const;
 
-    std::vector<std::string> OperationNames() const;
+    std::set<std::string> OperationNames() const;
 
     // Returns what this method of the family's HIDL interface sends: the operation that names it as its "method", else
     // the one of the same name. Null when there is none.

@@ -1,22 +1,19 @@
 #include "wire/values.h"
 
-#include <json/reader.h>
-#include <json/writer.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 
 #include "common/nearest_name.h"
+#include "common/text/json.h"
+#include "common/text/pointer_text.h"
+#include "common/text/quote.h"
 
 namespace hbbtv {
 
 namespace {
-
-constexpr int kDeepestNesting = 100;
 
 std::string Range(const Type& type) {
     if (type.isSigned) {
@@ -30,13 +27,6 @@ bool Fits(const Type& type, bool negative, uint64_t magnitude) {
     if (!type.isSigned) return !negative && (type.bits == 64 || magnitude >> type.bits == 0);
     const uint64_t most = (uint64_t{1} << (type.bits - 1)) - (negative ? 0 : 1);
     return magnitude <= most;
-}
-
-std::string Written(const Json::Value& value, bool utf8) {
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    builder["emitUTF8"] = utf8;
-    return Json::writeString(builder, value);
 }
 
 [[noreturn]] void OutOfRange(const Type& type, const std::string& word) {
@@ -75,16 +65,16 @@ Json::Value Integer(const Type& type, const std::string& word) {
 }
 
 Json::Value EnumeratorOf(const Type& type, const std::string& word) {
-    std::vector<std::string> names;
+    std::set<std::string> names;
     for (const Enumerator& enumerator : type.enumerators) {
         if (enumerator.name == word) return static_cast<Json::Int64>(enumerator.value);
-        names.push_back(enumerator.name);
+        names.insert(enumerator.name);
     }
     bool negative = false;
     bool tooLarge = false;
     uint64_t magnitude = 0;
     if (ReadMagnitude(word, negative, magnitude, tooLarge)) return Integer(type, word);
-    throw BadValue(type.name + " has no enumerator " + Quoted(word) + NearestOf(word, names));
+    throw BadValue(type.name + " has no enumerator " + Quoted(word) + DidYouMean(word, names, kShortList));
 }
 
 Json::Value Boolean(const std::string& word) {
@@ -100,8 +90,16 @@ Json::Value Real(const std::string& word) {
     return number;
 }
 
+Json::Value Document(const std::string& word) {
+    try {
+        return ParseJson(word);
+    } catch (const BadJson& e) {
+        throw BadValue(e.what());
+    }
+}
+
 Json::Value Elements(const Type& type, const std::string& word) {
-    if (!word.empty() && word[0] == '[') return FromJsonValue(type, ParseJson(word));
+    if (!word.empty() && word[0] == '[') return FromJsonValue(type, Document(word));
     Json::Value values(Json::arrayValue);
     if (word.empty()) return values;
     std::stringstream words(word + (word.back() == ',' ? "," : ""));
@@ -111,11 +109,11 @@ Json::Value Elements(const Type& type, const std::string& word) {
 
 Json::Value StructFromJson(const Type& type, const Json::Value& value) {
     if (!value.isObject()) throw BadValue(type.name + " is written as a JSON object");
-    std::vector<std::string> names;
-    for (const Parameter& field : type.fields) names.push_back(field.name);
+    std::set<std::string> names;
+    for (const Parameter& field : type.fields) names.insert(field.name);
     for (const std::string& name : value.getMemberNames()) {
-        if (std::find(names.begin(), names.end(), name) != names.end()) continue;
-        throw BadValue(type.name + " has no field " + Quoted(name) + NearestOf(name, names));
+        if (names.count(name) != 0) continue;
+        throw BadValue(type.name + " has no field " + Quoted(name) + DidYouMean(name, names, kShortList));
     }
     Json::Value fields(Json::objectValue);
     for (const Parameter& field : type.fields) {
@@ -144,12 +142,6 @@ const Enumerator* Named(const Type& type, const Json::Value& value) {
         if (enumerator.value == value.asInt64()) return &enumerator;
     }
     return nullptr;
-}
-
-std::string Hexadecimal(const Json::Value& value) {
-    char text[24];
-    std::snprintf(text, sizeof(text), "0x%llx", static_cast<unsigned long long>(value.asInt64()));
-    return text;
 }
 
 bool IsText(const Type& type, const Json::Value& bytes) {
@@ -194,7 +186,7 @@ Json::Value FromWord(const Type& type, const std::string& word) {
         case Type::Kind::Vector:
             return Elements(type, word);
         case Type::Kind::Struct:
-            return FromJsonValue(type, ParseJson(word));
+            return FromJsonValue(type, Document(word));
         case Type::Kind::Enum:
             return EnumeratorOf(type, word);
         case Type::Kind::Callback:
@@ -249,7 +241,7 @@ std::string ForPeople(const Type& type, const Json::Value& value, bool handle) {
         case Type::Kind::Struct:
             return StructForPeople(type, value);
         case Type::Kind::Integer:
-            return handle ? Hexadecimal(value) : value.asString();
+            return handle ? HexText(static_cast<uint64_t>(value.asInt64())) : value.asString();
         default:
             return WriteJson(value);
     }
@@ -273,49 +265,6 @@ Json::Value ForPrograms(const Type& type, const Json::Value& value, bool numbers
         return fields;
     }
     return value;
-}
-
-Json::Value ParseJson(const std::string& text) {
-    Json::CharReaderBuilder builder;
-    builder["collectComments"] = false;
-    builder["allowComments"] = false;
-    builder["allowTrailingCommas"] = false;
-    builder["failIfExtra"] = true;
-    builder["rejectDupKeys"] = true;
-    builder["stackLimit"] = kDeepestNesting;
-    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-    Json::Value root;
-    std::string errors;
-    bool good = false;
-    try {
-        good = reader->parse(text.data(), text.data() + text.size(), &root, &errors);
-    } catch (const Json::Exception&) {
-        throw BadValue("the JSON nests deeper than " + std::to_string(kDeepestNesting) + " levels");
-    }
-    if (good) return root;
-    // "* Line 1, Column 2\n  Missing '}'...": the first error is the one to mend.
-    unsigned line = 1;
-    unsigned column = 1;
-    std::sscanf(errors.c_str(), "* Line %u, Column %u", &line, &column);
-    const size_t begin = errors.find_first_not_of(" \n", errors.find('\n'));
-    const std::string reason =
-        begin == std::string::npos ? "it is empty" : errors.substr(begin, errors.find('\n', begin) - begin);
-    throw BadValue("not JSON: line " + std::to_string(line) + ", column " + std::to_string(column) + ": " + reason);
-}
-
-std::string WriteJson(const Json::Value& value) {
-    return Written(value, false);
-}
-
-std::string Quoted(const std::string& text) {
-    const Json::Value value(text.data(), text.data() + text.size());
-    const std::string ascii = Written(value, false);
-    // What is no UTF-8 has become \ufffd there; \u0080 to \u009f are control characters.
-    const bool harmless = ascii.find("\\ufffd") == std::string::npos && ascii.find("\\u008") == std::string::npos &&
-                          ascii.find("\\u009") == std::string::npos;
-    std::string quoted = harmless ? Written(value, true) : ascii;
-    for (size_t at = 0; (at = quoted.find('\x7f', at)) != std::string::npos;) quoted.replace(at, 1, "\\u007f");
-    return quoted;
 }
 
 }  // namespace hbbtv

@@ -31,13 +31,4 @@ std::string ForPeople(const Type& type, const Json::Value& value, bool handle);
 // For programs: as FromJsonValue takes it, enumerators by name where they have one unless `numbers`.
 Json::Value ForPrograms(const Type& type, const Json::Value& value, bool numbers);
 
-// The document that `text` holds. Throws BadValue.
-Json::Value ParseJson(const std::string& text);
-
-// On one line, in ASCII.
-std::string WriteJson(const Json::Value& value);
-
-// In quotes, with what would disturb a terminal written as \n or \u001b.
-std::string Quoted(const std::string& text);
-
 }  // namespace hbbtv

@@ -29,8 +29,8 @@ const Bad kBad[] = {
     {{"list", "--directory", "%"}, "the option --directory stands in front of the command"},
     {{"list", "all"}, "list has an argument too many, \"all\""},
     {{"describe", "IChannel", "IMtm"}, "describe has an argument too many, \"IMtm\""},
-    {{"list", "--timeout", "soon"}, "--timeout: \"soon\" is no time: write 300ms or 2s, at most a day"},
-    {{"list", "--timeout", "86401s"}, "--timeout: \"86401s\" is no time: write 300ms or 2s, at most a day"},
+    {{"list", "--timeout", "soon"}, "--timeout: \"soon\" is not a duration: write 300ms or 2s, at most one day"},
+    {{"list", "--timeout", "86401s"}, "--timeout: \"86401s\" is not a duration: write 300ms or 2s, at most one day"},
     {{"list", "--timeout"}, "--timeout needs a value: TIME"},
     {{"completion", "tcsh"}, "SHELL: \"tcsh\" is none of bash, zsh, fish"},
     {{"man", "cal"}, "COMMAND: there is no command \"cal\"; did you mean \"call\"?"},
@@ -92,7 +92,8 @@ const Bad kBad[] = {
      "\"CreateApp\"?"},
     {{"listen", "channel_config", "--answer", R"(CreateApp={"status": 0, "tabId": 1})"},
      R"(--answer "CreateApp={\"status\": 0, \"tabId\": 1}": no method "CreateApp" of what is listened to needs an answer)"},
-    {{"listen", "mtm", "--answer", "CreateApp={"}, "--answer IMtmCallback.CreateApp: the answer: not JSON: line 1, "},
+    {{"listen", "mtm", "--answer", "CreateApp={"},
+     "--answer IMtmCallback.CreateApp: the answer: not valid JSON: line 1, "},
     {{"listen", "mtm", "--answer", "CreateApp={}"},
      "--answer IMtmCallback.CreateApp lacks the argument \"status\"; it takes status (int32_t), tabId (int32_t)"},
     {{"listen", "mtm", "--answer", R"(CreateApp={"status": "x", "tabId": 1})"},
@@ -142,7 +143,7 @@ const Bad kBad[] = {
      "IVideoBroadcast.SetWindow: argument \"rect\": 1.5 is no int32_t"},
     // JSON and files.
     {{"call", "IChannel.GetName", "--json", "{\"channel\": "},
-     "IChannel.GetName: the arguments after --json: not JSON: line 1, column "},
+     "IChannel.GetName: the arguments after --json: not valid JSON: line 1, column "},
     {{"call", "IChannel.GetName", "--json", "{\"channel\": true}"},
      "IChannel.GetName: argument \"channel\": true is no int64_t"},
     {{"call", "IChannel.GetName", "--json", "{\"chanel\": 1}"},
@@ -190,7 +191,7 @@ TEST_F(BadInput, IsNoNegativeNumber) {
 TEST_F(BadInput, NestedTooDeeplyIsRefused) {
     const FinishedRun run = Ctl({"call", "IVideoBroadcast.SetWindow", "1", std::string(100000, '[')});
     EXPECT_EQ(2, run.exit);
-    EXPECT_THAT(run.errors, HasSubstr("the JSON nests deeper than 100 levels\n"));
+    EXPECT_THAT(run.errors, HasSubstr("not valid JSON: line 1, column 1: it nests deeper than 100 levels\n"));
 }
 
 }  // namespace

@@ -127,7 +127,7 @@ TEST_F(ExitCode, IsFiveWhenTheReplyIsNonsense) {
     };
     const FinishedRun nonsense = Ctl(kSend);
     EXPECT_EQ(5, nonsense.exit);
-    EXPECT_THAT(nonsense.errors, testing::StartsWith("hbbtvctl: " + sentence("is not JSON: line 1, column 1: ")));
+    EXPECT_THAT(nonsense.errors, testing::StartsWith("hbbtvctl: " + sentence("is not valid JSON: line 1, column 1: ")));
     EXPECT_THAT(nonsense.errors, testing::EndsWith("; it begins \"nonsense\"\n"));
     platform.SetReply(R"(["ret", 0])");
     Expect(5, sentence("is no object with a whole number under \"ret\"; it begins \"[\\\"ret\\\", 0]\""), Ctl(kSend));

@@ -12,6 +12,8 @@
 #include "common/failure.h"
 #include "common/local_socket.h"
 #include "common/nearest_name.h"
+#include "common/text/json.h"
+#include "common/text/quote.h"
 #include "wire/values.h"
 
 namespace hbbtv::ctl {
@@ -67,12 +69,13 @@ class Reader {
     [[noreturn]] void Refuse(const std::string& reason) const { throw Failure(kUsage, mWhose + " " + reason); }
 
     const Parameter& Named(const std::string& name) const {
-        std::vector<std::string> known;
+        std::set<std::string> known;
         for (const Parameter& parameter : mParameters) {
             if (parameter.name == name) return parameter;
-            known.push_back(parameter.name);
+            known.insert(parameter.name);
         }
-        Refuse("has no argument \"" + name + "\"" + (known.empty() ? "; it takes none" : NearestOf(name, known)));
+        Refuse("has no argument \"" + name + "\"" +
+               (known.empty() ? "; it takes none" : DidYouMean(name, known, kShortList)));
     }
 
     void Store(const Parameter& parameter, const Json::Value& value) {
@@ -93,7 +96,7 @@ class Reader {
         Json::Value object;
         try {
             object = ParseJson(ReadWord(word));
-        } catch (const BadValue& e) {
+        } catch (const BadJson& e) {
             throw Failure(kUsage, mWhose + ": " + what + ": " + e.what());
         }
         if (!object.isObject()) {

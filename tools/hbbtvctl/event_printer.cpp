@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "common/text/json.h"
 #include "package/handles.h"
 #include "wire/values.h"
 

@@ -19,9 +19,9 @@
 #include "common/failure.h"
 #include "common/interruption.h"
 #include "common/nearest_name.h"
+#include "common/text/quote.h"
 #include "package/description.h"
 #include "wire/endpoint.h"
-#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -52,8 +52,8 @@ void AddCommands(CLI::App& app, Invocation& invocation) {
 // What the parser says, with the name that was probably meant.
 std::string Explained(const CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& words) {
     const CLI::App* command = &app;
-    std::vector<std::string> known;
-    for (const CLI::App* sub : app.get_subcommands({})) known.push_back(sub->get_name());
+    std::set<std::string> known;
+    for (const CLI::App* sub : app.get_subcommands({})) known.insert(sub->get_name());
     bool value = false;  // whether the word belongs to the option in front of it
     for (const std::string& word : words) {
         if (word == "--") break;
@@ -67,15 +67,15 @@ std::string Explained(const CLI::App& app, const CLI::ParseError& error, const s
             if (app.get_option_no_throw(name) != nullptr && command != &app) {
                 return "the option " + name + " stands in front of the command";
             }
-            std::vector<std::string> options;
+            std::set<std::string> options;
             for (const CLI::Option* option : command->get_options()) {
-                if (!option->get_group().empty() && !option->get_positional()) options.push_back(option->get_name());
+                if (!option->get_group().empty() && !option->get_positional()) options.insert(option->get_name());
             }
-            return "there is no option " + Quoted(name) + NearestOf(name, options);
+            return "there is no option " + Quoted(name) + DidYouMean(name, options, kShortList);
         }
         if (command != &app) continue;
-        if (std::find(known.begin(), known.end(), word) == known.end()) {
-            return "there is no command " + Quoted(word) + NearestOf(word, known);
+        if (known.count(word) == 0) {
+            return "there is no command " + Quoted(word) + DidYouMean(word, known, kShortList);
         }
         command = app.get_subcommand(word);
     }

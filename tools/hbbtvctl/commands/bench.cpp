@@ -12,9 +12,10 @@
 #include "commands/commands.h"
 #include "commands/options.h"
 #include "common/failure.h"
+#include "common/text/json.h"
+#include "common/text/quote.h"
 #include "package/caller.h"
 #include "terminal/style.h"
-#include "wire/values.h"
 
 namespace hbbtv::ctl {
 

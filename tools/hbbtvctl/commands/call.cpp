@@ -5,6 +5,7 @@
 #include "commands/commands.h"
 #include "commands/options.h"
 #include "common/failure.h"
+#include "common/text/json.h"
 #include "death_notice.h"
 #include "event_printer.h"
 #include "package/caller.h"

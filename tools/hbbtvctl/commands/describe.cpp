@@ -8,7 +8,6 @@
 #include "terminal/style.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
-#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -158,11 +157,11 @@ int DescribeFamily(const WireFamily& family) {
     return kDone;
 }
 
-std::vector<std::string> AllNames(const Package& package) {
-    std::vector<std::string> names;
-    for (const Interface& interface : package.interfaces) names.push_back(interface.name);
-    for (const WireFamily& family : WireFamilies()) names.push_back(family.name);
-    for (const auto& type : package.types) names.push_back(type->name);
+std::set<std::string> AllNames(const Package& package) {
+    std::set<std::string> names;
+    for (const Interface& interface : package.interfaces) names.insert(interface.name);
+    for (const WireFamily& family : WireFamilies()) names.insert(family.name);
+    for (const auto& type : package.types) names.insert(type->name);
     return names;
 }
 
@@ -183,8 +182,8 @@ int Run(const std::string& name) {
         if (member.empty()) return DescribeFamily(family);
         if (const Json::Value* operation = family.Operation(member)) return DescribeOperation(family, *operation);
         throw Failure(kUsage, "the family " + family.name + " has no operation \"" + member + "\"" +
-                                  NearestOf(member, family.OperationNames()) + " (`hbbtvctl describe " + family.name +
-                                  "` shows all)");
+                                  DidYouMean(member, family.OperationNames(), kShortList) + " (`hbbtvctl describe " +
+                                  family.name + "` shows all)");
     }
     if (!member.empty()) {
         const auto [interface, method] = package.FindMethod(name);
@@ -194,7 +193,7 @@ int Run(const std::string& name) {
         return DescribeInterface(package.FindInterface(name));
     } catch (const Failure&) {
         throw Failure(kUsage, "there is no interface, family or type \"" + name + "\"" +
-                                  NearestOf(name, AllNames(package)) +
+                                  DidYouMean(name, AllNames(package), kShortList) +
                                   " (`hbbtvctl list` shows interfaces and families)");
     }
 }

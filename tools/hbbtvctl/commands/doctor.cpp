@@ -13,10 +13,10 @@
 #include "commands/options.h"
 #include "common/failure.h"
 #include "common/local_socket.h"
+#include "common/text/json.h"
 #include "package/caller.h"
 #include "terminal/style.h"
 #include "wire/endpoint.h"
-#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -189,7 +189,7 @@ Check CheckService(Milliseconds limit) {
                 *there = service != nullptr && service->ping().isOk();
             });
         } catch (const Failure&) {
-            return {"service", Check::Level::Problem, name + " does not answer within " + InWords(limit),
+            return {"service", Check::Level::Problem, name + " does not answer within " + FormatDuration(limit),
                     "the service hangs; look where with gdb, or start it again", kTimeout};
         }
         ++all;

@@ -7,10 +7,11 @@
 
 #include "arguments.h"
 #include "common/failure.h"
+#include "common/text/json.h"
+#include "common/text/quote.h"
 #include "terminal/style.h"
 #include "wire/connection.h"
 #include "wire/message.h"
-#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -80,7 +81,7 @@ Json::Value ParseReply(const Message& message, const std::string& text) {
     Json::Value reply;
     try {
         reply = ParseJson(text);
-    } catch (const BadValue& e) {
+    } catch (const BadJson& e) {
         throw Failure(kNotUnderstood, message.path + ": the reply to " + message.name + " is " + e.what() + start);
     }
     if (reply.isNull()) {

@@ -4,10 +4,10 @@
 #include "commands/commands.h"
 #include "commands/options.h"
 #include "common/failure.h"
+#include "common/text/json.h"
 #include "package/caller.h"
 #include "terminal/style.h"
 #include "wire/endpoint.h"
-#include "wire/values.h"
 
 namespace hbbtv::ctl {
 

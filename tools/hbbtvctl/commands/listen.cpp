@@ -9,6 +9,7 @@
 #include "commands/options.h"
 #include "common/failure.h"
 #include "common/nearest_name.h"
+#include "common/text/quote.h"
 #include "death_notice.h"
 #include "event_printer.h"
 #include "package/caller.h"
@@ -206,13 +207,13 @@ void AddAnswer(const std::string& word, const std::vector<const Interface*>& lis
     const size_t equals = word.find('=');
     const std::string name = word.substr(0, equals);
     if (equals == std::string::npos) throw Failure(kUsage, "--answer " + Quoted(word) + ": write METHOD=JSON");
-    std::vector<std::string> known;
+    std::set<std::string> known;
     for (const Interface& interface : Package::Get().interfaces) {
         if (!Takes(listenedTo, interface)) continue;
         for (const Method& method : interface.methods) {
             if (method.results.empty()) continue;
             const std::string full = interface.name + "." + method.name;
-            known.push_back(method.name);
+            known.insert(method.name);
             if (name != full && name != method.name) continue;
             const std::string json = word.substr(equals + 1);
             answers[full] = InOrder(method.results,
@@ -221,7 +222,7 @@ void AddAnswer(const std::string& word, const std::vector<const Interface*>& lis
         }
     }
     throw Failure(kUsage, "--answer " + Quoted(word) + ": no method " + Quoted(name) +
-                              " of what is listened to needs an answer" + NearestOf(name, known));
+                              " of what is listened to needs an answer" + DidYouMean(name, known, kShortList));
 }
 
 std::vector<const Interface*> InterfacesOf(const std::vector<std::string>& families) {
@@ -230,11 +231,12 @@ std::vector<const Interface*> InterfacesOf(const std::vector<std::string>& famil
         const WireFamily& family = FindFamily(name);
         const Interface* interface = Package::Get().InterfaceOf(family);
         if (interface == nullptr || Registrar(*interface) == nullptr) {
-            std::vector<std::string> others;
+            std::set<std::string> others;
             for (const Interface& other : Package::Get().interfaces) {
-                if (Registrar(other) != nullptr) others.push_back(other.name);
+                if (Registrar(other) != nullptr) others.insert(other.name);
             }
-            throw Failure(kUsage, "the family " + family.name + " has no events to listen to" + NearestOf("", others));
+            throw Failure(kUsage, "the family " + family.name + " has no events to listen to" +
+                                      DidYouMean("", others, kShortList));
         }
         if (std::find(interfaces.begin(), interfaces.end(), interface) == interfaces.end()) {
             interfaces.push_back(interface);
@@ -247,17 +249,17 @@ std::vector<const Interface*> InterfacesOf(const std::vector<std::string>& famil
 void CheckWith(const std::vector<std::string>& with, const std::vector<const Interface*>& interfaces) {
     for (const std::string& word : with) {
         if (word.find('=') == std::string::npos) throw Failure(kUsage, "--with " + Quoted(word) + ": write NAME=VALUE");
-        std::vector<std::string> known;
+        std::set<std::string> known;
         bool taken = false;
         for (const Interface* interface : interfaces) {
             const Method& registrar = *Registrar(*interface);
             taken = taken || Takes(registrar, word);
-            for (const Parameter& argument : registrar.arguments) known.push_back(argument.name);
+            for (const Parameter& argument : registrar.arguments) known.insert(argument.name);
         }
         if (taken) continue;
         const std::string name = word.substr(0, word.find('='));
         throw Failure(kUsage, "--with " + Quoted(word) + ": no registration has an argument " + Quoted(name) +
-                                  NearestOf(name, known));
+                                  DidYouMean(name, known, kShortList));
     }
     for (const Interface* interface : interfaces) Given(*interface, with);
 }

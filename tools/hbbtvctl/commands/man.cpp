@@ -126,10 +126,11 @@ void AddMan(CLI::App& app, Invocation& invocation) {
     command->add_option("COMMAND", *wanted, "The page of one command; without it, of hbbtvctl")
         ->type_name("COMMAND")
         ->check([&app](const std::string& name) {
-            std::vector<std::string> known;
-            for (const CLI::App* other : Commands(app)) known.push_back(other->get_name());
-            const bool found = std::find(known.begin(), known.end(), name) != known.end();
-            return found ? "" : "there is no command \"" + name + "\"" + NearestOf(name, known);
+            std::set<std::string> known;
+            for (const CLI::App* other : Commands(app)) known.insert(other->get_name());
+            return known.count(name) != 0
+                       ? ""
+                       : "there is no command \"" + name + "\"" + DidYouMean(name, known, kShortList);
         });
     command->footer("Examples:\n  hbbtvctl man call | man -l -\n  hbbtvctl man > hbbtvctl.1");
     command->callback([wanted, &app, &invocation] { invocation.run = [wanted, &app] { return Run(app, *wanted); }; });

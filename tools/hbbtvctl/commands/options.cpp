@@ -5,24 +5,13 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "wire/values.h"
+#include "common/text/quote.h"
 
 namespace hbbtv::ctl {
 
 namespace {
 
 constexpr const char* kJsonArguments = "--json-arguments";
-constexpr long long kLongest = 24LL * 60 * 60 * 1000;
-
-std::optional<Milliseconds> ReadTime(const std::string& text) {
-    const size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
-    const std::string unit = text.substr(digits);
-    if (digits == 0 || digits > 9 || (unit != "" && unit != "ms" && unit != "s")) return std::nullopt;
-    const long long number = std::stoll(text.substr(0, digits)) * (unit == "s" ? 1000 : 1);
-    if (number > kLongest) return std::nullopt;
-    return Milliseconds(number);
-}
-
 // "{...}", or where an object may come from.
 bool IsObject(const std::string& word) {
     return word == "-" || (!word.empty() && (word[0] == '{' || word[0] == '@'));
@@ -31,18 +20,15 @@ bool IsObject(const std::string& word) {
 }  // namespace
 
 Milliseconds TimeOption::Value() const {
-    return ReadTime(word).value_or(Milliseconds(0));
+    return ParseDuration(word).value_or(Milliseconds(0));
 }
 
 std::optional<Milliseconds> TimeOption::Limit() const {
-    return ReadTime(word);
+    return ParseDuration(word);
 }
 
 void AddTime(CLI::App& command, const std::string& name, TimeOption& option, const std::string& purpose) {
-    const auto check = [](const std::string& text) {
-        return ReadTime(text) ? "" : Quoted(text) + " is no time: write 300ms or 2s, at most a day";
-    };
-    CLI::Option* added = command.add_option(name, option.word, purpose)->type_name("TIME")->check(check);
+    CLI::Option* added = command.add_option(name, option.word, purpose)->type_name("TIME")->check(CheckDuration);
     if (!option.word.empty()) added->capture_default_str();
 }
 

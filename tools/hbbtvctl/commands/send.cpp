@@ -10,7 +10,6 @@
 #include "wire/connection.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
-#include "wire/values.h"
 
 namespace hbbtv::ctl {
 
@@ -36,8 +35,8 @@ QualifiedOperation FindOperation(const std::string& wanted) {
         throw Failure(kUsage, "\"" + wanted + "\" is no operation: write FAMILY.OPERATION, as in channel.GetOnid");
     }
     throw Failure(kUsage, "the family " + family.name + " has no operation \"" + name + "\"" +
-                              NearestOf(name, family.OperationNames()) + " (`hbbtvctl describe " + family.name +
-                              "` shows all)");
+                              DidYouMean(name, family.OperationNames(), kShortList) + " (`hbbtvctl describe " +
+                              family.name + "` shows all)");
 }
 
 int Run(const std::string& directory, const SendOptions& options) {

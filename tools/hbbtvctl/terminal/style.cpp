@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "common/text/utf8.h"
+
 namespace hbbtv::ctl {
 
 namespace {
@@ -38,7 +40,7 @@ size_t Width(const std::string& cell) {
     for (size_t i = 0; i < cell.size(); ++i) {
         if (cell[i] == '\033')
             i = std::min(cell.find('m', i), cell.size() - 1);
-        else if ((static_cast<unsigned char>(cell[i]) & 0xc0) != 0x80)
+        else if (!IsContinuation(cell[i]))
             ++width;
     }
     return width;

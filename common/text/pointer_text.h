@@ -1,0 +1,20 @@
+// Handles of platform objects as strings: the form that they have on the wire.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace hbbtv {
+
+// Returns lower-case hexadecimal with 0x in front.
+std::string HexText(uint64_t number);
+
+// The same, but the null pointer is the empty string.
+std::string PointerText(uint64_t pointer);
+
+// Parses as C's "%p" does: leading whitespace, an optional 0x, digits of either case, then anything. The empty string
+// and "(nil)" are the null pointer. Returns nothing if the string is not a pointer.
+std::optional<uint64_t> ParsePointer(const std::string& text);
+
+}  // namespace hbbtv
