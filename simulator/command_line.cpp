@@ -1,4 +1,3 @@
-// Options by CLI11: see command_line.h.
 #include "command_line.h"
 
 #include <CLI/App.hpp>
@@ -6,6 +5,7 @@
 #include <CLI/Formatter.hpp>
 #include <cstdlib>
 
+#include "core/error.h"
 #include "core/time_text.h"
 
 namespace hbbtv::sim {
@@ -54,7 +54,7 @@ std::string DefaultDirectory() {
 
 }  // namespace
 
-Options ReadCommandLine(int argc, char** argv) {
+std::optional<Options> ReadCommandLine(int argc, char** argv, int& exitCode) {
     Options options;
     options.directory = DefaultDirectory();
     std::string tuneTime = "300ms";
@@ -111,7 +111,8 @@ Options ReadCommandLine(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
-        throw EndNow{app.exit(e) == 0 ? kEnded : kUsage};
+        exitCode = app.exit(e) == 0 ? kEnded : kUsage;
+        return std::nullopt;
     }
     options.settings.tuneTime = *ReadTime(tuneTime);
     options.settings.streamEventInterval = *ReadTime(streamEventInterval);

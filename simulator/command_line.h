@@ -5,12 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "families/settings.h"
+#include "family/settings.h"
 
 namespace hbbtv::sim {
-
-// Fixed, documented in docs/simulator.md.
-enum ExitCode { kEnded = 0, kTellFailed = 1, kUsage = 2, kFileRefused = 3, kCannotServe = 4, kCannotKeep = 5 };
 
 struct Options {
     Settings settings;
@@ -22,13 +19,8 @@ struct Options {
     std::optional<std::string> tell;  // a line for a simulator that already runs
 };
 
-// Nothing to run: help or version was asked for, or the options make no sense, and it was printed. The program ends
-// with the code.
-struct EndNow {
-    int exitCode;
-};
-
-// Throws EndNow.
-Options ReadCommandLine(int argc, char** argv);
+// Nothing when there is nothing to run: help or the version was printed, or what is wrong with the options. The program
+// ends with the code then.
+std::optional<Options> ReadCommandLine(int argc, char** argv, int& exitCode);
 
 }  // namespace hbbtv::sim

@@ -1,12 +1,11 @@
 // hbbtv-sim: options, line-up, sockets, and then the loop until a signal comes.
 #include <csignal>
 #include <cstdio>
-#include <exception>
 
 #include "command_line.h"
-#include "platform/json_source.h"
-#include "platform/xmltv.h"
+#include "core/error.h"
 #include "simulator.h"
+#include "television/programmes/xmltv/xmltv.h"
 
 namespace hbbtv::sim {
 
@@ -41,28 +40,14 @@ int Main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     try {
-        const Options options = ReadCommandLine(argc, argv);
-        return options.tell ? TellOther(options) : Serve(options);
-    } catch (const EndNow& end) {
-        return end.exitCode;
-    } catch (const BadLineUp& e) {
-        std::fprintf(stderr, "hbbtv-sim: the line-up is refused: %s\n", e.what());
-        return kFileRefused;
-    } catch (const BadProgrammes& e) {
-        std::fprintf(stderr, "hbbtv-sim: the programmes are refused: %s\n", e.what());
-        return kFileRefused;
-    } catch (const BadFile& e) {
-        std::fprintf(stderr, "hbbtv-sim: refused: %s\n", e.what());
-        return kFileRefused;
-    } catch (const CannotServe& e) {
-        std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
-        return kCannotServe;
-    } catch (const CannotKeep& e) {
-        std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
-        return kCannotKeep;
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "hbbtv-sim: %s\n", e.what());
-        return kTellFailed;
+        int exitCode = kEnded;
+        const auto options = ReadCommandLine(argc, argv, exitCode);
+        if (!options) return exitCode;
+        return options->tell ? TellOther(*options) : Serve(*options);
+    } catch (const Fatal& e) {
+        const char* failed = e.Code() == kFileRefused ? "cannot read " : "";
+        std::fprintf(stderr, "hbbtv-sim: %s%s\n", failed, e.what());
+        return e.Code();
     }
 }
 

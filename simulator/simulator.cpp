@@ -1,12 +1,12 @@
-// Puts the parts together: see simulator.h.
 #include "simulator.h"
 
 #include <sstream>
 
 #include "common/nearest_name.h"
-#include "core/frame_connection.h"
+#include "core/error.h"
 #include "core/journal.h"
-#include "families/members.h"
+#include "family/members.h"
+#include "server/frame_connection.h"
 
 namespace hbbtv::sim {
 
@@ -97,7 +97,8 @@ std::string Simulator::Execute(const std::string& line) {
 std::string Simulator::Run(const Command& command, const Words& words) const {
     try {
         return command.run(words);
-    } catch (const WrongWords&) {
+    } catch (const Refused& e) {
+        if (*e.what() != '\0') throw;
         throw Refused("usage: " + command.usage);
     }
 }

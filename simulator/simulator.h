@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "core/control_server.h"
-#include "core/dispatcher.h"
+#include "all_families.h"
 #include "core/event_loop.h"
-#include "core/event_sender.h"
-#include "families/families.h"
+#include "server/control_server.h"
+#include "server/dispatcher.h"
+#include "server/event_sender.h"
 
 namespace hbbtv::sim {
 
@@ -20,7 +20,7 @@ extern const char* const kControlSocket;
 
 class Simulator {
   public:
-    // Without a guide programmes are made up. Throws CannotServe and CannotKeep.
+    // Without a guide programmes are made up. Throws Fatal.
     Simulator(EventLoop& loop, const Journal& journal, LineUp lineUp, const Settings& settings, std::string directory,
               std::unique_ptr<Guide> guide);
     ~Simulator();

@@ -1,4 +1,3 @@
-// The event loop over asio: see event_loop.h.
 #include "core/event_loop.h"
 
 #include <asio/io_context.hpp>

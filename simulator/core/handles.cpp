@@ -1,4 +1,3 @@
-// Handles and their text form: see handles.h.
 #include "core/handles.h"
 
 #include <cctype>

@@ -1,4 +1,3 @@
-// Log and trace lines: see journal.h.
 #include "core/journal.h"
 
 #include <json/writer.h>

@@ -1,4 +1,3 @@
-// JSON text to documents and back: see json_text.h.
 #include "core/json_text.h"
 
 #include <json/reader.h>

@@ -1,4 +1,3 @@
-// Times from text: see time_text.h.
 #include "core/time_text.h"
 
 #include <algorithm>

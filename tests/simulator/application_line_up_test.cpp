@@ -3,7 +3,8 @@
 
 #include <cstring>
 
-#include "platform/line_up.h"
+#include "core/error.h"
+#include "television/line_up/line_up.h"
 
 namespace hbbtv::sim {
 namespace {
@@ -29,7 +30,7 @@ std::string Refusal(const std::string& applications) {
     try {
         ParseLineUp(File(applications), "f");
         return "";
-    } catch (const BadLineUp& e) {
+    } catch (const Fatal& e) {
         const char* sentence = std::strchr(e.what(), ' ');
         return sentence == nullptr ? e.what() : sentence + 1;
     }

@@ -1,9 +1,9 @@
 // Channel lists and the channel configuration: walking, searching, filters, lists of the client's own, the list in use,
 // and the event that tells of changes.
-#include "platform/channel_lists.h"
+#include "television/channels/channel_lists.h"
 
 #include "channel_platform.h"
-#include "platform/service_channels.h"
+#include "television/channels/service_channels.h"
 
 namespace hbbtv::test {
 namespace {

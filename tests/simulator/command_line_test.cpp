@@ -142,7 +142,7 @@ TEST_F(CommandLine, ARefusedLineUpEndsWithCode3AndThePlace) {
     WriteFile(path, "{\n  \"networks\": [],\n  \"service\": []\n}\n");
     const Outcome outcome = Run({"--line-up", path});
     EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_EQ(outcome.output, "hbbtv-sim: the line-up is refused: " + path +
+    EXPECT_EQ(outcome.output, "hbbtv-sim: cannot read " + path +
                                   ":3:14: a line-up has no member \"service\"; did you mean \"services\"?\n");
     EXPECT_EQ(Run({"--line-up", mDirectory.Path()}).exitCode, 3) << "a directory is no line-up";
 }

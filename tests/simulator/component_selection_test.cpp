@@ -5,7 +5,7 @@
 
 #include <sstream>
 
-#include "platform/state_store.h"
+#include "television/device/state_store.h"
 
 namespace hbbtv::sim {
 namespace {

@@ -6,11 +6,11 @@
 
 #include "common/frame.h"
 #include "common/nearest_name.h"
-#include "core/event_sender.h"
 #include "core/handles.h"
 #include "core/json_text.h"
 #include "raw_peers.h"
 #include "scratch_directory.h"
+#include "server/event_sender.h"
 
 namespace hbbtv::sim {
 namespace {

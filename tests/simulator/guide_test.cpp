@@ -1,10 +1,10 @@
 // Guides: made-up programmes and listed ones behind the same questions.
-#include "platform/guide.h"
+#include "television/programmes/guide.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/listed_guide.h"
-#include "platform/schedule.h"
+#include "television/programmes/listed_guide.h"
+#include "television/programmes/schedule.h"
 #include "walked_guide.h"
 
 namespace hbbtv::sim {

@@ -309,7 +309,7 @@ TEST_F(ForeignLineUp, ReceiversServicesStandInTheOrderOfTheBouquets) {
 TEST_F(ForeignLineUp, ThatCannotBeUsedIsRefusedWithItsPlaceAndCode3) {
     WriteFile(mDirectory / "list.m3u", "#EXTM3U\n#EXTINF:-1,A\n");
     WriteFile(mDirectory / "lamedb", "eDVB services /4/\ntransponders\nend\n");
-    const std::string place = "hbbtv-sim: the line-up is refused: " + mDirectory.Path();
+    const std::string place = "hbbtv-sim: cannot read " + mDirectory.Path();
     const std::map<std::string, std::string> outputs{
         {mDirectory / "list.m3u", "hbbtv-sim: " + (mDirectory / "list.m3u:2: \"A\" has no URI; it is skipped\n") +
                                       place + "/list.m3u:2: the playlist holds no service\n"},

@@ -458,12 +458,12 @@ TEST_F(Receiver, BouquetsThatCannotBeReadAreSkippedWithTheirPlace) {
         reading.warnings,
         (Texts{mDirectory / "userbouquet.none.tv: cannot be opened: No such file or directory; the bouquet is skipped",
                list + ":2: the bouquet \"../secret.tv\" lies elsewhere; it is skipped",
-               mDirectory / "folder: is no regular file; the bouquet is skipped",
+               mDirectory / "folder: is not a regular file; the bouquet is skipped",
                list + ":4: the bouquet \"userbouquet.hidden.tv\" is hidden on the receiver; it is skipped",
                list + ":5: \"1:0:19:283D:3FB:1:C00000:0:0:0:\" names no bouquet; it is skipped",
                list + ":6: the bouquet \"userbouquet.none.tv\" was named before; it is skipped",
                list + ":7: \"what?\" is not understood; it is skipped",
-               mDirectory / "bouquets.radio: is no regular file; the bouquet is skipped"}));
+               mDirectory / "bouquets.radio: is not a regular file; the bouquet is skipped"}));
 }
 
 TEST_F(Receiver, ThousandsOfServicesAreReadWithinASecond) {

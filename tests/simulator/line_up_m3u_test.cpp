@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "line_up_reading.h"
-#include "platform/schedule.h"
-#include "platform/tv.h"
+#include "television/programmes/schedule.h"
+#include "television/tv.h"
 
 namespace hbbtv::sim {
 namespace {

@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/line_up_formats.h"
+#include "core/error.h"
+#include "television/line_up/formats.h"
 
 namespace hbbtv::sim {
 
@@ -32,7 +33,7 @@ Reading ReadingOf(const Read& read) {
     Reading reading;
     try {
         reading.lineUp = read([&](const std::string& warning) { reading.warnings.push_back(warning); });
-    } catch (const BadLineUp& e) {
+    } catch (const Fatal& e) {
         reading.refusal = e.what();
     }
     return reading;
@@ -40,11 +41,11 @@ Reading ReadingOf(const Read& read) {
 
 // Of a text that lies in no directory.
 inline Reading ReadingOfText(const std::string& text) {
-    return ReadingOf([&](const LineUpWarning& warn) { return ParseAnyLineUp(text, "/nowhere/f", warn); });
+    return ReadingOf([&](const FileWarning& warn) { return ParseAnyLineUp(text, "/nowhere/f", warn); });
 }
 
 inline Reading ReadingOfFile(const std::string& path) {
-    return ReadingOf([&](const LineUpWarning& warn) { return ReadLineUp(path, warn); });
+    return ReadingOf([&](const FileWarning& warn) { return ReadLineUp(path, warn); });
 }
 
 // "video 1 5101 AVC_HD_25", "audio 2 0 AC3 und encrypted", in their order.

@@ -1,10 +1,12 @@
 // Reading of line-ups: the default one, and a sentence with line and column for everything that can be wrong.
-#include "platform/line_up.h"
+#include "television/line_up/line_up.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <map>
+
+#include "core/error.h"
 
 namespace hbbtv::sim {
 namespace {
@@ -32,7 +34,7 @@ std::string Refusal(const std::string& text) {
     try {
         ParseLineUp(text, "f");
         return "";
-    } catch (const BadLineUp& e) {
+    } catch (const Fatal& e) {
         const char* sentence = std::strchr(e.what(), ' ');
         return sentence == nullptr ? e.what() : sentence + 1;
     }
@@ -150,7 +152,7 @@ TEST(LineUpFile, IsRefusedWithLineAndColumn) {
     try {
         ParseLineUp(text, "lineup.json");
         FAIL();
-    } catch (const BadLineUp& e) {
+    } catch (const Fatal& e) {
         EXPECT_STREQ(e.what(), "lineup.json:4:12: a service has no member \"nmae\"; did you mean \"name\"?");
     }
 }
@@ -332,7 +334,7 @@ TEST(LineUpFile, ThatIsNotThereIsRefusedWithTheReason) {
     try {
         ReadLineUp("/nowhere/lineup.json", [](const std::string& warning) { ADD_FAILURE() << warning; });
         FAIL();
-    } catch (const BadLineUp& e) {
+    } catch (const Fatal& e) {
         EXPECT_STREQ(e.what(), "/nowhere/lineup.json: cannot be opened: No such file or directory");
     }
 }

@@ -1,11 +1,11 @@
 // What queries find among programmes that are written down here: every property, every comparison, the operators, and
 // what is refused.
-#include "platform/programme_query.h"
+#include "television/programmes/programme_query.h"
 
 #include <gtest/gtest.h>
 
-#include "core/arguments.h"
-#include "platform/letter_case.h"
+#include "family/arguments.h"
+#include "text/letter_case.h"
 
 namespace hbbtv::sim {
 namespace {

@@ -1,12 +1,12 @@
 // A search by itself, step by step, in a guide that is written down here; and how long a large guide takes.
-#include "platform/programme_search.h"
+#include "television/programmes/programme_search.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <map>
 
-#include "platform/search_runner.h"
+#include "television/programmes/search_runner.h"
 
 namespace hbbtv::sim {
 namespace {

@@ -272,9 +272,8 @@ class ProgrammeFiles : public AvPlatform {
 TEST_F(ProgrammeFiles, ThatAreBrokenEndTheProgramWithCode3AndAReason) {
     const std::string path = mDirectory / "guide.xml";
     WriteFile(path, "<tv>\n<programme>\n</tv>\n");
-    EXPECT_EQ(Refusal(path),
-              "hbbtv-sim: the programmes are refused: " + path + ":3: is no XML: Start-end tags mismatch\n");
-    EXPECT_EQ(Refusal(mDirectory / "none.xml"), "hbbtv-sim: the programmes are refused: " + (mDirectory / "none.xml") +
+    EXPECT_EQ(Refusal(path), "hbbtv-sim: cannot read " + path + ":3: is no XML: Start-end tags mismatch\n");
+    EXPECT_EQ(Refusal(mDirectory / "none.xml"), "hbbtv-sim: cannot read " + (mDirectory / "none.xml") +
                                                     ": cannot be opened: No such file or directory\n");
 }
 

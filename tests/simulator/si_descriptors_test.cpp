@@ -1,9 +1,9 @@
 // Descriptors of programmes, byte by byte as EN 300 468 has them.
-#include "platform/si_descriptors.h"
+#include "television/programmes/si/si_descriptors.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/si_codes.h"
+#include "television/programmes/si/si_codes.h"
 
 namespace hbbtv::sim {
 namespace {

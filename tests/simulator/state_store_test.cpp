@@ -1,16 +1,18 @@
 // The store of documents by itself, and the option that names its directory.
-#include "platform/state_store.h"
+#include "television/device/state_store.h"
 
 #include <sys/stat.h>
 
 #include <filesystem>
 
+#include "core/error.h"
 #include "simulated_platform.h"
 
 namespace hbbtv::test {
 namespace {
 
-using sim::CannotKeep;
+using sim::Fatal;
+using sim::Refused;
 using sim::StateStore;
 
 Json::Value Loaded(const StateStore& store, const std::string& name) {
@@ -57,7 +59,7 @@ TEST(StateStores, SetAsideWhatItsReaderRefuses) {
     const StateStore store(directory.Path());
     for (const std::string aside : {"a.json.damaged-1", "a.json.damaged-2"}) {
         store.Save("a", Document(aside));
-        store.Load("a", [](const Json::Value&) { throw std::runtime_error("no"); });
+        store.Load("a", [](const Json::Value&) { throw Refused("no"); });
         EXPECT_TRUE(Loaded(store, "a").isNull());
         EXPECT_EQ(Parsed(ContentOf(directory / aside)), Document(aside));
     }
@@ -79,7 +81,7 @@ TEST(StateStores, FollowNoLinkOutOfTheirDirectoryWhenTheySave) {
     std::filesystem::create_directory(directory / "state");
     std::filesystem::create_symlink(directory / "precious", directory / "state/a.json.new");
     const StateStore store(directory / "state");
-    EXPECT_THROW(store.Save("a", Document("x")), CannotKeep);
+    EXPECT_THROW(store.Save("a", Document("x")), Refused);
     EXPECT_EQ(ContentOf(directory / "precious"), "mine");
 }
 
@@ -87,7 +89,7 @@ TEST(StateStores, RefuseADocumentOfMoreThan64MebibytesAndKeepTheEarlierOne) {
     const ScratchDirectory directory;
     const StateStore store(directory.Path());
     store.Save("a", Document("small"));
-    EXPECT_THROW(store.Save("a", Document(std::string(64u << 20, 'x'))), CannotKeep);
+    EXPECT_THROW(store.Save("a", Document(std::string(64u << 20, 'x'))), Refused);
     EXPECT_EQ(Loaded(store, "a"), Document("small"));
 }
 
@@ -95,7 +97,7 @@ TEST(StateStores, HaveTheirDirectoryForThemselves) {
     const ScratchDirectory directory;
     {
         const StateStore store(directory.Path());
-        EXPECT_THROW(StateStore(directory.Path()), CannotKeep);
+        EXPECT_THROW(StateStore(directory.Path()), Fatal);
     }
     EXPECT_NO_THROW(StateStore(directory.Path()));
 }

@@ -1,7 +1,7 @@
 // What a guide has of a service, as a list.
 #pragma once
 
-#include "platform/guide.h"
+#include "television/programmes/guide.h"
 
 namespace hbbtv::sim {
 

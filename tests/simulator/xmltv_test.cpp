@@ -4,10 +4,11 @@
 #include <chrono>
 #include <stdexcept>
 
-#include "platform/programme_search.h"
-#include "platform/xmltv.h"
-#include "platform/xmltv_time.h"
+#include "core/error.h"
 #include "simulated_platform.h"
+#include "television/programmes/programme_search.h"
+#include "television/programmes/xmltv/xmltv.h"
+#include "television/programmes/xmltv/xmltv_time.h"
 #include "walked_guide.h"
 
 namespace hbbtv::sim {
@@ -36,7 +37,7 @@ class Xmltv : public testing::Test {
         mRefusal.clear();
         try {
             mGuide = ParseXmltv(text, "f", mLineUp, [this](const std::string& w) { mWarnings.push_back(w); });
-        } catch (const BadProgrammes& e) {
+        } catch (const Fatal& e) {
             mGuide.reset();
             mRefusal = e.what();
         }
@@ -439,7 +440,7 @@ TEST(XmltvFiles, ThatCannotBeReadAreRefused) {
         try {
             ReadXmltv(path, lineUp, [](const std::string&) {});
             return "";
-        } catch (const BadProgrammes& e) {
+        } catch (const Fatal& e) {
             return e.what();
         }
     };

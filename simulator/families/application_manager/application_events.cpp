@@ -1,7 +1,6 @@
-// The wire form of the application manager's messages: see application_events.h.
 #include "families/application_manager/application_events.h"
 
-#include "families/members.h"
+#include "family/members.h"
 
 namespace hbbtv::sim {
 

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "core/family.h"
-#include "platform/applications.h"
+#include "family/family.h"
+#include "television/applications/applications.h"
 
 namespace hbbtv::sim {
 

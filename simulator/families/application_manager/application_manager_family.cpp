@@ -1,15 +1,15 @@
-// The application manager's rows and commands: see application_manager_family.h. What they are about is in
-// platform/applications.h; which applications start when is in application_starter.h.
-#include "families/application_manager/application_manager_family.h"
+// Requests and commands of the application manager. application_starter.h decides which applications start when.
+#include "family/family_setup.h"
 
 #include <algorithm>
 #include <cstdio>
 
+#include "core/error.h"
 #include "core/journal.h"
 #include "families/application_manager/application_events.h"
 #include "families/application_manager/application_starter.h"
-#include "families/members.h"
-#include "platform/remote_control.h"
+#include "family/members.h"
+#include "television/device/remote_control.h"
 
 namespace hbbtv::sim {
 

@@ -1,11 +1,10 @@
-// Start of applications: see application_starter.h.
 #include "families/application_manager/application_starter.h"
 
 #include <algorithm>
 
-#include "core/arguments.h"
+#include "core/error.h"
 #include "core/journal.h"
-#include "platform/remote_control.h"
+#include "television/device/remote_control.h"
 
 namespace hbbtv::sim {
 

@@ -4,8 +4,8 @@
 
 #include "core/event_loop.h"
 #include "families/application_manager/application_events.h"
-#include "families/settings.h"
-#include "platform/tv.h"
+#include "family/settings.h"
+#include "television/tv.h"
 
 namespace hbbtv::sim {
 

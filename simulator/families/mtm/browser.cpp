@@ -1,11 +1,10 @@
-// The browser's part in the life of applications: see browser.h.
 #include "families/mtm/browser.h"
 
-#include "core/arguments.h"
+#include "core/error.h"
 #include "core/journal.h"
-#include "families/members.h"
 #include "families/mtm/xml_signalling.h"
-#include "platform/remote_control.h"
+#include "family/members.h"
+#include "television/device/remote_control.h"
 
 namespace hbbtv::sim {
 

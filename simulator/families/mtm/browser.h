@@ -8,8 +8,8 @@
 
 #include "core/event_loop.h"
 #include "families/mtm/browser_commands.h"
-#include "families/settings.h"
-#include "platform/tv.h"
+#include "family/settings.h"
+#include "television/tv.h"
 
 namespace hbbtv::sim {
 

@@ -1,4 +1,3 @@
-// The wire form of the commands: see browser_commands.h.
 #include "families/mtm/browser_commands.h"
 
 namespace hbbtv::sim {

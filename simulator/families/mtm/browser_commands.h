@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "core/family.h"
+#include "family/family.h"
 
 namespace hbbtv::sim {
 

@@ -1,12 +1,12 @@
-// What the browser tells, into the table of tabs: see mtm_family.h. What the platform tells the browser is in
-// browser.cpp.
-#include "families/mtm/mtm_family.h"
+// What the browser reports about its tabs, and the viewer's commands for them. browser.h is the other direction.
+#include "family/family_setup.h"
 
 #include "common/nearest_name.h"
+#include "core/error.h"
 #include "core/journal.h"
-#include "families/members.h"
 #include "families/mtm/browser.h"
-#include "platform/remote_control.h"
+#include "family/members.h"
+#include "television/device/remote_control.h"
 
 namespace hbbtv::sim {
 

@@ -1,4 +1,3 @@
-// Reading of two elements: see xml_signalling.h.
 #include "families/mtm/xml_signalling.h"
 
 namespace hbbtv::sim {

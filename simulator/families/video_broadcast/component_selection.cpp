@@ -1,4 +1,3 @@
-// Selection of components: see component_selection.h.
 #include "families/video_broadcast/component_selection.h"
 
 namespace hbbtv::sim {

@@ -4,7 +4,7 @@
 #include <array>
 #include <memory>
 
-#include "platform/tv.h"
+#include "television/tv.h"
 
 namespace hbbtv::sim {
 

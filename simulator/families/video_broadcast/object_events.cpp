@@ -1,4 +1,3 @@
-// The wire form of the video/broadcast events: see object_events.h.
 #include "families/video_broadcast/object_events.h"
 
 namespace hbbtv::sim {

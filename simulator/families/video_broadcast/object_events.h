@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "core/family.h"
 #include "core/handles.h"
+#include "family/family.h"
 
 namespace hbbtv::sim {
 

@@ -1,9 +1,8 @@
-// Stream events: see stream_event_listeners.h.
 #include "families/video_broadcast/stream_event_listeners.h"
 
 #include <algorithm>
 
-#include "core/arguments.h"
+#include "core/error.h"
 
 namespace hbbtv::sim {
 

@@ -16,7 +16,7 @@ namespace hbbtv::sim {
 
 class StreamEventListeners {
   public:
-    // `viewed` gives the object in front of the viewer, null without one. Throws BadFile for the script.
+    // `viewed` gives the object in front of the viewer, null without one. Throws Fatal for the script.
     StreamEventListeners(EventLoop& loop, const Settings& settings, std::function<VideoBroadcastObject*()> viewed);
 
     // Throw Refused.

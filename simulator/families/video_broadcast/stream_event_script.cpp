@@ -1,11 +1,11 @@
-// Stream events from a file: see stream_event_script.h.
 #include "families/video_broadcast/stream_event_script.h"
 
 #include <cctype>
 #include <cstdio>
 
-#include "platform/json_source.h"
-#include "platform/utf8.h"
+#include "text/json_source.h"
+#include "text/lines.h"
+#include "text/utf8.h"
 
 namespace hbbtv::sim {
 
@@ -92,7 +92,7 @@ StreamEventScript ParseStreamEventScript(const std::string& text, const std::str
 }
 
 StreamEventScript ReadStreamEventScript(const std::string& path) {
-    return ParseStreamEventScript(ReadJsonFile(path), path);
+    return ParseStreamEventScript(ReadWhole(path), path);
 }
 
 }  // namespace hbbtv::sim

@@ -21,10 +21,10 @@ using StreamEventScript = std::vector<ScriptedStreamEvent>;
 
 std::string Hexadecimal(const std::string& bytes);
 
-// `name` stands for the text in messages. Throws BadFile.
+// `name` stands for the text in messages. Throws Fatal.
 StreamEventScript ParseStreamEventScript(const std::string& text, const std::string& name);
 
-// Throws BadFile.
+// Throws Fatal.
 StreamEventScript ReadStreamEventScript(const std::string& path);
 
 }  // namespace hbbtv::sim

@@ -1,4 +1,3 @@
-// The time-shift buffer: see time_shift.h.
 #include "families/video_broadcast/time_shift.h"
 
 #include <algorithm>

@@ -1,13 +1,13 @@
-// Requests of the video/broadcast family to objects: see video_broadcast_family.h. The objects' behaviour is in
-// video_broadcast_object.cpp; here are only names, members and refusals.
-#include "families/video_broadcast/video_broadcast_family.h"
+// The operations of video/broadcast objects, each a call of the object that it names.
+#include "family/family_setup.h"
 
 #include <algorithm>
 #include <ctime>
 
-#include "families/object_family.h"
+#include "core/error.h"
 #include "families/video_broadcast/stream_event_listeners.h"
 #include "families/video_broadcast/video_broadcast_object.h"
+#include "family/object_family.h"
 
 namespace hbbtv::sim {
 

@@ -1,9 +1,8 @@
-// The states of a video/broadcast object: see video_broadcast_object.h.
 #include "families/video_broadcast/video_broadcast_object.h"
 
 #include <algorithm>
 
-#include "core/arguments.h"
+#include "core/error.h"
 
 namespace hbbtv::sim {
 

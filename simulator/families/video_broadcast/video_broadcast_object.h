@@ -7,11 +7,11 @@
 #include <optional>
 
 #include "core/event_loop.h"
-#include "families/settings.h"
 #include "families/video_broadcast/component_selection.h"
 #include "families/video_broadcast/object_events.h"
 #include "families/video_broadcast/time_shift.h"
-#include "platform/tv.h"
+#include "family/settings.h"
+#include "television/tv.h"
 
 namespace hbbtv::sim {
 

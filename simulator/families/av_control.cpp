@@ -1,0 +1,142 @@
+// The media object of the browser: the components that it reports, and the viewer's selections.
+#include "family/family_setup.h"
+
+#include <array>
+#include <optional>
+#include <sstream>
+
+#include "core/error.h"
+#include "core/journal.h"
+#include "family/members.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+constexpr size_t kMostComponents = 1000;  // of a type
+const std::array<const char*, 3> kTypes{"video", "audio", "subtitle"};
+
+// One of the browser's media, as the browser tells of it.
+struct MediaComponent {
+    bool active = false;
+    Component component;
+};
+
+struct MediaComponents {
+    std::vector<MediaComponent> list;
+    int current = 0;  // as it was told; negative or 0 when there is none
+};
+
+MediaComponent ReadComponent(const Arguments& in) {
+    MediaComponent read;
+    read.active = in.Bool("actived");
+    read.component.type = ReadComponentType(in.Int("comp_type"));
+    read.component.encoding = in.ShortText("encoding");
+    read.component.language = in.ShortText("language");
+    read.component.audioChannels = static_cast<int>(in.UInt("audio_channelNum"));
+    read.component.hearingImpaired = in.Bool("impaired");
+    read.component.audioDescription = in.Bool("desc");
+    read.component.tag = in.Int("compTag");
+    return read;
+}
+
+std::string Described(const MediaComponent& media) {
+    const Component& component = media.component;
+    std::ostringstream text;
+    text << "tag " << component.tag;
+    if (!component.encoding.empty()) text << " " << Excerpt(component.encoding);
+    if (!component.language.empty()) text << " " << Excerpt(component.language);
+    if (component.type == ComponentType::Audio) text << " " << component.audioChannels << " channels";
+    if (component.audioDescription) text << " audio description";
+    if (component.hearingImpaired) text << " hearing impaired";
+    if (media.active) text << " active";
+    return text.str();
+}
+
+class AvControlFamily : public Family {
+  public:
+    explicit AvControlFamily(const FamilySetup& setup);
+
+  private:
+    void ComponentUpdate(In in, Out);
+
+    // At the television.
+    std::string Components(const Words& words);
+    std::string Select(const Words& words);
+
+    EventSink& mSink;
+    std::array<std::optional<MediaComponents>, 3> mComponents;  // by type; nothing until the browser told
+};
+
+AvControlFamily::AvControlFamily(const FamilySetup& setup)
+    : Family({"av_control", "service_plugin_to_hbbtv_av_ctrl", "service_hbbtv_to_plugin_av_ctrl", 19, "method", 2}),
+      mSink(setup.sinkOf(Address())) {
+    using F = AvControlFamily;
+    Row(0, "ComponentUpdate", &F::ComponentUpdate);
+    AddCommand("components", "the components of the browser's media, as the browser told of them", &F::Components);
+    AddCommand("select video|audio|subtitle INDEX", "the viewer asks for one of them", &F::Select);
+}
+
+// An update holds all components of its type, so it takes the place of the one before.
+void AvControlFamily::ComponentUpdate(In in, Out) {
+    const ComponentType type = ReadComponentType(in.Int("component_type"));
+    const unsigned count = in.UInt("component_count");
+    const Json::Value& items = in.Objects("components");
+    if (count != items.size()) {
+        throw Refused("\"component_count\" is " + std::to_string(count) + ", and there are " +
+                      std::to_string(items.size()) + " components");
+    }
+    if (count > kMostComponents)
+        throw Refused("there are more than " + std::to_string(kMostComponents) + " components");
+    MediaComponents told;
+    told.current = in.Int("current_component_index");
+    for (const Json::Value& item : items) told.list.push_back(ReadComponent(Arguments(item)));
+    const bool outside = told.current >= 0 && static_cast<size_t>(told.current) >= told.list.size();
+    if (outside && !told.list.empty()) {
+        throw Refused("index " + std::to_string(told.current) + " of " + std::to_string(told.list.size()));
+    }
+    mComponents[static_cast<size_t>(type)] = std::move(told);
+}
+
+// --- At the television
+
+std::string AvControlFamily::Components(const Words& words) {
+    RequireNone(words);
+    std::string text;
+    for (size_t type = 0; type < kTypes.size(); ++type) {
+        if (!mComponents[type]) continue;
+        const MediaComponents& told = *mComponents[type];
+        if (told.list.empty()) text += std::string(text.empty() ? "" : "; ") + kTypes[type] + ": none";
+        for (size_t i = 0; i < told.list.size(); ++i) {
+            text += std::string(text.empty() ? "" : "; ") + kTypes[type] + " " + std::to_string(i) + ": ";
+            text += Described(told.list[i]);
+            if (told.current == static_cast<int>(i)) text += " current";
+        }
+    }
+    if (text.empty()) throw Refused("the browser has not told of any");
+    return text;
+}
+
+// What comes of it, the browser tells with its next update.
+std::string AvControlFamily::Select(const Words& words) {
+    const auto index = words.size() == 2 ? Number(words[1]) : std::nullopt;
+    size_t type = 0;
+    while (index && type < kTypes.size() && words[0] != kTypes[type]) ++type;
+    if (!index || type == kTypes.size()) throw WrongWords();
+    if (!mComponents[type]) throw Refused(std::string("the browser has told of no ") + kTypes[type] + " components");
+    const MediaComponent& media = At(mComponents[type]->list, *index);
+    Json::Value event;
+    event["method"] = 1;
+    event["component_type"] = static_cast<int>(type);
+    event["component_index"] = *index;
+    mSink.Send("select", event);
+    return Described(media);
+}
+
+}  // namespace
+
+std::unique_ptr<Family> MakeAvControlFamily(const FamilySetup& setup) {
+    return std::make_unique<AvControlFamily>(setup);
+}
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,165 @@
+// The channel and favourite lists in use, new lists, and the event that reports a change.
+#include "family/family_setup.h"
+
+#include <unordered_set>
+
+#include "core/error.h"
+#include "family/members.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+constexpr size_t kMostEntries = 1000000;  // in all lists that have a handle
+
+class ChannelConfigFamily : public Family {
+  public:
+    explicit ChannelConfigFamily(const FamilySetup& setup);
+
+  private:
+    void RegisterCallback(In in, Out);
+    void UnregisterCallback(In, Out) { mRegistered = false; }
+    void GetCurrentChannel(In, Out out) { out["handle"] = Text(mTv.channels, mTv.tuner.On()); }
+    void GetChannelList(In, Out out) { out["handle"] = Text(mTv.channelLists, mTv.channelList.InUse()); }
+    void GetBroadcastSupervisor(In, Out out) { out["handle"] = PointerText(mTv.broadcastSupervisor()); }
+    void GetFavouriteListCollection(In, Out out) { out["handle"] = Text(mTv.favouriteCollections, mTv.favourites); }
+    void GetCurrentFavouriteList(In, Out out) { out["handle"] = Text(mTv.favouriteLists, mTv.favourites->InUse()); }
+    void SetChannelList(In in, Out);
+    void CreateChannelList(In in, Out out);
+    void CreateFilteredList(In in, Out out);
+
+    std::string Add(ChannelVector channels);
+    std::unordered_set<const Channel*> Favourites(const std::string& listId) const;
+    void Tell(ConfigChange change);
+
+    // At the television.
+    std::string SetHidden(const Words& words, bool hidden);
+    std::string SetListed(const Words& words, bool listed);
+
+    Tv& mTv;
+    EventSink& mSink;
+    bool mRegistered = false;
+};
+
+ChannelConfigFamily::ChannelConfigFamily(const FamilySetup& setup)
+    : Family({"channel_config", "service_plugin_to_hbbtv_vb_chn_config", "service_hbbtv_to_plugin_vb_chn_config", 3,
+              "method", 19}),
+      mTv(setup.tv),
+      mSink(setup.sinkOf(Address())) {
+    using F = ChannelConfigFamily;
+    Row(0, "RegisterCallback", &F::RegisterCallback);
+    Row(1, "UnregisterCallback", &F::UnregisterCallback);
+    Row(2, "GetCurrentChannel", &F::GetCurrentChannel);
+    Row(3, "GetChannelList", &F::GetChannelList);
+    Row(4, "GetBroadcastSupervisor", &F::GetBroadcastSupervisor);
+    Row(5, "GetFavouriteListCollection", &F::GetFavouriteListCollection);
+    Row(6, "GetCurrentFavouriteList", &F::GetCurrentFavouriteList);
+    Row(7, "SetChannelList", &F::SetChannelList);
+    Row(8, "CreateChannelList", &F::CreateChannelList);
+    Row(9, "CreateFilteredList", &F::CreateFilteredList);
+    AddCommand("hide NUMBER", "a channel is not shown to the viewer any more",
+               [this](const Words& words) { return SetHidden(words, true); });
+    AddCommand("show NUMBER", "it is shown again", [this](const Words& words) { return SetHidden(words, false); });
+    AddCommand("remove NUMBER", "a channel is taken out of the channel list",
+               [this](const Words& words) { return SetListed(words, false); });
+    AddCommand("restore NUMBER", "it is put back", [this](const Words& words) { return SetListed(words, true); });
+    mTv.onConfigChange = [this](ConfigChange change) { Tell(change); };
+}
+
+// The event carries no context, so the caller's mark is only looked at.
+void ChannelConfigFamily::RegisterCallback(In in, Out) {
+    in.Pointer("context");
+    mRegistered = true;
+}
+
+void ChannelConfigFamily::Tell(ConfigChange change) {
+    if (!mRegistered) return;
+    Json::Value event;
+    event["event"] = 0;
+    event["reserved"] = std::string(1, static_cast<char>(change));
+    mSink.Send("ChannelConfigChanged", event);
+}
+
+// --- Lists
+
+void ChannelConfigFamily::SetChannelList(In in, Out) {
+    const bool none = in.Pointer("list") == 0;
+    const auto list = none ? nullptr : Find(mTv.channelLists, in, "list", "channel list");
+    if (mTv.channelList.Use(list)) mTv.onConfigChange(ConfigChange::ChannelList);
+}
+
+std::string ChannelConfigFamily::Add(ChannelVector channels) {
+    size_t entries = channels.size();
+    for (const auto& entry : mTv.channelLists.All()) entries += entry.second->Channels().size();
+    if (entries > kMostEntries) throw Refused("too many channels in lists, release some");
+    return Text(mTv.channelLists, std::make_shared<ChannelList>(std::move(channels)));
+}
+
+// The announced size costs nothing: the first member that is missing ends it.
+void ChannelConfigFamily::CreateChannelList(In in, Out out) {
+    const unsigned size = in.UInt("size");
+    ChannelVector channels;
+    for (unsigned i = 0; i < size; ++i) {
+        channels.push_back(Find(mTv.channels, in, ("channel" + std::to_string(i)).c_str(), "channel"));
+    }
+    out["list"] = Add(std::move(channels));
+}
+
+// Of one list, or of all when it has no name.
+std::unordered_set<const Channel*> ChannelConfigFamily::Favourites(const std::string& listId) const {
+    if (!listId.empty() && !mTv.favourites->Find(listId)) throw Refused("there is no favourite list with this id");
+    std::unordered_set<const Channel*> favourites;
+    for (const auto& list : mTv.favourites->Lists()) {
+        if (!listId.empty() && list->id != listId) continue;
+        for (const auto& channel : list->channels.Channels()) favourites.insert(channel.get());
+    }
+    return favourites;
+}
+
+// OIPF DAE volume 5: a channel is added when each of its three properties is as the flag says. The list of favourites
+// counts only when favourites are asked for.
+void ChannelConfigFamily::CreateFilteredList(In in, Out out) {
+    const bool blocked = in.Bool("blocked");
+    const bool favourite = in.Bool("favourite");
+    const bool hidden = in.Bool("hidden");
+    const std::string listId = in.Text("favouriteListID");
+    const auto favourites = Favourites(favourite ? listId : "");
+    ChannelVector channels;
+    for (const auto& channel : mTv.channelList.All()->Channels()) {
+        const bool isFavourite = favourites.count(channel.get()) != 0;
+        if (channel->Blocked() == blocked && isFavourite == favourite && channel->hidden == hidden) {
+            channels.push_back(channel);
+        }
+    }
+    out["handle"] = Add(std::move(channels));
+}
+
+// --- At the television
+
+std::string ChannelConfigFamily::SetHidden(const Words& words, bool hidden) {
+    const auto number = Number(Word(words));
+    if (!number) throw WrongWords();
+    const auto channel = mTv.channelList.KnownWithNumber(*number);
+    if (!channel) throw Refused("there is no such channel in the list");
+    if (channel->hidden == hidden) throw Refused(hidden ? "the channel is hidden" : "the channel is not hidden");
+    channel->hidden = hidden;
+    mTv.onConfigChange(ConfigChange::ChannelList);
+    return channel->name;
+}
+
+std::string ChannelConfigFamily::SetListed(const Words& words, bool listed) {
+    const auto number = Number(Word(words));
+    if (!number) throw WrongWords();
+    const auto channel = listed ? mTv.channelList.PutBack(*number) : mTv.channelList.TakeOut(*number);
+    if (!channel) throw Refused(listed ? "no such channel was removed" : "there is no such channel in the list");
+    mTv.onConfigChange(ConfigChange::ChannelList);
+    return channel->name;
+}
+
+}  // namespace
+
+std::unique_ptr<Family> MakeChannelConfigFamily(const FamilySetup& setup) {
+    return std::make_unique<ChannelConfigFamily>(setup);
+}
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,98 @@
+// One favourite list: reading and changing it.
+#include "family/family_setup.h"
+
+#include "core/error.h"
+#include "family/object_family.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+constexpr size_t kMostChannels = 20000;
+constexpr int kAnyNetwork = -1;
+
+class FavouriteListFamily : public ObjectFamily<FavouriteList> {
+  public:
+    explicit FavouriteListFamily(const FamilySetup& setup);
+
+  private:
+    void SetName(In in, Out);
+    void InsertBefore(In in, Out);
+    void RemoveAt(In in, Out);
+    void TellOf(const FavouriteList& changed);
+
+    Tv& mTv;
+};
+
+// Its code numbers end where those of the collection begin: both have the same type.
+FavouriteListFamily::FavouriteListFamily(const FamilySetup& setup)
+    : ObjectFamily({"favourite_list", "service_plugin_to_hbbtv_vb_fav_list", "", 5, "method", 15},
+                   setup.tv.favouriteLists, "fl_handle", "favourite list"),
+      mTv(setup.tv) {
+    using F = FavouriteListFamily;
+    const auto look = [&](int code, const char* name, auto search) {
+        Look(code, name, "channel", setup.tv.channels,
+             [search](const FavouriteList& list, In in) { return search(list.channels, in); });
+    };
+    Row(0, "Release", &F::Release);
+    Get(1, "GetLength", "len",
+        [](const FavouriteList& list) { return static_cast<unsigned>(list.channels.Channels().size()); });
+    Get(2, "GetFavID", "favId", [](const FavouriteList& list) { return list.id; });
+    Row(3, "SetName", &F::SetName);
+    Get(4, "GetName", "name", [](const FavouriteList& list) { return list.name; });
+    look(5, "Item", [](const ChannelList& list, In in) { return At(list.Channels(), in.Int("index")); });
+    look(6, "GetChannel", [](const ChannelList& list, In in) { return list.WithId(in.Text("channelID")); });
+    look(7, "GetChannelByTriplet", [](const ChannelList& list, In in) {
+        return list.WithTriplet(in.Int("onid"), in.Int("tsid"), in.Int("sid"), kAnyNetwork);
+    });
+    look(8, "GetChannelBySourceID",
+         [](const ChannelList& list, In in) { return list.WithSourceId(in.Int("sourceID")); });
+    Row(9, "InsertBefore", &F::InsertBefore);
+    Row(10, "Remove", &F::RemoveAt);
+    Set(11, "Commit", [this](FavouriteList& list, In) { mTv.favourites->Commit(list); });
+}
+
+// Of the list in use alone.
+void FavouriteListFamily::TellOf(const FavouriteList& changed) {
+    if (mTv.favourites->InUse().get() == &changed) mTv.onConfigChange(ConfigChange::FavouriteList);
+}
+
+void FavouriteListFamily::SetName(In in, Out) {
+    const auto list = Named(in);
+    const std::string name = in.ShortText("name");
+    if (name == list->name) return;
+    list->name = name;
+    TellOf(*list);
+}
+
+void FavouriteListFamily::InsertBefore(In in, Out) {
+    const auto named = Named(in);
+    ChannelList& list = named->channels;
+    const size_t length = list.Channels().size();
+    const int index = in.Int("index");
+    if (index < 0 || static_cast<size_t>(index) > length) {
+        throw Refused("index " + std::to_string(index) + " in a list of " + std::to_string(length));
+    }
+    if (length >= kMostChannels) throw Refused("a favourite list holds at most 20000 channels");
+    const auto channel = mTv.serviceChannels.WithCcid(in.Text("ccid"));
+    if (!channel) throw Refused("\"ccid\" names no channel of the line-up");
+    list.Insert(static_cast<size_t>(index), channel);
+    TellOf(*named);
+}
+
+void FavouriteListFamily::RemoveAt(In in, Out) {
+    const auto named = Named(in);
+    ChannelList& list = named->channels;
+    const int index = in.Int("index");
+    At(list.Channels(), index);
+    list.Remove(static_cast<size_t>(index));
+    TellOf(*named);
+}
+
+}  // namespace
+
+std::unique_ptr<Family> MakeFavouriteListFamily(const FamilySetup& setup) {
+    return std::make_unique<FavouriteListFamily>(setup);
+}
+
+}  // namespace hbbtv::sim

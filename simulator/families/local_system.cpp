@@ -1,0 +1,71 @@
+// What this television is, and what is enabled on it.
+#include "family/family_setup.h"
+
+#include "family/members.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+class LocalSystemFamily : public Family {
+  public:
+    explicit LocalSystemFamily(const FamilySetup& setup);
+
+  private:
+    void GetDeviceID(In, Out out) { out["deviceID"] = mDevice.Id(); }
+    void GetVendorName(In, Out out) { out["vendorName"] = mDevice.Description().vendorName; }
+    void GetModelName(In, Out out) { out["modelName"] = mDevice.Description().modelName; }
+    void GetFamilyName(In, Out out) { out["familyName"] = mDevice.Description().familyName; }
+    void GetSoftwareVersion(In, Out out) { out["softwareVersion"] = mDevice.Description().softwareVersion; }
+    void GetHardwareVersion(In, Out out) { out["hardwareVersion"] = mDevice.Description().hardwareVersion; }
+    void GetSerialNumber(In, Out out) { out["serialNumber"] = mDevice.SerialNumber(); }
+    void GetPvrEnabled(In, Out out) { out["pvrEnabled"] = mDevice.Description().pvr ? 1 : 0; }
+    void GetCiplusEnabled(In, Out out) { out["ciplusEnabled"] = mDevice.Description().ciPlus ? 1 : 0; }
+
+    // At the television.
+    std::string Switch(const Words& words, bool DeviceDescription::*what);
+    std::string UpdateSoftware(const Words& words);
+
+    Device& mDevice;
+};
+
+LocalSystemFamily::LocalSystemFamily(const FamilySetup& setup)
+    : Family({"local_system", "service_plugin_to_hbbtv_local_system", "", 11, "method", 6}), mDevice(setup.tv.device) {
+    using F = LocalSystemFamily;
+    Row(0, "GetDeviceID", &F::GetDeviceID);
+    Row(2, "GetVendorName", &F::GetVendorName);
+    Row(4, "GetModelName", &F::GetModelName);
+    Row(6, "GetFamilyName", &F::GetFamilyName);
+    Row(8, "GetSoftwareVersion", &F::GetSoftwareVersion);
+    Row(10, "GetHardwareVersion", &F::GetHardwareVersion);
+    Row(12, "GetSerialNumber", &F::GetSerialNumber);
+    Row(14, "GetPvrEnabled", &F::GetPvrEnabled);
+    Row(16, "GetCiplusEnabled", &F::GetCiplusEnabled);
+    AddCommand("pvr on|off", "the disk for recordings is plugged in, or pulled out",
+               [this](const Words& words) { return Switch(words, &DeviceDescription::pvr); });
+    AddCommand("ci-plus on|off", "a CI Plus module is plugged in, or pulled out",
+               [this](const Words& words) { return Switch(words, &DeviceDescription::ciPlus); });
+    AddCommand("software-update VERSION", "the television's software becomes this version", &F::UpdateSoftware);
+}
+
+// --- At the television
+
+std::string LocalSystemFamily::Switch(const Words& words, bool DeviceDescription::*what) {
+    const bool on = IsFirst(words, "on", "off");
+    mDevice.Change([&](DeviceDescription& description) { description.*what = on; });
+    return "";
+}
+
+std::string LocalSystemFamily::UpdateSoftware(const Words& words) {
+    const std::string& version = Word(words);
+    mDevice.Change([&](DeviceDescription& description) { description.softwareVersion = version; });
+    return "";
+}
+
+}  // namespace
+
+std::unique_ptr<Family> MakeLocalSystemFamily(const FamilySetup& setup) {
+    return std::make_unique<LocalSystemFamily>(setup);
+}
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,22 @@
+// What each family is created with.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "core/event_loop.h"
+#include "family/family.h"
+#include "family/settings.h"
+#include "television/tv.h"
+
+namespace hbbtv::sim {
+
+struct FamilySetup {
+    EventLoop& loop;
+    Tv& tv;
+    const Settings& settings;
+    std::function<EventSink&(const FamilyAddress&)> sinkOf;  // where that family's events go
+    const std::string& directory;                            // of the sockets, and of what is put beside them
+};
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,86 @@
+// How families read the handles, positions and numbered values of a request and write the handles of a reply; the words
+// of a command; and the replies to what they have asked.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/error.h"
+#include "core/handles.h"
+#include "family/arguments.h"
+#include "family/family.h"
+#include "text/text.h"
+
+namespace hbbtv::sim {
+
+// The object that the member names. `kind` ends the sentence that refuses any other handle.
+template <typename T>
+std::shared_ptr<T> Find(const HandleTable<T>& table, const Arguments& in, const char* member, const char* kind) {
+    const auto object = table.Find(in.Pointer(member));
+    if (!object) throw Refused("\"" + std::string(member) + "\" names no " + kind);
+    return object;
+}
+
+template <typename T>
+void Remove(HandleTable<T>& table, const Arguments& in, const char* member, const char* kind) {
+    Find(table, in, member, kind);
+    table.Remove(in.Pointer(member));
+}
+
+template <typename T>
+std::string Text(HandleTable<T>& table, const std::shared_ptr<T>& object) {
+    return PointerText(table.HandleOf(object));
+}
+
+template <typename List>
+const typename List::value_type& At(const List& list, int64_t index) {
+    if (index >= 0 && static_cast<uint64_t>(index) < list.size()) return list[static_cast<size_t>(index)];
+    throw Refused("index " + std::to_string(index) + " of " + std::to_string(list.size()));
+}
+
+// A value of an enumeration that begins with 0 and ends with `last`. `kind` ends the sentence that refuses any other.
+template <typename Enum>
+Enum Choice(int number, Enum last, const char* kind) {
+    if (number >= 0 && number <= static_cast<int>(last)) return static_cast<Enum>(number);
+    throw Refused("there is no " + std::string(kind) + " " + std::to_string(number));
+}
+
+inline ComponentType ReadComponentType(int number) {
+    return Choice(number, ComponentType::Subtitle, "component type");
+}
+
+// The one word of a command.
+inline const std::string& Word(const Words& words) {
+    if (words.size() != 1) throw WrongWords();
+    return words[0];
+}
+
+// Whether a command has this one of the two words.
+inline bool IsFirst(const Words& words, const char* first, const char* second) {
+    if (Word(words) != first && Word(words) != second) throw WrongWords();
+    return Word(words) == first;
+}
+
+inline void RequireNone(const Words& words) {
+    if (!words.empty()) throw WrongWords();
+}
+
+inline std::optional<int> Number(const std::string& word, uint32_t largest = 99999) {
+    const auto number = ReadNumber(word, 10, largest);
+    return number ? std::optional<int>(static_cast<int>(*number)) : std::nullopt;
+}
+
+// A reply counts when it says that all went well.
+inline bool WentWell(const Json::Value& reply) {
+    return reply.isObject() && reply["ret"].isInt() && reply["ret"].asInt() == 0;
+}
+
+inline std::optional<int> IntIn(const Json::Value& reply, const char* member) {
+    if (!WentWell(reply) || !reply[member].isInt()) return std::nullopt;
+    return reply[member].asInt();
+}
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,72 @@
+#include "server/control_server.h"
+
+#include <asio/buffer.hpp>
+#include <asio/io_context.hpp>
+#include <asio/local/stream_protocol.hpp>
+#include <asio/read.hpp>
+#include <asio/read_until.hpp>
+#include <asio/write.hpp>
+
+#include "core/error.h"
+#include "core/event_loop.h"
+
+namespace hbbtv::sim {
+
+namespace {
+
+using Socket = asio::local::stream_protocol::socket;
+using Answer = std::function<std::string(const std::string&)>;
+
+constexpr size_t kLongestLine = 4096;
+
+class ControlConnection : public std::enable_shared_from_this<ControlConnection> {
+  public:
+    ControlConnection(EventLoop& loop, int fd, Answer answer)
+        : mSocket(loop.Context(), asio::local::stream_protocol(), fd), mAnswer(std::move(answer)) {}
+
+    void Read() {
+        asio::async_read_until(mSocket, asio::dynamic_buffer(mInput, kLongestLine), '\n',
+                               [self = shared_from_this()](const asio::error_code& error, size_t count) {
+                                   if (error) return;
+                                   const std::string line = self->mInput.substr(0, count - 1);
+                                   self->mInput.erase(0, count);
+                                   self->Reply(self->mAnswer(line) + "\n");
+                               });
+    }
+
+  private:
+    void Reply(std::string text) {
+        mOutput = std::move(text);
+        asio::async_write(mSocket, asio::buffer(mOutput),
+                          [self = shared_from_this()](const asio::error_code& error, size_t) {
+                              if (!error) self->Read();
+                          });
+    }
+
+    Socket mSocket;
+    Answer mAnswer;
+    std::string mInput;
+    std::string mOutput;
+};
+
+}  // namespace
+
+ControlServer::ControlServer(EventLoop& loop, const std::string& path, Answer answer)
+    : mListener(loop, path,
+                [&loop, answer](int fd) { std::make_shared<ControlConnection>(loop, fd, answer)->Read(); }) {}
+
+std::string Tell(const std::string& path, const std::string& line) {
+    asio::io_context context;
+    Socket socket(context);
+    asio::error_code error;
+    socket.connect(asio::local::stream_protocol::endpoint(path), error);
+    if (error) throw Fatal(kTellFailed, "no simulator answers on " + path + ": " + error.message());
+    asio::write(socket, asio::buffer(line + "\n"), error);
+    std::string answer;
+    if (!error) asio::read_until(socket, asio::dynamic_buffer(answer), '\n', error);
+    if (error) throw Fatal(kTellFailed, "the simulator on " + path + " gave no answer: " + error.message());
+    answer.pop_back();
+    return answer;
+}
+
+}  // namespace hbbtv::sim

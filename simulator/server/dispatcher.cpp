@@ -1,0 +1,63 @@
+#include "server/dispatcher.h"
+
+#include <exception>
+
+#include "core/error.h"
+#include "core/json_text.h"
+
+namespace hbbtv::sim {
+
+const Operation& Dispatcher::Find(const Json::Value& request) const {
+    const FamilyAddress& address = mFamily->Address();
+    const Arguments members(request);
+    if (address.type && members.Int("type") != *address.type) {
+        throw Refused("member \"type\" is " + std::to_string(members.Int("type")) + ", this family's is " +
+                      std::to_string(*address.type));
+    }
+    const int code = members.Int(address.codeMember.c_str());
+    const auto found = mFamily->Operations().find(code);
+    if (found == mFamily->Operations().end()) throw Refused("there is no operation " + std::to_string(code));
+    return found->second;
+}
+
+// A message may have any content, so this is where everything that it can cause ends.
+Json::Value Dispatcher::Answer(const std::string& text, std::string& operation, std::string& arguments) {
+    Json::Value reply(Json::objectValue);
+    operation = "?";
+    try {
+        Json::Value request;
+        std::string error;
+        if (!ParseJson(text, request, error)) throw Refused("not JSON (" + Excerpt(error) + "): " + Excerpt(text));
+        if (!request.isObject()) throw Refused("not a JSON object: " + Excerpt(text));
+        if (mJournal.Tracing()) arguments = Readable(request, mFamily->Address().codeMember);
+        const Operation& found = Find(request);
+        operation = found.name;
+        found.handler(Arguments(request), reply);
+        if (!reply.isMember("ret")) reply["ret"] = 0;
+    } catch (const std::exception& e) {
+        Journal::Log(mFamily->Address().name + ": " + (operation == "?" ? "request" : operation) +
+                     " refused: " + e.what());
+        reply = Json::Value(Json::objectValue);
+        reply["ret"] = -1;
+    }
+    return reply;
+}
+
+std::optional<Frame> Dispatcher::Handle(const Frame& message) {
+    if (message.type != kOneWay && message.type != kRequest) return std::nullopt;
+    if (mSilent) {
+        mJournal.Request(mFamily->Address().name, "", "not answered, as told", {});
+        return std::nullopt;
+    }
+    const auto start = std::chrono::steady_clock::now();
+    std::string operation;
+    std::string arguments;
+    const Json::Value reply = Answer(message.payload, operation, arguments);
+    const bool wanted = message.type == kRequest;
+    mJournal.Request(operation, arguments, wanted ? "< " + Readable(reply, "") : "one-way",
+                     std::chrono::steady_clock::now() - start);
+    if (!wanted) return std::nullopt;
+    return Frame{kReply, message.port, JsonText(reply)};
+}
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,41 @@
+// The channels of the line-up's services: each service has one, which all families share, and each has a ccid that
+// stays the same from run to run.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+#include "television/channels/channel.h"
+
+namespace hbbtv::sim {
+
+// "ccid:" and onid, tsid and sid, or the address of an IP service.
+std::string CcidOf(const Service& service);
+
+// "dvb://1.3fb.283d": onid, tsid and sid, hexadecimal. Of a broadcast service.
+std::string DvbUrl(const Service& service);
+
+class ServiceChannels {
+  public:
+    explicit ServiceChannels(const LineUp& lineUp);
+
+    std::shared_ptr<Channel> Of(const std::shared_ptr<const Service>& service) const;
+
+    // Null when no service has this ccid.
+    std::shared_ptr<Channel> WithCcid(const std::string& ccid) const;
+
+    // Null when no IP service has this address.
+    std::shared_ptr<Channel> WithUri(const std::string& uri) const;
+
+    // The channels of the listed services, in the order of the line-up.
+    const ChannelVector& Listed() const { return mListed; }
+
+  private:
+    ChannelVector mListed;
+    std::unordered_map<const Service*, std::shared_ptr<Channel>> mOfService;
+    std::unordered_map<std::string, std::shared_ptr<Channel>> mByCcid;
+};
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,105 @@
+// The television that the families share: its line-up, its channel and favourite lists, its one tuner, its guide of
+// programmes, its applications and their tabs, its parental control, what it is and remembers, and the handles of the
+// objects that more than one family knows.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/handles.h"
+#include "television/applications/applications.h"
+#include "television/applications/tabs.h"
+#include "television/channels/channel_lists.h"
+#include "television/channels/favourites.h"
+#include "television/channels/service_channels.h"
+#include "television/channels/tuner.h"
+#include "television/device/device.h"
+#include "television/device/parental_control.h"
+#include "television/device/preferences.h"
+#include "television/device/state_store.h"
+#include "television/line_up/line_up.h"
+#include "television/programmes/guide.h"
+
+namespace hbbtv::sim {
+
+// Why a channel cannot be presented; values of OIPF DAE volume 5.
+enum class ChannelError {
+    NotSupported = 0,
+    CannotTune = 1,
+    TunerLocked = 2,
+    ParentalLock = 3,
+    Encrypted = 4,
+    UnknownChannel = 5,
+    Interrupted = 6,
+    BeingRecorded = 7,
+    CannotResolveUri = 8,
+    NotEnoughBandwidth = 9,
+    NoNextOrPrevious = 10,
+    NotEnoughResources = 11,
+    NotInTransportStream = 12,
+    Unidentified = 100
+};
+
+// What of the channel configuration has changed; the letter goes with the event.
+enum class ConfigChange : char { ChannelList = 'L', FavouriteList = 'F' };
+
+class Tv {
+  public:
+    // Without a seed the handles differ from run to run; the schedule is the same for everybody who gives none. The
+    // store lives longer. Without a guide programmes are made up.
+    Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState,
+       std::unique_ptr<Guide> theGuide = nullptr);
+    Tv(const Tv&) = delete;
+    Tv& operator=(const Tv&) = delete;
+
+    // A channel from numbers, or by IP from its broadcast id, which is the service's URI. When they name a service of
+    // the line-up, it is that service's channel.
+    std::shared_ptr<Channel> MakeChannel(Channel numbers);
+
+    // Why the tuner cannot even try.
+    std::optional<ChannelError> Refusal(const Channel& channel) const;
+
+    // What is found once it is tuned: nothing when it can be presented.
+    static std::optional<ChannelError> Obstacle(const Channel& channel);
+
+    const StateStore& state;
+    LineUp lineUp;
+    ServiceChannels serviceChannels;
+    ChannelLists channelList;
+    std::shared_ptr<Favourites> favourites;
+    Preferences preferences;
+    std::unique_ptr<Guide> guide;  // never null
+    ParentalControl parentalControl;
+    Device device;
+    HandleSource handleSource;
+    HandleTable<Channel> channels;
+    HandleTable<ChannelList> channelLists;
+    HandleTable<FavouriteList> favouriteLists;
+    HandleTable<Favourites> favouriteCollections;
+    HandleTable<Component> components;
+    HandleTable<ComponentList> componentLists;
+    HandleTable<Programme> programmes;
+    HandleTable<ProgrammeList> programmeLists;
+    HandleTable<RatingCollection> ratingCollections;
+    Tuner tuner;
+    Applications applications;
+    Tabs tabs;
+    int displaySource = 0;
+    struct {
+        unsigned width = 1920, height = 1080;
+    } resolution;
+
+    // Set by the families that know, called by those that do not.
+    std::function<void(ConfigChange)> onConfigChange = [](ConfigChange) {};
+    std::function<Handle()> broadcastSupervisor = [] { return Handle{0}; };
+
+  private:
+    bool Receives(int idType) const;
+
+    unsigned mMadeChannels = 0;
+};
+
+}  // namespace hbbtv::sim

@@ -1,0 +1,71 @@
+// The files that people write for the simulator in JSON, read strictly: whatever is wrong gets one sentence with its
+// line and column, and a name that nobody knows gets the nearest one that is known.
+#pragma once
+
+#include <json/value.h>
+
+#include <chrono>
+#include <map>
+#include <set>
+#include <string>
+
+namespace hbbtv::sim {
+
+// Words that a member may be, with their values.
+using JsonNames = std::map<std::string, int>;
+
+// In quotes, for messages.
+std::string Quoted(const std::string& text);
+
+// Text and name of the file, and the one way in which it is refused: Fatal. The text has to outlive the object.
+class JsonSource {
+  public:
+    JsonSource(const std::string& text, std::string name) : mText(text), mName(std::move(name)) {}
+
+    Json::Value Parse() const;
+
+    [[noreturn]] void Refuse(const Json::Value& where, const std::string& reason) const;
+
+  private:
+    [[noreturn]] void RefuseAt(size_t offset, const std::string& reason) const;
+    [[noreturn]] void RefuseSyntax(const std::string& errors) const;
+
+    const std::string& mText;
+    std::string mName;
+};
+
+// One JSON object of the file with the members that it may have. What it is called ("service") opens every sentence.
+class JsonObject {
+  public:
+    JsonObject(const JsonSource& source, const Json::Value& value, std::string what,
+               const std::set<std::string>& known);
+
+    bool Has(const char* name) const { return mValue.isMember(name); }
+    const Json::Value& Member(const char* name) const;
+
+    std::string Text(const char* name) const;
+    std::string Text(const char* name, const char* otherwise) const { return Has(name) ? Text(name) : otherwise; }
+    int Int(const char* name, int least, int most) const;
+    bool Bool(const char* name, bool otherwise) const;
+    double Real(const char* name, double otherwise, double least, double most) const;
+    std::chrono::milliseconds Time(const char* name) const;  // "300ms", "2s"
+    int OneOf(const char* name, const JsonNames& names) const;
+
+    int OneOf(const char* name, const JsonNames& names, int otherwise) const {
+        return Has(name) ? OneOf(name, names) : otherwise;
+    }
+
+    const Json::Value& List(const char* name) const;
+
+    void Only(bool allowed, const char* name, const std::string& whose) const;
+
+    [[noreturn]] void Refuse(const char* name, const std::string& reason) const;
+    [[noreturn]] void Refuse(const std::string& reason) const { mSource.Refuse(mValue, reason); }
+
+  private:
+    const JsonSource& mSource;
+    const Json::Value& mValue;
+    std::string mWhat;
+};
+
+}  // namespace hbbtv::sim
