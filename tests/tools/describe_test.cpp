@@ -78,17 +78,16 @@ TEST_F(Describe, EverythingInLinesThatFitIntoATerminal) {
 
 TEST_F(Describe, ProseInLinesAsLongAsTheTerminals) {
     const std::string text = Of("IMtm");
-    EXPECT_THAT(text,
-                HasSubstr("    The tabs of the browser, as the platform is told of them, and the registration for "
-                          "what the\n    platform has the browser do.\n\n"))
+    EXPECT_THAT(text, HasSubstr("    The notifications of the browser about its tabs, and the registration for the "
+                                "platform's\n    commands.\n\n"))
         << "not where the .hal file breaks its lines";
     const std::string command = "stty cols 50; " + std::string(HBBTVCTL_PROGRAM) + " describe IMtm";
     const FinishedRun narrow = RunToEnd({"script", "-qec", command, "/dev/null"}, std::nullopt, {"NO_COLOR=1"});
-    EXPECT_THAT(narrow.output, HasSubstr("    The tabs of the browser, as the platform is\r\n    told of them, and the "
-                                         "registration for what\r\n"));
+    EXPECT_THAT(narrow.output, HasSubstr("    The notifications of the browser about its\r\n    tabs, and the "
+                                         "registration for the platform's\r\n    commands.\r\n"));
     std::istringstream lines(narrow.output);
     for (std::string line; std::getline(lines, line);) EXPECT_GE(51u, line.size()) << line;
-    EXPECT_THAT(Of("IVideoBroadcast.SetChannel"), HasSubstr("\n    @param channel   what to tune to; "));
+    EXPECT_THAT(Of("IVideoBroadcast.SetChannel"), HasSubstr("\n    @param channel   the channel; 0 ends presentation\n"));
 }
 
 }  // namespace
