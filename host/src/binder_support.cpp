@@ -1,5 +1,5 @@
-// What joins interfaces and nodes: the registries of generated classes, the one stub of an object, strings and statuses
-// in parcels, death recipients of proxies, comparing and casting.
+// The connection between interfaces and nodes: the registries of generated classes, the stubs of objects, strings and
+// statuses in parcels, death recipients of proxies, and comparing and casting interfaces.
 #define LOG_TAG "hidl_host"
 #include <android/hidl/base/1.0/IBase.h>
 #include <hidl/HidlBinderSupport.h>
@@ -7,8 +7,7 @@
 #include <hidl/Static.h>
 #include <log/log.h>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 using ::android::hidl::base::V1_0::IBase;
 
@@ -39,10 +38,11 @@ sp<BHwBinder> BnMap::getOrMake(const IBase* object, const std::function<sp<IBind
         if (found != mMap.end()) known = found->second.weak.promote();
     }
     if (known != nullptr) return known;
-    const sp<IBinder> made = make();
-    if (made == nullptr) return nullptr;
-    BHwBinder* const stub = made->localBinder();
-    // Another thread may have made one meanwhile: then that is the stub, and this one goes after the lock.
+    const sp<IBinder> created = make();
+    if (created == nullptr) return nullptr;
+    BHwBinder* const stub = created->localBinder();
+    // Another thread may have created one in the meantime: then that is the stub, and this one is released after the
+    // lock.
     std::lock_guard<std::mutex> lock(mMutex);
     Entry& entry = mMap[object];
     known = entry.weak.promote();
@@ -61,14 +61,14 @@ void BnMap::eraseIfEqual(const IBase* object, BHwBinder* stub) {
 
 std::string getDescriptor(IBase* object) {
     std::string descriptor;
-    const Return<void> asked = object->interfaceDescriptor([&](const hidl_string& answer) { descriptor = answer; });
-    if (!asked.isOk()) ALOGE("an object does not tell its interface: %s", asked.description().c_str());
+    const Return<void> returned = object->interfaceDescriptor([&](const hidl_string& answer) { descriptor = answer; });
+    if (!returned.isOk()) ALOGE("cannot get the interface of an object: %s", returned.description().c_str());
     return descriptor;
 }
 
 Return<bool> canCastInterface(IBase* object, const char* castTo, bool emitError) {
     if (object == nullptr) return false;
-    // Everything is an IBase.
+    // Every object is an IBase.
     if (strcmp(castTo, IBase::descriptor) == 0) return true;
     bool canCast = false;
     const Return<void> chain = object->interfaceChain([&](const hidl_vec<hidl_string>& descriptors) {
@@ -87,7 +87,7 @@ sp<IBinder> getOrCreateCachedBinder(IBase* object) {
         const std::string descriptor = details::getDescriptor(object);
         const auto construct = details::getBnConstructorMap().get(descriptor);
         if (construct) return construct(object);
-        ALOGE("interface %s is not known in this process", descriptor.c_str());
+        ALOGE("interface %s is unknown in this process", descriptor.c_str());
         return nullptr;
     });
 }
@@ -127,7 +127,7 @@ status_t writeEmbeddedToParcel(const hidl_string& string, Parcel* parcel, size_t
                                        parentOffset + hidl_string::kOffsetOfBuffer);
 }
 
-// The number of the exception, and a message when there is one.
+// The number of the exception, then a message if there is an exception.
 status_t readFromParcel(Status* status, const Parcel& parcel) {
     int32_t exception = 0;
     status_t error = parcel.readInt32(&exception);
@@ -145,12 +145,11 @@ status_t readFromParcel(Status* status, const Parcel& parcel) {
 }
 
 status_t writeToParcel(const Status& status, Parcel* parcel) {
-    // A failed transaction has no results: the transport tells.
+    // A failed transaction does not have results: the transport reports it.
     if (status.exceptionCode() == Status::EX_TRANSACTION_FAILED) return status.transactionError();
     const status_t error = parcel->writeInt32(status.exceptionCode());
     if (error != OK || status.isOk()) return error;
     return parcel->writeText(status.exceptionMessage(), strlen(status.exceptionMessage()));
 }
 
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

@@ -1,19 +1,17 @@
-// What travels between two processes: frames of a fixed head and a body. Both ends are processes of one machine, so
-// numbers are in the machine's order.
+// The frames that two processes exchange: a fixed head and a body. Both processes are on one machine, so numbers are in
+// host byte order.
 #pragma once
 
 #include <cstdint>
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 enum class FrameType : uint32_t {
     kCall = 1,     // body: arguments. Answered by one kReply with the same id.
     kOneway = 2,   // body: arguments. Not answered.
-    kReply = 3,    // body: results, or none when status is not OK
-    kRelease = 4,  // the sender no longer refers to a node of the receiver; id: how often it had been sent
-    kLookup = 5,   // body: the name of a service. Answered by kReply with one node. Only to the serving side.
+    kReply = 3,    // body: results, or none if status is not OK
+    kRelease = 4,  // the sender no longer refers to a node of the receiver; id: how often it was sent
+    kLookup = 5,   // body: the name of a service. Answered by one kReply with one node. To the serving side only.
 };
 
 struct FrameHead {
@@ -26,11 +24,9 @@ struct FrameHead {
     int32_t status;  // of a reply
     uint32_t zero;
     uint64_t id;      // numbers the calls of one direction
-    uint64_t parent;  // of a call: the receiver's own call that the sender is serving while it makes this one, or 0
-    uint64_t node;    // of the receiver
+    uint64_t parent;  // of a call: the receiver's call that the sender is serving, or 0
+    uint64_t node;    // the receiver's
 };
 static_assert(sizeof(FrameHead) == 48, "the same in every process");
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

@@ -7,8 +7,7 @@
 #include <cinttypes>
 #include <cstdlib>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 namespace details {
 
@@ -197,5 +196,4 @@ std::string toString(const sp<hidl_death_recipient>& recipient) {
     return "death_recipient@" + toString(static_cast<const void*>(recipient.get()));
 }
 
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

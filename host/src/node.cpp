@@ -1,4 +1,3 @@
-// Nodes, and how a call that has arrived is carried out.
 #include "node.h"
 
 #define LOG_TAG "hidl_host"
@@ -8,8 +7,7 @@
 
 #include "session.h"
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 BHwBinder::BHwBinder() : mOnewayQueue(std::make_unique<host::OnewayQueue>()) {}
 BHwBinder::~BHwBinder() = default;
@@ -39,8 +37,8 @@ status_t BpHwBinder::transact(uint32_t code, const Parcel& data, Parcel* reply, 
 }
 
 status_t BpHwBinder::linkToDeath(const sp<DeathRecipient>& recipient, void*, uint32_t) {
-    // Recipients that were forgotten without unlinking make room here. The others are held until the lock is released:
-    // one of these references may become the last one.
+    // Removes recipients that were destroyed without unlinking. The others are held until the lock is released: one of
+    // these references may become the last one.
     std::vector<sp<DeathRecipient>> held;
     std::lock_guard<std::mutex> lock(mMutex);
     if (mDeathReported) return DEAD_OBJECT;
@@ -50,7 +48,7 @@ status_t BpHwBinder::linkToDeath(const sp<DeathRecipient>& recipient, void*, uin
     };
     mRecipients.erase(std::remove_if(mRecipients.begin(), mRecipients.end(), gone), mRecipients.end());
     mRecipients.push_back(recipient);
-    // The session may die at this very moment and post the same again: only one of them reports.
+    // The session may die concurrently and post a second obituary: only one of them reports.
     if (mSession->IsDead()) PostObituary();
     return OK;
 }
@@ -106,7 +104,7 @@ void BpHwBinder::ReportDeath() {
 
 namespace {
 
-// What this thread is serving, for the parent of calls that it makes.
+// The call that this thread is serving: the parent of the calls that it makes.
 struct Serving {
     const Session* session;
     uint64_t id;
@@ -114,7 +112,7 @@ struct Serving {
 };
 thread_local Serving tServing = {nullptr, 0, 0};
 
-// Calls served inside of each other by one thread. A peer that nests deeper would use up the thread's stack.
+// The limit of nested calls on one thread. Deeper nesting by a peer would exhaust the thread's stack.
 constexpr unsigned kMaxDepth = 100;
 
 }  // namespace
@@ -133,10 +131,10 @@ uint64_t IncomingCall::ServedFor(const Session* session) {
 
 void IncomingCall::Run() {
     const Serving before = tServing;
-    // One-way: nobody waits, so calls made meanwhile have no parent.
+    // Nothing waits for a one-way call, so calls made by it do not have a parent.
     tServing = {mOneway ? nullptr : mSession.get(), mOneway ? 0 : mId, before.depth + 1};
     if (before.depth >= kMaxDepth) {
-        ALOGE("calls nest too deep: refusing one");
+        ALOGE("refusing a call: calls are nested too deeply");
         mSession->Reply(mId, FAILED_TRANSACTION, nullptr);
     } else {
         Serve();
@@ -159,7 +157,7 @@ status_t IncomingCall::Serve() {
 
 // ---- OnewayQueue ----
 
-// Carries out one call, then waits in the pool for the next turn: many objects share few threads.
+// Runs one call, then posts the next turn to the pool: many objects share few threads.
 class OnewayQueue::Turn : public Task {
   public:
     explicit Turn(const sp<BHwBinder>& owner) : mOwner(owner) {}
@@ -189,7 +187,7 @@ std::unique_ptr<IncomingCall> OnewayQueue::Next() {
     return call;
 }
 
-// Whether no call waits.
+// Returns whether no call is waiting.
 bool OnewayQueue::FinishTurn() {
     std::lock_guard<std::mutex> lock(mMutex);
     mBusy = !mCalls.empty();
@@ -197,5 +195,4 @@ bool OnewayQueue::FinishTurn() {
 }
 
 }  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

@@ -1,5 +1,5 @@
-// Nodes inside the transport: the one that stands for an object of another process, and the queue of one-way calls that
-// every stub of this process has.
+// Nodes within the transport: the node of a remote object, calls that have arrived, and the queue of one-way calls of
+// each stub of this process.
 #pragma once
 
 #include <hwbinder/IBinder.h>
@@ -12,14 +12,12 @@
 
 #include "thread_pool.h"
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 class Session;
 
-// One per remote object and session, however many proxies there are. Counts how often the object has arrived and gives
-// all of that back when the last proxy is gone.
+// The node of a remote object: one per object and session, for any number of proxies. Counts how often the object was
+// received, and releases it as often when the last proxy is destroyed.
 class BpHwBinder : public IBinder {
   public:
     BpHwBinder(const std::shared_ptr<Session>& session, uint64_t number) : mSession(session), mNumber(number) {}
@@ -27,7 +25,8 @@ class BpHwBinder : public IBinder {
     status_t transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags = 0,
                       TransactCallback callback = nullptr) override;
 
-    // DEAD_OBJECT once the death has been reported. A death that nobody watched is reported to the first who links.
+    // Return DEAD_OBJECT once the death has been reported. The first recipient that is linked after an unreported death
+    // receives it.
     status_t linkToDeath(const sp<DeathRecipient>& recipient, void* cookie = nullptr, uint32_t flags = 0) override;
     status_t unlinkToDeath(const wp<DeathRecipient>& recipient, void* cookie = nullptr, uint32_t flags = 0,
                            wp<DeathRecipient>* outRecipient = nullptr) override;
@@ -37,13 +36,13 @@ class BpHwBinder : public IBinder {
     const Session* session() const { return mSession.get(); }
     uint64_t number() const { return mNumber; }
 
-    // Counts an arrival. The session's lock is held.
+    // Counts that the object was received. The session's lock is held.
     void ReceivedLocked() { ++mTimesReceived; }
 
-    // The session is dead: the recipients are told by a thread of the pool.
+    // Notifies the recipients of the session's death on a thread of the pool.
     void SessionDied();
 
-    // In a thread of the pool.
+    // Called on a thread of the pool.
     void ReportDeath();
 
   protected:
@@ -61,7 +60,7 @@ class BpHwBinder : public IBinder {
     bool mDeathReported = false;
 };
 
-// A call that has arrived: what is needed to carry it out in whatever thread.
+// A call that has arrived. Can run on any thread.
 class IncomingCall : public Task {
   public:
     IncomingCall(const std::shared_ptr<Session>& session, const sp<BHwBinder>& target, uint32_t code, bool oneway,
@@ -70,7 +69,8 @@ class IncomingCall : public Task {
 
     void Run() override;
 
-    // The call that this thread is serving for the session, or 0: the parent of calls made to it meanwhile.
+    // Returns the id of the call that this thread is serving for the session, or 0. It is the parent of calls to the
+    // session.
     static uint64_t ServedFor(const Session* session);
 
   private:
@@ -85,7 +85,7 @@ class IncomingCall : public Task {
     const size_t mSize;
 };
 
-// One-way calls of one object, from whichever session: carried out by the pool in order, one at a time.
+// The one-way calls of one object, from all sessions. The pool runs them in order, one at a time.
 class OnewayQueue {
   public:
     void Push(const sp<BHwBinder>& owner, std::unique_ptr<IncomingCall> call);
@@ -97,9 +97,7 @@ class OnewayQueue {
 
     std::mutex mMutex;
     std::deque<std::unique_ptr<IncomingCall>> mCalls;
-    bool mBusy = false;  // a turn is posted or runs
+    bool mBusy = false;  // a turn is posted or running
 };
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

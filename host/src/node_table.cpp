@@ -1,11 +1,8 @@
-// Bookkeeping of the objects that two processes have told each other about.
 #include "node_table.h"
 
 #include "node.h"
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 uint64_t NodeTable::Export(const sp<BHwBinder>& stub) {
     const auto known = mNumbers.find(stub.get());
@@ -65,6 +62,4 @@ std::vector<wp<BpHwBinder>> NodeTable::Imports() const {
     return proxies;
 }
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

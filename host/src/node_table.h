@@ -1,5 +1,5 @@
-// Which objects the two ends of a session have told each other about. Guarded by the session's lock, all of it. No
-// reference that is handed out may be dropped under that lock: it may be the last one.
+// The objects that the two ends of a session have sent to each other. Guarded by the session's lock. References that it
+// returns must not be released under that lock: one may be the last.
 #pragma once
 
 #include <hwbinder/IBinder.h>
@@ -9,31 +9,30 @@
 #include <unordered_map>
 #include <vector>
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 class BpHwBinder;
 class Session;
 
 class NodeTable {
   public:
-    // ---- Objects of this process that the peer knows ----
+    // ---- Objects of this process that the peer has received ----
 
-    // The number of the stub for the peer; counts that it is sent once more. The table holds the stub until the peer
-    // has given back every time it was sent. That settles a release that crosses a new sending on the way.
+    // Returns the stub's number for the peer, and counts that it is sent. The table holds the stub until the peer has
+    // released it as often as it was sent, in case a release and a new sending cross on the way.
     uint64_t Export(const sp<BHwBinder>& stub);
-    // Null when the peer does not know such a number.
+    // Returns the stub with a number, or null if the peer has not received it.
     sp<BHwBinder> Exported(uint64_t number) const;
-    // Takes back so many sendings; `dropped` receives the stub when none is left. False when there were never so many.
+    // Releases the stub `times` times; sets `dropped` to the stub if that was the last time. Returns false if it was
+    // not sent so often.
     bool Unexport(uint64_t number, uint64_t times, sp<BHwBinder>* dropped);
     std::vector<sp<BHwBinder>> TakeExports();
 
-    // ---- Objects of the peer that this process knows ----
+    // ---- Objects of the peer that this process has received ----
 
-    // The one node for the peer's number, counting the arrival.
+    // Returns the node for the peer's number, and counts that it was received.
     sp<BpHwBinder> Import(const std::shared_ptr<Session>& session, uint64_t number);
-    // A node is being destroyed. Another may have taken its place meanwhile.
+    // Removes a node that is being destroyed, unless another one has replaced it.
     void Forget(const BpHwBinder* proxy, uint64_t number);
     std::vector<wp<BpHwBinder>> Imports() const;
 
@@ -52,6 +51,4 @@ class NodeTable {
     std::unordered_map<uint64_t, ImportEntry> mImports;
 };
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

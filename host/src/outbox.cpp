@@ -1,4 +1,3 @@
-// Sending without blocking.
 #include "outbox.h"
 
 #define LOG_TAG "hidl_host"
@@ -14,15 +13,13 @@
 
 #include "thread_pool.h"
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 namespace {
 
-// Calls are refused while more than this waits for the peer.
+// Calls are refused while more than this is queued for the peer.
 constexpr size_t kRoomForCalls = 4 * Parcel::kMaxSize;
-// A peer for which more than this waits has stopped reading altogether; only replies and the like get this far.
+// A peer with a longer queue has stopped reading. Only messages that cannot be refused, such as replies, get this far.
 constexpr size_t kMostWaiting = 4 * kRoomForCalls;
 // How long a sender waits for room before it is refused.
 constexpr std::chrono::seconds kPatience{1};
@@ -50,7 +47,7 @@ status_t Outbox::Send(iovec* pieces, int count, Patience patience) {
     }
     KeepLocked(pieces, count);
     if (!mBroken && !mFlushing && patience == Patience::kSome) {
-        // There is no thread for it: this one, which may wait for the peer, does the work.
+        // No thread could be started, and this one may wait for the peer.
         mFlushing = true;
         lock.unlock();
         Flush();
@@ -65,7 +62,7 @@ bool Outbox::WaitForRoomLocked(std::unique_lock<std::mutex>& lock, size_t size) 
     return hasRoom() && !mBroken;
 }
 
-// Sends what the socket takes, and leaves the rest in `pieces`.
+// Sends what the socket accepts, and leaves the rest in `pieces`.
 status_t Outbox::SendNowLocked(iovec*& pieces, int& count) {
     while (count > 0) {
         msghdr message = {};
@@ -103,7 +100,7 @@ void Outbox::KeepLocked(const iovec* pieces, int count) {
     mWaitingBytes += frame.size();
     mWaiting.push_back(std::move(frame));
     if (mWaitingBytes > kMostWaiting) {
-        ALOGE("a peer does not read what it is sent: closing the connection");
+        ALOGE("closing the connection with a peer that does not read");
         mBroken = true;
         mChanged.notify_all();
         shutdown(mFd, SHUT_RDWR);
@@ -112,7 +109,7 @@ void Outbox::KeepLocked(const iovec* pieces, int count) {
     if (!mFlushing) StartFlusherLocked();
 }
 
-// When there is no thread to be had, the sender does it, or the next one if this one must not wait.
+// If no thread can be started, the sender flushes, or the next sender if this one must not wait.
 void Outbox::StartFlusherLocked() {
     mFlushing = StartThread("hidl-writer", false, [self = shared_from_this()] { self->Flush(); });
     mChanged.notify_all();
@@ -130,7 +127,7 @@ void Outbox::Flush() {
     mChanged.notify_all();
 }
 
-// False when nothing is left to do.
+// Returns whether something is left to send.
 bool Outbox::FlushSomeLocked() {
     while (!mBroken && !mWaiting.empty()) {
         std::vector<uint8_t>& first = mWaiting.front();
@@ -170,6 +167,4 @@ void Outbox::Close() {
     mFd = -1;
 }
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

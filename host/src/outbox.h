@@ -1,6 +1,6 @@
-// The sending half of a connection. Frames go out whole and in order, from any thread. Sending does not block: what the
-// socket does not take is kept and sent by a thread of its own. A peer that does not read cannot stop this process:
-// from a limit on calls are refused, as on the device when the receiver's buffer is full.
+// The sending half of a connection. Thread-safe: frames are sent whole and in order. Sending does not block: what the
+// socket does not accept is queued, and sent by a separate thread. A peer that does not read cannot block this process:
+// above a limit, calls are refused, as on the device when the receiver's buffer is full.
 #pragma once
 
 #include <utils/Errors.h>
@@ -15,28 +15,27 @@
 
 struct iovec;
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 class Outbox : public std::enable_shared_from_this<Outbox> {
   public:
-    // Takes over the descriptor.
+    // Takes ownership of the descriptor.
     explicit Outbox(int fd) : mFd(fd) {}
     ~Outbox();
 
     enum class Patience {
-        kNone,  // keeps the frame however much waits already. For what cannot be refused, and for reader threads.
-        kSome,  // waits a little for room, then refuses with FAILED_TRANSACTION
+        kNone,  // queues the frame whatever the length of the queue: for frames that cannot be refused, and reader
+                // threads
+        kSome,  // waits for room for a limited time, then refuses the frame with FAILED_TRANSACTION
     };
 
-    // OK when the frame is on its way, DEAD_OBJECT when the peer is gone.
+    // Returns OK if the frame was sent or queued, DEAD_OBJECT if the peer is gone.
     status_t Send(iovec* pieces, int count, Patience patience);
 
-    // Ends the connection in both directions: the reader comes to its end. The descriptor stays open.
+    // Shuts the connection down in both directions, which ends the reader. The descriptor stays open.
     void Shutdown();
 
-    // Drops what waits and closes the descriptor. Called once, by the reader when it is done with it.
+    // Drops the queue and closes the descriptor. Called once, by the reader at its end.
     void Close();
 
   private:
@@ -51,13 +50,11 @@ class Outbox : public std::enable_shared_from_this<Outbox> {
     std::condition_variable mChanged;
     int mFd;
     bool mBroken = false;    // the peer is gone
-    bool mStalled = false;   // a sender has waited for room in vain; cleared when there is room again
-    bool mFlushing = false;  // the thread of its own runs
+    bool mStalled = false;   // a sender has waited for room without success; cleared when there is room again
+    bool mFlushing = false;  // a thread is flushing the queue
     std::deque<std::vector<uint8_t>> mWaiting;
     size_t mSentOfFirst = 0;
     size_t mWaitingBytes = 0;
 };
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

@@ -1,5 +1,5 @@
-// Writing and reading of parcels, and the check of what came from another process: every length, offset and index, and
-// that the reader asks for exactly what the writer wrote.
+// Writes and reads parcels. Checks input from other processes: every length, offset and index, and that the reader
+// reads exactly what the writer wrote.
 #define LOG_TAG "hidl_host"
 #include <hwbinder/Parcel.h>
 #include <log/log.h>
@@ -7,8 +7,7 @@
 
 #include <cstring>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 using host::WireBuffer;
 using host::WireHead;
@@ -16,7 +15,7 @@ using host::WireNode;
 
 namespace {
 
-// Stand in the stream before the index of a buffer or of a node, so that a reader who is out of step notices.
+// Markers before the index of a buffer or node in the stream, so that a reader that is out of step notices.
 constexpr uint32_t kBufferMarker = 0x66627566;
 constexpr uint32_t kNodeMarker = 0x65646f6e;
 
@@ -131,7 +130,7 @@ status_t Parcel::writeStrongBinder(const sp<IBinder>& binder) {
 
 status_t Parcel::writeNativeHandleNoDup(const native_handle_t* handle) {
     if (handle == nullptr) return writeInt32(0);
-    ALOGE("native handles do not cross processes on the host");
+    ALOGE("native handles cannot be sent on the host");
     return mError = INVALID_OPERATION;
 }
 
@@ -179,8 +178,8 @@ bool Parcel::adopt(std::unique_ptr<uint64_t[]> body, size_t size) {
     return checkBuffers();
 }
 
-// The buffers follow each other without gap or overlap, and a parent with room for the pointer comes before its child.
-// Without overlap nothing that is checked here or when reading can be changed by setting a pointer later.
+// The buffers must be adjacent without overlap, and a parent with room for the pointer must precede its child. Without
+// overlap, setting a pointer later cannot change anything that was checked.
 bool Parcel::checkBuffers() const {
     uint64_t end = 0;
     for (uint32_t i = 0; i < mHead.bufferCount; ++i) {
@@ -215,7 +214,7 @@ status_t Parcel::readScalar(T* value) const {
 
 namespace {
 
-// Small integers take four bytes each, and are cut to size when read.
+// Small integers take four bytes each and are truncated when read.
 template <typename Narrow, typename Wide>
 status_t Narrowed(status_t status, Wide wide, Narrow* value) {
     if (status == OK) *value = static_cast<Narrow>(wide);
@@ -348,5 +347,4 @@ status_t Parcel::readNullableNativeHandleNoDup(const native_handle_t** handle) c
     return OK;
 }
 
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

@@ -1,4 +1,3 @@
-// Loading of passthrough implementations, and the wrapper that makes their one-way methods return at once.
 #include "passthrough.h"
 
 #define LOG_TAG "hidl_host"
@@ -14,8 +13,7 @@
 #include <sstream>
 #include <vector>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 using ::android::hidl::base::V1_0::IBase;
 
@@ -23,7 +21,7 @@ namespace host {
 
 namespace {
 
-// Of one directory, in the order of their names.
+// Returns the matching libraries of one directory, sorted by name.
 std::vector<std::string> LibrariesIn(const std::string& directory, const std::string& prefix) {
     std::vector<std::string> libraries;
     const std::string suffix = ".so";
@@ -41,7 +39,8 @@ std::vector<std::string> LibrariesIn(const std::string& directory, const std::st
     return libraries;
 }
 
-// Null when the library does not have the interface or this instance of it. A library that has given an object stays.
+// Returns null if the library does not implement the interface or this instance of it. A library that has returned an
+// object stays loaded.
 sp<IBase> FetchFrom(const std::string& library, const std::string& function, const std::string& instance) {
     void* const handle = dlopen(library.c_str(), RTLD_LAZY);
     if (handle == nullptr) {
@@ -84,10 +83,9 @@ sp<IBase> wrapPassthroughInternal(const sp<IBase>& object) {
     const std::string descriptor = getDescriptor(object.get());
     const auto construct = getBsConstructorMap().get(descriptor);
     if (construct) return construct(object.get());
-    ALOGE("interface %s is not known in this process", descriptor.c_str());
+    ALOGE("interface %s is unknown in this process", descriptor.c_str());
     return nullptr;
 }
 
 }  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

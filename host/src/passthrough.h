@@ -1,18 +1,14 @@
-// Implementations from libraries that are loaded into this process.
+// Loads passthrough implementations from libraries.
 #pragma once
 
 #include <android/hidl/base/1.0/IBase.h>
 
 #include <string>
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
-// Asks the libraries <package>@<version>-impl*.so in the directories of HIDL_HOST_PASSTHROUGH_PATH (separated by ':')
-// for an instance of the interface. Null, with a log line, when none has it.
+// Searches the libraries <package>@<version>-impl*.so in the directories of HIDL_HOST_PASSTHROUGH_PATH (separated by
+// ':') for an instance of the interface. If there is none, logs an error and returns null.
 sp<::android::hidl::base::V1_0::IBase> LoadPassthrough(const std::string& descriptor, const std::string& instance);
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

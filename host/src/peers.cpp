@@ -1,13 +1,10 @@
-// Opened sessions by the socket that they lead to.
 #include "peers.h"
 
 #include <map>
 #include <mutex>
 #include <tuple>
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 std::shared_ptr<Session> SessionTo(const ServiceDirectory& directory, const std::string& socketName) {
     struct Peers {
@@ -29,6 +26,4 @@ std::shared_ptr<Session> SessionTo(const ServiceDirectory& directory, const std:
     return session;
 }
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

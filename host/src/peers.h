@@ -1,5 +1,5 @@
-// The sessions that this process has opened to others: one per process, shared by everything here that uses its
-// services, and open as long as the process lives.
+// The sessions that this process has opened: one per peer process, shared by all users of its services, and open as
+// long as the peer runs.
 #pragma once
 
 #include <memory>
@@ -8,13 +8,9 @@
 #include "service_directory.h"
 #include "session.h"
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
-// Null when nobody listens there.
+// Returns the session to a socket, or null if no process listens on it.
 std::shared_ptr<Session> SessionTo(const ServiceDirectory& directory, const std::string& socketName);
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

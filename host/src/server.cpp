@@ -1,4 +1,3 @@
-// The listening side of this process.
 #include "server.h"
 
 #define LOG_TAG "hidl_host"
@@ -13,9 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 using ::android::hidl::base::V1_0::IBase;
 
@@ -24,7 +21,7 @@ namespace {
 struct Servers {
     std::mutex mutex;
     std::map<std::pair<dev_t, ino_t>, Server*> byDirectory;
-    pid_t owner = 0;  // a forked child has the list, but the entries on disk are its parent's
+    pid_t owner = 0;  // a forked child has a copy of the list, but the files belong to its parent
 };
 
 Servers& TheServers() {
@@ -48,7 +45,7 @@ std::string NewSocketName() {
 
 }  // namespace
 
-Server* Server::GetOrMake() {
+Server* Server::GetOrCreate() {
     const std::shared_ptr<ServiceDirectory> directory = ServiceDirectory::Open(true);
     if (directory == nullptr) return nullptr;
     Servers& servers = TheServers();
@@ -96,12 +93,12 @@ void Server::Accept() {
             Refuse();
         } else if (errno != EINTR && errno != ECONNABORTED) {
             ALOGE("cannot accept a connection: %s", strerror(errno));
-            poll(nullptr, 0, 100);  // memory is short, or so: not at full speed
+            poll(nullptr, 0, 100);  // probably out of memory: do not retry at full speed
         }
     }
 }
 
-// No descriptor is left for the connection. It is closed, so that the client notices, instead of keeping it waiting.
+// No descriptor is left for the connection. It is closed, so that the client notices instead of waiting.
 void Server::Refuse() {
     if (!mRefusing) ALOGE("out of file descriptors: refusing connections");
     mRefusing = true;
@@ -110,7 +107,7 @@ void Server::Refuse() {
     if (fd >= 0) {
         close(fd);
     } else {
-        poll(nullptr, 0, 100);  // somebody else has taken the spare one
+        poll(nullptr, 0, 100);  // another thread has taken the spare descriptor
     }
     mSpareFd = open("/dev/null", O_RDONLY | O_CLOEXEC);
 }
@@ -150,6 +147,4 @@ void Server::RemoveFromDisk() {
     mDirectory->Remove(mSocketName);
 }
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

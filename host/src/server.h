@@ -1,5 +1,5 @@
-// What this process offers by name in one directory: the socket that it listens on and the objects behind the names.
-// Made with the first registration and never destroyed; a normal exit of the process removes its entries on disk.
+// The services of this process in one directory: the socket that it listens on and the objects by name. Created by the
+// first registration and never destroyed. A normal exit of the process removes its files.
 #pragma once
 
 #include <android/hidl/base/1.0/IBase.h>
@@ -14,15 +14,14 @@
 #include "service_directory.h"
 #include "session.h"
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 class Server : public ServiceSource {
   public:
-    // The one for the directory that the environment names now. Null, with a log line, when it cannot be made.
-    static Server* GetOrMake();
-    // Null when this process has registered nothing in that directory.
+    // Returns the server for the directory that the environment specifies. On failure, logs the reason and returns
+    // null.
+    static Server* GetOrCreate();
+    // Returns the server for a directory, or null if this process has not registered anything there.
     static Server* Get(const ServiceDirectory& directory);
 
     Server(const std::shared_ptr<ServiceDirectory>& directory, const std::string& socketName)
@@ -30,15 +29,15 @@ class Server : public ServiceSource {
 
     const std::string& SocketName() const { return mSocketName; }
 
-    // Puts the object behind the names, replacing what was there. False with a log line.
+    // Registers an object under the names, replacing earlier ones. On failure, logs the reason and returns false.
     bool Register(const std::vector<std::string>& names, const sp<::android::hidl::base::V1_0::IBase>& object,
                   const sp<BHwBinder>& stub);
 
-    // Null when there is none.
+    // Return null if the name is not registered.
     sp<::android::hidl::base::V1_0::IBase> FindObject(const std::string& name);
     sp<BHwBinder> FindStub(const std::string& name) override;
 
-    // At the exit of the process.
+    // Called at process exit.
     void RemoveFromDisk();
 
   private:
@@ -54,13 +53,11 @@ class Server : public ServiceSource {
     const std::shared_ptr<ServiceDirectory> mDirectory;
     const std::string mSocketName;
     int mListener = -1;
-    int mSpareFd = -1;  // given up for a moment to refuse a connection when descriptors have run out
+    int mSpareFd = -1;  // closed temporarily to refuse a connection when descriptors have run out
     bool mRefusing = false;
 
     std::mutex mMutex;
     std::map<std::string, Entry> mEntries;
 };
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

@@ -1,4 +1,3 @@
-// Names of services on disk.
 #include "service_directory.h"
 
 #define LOG_TAG "hidl_host"
@@ -19,9 +18,7 @@
 #include <cstring>
 #include <vector>
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 namespace {
 
@@ -32,7 +29,7 @@ std::string PathFromEnvironment() {
     return std::string(temporary != nullptr && *temporary != '\0' ? temporary : "/tmp") + "/hidl-host";
 }
 
-// The process id in a socket's name, or 0 when it is no such name.
+// Returns the process id in a socket's name, or 0 for any other name.
 pid_t PidOf(const std::string& socketName) {
     int pid = 0;
     unsigned long long time = 0;
@@ -41,7 +38,7 @@ pid_t PidOf(const std::string& socketName) {
     return static_cast<size_t>(end) == socketName.size() && pid > 0 ? pid : 0;
 }
 
-// A path in sun_path has 107 characters; through /proc the length of the directory's own path does not matter.
+// A path in sun_path is limited to 107 characters. Through /proc, the length of the directory's path does not matter.
 bool FillAddress(int directory, const std::string& socketName, sockaddr_un* address) {
     *address = {};
     address->sun_family = AF_UNIX;
@@ -55,16 +52,16 @@ bool FillAddress(int directory, const std::string& socketName, sockaddr_un* addr
 std::shared_ptr<ServiceDirectory> ServiceDirectory::Open(bool create) {
     const std::string path = PathFromEnvironment();
     if (create && mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) {
-        ALOGE("cannot make the directory %s: %s", path.c_str(), strerror(errno));
+        ALOGE("cannot create directory %s: %s", path.c_str(), strerror(errno));
     }
     const int fd = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0) {
-        if (errno != ENOENT) ALOGE("cannot open the directory %s: %s", path.c_str(), strerror(errno));
+        if (errno != ENOENT) ALOGE("cannot open directory %s: %s", path.c_str(), strerror(errno));
         return nullptr;
     }
     struct stat status = {};
     if (fstat(fd, &status) != 0 || status.st_uid != geteuid()) {
-        ALOGE("the directory %s belongs to another user: not used", path.c_str());
+        ALOGE("not using directory %s: it belongs to another user", path.c_str());
         close(fd);
         return nullptr;
     }
@@ -103,10 +100,10 @@ int ServiceDirectory::Connect(const std::string& socketName) const {
     if (!FillAddress(mFd, socketName, &address)) return -1;
     const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (fd < 0) {
-        ALOGE("cannot make a socket: %s", strerror(errno));
+        ALOGE("cannot create a socket: %s", strerror(errno));
         return -1;
     }
-    // Not blocking: a process that has stopped accepting counts as not there.
+    // Non-blocking: a process that does not accept connections counts as not running.
     if (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
         close(fd);
         return -1;
@@ -136,7 +133,7 @@ bool ServiceDirectory::Link(const std::string& link, const std::string& socketNa
         unlinkat(mFd, fresh.c_str(), 0);
         errno = error;
     }
-    ALOGE("cannot make the link %s/%s: %s", mPath.c_str(), link.c_str(), strerror(errno));
+    ALOGE("cannot create link %s/%s: %s", mPath.c_str(), link.c_str(), strerror(errno));
     return false;
 }
 
@@ -160,7 +157,7 @@ void ServiceDirectory::Remove(const std::string& socketName) const {
     for (const std::string& name : found) unlinkat(mFd, name.c_str(), 0);
 }
 
-// The process may live in another pid namespace: it is gone only when nobody listens either.
+// The process may be in another pid namespace, so it is gone only if nothing listens on its socket either.
 bool ServiceDirectory::IsAbandoned(const std::string& socketName) const {
     const pid_t pid = PidOf(socketName);
     if (pid <= 0 || kill(pid, 0) == 0 || errno != ESRCH) return false;
@@ -180,7 +177,7 @@ void ServiceDirectory::Sweep() const {
 
 DirectoryLock::DirectoryLock(const ServiceDirectory& directory)
     : mFd(open(directory.Path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    // Without the lock the worst is a link that has to be made again, so its failure stops nobody.
+    // A failure is ignored: at worst, a link has to be created again.
     while (mFd >= 0 && flock(mFd, LOCK_EX) != 0 && errno == EINTR) {
     }
 }
@@ -189,6 +186,4 @@ DirectoryLock::~DirectoryLock() {
     if (mFd >= 0) close(mFd);
 }
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

@@ -1,6 +1,6 @@
-// The directory on disk that leads from the name of a service to the socket of its process. A socket is called
-// "s<pid>.<time>"; a name is a symbolic link to it, replaced atomically. What a killed process leaves behind is
-// harmless (nobody listens) and swept by the next process that registers something.
+// The directory on disk that maps the name of a service to the socket of its process. A socket is named
+// "s<pid>.<time>"; a name is a symbolic link to it, which is replaced atomically. The files of a killed process are
+// harmless, since nothing listens, and are removed by the next process that registers a service.
 #pragma once
 
 #include <sys/types.h>
@@ -9,14 +9,12 @@
 #include <string>
 #include <utility>
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 class ServiceDirectory {
   public:
-    // HIDL_HOST_DIR, else hidl-host in TMPDIR or /tmp. Null when it is not there (and not to be made), or, with a log
-    // line, when it belongs to another user.
+    // Opens HIDL_HOST_DIR (default: hidl-host in TMPDIR, or in /tmp). Returns null if it does not exist and `create` is
+    // false, or, after logging the reason, if it cannot be used.
     static std::shared_ptr<ServiceDirectory> Open(bool create);
 
     ServiceDirectory(const std::string& path, int fd, std::pair<dev_t, ino_t> identity)
@@ -27,25 +25,25 @@ class ServiceDirectory {
 
     const std::string& Path() const { return mPath; }
 
-    // Tells directories apart, also one that was removed and made again.
+    // Identifies the directory. A directory that was removed and created again has another identity.
     const std::pair<dev_t, ino_t>& Identity() const { return mIdentity; }
 
-    // The name of the link for a service. Characters that a file name cannot have are written as %XX.
+    // Returns the name of a service's link. Characters that are not allowed in file names are written as %XX.
     static std::string LinkName(const std::string& descriptor, const std::string& instance);
 
-    // Where a link leads, empty when it is not there.
+    // Returns the name of the socket that a link points to, or an empty string.
     std::string SocketOf(const std::string& link) const;
 
-    // A connected socket, or -1 when nobody listens.
+    // Returns a connected socket, or -1 if no process listens.
     int Connect(const std::string& socketName) const;
 
-    // A listening socket, or -1 with a log line.
+    // Returns a listening socket. On failure, logs the reason and returns -1.
     int Listen(const std::string& socketName) const;
 
-    // Makes or replaces a link; false with a log line when it cannot.
+    // Creates or replaces a link. On failure, logs the reason and returns false.
     bool Link(const std::string& link, const std::string& socketName) const;
 
-    // Removes the socket and every link that leads to it.
+    // Removes the socket and all links to it.
     void Remove(const std::string& socketName) const;
 
     // Removes the sockets and links of processes that are gone.
@@ -61,7 +59,7 @@ class ServiceDirectory {
     const std::pair<dev_t, ino_t> mIdentity;
 };
 
-// Held while entries are made or removed, against other processes that do the same. Finding a service takes no lock.
+// A lock against other processes, held while files are created or removed. Finding a service does not need it.
 class DirectoryLock {
   public:
     explicit DirectoryLock(const ServiceDirectory& directory);
@@ -73,6 +71,4 @@ class DirectoryLock {
     int mFd;
 };
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

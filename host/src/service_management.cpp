@@ -1,4 +1,3 @@
-// Registering and finding services.
 #define LOG_TAG "hidl_host"
 #include <hidl/ServiceManagement.h>
 
@@ -13,8 +12,7 @@
 #include "peers.h"
 #include "server.h"
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 using ::android::hidl::base::V1_0::BpHwBase;
 using ::android::hidl::base::V1_0::IBase;
@@ -27,7 +25,7 @@ namespace details {
 
 namespace {
 
-// How often a service that is not there is looked for.
+// The interval between attempts to find a service that is not registered.
 constexpr std::chrono::milliseconds kLookAgain{20};
 constexpr int kTurnsPerWarning = 50;
 
@@ -41,11 +39,11 @@ sp<IBase> FindRemote(const host::ServiceDirectory& directory, const std::string&
     const Return<bool> canCast = canCastInterface(base.get(), descriptor.c_str(), true);
     if (!canCast.isOk()) return nullptr;
     if (canCast) return base;
-    ALOGE("%s is registered as %s but does not have the interface", name.c_str(), descriptor.c_str());
+    ALOGE("%s is registered but does not implement %s", name.c_str(), descriptor.c_str());
     return nullptr;
 }
 
-// What is registered now, or null.
+// Returns the service that is registered now, or null.
 sp<IBase> FindService(const std::string& descriptor, const std::string& instance) {
     const std::shared_ptr<host::ServiceDirectory> directory = host::ServiceDirectory::Open(false);
     if (directory == nullptr) return nullptr;
@@ -72,7 +70,7 @@ sp<IBase> getRawServiceInternal(const std::string& descriptor, const std::string
 status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& instance) {
     if (service == nullptr) return UNEXPECTED_NULL;
     if (service->isRemote()) {
-        ALOGE("an object of another process cannot be registered as %s", instance.c_str());
+        ALOGE("cannot register %s: it is an object of another process", instance.c_str());
         return UNKNOWN_ERROR;
     }
     std::vector<std::string> names;
@@ -84,16 +82,15 @@ status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& 
         }
     });
     if (!chain.isOk() || names.empty()) {
-        ALOGE("cannot register %s: it has no interface of its own", instance.c_str());
+        ALOGE("cannot register %s: it does not implement an interface", instance.c_str());
         return UNKNOWN_ERROR;
     }
     const sp<IBinder> stub = getOrCreateCachedBinder(service.get());
-    host::Server* const server = stub == nullptr ? nullptr : host::Server::GetOrMake();
+    host::Server* const server = stub == nullptr ? nullptr : host::Server::GetOrCreate();
     if (server == nullptr || !server->Register(names, service, stub->localBinder())) return UNKNOWN_ERROR;
     ProcessState::self()->startThreadPool();
     return OK;
 }
 
 }  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

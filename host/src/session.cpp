@@ -1,4 +1,3 @@
-// Calls, replies and everything else that goes over a connection, and its end.
 #include "session.h"
 
 #define LOG_TAG "hidl_host"
@@ -9,16 +8,14 @@
 
 #include "socket_reader.h"
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 namespace {
 
-// Arguments of calls that have arrived and are not done. Above it the peer sends faster than it is ever served.
+// The limit for the arguments of unfinished calls. A peer above it sends calls faster than they are served.
 constexpr size_t kMostBytesOfCalls = 64 * 1024 * 1024;
 
-// A call takes memory beside its arguments.
+// The memory of a call in addition to its arguments.
 constexpr size_t kOverheadOfCall = 256;
 
 }  // namespace
@@ -40,14 +37,14 @@ std::shared_ptr<Session> Session::Start(int fd, ServiceSource* services) {
     return started ? session : nullptr;
 }
 
-// The reader comes to the end of the stream, or sees the flag, and buries the session.
+// Makes the reader end, either at the end of the stream or by the flag, and bury the session.
 void Session::Abandon(const char* why) {
     if (mAbandoned.exchange(true)) return;
     ALOGE("closing the connection with process %d: %s", mPeer, why);
     mOutbox->Shutdown();
 }
 
-// Only the reader gets here, when it has handed on all that came.
+// Called by the reader only, once it has dispatched everything.
 void Session::Bury() {
     std::vector<sp<BHwBinder>> exports;
     std::vector<wp<BpHwBinder>> imports;
@@ -111,12 +108,12 @@ status_t Session::Call(FrameHead head, const Parcel& data, Parcel* reply) {
     if (status == OK) return Wait(waiter);
     std::lock_guard<std::mutex> lock(mMutex);
     mWaiters.erase(head.id);
-    // The peer cannot know this call, but it may have guessed its number.
+    // The peer does not know this call, but it may have guessed its number.
     for (std::unique_ptr<IncomingCall>& call : waiter.nested) ThreadPool::Get().Post(std::move(call));
     return status;
 }
 
-// Returns when the reply is there and every call that came on behalf of this one is served.
+// Returns when the reply has arrived and every call on behalf of this one has been served.
 status_t Session::Wait(Waiter& waiter) {
     std::unique_lock<std::mutex> lock(mMutex);
     for (;;) {
@@ -139,7 +136,7 @@ void Session::Reply(uint64_t id, status_t status, const Parcel* results) {
     if (status == OK) {
         const status_t sent = SendFrame(head, results, Outbox::Patience::kSome);
         if (sent == OK || sent == DEAD_OBJECT) return;
-        head.status = sent;  // the caller learns why there is no result
+        head.status = sent;  // tells the caller why there is no result
     }
     SendFrame(head, nullptr, Outbox::Patience::kNone);
 }
@@ -156,7 +153,7 @@ void Session::ProxyIsGone(const BpHwBinder* proxy, uint64_t number, uint64_t tim
     SendFrame(head, nullptr, Outbox::Patience::kNone);
 }
 
-// Any thread.
+// On any thread.
 status_t Session::SendFrame(FrameHead head, const Parcel* body, Outbox::Patience patience) {
     head.magic = FrameHead::kMagic;
     std::vector<WireNode> nodes;
@@ -192,13 +189,13 @@ void Session::Read() {
     Bury();
 }
 
-// False at the end of the connection.
+// Returns false at the end of the connection.
 bool Session::ReadFrame(SocketReader& reader) {
     FrameHead head;
     if (!reader.Read(&head, sizeof(head))) return false;
     if (head.magic != FrameHead::kMagic || head.zero != 0 || head.bodySize > Parcel::kMaxSize ||
         head.bodySize % 8 != 0) {
-        Abandon("a frame is damaged");
+        Abandon("invalid frame");
         return false;
     }
     std::unique_ptr<uint64_t[]> body;
@@ -216,27 +213,27 @@ const char* Session::Handle(const FrameHead& head, std::unique_ptr<uint64_t[]> b
     Parcel parcel;
     const bool hasBody = body != nullptr;
     if (hasBody) {
-        if (!parcel.adopt(std::move(body), head.bodySize)) return "a parcel is damaged";
+        if (!parcel.adopt(std::move(body), head.bodySize)) return "invalid parcel";
         parcel.setSource(shared_from_this());
     }
     switch (static_cast<FrameType>(head.type)) {
         case FrameType::kCall:
         case FrameType::kOneway:
-            return hasBody ? HandleCall(head, std::move(parcel)) : "a call has no body";
+            return hasBody ? HandleCall(head, std::move(parcel)) : "a call without a body";
         case FrameType::kReply:
-            if (hasBody != (head.status == OK)) return "a reply has a body or a failure, not both";
+            if (hasBody != (head.status == OK)) return "a reply must have either a body or a failure";
             return HandleReply(head, std::move(parcel));
         case FrameType::kRelease:
-            return hasBody ? "a release has a body" : HandleRelease(head);
+            return hasBody ? "a release with a body" : HandleRelease(head);
         case FrameType::kLookup:
-            return hasBody ? HandleLookup(head, parcel) : "a lookup has no body";
+            return hasBody ? HandleLookup(head, parcel) : "a lookup without a body";
     }
-    return "a frame of unknown type";
+    return "unknown frame type";
 }
 
 const char* Session::HandleCall(const FrameHead& head, Parcel&& data) {
     const size_t size = head.bodySize + kOverheadOfCall;
-    if (mBytesOfCalls += size; mBytesOfCalls > kMostBytesOfCalls) return "it floods this process with calls";
+    if (mBytesOfCalls += size; mBytesOfCalls > kMostBytesOfCalls) return "it sends calls faster than they are served";
     const bool oneway = static_cast<FrameType>(head.type) == FrameType::kOneway;
     std::vector<sp<IBinder>> nodes;
     sp<BHwBinder> target;
@@ -244,9 +241,9 @@ const char* Session::HandleCall(const FrameHead& head, Parcel&& data) {
     const char* wrong = nullptr;
     {
         std::lock_guard<std::mutex> lock(mMutex);
-        if (!ResolveNodesLocked(data, &nodes)) wrong = "a call names an object that it never had";
+        if (!ResolveNodesLocked(data, &nodes)) wrong = "a call refers to an object that it never received";
         target = mNodes.Exported(head.node);
-        if (target == nullptr) wrong = "a call for an object that it never had";
+        if (target == nullptr) wrong = "a call to an object that it never received";
     }
     data.setNodes(std::move(nodes));
     call =
@@ -261,8 +258,8 @@ const char* Session::HandleCall(const FrameHead& head, Parcel&& data) {
     return wrong;
 }
 
-// To the thread that waits for the call on whose behalf this one is made; else, or when that call has its reply
-// already, to the pool.
+// Passes a call to the thread that waits for its parent call, or to the pool if there is none or it already has its
+// reply.
 void Session::HandOver(uint64_t parent, std::unique_ptr<IncomingCall> call) {
     std::shared_ptr<std::condition_variable> changed;
     if (parent != 0) {
@@ -283,7 +280,7 @@ const char* Session::HandleReply(const FrameHead& head, Parcel&& results) {
     const char* wrong = nullptr;
     {
         std::lock_guard<std::mutex> lock(mMutex);
-        if (!ResolveNodesLocked(results, &nodes)) wrong = "a reply names an object that it never had";
+        if (!ResolveNodesLocked(results, &nodes)) wrong = "a reply refers to an object that it never received";
         const auto found = mWaiters.find(head.id);
         if (found == mWaiters.end()) wrong = "a reply to a call that was never made";
         if (wrong == nullptr) {
@@ -305,17 +302,17 @@ const char* Session::HandleRelease(const FrameHead& head) {
     sp<BHwBinder> dropped;
     {
         std::lock_guard<std::mutex> lock(mMutex);
-        if (!mNodes.Unexport(head.node, head.id, &dropped)) return "it releases what it never had";
+        if (!mNodes.Unexport(head.node, head.id, &dropped)) return "it releases an object that it never received";
     }
     if (dropped != nullptr) ThreadPool::Get().ReleaseLater(std::move(dropped));
     return nullptr;
 }
 
 const char* Session::HandleLookup(const FrameHead& head, const Parcel& data) {
-    if (mServices == nullptr) return "a lookup in a process that serves nothing here";
+    if (mServices == nullptr) return "a lookup in a process without services";
     const char* name = nullptr;
     size_t length = 0;
-    if (data.readText(&name, &length) != OK) return "a lookup is damaged";
+    if (data.readText(&name, &length) != OK) return "invalid lookup";
     Parcel results;
     results.writeStrongBinder(mServices->FindStub(std::string(name, length)));
     FrameHead reply = {};
@@ -338,7 +335,7 @@ std::vector<WireNode> Session::WireNodesOf(const Parcel& parcel) {
         } else if (node->remoteBinder() != nullptr) {
             wire.push_back({WireNode::kReceivers, 0, node->remoteBinder()->number()});
         } else if (mDead) {
-            wire.push_back({WireNode::kNull, 0, 0});  // will not be sent: the table is not to hold it any more
+            wire.push_back({WireNode::kNull, 0, 0});  // will not be sent, so the table must not hold it
         } else {
             wire.push_back({WireNode::kSenders, 0, mNodes.Export(node->localBinder())});
         }
@@ -346,7 +343,7 @@ std::vector<WireNode> Session::WireNodesOf(const Parcel& parcel) {
     return wire;
 }
 
-// The parcel was not sent after all. Its objects are still held by it, so nothing is destroyed here.
+// For a parcel that was not sent. The parcel still holds its objects, so nothing is destroyed here.
 void Session::TakeBack(const std::vector<WireNode>& wire) {
     sp<BHwBinder> dropped;
     std::lock_guard<std::mutex> lock(mMutex);
@@ -355,7 +352,7 @@ void Session::TakeBack(const std::vector<WireNode>& wire) {
     }
 }
 
-// The nodes resolved so far are in `nodes` also when the peer names one that it never had.
+// `nodes` contains the nodes resolved so far even if the peer refers to one that it never received.
 bool Session::ResolveNodesLocked(const Parcel& parcel, std::vector<sp<IBinder>>* nodes) {
     size_t count = 0;
     const WireNode* const wire = parcel.wireNodes(&count);
@@ -380,6 +377,4 @@ bool Session::ResolveNodesLocked(const Parcel& parcel, std::vector<sp<IBinder>>*
     return true;
 }
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

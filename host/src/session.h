@@ -1,5 +1,5 @@
-// One connection between two processes, shared by all threads and all objects of both. Calls go in both directions over
-// it. A reader thread takes in frames and hands them on; it never runs user code and never waits for the peer.
+// One connection between two processes, shared by all threads and objects of both. It carries calls in both directions.
+// A reader thread reads frames and dispatches them; it never runs user code and never waits for the peer.
 #pragma once
 
 #include <hwbinder/IBinder.h>
@@ -21,15 +21,13 @@
 #include "node_table.h"
 #include "outbox.h"
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
-// What a session that serves offers by name. Called by reader threads.
+// The services of a serving session. Called by reader threads.
 class ServiceSource {
   public:
     virtual ~ServiceSource() = default;
-    // Null when there is none.
+    // Returns a service by name, or null.
     virtual sp<BHwBinder> FindStub(const std::string& name) = 0;
 };
 
@@ -37,8 +35,8 @@ class SocketReader;
 
 class Session : public ParcelSource, public std::enable_shared_from_this<Session> {
   public:
-    // Takes over a connected socket. `services` is null on the side that has connected, and outlives the session on the
-    // other. Null when there is no thread for it.
+    // Takes ownership of a connected socket. `services` is null on the connecting side; on the other, it must outlive
+    // the session. Returns null if no thread can be started.
     static std::shared_ptr<Session> Start(int fd, ServiceSource* services);
 
     Session(int fd, ServiceSource* services);
@@ -46,27 +44,27 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
 
     bool IsDead() const { return mDead; }
 
-    // Calls a node of the peer. While a call waits for its reply, this thread serves the calls that the peer makes on
-    // its behalf.
+    // Calls a node of the peer. While it waits for the reply, this thread serves the calls that the peer makes on its
+    // behalf.
     status_t Transact(uint64_t node, uint32_t code, const Parcel& data, Parcel* reply, bool oneway);
 
-    // The node of a service of the peer, null when there is none or the peer is gone.
+    // Returns the node of a service of the peer, or null if there is none or the peer is gone.
     sp<IBinder> Lookup(const std::string& name);
 
-    // Answers a call of the peer. `results` may be null when status is not OK.
+    // Replies to a call of the peer. `results` may be null if `status` is not OK.
     void Reply(uint64_t id, status_t status, const Parcel* results);
 
-    // From the destructor of a proxy node.
+    // Called by the destructor of a proxy node.
     void ProxyIsGone(const BpHwBinder* proxy, uint64_t number, uint64_t timesReceived);
 
-    // A call that had arrived takes no memory any more.
+    // Called when a call that has arrived is finished and its memory is freed.
     void CallIsDone(size_t size) { mBytesOfCalls -= size; }
 
-    // What came does not hold what it claims to: closes the session.
-    void ParcelIsDamaged() override { Abandon("a parcel does not read as its interface says"); }
+    // Closes the session.
+    void ParcelIsDamaged() override { Abandon("a parcel does not match its interface"); }
 
   private:
-    // A thread that waits for a reply. Lives on that thread's stack, guarded by mMutex.
+    // A thread that waits for a reply. On that thread's stack, guarded by mMutex.
     struct Waiter {
         explicit Waiter(Parcel* results) : reply(results), changed(ChangedOfThisThread()) {}
 
@@ -74,8 +72,8 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
         bool done = false;
         status_t status = OK;
         std::deque<std::unique_ptr<IncomingCall>> nested;
-        // Shared, so that it can be notified when mMutex is released and the waiter may be gone. One per thread: of the
-        // waiters of one thread only the innermost waits.
+        // Shared, so that it can be notified without mMutex, when the waiter may be gone. One per thread: only the
+        // innermost waiter of a thread waits.
         const std::shared_ptr<std::condition_variable> changed;
 
         static const std::shared_ptr<std::condition_variable>& ChangedOfThisThread();
@@ -88,7 +86,7 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
     std::vector<WireNode> WireNodesOf(const Parcel& parcel);
     void TakeBack(const std::vector<WireNode>& wire);
 
-    // Receiving: the reader thread. These give null when all is well, else what is wrong with the peer.
+    // Receiving, on the reader thread. Strings are null on success, or describe the peer's error.
     void Read();
     bool ReadFrame(SocketReader& reader);
     const char* Handle(const FrameHead& head, std::unique_ptr<uint64_t[]> body);
@@ -107,7 +105,7 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
     pid_t mPeer = 0;
 
     std::atomic<bool> mDead{false};
-    std::atomic<bool> mAbandoned{false};  // the peer cannot be trusted: nothing more is read
+    std::atomic<bool> mAbandoned{false};  // the peer is not trusted, and nothing more is read
     std::atomic<size_t> mBytesOfCalls{0};
 
     std::mutex mMutex;
@@ -116,6 +114,4 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
     NodeTable mNodes;
 };
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

@@ -1,4 +1,3 @@
-// Receiving.
 #include "socket_reader.h"
 
 #include <sys/socket.h>
@@ -7,9 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 bool SocketReader::Read(void* destination, size_t size) {
     uint8_t* out = static_cast<uint8_t*>(destination);
@@ -37,6 +34,4 @@ bool SocketReader::Read(void* destination, size_t size) {
     return true;
 }
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

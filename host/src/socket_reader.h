@@ -1,21 +1,19 @@
-// The receiving half of a connection: takes what the socket has in large pieces, so that a small frame costs one system
-// call. Used by one reader thread.
+// The receiving half of a connection: reads large blocks, so that a small frame costs one system call. Used by one
+// reader thread.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 class SocketReader {
   public:
     explicit SocketReader(int fd) : mFd(fd), mBuffer(std::make_unique<uint8_t[]>(kBufferSize)) {}
 
-    // Waits for exactly so many bytes; false at the end of the stream. The part of a large piece that has not arrived
-    // yet is read straight into its place.
+    // Reads exactly `size` bytes. Returns false at the end of the stream. The part of a large read that is not buffered
+    // is read directly into `destination`.
     bool Read(void* destination, size_t size);
 
   private:
@@ -27,6 +25,4 @@ class SocketReader {
     size_t mEnd = 0;
 };
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

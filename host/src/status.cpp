@@ -1,12 +1,10 @@
-// Status and Return: what became of a call, and the end of a process that does not look at a failure.
 #define LOG_TAG "hidl_host"
 #include <hidl/Status.h>
 #include <log/log.h>
 
 #include <atomic>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 Status Status::fromExceptionCode(int32_t exceptionCode) {
     return fromExceptionCode(exceptionCode, "");
@@ -141,7 +139,7 @@ bool return_status::isOk() const {
 
 bool return_status::isDeadObject() const {
     const bool dead = mStatus.transactionError() == DEAD_OBJECT;
-    // A failure of another kind has still not been looked at.
+    // Any other failure is still unchecked.
     mCheckedStatus = mCheckedStatus || dead;
     return dead;
 }
@@ -180,5 +178,4 @@ std::ostream& operator<<(std::ostream& os, const return_status& status) {
 }
 
 }  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

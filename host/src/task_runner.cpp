@@ -1,4 +1,3 @@
-// The one-way queue of a passthrough wrapper.
 #include <hidl/TaskRunner.h>
 
 #include <condition_variable>
@@ -7,9 +6,7 @@
 
 #include "thread_pool.h"
 
-namespace android {
-namespace hardware {
-namespace details {
+namespace android::hardware::details {
 
 struct TaskRunner::State {
     std::mutex mutex;
@@ -17,7 +14,7 @@ struct TaskRunner::State {
     std::deque<Task> tasks;
     size_t limit = 0;
     bool running = false;   // there is a thread
-    bool finished = false;  // the runner is gone: the thread ends when no task is left
+    bool finished = false;  // the runner is destroyed: the thread ends when no task is left
 
     void Run() {
         for (;;) {
@@ -59,6 +56,4 @@ bool TaskRunner::push(const Task& task) {
     return true;
 }
 
-}  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::details

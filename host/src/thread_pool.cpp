@@ -1,4 +1,3 @@
-// The thread pool and what the public headers offer of it.
 #include "thread_pool.h"
 
 #define LOG_TAG "hidl_host"
@@ -11,8 +10,7 @@
 #include <system_error>
 #include <thread>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 namespace host {
 
 bool StartThread(const char* name, bool forUserCode, std::function<void()> body) {
@@ -42,7 +40,7 @@ ThreadPool& ThreadPool::Get() {
 
 void ThreadPool::Configure(size_t maxThreads, bool callerWillJoin) {
     LOG_ALWAYS_FATAL_IF(maxThreads == 0 && callerWillJoin,
-                        "a thread pool that the caller joins has at least one thread");
+                        "configureRpcThreadpool(0, true): a pool that the caller joins needs at least one thread");
     std::lock_guard<std::mutex> lock(mMutex);
     mMaxThreads = callerWillJoin ? maxThreads - 1 : maxThreads;
     mConfigured = true;
@@ -64,20 +62,20 @@ void ThreadPool::Post(std::unique_ptr<Task> task) {
         mTasks.push_back(std::move(task));
         needsThread = mStarted && mTasks.size() > mIdle && mThreads < mMaxThreads;
     }
-    // The lock is free by now: the thread that wakes does not have to wait for it.
+    // The lock is released, so the thread that wakes up does not have to wait for it.
     mWork.notify_one();
     if (needsThread) AddThreads();
 }
 
-// As many threads as there are tasks that nobody waits for. When the system has no thread left, the tasks stay for the
-// threads there are, and what arrives next tries again.
+// Starts as many threads as there are tasks without an idle thread. If no thread can be started, the tasks wait for the
+// existing threads, and the next frame triggers another attempt.
 void ThreadPool::AddThreads() {
     for (;;) {
         {
             std::lock_guard<std::mutex> lock(mMutex);
             if (mTasks.size() <= mIdle || mThreads >= mMaxThreads) return;
             ++mThreads;
-            // Until it gets to work it counts as waiting, so that a task is not counted twice.
+            // It counts as idle until it takes a task, so that no task is counted twice.
             ++mIdle;
         }
         mIsShort = !StartThread("hidl-pool", true, [this] { RunTasks(); });
@@ -133,5 +131,4 @@ void joinRpcThreadpool() {
     host::ThreadPool::Get().Join();
 }
 
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

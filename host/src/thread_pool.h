@@ -1,5 +1,6 @@
-// The threads that run user code in this process: calls from other processes, death notices, and the release of objects
-// that other processes held. One pool per process, never destroyed: its threads run on while the process exits.
+// The threads that run user code in this process: calls of other processes, death notifications, and the release of
+// objects that other processes held. One pool per process, never destroyed: its threads keep running while the process
+// exits.
 #pragma once
 
 #include <atomic>
@@ -11,9 +12,7 @@
 #include <mutex>
 #include <utility>
 
-namespace android {
-namespace hardware {
-namespace host {
+namespace android::hardware::host {
 
 class Task {
   public:
@@ -21,31 +20,30 @@ class Task {
     virtual void Run() = 0;
 };
 
-// Starts a detached thread; false, with a log line, when the system has none left. A thread that does not run user code
-// takes no signals (`forUserCode` false).
+// Starts a detached thread. On failure, logs the reason and returns false. Unless it is `forUserCode`, the thread
+// blocks all signals.
 bool StartThread(const char* name, bool forUserCode, std::function<void()> body);
 
 class ThreadPool {
   public:
     static ThreadPool& Get();
 
-    // As configureRpcThreadpool() and joinRpcThreadpool() say.
+    // See configureRpcThreadpool() and joinRpcThreadpool().
     void Configure(size_t maxThreads, bool callerWillJoin);
     [[noreturn]] void Join();
 
-    // Before this, tasks wait (or are run by a thread that has joined).
+    // Before it is called, tasks wait, or run on a thread that has joined.
     void Start();
 
-    // Any thread; never blocks and runs nothing itself.
+    // Queues a task. Thread-safe; never blocks and never runs a task itself.
     void Post(std::unique_ptr<Task> task);
 
-    // Tries again to start the threads that the system did not give. Called with every frame that arrives, because what
-    // arrives does not always come with a task of its own.
+    // Retries to start threads that could not be started. Called for every frame, because not every frame posts a task.
     void TryAgain() {
         if (mIsShort) AddThreads();
     }
 
-    // Lets go of something in a pool thread, because its destructor may be user code.
+    // Releases a reference on a pool thread, because the destructor may be user code.
     template <typename T>
     void ReleaseLater(T&& reference) {
         Post(std::make_unique<ReleaseTask<std::decay_t<T>>>(std::forward<T>(reference)));
@@ -59,7 +57,7 @@ class ThreadPool {
         void Run() override {}
 
       private:
-        T mReference;  // goes with the task
+        T mReference;  // released with the task
     };
 
     void AddThreads();
@@ -70,13 +68,11 @@ class ThreadPool {
     std::mutex mMutex;
     std::condition_variable mWork;
     std::deque<std::unique_ptr<Task>> mTasks;
-    size_t mIdle = 0;     // threads that wait for work, joined ones included
+    size_t mIdle = 0;     // threads that wait for work, including joined ones
     size_t mThreads = 0;  // started by the pool itself
     size_t mMaxThreads = 1;
     bool mConfigured = false;
     bool mStarted = false;
 };
 
-}  // namespace host
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::host

@@ -1,4 +1,4 @@
-// Calls between two processes: what crosses, on which threads, and what fails how.
+// Calls between two processes: data, threads and failures.
 #include <hwbinder/Parcel.h>
 
 #include <limits>
@@ -19,7 +19,7 @@ using OnewayCalls = WithService;
 using Callbacks = WithService;
 using TransportErrors = WithService;
 
-// Makes a call by hand, as no proxy would.
+// Makes a call that a proxy would not make.
 Status CallByHand(const sp<IBase>& proxy, const char* token, uint32_t method, uint32_t flags) {
     Parcel data;
     Parcel reply;
@@ -29,7 +29,7 @@ Status CallByHand(const sp<IBase>& proxy, const char* token, uint32_t method, ui
 
 }  // namespace
 
-// ---- What crosses ----
+// ---- Data ----
 
 TEST_F(DataAcrossProcesses, ScalarsKeepTheirExtremes) {
     bool called = false;
@@ -102,7 +102,7 @@ TEST_F(DataAcrossProcesses, SeveralResultsArriveTogether) {
                               EXPECT_EQ(title, "All!");
                               EXPECT_EQ(total, 15u);
                               EXPECT_EQ(names, (hidl_vec<hidl_string>{"item 2", "item 3"}));
-                              EXPECT_EQ(first, MakeItem(2));
+                              EXPECT_EQ(MakeItem(2), first);
                           });
     EXPECT_TRUE(summary.isOk() && called);
 }
@@ -114,7 +114,7 @@ TEST_F(DataAcrossProcesses, ResultsOutliveTheCallbackOnlyAsCopies) {
     EXPECT_EQ(kept[0], MakeItem(3));
 }
 
-TEST_F(DataAcrossProcesses, ADataTypeTellsItsValues) {
+TEST_F(DataAcrossProcesses, ADataTypeConvertsToAString) {
     EXPECT_EQ(toString(Colour::GREEN), "GREEN");
     int values = 0;
     for (const Colour colour : ::android::hardware::hidl_enum_range<Colour>()) values += colour <= Colour::BLUE;
@@ -148,7 +148,7 @@ TEST_F(Callbacks, ANullInterfaceArrivesAsNull) {
     EXPECT_FALSE(local->setListener(nullptr).withDefault(true));
 }
 
-TEST_F(Callbacks, AnObjectThatComesHomeIsItself) {
+TEST_F(Callbacks, AnObjectThatReturnsToItsProcessIsItself) {
     const sp<Listener> listener = new Listener;
     ASSERT_TRUE(mService->setListener(listener).withDefault(false));
     const sp<IListener> home = mService->listener();
@@ -168,14 +168,14 @@ TEST_F(Callbacks, EveryArrivalIsANewProxyOfTheSameObject) {
     EXPECT_FALSE(interfacesEqual(once, nullptr));
     EXPECT_EQ(getOrCreateCachedBinder(once.get()), getOrCreateCachedBinder(again.get()));
 
-    // The service has the same view of what this process hands to it.
+    // The same holds for the service and the objects of this process.
     const sp<Listener> listener = new Listener;
     ASSERT_TRUE(mService->setListener(listener).withDefault(false));
     EXPECT_TRUE(mService->isListener(listener).withDefault(false));
     EXPECT_FALSE(mService->isListener(new Listener).withDefault(true));
 }
 
-TEST_F(Callbacks, AnObjectThatNobodyRefersToAnyMoreIsReleased) {
+TEST_F(Callbacks, AnObjectWithoutReferencesIsReleased) {
     const sp<Listener> listener = new Listener;
     const wp<Listener> weak = listener;
     ASSERT_TRUE(mService->setListener(listener).withDefault(false));
@@ -201,14 +201,14 @@ TEST_F(Callbacks, FromOtherThreadsOfTheServiceAreServedByThePool) {
     EXPECT_NE(listener->Threads()[0], std::this_thread::get_id());
 }
 
-TEST_F(Callbacks, NestTwentyDeepOnOneThread) {
+TEST_F(Callbacks, NestTwentyLevelsDeepOnOneThread) {
     const sp<Bouncer> mine = new Bouncer;
     const sp<IBouncer> theirs = mService->bouncer();
     EXPECT_EQ(theirs->bounce(20, mine).withDefault(0), 20u);
     EXPECT_EQ(mine->Threads(), std::vector<std::thread::id>(10, std::this_thread::get_id()));
 }
 
-TEST_F(Callbacks, ThatNestWithoutEndAreRefusedInsteadOfUsingUpTheStack) {
+TEST_F(Callbacks, ThatNestEndlesslyAreRefusedBeforeTheStackOverflows) {
     const sp<Bouncer> mine = new Bouncer;
     const sp<IBouncer> theirs = mService->bouncer();
     EXPECT_GE(theirs->bounce(100000, mine).withDefault(0), 1000000u);
@@ -252,15 +252,15 @@ TEST_F(Calls, ManyThreadsShareOneConnection) {
 
 // ---- One-way ----
 
-TEST_F(OnewayCalls, AreCarriedOutInOrder) {
+TEST_F(OnewayCalls, RunInOrder) {
     for (uint32_t i = 0; i < 5000; ++i) ASSERT_TRUE(mService->post(i).isOk());
     EXPECT_TRUE(WaitFor([&] { return Posted(mService).size() == 5000; }));
     EXPECT_EQ(Posted(mService), CountUp(5000));
 }
 
-TEST_F(OnewayCalls, ReturnAtOnceAndRunOneAtATime) {
+TEST_F(OnewayCalls, ReturnImmediatelyAndRunOneAtATime) {
     for (uint32_t i = 0; i < 3; ++i) ASSERT_TRUE(mService->postSlowly(i).isOk());
-    // The second thread of the service is free all the time, but only one of the three is carried out.
+    // The second thread of the service is free all the time, but only one of the three runs.
     EXPECT_TRUE(WaitFor([&] { return Holding(mService) == 1; }));
     EXPECT_EQ(Posted(mService), CountUp(0));
     for (uint32_t done = 1; done <= 3; ++done) {
@@ -286,7 +286,7 @@ TEST_F(OnewayCalls, AreRefusedByTheStubWhenTheFlagIsWrong) {
     constexpr uint32_t kPost = 15;
     EXPECT_EQ(CallByHand(mService, IWorkshop::descriptor, kPost, 0).transactionError(), ::android::UNKNOWN_ERROR);
     EXPECT_EQ(Posted(mService), CountUp(0));
-    // The other way round nobody hears of the refusal, and nothing is carried out.
+    // In the opposite case, the refusal is not reported, and nothing runs.
     constexpr uint32_t kSetListener = 9;
     EXPECT_EQ(CallByHand(mService, IWorkshop::descriptor, kSetListener, IBinder::FLAG_ONEWAY).transactionError(),
               ::android::OK);
@@ -298,10 +298,10 @@ TEST_F(OnewayCalls, ToADeadObjectFail) {
     EXPECT_TRUE(WaitFor([&] { return mService->post(1).isDeadObject(); }));
 }
 
-TEST_F(OnewayCalls, ToAStoppedClientAreRefusedInTheEndAndTheServiceLivesOn) {
+TEST_F(OnewayCalls, ToAStoppedClientAreEventuallyRefusedAndTheServiceSurvives) {
     Peer client({"listen", "default"});
     client.Signal(SIGSTOP);
-    // More than any buffer takes.
+    // More than any buffer holds.
     EXPECT_LT(mService->emit(200000).withDefault(200000), 200000u);
     EXPECT_EQ(Echo(mService, "alive"), "alive");
     client.Kill();
@@ -321,7 +321,7 @@ TEST_F(TransportErrors, ACallForAnotherInterfaceIsABadType) {
     EXPECT_EQ(Echo(mService, "alive"), "alive");
 }
 
-TEST_F(TransportErrors, ADeadObjectIsToldApart) {
+TEST_F(TransportErrors, ADeadObjectIsDistinguished) {
     mPeer.Kill();
     EXPECT_TRUE(WaitFor([&] { return mService->ping().isDeadObject(); }));
     const Return<int32_t> pid = mService->pid();
@@ -330,7 +330,7 @@ TEST_F(TransportErrors, ADeadObjectIsToldApart) {
     EXPECT_NE(pid.description().find("DEAD_OBJECT"), std::string::npos) << pid.description();
 }
 
-TEST_F(TransportErrors, AMessageAboveOneMebibyteLessEightKibibytesFails) {
+TEST_F(TransportErrors, AMessageAboveOneMebibyteMinusEightKibibytesFails) {
     constexpr size_t kLimit = 1024 * 1024 - 8 * 1024;
     EXPECT_EQ(Echo(mService, std::string(kLimit - 500, 'x')), std::string(kLimit - 500, 'x'));
     for (const size_t size : {kLimit, kLimit * 3}) {
@@ -345,7 +345,7 @@ TEST_F(TransportErrors, AMessageAboveOneMebibyteLessEightKibibytesFails) {
 }
 
 TEST_F(TransportErrors, AnAnswerAboveTheLimitFailsAtTheCaller) {
-    // Fits as an argument, but comes back with a title and the names a second time.
+    // Fits as an argument, but the reply has a title and the names twice.
     const std::string text(700 * 1024, 'x');
     Item item = MakeItem(1);
     item.name = text;
@@ -377,7 +377,7 @@ TEST(ThreadPools, HaveOneThreadWhenNotConfigured) {
     ASSERT_EQ(own->registerAsService("own"), ::android::OK);
     Peer first({"hold", "own"});
     EXPECT_TRUE(WaitFor([&] { return Holding(own) == 1; }));
-    // The lookup of the second is answered, but its first call waits for the thread.
+    // The second lookup is answered, but its first call waits for the thread.
     ChildProcess second({HOST_TEST_PEER, "hold", "own"});
     EXPECT_TRUE(own->letGo().isOk());
     EXPECT_EQ(first.WaitForExit(), 0);
@@ -398,10 +398,10 @@ TEST(ThreadPools, HaveAsManyThreadsAsConfigured) {
     EXPECT_TRUE(service->letGo().isOk());
 }
 
-TEST(ThreadPools, ThatTheCallerIsToJoinServeNothingBefore) {
+TEST(ThreadPools, ThatTheCallerJoinsServeNothingBefore) {
     const ScratchDirectory scratch;
     Peer peer({"serve-by-joining", "default"});
-    // Finding the service asks it for its interfaces, which takes the thread.
+    // Finding the service queries its interfaces, which needs the thread.
     Caller caller([&] { EXPECT_EQ(Echo(IWorkshop::getService(), "text"), "text"); });
     EXPECT_TRUE(WaitFor([] { return HasThread("hidl-reader"); }));
     peer.Write("join\n");
@@ -415,7 +415,7 @@ TEST(ThreadPools, OfAProcessThatOnlyCallsServeNestedCallbacksWithoutAThread) {
     Peer peer({"serve", "default"});
     const sp<IWorkshop> service = IWorkshop::getService();
     const sp<Bouncer> mine = new Bouncer;
-    // One thread on each side, and neither locks up.
+    // One thread on each side, without a deadlock.
     EXPECT_EQ(static_cast<sp<IBouncer>>(service->bouncer())->bounce(20, mine).withDefault(0), 20u);
 }
 

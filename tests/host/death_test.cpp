@@ -1,4 +1,4 @@
-// The end of a process as the others see it.
+// The death of a process and its effects on others.
 #include <hidl/HidlPassthroughSupport.h>
 
 #include "fixtures.h"
@@ -10,7 +10,7 @@ namespace {
 using DeathNotices = WithService;
 using PendingCalls = WithService;
 
-// A workshop of this process with the pool's one thread, and what other processes do with it.
+// A workshop of this process, served by one thread, and its clients in other processes.
 class DeathOfClients : public ::testing::Test {
   protected:
     void SetUp() override { ASSERT_EQ(mOwn->registerAsService("own"), ::android::OK); }
@@ -23,7 +23,7 @@ class DeathOfClients : public ::testing::Test {
 
 // ---- Objects of this process ----
 
-TEST(DeathNoticesAtHome, AreAcceptedAndNeverCome) {
+TEST(DeathNoticesAtHome, AreAcceptedAndNeverDelivered) {
     const sp<Workshop> local = new Workshop;
     const sp<Recipient> recipient = new Recipient;
     EXPECT_TRUE(local->linkToDeath(recipient, 1).withDefault(false));
@@ -35,7 +35,7 @@ TEST(DeathNoticesAtHome, AreAcceptedAndNeverCome) {
     EXPECT_EQ(recipient->Notices(), 0u);
 }
 
-// ---- Notices ----
+// ---- Notifications ----
 
 TEST_F(DeathNotices, ReachTheRecipientWhenTheServerIsKilled) {
     sp<IBase> promoted;
@@ -48,7 +48,7 @@ TEST_F(DeathNotices, ReachTheRecipientWhenTheServerIsKilled) {
     EXPECT_NE(recipient->Thread(), std::this_thread::get_id());
 }
 
-TEST_F(DeathNotices, ComeOncePerLink) {
+TEST_F(DeathNotices, AreDeliveredOncePerLink) {
     const sp<Recipient> recipient = new Recipient;
     const sp<IWorkshop> again = IWorkshop::getService();
     EXPECT_TRUE(mService->linkToDeath(recipient, 1).withDefault(false));
@@ -61,7 +61,7 @@ TEST_F(DeathNotices, ComeOncePerLink) {
     EXPECT_EQ(cookies, (std::vector<uint64_t>{1, 2, 3}));
 }
 
-TEST_F(DeathNotices, AreTakenBackOnTheProxyThatWasLinkedOnly) {
+TEST_F(DeathNotices, CanOnlyBeUnlinkedOnTheLinkedProxy) {
     const sp<Recipient> recipient = new Recipient;
     const sp<Recipient> witness = new Recipient;
     const sp<IWorkshop> again = IWorkshop::getService();
@@ -75,7 +75,7 @@ TEST_F(DeathNotices, AreTakenBackOnTheProxyThatWasLinkedOnly) {
     EXPECT_EQ(recipient->Notices(), 0u);
 }
 
-TEST_F(DeathNotices, TakeANullRecipientWithoutEffect) {
+TEST_F(DeathNotices, IgnoreANullRecipient) {
     const sp<Recipient> witness = new Recipient;
     EXPECT_TRUE(mService->linkToDeath(nullptr, 1).withDefault(false));
     EXPECT_TRUE(mService->linkToDeath(witness, 2).withDefault(false));
@@ -95,7 +95,7 @@ TEST_F(DeathNotices, DoNotKeepTheRecipient) {
     EXPECT_TRUE(WaitFor([&] { return witness->Notices() == 1; }));
 }
 
-TEST_F(DeathNotices, OfADroppedProxyDoNotCome) {
+TEST_F(DeathNotices, OfADroppedProxyAreNotDelivered) {
     const sp<Recipient> recipient = new Recipient;
     const sp<Recipient> witness = new Recipient;
     {
@@ -108,7 +108,7 @@ TEST_F(DeathNotices, OfADroppedProxyDoNotCome) {
     EXPECT_EQ(recipient->Notices(), 0u);
 }
 
-TEST_F(DeathNotices, MayUnlinkWhileTheyAreGiven) {
+TEST_F(DeathNotices, MayUnlinkDuringDelivery) {
     std::atomic<int> unlinked{-1};
     sp<Recipient> recipient;
     recipient = new Recipient([&](const wp<IBase>& who) {
@@ -121,19 +121,19 @@ TEST_F(DeathNotices, MayUnlinkWhileTheyAreGiven) {
     EXPECT_EQ(unlinked, 0);
 }
 
-TEST_F(DeathNotices, OfADeathThatNobodyWatchedComeToTheFirstWhoLinks) {
+TEST_F(DeathNotices, OfAnUnwatchedDeathGoToTheFirstLinkedRecipient) {
     const sp<Recipient> recipient = new Recipient;
     mPeer.Kill();
     EXPECT_TRUE(WaitFor([&] { return mService->ping().isDeadObject(); }));
     EXPECT_TRUE(mService->linkToDeath(recipient, 1).withDefault(false));
     EXPECT_TRUE(WaitFor([&] { return recipient->Notices() == 1; }));
-    // From then on the object is known to be dead.
+    // From now on, the object is known to be dead.
     EXPECT_FALSE(mService->linkToDeath(recipient, 2).withDefault(true));
     EXPECT_FALSE(mService->unlinkToDeath(recipient).withDefault(true));
     EXPECT_EQ(recipient->Notices(), 1u);
 }
 
-TEST_F(DeathNotices, AlsoComeWhenTheServerEndsByItself) {
+TEST_F(DeathNotices, AreAlsoDeliveredWhenTheServerExits) {
     const sp<Recipient> recipient = new Recipient;
     EXPECT_TRUE(mService->linkToDeath(recipient, 1).withDefault(false));
     mPeer.CloseInput();
@@ -141,9 +141,9 @@ TEST_F(DeathNotices, AlsoComeWhenTheServerEndsByItself) {
     EXPECT_EQ(mPeer.WaitForExit(), 0);
 }
 
-// ---- Calls that are under way ----
+// ---- Pending calls ----
 
-TEST_F(PendingCalls, FailAtOnceWhenTheServerIsKilled) {
+TEST_F(PendingCalls, FailImmediatelyWhenTheServerIsKilled) {
     const sp<Recipient> recipient = new Recipient;
     EXPECT_TRUE(mService->linkToDeath(recipient, 1).withDefault(false));
     Caller held([&] { EXPECT_TRUE(mService->hold().isDeadObject()); });
@@ -152,7 +152,7 @@ TEST_F(PendingCalls, FailAtOnceWhenTheServerIsKilled) {
     held.Join();
     EXPECT_TRUE(WaitFor([&] { return recipient->Notices() == 1; }));
     EXPECT_TRUE(mService->ping().isDeadObject());
-    // A new process under the same name does not bring the proxy back.
+    // A new process with the same name does not revive the proxy.
     Peer next({"serve", "default"});
     EXPECT_TRUE(mService->ping().isDeadObject());
     EXPECT_EQ(Echo(IWorkshop::getService(), "next"), "next");
@@ -186,7 +186,7 @@ TEST_F(DeathOfClients, IsReportedToTheService) {
     EXPECT_EQ(mOwn->emit(3).withDefault(3), 0u);
 }
 
-TEST_F(DeathOfClients, WhoSentCallsLeavesThemToBeCarriedOut) {
+TEST_F(DeathOfClients, DoesNotCancelCallsThatHaveArrived) {
     Peer client({"hold", "own"});
     EXPECT_TRUE(WaitFor([&] { return Holding(mOwn) == 1; }));
     client.Kill();
@@ -196,7 +196,7 @@ TEST_F(DeathOfClients, WhoSentCallsLeavesThemToBeCarriedOut) {
     Peer next({"listen", "own"});
 }
 
-TEST_F(DeathOfClients, InTheMiddleOfOnewayTrafficHurtsNobody) {
+TEST_F(DeathOfClients, DuringOnewayTrafficIsHarmless) {
     Peer client({"flood", "own"});
     EXPECT_TRUE(WaitFor([&] { return Posted(mOwn).size() > 1000; }));
     client.Kill();
@@ -205,7 +205,7 @@ TEST_F(DeathOfClients, InTheMiddleOfOnewayTrafficHurtsNobody) {
     EXPECT_EQ(posted, CountUp(static_cast<uint32_t>(posted.size())));
 }
 
-TEST_F(DeathOfClients, WaitsForTheThreadThatIsBusy) {
+TEST_F(DeathOfClients, IsReportedOnceAThreadIsFree) {
     Peer service({"serve", "other"});
     const sp<IWorkshop> other = IWorkshop::getService("other");
     std::atomic<uint32_t> heldAtNotice{99};
@@ -225,7 +225,7 @@ TEST_F(DeathOfClients, ReleasesWhatTheyHeld) {
     Peer client({"listen", "own"});
     const int before = mOwn->getStrongCount();
     client.Kill();
-    // The stub that the client knew is released with its session, and nothing else is.
+    // Only the stub that the client had received is released with its session.
     EXPECT_TRUE(WaitFor([&] { return mOwn->getStrongCount() <= before; }));
     Peer next({"listen", "own"});
     EXPECT_EQ(Ask(mOwn, "who"), "peer's answer to who");

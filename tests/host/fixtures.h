@@ -1,4 +1,4 @@
-// What the tests of the runtime share: a service in another process, a listener, and a recipient of death notices.
+// Shared by the tests of the runtime: a service in another process, a listener, and a recipient of death notifications.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ using ::android::hardware::interfacesEqual;
 using ::android::hardware::Status;
 using ::android::hidl::base::V1_0::IBase;
 
-// The other process, started with a role of peer.cpp and ready.
+// The other process, with a role of peer.cpp. The constructor waits until it is ready.
 class Peer : public ChildProcess {
   public:
     explicit Peer(const std::vector<std::string>& role) : ChildProcess(CommandOf(role)) {
@@ -42,7 +42,7 @@ class Peer : public ChildProcess {
     }
 };
 
-// A directory of its own, and a workshop "default" in another process with two threads.
+// A directory for this test, and a workshop "default" with two threads in another process.
 class WithService : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -55,7 +55,7 @@ class WithService : public ::testing::Test {
     sp<IWorkshop> mService;
 };
 
-// A thread that makes one call and is joined at the latest when the object goes.
+// A thread that makes one call and is joined by the destructor at the latest.
 class Caller {
   public:
     explicit Caller(std::function<void()> call)
@@ -96,7 +96,7 @@ class Listener : public IListener {
         std::lock_guard<std::mutex> lock(mMutex);
         return mEvents;
     }
-    // On which threads it was called.
+    // The threads on which it was called.
     std::vector<std::thread::id> Threads() {
         std::lock_guard<std::mutex> lock(mMutex);
         return mThreads;
@@ -155,14 +155,14 @@ inline std::vector<uint32_t> Posted(const sp<IWorkshop>& service) {
     return numbers;
 }
 
-// 0, 1, ... count - 1.
+// Returns 0, 1, ..., count - 1.
 inline std::vector<uint32_t> CountUp(uint32_t count) {
     std::vector<uint32_t> numbers;
     for (uint32_t i = 0; i < count; ++i) numbers.push_back(i);
     return numbers;
 }
 
-// Whether this process has a thread of this name.
+// Returns whether this process has a thread of this name.
 inline bool HasThread(const std::string& name) {
     for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
         std::string comm;

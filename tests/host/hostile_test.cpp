@@ -1,4 +1,4 @@
-// What a process does with messages that no honest peer sends, and when the system has no descriptors or threads left.
+// Invalid messages of a hostile peer, and running out of descriptors or threads.
 // The hostile peer is the test itself, on the other end of a session's socket.
 #include <dlfcn.h>
 #include <hwbinder/ProcessState.h>
@@ -16,7 +16,7 @@
 #include "frame.h"
 #include "session.h"
 
-// Thread starts of this program fail while it is set.
+// While it is set, this program cannot start threads.
 static std::atomic<bool> gNoThreads{false};
 
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*), void* arg) {
@@ -39,7 +39,7 @@ using ::android::hardware::host::WireBuffer;
 using ::android::hardware::host::WireHead;
 using ::android::hardware::host::WireNode;
 
-// Numbers of methods of IWorkshop, in the order of its declaration.
+// The numbers of IWorkshop's methods, in the order of declaration.
 constexpr uint32_t kEcho = 2;
 constexpr uint32_t kSetListener = 9;
 constexpr uint32_t kPostSlowly = 17;
@@ -97,7 +97,7 @@ Bytes SetListenerBody(uint32_t kind, uint64_t number) {
     return BodyOf(data, {{kind, 0, number}});
 }
 
-// The peer of a session, which writes what it likes.
+// The peer of a session. It can write anything.
 class HostilePeer {
   public:
     explicit HostilePeer(bool served = true) {
@@ -126,7 +126,7 @@ class HostilePeer {
         if (!body.empty()) Write(body.data(), body.size());
     }
 
-    // A frame of the session, or nothing when it has closed the connection.
+    // Returns a frame of the session, or nothing if it has closed the connection.
     std::optional<std::pair<FrameHead, Bytes>> Receive() {
         std::pair<FrameHead, Bytes> frame;
         if (recv(mFd, &frame.first, sizeof(FrameHead), MSG_WAITALL) != sizeof(FrameHead)) return std::nullopt;
@@ -135,7 +135,7 @@ class HostilePeer {
         return frame;
     }
 
-    // Gets to know the workshop, which has number 1 then.
+    // Looks up the workshop, which then has number 1.
     void LookUp(const std::string& name = "workshop") {
         Parcel data;
         data.writeText(name.data(), name.size());
@@ -153,13 +153,13 @@ class HostilePeer {
         return body;
     }
 
-    // Status of the next reply, or nothing when the connection was closed.
+    // Returns the status of the next reply, or nothing if the connection was closed.
     std::optional<int32_t> StatusOfReply() {
         const auto reply = Receive();
         return reply ? std::optional<int32_t>(reply->first.status) : std::nullopt;
     }
 
-    // The session has ended the connection.
+    // Returns whether the session has closed the connection.
     bool IsClosed() {
         pollfd end = {mFd, POLLIN, 0};
         const bool readable = poll(&end, 1, 30000) == 1;
@@ -187,7 +187,7 @@ size_t BufferTable(const Bytes& body) {
 
 class HostilePeers : public ::testing::Test {
   protected:
-    // The rest of the process is not affected by what happened.
+    // The rest of the process is not affected.
     void TearDown() override {
         HostilePeer honest;
         honest.LookUp();
@@ -198,7 +198,7 @@ class HostilePeers : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(HostilePeers, LoseTheConnectionForADamagedFrame) {
+TEST_F(HostilePeers, LoseTheConnectionForAnInvalidFrame) {
     const Bytes body = EchoBody("text");
     const std::vector<std::pair<const char*, std::function<void(FrameHead*)>>> damages = {
         {"magic", [](FrameHead* head) { head->magic ^= 1; }},
@@ -206,7 +206,7 @@ TEST_F(HostilePeers, LoseTheConnectionForADamagedFrame) {
         {"type 0", [](FrameHead* head) { head->type = 0; }},
         {"type 99", [](FrameHead* head) { head->type = 99; }},
         {"size", [](FrameHead* head) { head->bodySize -= 8; }},
-        {"size that is no multiple of 8", [](FrameHead* head) { head->bodySize -= 1; }},
+        {"size that is not a multiple of 8", [](FrameHead* head) { head->bodySize -= 1; }},
         {"size above the limit", [](FrameHead* head) { head->bodySize = 0x7ffffff8; }},
         {"size of nothing", [](FrameHead* head) { head->bodySize = 0; }},
         {"unknown node", [](FrameHead* head) { head->node = 2; }},
@@ -225,7 +225,7 @@ TEST_F(HostilePeers, LoseTheConnectionForADamagedFrame) {
 
 TEST_F(HostilePeers, LoseTheConnectionForFramesOutOfPlace) {
     const std::vector<std::pair<const char*, std::function<void(HostilePeer*)>>> frames = {
-        {"reply to no call",
+        {"reply without a call",
          [](HostilePeer* peer) {
              FrameHead head = HostilePeer::Head(FrameType::kReply);
              head.status = ::android::UNKNOWN_ERROR;
@@ -277,11 +277,11 @@ TEST_F(HostilePeers, CannotLookUpWhereNothingIsServed) {
     EXPECT_TRUE(peer.IsClosed());
 }
 
-TEST_F(HostilePeers, LoseTheConnectionForADamagedParcel) {
+TEST_F(HostilePeers, LoseTheConnectionForAnInvalidParcel) {
     const Bytes good = EchoBody("text");
     const size_t table = BufferTable(good);
     const size_t second = table + sizeof(WireBuffer);
-    // Fields of the head, then of the entries of the string's structure and of its text.
+    // Fields of the head, then those of the entries of the string's structure and of its characters.
     const std::vector<std::tuple<const char*, size_t, uint32_t>> damages = {
         {"stream size", offsetof(WireHead, streamSize), 4},
         {"huge stream size", offsetof(WireHead, streamSize), 0xfffffffc},
@@ -300,10 +300,10 @@ TEST_F(HostilePeers, LoseTheConnectionForADamagedParcel) {
         {"second buffer not aligned", second + offsetof(WireBuffer, offset), 17},
         {"second buffer too long", second + offsetof(WireBuffer, length), 9},
         {"second buffer a child of itself", second + offsetof(WireBuffer, parent), 1},
-        {"second buffer a child of none that is there", second + offsetof(WireBuffer, parent), 2},
+        {"second buffer a child of a missing one", second + offsetof(WireBuffer, parent), 2},
         {"pointer not aligned", second + offsetof(WireBuffer, parentOffset), 4},
-        {"pointer behind the parent", second + offsetof(WireBuffer, parentOffset), 16},
-        {"pointer far behind the parent", second + offsetof(WireBuffer, parentOffset), 0xfffffff8},
+        {"pointer after the parent", second + offsetof(WireBuffer, parentOffset), 16},
+        {"pointer far after the parent", second + offsetof(WireBuffer, parentOffset), 0xfffffff8},
     };
     for (const auto& [what, offset, value] : damages) {
         HostilePeer peer;
@@ -315,7 +315,7 @@ TEST_F(HostilePeers, LoseTheConnectionForADamagedParcel) {
     }
 }
 
-TEST_F(HostilePeers, LoseTheConnectionForAParcelThatDoesNotReadAsWritten) {
+TEST_F(HostilePeers, LoseTheConnectionForAParcelThatDoesNotMatchItsInterface) {
     const Bytes good = EchoBody("text");
     const size_t second = BufferTable(good) + sizeof(WireBuffer);
     const size_t arena = second + sizeof(WireBuffer);
@@ -325,11 +325,11 @@ TEST_F(HostilePeers, LoseTheConnectionForAParcelThatDoesNotReadAsWritten) {
         bodies.emplace_back(what, good);
         Put(&bodies.back().second, offset, value);
     };
-    add("text without an end", arena + 16 + 4, 0x78787878);
-    add("text shorter than its structure says", arena + 8, 5);
-    add("text much shorter than its structure says", arena + 8, 0xffffffff);
+    add("string without an end", arena + 16 + 4, 0x78787878);
+    add("string shorter than its structure says", arena + 8, 5);
+    add("string much shorter than its structure says", arena + 8, 0xffffffff);
     add("pointer at another place of the parent", second + offsetof(WireBuffer, parentOffset), 8);
-    add("text that is no child", second + offsetof(WireBuffer, parent), WireBuffer::kNoParent);
+    add("string that is not a child", second + offsetof(WireBuffer, parent), WireBuffer::kNoParent);
     // The stream ends with marker and index of both buffers.
     add("wrong marker", streamEnd - 16, 0);
     add("wrong index", streamEnd - 12, 1);
@@ -345,7 +345,7 @@ TEST_F(HostilePeers, LoseTheConnectionForAParcelThatDoesNotReadAsWritten) {
     }
 }
 
-TEST_F(HostilePeers, GetAnErrorForACallThatSaysTooLittle) {
+TEST_F(HostilePeers, GetAnErrorForACallWithTooFewArguments) {
     HostilePeer peer;
     peer.LookUp();
     Parcel data;
@@ -358,10 +358,10 @@ TEST_F(HostilePeers, GetAnErrorForACallThatSaysTooLittle) {
     EXPECT_EQ(peer.StatusOfReply(), 0);
 }
 
-TEST_F(HostilePeers, MayHandBackAnObjectOfAnotherInterface) {
+TEST_F(HostilePeers, MaySendBackAnObjectOfAnotherInterface) {
     HostilePeer peer;
     peer.LookUp();
-    // The workshop itself as a listener: it is none, so the argument is null.
+    // The workshop itself as a listener: it is not a listener, so the argument is null.
     peer.CallFor(kSetListener, SetListenerBody(WireNode::kReceivers, 1));
     EXPECT_EQ(peer.StatusOfReply(), 0);
     EXPECT_EQ(static_cast<sp<IListener>>(TheSource().mWorkshop->listener()), nullptr);
@@ -396,7 +396,7 @@ TEST_F(HostilePeers, MayDieWhileTheyAreCalled) {
     EXPECT_TRUE(session.IsDead());
 }
 
-TEST_F(HostilePeers, CannotAnswerWithADamagedReply) {
+TEST_F(HostilePeers, CannotAnswerWithAnInvalidReply) {
     HostilePeer peer;
     Caller caller([&] {
         Parcel data;
@@ -423,10 +423,10 @@ TEST_F(HostilePeers, LoseTheConnectionWhenTheyFlood) {
     const std::string much(1000 * 1000, 'x');
     data.writeText(much.data(), much.size());
     const Bytes body = BodyOf(data);
-    // The first is held, so none of the others is ever done.
+    // The first one is held, so the others never finish.
     for (int i = 0; i < 80; ++i) peer.CallFor(kPostSlowly, body, FrameType::kOneway);
     EXPECT_TRUE(peer.IsClosed());
-    // What had arrived is carried out.
+    // Calls that had arrived still run.
     for (int i = 0; i < 67; ++i) EXPECT_TRUE(TheSource().mWorkshop->letGo().isOk());
     EXPECT_TRUE(WaitFor([] { return Posted(TheSource().mWorkshop).size() >= 60; }));
 }
@@ -442,8 +442,8 @@ TEST_F(HostilePeers, LoseTheConnectionWhenTheyNeverReadTheirReplies) {
     EXPECT_EQ(other.StatusOfReply(), 0);
 }
 
-// Whatever the bytes, the process lives on. The seed is fixed, so a failure can be repeated.
-TEST_F(HostilePeers, CannotHurtWithRandomDamage) {
+// The process survives any bytes. The seed is fixed, so a failure can be reproduced.
+TEST_F(HostilePeers, DoNoHarmWithRandomDamage) {
     Parcel data;
     data.writeInterfaceToken(IWorkshop::descriptor);
     hidl_vec<hidl_string> words = {"one", "two", "three"};
@@ -466,7 +466,7 @@ TEST_F(HostilePeers, CannotHurtWithRandomDamage) {
     }
 }
 
-// ---- When the system has nothing left ----
+// ---- Exhaustion ----
 
 TEST(Exhaustion, OfDescriptorsRefusesConnectionsButKeepsTheServiceAlive) {
     const ScratchDirectory scratch;
@@ -490,18 +490,18 @@ TEST(Exhaustion, OfDescriptorsRefusesConnectionsButKeepsTheServiceAlive) {
     }
     EXPECT_TRUE(peer.WaitForOutput("out of file descriptors")) << peer.Output();
     EXPECT_EQ(Echo(service, "alive"), "alive");
-    // Refused at once, not kept waiting.
+    // Refused immediately instead of waiting.
     Peer client({"find", "default"});
     EXPECT_TRUE(client.WaitForOutput("not there")) << client.Output();
     for (const int connection : connections) close(connection);
     EXPECT_TRUE(client.WaitForOutput("found")) << client.Output();
 }
 
-TEST(Exhaustion, OfThreadsIsReportedAndPasses) {
+TEST(Exhaustion, OfThreadsIsReportedAndRecoveredFrom) {
     const ScratchDirectory scratch;
     Peer peer({"serve", "default", "2"});
     gNoThreads = true;
-    // No reader, so no session.
+    // Without a reader thread, there is no session.
     EXPECT_EQ(IWorkshop::tryGetService(), nullptr);
     const sp<Workshop> own = new Workshop;
     EXPECT_EQ(own->registerAsService("own"), ::android::UNKNOWN_ERROR);
@@ -509,7 +509,7 @@ TEST(Exhaustion, OfThreadsIsReportedAndPasses) {
     const sp<IWorkshop> service = IWorkshop::tryGetService();
     ASSERT_NE(service, nullptr);
 
-    // No thread for the pool: what needs one waits until there is one.
+    // No thread for the pool: calls wait until there is one.
     const sp<Listener> listener = new Listener;
     gNoThreads = true;
     EXPECT_TRUE(service->setListener(listener).withDefault(false));

@@ -1,4 +1,4 @@
-// Implementations that are loaded into the process, and the wrapper of local objects.
+// Implementations from libraries, and the wrapper of local objects.
 #include <hidl/HidlPassthroughSupport.h>
 
 #include "fixtures.h"
@@ -26,7 +26,7 @@ TEST_F(Passthrough, ImplementationsAreLoadedFromTheirLibrary) {
     EXPECT_EQ(service->pid().withDefault(0), getpid());
 }
 
-TEST_F(Passthrough, ImplementationsThatAreNotThereAreNull) {
+TEST_F(Passthrough, MissingImplementationsAreNull) {
     EXPECT_EQ(IWorkshop::getService("another", true), nullptr);
     EXPECT_EQ(IListener::tryGetService("passthrough", true), nullptr);
     unsetenv("HIDL_HOST_PASSTHROUGH_PATH");
@@ -43,14 +43,14 @@ TEST_F(Passthrough, ImplementationsAreServedByAnOrdinaryMainProgram) {
     EXPECT_NE(failing.Output().find("no passthrough implementation"), std::string::npos) << failing.Output();
 }
 
-TEST_F(Passthrough, WrappersForwardAndMakeOnewayCallsReturnAtOnce) {
+TEST_F(Passthrough, WrappersForwardAndOnewayCallsReturnImmediately) {
     const sp<Workshop> workshop = new Workshop;
     const sp<IWorkbench> wrapped = wrapPassthrough<IWorkbench>(workshop);
     ASSERT_NE(wrapped, nullptr);
     EXPECT_NE(wrapped.get(), workshop.get());
     EXPECT_EQ(Echo(wrapped, "text"), "text");
     EXPECT_FALSE(wrapped->echo("text", nullptr).isOk());
-    // Would never return if it were carried out by this thread.
+    // Would never return if it ran on this thread.
     EXPECT_TRUE(wrapped->postSlowly(0).isOk());
     EXPECT_TRUE(wrapped->post(1).isOk());
     EXPECT_TRUE(WaitFor([&] { return Holding(workshop) == 1; }));

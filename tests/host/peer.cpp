@@ -1,5 +1,5 @@
-// The other process of the tests: serves a workshop, or is a client that does what a test cannot do itself because it
-// is to die of it. Says "ready" when it is, and ends with its standard input.
+// The other process of the tests: serves a workshop, or is a client that dies. Prints "ready" when it is ready, and
+// ends with its standard input.
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/LegacySupport.h>
 #include <signal.h>
@@ -35,7 +35,7 @@ int ServeUntilEndOfInput(const std::string& instance) {
     return 0;
 }
 
-// THREADS threads of the pool's own, one when not given.
+// THREADS: number of the pool's own threads (default: 1).
 int Serve(const std::string& instance, const char* threads) {
     if (threads != nullptr) ::android::hardware::configureRpcThreadpool(std::strtoul(threads, nullptr, 10), false);
     return ServeUntilEndOfInput(instance);
@@ -47,10 +47,10 @@ class ReportingWorkshop : public Workshop {
         if (mReports) Say("asked for its interfaces");
         return Workshop::interfaceChain(callback);
     }
-    std::atomic<bool> mReports{false};  // registering asks as well
+    std::atomic<bool> mReports{false};  // registering queries as well
 };
 
-// One thread, which joins the pool when a line comes.
+// One thread, which joins the pool when a line arrives.
 int ServeByJoining(const std::string& instance) {
     ::android::hardware::configureRpcThreadpool(1, true);
     const sp<ReportingWorkshop> workshop = new ReportingWorkshop;
@@ -77,7 +77,7 @@ class Listener : public IListener {
     const bool mDies;
 };
 
-// Hands a listener to the service and keeps it. With "dies", it kills this process when it is asked.
+// Registers a listener with the service. With "dies", the listener kills this process when it is called.
 int Listen(const std::string& instance, bool dies) {
     const sp<IWorkshop> service = IWorkshop::getService(instance);
     const sp<Listener> listener = new Listener(dies);
@@ -95,7 +95,7 @@ int Flood(const std::string& instance) {
     for (uint32_t i = 0;; ++i) service->post(i).isOk();
 }
 
-// Looks for a service until it is there, and says what it sees.
+// Waits for a service and prints what it finds.
 int Find(const std::string& instance) {
     Say("ready");
     bool said = false;
@@ -107,7 +107,7 @@ int Find(const std::string& instance) {
     return 0;
 }
 
-// Makes one call that the service holds.
+// Makes a call that the service holds.
 int Hold(const std::string& instance) {
     const sp<IWorkshop> service = IWorkshop::getService(instance);
     Say("ready");

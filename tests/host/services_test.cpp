@@ -1,4 +1,4 @@
-// Registering and finding services, casting, and what is on disk.
+// Registering and finding services, casting, and the files on disk.
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -52,7 +52,7 @@ TEST_F(Services, AreFoundUnderEveryInterfaceOfTheirChain) {
     EXPECT_EQ(workbench->pid().withDefault(0), peer.Pid());
 }
 
-TEST_F(Services, ThatAreNotThereAreNullToTryGetService) {
+TEST_F(Services, ThatAreNotRegisteredAreNullForTryGetService) {
     EXPECT_EQ(IWorkshop::tryGetService(), nullptr);
     EXPECT_FALSE(fs::exists(Directory()));
     Peer peer({"serve", "default"});
@@ -60,7 +60,7 @@ TEST_F(Services, ThatAreNotThereAreNullToTryGetService) {
     EXPECT_EQ(::vantorel::test::V1_0::IListener::tryGetService(), nullptr);
 }
 
-TEST_F(Services, ThatAreNotThereAreWaitedForByGetService) {
+TEST_F(Services, ThatAreNotRegisteredAreAwaitedByGetService) {
     std::atomic<bool> waiting{true};
     Caller caller([&] {
         const sp<IWorkshop> service = IWorkshop::getService("late");
@@ -72,12 +72,12 @@ TEST_F(Services, ThatAreNotThereAreWaitedForByGetService) {
     caller.Join();
 }
 
-TEST_F(Services, OfAKilledProcessAreNotThere) {
+TEST_F(Services, OfAKilledProcessAreNotFound) {
     Peer peer({"serve", "default"});
     ASSERT_NE(IWorkshop::tryGetService(), nullptr);
     peer.Kill();
     EXPECT_TRUE(WaitFor([] { return IWorkshop::tryGetService() == nullptr; }));
-    // The link is still there, and leads nowhere.
+    // The link still exists, but points to nothing.
     EXPECT_TRUE(fs::is_symlink(Directory() / "vantorel.test@1.0::IWorkshop,default"));
     Peer next({"serve", "default"});
     EXPECT_EQ(IWorkshop::getService()->pid().withDefault(0), next.Pid());
@@ -105,7 +105,7 @@ TEST_F(Services, RegisteredAgainAreReplaced) {
     const sp<Workshop> second = new Workshop;
     ASSERT_EQ(second->registerAsService("own"), ::android::OK);
     EXPECT_EQ(IWorkshop::getService("own").get(), second.get());
-    // Nobody keeps the first.
+    // Nothing keeps the first one.
     const wp<Workshop> weak = first;
     first.clear();
     EXPECT_TRUE(WaitFor([&] { return weak.promote() == nullptr; }));
@@ -124,7 +124,7 @@ TEST_F(Services, OfTwoProcessesMayCallEachOther) {
     ASSERT_EQ(own->registerAsService("own"), ::android::OK);
     Peer peer({"serve", "theirs", "2"});
     const sp<IWorkshop> theirs = IWorkshop::getService("theirs");
-    // The call inside goes over the peer's own session to the pool of this process.
+    // The nested call goes over the peer's own session to the pool of this process.
     std::string answer;
     EXPECT_TRUE(theirs->echoThrough("own", "there and back", [&](const auto& text) { answer = text; }).isOk());
     EXPECT_EQ(answer, "there and back");
@@ -134,7 +134,7 @@ TEST_F(Services, OfTwoProcessesMayCallEachOther) {
 
 // ---- On disk ----
 
-TEST_F(Services, LiveInADirectoryThatOnlyTheirUserCanEnter) {
+TEST_F(Services, AreInADirectoryThatOnlyTheirUserCanEnter) {
     Peer peer({"serve", "default"});
     struct stat status = {};
     ASSERT_EQ(stat(Directory().c_str(), &status), 0);
@@ -151,14 +151,14 @@ TEST_F(Services, MayHaveADirectoryWithALongPath) {
     EXPECT_EQ(Echo(IWorkshop::getService(), "text"), "text");
 }
 
-TEST_F(Services, LiveBelowTmpdirWhenNothingElseIsSaid) {
+TEST_F(Services, AreBelowTmpdirByDefault) {
     unsetenv("HIDL_HOST_DIR");
     Peer peer({"serve", "default"});
     EXPECT_EQ(Echo(IWorkshop::getService(), "text"), "text");
     EXPECT_TRUE(fs::exists(mScratch / "hidl-host"));
 }
 
-TEST_F(Services, LeaveNothingBehindWhenTheirProcessEnds) {
+TEST_F(Services, LeaveNoFilesWhenTheirProcessEnds) {
     Peer peer({"serve", "default"});
     EXPECT_EQ(Entries().size(), 3u);
     peer.CloseInput();
@@ -175,7 +175,7 @@ TEST_F(Services, KeepTheLinkOfTheirSuccessorWhenTheirProcessEnds) {
     EXPECT_EQ(IWorkshop::getService()->pid().withDefault(0), second.Pid());
 }
 
-TEST_F(Services, SweepWhatKilledProcessesLeft) {
+TEST_F(Services, RemoveTheFilesOfKilledProcesses) {
     Peer killed({"serve", "left"});
     killed.Kill();
     EXPECT_EQ(Entries().size(), 3u);
@@ -187,7 +187,7 @@ TEST_F(Services, SweepWhatKilledProcessesLeft) {
     EXPECT_EQ(Entries(), expected);
 }
 
-TEST_F(Services, IgnoreLinksThatLeadElsewhere) {
+TEST_F(Services, IgnoreLinksToOtherPlaces) {
     Peer peer({"serve", "default"});
     fs::create_symlink("/etc/passwd", Directory() / "vantorel.test@1.0::IWorkshop,odd");
     fs::create_symlink("s1.1/../" + SocketOf("default"), Directory() / "vantorel.test@1.0::IWorkshop,odder");
@@ -195,14 +195,14 @@ TEST_F(Services, IgnoreLinksThatLeadElsewhere) {
     EXPECT_EQ(IWorkshop::tryGetService("odder"), nullptr);
 }
 
-TEST_F(Services, HaveNoNotificationsOfRegistrations) {
+TEST_F(Services, DoNotNotifyOfRegistrations) {
     EXPECT_EQ(::android::hardware::defaultServiceManager(), nullptr);
     EXPECT_FALSE(IWorkshop::registerForNotifications("default", nullptr));
 }
 
 // ---- Casting ----
 
-TEST_F(Casting, GivesAProxyOfTheSameObject) {
+TEST_F(Casting, ReturnsAProxyOfTheSameObject) {
     const Return<sp<IWorkbench>> cast = IWorkbench::castFrom(mService);
     ASSERT_TRUE(cast.isOk());
     const sp<IWorkbench> workbench = cast;
@@ -211,20 +211,20 @@ TEST_F(Casting, GivesAProxyOfTheSameObject) {
     EXPECT_EQ(workbench->tools().withDefault(0), 7u);
 }
 
-TEST_F(Casting, OfALocalObjectGivesTheObject) {
+TEST_F(Casting, OfALocalObjectReturnsTheObject) {
     const sp<IBase> local = new Workshop;
     const sp<IWorkbench> cast = IWorkbench::castFrom(local);
     EXPECT_EQ(cast.get(), local.get());
 }
 
-TEST_F(Casting, ToWhatItIsNotGivesNull) {
+TEST_F(Casting, ToAnInterfaceThatIsNotImplementedReturnsNull) {
     const sp<IListener> cast = IListener::castFrom(sp<IBase>(mService));
     EXPECT_EQ(cast, nullptr);
     const sp<IWorkbench> ofNull = IWorkbench::castFrom(sp<IBase>());
     EXPECT_EQ(ofNull, nullptr);
 }
 
-TEST_F(Casting, OfADeadObjectGivesNullOrTheError) {
+TEST_F(Casting, OfADeadObjectReturnsNullOrTheError) {
     mPeer.Kill();
     EXPECT_TRUE(WaitFor([&] { return mService->ping().isDeadObject(); }));
     const Return<sp<IWorkbench>> silent = IWorkbench::castFrom(mService);

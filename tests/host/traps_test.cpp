@@ -1,5 +1,5 @@
-// What ends the process: a failure that nobody looks at, a method that does not answer exactly once, and a thread pool
-// that is used the wrong way. These tests start their process anew, so no session is shared with a child.
+// Errors that end the process: an unchecked failure, a method that does not answer exactly once, and wrong use of the
+// thread pool. These tests start a new process, so no session is shared with a child.
 #include <hidl/LegacySupport.h>
 
 #include "fixtures.h"
@@ -24,7 +24,7 @@ Return<int32_t> FailedNumber() {
 
 }  // namespace
 
-TEST_F(TrapsDeathTest, AFailedReturnThatNobodyLooksAtEndsTheProcess) {
+TEST_F(TrapsDeathTest, AnUncheckedFailedReturnEndsTheProcess) {
     EXPECT_DEATH(Failed(), "not checked");
     EXPECT_DEATH(
         {
@@ -40,7 +40,7 @@ TEST_F(TrapsDeathTest, TheValueOfAFailedReturnEndsTheProcess) {
     EXPECT_DEATH([[maybe_unused]] const int32_t number = FailedNumber(), "EX_ILLEGAL_ARGUMENT");
 }
 
-TEST_F(TrapsDeathTest, AFailedReturnThatWasLookedAtIsHarmless) {
+TEST_F(TrapsDeathTest, ACheckedFailedReturnIsHarmless) {
     EXPECT_FALSE(Failed().isOk());
     EXPECT_TRUE(Failed().isDeadObject());
     EXPECT_EQ(FailedNumber().withDefault(5), 5);
@@ -50,7 +50,7 @@ TEST_F(TrapsDeathTest, AFailedReturnThatWasLookedAtIsHarmless) {
     target = Void();
 }
 
-TEST_F(TrapsDeathTest, ASuccessfulReturnIsFreeUnlessTheProcessRestrictsIt) {
+TEST_F(TrapsDeathTest, ASuccessfulReturnNeedNoCheckUnlessTheProcessRequiresIt) {
     Void();
     ::android::hardware::setProcessHidlReturnRestriction(::android::hardware::HidlReturnRestriction::NONE);
     Void();
@@ -62,7 +62,7 @@ TEST_F(TrapsDeathTest, ASuccessfulReturnIsFreeUnlessTheProcessRestrictsIt) {
         "not checked");
 }
 
-TEST_F(TrapsDeathTest, AServiceThatDoesNotAnswerEnds) {
+TEST_F(TrapsDeathTest, AServiceThatDoesNotAnswerIsEnded) {
     const ScratchDirectory scratch;
     Peer peer({"serve", "default"});
     const sp<IWorkshop> service = IWorkshop::getService();
@@ -71,13 +71,13 @@ TEST_F(TrapsDeathTest, AServiceThatDoesNotAnswerEnds) {
     EXPECT_NE(peer.Output().find("_hidl_cb not called"), std::string::npos) << peer.Output();
 }
 
-TEST_F(TrapsDeathTest, AServiceThatAnswersTwiceEnds) {
+TEST_F(TrapsDeathTest, AServiceThatAnswersTwiceIsEnded) {
     const ScratchDirectory scratch;
     Peer peer({"serve", "default"});
     const sp<IWorkshop> service = IWorkshop::getService();
     std::string answer;
     const Return<void> called = service->misbehave(Misdeed::TWO_ANSWERS, [&](const auto& reply) { answer = reply; });
-    // The first answer left at once.
+    // The first answer was sent immediately.
     EXPECT_TRUE(called.isOk());
     EXPECT_EQ(answer, "one");
     EXPECT_EQ(peer.WaitForExit(), -SIGABRT);

@@ -1,4 +1,3 @@
-// What the workshop does.
 #include "workshop.h"
 
 #include <hidl/HidlTransportSupport.h>
@@ -11,7 +10,7 @@ namespace hbbtv::test {
 
 namespace {
 
-// "?" and what went wrong when the listener cannot be asked.
+// Returns "?" and the error if the listener cannot be called.
 std::string AnswerOf(const sp<IListener>& listener, const hidl_string& question) {
     if (listener == nullptr) return "?no listener";
     std::string answer;
@@ -67,7 +66,7 @@ Return<Colour> Workshop::nextColour(Colour colour) {
     return static_cast<Colour>((static_cast<int32_t>(colour) + 1) % 3);
 }
 
-// The results live only until the callback returns.
+// The results are valid only until the callback returns.
 Return<void> Workshop::summary(const hidl_vec<Item>& items, const hidl_string& title, summary_cb callback) {
     uint32_t total = 0;
     hidl_vec<hidl_string> names;

@@ -82,7 +82,7 @@ class Workshop : public IWorkbench {
     uint32_t mLetGo = 0;
 };
 
-// An item with everything in it; `seed` makes them different.
+// Returns an item with all members set. Different seeds return different items.
 Item MakeItem(uint32_t seed);
 
 }  // namespace hbbtv::test

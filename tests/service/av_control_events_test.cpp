@@ -35,7 +35,7 @@ class AVControlEvents : public ServiceEvents<AVControl, RecordingAVControlCallba
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(AVControlClient, OneClient, AVControlEvents);
-INSTANTIATE_TYPED_TEST_SUITE_P(AVControlClient, OneClientThatMayLeave, AVControlEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(AVControlClient, OneClientThatCanUnregister, AVControlEvents);
 
 }  // namespace
 

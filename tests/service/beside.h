@@ -1,4 +1,4 @@
-// A call that begins while a service is in the middle of another one.
+// A call that starts while a service is executing another one.
 #pragma once
 
 #include <chrono>
@@ -12,15 +12,15 @@ class Beside {
   public:
     explicit Beside(std::function<void()> call) : mCall(std::move(call)) {}
 
-    // Begins the call on a thread of its own and lets it come as far as it can: to its end, or to where it waits for
-    // what the caller is doing.
+    // Starts the call on its own thread and lets it run as far as possible: to its end, or to where it waits for the
+    // caller.
     void Begin() {
         constexpr std::chrono::milliseconds kFarEnough{100};
         mDone = std::async(std::launch::async, mCall);
         mDone.wait_for(kFarEnough);
     }
 
-    // Waits for its end. It must have begun.
+    // Waits until the call returns. Begin() must have been called.
     void End() { mDone.get(); }
 
   private:

@@ -36,7 +36,7 @@ class ChannelConfigEvents : public ServiceEvents<ChannelConfig, RecordingChannel
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(ChannelConfigClient, OneClient, ChannelConfigEvents);
-INSTANTIATE_TYPED_TEST_SUITE_P(ChannelConfigClient, OneClientThatMayLeave, ChannelConfigEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(ChannelConfigClient, OneClientThatCanUnregister, ChannelConfigEvents);
 
 }  // namespace
 

@@ -35,7 +35,7 @@ class DsmccEvents : public ServiceEvents<Dsmcc, RecordingDsmccCallback> {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(DsmccClient, OneClient, DsmccEvents);
 INSTANTIATE_TYPED_TEST_SUITE_P(DsmccClient, OneClientOfAService, DsmccEvents);
-INSTANTIATE_TYPED_TEST_SUITE_P(DsmccClient, OneClientThatMayLeave, DsmccEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(DsmccClient, OneClientThatCanUnregister, DsmccEvents);
 
 }  // namespace
 

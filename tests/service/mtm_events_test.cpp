@@ -47,7 +47,7 @@ class MtmCommands : public ServiceEvents<Mtm, RecordingMtmCallback> {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(MtmClient, OneClient, MtmCommands);
 INSTANTIATE_TYPED_TEST_SUITE_P(MtmClient, OneClientOfAService, MtmCommands);
-INSTANTIATE_TYPED_TEST_SUITE_P(MtmClient, OneClientThatMayLeave, MtmCommands);
+INSTANTIATE_TYPED_TEST_SUITE_P(MtmClient, OneClientThatCanUnregister, MtmCommands);
 
 // What an operation of the bridge gives: "status", or "status result".
 struct Operation {

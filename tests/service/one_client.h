@@ -1,10 +1,10 @@
-// What holds of every service with one client that is told of events, for the program of each such service. A program
-// instantiates the suites for its fixture, a ServiceEvents with:
+// The suites of all services with one client that receives events. The test program of such a service instantiates them
+// for its fixture, a ServiceEvents with:
 //
-//     static constexpr char kEvent[], kCall[];      // an event, and the call that it becomes
-//     void Register(const android::sp<Client>&);    // which succeeds
-//     void RefuseNull();                            // registers no callback, and sees to it that this is refused
-//     void Unregister();                            // which succeeds; where a client may leave
+//     static constexpr char kEvent[], kCall[];      // an event, and the call of the client for it
+//     void Register(const android::sp<Client>&);    // succeeds
+//     void RefuseNull();                            // registers null and checks that this is refused
+//     void Unregister();                            // succeeds; where a client can unregister
 #pragma once
 
 #include <thread>
@@ -19,25 +19,25 @@ class OneClient : public Events {};
 
 TYPED_TEST_SUITE_P(OneClient);
 
-TYPED_TEST_P(OneClient, IsWatchedFromItsRegistrationOn) {
+TYPED_TEST_P(OneClient, IsWatchedOnceItIsRegistered) {
     this->Register(this->mClient);
-    EXPECT_EQ(1u, this->mClient->Linked().size());
-    EXPECT_EQ(0u, this->mClient->Cookie());
-    EXPECT_EQ(1, this->Logged(ANDROID_LOG_INFO, kStarted));
-    EXPECT_EQ(0, this->Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(0, this->Logged(ANDROID_LOG_ERROR, kNoCallback));
+    EXPECT_EQ(this->mClient->Linked().size(), 1u);
+    EXPECT_EQ(this->mClient->Cookie(), 0u);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kStarted), 1);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kStopped), 0);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_ERROR, kNoCallback), 0);
 }
 
-TYPED_TEST_P(OneClient, StaysWhenANullCallbackIsRefused) {
+TYPED_TEST_P(OneClient, StaysRegisteredWhenANullCallbackIsRefused) {
     this->RefuseNull();
-    EXPECT_EQ(0, this->Logged(ANDROID_LOG_INFO, kStarted));
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kStarted), 0);
     this->Register(this->mClient);
     this->mPlatform.ForgetFrames();
     this->RefuseNull();
-    EXPECT_EQ(1, this->Logged(ANDROID_LOG_INFO, kStarted));
-    EXPECT_EQ(2, this->Logged(ANDROID_LOG_ERROR, kNoCallback));
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kStarted), 1);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_ERROR, kNoCallback), 2);
     EXPECT_THAT(this->Requests(), testing::IsEmpty());
-    EXPECT_EQ(1u, this->mClient->Linked().size());
+    EXPECT_EQ(this->mClient->Linked().size(), 1u);
     this->Send(this->kEvent);
     EXPECT_THAT(this->mClient->Calls(), testing::ElementsAre(this->kCall));
 }
@@ -47,8 +47,8 @@ TYPED_TEST_P(OneClient, IsReplacedByASecondOne) {
     this->Register(this->mClient);
     this->Register(second);
     EXPECT_THAT(this->mClient->Linked(), testing::IsEmpty());
-    EXPECT_EQ(1u, second->Linked().size());
-    EXPECT_EQ(0, this->Logged(ANDROID_LOG_INFO, kStopped));
+    EXPECT_EQ(second->Linked().size(), 1u);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kStopped), 0);
     this->Send(this->kEvent);
     EXPECT_THAT(this->mClient->Calls(), testing::IsEmpty());
     EXPECT_THAT(second->Calls(), testing::ElementsAre(this->kCall));
@@ -59,72 +59,72 @@ TYPED_TEST_P(OneClient, IsNotKeptOnceItIsReplaced) {
     const android::wp<typename TestFixture::Client> watched = first;
     this->Register(first);
     first.clear();
-    EXPECT_NE(nullptr, watched.promote().get());
+    EXPECT_NE(watched.promote().get(), nullptr);
     this->Register(this->mClient);
-    EXPECT_EQ(nullptr, watched.promote().get());
+    EXPECT_EQ(watched.promote().get(), nullptr);
 }
 
-TYPED_TEST_P(OneClient, ThatRegistersAgainHasOneDeathNotice) {
+TYPED_TEST_P(OneClient, ThatRegistersAgainHasOneDeathNotification) {
     this->Register(this->mClient);
     this->Register(this->mClient);
-    EXPECT_EQ(1u, this->mClient->Linked().size());
+    EXPECT_EQ(this->mClient->Linked().size(), 1u);
     this->mClient->Die();
-    EXPECT_EQ(1, this->Logged(ANDROID_LOG_INFO, kDied));
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kDied), 1);
 }
 
-TYPED_TEST_P(OneClient, IsForgottenWhenItDiesAndTheNextIsServed) {
+TYPED_TEST_P(OneClient, IsDroppedWhenItDiesAndTheNextOneIsServed) {
     this->Register(this->mClient);
     this->mLog.Clear();
     this->mClient->Die();
-    EXPECT_EQ(1, this->mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "ENTER"));
-    EXPECT_EQ(1, this->mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "LEAVE"));
-    EXPECT_EQ(1, this->Logged(ANDROID_LOG_INFO, kDied));
-    EXPECT_EQ(1, this->Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(0, this->Logged(ANDROID_LOG_ERROR, kNoCallback));
+    EXPECT_EQ(this->mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "ENTER"), 1);
+    EXPECT_EQ(this->mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "LEAVE"), 1);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kDied), 1);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kStopped), 1);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_ERROR, kNoCallback), 0);
     EXPECT_THAT(this->mClient->Linked(), testing::IsEmpty());
     this->Send(this->kEvent);
     EXPECT_THAT(this->mClient->Calls(), testing::IsEmpty());
 
     const android::sp<typename TestFixture::Client> next = new typename TestFixture::Client;
     this->Register(next);
-    EXPECT_EQ(1u, next->Linked().size());
+    EXPECT_EQ(next->Linked().size(), 1u);
     this->Send(this->kEvent);
     EXPECT_THAT(next->Calls(), testing::ElementsAre(this->kCall));
     EXPECT_THAT(this->mClient->Calls(), testing::IsEmpty());
 }
 
-TYPED_TEST_P(OneClient, IsLeftAloneByTheLateDeathNoticeOfItsPredecessor) {
+TYPED_TEST_P(OneClient, IsNotAffectedByALateDeathNotificationOfItsPredecessor) {
     const android::sp<typename TestFixture::Client> second = new typename TestFixture::Client;
     this->Register(this->mClient);
     const auto recipient = this->mClient->Linked().at(0);
     this->Register(second);
     this->mPlatform.ForgetFrames();
     recipient->serviceDied(0, android::wp<IBase>(this->mClient.get()));
-    EXPECT_EQ(0, this->Logged(ANDROID_LOG_INFO, kDied));
-    // Also when the notice had passed the recipient already.
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kDied), 0);
+    // Also if the recipient had already accepted the notification.
     this->mService->OnHidlClientDied(0, android::wp<IBase>(this->mClient.get()));
-    EXPECT_EQ(0, this->Logged(ANDROID_LOG_INFO, kStopped));
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kStopped), 0);
     EXPECT_THAT(this->Requests(), testing::IsEmpty());
-    EXPECT_EQ(1u, second->Linked().size());
+    EXPECT_EQ(second->Linked().size(), 1u);
     this->Send(this->kEvent);
     EXPECT_THAT(second->Calls(), testing::ElementsAre(this->kCall));
 }
 
 TYPED_TEST_P(OneClient, ThatIsNullIsNotWatched) {
     this->mService->StartMonitor(nullptr);
-    EXPECT_EQ(1, this->Logged(ANDROID_LOG_INFO, kStarted));
-    EXPECT_EQ(1, this->Logged(ANDROID_LOG_ERROR, kNoCallback));
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kStarted), 1);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_ERROR, kNoCallback), 1);
     this->mService->StopMonitor(nullptr);
-    EXPECT_EQ(1, this->Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(2, this->Logged(ANDROID_LOG_ERROR, kNoCallback));
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kStopped), 1);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_ERROR, kNoCallback), 2);
 }
 
-TYPED_TEST_P(OneClient, ThatDiesAfterItsServiceIsNobodysLoss) {
+TYPED_TEST_P(OneClient, ThatDiesAfterItsServiceIsIgnored) {
     this->Register(this->mClient);
     const auto recipient = this->mClient->Linked().at(0);
     this->mService.clear();
     recipient->serviceDied(0, android::wp<IBase>(this->mClient.get()));
-    EXPECT_EQ(0, this->Logged(ANDROID_LOG_INFO, kDied));
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kDied), 0);
 }
 
 TYPED_TEST_P(OneClient, IsServedWhenItRegistersWhileItsPredecessorDies) {
@@ -134,13 +134,13 @@ TYPED_TEST_P(OneClient, IsServedWhenItRegistersWhileItsPredecessorDies) {
     this->mClient->WhenUnlinked([&] { registration.Begin(); });
     this->mClient->Die();
     registration.End();
-    EXPECT_EQ(1u, next->Linked().size());
+    EXPECT_EQ(next->Linked().size(), 1u);
     this->Send(this->kEvent);
     EXPECT_THAT(next->Calls(), testing::ElementsAre(this->kCall));
 }
 
-// What two threads touch at once is only found by a sanitizer.
-TYPED_TEST_P(OneClient, MayComeAndGoBesideEvents) {
+// Only a sanitizer finds data races here.
+TYPED_TEST_P(OneClient, MayRegisterAndDieDuringEvents) {
     constexpr int kTurns = 100;
     this->Register(this->mClient);
     std::thread registrations([this] {
@@ -158,26 +158,27 @@ TYPED_TEST_P(OneClient, MayComeAndGoBesideEvents) {
     EXPECT_THAT(last->Calls(), testing::ElementsAre(this->kCall));
 }
 
-REGISTER_TYPED_TEST_SUITE_P(OneClient, IsWatchedFromItsRegistrationOn, StaysWhenANullCallbackIsRefused,
-                            IsReplacedByASecondOne, IsNotKeptOnceItIsReplaced, ThatRegistersAgainHasOneDeathNotice,
-                            IsForgottenWhenItDiesAndTheNextIsServed, IsLeftAloneByTheLateDeathNoticeOfItsPredecessor,
-                            ThatIsNullIsNotWatched, ThatDiesAfterItsServiceIsNobodysLoss,
-                            IsServedWhenItRegistersWhileItsPredecessorDies, MayComeAndGoBesideEvents);
+REGISTER_TYPED_TEST_SUITE_P(OneClient, IsWatchedOnceItIsRegistered, StaysRegisteredWhenANullCallbackIsRefused,
+                            IsReplacedByASecondOne, IsNotKeptOnceItIsReplaced,
+                            ThatRegistersAgainHasOneDeathNotification, IsDroppedWhenItDiesAndTheNextOneIsServed,
+                            IsNotAffectedByALateDeathNotificationOfItsPredecessor, ThatIsNullIsNotWatched,
+                            ThatDiesAfterItsServiceIsIgnored, IsServedWhenItRegistersWhileItsPredecessorDies,
+                            MayRegisterAndDieDuringEvents);
 
-// Where a client can take its registration back.
+// For services whose client can unregister.
 template <typename Events>
-class OneClientThatMayLeave : public Events {};
+class OneClientThatCanUnregister : public Events {};
 
-TYPED_TEST_SUITE_P(OneClientThatMayLeave);
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OneClientThatMayLeave);  // not every service is one
+TYPED_TEST_SUITE_P(OneClientThatCanUnregister);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OneClientThatCanUnregister);  // not for every service
 
-TYPED_TEST_P(OneClientThatMayLeave, IsForgottenWhenItLeaves) {
+TYPED_TEST_P(OneClientThatCanUnregister, IsDroppedWhenItUnregisters) {
     this->Register(this->mClient);
     this->mLog.Clear();
     this->Unregister();
     EXPECT_THAT(this->mClient->Linked(), testing::IsEmpty());
-    EXPECT_EQ(1, this->Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(0, this->Logged(ANDROID_LOG_ERROR, kNoCallback));
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kStopped), 1);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_ERROR, kNoCallback), 0);
     this->Send(this->kEvent);
     EXPECT_THAT(this->mClient->Calls(), testing::IsEmpty());
     this->Register(this->mClient);
@@ -185,35 +186,36 @@ TYPED_TEST_P(OneClientThatMayLeave, IsForgottenWhenItLeaves) {
     EXPECT_THAT(this->mClient->Calls(), testing::ElementsAre(this->kCall));
 }
 
-TYPED_TEST_P(OneClientThatMayLeave, LeavesWithALineInTheLogWhenItWasNotThere) {
+TYPED_TEST_P(OneClientThatCanUnregister, ThatIsNotRegisteredUnregistersWithAnErrorLine) {
     this->Unregister();
-    EXPECT_EQ(1, this->Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(1, this->Logged(ANDROID_LOG_ERROR, kNoCallback));
+    EXPECT_EQ(this->Logged(ANDROID_LOG_INFO, kStopped), 1);
+    EXPECT_EQ(this->Logged(ANDROID_LOG_ERROR, kNoCallback), 1);
 }
 
-TYPED_TEST_P(OneClientThatMayLeave, IsServedWhenItRegistersWhileItsPredecessorLeaves) {
+TYPED_TEST_P(OneClientThatCanUnregister, IsServedWhenItRegistersWhileItsPredecessorUnregisters) {
     const android::sp<typename TestFixture::Client> next = new typename TestFixture::Client;
     Beside registration([&] { this->Register(next); });
     this->Register(this->mClient);
     this->mClient->WhenUnlinked([&] { registration.Begin(); });
     this->Unregister();
     registration.End();
-    EXPECT_EQ(1u, next->Linked().size());
+    EXPECT_EQ(next->Linked().size(), 1u);
     this->Send(this->kEvent);
     EXPECT_THAT(next->Calls(), testing::ElementsAre(this->kCall));
 }
 
-REGISTER_TYPED_TEST_SUITE_P(OneClientThatMayLeave, IsForgottenWhenItLeaves, LeavesWithALineInTheLogWhenItWasNotThere,
-                            IsServedWhenItRegistersWhileItsPredecessorLeaves);
+REGISTER_TYPED_TEST_SUITE_P(OneClientThatCanUnregister, IsDroppedWhenItUnregisters,
+                            ThatIsNotRegisteredUnregistersWithAnErrorLine,
+                            IsServedWhenItRegistersWhileItsPredecessorUnregisters);
 
-// Where nothing is forwarded without a service.
+// For services that forward nothing without a service object.
 template <typename Events>
 class OneClientOfAService : public Events {};
 
 TYPED_TEST_SUITE_P(OneClientOfAService);
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OneClientOfAService);  // not every service is one
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OneClientOfAService);  // not for every service
 
-TYPED_TEST_P(OneClientOfAService, IsToldNothingOnceMonitoringHasStopped) {
+TYPED_TEST_P(OneClientOfAService, IsNotCalledOnceMonitoringHasStopped) {
     this->Register(this->mClient);
     this->mService->StopMonitor(this->mClient);
     this->Send(this->kEvent);
@@ -223,7 +225,7 @@ TYPED_TEST_P(OneClientOfAService, IsToldNothingOnceMonitoringHasStopped) {
     EXPECT_THAT(this->mClient->Calls(), testing::ElementsAre(this->kCall));
 }
 
-TYPED_TEST_P(OneClientOfAService, IsToldNothingOnceTheServiceHasGone) {
+TYPED_TEST_P(OneClientOfAService, IsNotCalledOnceTheServiceIsDestroyed) {
     this->Register(this->mClient);
     this->mService.clear();
     this->Send(this->kEvent);
@@ -235,7 +237,7 @@ TYPED_TEST_P(OneClientOfAService, IsToldNothingOnceTheServiceHasGone) {
     EXPECT_THAT(this->mClient->Calls(), testing::ElementsAre(this->kCall));
 }
 
-TYPED_TEST_P(OneClientOfAService, IsServedWhenAnEarlierServiceGoes) {
+TYPED_TEST_P(OneClientOfAService, IsServedWhenAnEarlierServiceIsDestroyed) {
     android::sp<typename TestFixture::Service> earlier = this->mService;
     this->mService = new typename TestFixture::Service;
     this->Register(this->mClient);
@@ -244,7 +246,7 @@ TYPED_TEST_P(OneClientOfAService, IsServedWhenAnEarlierServiceGoes) {
     EXPECT_THAT(this->mClient->Calls(), testing::ElementsAre(this->kCall));
 }
 
-TYPED_TEST_P(OneClientOfAService, IsServedWhenALaterServiceGoes) {
+TYPED_TEST_P(OneClientOfAService, IsServedWhenALaterServiceIsDestroyed) {
     this->Register(this->mClient);
     android::sp<typename TestFixture::Service> later = new typename TestFixture::Service;
     later.clear();
@@ -252,8 +254,8 @@ TYPED_TEST_P(OneClientOfAService, IsServedWhenALaterServiceGoes) {
     EXPECT_THAT(this->mClient->Calls(), testing::ElementsAre(this->kCall));
 }
 
-REGISTER_TYPED_TEST_SUITE_P(OneClientOfAService, IsToldNothingOnceMonitoringHasStopped,
-                            IsToldNothingOnceTheServiceHasGone, IsServedWhenAnEarlierServiceGoes,
-                            IsServedWhenALaterServiceGoes);
+REGISTER_TYPED_TEST_SUITE_P(OneClientOfAService, IsNotCalledOnceMonitoringHasStopped,
+                            IsNotCalledOnceTheServiceIsDestroyed, IsServedWhenAnEarlierServiceIsDestroyed,
+                            IsServedWhenALaterServiceIsDestroyed);
 
 }  // namespace hbbtv::test

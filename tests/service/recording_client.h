@@ -1,4 +1,4 @@
-// A client's callback that keeps what it is told, one line per call, and what is linked to its death.
+// A client's callback that records its calls, one line each, and the death recipients that are linked to it.
 #pragma once
 
 #include <android/hidl/base/1.0/IBase.h>
@@ -26,20 +26,20 @@ class RecordingClient : public Callback {
         return mCalls;
     }
 
-    // Recipients that are linked now.
+    // Returns the recipients that are linked now.
     std::vector<android::sp<Recipient>> Linked() const {
         std::lock_guard<std::mutex> lock(mMutex);
         return mLinked;
     }
 
-    // Tells the linked recipients that this client's process has ended.
+    // Notifies the linked recipients that this client's process has died.
     void Die() {
         for (const android::sp<Recipient>& recipient : Linked()) {
             recipient->serviceDied(0, android::wp<android::hidl::base::V1_0::IBase>(this));
         }
     }
 
-    // Calls `hook` when the next recipient is linked (or unlinked), while the service is at it.
+    // Calls `hook` during the next linking (or unlinking) of a recipient.
     void WhenLinked(std::function<void()> hook) {
         std::lock_guard<std::mutex> lock(mMutex);
         mWhenLinked = std::move(hook);
@@ -77,7 +77,7 @@ class RecordingClient : public Callback {
     }
 
   protected:
-    // "name value value ..."; numbers in decimal, texts as they are.
+    // Records "name value value ...": numbers in decimal, strings unchanged.
     template <typename... Values>
     Return<void> Note(const char* name, const Values&... values) {
         std::ostringstream line;

@@ -1,5 +1,5 @@
-// What the tests of a service's events share: the service in this process with a client of it, and the platform at the
-// other end of real sockets.
+// Shared by the tests of services' events: the service and its client in this process, and a platform at the other end
+// of real sockets.
 #pragma once
 
 #include <android/log.h>
@@ -16,10 +16,10 @@
 
 namespace hbbtv::test {
 
-// What a client is to the death recipient that is linked to it.
+// The type of a client for its death recipient.
 using IBase = android::hidl::base::V1_0::IBase;
 
-// Lines of every service that watches its clients.
+// The log lines of all services that watch their clients.
 inline constexpr char kStarted[] = "ClientDeathRecipient::StartMonitor";
 inline constexpr char kStopped[] = "ClientDeathRecipient::StopMonitor";
 inline constexpr char kDied[] = "ClientDeathRecipient::serviceDied - client died";
@@ -31,19 +31,19 @@ class ServiceEvents : public testing::Test {
     using Service = TheService;
     using Client = TheClient;
 
-    // `socket` is that of the events, `tag` that of the service's lines about its clients.
+    // `socket` is the socket of the events, `tag` the tag of the service's lines about its clients.
     ServiceEvents(const char* socket, const char* tag) : mSocket(socket), mTag(tag) {}
 
-    // A one-way event, as it leaves the platform, until it has been handled.
+    // Sends a one-way event and waits until it has been handled.
     void Send(const std::string& json) { ASSERT_TRUE(Events().Send({json})); }
 
-    // The reply to an event that asks for one.
+    // Sends an event that requires a reply, and returns the reply.
     std::string Ask(const std::string& json) {
         const auto reply = Events().Ask(json);
         return reply ? reply->payload : "no reply";
     }
 
-    // The requests since the platform was last told to forget them, as they came.
+    // Returns the requests since the platform's last ForgetFrames(), in order of arrival.
     std::vector<std::string> Requests() const {
         std::vector<std::string> requests;
         for (const Frame& frame : mPlatform.Frames()) requests.push_back(frame.payload);
@@ -59,7 +59,7 @@ class ServiceEvents : public testing::Test {
     const android::sp<Client> mClient = new Client;
 
   private:
-    // Made when there is an event: before its first use, the adaptor serves no socket.
+    // Created for the first event: before its first use, the adaptor does not serve a socket.
     EventConnection& Events() {
         if (mEvents == nullptr) mEvents = std::make_unique<EventConnection>(mDirectory / mSocket, UnderTest().port);
         return *mEvents;

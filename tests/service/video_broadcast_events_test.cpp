@@ -41,7 +41,7 @@ class VideoBroadcastEvents : public ServiceEvents<VideoBroadcast, RecordingVideo
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(VideoBroadcastClient, OneClient, VideoBroadcastEvents);
-INSTANTIATE_TYPED_TEST_SUITE_P(VideoBroadcastClient, OneClientThatMayLeave, VideoBroadcastEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(VideoBroadcastClient, OneClientThatCanUnregister, VideoBroadcastEvents);
 
 struct EventCase {
     const char* name;

@@ -1,4 +1,4 @@
-// How a message is read from a socket, however its bytes come.
+// Reading a message from a socket, whatever the pieces in which its bytes arrive.
 #include <android/log.h>
 #include <fcntl.h>
 #include <pthread.h>
@@ -47,7 +47,7 @@ std::string Pattern(size_t size) {
     return text;
 }
 
-// Writes the bytes in pieces, each only after the one before it was read.
+// Writes the bytes in pieces, each after the previous one was read.
 Received ReceiveInPieces(const std::string& bytes, const std::function<size_t()>& nextSize) {
     SocketPair pair;
     Received received;
@@ -71,10 +71,10 @@ TEST(RecvInternalSocket, ReadsHeaderAndPayload) {
     const Received received = ReceiveFrom(pair.near.Fd());
     EXPECT_TRUE(received.whole);
     EXPECT_TRUE(received.alive);
-    EXPECT_EQ(3u, received.header.size);
-    EXPECT_EQ(TOLM_IPC_MSG_SYNC, received.header.type);
-    EXPECT_EQ(0x01020304, received.header.port);
-    EXPECT_EQ("abc", received.Text());
+    EXPECT_EQ(received.header.size, 3u);
+    EXPECT_EQ(received.header.type, TOLM_IPC_MSG_SYNC);
+    EXPECT_EQ(received.header.port, 0x01020304);
+    EXPECT_EQ(received.Text(), "abc");
 }
 
 TEST(RecvInternalSocket, ReadsAnyTypeAndPort) {
@@ -84,8 +84,8 @@ TEST(RecvInternalSocket, ReadsAnyTypeAndPort) {
         const Received received = ReceiveFrom(pair.near.Fd());
         EXPECT_TRUE(received.whole);
         EXPECT_EQ(type, static_cast<int>(received.header.type));
-        EXPECT_EQ(-7, received.header.port);
-        EXPECT_EQ("x", received.Text());
+        EXPECT_EQ(received.header.port, -7);
+        EXPECT_EQ(received.Text(), "x");
     }
 }
 
@@ -95,8 +95,8 @@ TEST(RecvInternalSocket, ReadsAMessageInPiecesOfEverySizeThatMatters) {
         const Received received = ReceiveInPieces(FrameBytes(1, 7, payload), [size] { return size; });
         EXPECT_TRUE(received.whole) << size;
         EXPECT_TRUE(received.alive) << size;
-        EXPECT_EQ(7, received.header.port) << size;
-        EXPECT_EQ(payload, received.Text()) << size;
+        EXPECT_EQ(received.header.port, 7) << size;
+        EXPECT_EQ(received.Text(), payload) << size;
     }
 }
 
@@ -107,7 +107,7 @@ TEST(RecvInternalSocket, ReadsAMessageInPiecesOfRandomSizes) {
         const Received received = ReceiveInPieces(FrameBytes(2, round, payload), [&] { return 1 + random() % 700; });
         EXPECT_TRUE(received.whole);
         EXPECT_EQ(round, received.header.port);
-        EXPECT_EQ(payload, received.Text());
+        EXPECT_EQ(received.Text(), payload);
     }
 }
 
@@ -117,19 +117,19 @@ TEST(RecvInternalSocket, ReadsAHeaderThatIsCutAnywhere) {
         const Received received = ReceiveInPieces(FrameBytes(2, 0x01020304, "abc"),
                                                   [&] { return std::exchange(first, false) ? cut : size_t{100}; });
         EXPECT_TRUE(received.whole) << cut;
-        EXPECT_EQ(3u, received.header.size) << cut;
-        EXPECT_EQ(0x01020304, received.header.port) << cut;
-        EXPECT_EQ("abc", received.Text()) << cut;
+        EXPECT_EQ(received.header.size, 3u) << cut;
+        EXPECT_EQ(received.header.port, 0x01020304) << cut;
+        EXPECT_EQ(received.Text(), "abc") << cut;
     }
 }
 
-TEST(RecvInternalSocket, LeavesTheNextMessageWhereItIs) {
+TEST(RecvInternalSocket, DoesNotReadTheNextMessage) {
     SocketPair pair;
     ASSERT_TRUE(pair.far.Write(FrameBytes(1, 7, "first") + FrameBytes(2, 8, "second")));
-    EXPECT_EQ("first", ReceiveFrom(pair.near.Fd()).Text());
+    EXPECT_EQ(ReceiveFrom(pair.near.Fd()).Text(), "first");
     const Received second = ReceiveFrom(pair.near.Fd());
-    EXPECT_EQ("second", second.Text());
-    EXPECT_EQ(8, second.header.port);
+    EXPECT_EQ(second.Text(), "second");
+    EXPECT_EQ(second.header.port, 8);
 }
 
 TEST(RecvInternalSocket, AppendsToThePayload) {
@@ -140,10 +140,10 @@ TEST(RecvInternalSocket, AppendsToThePayload) {
     bool alive = true;
     EXPECT_TRUE(RecvInternalSocket(pair.near.Fd(), header, payload, alive));
     EXPECT_TRUE(RecvInternalSocket(pair.near.Fd(), header, payload, alive));
-    EXPECT_EQ("first" + Pattern(2000), std::string(payload.begin(), payload.end()));
+    EXPECT_EQ(std::string(payload.begin(), payload.end()), "first" + Pattern(2000));
 }
 
-TEST(RecvInternalSocket, TakesSize0ForAClosedPeer) {
+TEST(RecvInternalSocket, TreatsSize0AsAClosedPeer) {
     const LogCapture log;
     const StdoutCapture out;
     SocketPair pair;
@@ -152,13 +152,13 @@ TEST(RecvInternalSocket, TakesSize0ForAClosedPeer) {
     EXPECT_FALSE(received.whole);
     EXPECT_FALSE(received.alive);
     EXPECT_TRUE(received.payload.empty());
-    EXPECT_EQ(3, received.header.type);
-    ASSERT_EQ(1u, log.Lines().size()) << log.Text();
-    EXPECT_EQ(1, log.Count(ANDROID_LOG_WARN, "tolm_IPC", "peer closed!")) << log.Text();
-    EXPECT_EQ("tolm_IPC \"peer closed!\"\n", out.Text());
+    EXPECT_EQ(received.header.type, 3);
+    ASSERT_EQ(log.Lines().size(), 1u) << log.Text();
+    EXPECT_EQ(log.Count(ANDROID_LOG_WARN, "tolm_IPC", "peer closed!"), 1) << log.Text();
+    EXPECT_EQ(out.Text(), "tolm_IPC \"peer closed!\"\n");
 }
 
-TEST(RecvInternalSocket, ReportsAPeerThatGoesAfterEachByteOfTheMessage) {
+TEST(RecvInternalSocket, ReportsAPeerThatClosesAfterAnyByteOfTheMessage) {
     const std::string payload = Pattern(1030);
     const std::string bytes = FrameBytes(1, 7, payload);
     for (size_t cut = 0; cut < bytes.size(); ++cut) {
@@ -171,8 +171,8 @@ TEST(RecvInternalSocket, ReportsAPeerThatGoesAfterEachByteOfTheMessage) {
         ASSERT_FALSE(received.whole) << cut;
         ASSERT_FALSE(received.alive) << cut;
         ASSERT_EQ(cut > 12 ? payload.substr(0, cut - 12) : "", received.Text()) << cut;
-        ASSERT_EQ(1u, log.Lines().size()) << log.Text();
-        ASSERT_EQ(1, log.Count(ANDROID_LOG_WARN, "tolm_IPC", "peer closed!")) << log.Text();
+        ASSERT_EQ(log.Lines().size(), 1u) << log.Text();
+        ASSERT_EQ(log.Count(ANDROID_LOG_WARN, "tolm_IPC", "peer closed!"), 1) << log.Text();
     }
 }
 
@@ -184,7 +184,7 @@ TEST(RecvInternalSocket, NeverSetsAliveToTrueAndLogsNothingOnSuccess) {
     received.alive = false;
     EXPECT_TRUE(RecvInternalSocket(pair.near.Fd(), received.header, received.payload, received.alive));
     EXPECT_FALSE(received.alive);
-    EXPECT_EQ(0u, log.Lines().size()) << log.Text();
+    EXPECT_EQ(log.Lines().size(), 0u) << log.Text();
 }
 
 TEST(RecvInternalSocket, ReportsAnErrorInTheHeaderWithAFullWidthColon) {
@@ -193,14 +193,14 @@ TEST(RecvInternalSocket, ReportsAnErrorInTheHeaderWithAFullWidthColon) {
     const Received received = ReceiveFrom(-1);
     EXPECT_FALSE(received.whole);
     EXPECT_TRUE(received.alive);
-    ASSERT_EQ(1u, log.Lines().size()) << log.Text();
-    EXPECT_EQ(1, log.Count(ANDROID_LOG_WARN, "tolm_IPC", "Recv Error\xEF\xBC\x9A:Bad file descriptor")) << log.Text();
-    EXPECT_EQ("tolm_ipc_internal_socket.cpp", log.Lines()[0].file);
-    EXPECT_EQ("tolm_IPC \"Recv Error\xEF\xBC\x9A:Bad file descriptor\"\n", out.Text());
+    ASSERT_EQ(log.Lines().size(), 1u) << log.Text();
+    EXPECT_EQ(log.Count(ANDROID_LOG_WARN, "tolm_IPC", "Recv Error\xEF\xBC\x9A:Bad file descriptor"), 1) << log.Text();
+    EXPECT_EQ(log.Lines()[0].file, "tolm_ipc_internal_socket.cpp");
+    EXPECT_EQ(out.Text(), "tolm_IPC \"Recv Error\xEF\xBC\x9A:Bad file descriptor\"\n");
 }
 
-// A socket that does not wait fails where the bytes end.
-TEST(RecvInternalSocket, GivesNoPartOfAHeaderThatEndsInAnError) {
+// A non-blocking socket fails where the bytes end.
+TEST(RecvInternalSocket, LeavesTheHeaderUnchangedIfItEndsInAnError) {
     for (size_t cut = 0; cut < 12; ++cut) {
         const LogCapture log;
         const StdoutCapture out;
@@ -209,15 +209,15 @@ TEST(RecvInternalSocket, GivesNoPartOfAHeaderThatEndsInAnError) {
         const Received received = ReceiveFrom(pair.near.Fd());
         EXPECT_FALSE(received.whole);
         EXPECT_TRUE(received.alive);
-        EXPECT_EQ(0u, received.header.size) << cut;
-        EXPECT_EQ(0, received.header.type) << cut;
-        EXPECT_EQ(0, received.header.port) << cut;
-        EXPECT_EQ(1, log.Count(ANDROID_LOG_WARN, "tolm_IPC", "Recv Error\xEF\xBC\x9A:Resource temporarily unavailable"))
+        EXPECT_EQ(received.header.size, 0u) << cut;
+        EXPECT_EQ(received.header.type, 0) << cut;
+        EXPECT_EQ(received.header.port, 0) << cut;
+        EXPECT_EQ(log.Count(ANDROID_LOG_WARN, "tolm_IPC", "Recv Error\xEF\xBC\x9A:Resource temporarily unavailable"), 1)
             << log.Text();
     }
 }
 
-TEST(RecvInternalSocket, ReportsAnErrorInThePayloadAndKeepsWhatCame) {
+TEST(RecvInternalSocket, ReportsAnErrorInThePayloadAndKeepsThePartThatArrived) {
     const LogCapture log;
     const StdoutCapture out;
     SocketPair pair(SOCK_STREAM | SOCK_NONBLOCK);
@@ -225,18 +225,18 @@ TEST(RecvInternalSocket, ReportsAnErrorInThePayloadAndKeepsWhatCame) {
     const Received received = ReceiveFrom(pair.near.Fd());
     EXPECT_FALSE(received.whole);
     EXPECT_TRUE(received.alive);
-    EXPECT_EQ(TOLM_IPC_MSG_ASYNC, received.header.type);
-    EXPECT_EQ("abc", received.Text());
-    ASSERT_EQ(1u, log.Lines().size()) << log.Text();
-    EXPECT_EQ(1, log.Count(ANDROID_LOG_ERROR, "tolm_IPC", "Recv Error: Resource temporarily unavailable"))
+    EXPECT_EQ(received.header.type, TOLM_IPC_MSG_ASYNC);
+    EXPECT_EQ(received.Text(), "abc");
+    ASSERT_EQ(log.Lines().size(), 1u) << log.Text();
+    EXPECT_EQ(log.Count(ANDROID_LOG_ERROR, "tolm_IPC", "Recv Error: Resource temporarily unavailable"), 1)
         << log.Text();
-    EXPECT_EQ("tolm_IPC \"Recv Error: Resource temporarily unavailable\"\n", out.Text());
+    EXPECT_EQ(out.Text(), "tolm_IPC \"Recv Error: Resource temporarily unavailable\"\n");
 }
 
-TEST(RecvInternalSocket, GoesOnAfterASignal) {
+TEST(RecvInternalSocket, ContinuesAfterASignal) {
     struct sigaction action {};
     action.sa_handler = [](int) {};
-    ASSERT_EQ(0, sigaction(SIGUSR1, &action, nullptr));  // without SA_RESTART
+    ASSERT_EQ(sigaction(SIGUSR1, &action, nullptr), 0);  // without SA_RESTART
     const std::string payload = Pattern(300);
     SocketPair pair;
     Received received;
@@ -253,14 +253,14 @@ TEST(RecvInternalSocket, GoesOnAfterASignal) {
     receiver.join();
     EXPECT_TRUE(received.whole);
     EXPECT_TRUE(received.alive);
-    EXPECT_EQ(payload, received.Text());
+    EXPECT_EQ(received.Text(), payload);
 }
 
-TEST(SocketAddress, CutsAPathAt107Characters) {
-    EXPECT_EQ(std::string(107, 'x'), tolm::SocketAddress(std::string(300, 'x')).sun_path);
-    EXPECT_EQ(std::string(106, 'x'), tolm::SocketAddress(std::string(106, 'x')).sun_path);
-    EXPECT_EQ(AF_UNIX, tolm::SocketAddress("/tmp/x").sun_family);
-    EXPECT_EQ(110u, sizeof(tolm::SocketAddress("/tmp/x")));
+TEST(SocketAddress, TruncatesAPathTo107Characters) {
+    EXPECT_EQ(tolm::SocketAddress(std::string(300, 'x')).sun_path, std::string(107, 'x'));
+    EXPECT_EQ(tolm::SocketAddress(std::string(106, 'x')).sun_path, std::string(106, 'x'));
+    EXPECT_EQ(tolm::SocketAddress("/tmp/x").sun_family, AF_UNIX);
+    EXPECT_EQ(sizeof(tolm::SocketAddress("/tmp/x")), 110u);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// How a message is written to a socket.
+// Writing a message to a socket.
 #include <android/log.h>
 #include <fcntl.h>
 #include <pthread.h>
@@ -50,10 +50,9 @@ TEST(SendInternalSocket, WritesAHeaderOfThreeLittleEndianNumbersAndThePayload) {
     bool alive = true;
     ASSERT_TRUE(SendInternalSocket(pair.near.Fd(), 0x01020304, TOLM_IPC_MSG_SYNC, Bytes("abc"), alive));
     pair.near.Close();
-    EXPECT_EQ(std::string("\x03\0\0\0\x02\0\0\0\x04\x03\x02\x01"
-                          "abc",
-                          15),
-              pair.far.Read(100));
+    EXPECT_EQ(pair.far.Read(100), std::string("\x03\0\0\0\x02\0\0\0\x04\x03\x02\x01"
+                                              "abc",
+                                              15));
 }
 
 TEST(SendInternalSocket, WritesANegativePortAndAnEmptyPayload) {
@@ -61,18 +60,18 @@ TEST(SendInternalSocket, WritesANegativePortAndAnEmptyPayload) {
     bool alive = true;
     ASSERT_TRUE(SendInternalSocket(pair.near.Fd(), -2, TOLM_IPC_MSG_REPLY, {}, alive));
     pair.near.Close();
-    EXPECT_EQ(std::string("\0\0\0\0\x03\0\0\0\xfe\xff\xff\xff", 12), pair.far.Read(100));
+    EXPECT_EQ(pair.far.Read(100), std::string("\0\0\0\0\x03\0\0\0\xfe\xff\xff\xff", 12));
     EXPECT_TRUE(alive);
 }
 
 TEST(SendInternalSocket, WritesChunksOfAtMost1024BytesOverHeaderAndPayload) {
-    EXPECT_EQ((std::vector<size_t>{1024, 1024, 964}), SizesOfWrites(3000));
-    EXPECT_EQ((std::vector<size_t>{12}), SizesOfWrites(0));
-    EXPECT_EQ((std::vector<size_t>{13}), SizesOfWrites(1));
-    EXPECT_EQ((std::vector<size_t>{1023}), SizesOfWrites(1011));
-    EXPECT_EQ((std::vector<size_t>{1024}), SizesOfWrites(1012));
-    EXPECT_EQ((std::vector<size_t>{1024, 1}), SizesOfWrites(1013));
-    EXPECT_EQ((std::vector<size_t>{1024, 1024}), SizesOfWrites(2036));
+    EXPECT_EQ(SizesOfWrites(3000), (std::vector<size_t>{1024, 1024, 964}));
+    EXPECT_EQ(SizesOfWrites(0), (std::vector<size_t>{12}));
+    EXPECT_EQ(SizesOfWrites(1), (std::vector<size_t>{13}));
+    EXPECT_EQ(SizesOfWrites(1011), (std::vector<size_t>{1023}));
+    EXPECT_EQ(SizesOfWrites(1012), (std::vector<size_t>{1024}));
+    EXPECT_EQ(SizesOfWrites(1013), (std::vector<size_t>{1024, 1}));
+    EXPECT_EQ(SizesOfWrites(2036), (std::vector<size_t>{1024, 1024}));
 }
 
 TEST(SendInternalSocket, KeepsThePayloadOfEverySizeAroundAChunk) {
@@ -86,33 +85,33 @@ TEST(SendInternalSocket, KeepsThePayloadOfEverySizeAroundAChunk) {
         sender.join();
         ASSERT_TRUE(frame.has_value()) << size;
         EXPECT_EQ(Pattern(size), frame->payload) << size;
-        EXPECT_EQ(7, frame->port);
-        EXPECT_EQ(1, frame->type);
+        EXPECT_EQ(frame->port, 7);
+        EXPECT_EQ(frame->type, 1);
     }
 }
 
-TEST(SendInternalSocket, ReportsAPeerThatHasGoneWithoutASignal) {
+TEST(SendInternalSocket, ReportsAClosedPeerWithoutASignal) {
     const LogCapture log;
     const StdoutCapture out;
     struct sigaction action {};
-    ASSERT_EQ(0, sigaction(SIGPIPE, nullptr, &action));
-    ASSERT_EQ(SIG_DFL, action.sa_handler);  // a SIGPIPE would end this process
+    ASSERT_EQ(sigaction(SIGPIPE, nullptr, &action), 0);
+    ASSERT_EQ(action.sa_handler, SIG_DFL);  // a SIGPIPE would end this process
     SocketPair pair;
     pair.far.Close();
     bool alive = true;
     EXPECT_FALSE(SendInternalSocket(pair.near.Fd(), 7, TOLM_IPC_MSG_ASYNC, Bytes("abc"), alive));
     EXPECT_FALSE(alive);
-    ASSERT_EQ(1u, log.Lines().size()) << log.Text();
+    ASSERT_EQ(log.Lines().size(), 1u) << log.Text();
     const LogLine line = log.Lines()[0];
-    EXPECT_EQ(ANDROID_LOG_WARN, line.priority);
-    EXPECT_EQ("tolm_IPC", line.tag);
-    EXPECT_EQ("tolm_ipc_internal_socket.cpp", line.file);
+    EXPECT_EQ(line.priority, ANDROID_LOG_WARN);
+    EXPECT_EQ(line.tag, "tolm_IPC");
+    EXPECT_EQ(line.file, "tolm_ipc_internal_socket.cpp");
     EXPECT_GT(line.line, 0);
-    EXPECT_EQ("peer closed!", line.message);
-    EXPECT_EQ("tolm_IPC \"peer closed!\"\n", out.Text());
+    EXPECT_EQ(line.message, "peer closed!");
+    EXPECT_EQ(out.Text(), "tolm_IPC \"peer closed!\"\n");
 }
 
-TEST(SendInternalSocket, ReportsAPeerThatGoesWhileMuchIsWritten) {
+TEST(SendInternalSocket, ReportsAPeerThatClosesDuringALargeWrite) {
     const LogCapture log;
     const StdoutCapture out;
     SocketPair pair;
@@ -120,29 +119,29 @@ TEST(SendInternalSocket, ReportsAPeerThatGoesWhileMuchIsWritten) {
     bool sent = true;
     std::thread sender(
         [&] { sent = SendInternalSocket(pair.near.Fd(), 7, TOLM_IPC_MSG_ASYNC, Bytes(Pattern(8 << 20)), alive); });
-    EXPECT_EQ(5000u, pair.far.Read(5000).size());
+    EXPECT_EQ(pair.far.Read(5000).size(), 5000u);
     pair.far.Close();
     sender.join();
     EXPECT_FALSE(sent);
-    // The close with unread bytes behind it comes as a reset or as a broken pipe.
+    // Closing with unread bytes is reported as a reset or as a broken pipe.
     if (alive) {
-        EXPECT_EQ(1, log.Count(ANDROID_LOG_ERROR, "tolm_IPC", "Send Error: Connection reset by peer")) << log.Text();
+        EXPECT_EQ(log.Count(ANDROID_LOG_ERROR, "tolm_IPC", "Send Error: Connection reset by peer"), 1) << log.Text();
     } else {
-        EXPECT_EQ(1, log.Count(ANDROID_LOG_WARN, "tolm_IPC", "peer closed!")) << log.Text();
+        EXPECT_EQ(log.Count(ANDROID_LOG_WARN, "tolm_IPC", "peer closed!"), 1) << log.Text();
     }
 }
 
-TEST(SendInternalSocket, ReportsAnyOtherErrorAndLeavesAliveAsItWas) {
+TEST(SendInternalSocket, ReportsAnyOtherErrorAndLeavesAliveUnchanged) {
     for (const bool before : {true, false}) {
         const LogCapture log;
         const StdoutCapture out;
         bool alive = before;
         EXPECT_FALSE(SendInternalSocket(-1, 7, TOLM_IPC_MSG_ASYNC, Bytes("abc"), alive));
-        EXPECT_EQ(before, alive);
-        ASSERT_EQ(1u, log.Lines().size()) << log.Text();
-        EXPECT_EQ(1, log.Count(ANDROID_LOG_ERROR, "tolm_IPC", "Send Error: Bad file descriptor")) << log.Text();
-        EXPECT_EQ("SendInternalSocket", log.Lines()[0].function);
-        EXPECT_EQ("tolm_IPC \"Send Error: Bad file descriptor\"\n", out.Text());
+        EXPECT_EQ(alive, before);
+        ASSERT_EQ(log.Lines().size(), 1u) << log.Text();
+        EXPECT_EQ(log.Count(ANDROID_LOG_ERROR, "tolm_IPC", "Send Error: Bad file descriptor"), 1) << log.Text();
+        EXPECT_EQ(log.Lines()[0].function, "SendInternalSocket");
+        EXPECT_EQ(out.Text(), "tolm_IPC \"Send Error: Bad file descriptor\"\n");
     }
 }
 
@@ -152,13 +151,13 @@ TEST(SendInternalSocket, NeverSetsAliveToTrueAndLogsNothingOnSuccess) {
     bool alive = false;
     EXPECT_TRUE(SendInternalSocket(pair.near.Fd(), 7, TOLM_IPC_MSG_ASYNC, Bytes("abc"), alive));
     EXPECT_FALSE(alive);
-    EXPECT_EQ(0u, log.Lines().size()) << log.Text();
+    EXPECT_EQ(log.Lines().size(), 0u) << log.Text();
 }
 
-TEST(SendInternalSocket, GoesOnAfterASignal) {
+TEST(SendInternalSocket, ContinuesAfterASignal) {
     struct sigaction action {};
     action.sa_handler = [](int) {};
-    ASSERT_EQ(0, sigaction(SIGUSR1, &action, nullptr));  // without SA_RESTART
+    ASSERT_EQ(sigaction(SIGUSR1, &action, nullptr), 0);  // without SA_RESTART
     SocketPair pair;
     const std::string payload = Pattern(4 << 20);
     std::atomic<bool> done{false};
@@ -177,7 +176,7 @@ TEST(SendInternalSocket, GoesOnAfterASignal) {
     }
     sender.join();
     EXPECT_TRUE(sent);
-    EXPECT_EQ(payload, received.substr(12));
+    EXPECT_EQ(received.substr(12), payload);
 }
 
 }  // namespace

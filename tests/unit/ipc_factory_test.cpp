@@ -1,4 +1,4 @@
-// Which clients and servers the factory makes, and what it says of it.
+// The clients and servers that the factory creates, and its log lines.
 #include <android/log.h>
 
 #include <gtest/gtest.h>
@@ -28,77 +28,77 @@ TolmIpcType Type(int number) {
     return static_cast<TolmIpcType>(number);
 }
 
-// All lines are errors of the socket layer, with these messages.
+// Expects that all lines are errors of the socket layer with these messages.
 void ExpectErrors(const LogCapture& log, const std::vector<std::string>& messages, const char* function) {
     ASSERT_EQ(messages.size(), log.Lines().size()) << log.Text();
     for (size_t i = 0; i < messages.size(); ++i) {
         const LogLine line = log.Lines()[i];
-        EXPECT_EQ(ANDROID_LOG_ERROR, line.priority);
-        EXPECT_EQ("tolm_IPC", line.tag);
-        EXPECT_EQ("tolm_ipc_factory.cpp", line.file);
+        EXPECT_EQ(line.priority, ANDROID_LOG_ERROR);
+        EXPECT_EQ(line.tag, "tolm_IPC");
+        EXPECT_EQ(line.file, "tolm_ipc_factory.cpp");
         EXPECT_EQ(function, line.function);
         EXPECT_EQ(messages[i], line.message);
     }
 }
 
-TEST(IpcFactory, MakesASocketClientAndSaysSoAsAnError) {
+TEST(IpcFactory, CreatesASocketClientAndLogsItAsAnError) {
     const ScratchDirectory directory;
     const LogCapture log;
     const StdoutCapture out;
-    EXPECT_NE(nullptr, Factory().CreateIpcClient(kKey, 7, TOLM_IPC_TYPE_SOCKET));
+    EXPECT_NE(Factory().CreateIpcClient(kKey, 7, TOLM_IPC_TYPE_SOCKET), nullptr);
     ExpectErrors(log, {"Create socket client"}, "CreateIpcClient");
-    EXPECT_EQ("tolm_IPC \"Create socket client\"\n", out.Text());
+    EXPECT_EQ(out.Text(), "tolm_IPC \"Create socket client\"\n");
 }
 
-TEST(IpcFactory, MakesASocketServerAndSaysSoAsAnError) {
+TEST(IpcFactory, CreatesASocketServerAndLogsItAsAnError) {
     const ScratchDirectory directory;
     tolm::TolmIpcServerDelegate delegate;
     const LogCapture log;
     const StdoutCapture out;
-    EXPECT_NE(nullptr, Factory().CreateIpcServer(kKey, &delegate, TOLM_IPC_TYPE_SOCKET));
-    EXPECT_EQ(1, log.Count(ANDROID_LOG_ERROR, "tolm_IPC", "Create socket server")) << log.Text();
+    EXPECT_NE(Factory().CreateIpcServer(kKey, &delegate, TOLM_IPC_TYPE_SOCKET), nullptr);
+    EXPECT_EQ(log.Count(ANDROID_LOG_ERROR, "tolm_IPC", "Create socket server"), 1) << log.Text();
     EXPECT_TRUE(out.HasLine("tolm_IPC \"Create socket server\""));
 }
 
-TEST(IpcFactory, MakesNoClientOfType0) {
+TEST(IpcFactory, DoesNotCreateAClientOfType0) {
     const LogCapture log;
     const StdoutCapture out;
-    EXPECT_EQ(nullptr, Factory().CreateIpcClient(kKey, 7, Type(0)));
+    EXPECT_EQ(Factory().CreateIpcClient(kKey, 7, Type(0)), nullptr);
     ExpectErrors(log, {"Create ipc client error"}, "CreateIpcClient");
-    EXPECT_EQ("tolm_IPC \"Create ipc client error\"\n", out.Text());
+    EXPECT_EQ(out.Text(), "tolm_IPC \"Create ipc client error\"\n");
 }
 
-TEST(IpcFactory, MakesNoServerOfType0) {
+TEST(IpcFactory, DoesNotCreateAServerOfType0) {
     tolm::TolmIpcServerDelegate delegate;
     const LogCapture log;
     const StdoutCapture out;
-    EXPECT_EQ(nullptr, Factory().CreateIpcServer(kKey, &delegate, Type(0)));
+    EXPECT_EQ(Factory().CreateIpcServer(kKey, &delegate, Type(0)), nullptr);
     ExpectErrors(log, {"Create ipc server error"}, "CreateIpcServer");
-    EXPECT_EQ("tolm_IPC \"Create ipc server error\"\n", out.Text());
+    EXPECT_EQ(out.Text(), "tolm_IPC \"Create ipc server error\"\n");
 }
 
-TEST(IpcFactory, MakesNoClientOfAnyOtherTypeAndLogsTwice) {
+TEST(IpcFactory, DoesNotCreateAClientOfAnotherTypeAndLogsTwice) {
     for (const int type : {2, 3, -1, 1000}) {
         const LogCapture log;
         const StdoutCapture out;
-        EXPECT_EQ(nullptr, Factory().CreateIpcClient(kKey, 7, Type(type)));
+        EXPECT_EQ(Factory().CreateIpcClient(kKey, 7, Type(type)), nullptr);
         ExpectErrors(log, {"Create ipc client type error", "Create ipc client error"}, "CreateIpcClient");
-        EXPECT_EQ("tolm_IPC \"Create ipc client type error\"\ntolm_IPC \"Create ipc client error\"\n", out.Text());
+        EXPECT_EQ(out.Text(), "tolm_IPC \"Create ipc client type error\"\ntolm_IPC \"Create ipc client error\"\n");
     }
 }
 
-TEST(IpcFactory, MakesNoServerOfAnyOtherTypeAndLogsTwice) {
+TEST(IpcFactory, DoesNotCreateAServerOfAnotherTypeAndLogsTwice) {
     tolm::TolmIpcServerDelegate delegate;
     for (const int type : {2, 3, -1, 1000}) {
         const LogCapture log;
         const StdoutCapture out;
-        EXPECT_EQ(nullptr, Factory().CreateIpcServer(kKey, &delegate, Type(type)));
+        EXPECT_EQ(Factory().CreateIpcServer(kKey, &delegate, Type(type)), nullptr);
         ExpectErrors(log, {"Create ipc server type error", "Create ipc server error"}, "CreateIpcServer");
-        EXPECT_EQ("tolm_IPC \"Create ipc server type error\"\ntolm_IPC \"Create ipc server error\"\n", out.Text());
+        EXPECT_EQ(out.Text(), "tolm_IPC \"Create ipc server type error\"\ntolm_IPC \"Create ipc server error\"\n");
     }
 }
 
-TEST(IpcFactory, IsOneForAllThreads) {
+TEST(IpcFactory, IsTheSameForAllThreads) {
     std::vector<TolmIpcFactory*> seen(8);
     std::vector<std::thread> threads;
     for (TolmIpcFactory*& instance : seen) {

@@ -1,5 +1,4 @@
-// What counts as a JSON document, and that nothing which a peer may write makes the parser throw: on the device that
-// would end the process.
+// Which texts are JSON documents, and that no text makes the parser throw: on the device, that would end the process.
 #include <json/json.h>
 
 #include <gtest/gtest.h>
@@ -21,7 +20,7 @@ bool Parses(const std::string& text) {
     return Parses(text, document);
 }
 
-// jsoncpp's own word on a text; giving up by throwing counts as no.
+// Returns whether jsoncpp's reader accepts a text. An exception counts as no.
 bool ReaderAccepts(const std::string& text) {
     Json::Value document;
     Json::Reader reader;
@@ -57,15 +56,15 @@ std::string InBoth(int depth, const std::string& inner) {
 }
 
 void ExpectParses(bool expected, const std::string& text, const char* what) {
-    EXPECT_EQ(expected, Parses(text)) << what;
-    EXPECT_EQ(expected, ReaderAccepts(text)) << "jsoncpp: " << what;
+    EXPECT_EQ(Parses(text), expected) << what;
+    EXPECT_EQ(ReaderAccepts(text), expected) << "jsoncpp: " << what;
 }
 
 TEST(ParseJson, ReadsAnObject) {
     Json::Value document;
     ASSERT_TRUE(Parses("{\"ret\" : 3, \"name\" : \"x\"}\n", document));
-    EXPECT_EQ(3, document["ret"].asInt());
-    EXPECT_EQ("x", document["name"].asString());
+    EXPECT_EQ(document["ret"].asInt(), 3);
+    EXPECT_EQ(document["name"].asString(), "x");
 }
 
 TEST(ParseJson, ReadsEveryKindOfValueAsADocument) {
@@ -77,17 +76,17 @@ TEST(ParseJson, ReadsEveryKindOfValueAsADocument) {
 TEST(ParseJson, CollectsComments) {
     Json::Value document;
     ASSERT_TRUE(Parses("// before\n{\"a\": 1}", document));
-    EXPECT_EQ("// before", document.getComment(Json::commentBefore));
+    EXPECT_EQ(document.getComment(Json::commentBefore), "// before");
 }
 
-TEST(ParseJson, LeavesNothingOfTheDocumentBefore) {
+TEST(ParseJson, ReplacesThePreviousDocument) {
     Json::Value document;
     ASSERT_TRUE(Parses("{\"a\": 1}", document));
     ASSERT_TRUE(Parses("{\"b\": 2}", document));
     EXPECT_FALSE(document.isMember("a"));
 }
 
-TEST(ParseJson, RefusesDamagedTexts) {
+TEST(ParseJson, RefusesInvalidTexts) {
     for (const char* text : {"",
                              " ",
                              "\n",
@@ -136,21 +135,21 @@ TEST(ParseJson, RefusesDamagedTexts) {
     }
 }
 
-TEST(ParseJson, RefusesAZeroByteOutsideATextAndKeepsAnEscapedOneInside) {
+TEST(ParseJson, RefusesAZeroByteOutsideAStringAndKeepsAnEscapedOneInside) {
     ExpectParses(false, std::string("\0{}", 3), "zero byte before");
     ExpectParses(false, std::string("{\0}", 3), "zero byte inside");
     Json::Value document;
     ASSERT_TRUE(Parses("[\"a\\u0000b\"]", document));
-    EXPECT_EQ(std::string("a\0b", 3), document[0].asString());
+    EXPECT_EQ(document[0].asString(), std::string("a\0b", 3));
 }
 
-TEST(ParseJson, IgnoresWhatIsBehindTheDocument) {
+TEST(ParseJson, IgnoresTextAfterTheDocument) {
     for (const char* text : {"{} x", "{}}", "{}{", "[] 1"}) ExpectParses(true, text, text);
     ExpectParses(true, "{}" + Times(3000, "["), "brackets behind an object");
     ExpectParses(true, InArrays(1000, "") + Times(3000, "["), "brackets behind the deepest array");
 }
 
-TEST(ParseJson, AcceptsAScalarIn999ContainersAndNoneIn1000) {
+TEST(ParseJson, AcceptsAScalarIn999ContainersButNotIn1000) {
     for (const char* scalar : {"1", "null", "\"text\"", "-2.5", "true"}) {
         ExpectParses(true, InArrays(999, scalar), scalar);
         ExpectParses(true, InObjects(999, scalar), scalar);
@@ -163,7 +162,7 @@ TEST(ParseJson, AcceptsAScalarIn999ContainersAndNoneIn1000) {
     }
 }
 
-TEST(ParseJson, AcceptsA1000thEmptyContainerAndNo1001st) {
+TEST(ParseJson, AcceptsA1000thEmptyContainerButNotA1001st) {
     for (const char* empty : {"[]", "{}", "[ ]", "{ }", "[\t\r\n]"}) {
         ExpectParses(true, InArrays(998, empty), empty);
         ExpectParses(true, InArrays(999, empty), empty);
@@ -175,8 +174,8 @@ TEST(ParseJson, AcceptsA1000thEmptyContainerAndNo1001st) {
     }
 }
 
-TEST(ParseJson, RefusesAnInnermostArrayThatDoesNotCloseAtOnce) {
-    // The reader asks for a value here, which would lie too deep, before it looks at what there is.
+TEST(ParseJson, RefusesAnInnermostArrayThatDoesNotCloseImmediately) {
+    // The reader tries to read a value here, which would be nested too deeply, before it looks at the text.
     for (const char* end : {"", " ", "\n"}) ExpectParses(false, Times(1000, "[") + end, "the text's end");
     for (const char* inner : {",", ":", "}", "/", "/**/", "//\n", "\"", "x", "\v]", "\f]"}) {
         ExpectParses(false, Times(1000, "[") + inner, inner);
@@ -193,7 +192,7 @@ TEST(ParseJson, RefusesAnInnermostObjectWithAMember) {
     ExpectParses(true, InObjects(999, "{/* nothing */}"), "a comment in the innermost object");
 }
 
-TEST(ParseJson, DoesNotCountBracketsInTexts) {
+TEST(ParseJson, DoesNotCountBracketsInStrings) {
     const std::string brackets = Times(3000, "[{");
     ExpectParses(true, "\"" + brackets + "\"", "text");
     ExpectParses(true, "{\"" + brackets + "\":\"" + brackets + "\"}", "name and value");
@@ -226,7 +225,7 @@ TEST(ParseJson, SurvivesBracketsThatDoNotMatch) {
     }
 }
 
-TEST(ParseJson, CountsSiblingsNotAsDepth) {
+TEST(ParseJson, DoesNotCountSiblingsAsDepth) {
     ExpectParses(true, "[" + Times(5000, "[],{},") + "[]]", "siblings");
 }
 
@@ -243,7 +242,7 @@ TEST(ParseJson, WorksAfterAFailure) {
     EXPECT_FALSE(Parses(InArrays(1000, "1")));
     Json::Value document;
     ASSERT_TRUE(Parses("{\"a\": 1}", document));
-    EXPECT_EQ("{\n\t\"a\" : 1\n}\n", document.toStyledString());
+    EXPECT_EQ(document.toStyledString(), "{\n\t\"a\" : 1\n}\n");
 }
 
 }  // namespace

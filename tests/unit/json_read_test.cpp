@@ -1,4 +1,4 @@
-// The members of an object as the wire is read: what cannot be converted reads like a missing member.
+// Reading the members of an object: one that cannot be converted reads like a missing one.
 #include <json/json.h>
 
 #include <gtest/gtest.h>
@@ -33,120 +33,120 @@ const Json::Value kMissing = Json::Value(Json::objectValue);
 const double kInfinity = std::numeric_limits<double>::infinity();
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-TEST(ReadInt, GivesIntegersThatFit) {
-    EXPECT_EQ(0, tolm::ReadInt(With(0), "m"));
-    EXPECT_EQ(-1, tolm::ReadInt(With(-1), "m"));
-    EXPECT_EQ(2147483647, tolm::ReadInt(With(2147483647), "m"));
-    EXPECT_EQ(2147483647, tolm::ReadInt(With(2147483647u), "m"));
-    EXPECT_EQ(-2147483647 - 1, tolm::ReadInt(Int64(-2147483648LL), "m"));
+TEST(ReadInt, ReturnsIntegersThatFit) {
+    EXPECT_EQ(tolm::ReadInt(With(0), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt(With(-1), "m"), -1);
+    EXPECT_EQ(tolm::ReadInt(With(2147483647), "m"), 2147483647);
+    EXPECT_EQ(tolm::ReadInt(With(2147483647u), "m"), 2147483647);
+    EXPECT_EQ(tolm::ReadInt(Int64(-2147483648LL), "m"), -2147483647 - 1);
 }
 
-TEST(ReadInt, GivesZeroForIntegersOutOfRange) {
-    EXPECT_EQ(0, tolm::ReadInt(Int64(2147483648LL), "m"));
-    EXPECT_EQ(0, tolm::ReadInt(Int64(-2147483649LL), "m"));
-    EXPECT_EQ(0, tolm::ReadInt(With(4294967295u), "m"));
-    EXPECT_EQ(0, tolm::ReadInt(Int64(9223372036854775807LL), "m"));
-    EXPECT_EQ(0, tolm::ReadInt(UInt64(18446744073709551615ULL), "m"));
+TEST(ReadInt, ReturnsZeroForIntegersOutOfRange) {
+    EXPECT_EQ(tolm::ReadInt(Int64(2147483648LL), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt(Int64(-2147483649LL), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt(With(4294967295u), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt(Int64(9223372036854775807LL), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt(UInt64(18446744073709551615ULL), "m"), 0);
 }
 
-TEST(ReadInt, CutsRealsAndGivesZeroForThoseOutOfRange) {
-    EXPECT_EQ(1, tolm::ReadInt(With(1.5), "m"));
-    EXPECT_EQ(-1, tolm::ReadInt(With(-1.5), "m"));
-    EXPECT_EQ(0, tolm::ReadInt(With(-0.5), "m"));
-    EXPECT_EQ(2147483647, tolm::ReadInt(With(2147483647.0), "m"));
-    EXPECT_EQ(0, tolm::ReadInt(With(2147483648.0), "m"));
-    EXPECT_EQ(0, tolm::ReadInt(With(1e300), "m"));
-    EXPECT_EQ(0, tolm::ReadInt(With(-1e300), "m"));
-    EXPECT_EQ(0, tolm::ReadInt(With(kInfinity), "m"));
-    EXPECT_EQ(0, tolm::ReadInt(With(kNaN), "m"));
+TEST(ReadInt, TruncatesRealsAndReturnsZeroForThoseOutOfRange) {
+    EXPECT_EQ(tolm::ReadInt(With(1.5), "m"), 1);
+    EXPECT_EQ(tolm::ReadInt(With(-1.5), "m"), -1);
+    EXPECT_EQ(tolm::ReadInt(With(-0.5), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt(With(2147483647.0), "m"), 2147483647);
+    EXPECT_EQ(tolm::ReadInt(With(2147483648.0), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt(With(1e300), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt(With(-1e300), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt(With(kInfinity), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt(With(kNaN), "m"), 0);
 }
 
-TEST(ReadInt, GivesZeroForOtherTypesAndOneForTrue) {
+TEST(ReadInt, ReturnsZeroForOtherTypesAndOneForTrue) {
     for (const Json::Value& object : {kText, kEmptyText, kArray, kObject, kNull, kMissing}) {
-        EXPECT_EQ(0, tolm::ReadInt(object, "m"));
+        EXPECT_EQ(tolm::ReadInt(object, "m"), 0);
     }
-    EXPECT_EQ(1, tolm::ReadInt(With(true), "m"));
-    EXPECT_EQ(0, tolm::ReadInt(With(false), "m"));
+    EXPECT_EQ(tolm::ReadInt(With(true), "m"), 1);
+    EXPECT_EQ(tolm::ReadInt(With(false), "m"), 0);
 }
 
-TEST(ReadUInt, GivesIntegersThatFitAndZeroForOthers) {
-    EXPECT_EQ(0u, tolm::ReadUInt(With(0), "m"));
-    EXPECT_EQ(2147483648u, tolm::ReadUInt(Int64(2147483648LL), "m"));
-    EXPECT_EQ(4294967295u, tolm::ReadUInt(With(4294967295u), "m"));
-    EXPECT_EQ(0u, tolm::ReadUInt(With(-1), "m"));
-    EXPECT_EQ(0u, tolm::ReadUInt(Int64(4294967296LL), "m"));
-    EXPECT_EQ(0u, tolm::ReadUInt(UInt64(18446744073709551615ULL), "m"));
-    EXPECT_EQ(0u, tolm::ReadUInt(Int64(-9223372036854775807LL - 1), "m"));
+TEST(ReadUInt, ReturnsIntegersThatFitAndZeroForOthers) {
+    EXPECT_EQ(tolm::ReadUInt(With(0), "m"), 0u);
+    EXPECT_EQ(tolm::ReadUInt(Int64(2147483648LL), "m"), 2147483648u);
+    EXPECT_EQ(tolm::ReadUInt(With(4294967295u), "m"), 4294967295u);
+    EXPECT_EQ(tolm::ReadUInt(With(-1), "m"), 0u);
+    EXPECT_EQ(tolm::ReadUInt(Int64(4294967296LL), "m"), 0u);
+    EXPECT_EQ(tolm::ReadUInt(UInt64(18446744073709551615ULL), "m"), 0u);
+    EXPECT_EQ(tolm::ReadUInt(Int64(-9223372036854775807LL - 1), "m"), 0u);
 }
 
-TEST(ReadUInt, CutsRealsAndGivesZeroForThoseOutOfRange) {
-    EXPECT_EQ(1u, tolm::ReadUInt(With(1.5), "m"));
-    EXPECT_EQ(4294967295u, tolm::ReadUInt(With(4294967295.0), "m"));
-    EXPECT_EQ(0u, tolm::ReadUInt(With(4294967296.0), "m"));
-    EXPECT_EQ(0u, tolm::ReadUInt(With(-0.5), "m"));
-    EXPECT_EQ(0u, tolm::ReadUInt(With(-1.0), "m"));
-    EXPECT_EQ(0u, tolm::ReadUInt(With(kInfinity), "m"));
-    EXPECT_EQ(0u, tolm::ReadUInt(With(kNaN), "m"));
+TEST(ReadUInt, TruncatesRealsAndReturnsZeroForThoseOutOfRange) {
+    EXPECT_EQ(tolm::ReadUInt(With(1.5), "m"), 1u);
+    EXPECT_EQ(tolm::ReadUInt(With(4294967295.0), "m"), 4294967295u);
+    EXPECT_EQ(tolm::ReadUInt(With(4294967296.0), "m"), 0u);
+    EXPECT_EQ(tolm::ReadUInt(With(-0.5), "m"), 0u);
+    EXPECT_EQ(tolm::ReadUInt(With(-1.0), "m"), 0u);
+    EXPECT_EQ(tolm::ReadUInt(With(kInfinity), "m"), 0u);
+    EXPECT_EQ(tolm::ReadUInt(With(kNaN), "m"), 0u);
 }
 
-TEST(ReadUInt, GivesZeroForOtherTypesAndOneForTrue) {
+TEST(ReadUInt, ReturnsZeroForOtherTypesAndOneForTrue) {
     for (const Json::Value& object : {kText, kEmptyText, kArray, kObject, kNull, kMissing}) {
-        EXPECT_EQ(0u, tolm::ReadUInt(object, "m"));
+        EXPECT_EQ(tolm::ReadUInt(object, "m"), 0u);
     }
-    EXPECT_EQ(1u, tolm::ReadUInt(With(true), "m"));
+    EXPECT_EQ(tolm::ReadUInt(With(true), "m"), 1u);
 }
 
-TEST(ReadInt64, GivesIntegersThatFitAndZeroForOthers) {
-    EXPECT_EQ(-1, tolm::ReadInt64(With(-1), "m"));
-    EXPECT_EQ(4294967295LL, tolm::ReadInt64(With(4294967295u), "m"));
-    EXPECT_EQ(9223372036854775807LL, tolm::ReadInt64(Int64(9223372036854775807LL), "m"));
-    EXPECT_EQ(9223372036854775807LL, tolm::ReadInt64(UInt64(9223372036854775807ULL), "m"));
-    EXPECT_EQ(-9223372036854775807LL - 1, tolm::ReadInt64(Int64(-9223372036854775807LL - 1), "m"));
-    EXPECT_EQ(0, tolm::ReadInt64(UInt64(9223372036854775808ULL), "m"));
-    EXPECT_EQ(0, tolm::ReadInt64(UInt64(18446744073709551615ULL), "m"));
+TEST(ReadInt64, ReturnsIntegersThatFitAndZeroForOthers) {
+    EXPECT_EQ(tolm::ReadInt64(With(-1), "m"), -1);
+    EXPECT_EQ(tolm::ReadInt64(With(4294967295u), "m"), 4294967295LL);
+    EXPECT_EQ(tolm::ReadInt64(Int64(9223372036854775807LL), "m"), 9223372036854775807LL);
+    EXPECT_EQ(tolm::ReadInt64(UInt64(9223372036854775807ULL), "m"), 9223372036854775807LL);
+    EXPECT_EQ(tolm::ReadInt64(Int64(-9223372036854775807LL - 1), "m"), -9223372036854775807LL - 1);
+    EXPECT_EQ(tolm::ReadInt64(UInt64(9223372036854775808ULL), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt64(UInt64(18446744073709551615ULL), "m"), 0);
 }
 
-TEST(ReadInt64, CutsRealsAndGivesZeroForThoseOutOfRange) {
-    EXPECT_EQ(1, tolm::ReadInt64(With(1.5), "m"));
-    EXPECT_EQ(-1, tolm::ReadInt64(With(-1.5), "m"));
-    EXPECT_EQ(9223372036854774784LL, tolm::ReadInt64(With(9223372036854774784.0), "m"));
-    EXPECT_EQ(-9223372036854775807LL - 1, tolm::ReadInt64(With(-9223372036854775808.0), "m"));
-    EXPECT_EQ(0, tolm::ReadInt64(With(9223372036854775808.0), "m"));
-    EXPECT_EQ(0, tolm::ReadInt64(With(-9223372036854777856.0), "m"));
-    EXPECT_EQ(0, tolm::ReadInt64(With(kInfinity), "m"));
-    EXPECT_EQ(0, tolm::ReadInt64(With(kNaN), "m"));
+TEST(ReadInt64, TruncatesRealsAndReturnsZeroForThoseOutOfRange) {
+    EXPECT_EQ(tolm::ReadInt64(With(1.5), "m"), 1);
+    EXPECT_EQ(tolm::ReadInt64(With(-1.5), "m"), -1);
+    EXPECT_EQ(tolm::ReadInt64(With(9223372036854774784.0), "m"), 9223372036854774784LL);
+    EXPECT_EQ(tolm::ReadInt64(With(-9223372036854775808.0), "m"), -9223372036854775807LL - 1);
+    EXPECT_EQ(tolm::ReadInt64(With(9223372036854775808.0), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt64(With(-9223372036854777856.0), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt64(With(kInfinity), "m"), 0);
+    EXPECT_EQ(tolm::ReadInt64(With(kNaN), "m"), 0);
 }
 
-TEST(ReadInt64, GivesZeroForOtherTypesAndOneForTrue) {
+TEST(ReadInt64, ReturnsZeroForOtherTypesAndOneForTrue) {
     for (const Json::Value& object : {kText, kEmptyText, kArray, kObject, kNull, kMissing}) {
-        EXPECT_EQ(0, tolm::ReadInt64(object, "m"));
+        EXPECT_EQ(tolm::ReadInt64(object, "m"), 0);
     }
-    EXPECT_EQ(1, tolm::ReadInt64(With(true), "m"));
+    EXPECT_EQ(tolm::ReadInt64(With(true), "m"), 1);
 }
 
-TEST(ReadUInt64, GivesIntegersThatFitAndZeroForOthers) {
-    EXPECT_EQ(4294967296ULL, tolm::ReadUInt64(Int64(4294967296LL), "m"));
-    EXPECT_EQ(9223372036854775807ULL, tolm::ReadUInt64(Int64(9223372036854775807LL), "m"));
-    EXPECT_EQ(9223372036854775808ULL, tolm::ReadUInt64(UInt64(9223372036854775808ULL), "m"));
-    EXPECT_EQ(18446744073709551615ULL, tolm::ReadUInt64(UInt64(18446744073709551615ULL), "m"));
-    EXPECT_EQ(0ULL, tolm::ReadUInt64(With(-1), "m"));
-    EXPECT_EQ(0ULL, tolm::ReadUInt64(Int64(-9223372036854775807LL - 1), "m"));
+TEST(ReadUInt64, ReturnsIntegersThatFitAndZeroForOthers) {
+    EXPECT_EQ(tolm::ReadUInt64(Int64(4294967296LL), "m"), 4294967296ULL);
+    EXPECT_EQ(tolm::ReadUInt64(Int64(9223372036854775807LL), "m"), 9223372036854775807ULL);
+    EXPECT_EQ(tolm::ReadUInt64(UInt64(9223372036854775808ULL), "m"), 9223372036854775808ULL);
+    EXPECT_EQ(tolm::ReadUInt64(UInt64(18446744073709551615ULL), "m"), 18446744073709551615ULL);
+    EXPECT_EQ(tolm::ReadUInt64(With(-1), "m"), 0ULL);
+    EXPECT_EQ(tolm::ReadUInt64(Int64(-9223372036854775807LL - 1), "m"), 0ULL);
 }
 
-TEST(ReadUInt64, CutsRealsAndGivesZeroForThoseOutOfRange) {
-    EXPECT_EQ(1ULL, tolm::ReadUInt64(With(1.5), "m"));
-    EXPECT_EQ(18446744073709549568ULL, tolm::ReadUInt64(With(18446744073709549568.0), "m"));
-    EXPECT_EQ(0ULL, tolm::ReadUInt64(With(18446744073709551616.0), "m"));
-    EXPECT_EQ(0ULL, tolm::ReadUInt64(With(-0.5), "m"));
-    EXPECT_EQ(0ULL, tolm::ReadUInt64(With(kInfinity), "m"));
-    EXPECT_EQ(0ULL, tolm::ReadUInt64(With(kNaN), "m"));
+TEST(ReadUInt64, TruncatesRealsAndReturnsZeroForThoseOutOfRange) {
+    EXPECT_EQ(tolm::ReadUInt64(With(1.5), "m"), 1ULL);
+    EXPECT_EQ(tolm::ReadUInt64(With(18446744073709549568.0), "m"), 18446744073709549568ULL);
+    EXPECT_EQ(tolm::ReadUInt64(With(18446744073709551616.0), "m"), 0ULL);
+    EXPECT_EQ(tolm::ReadUInt64(With(-0.5), "m"), 0ULL);
+    EXPECT_EQ(tolm::ReadUInt64(With(kInfinity), "m"), 0ULL);
+    EXPECT_EQ(tolm::ReadUInt64(With(kNaN), "m"), 0ULL);
 }
 
-TEST(ReadUInt64, GivesZeroForOtherTypesAndOneForTrue) {
+TEST(ReadUInt64, ReturnsZeroForOtherTypesAndOneForTrue) {
     for (const Json::Value& object : {kText, kEmptyText, kArray, kObject, kNull, kMissing}) {
-        EXPECT_EQ(0ULL, tolm::ReadUInt64(object, "m"));
+        EXPECT_EQ(tolm::ReadUInt64(object, "m"), 0ULL);
     }
-    EXPECT_EQ(1ULL, tolm::ReadUInt64(With(true), "m"));
+    EXPECT_EQ(tolm::ReadUInt64(With(true), "m"), 1ULL);
 }
 
 TEST(ReadBool, IsTrueForTrueAndForNumbersOtherThanZero) {
@@ -160,45 +160,45 @@ TEST(ReadBool, IsTrueForTrueAndForNumbersOtherThanZero) {
     }
 }
 
-TEST(ReadReal, GivesNumbersOfAllKindsAndZeroForOtherTypes) {
-    EXPECT_EQ(1.5, tolm::ReadReal(With(1.5), "m"));
-    EXPECT_EQ(-7.0, tolm::ReadReal(With(-7), "m"));
-    EXPECT_EQ(4294967295.0, tolm::ReadReal(With(4294967295u), "m"));
-    EXPECT_EQ(18446744073709551616.0, tolm::ReadReal(UInt64(18446744073709551615ULL), "m"));
-    EXPECT_EQ(1e300, tolm::ReadReal(With(1e300), "m"));
-    EXPECT_EQ(1.0, tolm::ReadReal(With(true), "m"));
+TEST(ReadReal, ReturnsNumbersOfAllKindsAndZeroForOtherTypes) {
+    EXPECT_EQ(tolm::ReadReal(With(1.5), "m"), 1.5);
+    EXPECT_EQ(tolm::ReadReal(With(-7), "m"), -7.0);
+    EXPECT_EQ(tolm::ReadReal(With(4294967295u), "m"), 4294967295.0);
+    EXPECT_EQ(tolm::ReadReal(UInt64(18446744073709551615ULL), "m"), 18446744073709551616.0);
+    EXPECT_EQ(tolm::ReadReal(With(1e300), "m"), 1e300);
+    EXPECT_EQ(tolm::ReadReal(With(true), "m"), 1.0);
     for (const Json::Value& object : {With("1.5"), kText, kEmptyText, kArray, kObject, kNull, kMissing}) {
-        EXPECT_EQ(0.0, tolm::ReadReal(object, "m"));
+        EXPECT_EQ(tolm::ReadReal(object, "m"), 0.0);
     }
 }
 
-TEST(ReadText, GivesTextsAndTheTextOfScalars) {
-    EXPECT_EQ("12", tolm::ReadText(kText, "m"));
-    EXPECT_EQ("", tolm::ReadText(kEmptyText, "m"));
-    EXPECT_EQ(std::string("a\0b", 3), tolm::ReadText(With(std::string("a\0b", 3)), "m"));
-    EXPECT_EQ("-1", tolm::ReadText(With(-1), "m"));
-    EXPECT_EQ("18446744073709551615", tolm::ReadText(UInt64(18446744073709551615ULL), "m"));
-    EXPECT_EQ("1.5", tolm::ReadText(With(1.5), "m"));
-    EXPECT_EQ("true", tolm::ReadText(With(true), "m"));
-    EXPECT_EQ("false", tolm::ReadText(With(false), "m"));
-    for (const Json::Value& object : {kArray, kObject, kNull, kMissing}) EXPECT_EQ("", tolm::ReadText(object, "m"));
+TEST(ReadText, ReturnsStringsAndScalarsAsStrings) {
+    EXPECT_EQ(tolm::ReadText(kText, "m"), "12");
+    EXPECT_EQ(tolm::ReadText(kEmptyText, "m"), "");
+    EXPECT_EQ(tolm::ReadText(With(std::string("a\0b", 3)), "m"), std::string("a\0b", 3));
+    EXPECT_EQ(tolm::ReadText(With(-1), "m"), "-1");
+    EXPECT_EQ(tolm::ReadText(UInt64(18446744073709551615ULL), "m"), "18446744073709551615");
+    EXPECT_EQ(tolm::ReadText(With(1.5), "m"), "1.5");
+    EXPECT_EQ(tolm::ReadText(With(true), "m"), "true");
+    EXPECT_EQ(tolm::ReadText(With(false), "m"), "false");
+    for (const Json::Value& object : {kArray, kObject, kNull, kMissing}) EXPECT_EQ(tolm::ReadText(object, "m"), "");
 }
 
-TEST(ReadMember, OfAnythingThatIsNoObjectIsMissing) {
+TEST(ReadMember, OfAnythingThatIsNotAnObjectIsMissing) {
     Json::Value array(Json::arrayValue);
     array.append(5);
     for (const Json::Value& document : {Json::Value(), Json::Value(5), Json::Value("m"), Json::Value(true),
                                         Json::Value(1.5), Json::Value(Json::arrayValue), array}) {
-        EXPECT_EQ(0, tolm::ReadInt(document, "m"));
-        EXPECT_EQ(0u, tolm::ReadUInt(document, "m"));
-        EXPECT_EQ(0ULL, tolm::ReadUInt64(document, "m"));
+        EXPECT_EQ(tolm::ReadInt(document, "m"), 0);
+        EXPECT_EQ(tolm::ReadUInt(document, "m"), 0u);
+        EXPECT_EQ(tolm::ReadUInt64(document, "m"), 0ULL);
         EXPECT_FALSE(tolm::ReadBool(document, "m"));
-        EXPECT_EQ(0.0, tolm::ReadReal(document, "m"));
-        EXPECT_EQ("", tolm::ReadText(document, "m"));
+        EXPECT_EQ(tolm::ReadReal(document, "m"), 0.0);
+        EXPECT_EQ(tolm::ReadText(document, "m"), "");
     }
 }
 
-TEST(ReadMember, AddsNoMember) {
+TEST(ReadMember, DoesNotAddAMember) {
     const Json::Value object(Json::objectValue);
     tolm::ReadInt(object, "m");
     tolm::ReadText(object, "m");

@@ -1,4 +1,4 @@
-// The text that documents are sent as: byte for byte that of Json::Value::toStyledString().
+// The styled form of documents: byte for byte that of Json::Value::toStyledString().
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -18,7 +18,7 @@ std::string Styled(const Json::Value& document) {
 
 void ExpectLikeJsoncpp(const Json::Value& document) {
     const std::string expected = document.toStyledString();
-    EXPECT_EQ(expected, Styled(document));
+    EXPECT_EQ(Styled(document), expected);
 
     Json::Value member(Json::objectValue);
     member["value"] = document;
@@ -45,33 +45,32 @@ TEST(StyledText, IsIndentedByTabsAndEndsWithANewline) {
     request["method"] = 11;
     request["vb_handle"] = "0x12ab";
     request["trickPlay"] = false;
-    EXPECT_EQ(
-        "{\n"
-        "\t\"method\" : 11,\n"
-        "\t\"trickPlay\" : false,\n"
-        "\t\"type\" : 3,\n"
-        "\t\"vb_handle\" : \"0x12ab\"\n"
-        "}\n",
-        Styled(request));
+    EXPECT_EQ(Styled(request),
+              "{\n"
+              "\t\"method\" : 11,\n"
+              "\t\"trickPlay\" : false,\n"
+              "\t\"type\" : 3,\n"
+              "\t\"vb_handle\" : \"0x12ab\"\n"
+              "}\n");
 }
 
 TEST(StyledText, OfNullIsTheWordNull) {
-    EXPECT_EQ("null\n", Styled(Json::Value()));
+    EXPECT_EQ(Styled(Json::Value()), "null\n");
 }
 
 TEST(StyledText, OfEmptyContainersIsAPairOfBrackets) {
-    EXPECT_EQ("{}\n", Styled(Json::Value(Json::objectValue)));
-    EXPECT_EQ("[]\n", Styled(Json::Value(Json::arrayValue)));
+    EXPECT_EQ(Styled(Json::Value(Json::objectValue)), "{}\n");
+    EXPECT_EQ(Styled(Json::Value(Json::arrayValue)), "[]\n");
 }
 
 TEST(StyledText, KeepsEmbeddedZeroBytesAsEscapes) {
     Json::Value document(Json::objectValue);
     document["text"] = std::string("a\0b", 3);
-    EXPECT_EQ("{\n\t\"text\" : \"a\\u0000b\"\n}\n", Styled(document));
+    EXPECT_EQ(Styled(document), "{\n\t\"text\" : \"a\\u0000b\"\n}\n");
 }
 
 TEST(StyledText, HasNoTerminatingZero) {
-    EXPECT_EQ(5u, tolm::ToStyledBytes(Json::Value()).size());
+    EXPECT_EQ(tolm::ToStyledBytes(Json::Value()).size(), 5u);
 }
 
 TEST(StyledText, IsThatOfJsoncppForAllTypesAndEmptyContainers) {
@@ -158,7 +157,7 @@ TEST(StyledText, IsThatOfJsoncppForControlCharactersInValuesAndNames) {
     for (const char* text : {"\"", "\\", "/", "\\u0041", "</script>", "'"}) ExpectLikeJsoncpp(Json::Value(text));
 }
 
-TEST(StyledText, IsThatOfJsoncppForTextsOf64KiB) {
+TEST(StyledText, IsThatOfJsoncppForStringsOf64KiB) {
     for (const char* unit : {"x", "\"", "\xc3\xa4", "\x01", "\xff"}) {
         std::string text;
         while (text.size() < 65536) text += unit;
@@ -203,25 +202,25 @@ TEST(StyledText, IsThatOfJsoncppForDocumentsWithComments) {
     ExpectLikeJsoncpp(commented);
 }
 
-TEST(StyledText, DoesNotDependOnWhatTheThreadWroteBefore) {
+TEST(StyledText, DoesNotDependOnEarlierDocumentsOfTheThread) {
     Json::Value large(Json::objectValue);
     for (int i = 0; i < 1000; ++i) large["member" + std::to_string(i)] = std::string(100, 'x');
     const Json::Value commented = Parsed("// before\n[1, 2] // after\n");
     for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(large.toStyledString(), Styled(large));
         EXPECT_EQ(commented.toStyledString(), Styled(commented));
-        EXPECT_EQ("null\n", Styled(Json::Value()));
+        EXPECT_EQ(Styled(Json::Value()), "null\n");
     }
 }
 
-TEST(StyledText, IsMadeByManyThreadsAtOnce) {
+TEST(StyledText, IsTheSameFromManyThreadsAtOnce) {
     std::vector<std::thread> threads;
     for (int t = 0; t < 8; ++t) {
         threads.emplace_back([t] {
             Json::Value document(Json::objectValue);
             document["thread"] = t;
             const std::string expected = "{\n\t\"thread\" : " + std::to_string(t) + "\n}\n";
-            for (int i = 0; i < 1000; ++i) ASSERT_EQ(expected, Styled(document));
+            for (int i = 0; i < 1000; ++i) ASSERT_EQ(Styled(document), expected);
         });
     }
     for (std::thread& thread : threads) thread.join();

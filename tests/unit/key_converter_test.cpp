@@ -1,4 +1,4 @@
-// The endpoint table: each row as the platform knows it.
+// The endpoint table, row by row.
 #include <android/log.h>
 
 #include <gtest/gtest.h>
@@ -98,7 +98,7 @@ TolmIpcKeyId Key(int number) {
 }
 
 TEST(KeyConverter, KnowsTheSocketNameOfEveryKey) {
-    for (const Row& row : kRows) EXPECT_EQ(row.name, Table().GetSocketName(Key(row.key))) << row.key;
+    for (const Row& row : kRows) EXPECT_EQ(Table().GetSocketName(Key(row.key)), row.name) << row.key;
 }
 
 TEST(KeyConverter, KnowsTheMessageQueueIdOfEveryKey) {
@@ -108,55 +108,55 @@ TEST(KeyConverter, KnowsTheMessageQueueIdOfEveryKey) {
 }
 
 TEST(KeyConverter, Holds63Rows) {
-    EXPECT_EQ(63u, Table().GetNum());
+    EXPECT_EQ(Table().GetNum(), 63u);
 }
 
-TEST(KeyConverter, KeepsTheQueueIdsOfTheProgrammeEndpointsThatBreakThePattern) {
-    EXPECT_EQ(0x9600A000u, static_cast<uint32_t>(Table().GetMsgQueueId(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_PROGRAM)));
-    EXPECT_EQ(0x9601A000u, static_cast<uint32_t>(Table().GetMsgQueueId(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_PROGRAM)));
+TEST(KeyConverter, KeepsTheIrregularQueueIdsOfTheProgrammeEndpoints) {
+    EXPECT_EQ(static_cast<uint32_t>(Table().GetMsgQueueId(TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_PROGRAM)), 0x9600A000u);
+    EXPECT_EQ(static_cast<uint32_t>(Table().GetMsgQueueId(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_PROGRAM)), 0x9601A000u);
 }
 
-TEST(KeyConverter, ReportsAnUnknownKeyAndGivesAnEmptyName) {
+TEST(KeyConverter, ReportsAnUnknownKeyAndReturnsAnEmptyName) {
     const LogCapture log;
     const StdoutCapture out;
-    EXPECT_EQ("", Table().GetSocketName(Key(63)));
-    ASSERT_EQ(1u, log.Lines().size()) << log.Text();
+    EXPECT_EQ(Table().GetSocketName(Key(63)), "");
+    ASSERT_EQ(log.Lines().size(), 1u) << log.Text();
     const LogLine line = log.Lines()[0];
-    EXPECT_EQ(ANDROID_LOG_ERROR, line.priority);
-    EXPECT_EQ("tolm_IPC", line.tag);
-    EXPECT_EQ("tolm_ipc_key_converter.cpp", line.file);
-    EXPECT_EQ("GetSocketName", line.function);
-    EXPECT_EQ("Cannot find key_id:63", line.message);
-    EXPECT_EQ("tolm_IPC \"Cannot find key_id:63\"\n", out.Text());
-    EXPECT_EQ(63u, Table().GetNum());
+    EXPECT_EQ(line.priority, ANDROID_LOG_ERROR);
+    EXPECT_EQ(line.tag, "tolm_IPC");
+    EXPECT_EQ(line.file, "tolm_ipc_key_converter.cpp");
+    EXPECT_EQ(line.function, "GetSocketName");
+    EXPECT_EQ(line.message, "Cannot find key_id:63");
+    EXPECT_EQ(out.Text(), "tolm_IPC \"Cannot find key_id:63\"\n");
+    EXPECT_EQ(Table().GetNum(), 63u);
 }
 
 TEST(KeyConverter, ReportsANegativeKey) {
     const LogCapture log;
     const StdoutCapture out;
-    EXPECT_EQ("", Table().GetSocketName(Key(-1)));
-    EXPECT_EQ(1, log.Count(ANDROID_LOG_ERROR, "tolm_IPC", "Cannot find key_id:-1")) << log.Text();
+    EXPECT_EQ(Table().GetSocketName(Key(-1)), "");
+    EXPECT_EQ(log.Count(ANDROID_LOG_ERROR, "tolm_IPC", "Cannot find key_id:-1"), 1) << log.Text();
 }
 
-TEST(KeyConverter, AddsARowForTheQueueIdOfAnUnknownKeyWithoutALine) {
+TEST(KeyConverter, AddsARowForTheQueueIdOfAnUnknownKeyWithoutALogLine) {
     const LogCapture log;
-    EXPECT_EQ(0, Table().GetMsgQueueId(Key(99)));
-    EXPECT_EQ(64u, Table().GetNum());
-    EXPECT_EQ(0, Table().GetMsgQueueId(Key(99)));
-    EXPECT_EQ(64u, Table().GetNum());
-    // The row has an empty name, which is a name.
-    EXPECT_EQ("", Table().GetSocketName(Key(99)));
-    EXPECT_EQ(0u, log.Lines().size()) << log.Text();
+    EXPECT_EQ(Table().GetMsgQueueId(Key(99)), 0);
+    EXPECT_EQ(Table().GetNum(), 64u);
+    EXPECT_EQ(Table().GetMsgQueueId(Key(99)), 0);
+    EXPECT_EQ(Table().GetNum(), 64u);
+    // The row has an empty name, which is valid.
+    EXPECT_EQ(Table().GetSocketName(Key(99)), "");
+    EXPECT_EQ(log.Lines().size(), 0u) << log.Text();
 }
 
-TEST(KeyConverter, GivesNamesThatStayWhereTheyAre) {
+TEST(KeyConverter, ReturnsNamesThatStayValid) {
     const std::string* name = &Table().GetSocketName(TOLM_IPC_KEY_MAS);
     for (int key = 100; key < 1000; ++key) Table().GetMsgQueueId(Key(key));
-    EXPECT_EQ(name, &Table().GetSocketName(TOLM_IPC_KEY_MAS));
+    EXPECT_EQ(&Table().GetSocketName(TOLM_IPC_KEY_MAS), name);
     EXPECT_EQ("mas", *name);
 }
 
-TEST(KeyConverter, IsOneForAllThreads) {
+TEST(KeyConverter, IsTheSameForAllThreads) {
     std::vector<TolmIpcKeyConverter*> seen(8);
     std::vector<std::thread> threads;
     for (TolmIpcKeyConverter*& instance : seen) {
@@ -167,7 +167,7 @@ TEST(KeyConverter, IsOneForAllThreads) {
     }
     for (std::thread& thread : threads) thread.join();
     for (const TolmIpcKeyConverter* instance : seen) EXPECT_EQ(seen[0], instance);
-    EXPECT_EQ(163u, Table().GetNum());
+    EXPECT_EQ(Table().GetNum(), 163u);
 }
 
 }  // namespace

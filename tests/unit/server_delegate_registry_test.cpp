@@ -1,4 +1,4 @@
-// The receivers of one endpoint, told apart by the port: the registry by itself, without messages from a socket.
+// The receivers of one endpoint, selected by the port: the registry on its own, without sockets.
 #include <android/log.h>
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ class Receiver : public tolm::TolmIpcServerDelegate {
 
 class ServerDelegateRegistry : public testing::Test {
   protected:
-    void TearDown() override { EXPECT_NE("", mOut.Text()); }
+    void TearDown() override { EXPECT_NE(mOut.Text(), ""); }
 
     const ScratchDirectory mDirectory;
     const StdoutCapture mOut;
@@ -43,40 +43,40 @@ class ServerDelegateRegistry : public testing::Test {
     LogCapture mLog;
 };
 
-TEST_F(ServerDelegateRegistry, TellsReceiversApartByThePort) {
+TEST_F(ServerDelegateRegistry, SelectsReceiversByThePort) {
     mDelegate.RegisterIpcServerDelegate(7, &mFirst);
     mDelegate.RegisterIpcServerDelegate(8, &mSecond);
     mDelegate.OnRecv({'a'}, 7);
     mDelegate.OnRecv({'b'}, 8);
-    EXPECT_EQ((std::vector<std::string>{"7:a"}), mFirst.heard);
-    EXPECT_EQ((std::vector<std::string>{"8:b"}), mSecond.heard);
+    EXPECT_EQ(mFirst.heard, (std::vector<std::string>{"7:a"}));
+    EXPECT_EQ(mSecond.heard, (std::vector<std::string>{"8:b"}));
 }
 
-TEST_F(ServerDelegateRegistry, GivesTheReceiversReply) {
+TEST_F(ServerDelegateRegistry, ReturnsTheReceiversReply) {
     mDelegate.RegisterIpcServerDelegate(7, &mFirst);
     std::vector<unsigned char> reply;
     mDelegate.OnRecvSync({'a'}, reply, 7);
-    EXPECT_EQ((std::vector<unsigned char>{'y', 'e', 's'}), reply);
-    EXPECT_EQ((std::vector<std::string>{"7:a"}), mFirst.heard);
+    EXPECT_EQ(reply, (std::vector<unsigned char>{'y', 'e', 's'}));
+    EXPECT_EQ(mFirst.heard, (std::vector<std::string>{"7:a"}));
 }
 
-TEST_F(ServerDelegateRegistry, WarnsOfAPortWithoutReceiver) {
+TEST_F(ServerDelegateRegistry, WarnsOfAPortWithoutAReceiver) {
     mDelegate.RegisterIpcServerDelegate(7, &mFirst);
     mLog.Clear();
     mDelegate.OnRecv({'a'}, 9);
-    ASSERT_EQ(1u, mLog.Lines().size()) << mLog.Text();
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, "[ipc_base]", "channel(32) port(9): no receiver")) << mLog.Text();
-    EXPECT_EQ("tolm_hbbtv_ipc_server_delegate.cpp", mLog.Lines()[0].file);
+    ASSERT_EQ(mLog.Lines().size(), 1u) << mLog.Text();
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_base]", "channel(32) port(9): no receiver"), 1) << mLog.Text();
+    EXPECT_EQ(mLog.Lines()[0].file, "tolm_hbbtv_ipc_server_delegate.cpp");
     std::vector<unsigned char> reply;
     mDelegate.OnRecvSync({'a'}, reply, -1);
     EXPECT_TRUE(reply.empty());
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, "[ipc_base]", "channel(32) port(-1): no receiver")) << mLog.Text();
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_base]", "channel(32) port(-1): no receiver"), 1) << mLog.Text();
     EXPECT_TRUE(mFirst.heard.empty());
 }
 
 TEST_F(ServerDelegateRegistry, NeverCallsANullReceiver) {
     mDelegate.RegisterIpcServerDelegate(7, nullptr);
-    EXPECT_EQ(1u, mDelegate.GetNum());
+    EXPECT_EQ(mDelegate.GetNum(), 1u);
     std::vector<unsigned char> reply;
     mDelegate.OnRecv({'a'}, 7);
     mDelegate.OnRecvSync({'a'}, reply, 7);
@@ -86,42 +86,42 @@ TEST_F(ServerDelegateRegistry, NeverCallsANullReceiver) {
 TEST_F(ServerDelegateRegistry, KeepsTheFirstReceiverOfAPort) {
     mDelegate.RegisterIpcServerDelegate(7, &mFirst);
     mDelegate.RegisterIpcServerDelegate(7, &mSecond);
-    EXPECT_EQ(1u, mDelegate.GetNum());
+    EXPECT_EQ(mDelegate.GetNum(), 1u);
     mDelegate.OnRecv({'a'}, 7);
-    EXPECT_EQ(1u, mFirst.heard.size());
+    EXPECT_EQ(mFirst.heard.size(), 1u);
     EXPECT_TRUE(mSecond.heard.empty());
-    ASSERT_EQ(2u, mLog.Lines().size()) << mLog.Text();
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_DEBUG, "[ipc_base]", "ipc server start success in channel(32) port(7)"))
+    ASSERT_EQ(mLog.Lines().size(), 2u) << mLog.Text();
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_DEBUG, "[ipc_base]", "ipc server start success in channel(32) port(7)"), 1)
         << mLog.Text();
-    // The blank at the end is part of the line.
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_ERROR, "[ipc_base]", "ipc server start in channel(32) port(7) repeatedly "))
+    // The trailing blank is part of the line.
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_ERROR, "[ipc_base]", "ipc server start in channel(32) port(7) repeatedly "), 1)
         << mLog.Text();
 }
 
-TEST_F(ServerDelegateRegistry, TakesANewReceiverWhenTheFirstHasGone) {
+TEST_F(ServerDelegateRegistry, AcceptsANewReceiverAfterTheFirstIsRemoved) {
     mDelegate.RegisterIpcServerDelegate(7, &mFirst);
     mDelegate.UnRegisterIpcServerDelegate(7);
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_DEBUG, "[ipc_base]", "ipc server stop success in channel(32) port(7)"))
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_DEBUG, "[ipc_base]", "ipc server stop success in channel(32) port(7)"), 1)
         << mLog.Text();
     mDelegate.RegisterIpcServerDelegate(7, &mSecond);
     mDelegate.OnRecv({'a'}, 7);
     EXPECT_TRUE(mFirst.heard.empty());
-    EXPECT_EQ(1u, mSecond.heard.size());
+    EXPECT_EQ(mSecond.heard.size(), 1u);
 }
 
-TEST_F(ServerDelegateRegistry, IgnoresTheEndOfAPortThatIsNotThere) {
+TEST_F(ServerDelegateRegistry, IgnoresTheRemovalOfAnUnknownPort) {
     mDelegate.UnRegisterIpcServerDelegate(7);
-    EXPECT_EQ(0u, mLog.Lines().size()) << mLog.Text();
-    EXPECT_EQ(0u, mDelegate.GetNum());
+    EXPECT_EQ(mLog.Lines().size(), 0u) << mLog.Text();
+    EXPECT_EQ(mDelegate.GetNum(), 0u);
 }
 
 TEST_F(ServerDelegateRegistry, CountsPorts) {
-    EXPECT_EQ(0u, mDelegate.GetNum());
+    EXPECT_EQ(mDelegate.GetNum(), 0u);
     mDelegate.RegisterIpcServerDelegate(7, &mFirst);
     mDelegate.RegisterIpcServerDelegate(8, &mFirst);
-    EXPECT_EQ(2u, mDelegate.GetNum());
+    EXPECT_EQ(mDelegate.GetNum(), 2u);
     mDelegate.UnRegisterIpcServerDelegate(7);
-    EXPECT_EQ(1u, mDelegate.GetNum());
+    EXPECT_EQ(mDelegate.GetNum(), 1u);
 }
 
 }  // namespace

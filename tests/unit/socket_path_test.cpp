@@ -1,4 +1,4 @@
-// Where socket files lie. The directory is read once per process, so each of these tests needs a process of its own.
+// The paths of socket files. The directory is read once per process, so each of these tests needs its own process.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -16,60 +16,60 @@ TEST(SocketPath, OfAServerIsItsNameInTheDirectory) {
     setenv("TMPDIR", "/data/local/tmp", 1);
     const std::string& name =
         tolm::TolmIpcKeyConverter::GetInstance()->GetSocketName(TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB);
-    EXPECT_EQ("/data/local/tmp/service_hbbtv_to_plugin_vb", GetSocketFilePath(name));
+    EXPECT_EQ(GetSocketFilePath(name), "/data/local/tmp/service_hbbtv_to_plugin_vb");
 }
 
-TEST(SocketPath, LiesInTmpWithoutAnEnvironmentVariable) {
+TEST(SocketPath, IsInTmpWithoutAnEnvironmentVariable) {
     unsetenv("TMPDIR");
-    EXPECT_EQ("/tmp/service_plugin_to_hbbtv_vb", GetSocketFilePath("service_plugin_to_hbbtv_vb"));
-    EXPECT_EQ("/tmp/service_plugin_to_hbbtv_vb_port_7", GetSocketFilePath("service_plugin_to_hbbtv_vb", 7));
+    EXPECT_EQ(GetSocketFilePath("service_plugin_to_hbbtv_vb"), "/tmp/service_plugin_to_hbbtv_vb");
+    EXPECT_EQ(GetSocketFilePath("service_plugin_to_hbbtv_vb", 7), "/tmp/service_plugin_to_hbbtv_vb_port_7");
 }
 
 TEST(SocketPath, OfAClientEndsWithItsPort) {
     setenv("TMPDIR", "/d", 1);
-    EXPECT_EQ("/d/mas_port_0", GetSocketFilePath("mas", 0));
-    EXPECT_EQ("/d/mas_port_19", GetSocketFilePath("mas", 19));
-    EXPECT_EQ("/d/mas_port_-1", GetSocketFilePath("mas", -1));
-    EXPECT_EQ("/d/mas_port_2147483647", GetSocketFilePath("mas", 2147483647));
-    EXPECT_EQ("/d/mas_port_-2147483648", GetSocketFilePath("mas", -2147483647 - 1));
+    EXPECT_EQ(GetSocketFilePath("mas", 0), "/d/mas_port_0");
+    EXPECT_EQ(GetSocketFilePath("mas", 19), "/d/mas_port_19");
+    EXPECT_EQ(GetSocketFilePath("mas", -1), "/d/mas_port_-1");
+    EXPECT_EQ(GetSocketFilePath("mas", 2147483647), "/d/mas_port_2147483647");
+    EXPECT_EQ(GetSocketFilePath("mas", -2147483647 - 1), "/d/mas_port_-2147483648");
 }
 
 TEST(SocketPath, StaysWhenTheVariableChangesLater) {
     setenv("TMPDIR", "/first", 1);
-    EXPECT_EQ("/first/mas", GetSocketFilePath("mas"));
+    EXPECT_EQ(GetSocketFilePath("mas"), "/first/mas");
     setenv("TMPDIR", "/second", 1);
-    EXPECT_EQ("/first/mas", GetSocketFilePath("mas"));
-    EXPECT_EQ("/first/mas_port_1", GetSocketFilePath("mas", 1));
+    EXPECT_EQ(GetSocketFilePath("mas"), "/first/mas");
+    EXPECT_EQ(GetSocketFilePath("mas", 1), "/first/mas_port_1");
     unsetenv("TMPDIR");
-    EXPECT_EQ("/first/mas", GetSocketFilePath("mas"));
+    EXPECT_EQ(GetSocketFilePath("mas"), "/first/mas");
 }
 
 TEST(SocketPath, StaysWhenTheFirstPathWasAClients) {
     setenv("TMPDIR", "/first", 1);
-    EXPECT_EQ("/first/mas_port_1", GetSocketFilePath("mas", 1));
+    EXPECT_EQ(GetSocketFilePath("mas", 1), "/first/mas_port_1");
     setenv("TMPDIR", "/second", 1);
-    EXPECT_EQ("/first/mas", GetSocketFilePath("mas"));
+    EXPECT_EQ(GetSocketFilePath("mas"), "/first/mas");
 }
 
 TEST(SocketPath, KeepsTheSlashAtTheDirectorysEnd) {
     setenv("TMPDIR", "/tmp/", 1);
-    EXPECT_EQ("/tmp//mas", GetSocketFilePath("mas"));
+    EXPECT_EQ(GetSocketFilePath("mas"), "/tmp//mas");
 }
 
 TEST(SocketPath, OfAnEmptyVariableBeginsWithTheSlash) {
     setenv("TMPDIR", "", 1);
-    EXPECT_EQ("/mas", GetSocketFilePath("mas"));
+    EXPECT_EQ(GetSocketFilePath("mas"), "/mas");
 }
 
 TEST(SocketPath, OfAnEmptyNameIsTheDirectory) {
     setenv("TMPDIR", "/d", 1);
-    EXPECT_EQ("/d/", GetSocketFilePath(""));
+    EXPECT_EQ(GetSocketFilePath(""), "/d/");
 }
 
-TEST(SocketPath, IsMadeByManyThreadsAtOnce) {
+TEST(SocketPath, IsTheSameFromManyThreadsAtOnce) {
     setenv("TMPDIR", "/d", 1);
     std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) threads.emplace_back([] { EXPECT_EQ("/d/mas", GetSocketFilePath("mas")); });
+    for (int i = 0; i < 8; ++i) threads.emplace_back([] { EXPECT_EQ(GetSocketFilePath("mas"), "/d/mas"); });
     for (std::thread& thread : threads) thread.join();
 }
 

@@ -1,4 +1,4 @@
-// The AV control object of the HbbTV browser: IAVControl over the platform's adaptor of it.
+// The AV control object of the HbbTV browser: IAVControl over the platform's AV-control adaptor.
 #pragma once
 
 #include <vantorel/hardware/hbbtv/1.0/IAVControl.h>
@@ -28,7 +28,8 @@ class AVControl : public IAVControl, public TolmHidlClientMonitor {
     void OnHidlClientDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) override;
 };
 
-// Forwards an event of the adaptor to the registered client: -1 without one, else 0. On the adaptor's server thread.
+// Forwards an event of the adaptor to the registered client. Returns 0, or -1 without a client. Called on the adaptor's
+// server thread.
 TOLM_ERR TolmAVControlComponentCallback(TolmPluginIPCAvContrl event, ::TolmHbbtvAVComponentType type, int index);
 
 extern "C" IAVControl* HIDL_FETCH_IAVControl(const char* name);

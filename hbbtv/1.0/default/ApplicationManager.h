@@ -49,8 +49,9 @@ class ApplicationManager : public IApplicationManager, public TolmHidlClientMoni
     void OnHidlClientDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) override;
 };
 
-// The functions that the adaptor is given, one for each event (one for 1, 2 and 3), in the order of IAIPEventCallback.
-// Each forwards to the client of its event. A null text is the empty one; values behind pointers are only read.
+// The functions that are registered with the adaptor: one per event (events 1, 2 and 3 share one), in the order of
+// IAIPEventCallback. Each forwards to its event's client. A null string counts as empty; values behind pointers are
+// only read.
 void onApplicationEventCallback(const ::TolmAIPEvent& event, const ::TolmAIPEventInfo& info, const void* context);
 void onApplicationTopMost(int appId, int orgId, const void* context);
 void onApplicationNoTopMost(int appId, int orgId, const void* context);

@@ -1,4 +1,4 @@
-// What an application is told of the television: IApplicationPrivatedata over the platform's adaptor of it.
+// Facts about the television for its applications: IApplicationPrivatedata over the platform's adaptor for them.
 #pragma once
 
 #include <vantorel/hardware/hbbtv/1.0/IApplicationPrivatedata.h>

@@ -1,4 +1,4 @@
-// What the television can do: ICapabilities over the platform's capabilities adaptor.
+// The capabilities of the television: ICapabilities over the platform's capabilities adaptor.
 #pragma once
 
 #include <vantorel/hardware/hbbtv/1.0/ICapabilities.h>

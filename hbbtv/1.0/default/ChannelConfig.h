@@ -1,4 +1,4 @@
-// The channel configuration of the television: IChannelConfig over the platform's adaptor of it.
+// The channel configuration of the television: IChannelConfig over the platform's channel-configuration adaptor.
 #pragma once
 
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
@@ -35,7 +35,7 @@ class ChannelConfig : public IChannelConfig, public TolmHidlClientMonitor {
     void OnHidlClientDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) override;
 };
 
-// Forwards an event of the adaptor to the registered client. On the adaptor's server thread.
+// Forwards an event of the adaptor to the registered client. Called on the adaptor's server thread.
 void TolmChannelConfigCallback(const TolmChannelConfigEvent& event, const ::TolmChannelConfigEventInfo& info,
                                const void* context);
 

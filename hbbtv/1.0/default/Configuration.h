@@ -1,4 +1,4 @@
-// The user's preferences: IConfiguration over the platform's adaptor of them.
+// The user's preferences: IConfiguration over the platform's configuration adaptor.
 #pragma once
 
 #include <vantorel/hardware/hbbtv/1.0/IConfiguration.h>
@@ -43,7 +43,7 @@ class Configuration : public IConfiguration, public TolmHidlClientMonitor {
     void OnHidlClientDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) override;
 };
 
-// Forwards an event of the adaptor to all registered clients. On the adaptor's server thread.
+// Forwards an event of the adaptor to all registered clients. Called on the adaptor's server thread.
 void TolmConfigurationCallback(const TolmConfigurationEvent& event, ::TolmConfigurationEventInfo info,
                                const void* context);
 

@@ -1,4 +1,4 @@
-// Files of the broadcast for the HbbTV browser: IDsmcc over the platform's DSM-CC adaptor.
+// Files of the broadcast: IDsmcc over the platform's DSM-CC adaptor.
 #pragma once
 
 #include <vantorel/hardware/hbbtv/1.0/IDsmcc.h>
@@ -27,7 +27,7 @@ class Dsmcc : public IDsmcc, public TolmHidlClientMonitor {
     void OnHidlClientDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) override;
 };
 
-// Forwards an event of the adaptor to the registered client. On the adaptor's server thread.
+// Forwards an event of the adaptor to the registered client. Called on the adaptor's server thread.
 void TolmBacBrowserDSMCCFileCallback(TolmDSMCCFileEventType type, const char* filePath, const void* context);
 
 extern "C" IDsmcc* HIDL_FETCH_IDsmcc(const char* name);

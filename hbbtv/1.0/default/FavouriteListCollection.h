@@ -1,4 +1,4 @@
-// All favourite lists: IFavouriteListCollection over the platform's adaptor of their collection.
+// All favourite lists: IFavouriteListCollection over the platform's collection adaptor.
 #pragma once
 
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteListCollection.h>

@@ -35,7 +35,7 @@ Return<void> LocalSystem::GetSerialNumber(GetSerialNumber_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::GetSerialNumber);
 }
 
-// A bool to the client, unlike CI Plus, whose number is handed on.
+// The client receives a bool here, but the number for CI Plus.
 Return<void> LocalSystem::GetPvrEnabled(GetPvrEnabled_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::GetPvrEnabled);
 }

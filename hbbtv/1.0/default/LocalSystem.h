@@ -1,4 +1,4 @@
-// What this television is: ILocalSystem over the platform's local system adaptor.
+// The identity of this television: ILocalSystem over the platform's local-system adaptor.
 #pragma once
 
 #include <vantorel/hardware/hbbtv/1.0/ILocalSystem.h>

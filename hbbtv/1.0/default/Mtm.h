@@ -43,7 +43,7 @@ class Mtm : public IMtm, public TolmHidlClientMonitor {
 
     void OnHidlClientDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) override;
 
-    // Returns the browser that has registered with any of the services.
+    // Returns the client that is registered with any service object.
     static const TolmRegisteredClient<IMtmCallback>& RegisteredClient();
 };
 

@@ -1,4 +1,4 @@
-// Parental control: IParentalControlManager over the platform's adaptor of it.
+// Parental control: IParentalControlManager over the platform's parental-control adaptor.
 #pragma once
 
 #include <vantorel/hardware/hbbtv/1.0/IParentalControlManager.h>

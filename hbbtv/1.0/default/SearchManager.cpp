@@ -114,7 +114,7 @@ Return<void> SearchManager::Query_Not(int64_t query, Query_Not_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::Query_Not, Handle(query));
 }
 
-// The adaptor keeps its receiver, which drops the events from now on.
+// The adaptor keeps the forwarding function, which drops further events.
 void SearchManager::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
     gClient.OnDied(this, who);
 }

@@ -51,7 +51,7 @@ class SearchManager : public ISearchManager, public TolmHidlClientMonitor {
     void OnHidlClientDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) override;
 };
 
-// Forwards an event of the adaptor to the registered client. On the adaptor's server thread.
+// Forwards an event of the adaptor to the registered client. Called on the adaptor's server thread.
 void TolmSearchManagerCallback(const TolmSearchManagerEvent& event, const ::TolmSearchManagerEventInfo& info,
                                const void* context);
 

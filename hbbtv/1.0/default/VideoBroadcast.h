@@ -78,8 +78,8 @@ class VideoBroadcast : public IVideoBroadcast, public TolmHidlClientMonitor {
     void OnHidlClientDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) override;
 };
 
-// Forwards an event of the adaptor to the registered client and frees the record's texts. On the adaptor's server
-// thread.
+// Forwards an event of the adaptor to the registered client and frees the record's strings. Called on the adaptor's
+// server thread.
 void TolmVideoBroadcastHidlCallback(const TolmVideoBroadcastEvent& event, const TolmVideoBroadcastEventInfo& info,
                                     const void* context);
 

@@ -1,4 +1,4 @@
-// The process that publishes the HIDL interfaces of this package. Their implementations are loaded from the library
+// The process that publishes the HIDL interfaces of this package. Loads their implementations from the library
 // vantorel.hardware.hbbtv@1.0-impl.
 
 #include <hidl/HidlTransportSupport.h>
@@ -32,10 +32,10 @@ using namespace ::vantorel::hardware::hbbtv::V1_0;
 
 namespace {
 
-// A family of the platform that stops answering keeps every thread that has called it, and the other families must go
-// on. A client waits in one call per thread of its own: four client processes (the browser, the television's menu, its
-// channel list, a test tool) with 15 threads each, as many as a binder pool has by default, may all hang there. That
-// leaves a thread for each of the 18 families. Threads are only made when they are needed.
+// A family that stops answering blocks every thread that calls it, and the other families must keep working. Each
+// thread of a client can block one thread here: four client processes (the browser, the television's menu, its channel
+// list, a test tool) with 15 threads each, the default of a binder pool. That leaves a thread for each of the 18
+// families. Threads are created only when they are needed.
 constexpr size_t kClientThreads = 4 * 15;
 constexpr size_t kFamilies = 18;
 constexpr size_t kThreads = kClientThreads + kFamilies;
@@ -46,12 +46,12 @@ bool Publish() {
         printf("serving %s/default\n", Interface::descriptor);
         return true;
     }
-    fprintf(stderr, "cannot serve %s/default: is vantorel.hardware.hbbtv@1.0-impl.so where libraries are looked for?\n",
+    fprintf(stderr, "cannot serve %s/default: is vantorel.hardware.hbbtv@1.0-impl.so on the library path?\n",
             Interface::descriptor);
     return false;
 }
 
-// Whether all could be.
+// Returns whether all interfaces were published.
 bool PublishAll() {
     bool published = true;
     published &= Publish<IAVComponent>();

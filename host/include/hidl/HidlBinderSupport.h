@@ -1,4 +1,4 @@
-// How HIDL data and objects go into parcels and come out of them. Used by generated stubs and proxies.
+// Writes HIDL data and objects to parcels and reads them. Used by generated stubs and proxies.
 #pragma once
 
 #include <hidl/HidlSupport.h>
@@ -6,10 +6,9 @@
 #include <hwbinder/IBinder.h>
 #include <hwbinder/Parcel.h>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
-// The death recipient that a proxy keeps for each of its user's. Holds both the user's and the proxy weakly.
+// The death recipient that a proxy keeps for each recipient of its user. Holds that recipient and the proxy weakly.
 class hidl_binder_death_recipient : public IBinder::DeathRecipient {
   public:
     hidl_binder_death_recipient(const sp<hidl_death_recipient>& recipient, uint64_t cookie,
@@ -46,9 +45,8 @@ status_t writeEmbeddedToParcel(const hidl_vec<T>& vec, Parcel* parcel, size_t pa
 status_t readFromParcel(Status* status, const Parcel& parcel);
 status_t writeToParcel(const Status& status, Parcel* parcel);
 
-// The node of a proxy, or the stub of an object of this process (made when it has none). Null, with a log line, when
-// the object's interface is not known in this process.
+// Returns the node of a proxy, or the stub of an object of this process, which is created if necessary. If the object's
+// interface is unknown in this process, logs an error and returns null.
 sp<IBinder> getOrCreateCachedBinder(::android::hidl::base::V1_0::IBase* object);
 
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

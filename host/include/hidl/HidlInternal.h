@@ -1,24 +1,22 @@
-// Small pieces that the other HIDL headers share: the 64-bit pointer slot of everything that crosses processes as raw
-// memory, the tags of generated classes, and the fatal log line. Included by HidlSupport.h.
+// Shared by the other HIDL headers: the 64-bit pointer of structures that are sent as raw memory, the tags of generated
+// classes, and the fatal log line. Included by HidlSupport.h.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-namespace android {
-namespace hardware {
-namespace details {
+namespace android::hardware::details {
 
-// Tags by which templates tell the kinds of generated classes apart.
+// Tags by which templates distinguish the kinds of generated classes.
 struct i_tag {};
 struct bphw_tag {};
 struct bnhw_tag {};
 struct bs_tag {};
 
-// Writes the message at level fatal and ends the process.
+// Logs a fatal message and ends the process.
 [[noreturn]] void logAlwaysFatal(const char* message);
 
-// A pointer that takes eight bytes whatever the word size, so that structures have one layout.
+// A pointer of eight bytes whatever the word size, so that structures have one layout.
 template <typename T>
 struct hidl_pointer {
     hidl_pointer() : mBits(0) {}
@@ -37,8 +35,6 @@ struct hidl_pointer {
         uint64_t mBits;
     };
 };
-static_assert(sizeof(hidl_pointer<char>) == 8, "the layout of what crosses processes");
+static_assert(sizeof(hidl_pointer<char>) == 8, "sent as raw memory");
 
-}  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::details

@@ -1,16 +1,14 @@
-// Wrapping of an object of this process, so that its one-way methods return at once as those of a remote one do.
+// Wraps an object of this process, so that its one-way methods return immediately, like those of a remote object.
 #pragma once
 
 #include <hidl/HidlSupport.h>
 
-namespace android {
-namespace hardware {
-namespace details {
+namespace android::hardware::details {
 
-// The wrapper, or null with a log line when the interface is not known in this process.
+// Returns the wrapper. If the interface is unknown in this process, logs an error and returns null.
 sp<::android::hidl::base::V1_0::IBase> wrapPassthroughInternal(const sp<::android::hidl::base::V1_0::IBase>& object);
 
-// Proxies and null are given back as they are.
+// Returns proxies and null unchanged.
 template <typename IType>
 sp<IType> wrapPassthrough(sp<IType> object) {
     if (object == nullptr || object->isRemote()) return object;
@@ -18,6 +16,4 @@ sp<IType> wrapPassthrough(sp<IType> object) {
     return static_cast<IType*>(wrapper.get());
 }
 
-}  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::details

@@ -1,5 +1,5 @@
-// The data types of HIDL packages: strings, vectors, arrays and handles whose raw memory crosses processes, and what
-// generated data types need beside them (toString, enum values, death recipients). No transport in here.
+// The data types of HIDL packages: strings, vectors, arrays and handles, whose raw memory is sent to other processes,
+// and helpers of generated data types (toString, enum values, death recipients). Does not depend on the transport.
 #pragma once
 
 #include <cutils/native_handle.h>
@@ -24,23 +24,20 @@
 #include <vector>
 
 namespace android {
-namespace hidl {
-namespace base {
-namespace V1_0 {
+namespace hidl::base::V1_0 {
 struct IBase;
-}  // namespace V1_0
-}  // namespace base
-}  // namespace hidl
+}  // namespace hidl::base::V1_0
 
 namespace hardware {
 
-// Told when the process of a remote object ends. The runtime holds it weakly: whoever links it keeps it.
+// Receives the death of the process of a remote object. The runtime holds it weakly, so the caller that links it must
+// keep it.
 struct hidl_death_recipient : public virtual RefBase {
-    // Runs on a thread of the pool. `who` can be promoted while somebody still holds the proxy that was linked.
+    // Called on a thread of the pool. `who` can be promoted as long as there is a strong reference to the linked proxy.
     virtual void serviceDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) = 0;
 };
 
-// A native handle, owned only after a copy was made (as when assigned from another hidl_handle).
+// A native handle. Owned only if it is a copy, for example after assignment from another hidl_handle.
 struct hidl_handle {
     hidl_handle();
     hidl_handle(const native_handle_t* handle);
@@ -65,7 +62,7 @@ struct hidl_handle {
     [[maybe_unused]] uint8_t mPadding[7];
 };
 
-// Bytes with a NUL behind them. The size counts embedded NULs; comparisons and toString() stop at the first one.
+// A NUL-terminated string. The size includes embedded NULs; comparisons and toString() stop at the first one.
 struct hidl_string {
     hidl_string();
     hidl_string(const char* text);
@@ -87,7 +84,7 @@ struct hidl_string {
     bool empty() const { return mSize == 0; }
     void clear();
 
-    // Refers to memory of the caller, which has to end with a NUL at data[size] and to outlive this use.
+    // Refers to memory of the caller, which must be NUL-terminated at data[size] and outlive this string.
     void setToExternal(const char* data, size_t size);
 
     static const size_t kOffsetOfBuffer;
@@ -99,7 +96,7 @@ struct hidl_string {
     details::hidl_pointer<const char> mBuffer;
     uint32_t mSize;
     bool mOwnsBuffer;
-    [[maybe_unused]] uint8_t mPadding[3];  // always zero: the memory crosses processes as it is
+    [[maybe_unused]] uint8_t mPadding[3];  // always zero: sent as raw memory
 };
 
 #define HIDL_STRING_OPERATOR(op)                                          \
@@ -123,7 +120,7 @@ HIDL_STRING_OPERATOR(>=)
 
 std::ostream& operator<<(std::ostream& os, const hidl_string& text);
 
-// Shared memory is not carried between processes on the host: only the layout and the getters.
+// The host does not support shared memory: this is only the layout and the getters.
 struct hidl_memory {
     hidl_memory() : mHandle(nullptr), mSize(0) {}
     hidl_memory(const hidl_string& name, const native_handle_t* handle, size_t size)
@@ -139,7 +136,7 @@ struct hidl_memory {
     hidl_string mName;
 };
 
-// Elements one after another, owned or of somebody else.
+// A vector of elements, which it owns or refers to.
 template <typename T>
 struct hidl_vec {
     using value_type = T;
@@ -201,7 +198,7 @@ struct hidl_vec {
         own(elements, size);
     }
 
-    // Refers to memory of the caller, or takes over what the caller made with new[].
+    // Refers to memory of the caller, or takes ownership of an array that the caller allocated with new[].
     void setToExternal(T* data, size_t size, bool shouldOwn = false) {
         checkSize(size);
         release();
@@ -210,7 +207,7 @@ struct hidl_vec {
         mOwnsBuffer = shouldOwn;
     }
 
-    // Hands the elements out: the caller deletes them with delete[] if this vector owned them.
+    // Releases the elements: the caller deletes them with delete[] if this vector owned them.
     T* releaseData() {
         T* elements = mBuffer;
         own(nullptr, 0);
@@ -252,7 +249,7 @@ struct hidl_vec {
     details::hidl_pointer<T> mBuffer;
     uint32_t mSize;
     bool mOwnsBuffer;
-    [[maybe_unused]] uint8_t mPadding[3];  // always zero: the memory crosses processes as it is
+    [[maybe_unused]] uint8_t mPadding[3];  // always zero: sent as raw memory
 };
 
 template <typename T>
@@ -264,8 +261,8 @@ bool operator!=(const hidl_vec<T>& a, const hidl_vec<T>& b) {
     return !(a == b);
 }
 
-// A fixed number of elements in place. The constructor takes a reference to an array, so that the array temporaries of
-// generated code convert with every compiler.
+// An array of fixed size. The constructor takes a reference to an array, so that array temporaries in generated code
+// convert with every compiler.
 template <typename T, size_t N>
 struct hidl_array {
     hidl_array() = default;
@@ -290,19 +287,19 @@ bool operator!=(const hidl_array<T, N>& a, const hidl_array<T, N>& b) {
     return !(a == b);
 }
 
-static_assert(std::is_standard_layout<hidl_string>::value && sizeof(hidl_string) == 16, "crosses processes");
-static_assert(std::is_standard_layout<hidl_vec<char>>::value && sizeof(hidl_vec<char>) == 16, "crosses processes");
+static_assert(std::is_standard_layout<hidl_string>::value && sizeof(hidl_string) == 16, "sent as raw memory");
+static_assert(std::is_standard_layout<hidl_vec<char>>::value && sizeof(hidl_vec<char>) == 16, "sent as raw memory");
 static_assert(sizeof(hidl_handle) == 16 && sizeof(hidl_memory) == 40, "as generated code asserts");
 
-// Flags of an enum type, kept as its number.
+// Flags of an enum type, as its underlying integer.
 template <typename T, typename = typename std::enable_if<std::is_enum<T>::value>::type>
 using hidl_bitfield = typename std::underlying_type<T>::type;
 
 namespace details {
 
-// The values of an enum type; generated code specialises it for every enum of a package. Inside a namespace without a
-// name, because the specialisations stand in headers without `inline`: clang would give them to the linker more than
-// once.
+// The values of an enum type; generated code specialises it for every enum of a package. In an unnamed namespace,
+// because the specialisations are in headers without `inline`: otherwise, with clang, the linker would find them more
+// than once.
 inline namespace enum_values {
 inline namespace {
 template <typename T>
@@ -320,7 +317,7 @@ std::string toHexString(T value, bool prefix = true) {
 
 }  // namespace details
 
-// Every value of an enum type: for (Colour c : hidl_enum_range<Colour>()).
+// All values of an enum type: for (Colour c : hidl_enum_range<Colour>()).
 template <typename T>
 struct hidl_enum_range {
     constexpr auto begin() const { return details::hidl_enum_values<T>.begin(); }
@@ -361,7 +358,7 @@ std::string toString(const hidl_array<T, N>& elements) {
 
 namespace details {
 
-// Base of generated stubs, proxies and wrappers. There is no instrumentation on the host: it is never enabled.
+// The base of generated stubs, proxies and wrappers. The host does not support instrumentation: it is never enabled.
 struct HidlInstrumentor {
     enum InstrumentationEvent {
         SERVER_API_ENTRY = 0,
@@ -391,10 +388,10 @@ struct HidlInstrumentor {
     std::vector<InstrumentationCallback> mInstrumentationCallbacks;
 };
 
-// Whether addresses may be told to other processes. Not here.
+// Returns whether addresses may be shown to other processes: false.
 bool debuggable();
 
-// What getDebugInfo() tells as the process id.
+// Returns the process id for getDebugInfo().
 int32_t getPidIfSharable();
 
 }  // namespace details

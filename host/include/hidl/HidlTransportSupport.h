@@ -1,4 +1,4 @@
-// What services, clients and generated code use of the transport: the thread pool, comparing and casting interfaces.
+// The transport for services, clients and generated code: the thread pool, and comparing and casting interfaces.
 #pragma once
 
 #include <android/hidl/base/1.0/BnHwBase.h>
@@ -9,23 +9,22 @@
 #include <mutex>
 #include <vector>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
-// Calls from other processes are served by `maxThreads` threads, the one that calls joinRpcThreadpool() included when
-// `callerWillJoin`. Without this there is one thread. Ends the process for (0, true).
+// Sets the number of threads that serve calls of other processes (default: 1). If `callerWillJoin`, it includes the
+// thread that calls joinRpcThreadpool(). Ends the process for (0, true).
 void configureRpcThreadpool(size_t maxThreads, bool callerWillJoin);
 
-// Serves calls and never returns. Ends the process when configureRpcThreadpool() was not called before.
+// Serves calls and never returns. Ends the process unless configureRpcThreadpool() was called before.
 [[noreturn]] void joinRpcThreadpool();
 
-// Whether both are the same object. Proxies are compared by what they stand for: each arrival of a remote object has a
-// proxy of its own.
+// Returns whether both are the same object. Proxies are compared by their remote objects: each time a remote object is
+// received, it gets a new proxy.
 bool interfacesEqual(const sp<::android::hidl::base::V1_0::IBase>& left,
                      const sp<::android::hidl::base::V1_0::IBase>& right);
 
-// The interface behind a node: a new proxy, or the object itself when it is one of this process. Null when an object of
-// this process does not have the interface.
+// Returns the interface of a node: a new proxy, or the object itself if it is in this process. Returns null if an
+// object of this process does not implement the interface.
 template <typename IType, typename ProxyType, typename StubType>
 sp<IType> fromBinder(const sp<IBinder>& binder) {
     using ::android::hidl::base::V1_0::BnHwBase;
@@ -50,5 +49,4 @@ Return<sp<IChild>> castInterface(sp<IParent> parent, const char* childIndicator,
 }
 
 }  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

@@ -1,19 +1,15 @@
-// Whether an object has an interface, found out by asking it.
+// Asks an object which interfaces it implements.
 #pragma once
 
 #include <hidl/Status.h>
 
-namespace android {
-namespace hardware {
-namespace details {
+namespace android::hardware::details {
 
-// Compares `castTo` with the interface chain of the object. A call that fails gives false, or its failure when
-// `emitError` is set.
+// Returns whether `castTo` is in the interface chain of the object. If the call fails, returns the failure if
+// `emitError` is set, and false otherwise.
 Return<bool> canCastInterface(::android::hidl::base::V1_0::IBase* object, const char* castTo, bool emitError = false);
 
-// The name of the object's own interface, empty when it cannot be had.
+// Returns the name of the object's own interface, or an empty string on failure.
 std::string getDescriptor(::android::hidl::base::V1_0::IBase* object);
 
-}  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::details

@@ -7,8 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 // Loads the implementation and registers it.
 template <class Interface>
@@ -17,7 +16,7 @@ status_t registerPassthroughServiceImplementation(const std::string& name = "def
     if (service == nullptr) {
         __android_log_print(ANDROID_LOG_ERROR, "hidl_host", "no passthrough implementation of %s/%s",
                             Interface::descriptor, name.c_str());
-        return EXIT_FAILURE;  // as a main program returns it
+        return EXIT_FAILURE;  // the exit code of the main program
     }
     const status_t status = service->registerAsService(name);
     if (status != OK) {
@@ -27,7 +26,7 @@ status_t registerPassthroughServiceImplementation(const std::string& name = "def
     return status;
 }
 
-// Registers the implementation and serves it. Returns only when it could not be registered.
+// Registers the implementation and serves it. Returns only if it could not be registered.
 template <class Interface>
 status_t defaultPassthroughServiceImplementation(const std::string& name, size_t maxThreads = 1) {
     configureRpcThreadpool(maxThreads, true);
@@ -40,5 +39,4 @@ status_t defaultPassthroughServiceImplementation(size_t maxThreads = 1) {
     return defaultPassthroughServiceImplementation<Interface>("default", maxThreads);
 }
 
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

@@ -1,10 +1,9 @@
-// Message queue descriptors. Fast message queues are not carried on the host; generated code only asserts the size.
+// Message queue descriptors. The host does not support fast message queues; generated code only asserts the size.
 #pragma once
 
 #include <hidl/HidlSupport.h>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 struct GrantorDescriptor {
     uint32_t flags;
@@ -23,5 +22,4 @@ struct MQDescriptor {
     uint32_t mFlags = 0;
 };
 
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

@@ -1,5 +1,5 @@
-// Registering services and finding them. There is no broker process: a directory on disk leads from a service's name to
-// the socket of its process.
+// Registers and finds services. There is no broker process: a directory on disk maps the name of a service to the
+// socket of its process.
 #pragma once
 
 #include <android/hidl/manager/1.0/IServiceManager.h>
@@ -7,20 +7,20 @@
 
 #include <string>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
-// Null: the host has no service manager, and with it no notifications of registrations.
+// Returns null: the host does not have a service manager.
 sp<::android::hidl::manager::V1_0::IServiceManager> defaultServiceManager();
 
 namespace details {
 
-// `getStub`: the implementation from a passthrough library. Otherwise the registered object itself when it is one of
-// this process, else a proxy. Waits for the service when `retry`, else null when it is not there.
+// If `getStub`, returns the implementation from a passthrough library. Otherwise returns the registered object if it is
+// in this process, or a proxy. If the service is not registered, waits for it if `retry`, and returns null otherwise.
 sp<::android::hidl::base::V1_0::IBase> getRawServiceInternal(const std::string& descriptor, const std::string& instance,
                                                              bool retry, bool getStub);
 
-// OK, UNEXPECTED_NULL, or UNKNOWN_ERROR with a log line. Replaces what was registered under the same names.
+// Registers a service, replacing services of the same names. Returns OK, UNEXPECTED_NULL, or UNKNOWN_ERROR after
+// logging the reason.
 status_t registerAsServiceInternal(const sp<::android::hidl::base::V1_0::IBase>& service, const std::string& name);
 
 template <typename BpType, typename IType = typename BpType::Pure>
@@ -28,11 +28,10 @@ sp<IType> getServiceInternal(const std::string& instance, bool retry, bool getSt
     const sp<::android::hidl::base::V1_0::IBase> base =
         getRawServiceInternal(IType::descriptor, instance, retry, getStub);
     if (base == nullptr) return nullptr;
-    // What came from another process has been asked for its interfaces already.
+    // The interfaces of a remote object have already been checked.
     if (base->isRemote()) return new BpType(getOrCreateCachedBinder(base.get()));
     return IType::castFrom(base).withDefault(nullptr);
 }
 
 }  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

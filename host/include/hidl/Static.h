@@ -1,5 +1,5 @@
-// Registries that generated code fills from constructors of libraries and empties from destructors. They are made when
-// first used and never destroyed, so the order in which libraries come and go does not matter.
+// Registries that generated code fills in the constructors of libraries and empties in their destructors. They are
+// created on first use and never destroyed, so the order in which libraries are loaded and unloaded does not matter.
 #pragma once
 
 #include <hidl/HidlSupport.h>
@@ -10,11 +10,9 @@
 #include <mutex>
 #include <string>
 
-namespace android {
-namespace hardware {
-namespace details {
+namespace android::hardware::details {
 
-// How to make something of an object, by the name of its interface. The functions take an IBase* as void*.
+// Functions that create a stub or a wrapper of an object, by the name of its interface. They take an IBase* as void*.
 template <typename R>
 class ConstructorMap {
   public:
@@ -28,7 +26,7 @@ class ConstructorMap {
         std::lock_guard<std::mutex> lock(mMutex);
         mMap.erase(descriptor);
     }
-    // An empty function when the interface is not known in this process.
+    // Returns an empty function if the interface is unknown in this process.
     Constructor get(const std::string& descriptor) const {
         std::lock_guard<std::mutex> lock(mMutex);
         const auto found = mMap.find(descriptor);
@@ -43,10 +41,10 @@ class ConstructorMap {
 ConstructorMap<IBinder>& getBnConstructorMap();
 ConstructorMap<::android::hidl::base::V1_0::IBase>& getBsConstructorMap();
 
-// The stub of every object of this process that was handed out and is still referred to: an object has one stub.
+// The stubs that other processes or threads refer to: an object of this process has at most one stub.
 class BnMap {
   public:
-    // The stub, made by `make` when there is none. Null when `make` gives none.
+    // Returns the stub, which `make` creates if necessary. Returns null if `make` does.
     sp<BHwBinder> getOrMake(const ::android::hidl::base::V1_0::IBase* object, const std::function<sp<IBinder>()>& make);
 
     // Called by the destructor of every stub.
@@ -66,7 +64,7 @@ struct BnMapAccess {
 };
 constexpr BnMapAccess gBnMap;
 
-// Scheduling and security labels of services are not kept on the host: everybody has the default.
+// Scheduling and security labels of services are ignored on the host: every service has the default.
 template <typename Value>
 class DefaultMap {
   public:
@@ -85,6 +83,4 @@ struct SchedPrio {
 constexpr DefaultMap<SchedPrio> gServicePrioMap{};
 constexpr DefaultMap<bool> gServiceSidMap{};
 
-}  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::details

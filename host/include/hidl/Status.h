@@ -1,5 +1,5 @@
-// The outcome of a call: Status says what happened, Return<T> carries it together with the result. A failed Return that
-// nobody looks at ends the process.
+// The outcome of a call: a Status, and a Return<T> that holds a Status and the result. A failed Return that is not
+// checked ends the process.
 #pragma once
 
 #include <hidl/HidlSupport.h>
@@ -9,8 +9,7 @@
 #include <ostream>
 #include <string>
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 class Status {
   public:
@@ -58,7 +57,7 @@ std::ostream& operator<<(std::ostream& os, const Status& status);
 template <typename T>
 class Return;
 
-// What becomes of a successful Return that nobody looked at. A failed one always ends the process.
+// What happens if a successful Return is not checked. A failed one always ends the process.
 enum class HidlReturnRestriction {
     NONE,
     ERROR_IF_UNCHECKED,
@@ -78,13 +77,13 @@ class return_status {
     return_status& operator=(return_status&& other) noexcept;
     ~return_status();
 
-    // Counts as having looked.
+    // Counts as a check.
     bool isOk() const;
-    // Counts as having looked when the answer is true.
+    // Counts as a check if it returns true.
     bool isDeadObject() const;
     bool isOkUnchecked() const { return mStatus.isOk(); }
 
-    // Ends the process when the call failed.
+    // Ends the process if the call failed.
     void assertOk() const;
 
     std::string description() const;
@@ -115,7 +114,7 @@ class Return : public details::return_status {
     Return(Return&&) noexcept = default;
     Return& operator=(Return&&) noexcept = default;
 
-    // Ends the process when the call failed.
+    // Ends the process if the call failed.
     operator T() const {
         onValueRetrieval();
         return mValue;
@@ -138,7 +137,7 @@ class Return<sp<T>> : public details::return_status {
     Return(Return&&) noexcept = default;
     Return& operator=(Return&&) noexcept = default;
 
-    // Ends the process when the call failed.
+    // Ends the process if the call failed.
     operator sp<T>() const {
         onValueRetrieval();
         return mValue;
@@ -164,7 +163,7 @@ inline Return<void> Void() {
 
 namespace details {
 
-// The same failure as a Return of another type.
+// Returns the same failure as a Return of another type.
 template <typename T, typename U>
 Return<U> StatusOf(const Return<T>& other) {
     other.mCheckedStatus = true;
@@ -172,5 +171,4 @@ Return<U> StatusOf(const Return<T>& other) {
 }
 
 }  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

@@ -1,14 +1,12 @@
-// The one-way calls of a passthrough wrapper: carried out in order by one thread, which is started with the first of
-// them. What is queued when the runner goes is still carried out.
+// Runs the one-way calls of a passthrough wrapper in order, on one thread that is started for the first of them. Calls
+// that are queued when the runner is destroyed are still run.
 #pragma once
 
 #include <cstddef>
 #include <functional>
 #include <memory>
 
-namespace android {
-namespace hardware {
-namespace details {
+namespace android::hardware::details {
 
 class TaskRunner {
   public:
@@ -19,10 +17,10 @@ class TaskRunner {
     TaskRunner(const TaskRunner&) = delete;
     TaskRunner& operator=(const TaskRunner&) = delete;
 
-    // At most `limit` tasks wait at a time.
+    // Limits the number of waiting tasks.
     void start(size_t limit);
 
-    // False when too many wait, start() was not called, or no thread can be started.
+    // Queues a task. Returns false if too many are waiting, start() was not called, or no thread can be started.
     bool push(const Task& task);
 
   private:
@@ -30,6 +28,4 @@ class TaskRunner {
     const std::shared_ptr<State> mState;  // shared with the thread, which may outlive the runner
 };
 
-}  // namespace details
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware::details

@@ -1,6 +1,5 @@
-// Nodes: what a call goes through. A BHwBinder is the stub of an object of this process (generated classes derive from
-// it); the node of an object of another process is made by the transport. IInterface is the side of a proxy that knows
-// its node.
+// Nodes, which execute calls. A BHwBinder is the stub of an object of this process; generated classes derive from it.
+// The transport creates the nodes of remote objects. IInterface is the part of a proxy that holds its node.
 #pragma once
 
 #include <utils/Errors.h>
@@ -10,13 +9,12 @@
 #include <functional>
 #include <memory>
 
-// The name that the device's headers have for the ordinary policy.
+// The name of the default policy in the device's headers.
 #ifndef SCHED_NORMAL
 #define SCHED_NORMAL 0
 #endif
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 class BHwBinder;
 class Parcel;
@@ -37,11 +35,11 @@ class IBinder : public virtual RefBase {
         virtual void binderDied(const wp<IBinder>& who) = 0;
     };
 
-    // Carries out a call: returns with the reply, or when a one-way call is on its way.
+    // Executes a call. Returns when the reply has arrived, or when a one-way call has been sent.
     virtual status_t transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags = 0,
                               TransactCallback callback = nullptr) = 0;
 
-    // The recipient is held weakly and called from a thread of the pool, never from inside linkToDeath().
+    // Holds the recipient weakly. It is called on a thread of the pool, never within linkToDeath().
     virtual status_t linkToDeath(const sp<DeathRecipient>& recipient, void* cookie = nullptr, uint32_t flags = 0) = 0;
     virtual status_t unlinkToDeath(const wp<DeathRecipient>& recipient, void* cookie = nullptr, uint32_t flags = 0,
                                    wp<DeathRecipient>* outRecipient = nullptr) = 0;
@@ -54,23 +52,23 @@ class BHwBinder : public IBinder {
   public:
     BHwBinder();
 
-    // An object of this process is called directly, never through its node: INVALID_OPERATION.
+    // Returns INVALID_OPERATION: an object of this process is called directly, not through its node.
     status_t transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags = 0,
                       TransactCallback callback = nullptr) override;
 
-    // An object of this process dies with it: INVALID_OPERATION.
+    // Return INVALID_OPERATION: an object of this process dies with it.
     status_t linkToDeath(const sp<DeathRecipient>& recipient, void* cookie = nullptr, uint32_t flags = 0) override;
     status_t unlinkToDeath(const wp<DeathRecipient>& recipient, void* cookie = nullptr, uint32_t flags = 0,
                            wp<DeathRecipient>* outRecipient = nullptr) override;
 
     BHwBinder* localBinder() override { return this; }
 
-    // Reads the arguments, calls the object, writes the reply. The reply leaves when `callback` is called with it, or
-    // after the return when it was not.
+    // Reads the arguments, calls the object and writes the reply. The reply is sent when `callback` is called with it,
+    // or else after the return.
     virtual status_t onTransact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags = 0,
                                 TransactCallback callback = nullptr) = 0;
 
-    // The one-way calls that wait for this object. Belongs to the transport.
+    // Returns the queue of one-way calls of this object. For the transport.
     host::OnewayQueue& onewayQueue() { return *mOnewayQueue; }
 
   protected:
@@ -85,7 +83,7 @@ class BHwBinder : public IBinder {
     std::unique_ptr<host::OnewayQueue> mOnewayQueue;
 };
 
-// What a proxy is beside its interface.
+// The part of a proxy that is not its interface.
 class IInterface : public virtual RefBase {
   public:
     static sp<IBinder> asBinder(IInterface* interface) { return interface == nullptr ? nullptr : interface->mRemote; }
@@ -106,5 +104,4 @@ class BpInterface : public INTERFACE, public IInterface {
     explicit BpInterface(const sp<IBinder>& remote) : IInterface(remote) {}
 };
 
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

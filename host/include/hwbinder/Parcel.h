@@ -1,6 +1,6 @@
-// The arguments or the results of one call, written by one side and read by the other in the same order. Scalars stand
-// in a stream; the memory of structs, vectors and strings stands in an arena, and the stream and a table say what is
-// where; objects stand in a table of nodes. Everything read is checked against all of this.
+// The arguments or the results of one call, written by one side and read by the other in the same order. Scalars are in
+// a stream. The memory of structs, vectors and strings is in an arena; the stream and a table of buffers describe it.
+// Objects are in a table of nodes. All reads are checked against these.
 #pragma once
 
 #include <cutils/native_handle.h>
@@ -15,12 +15,11 @@
 
 struct iovec;
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 namespace host {
 
-// Head of a parcel on the wire. Behind it: stream (padded to 8 bytes), node table, buffer table, arena.
+// The head of a parcel on the wire, followed by: stream (padded to 8 bytes), node table, buffer table, arena.
 struct WireHead {
     uint32_t streamSize;
     uint32_t nodeCount;
@@ -31,8 +30,8 @@ struct WireHead {
 struct WireNode {
     enum Kind : uint32_t {
         kNull = 0,
-        kSenders = 1,    // an object of the sender, by the sender's number
-        kReceivers = 2,  // an object of the receiver, by the receiver's number
+        kSenders = 1,    // an object of the sender, with the sender's number
+        kReceivers = 2,  // an object of the receiver, with the receiver's number
     };
     uint32_t kind;
     uint32_t zero;
@@ -47,7 +46,7 @@ struct WireBuffer {
     uint32_t length;
 };
 
-// The other end of a received parcel, which is told when the parcel does not hold what it claims to.
+// The source of a received parcel, which is notified if the parcel is invalid.
 class ParcelSource {
   public:
     virtual ~ParcelSource() = default;
@@ -64,11 +63,11 @@ class Parcel {
     Parcel(Parcel&&) noexcept = default;
     Parcel& operator=(Parcel&&) noexcept = default;
 
-    // Bodies above this are refused with FAILED_TRANSACTION, as on the device.
+    // The limit of a body. A larger one is refused with FAILED_TRANSACTION, as on the device.
     static constexpr size_t kMaxSize = 1024 * 1024 - 8 * 1024;
 
     status_t writeInterfaceToken(const char* interface);
-    // Whether the parcel was written for this interface.
+    // Returns whether the parcel was written for this interface.
     bool enforceInterface(const char* interface) const;
 
     status_t writeBool(bool value);
@@ -95,15 +94,16 @@ class Parcel {
     status_t readUint64(uint64_t* value) const;
     status_t readFloat(float* value) const;
     status_t readDouble(double* value) const;
-    // The text is not terminated; it lives as long as the parcel.
+    // The string is not terminated. It is valid as long as the parcel.
     status_t readText(const char** text, size_t* length) const;
 
-    // Copies the memory at once. The handle names the buffer as the parent of embedded ones.
+    // Copies the memory immediately. The handle identifies the buffer as the parent of embedded ones.
     status_t writeBuffer(const void* buffer, size_t length, size_t* handle);
     status_t writeEmbeddedBuffer(const void* buffer, size_t length, size_t* handle, size_t parentHandle,
                                  size_t parentOffset);
 
-    // Gives memory of the parcel, valid as long as it. Reading an embedded buffer sets the pointer in its parent.
+    // Returns memory of the parcel, which is valid as long as the parcel. Reading an embedded buffer sets the pointer
+    // in its parent.
     status_t readBuffer(size_t length, size_t* handle, const void** buffer) const;
     status_t readEmbeddedBuffer(size_t length, size_t* handle, size_t parentHandle, size_t parentOffset,
                                 const void** buffer) const;
@@ -111,13 +111,14 @@ class Parcel {
     status_t writeStrongBinder(const sp<IBinder>& binder);
     status_t readNullableStrongBinder(sp<IBinder>* binder) const;
 
-    // Only null crosses: descriptors of files are not carried (INVALID_OPERATION).
+    // Supports only null; anything else fails with INVALID_OPERATION.
     status_t writeNativeHandleNoDup(const native_handle_t* handle);
     status_t readNullableNativeHandleNoDup(const native_handle_t** handle) const;
 
-    // ---- The transport's side -----------------------------------------------------------------------------------
+    // ---- For the transport ----
 
-    // Why writing failed, for a writer who did not look; FAILED_TRANSACTION when it grew too big.
+    // Returns the first error of writing, in case the writer did not check; FAILED_TRANSACTION if the parcel is too
+    // large.
     status_t writeError() const { return mError; }
 
     const std::vector<sp<IBinder>>& nodes() const { return mNodes; }
@@ -125,16 +126,17 @@ class Parcel {
 
     size_t wireSize() const;
     static constexpr int kMaxPieces = 6;
-    // The pieces of the body in the order of the wire, without copying: they live as long as the parcel, `head` and
-    // `wireNodes` (one per node). Returns how many there are.
+    // Sets `pieces` to the parts of the body in the order of the wire. They are not copied: they are valid as long as
+    // the parcel, `head` and `wireNodes` (one per node). Returns their number.
     int wirePieces(host::WireHead* head, const host::WireNode* wireNodes, iovec* pieces) const;
 
-    // Takes over a received body and checks its structure; false when it has none. The arena is used in place.
+    // Takes ownership of a received body. Returns whether its structure is valid. The arena is used in place.
     bool adopt(std::unique_ptr<uint64_t[]> body, size_t size);
     const host::WireNode* wireNodes(size_t* count) const;
     void setSource(const std::shared_ptr<host::ParcelSource>& source) { mSource = source; }
 
-    // The parcel is well formed but is not what the reader's interface says: its source cannot be trusted any further.
+    // Reports that the parcel is well-formed but does not match the reader's interface: its source can no longer be
+    // trusted.
     status_t damaged() const;
 
   private:
@@ -154,10 +156,10 @@ class Parcel {
     std::vector<host::WireBuffer> mBuffers;
     std::vector<uint8_t> mArena;
 
-    // Both ways: as written, or as received and resolved.
+    // Writing and reading: as written, or as received and resolved.
     std::vector<sp<IBinder>> mNodes;
 
-    // Reading: the received body, the tables in it, and how far reading has come.
+    // Reading: the received body, its tables, and the current position.
     std::unique_ptr<uint64_t[]> mBody;
     host::WireHead mHead = {};
     const uint8_t* mReadStream = nullptr;
@@ -170,5 +172,4 @@ class Parcel {
     std::shared_ptr<host::ParcelSource> mSource;
 };
 
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

@@ -1,16 +1,14 @@
-// The thread pool of this process as generated code knows it.
+// The thread pool of this process for generated code.
 #pragma once
 
-namespace android {
-namespace hardware {
+namespace android::hardware {
 
 class ProcessState {
   public:
     static ProcessState* self();
 
-    // From now on the pool's threads are started as there is work for them.
+    // Starts the pool: from now on, its threads are started as needed.
     void startThreadPool();
 };
 
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

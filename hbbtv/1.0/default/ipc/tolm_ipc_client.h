@@ -1,4 +1,4 @@
-// The sending end of an IPC endpoint, whatever transport is below it.
+// The sending end of an IPC endpoint, independent of the transport.
 #pragma once
 
 #include <vector>
@@ -9,11 +9,11 @@ class TolmIpcClient {
   public:
     virtual ~TolmIpcClient() = default;
 
-    // Sends a one-way message: whether it was written. A client without a transport reports success.
+    // Sends a one-way message. Returns whether it was written; a client without a transport returns true.
     virtual bool Send(const std::vector<unsigned char>& /*msg*/) { return true; }
 
-    // Sends a request and waits for its reply, which is appended to `reply`: whether a whole reply came. Requests of
-    // one client have to be made one at a time; one-way messages may be sent beside them.
+    // Sends a request and appends its reply to `reply`. Returns whether a complete reply was received. Requests of one
+    // client must be made one at a time; one-way messages may be sent concurrently.
     virtual bool SendSync(const std::vector<unsigned char>& /*msg*/, std::vector<unsigned char>& /*reply*/) {
         return true;
     }

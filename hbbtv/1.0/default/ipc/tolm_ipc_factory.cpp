@@ -15,7 +15,7 @@ TolmIpcFactory* TolmIpcFactory::GetInstance() {
     return sInstance;
 }
 
-// The platform's log filters count on the "Create socket ..." lines being errors.
+// The platform's log filters rely on "Create socket ..." being an error.
 std::unique_ptr<TolmIpcClient> TolmIpcFactory::CreateIpcClient(TolmIpcKeyId key, int port, TolmIpcType type) {
     if (type == TOLM_IPC_TYPE_SOCKET) {
         TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Create socket client");

@@ -1,4 +1,4 @@
-// Makes IPC clients and servers. It alone knows which transports exist.
+// Creates IPC clients and servers. Nothing else depends on the transport.
 #pragma once
 
 #include <memory>
@@ -12,13 +12,13 @@ namespace tolm {
 
 class TolmIpcFactory {
   public:
-    // Never destroyed.
+    // Returns the factory, which is never destroyed.
     static TolmIpcFactory* GetInstance();
 
-    // A client, or null for an unknown type. `port` tells the server who sends.
+    // Returns a client, or null for an unknown type. `port` identifies the client to the server.
     std::unique_ptr<TolmIpcClient> CreateIpcClient(TolmIpcKeyId key, int port, TolmIpcType type);
 
-    // A server, or null for an unknown type. The delegate has to outlive it.
+    // Returns a server, or null for an unknown type. The delegate must outlive it.
     std::unique_ptr<TolmIpcServer> CreateIpcServer(TolmIpcKeyId key, TolmIpcServerDelegate* delegate, TolmIpcType type);
 
   private:

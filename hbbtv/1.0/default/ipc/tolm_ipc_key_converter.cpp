@@ -15,8 +15,8 @@ TolmIpcKeyConverter* TolmIpcKeyConverter::GetInstance() {
     return sInstance;
 }
 
-// Queue ids: 0x9600.... leads to this library, 0x9601.... comes from it, 22 keys later. The programme endpoints break
-// the pattern of their neighbours; the platform knows them so.
+// Queue ids: 0x9600.... are the endpoints that the platform serves, 0x9601.... those that this library serves, 22 keys
+// later. The programme endpoints do not follow the pattern of their neighbours; the platform uses these ids.
 TolmIpcKeyConverter::TolmIpcKeyConverter()
     : mKeys{
           {TOLM_IPC_KEY_INPUT_COMMON, {0x91000000, 0, "input_common"}},
@@ -114,7 +114,7 @@ size_t TolmIpcKeyConverter::GetNum() {
 }
 
 std::string GetSocketFilePath(const std::string& name) {
-    // A copy: the environment's own text may go when somebody changes the variable.
+    // A copy: the environment's own string becomes invalid when the variable changes.
     static const std::string kDirectory = [] {
         const char* directory = getenv("TMPDIR");
         return std::string(directory != nullptr ? directory : "/tmp");

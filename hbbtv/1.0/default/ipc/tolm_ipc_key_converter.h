@@ -1,5 +1,5 @@
-// The table of all IPC endpoints: which message queue and which socket file belong to a key. Both sides of the wire
-// have to use the same names, so a row is never changed.
+// The table of all IPC endpoints: the message queue and the socket file of each key. Both sides of the wire must use
+// the same names, so rows never change.
 #pragma once
 
 #include <cstddef>
@@ -13,21 +13,21 @@
 namespace tolm {
 
 struct TolmIpcKey {
-    uint32_t msgQueueId;  // for the platform's other transports; this library opens no queue
-    int32_t reserved;     // always 0, read by nothing
+    uint32_t msgQueueId;  // for the platform's other transports; this library does not open queues
+    int32_t reserved;     // always 0, never read
     std::string socketName;
 };
 
-// All functions may be called from any thread.
+// Thread-safe.
 class TolmIpcKeyConverter {
   public:
-    // Never destroyed.
+    // Returns the table, which is never destroyed.
     static TolmIpcKeyConverter* GetInstance();
 
-    // The key's message-queue id. An unknown key gives 0 and adds an all-zero row to the table.
+    // Returns the key's message-queue id. For an unknown key, returns 0 and adds an all-zero row to the table.
     int GetMsgQueueId(TolmIpcKeyId key);
 
-    // The key's socket name, valid for ever. An unknown key gives an empty name and an error line.
+    // Returns the key's socket name, which stays valid. For an unknown key, logs an error and returns an empty name.
     const std::string& GetSocketName(TolmIpcKeyId key);
 
     size_t GetNum();
@@ -42,11 +42,11 @@ class TolmIpcKeyConverter {
     std::map<TolmIpcKeyId, TolmIpcKey> mKeys;  // guarded by mMutex; rows are added, never changed or removed
 };
 
-// Path of the socket that a server of this name listens on. The directory is the environment variable TMPDIR, or /tmp
-// without it, as it was when the first path was made.
+// Returns the path of the socket that a server of this name listens on. The directory is the environment variable
+// TMPDIR (default: /tmp) at the time of the first call.
 std::string GetSocketFilePath(const std::string& name);
 
-// Path of the socket that the client with this port binds for itself.
+// Returns the path of the socket that the client with this port binds.
 std::string GetSocketFilePath(const std::string& name, int port);
 
 }  // namespace tolm

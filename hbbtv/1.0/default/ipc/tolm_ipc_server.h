@@ -1,26 +1,26 @@
-// The receiving end of an IPC endpoint, whatever transport is below it, and who is told of what it receives.
+// The receiving end of an IPC endpoint, independent of the transport, and the delegate that receives its messages.
 #pragma once
 
 #include <vector>
 
 namespace tolm {
 
-// Called on the server's threads, from several connections at once.
+// Called on the server's threads, concurrently for several connections.
 class TolmIpcServerDelegate {
   public:
     virtual ~TolmIpcServerDelegate() = default;
 
-    // A one-way message. `port` is the sender's, from the message's header.
+    // Handles a one-way message. `port` is the sender's, from the message's header.
     virtual void OnRecv(const std::vector<unsigned char>& /*msg*/, int /*port*/) {}
 
-    // A request; what is left in `reply` goes back to the sender. An empty reply looks to it like a closed connection.
+    // Handles a request; `reply` is sent back. The sender takes an empty reply for a closed connection.
     virtual void OnRecvSync(const std::vector<unsigned char>& /*msg*/, std::vector<unsigned char>& /*reply*/,
                             int /*port*/) {}
 };
 
 class TolmIpcServer {
   public:
-    // Returns when no thread of the server runs any more.
+    // Waits until all threads of the server have ended.
     virtual ~TolmIpcServer() = default;
 
     virtual void Start() {}

@@ -1,10 +1,10 @@
-// What names an IPC endpoint and what a message is, shared by all layers of the transport.
+// The names of IPC endpoints and the types of messages, shared by all layers of the transport.
 #pragma once
 
 #include <cstdint>
 
-// One IPC endpoint. The names are those of the sockets (tolm_ipc_key_converter.cpp); a "plugin" is the TV platform's
-// side, which serves the ..._PLUGIN_TO_HBBTV_... endpoints, while this library serves the ..._HBBTV_TO_PLUGIN_... ones.
+// An IPC endpoint, named after its socket (tolm_ipc_key_converter.cpp). "Plugin" is the TV platform: it serves the
+// ..._PLUGIN_TO_HBBTV_... endpoints, and this library serves the ..._HBBTV_TO_PLUGIN_... ones.
 enum TolmIpcKeyId : int32_t {
     TOLM_IPC_KEY_INPUT_COMMON = 0,
     TOLM_IPC_KEY_MAS = 1,
@@ -71,14 +71,14 @@ enum TolmIpcKeyId : int32_t {
     TOLM_IPC_KEY_SERVICE_GAM_TO_BROWSER = 62,
 };
 
-// The transport below a client or server. Only Unix-domain stream sockets exist.
+// The transport of a client or server. There are only Unix-domain stream sockets.
 enum TolmIpcType : int32_t {
     TOLM_IPC_TYPE_SOCKET = 1,
 };
 
-// What a message is to its receiver, which reads and drops any other value.
+// The type of a message. Messages of any other type are read and dropped.
 enum TolmIpcMessageType : int32_t {
-    TOLM_IPC_MSG_ASYNC = 1,  // one-way: nothing is sent back
+    TOLM_IPC_MSG_ASYNC = 1,  // one-way: no reply
     TOLM_IPC_MSG_SYNC = 2,   // a request: exactly one reply follows on the same connection
     TOLM_IPC_MSG_REPLY = 3,  // the reply to a request, with the request's port
 };

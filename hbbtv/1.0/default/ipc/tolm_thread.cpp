@@ -32,7 +32,7 @@ TolmThread::~TolmThread() {
 bool TolmThread::Start(std::function<void()> body) {
     auto owned = std::make_unique<std::function<void()>>(std::move(body));
     if (pthread_create(&mThread, nullptr, RunBody, owned.get()) != 0) return false;
-    owned.release();  // the thread has it now
+    owned.release();  // the thread owns it now
     mJoinable = true;
     return true;
 }

@@ -1,5 +1,4 @@
-// A thread that has to be joined and whose start may fail. std::thread says so by an exception, which the device's
-// build does not have.
+// A thread whose start may fail. std::thread reports that by an exception, but the device's build has no exceptions.
 #pragma once
 
 #include <pthread.h>
@@ -15,16 +14,16 @@ class TolmThread {
     TolmThread& operator=(TolmThread&& other) noexcept;
     ~TolmThread();
 
-    // Whether the thread runs. Not while an earlier one is still to be joined.
+    // Starts a thread. Returns whether it was started. An earlier thread must have been joined or detached.
     bool Start(std::function<void()> body);
 
-    // Lets the thread run on by itself: nobody joins it.
+    // Detaches the thread, so that it need not be joined.
     void Detach();
 
-    // Whether there is a thread to be joined.
+    // Returns whether there is a thread to join.
     bool Joinable() const { return mJoinable; }
 
-    // Waits for the thread's end; nothing to do when there is none.
+    // Waits until the thread, if any, ends.
     void Join();
 
   private:

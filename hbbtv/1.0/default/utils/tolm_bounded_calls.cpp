@@ -7,12 +7,11 @@
 
 #include "ipc/tolm_log.h"
 #include "ipc/tolm_thread.h"
+#include "utils/include/tolm_service_tags.h"
 
 namespace {
 
-constexpr char kTag[] = "[hidl_base]";
-
-// Clients that register again and again, and never return, are not given more threads than this.
+// The limit for clients that register repeatedly and never return.
 constexpr int kMostThreads = 16;
 std::atomic<int> gThreads{0};
 
@@ -32,7 +31,7 @@ struct TolmBoundedCalls::Call {
         returned.notify_all();
     }
 
-    // Whether it has returned in time.
+    // Returns whether the call has returned in time.
     bool Wait(std::chrono::milliseconds patience) {
         std::unique_lock<std::mutex> lock(mutex);
         return returned.wait_for(lock, patience, [this] { return done; });
@@ -41,21 +40,21 @@ struct TolmBoundedCalls::Call {
 
 int TolmBoundedCalls::Run(const void* callee, std::function<int()> call) {
     if (mLast != nullptr && mLast->callee == callee && !mLast->Wait(std::chrono::milliseconds(0))) return -1;
-    const auto made = std::make_shared<Call>();
-    made->callee = callee;
+    const auto current = std::make_shared<Call>();
+    current->callee = callee;
     tolm::TolmThread thread;
     const bool room = ++gThreads <= kMostThreads;
-    if (!room || !thread.Start([made, call = std::move(call)] {
-            made->Finish(call());
+    if (!room || !thread.Start([current, call = std::move(call)] {
+            current->Finish(call());
             --gThreads;
         })) {
         --gThreads;
-        TOLM_LOG(ANDROID_LOG_ERROR, kTag, "no thread for a call of the client");
+        TOLM_LOG(ANDROID_LOG_ERROR, tolm::kHidlBaseTag, "no thread for a call of the client");
         return -1;
     }
     thread.Detach();
-    mLast = made;
-    if (!made->Wait(mPatience)) TOLM_LOG(ANDROID_LOG_WARN, kTag, "the client does not return");
-    std::lock_guard<std::mutex> lock(made->mutex);
-    return made->result;
+    mLast = current;
+    if (!current->Wait(mPatience)) TOLM_LOG(ANDROID_LOG_WARN, tolm::kHidlBaseTag, "the client does not return");
+    std::lock_guard<std::mutex> lock(current->mutex);
+    return current->result;
 }

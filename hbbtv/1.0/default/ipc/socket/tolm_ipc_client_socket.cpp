@@ -97,7 +97,7 @@ bool TolmIpcClientSocket::SendSync(const std::vector<unsigned char>& msg, std::v
         if (!SendLocked(TOLM_IPC_MSG_SYNC, msg)) return false;
         connection = mConnection;
     }
-    // The reply is whatever comes next: its type and port are not looked at.
+    // The next message is the reply, whatever its type and port.
     TolmIpcSocketMsgHeader header{};
     bool alive = true;
     const bool received = RecvInternalSocket(connection->fd, header, reply, alive);

@@ -1,5 +1,5 @@
-// The IPC client over a Unix-domain stream socket. It connects when the first message is sent, and again after the
-// server has gone.
+// The IPC client over a Unix-domain stream socket. Connects for the first message, and again after the server has
+// closed the connection.
 #pragma once
 
 #include <memory>
@@ -17,16 +17,16 @@ class TolmIpcClientSocket : public TolmIpcClient {
     TolmIpcClientSocket(TolmIpcKeyId key, int port);
     ~TolmIpcClientSocket() override;
 
-    // Any thread. Each call makes at most one attempt to connect.
+    // Thread-safe. Makes at most one attempt to connect.
     bool Send(const std::vector<unsigned char>& msg) override;
 
-    // One thread at a time, beside any number in Send().
+    // One thread at a time; other threads may call Send() concurrently.
     bool SendSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply) override;
 
   private:
     struct Connection;
 
-    // All called with mMutex held, but for the constructor.
+    // Called with mMutex held, except by the constructor.
     bool Init();
     bool Connect();
     bool ReconnectIfNeeded();
@@ -35,11 +35,11 @@ class TolmIpcClientSocket : public TolmIpcClient {
     const std::string mSocketName;
     const int mPort;
 
-    // Held while one message is written, never while a reply is waited for.
+    // Held while a message is written, never while waiting for a reply.
     std::mutex mMutex;
 
-    // Guarded by mMutex. Who waits for a reply keeps the connection it was asked on, so that its descriptor is not
-    // closed, and its number not given to another file, while that thread still reads from it.
+    // Guarded by mMutex. A thread that waits for a reply shares the connection, so that its descriptor is not closed
+    // and reused for another file while that thread reads from it.
     std::shared_ptr<Connection> mConnection;
 };
 

@@ -22,7 +22,7 @@ struct Free {
     void operator()(void* block) const { free(block); }
 };
 
-// A signal is no reason to lose one's place in the stream.
+// Continues after a signal, which must not lose the position in the stream.
 ssize_t Receive(int fd, void* to, size_t size) {
     ssize_t n;
     do {
@@ -36,9 +36,9 @@ void PeerClosed(bool& alive) {
     TOLM_SOCKET_LOG(ANDROID_LOG_WARN, "peer closed!");
 }
 
-// A vector that cannot grow ends the process, so malloc is asked first; volatile, since compilers leave out an
-// allocation that nobody uses. One thread at a time, or two would be promised the same memory.
-std::mutex sMemoryMutex;
+// A vector that cannot grow ends the process, so malloc is tried first; volatile, because compilers remove an unused
+// allocation. One thread at a time: otherwise two could count on the same memory.
+std::mutex gMemoryMutex;
 
 bool AvailableLocked(size_t size) {
     void* volatile probe = malloc(size);
@@ -49,19 +49,19 @@ bool AvailableLocked(size_t size) {
 
 bool Reserve(std::vector<unsigned char>& payload, size_t capacity) {
     if (payload.capacity() >= capacity) return true;
-    std::lock_guard<std::mutex> lock(sMemoryMutex);
+    std::lock_guard<std::mutex> lock(gMemoryMutex);
     if (!AvailableLocked(capacity)) return false;
     payload.reserve(capacity);
     return true;
 }
 
-// The announced size is any number that a peer likes to write. One that could not be stored is refused at once; of a
-// large one only the first part is reserved, and the rest as its bytes come.
+// The announced size is not trusted. A size that could not be stored is refused immediately. For a large one, only the
+// first part is reserved, and the rest as its bytes arrive.
 bool ReserveAhead(std::vector<unsigned char>& payload, size_t size) {
     constexpr size_t kAhead = 1u << 20;
     if (size > payload.max_size() - payload.size()) return false;
     if (size <= kAhead) return Reserve(payload, payload.size() + size);
-    std::lock_guard<std::mutex> lock(sMemoryMutex);
+    std::lock_guard<std::mutex> lock(gMemoryMutex);
     if (!AvailableLocked(payload.size() + size)) return false;
     payload.reserve(payload.size() + kAhead);
     return true;
@@ -80,7 +80,7 @@ bool CannotStore(bool& alive) {
     return false;
 }
 
-// `header` is not touched before all of it has come: who goes by its type must not act on a part.
+// `header` is set only once it is complete, so that the caller does not act on a part of it.
 bool ReceiveHeader(int fd, TolmIpcSocketMsgHeader& header, bool& alive) {
     unsigned char bytes[sizeof(header)];
     size_t received = 0;
@@ -91,7 +91,7 @@ bool ReceiveHeader(int fd, TolmIpcSocketMsgHeader& header, bool& alive) {
             return false;
         }
         if (n < 0) {
-            // The full-width colon is in the text that log filters on the device look for.
+            // Log filters on the device look for this text with the full-width colon.
             TOLM_SOCKET_LOG(ANDROID_LOG_WARN, "Recv Error：:%s", strerror(errno));
             return false;
         }

@@ -1,4 +1,4 @@
-// The framing of the IPC wire: a 12-byte header, then the payload. Clients and servers touch a socket's data only
+// The framing of the IPC wire: a 12-byte header, then the payload. Clients and servers read and write sockets only
 // through these functions.
 #pragma once
 
@@ -12,28 +12,28 @@
 
 namespace tolm {
 
-// On the wire as it is in memory: host byte order, no padding. Both ends are on the same machine.
+// Sent as it is in memory: host byte order, no padding. Both ends are on the same machine.
 struct TolmIpcSocketMsgHeader {
-    uint32_t size;  // number of payload bytes behind the header
+    uint32_t size;  // number of payload bytes after the header
     TolmIpcMessageType type;
     int32_t port;  // the sender's port; a reply carries that of its request
 };
 static_assert(sizeof(TolmIpcSocketMsgHeader) == 12, "the header is 12 bytes on the wire");
 
-// Writes one message: whether all of it was written. `alive` becomes false when the peer has gone, and is not touched
-// otherwise. Two threads must not write to one socket at the same time.
+// Writes one message. Returns whether it was written completely. Sets `alive` to false if the peer has closed the
+// connection. Not thread-safe for one socket.
 bool SendInternalSocket(int fd, int port, TolmIpcMessageType type, const std::vector<unsigned char>& payload,
                         bool& alive);
 
-// Reads one message: whether a whole one came. The payload is appended to `payload`. `alive` becomes false when the
-// peer has closed the connection, when the payload cannot be stored, and when the message is empty, which is how a peer
-// says that it has no reply; it is not touched otherwise.
+// Reads one message and appends its payload to `payload`. Returns whether it was complete. Sets `alive` to false if the
+// peer has closed the connection, if the payload cannot be stored, or if the message is empty, which is how a peer
+// sends no reply.
 bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsigned char>& payload, bool& alive);
 
-// The address of a socket file, cut at the 107 characters that an address holds.
+// Returns the address of a socket file, truncated to the 107 characters that fit into an address.
 sockaddr_un SocketAddress(const std::string& path);
 
-// Closes a descriptor, if it is one.
+// Closes a descriptor unless it is negative.
 void CloseSocket(int fd);
 
 }  // namespace tolm

@@ -57,8 +57,8 @@ TolmIpcServerSocket::~TolmIpcServerSocket() {
     {
         std::lock_guard<std::mutex> lock(mMutex);
         mRunning = false;
-        // A shut down socket wakes the thread that waits in accept or in a read. Nothing is closed while a thread may
-        // still use its number.
+        // The shutdown wakes threads that wait in accept or in a read. No descriptor is closed while a thread may still
+        // use its number.
         shutdown(mListenFd, SHUT_RDWR);
         for (const Connection& connection : mConnections) shutdown(connection.fd, SHUT_RDWR);
     }
@@ -86,9 +86,9 @@ bool TolmIpcServerSocket::Running() {
     return mRunning;
 }
 
-// A platform that connects for every event may do so faster than the connections' threads can end, and threads would
-// pile up until no more can be started. So with many connections at once the next is accepted when one has ended, or
-// else after a pause.
+// A platform that connects for every event may do so faster than the connections' threads end; threads would accumulate
+// until no more can be started. So with many connections, the next one is accepted when one has ended, or after a
+// pause.
 bool TolmIpcServerSocket::RunningWithRoom() {
     constexpr size_t kMany = 64;
     constexpr std::chrono::milliseconds kPause{10};
@@ -113,12 +113,12 @@ void TolmIpcServerSocket::Run() {
     }
 }
 
-// Accepting goes on at once after a failure. A failure that stays (no descriptors left, a socket that could not be
-// bound) must not fill the log and a processor for ever, so a long run of them is slowed down.
+// Accepting continues immediately after a failure. A permanent failure (no descriptors left, a socket that could not be
+// bound) must not flood the log or keep a processor busy, so after many in a row there is a pause.
 void TolmIpcServerSocket::PauseAfterFailures(int failures) {
-    constexpr int kAtOnce = 100;
+    constexpr int kWithoutPause = 100;
     constexpr std::chrono::milliseconds kPause{100};
-    if (failures < kAtOnce) return;
+    if (failures < kWithoutPause) return;
     std::unique_lock<std::mutex> lock(mMutex);
     mChanged.wait_for(lock, kPause, [this] { return !mRunning; });
 }
@@ -126,7 +126,7 @@ void TolmIpcServerSocket::PauseAfterFailures(int failures) {
 void TolmIpcServerSocket::StartConnection(int fd, const sockaddr_un& peer) {
     std::lock_guard<std::mutex> lock(mMutex);
     const auto connection = mConnections.insert(mConnections.end(), Connection{fd, {}});
-    // The new thread cannot end before its own handle is stored: for that it needs the mutex.
+    // The new thread cannot end before its handle is stored, because it needs the mutex to end.
     const bool started = mRunning && connection->thread.Start([this, connection, fd, peer] {
         OnRecv(fd, peer);
         EndConnection(connection);
@@ -141,8 +141,7 @@ void TolmIpcServerSocket::OnRecv(int fd, sockaddr_un) {
     bool alive = true;
     std::vector<unsigned char> payload;
     while (Running()) {
-        // A message whose header came is handed on even when reading its payload failed, with what has come of it: the
-        // JSON layer says what is wrong with it.
+        // A message with a header is delivered even if its payload is incomplete: the JSON layer reports the error.
         TolmIpcSocketMsgHeader header{};
         RecvInternalSocket(fd, header, payload, alive);
         if (!alive) break;
@@ -158,8 +157,8 @@ void TolmIpcServerSocket::OnRecv(int fd, sockaddr_un) {
     }
 }
 
-// The thread joins those that ended before it and leaves itself to the next, so that at most one is unjoined when all
-// have ended; and it counts as a connection until nothing holds it up any more.
+// The thread joins the one that ended before it and is itself joined by the next one, so that at most one is unjoined
+// when all have ended. It counts as a connection until it no longer waits for anything.
 void TolmIpcServerSocket::EndConnection(Connections::iterator connection) {
     std::unique_lock<std::mutex> lock(mMutex);
     CloseSocket(std::exchange(connection->fd, -1));

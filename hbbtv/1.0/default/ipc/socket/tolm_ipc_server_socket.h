@@ -1,4 +1,4 @@
-// The IPC server over a Unix-domain stream socket: one thread that accepts, one thread per connection.
+// The IPC server over a Unix-domain stream socket: one thread accepts, and each connection has its own thread.
 #pragma once
 
 #include <sys/un.h>
@@ -15,14 +15,14 @@ namespace tolm {
 
 class TolmIpcServerSocket : public TolmIpcServer {
   public:
-    // Creates the key's socket file, replacing an old one, and listens on it. What fails is logged; the server can be
-    // started all the same, and its accept calls then fail.
+    // Creates the key's socket file, replacing an old one, and listens on it. A failure is logged; the server can still
+    // be started, but its accept calls fail.
     TolmIpcServerSocket(TolmIpcKeyId key, TolmIpcServerDelegate* delegate);
 
-    // Ends all connections and joins all threads. A delegate that runs is waited for.
+    // Ends all connections, joins all threads and waits for a delegate that is running.
     ~TolmIpcServerSocket() override;
 
-    // Starts accepting. Once.
+    // Starts accepting. Further calls do nothing.
     void Start() override;
 
   private:
@@ -34,13 +34,13 @@ class TolmIpcServerSocket : public TolmIpcServer {
 
     void Listen(const std::string& path);
 
-    // The accept thread.
+    // On the accept thread.
     void Run();
     bool RunningWithRoom();
     void StartConnection(int fd, const sockaddr_un& peer);
     void PauseAfterFailures(int failures);
 
-    // A connection thread; the peer's address is of no use.
+    // On a connection's thread. The peer's address is not used.
     void OnRecv(int fd, sockaddr_un peer);
     void EndConnection(Connections::iterator connection);
 

@@ -19,7 +19,7 @@ std::string NumberedKey(size_t index) {
     return ("k" + std::to_string(index)).substr(0, 3);
 }
 
-// Of the values whose names are the same, the last one stays.
+// If several values have the same name, the last one counts.
 void AddNumberedInts(const Member& member, Json::Value& object) {
     size_t index = 0;
     for (const int value : *member.asInts) object[NumberedKey(index++)] = value;

@@ -1,11 +1,11 @@
-// The words in which an adaptor writes the rows of its wire table, and the base that carries a row out.
+// The vocabulary in which an adaptor writes the rows of its wire table, and the base class that executes a row.
 //
 //     int TolmVideoBroadcastAdaptorIpc::GetVolume(const void* vb, unsigned& volume) {
 //         return Call(16, {Pointer("vb_handle", vb)}, {ToUInt("volume", volume)});
 //     }
 //
-// Keys are literals. Nothing is converted on the way: the word says the JSON type, and an argument of another type does
-// not compile.
+// Keys are literals. Nothing is converted implicitly: the name of the function is the JSON type, and an argument of
+// another type does not compile.
 #pragma once
 
 #include <json/json.h>
@@ -31,7 +31,7 @@ struct Method {
     Place place;
 };
 
-// A member of a request. Lives as long as the expression it stands in: texts are not copied.
+// A member of a request. Strings are not copied, so it is valid only within the expression that contains it.
 struct Member {
     enum class Kind { kInt, kUInt, kBool, kReal, kText, kArray, kPointer, kNumberedInts, kNumberedPointers };
 
@@ -56,9 +56,9 @@ Member Bool(const char* key, bool value);
 Member Real(const char* key, double value);
 Member Text(const char* key, const std::string& value);
 Member Pointer(const char* key, const void* value);
-Member NumberedInts(const std::vector<int>& values);                         // k0, k1, ...: see ToNumberedInts()
+Member NumberedInts(const std::vector<int>& values);                         // k0, k1, ..., see ToNumberedInts()
 Member NumberedPointers(const char* key, const std::vector<void*>& values);  // key0, key1, ...
-Member Array(const char* key, const Json::Value& elements);                  // each of them an Object()
+Member Array(const char* key, const Json::Value& elements);                  // each element is an Object()
 template <typename T>
 Member Int(const char* key, T value) = delete;
 template <typename T>
@@ -68,12 +68,12 @@ Member Bool(const char* key, T value) = delete;
 template <typename T>
 Member Real(const char* key, T value) = delete;
 
-// An element of an array.
+// Builds an element of an array.
 Json::Value Object(std::initializer_list<Member> members);
 
-// A member of a reply or an event and the variable that it is read into. All but a pointer are read leniently: a member
-// that is missing or cannot be converted gives 0, false or "". A pointer that is no text fails, and its variable keeps
-// its value; null is the empty text. So does a count above kMostNumbered.
+// A member of a reply or an event and the variable that it is read into. A member that is missing or cannot be
+// converted reads as 0, false or "". Two kinds can fail, and leave the variable unchanged: a pointer that is not a
+// string (the empty string is null), and a count above kMostNumbered.
 struct Target {
     const char* key;
     void* to;
@@ -82,39 +82,42 @@ struct Target {
 
 Target ToInt(const char* key, int& to);
 Target ToUInt(const char* key, unsigned& to);
-Target ToIntBits(const char* key, unsigned& to);  // an int of the wire: -1 gives 4294967295
+Target ToIntBits(const char* key, unsigned& to);  // an int on the wire: -1 reads as 4294967295
 Target ToCount(const char* key, unsigned& to);
 Target ToInt64(const char* key, int64_t& to);
 Target ToUInt64(const char* key, uint64_t& to);
 Target ToBool(const char* key, bool& to);
-Target ToFlag(const char* key, bool& to);  // of an int: whether it is not 0
+Target ToFlag(const char* key, bool& to);  // an int on the wire: true unless it is 0
 Target ToReal(const char* key, double& to);
 Target ToText(const char* key, std::string& to);
 Target ToPointer(const char* key, void*& to);
 
-// Appends the members k0, k1, ..., as many as the count says; one above kMostNumbered fails, and nothing is appended.
-// The platform has room for three characters in such a name: k10 also stands for 100 to 109, for 1000 to 1099, ...
+// Appends the members k0, k1, ...; the member `countKey` is their number. A count above kMostNumbered fails, and
+// nothing is appended. The platform cuts such names to three characters: k10 also stands for k100 to k109, k1000 to
+// k1099, ...
 Target ToNumberedInts(const char* countKey, std::vector<int>& to);
 
-// Lists of numbers on the wire are short. The count comes from outside, and no more than this is made of it.
+// The limit of a count on the wire, which is not trusted. Lists of numbers are short.
 constexpr int kMostNumbered = 65536;
 
-// Reads all targets: whether none failed.
+// Reads all targets. Returns whether none failed.
 bool Read(const Json::Value& object, std::initializer_list<Target> targets);
 
-// The client side of every adaptor.
+// The client side of every adaptor. Adaptors are thread-safe. An operation returns the platform's status (0 on
+// success), or -1 without a valid reply, and sets its results only on success. A one-way operation does not wait for
+// the platform; it returns 0 if the message was written, -1 otherwise. Platform objects are passed as handles, which
+// are valid until they are released.
 class TolmAdaptorClient : public TolmBaseClient {
   protected:
     // `family` is kept by reference: a row of tolm_family.h.
     explicit TolmAdaptorClient(const Family& family);
     ~TolmAdaptorClient() = default;
 
-    // Carries out an operation: logs ENTER and LEAVE, sends the request and waits for the reply. The status is the
-    // platform's "ret", or -1 when there was no proper reply or a result failed. Results are read only on status 0.
+    // Executes an operation: logs ENTER and LEAVE, sends the request and waits for the reply. Returns the platform's
+    // "ret", or -1 if there is no valid reply or a result cannot be read. Results are read only on status 0.
     int Call(const Method& method, std::initializer_list<Member> request, std::initializer_list<Target> results = {});
 
-    // The same for an operation without a reply: 0 when it was written. `logFailure`, if any, writes a line of its own
-    // when it was not.
+    // Executes a one-way operation. `logFailure`, if any, is called if the message was not written.
     int Post(const Method& method, std::initializer_list<Member> request,
              void (*logFailure)(const Method& method) = nullptr);
 

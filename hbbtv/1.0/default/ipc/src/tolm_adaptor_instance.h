@@ -1,5 +1,4 @@
-// The one instance of an adaptor class: made when it is first needed, kept until the process ends or somebody deletes
-// it.
+// The singleton of an adaptor class: created on first use, kept until the process ends or it is deleted.
 #pragma once
 
 #include <atomic>
@@ -14,7 +13,7 @@ namespace tolm {
 template <typename Adaptor>
 class TolmAdaptorInstance {
   public:
-    // Null when there is no memory for it. Any thread.
+    // Returns the instance, or null if there is no memory for it. Thread-safe.
     static Adaptor* GetInstance() {
         if (Adaptor* instance = sInstance.load(std::memory_order_acquire)) return instance;
         std::lock_guard<std::mutex> lock(sMutex);
@@ -24,14 +23,14 @@ class TolmAdaptorInstance {
         return sInstance.load(std::memory_order_relaxed);
     }
 
-    // Returns when its endpoint is no longer served. Not while another thread uses the instance, and not from inside an
-    // event; an event that is under way is waited for.
+    // Deletes the instance and stops serving its endpoint. Waits for an event that is being handled. Must not be called
+    // while another thread uses the instance, nor by the handler of an event.
     static void DeleteInstance() {
         std::lock_guard<std::mutex> lock(sMutex);
         Adaptor* const instance = sInstance.load(std::memory_order_relaxed);
         if (instance == nullptr) return;
-        // While the pointer is still there: the handler that is waited for may ask for the instance, and must not wait
-        // for the mutex in its turn.
+        // The pointer is still set: a handler that Stop() waits for may call GetInstance(), and must not wait for the
+        // mutex.
         if constexpr (std::is_base_of_v<TolmBaseServer, Adaptor>) instance->TolmBaseServer::Stop();
         sInstance.store(nullptr, std::memory_order_release);
         delete instance;

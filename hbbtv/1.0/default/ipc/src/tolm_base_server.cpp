@@ -8,7 +8,7 @@
 
 namespace {
 
-// Whether a message is a JSON object.
+// Parses a message. Returns whether it is a JSON object, and logs a warning if not.
 bool ParseMessage(const std::vector<unsigned char>& msg, Json::Value& document) {
     if (tolm::ParseJson(msg, document) && document.isObject()) return true;
     TOLM_LOG(ANDROID_LOG_WARN, tolm::kIpcBaseTag, "Ipc2Json failed");

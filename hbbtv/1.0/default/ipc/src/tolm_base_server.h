@@ -1,4 +1,4 @@
-// The events of an adaptor as JSON documents: what the platform sends to its endpoint and port is parsed and handed on.
+// The events of an adaptor as JSON documents: parses the messages that the platform sends to its endpoint and port.
 #pragma once
 
 #include <json/json.h>
@@ -13,24 +13,25 @@ class TolmBaseServer : public tolm::TolmIpcServerDelegate {
     // Does not listen yet.
     TolmBaseServer(TolmIpcKeyId key, int port);
 
-    // A class that overrides ReceiveIpc() has to call Stop() in its own destructor: here it is too late for messages
-    // that are being handled.
+    // A class that overrides ReceiveIpc() must call Stop() in its own destructor: here it is too late for messages that
+    // are being handled.
     ~TolmBaseServer() override;
 
-    // Begins to receive; true.
+    // Starts receiving. Returns true.
     bool Start();
 
-    // Ends receiving: waits for a message that is being handled; after that ReceiveIpc() is called no more. Not from
-    // inside ReceiveIpc().
+    // Stops receiving and waits for a message that is being handled; then ReceiveIpc() is not called any more. Must not
+    // be called by ReceiveIpc().
     void Stop();
 
     void OnRecv(const std::vector<unsigned char>& msg, int port) override;
     void OnRecvSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply, int port) override;
 
-    // A one-way message, always an object. On a thread of the endpoint's server, one message at a time.
+    // Handles a one-way message, which is an object. Called for one message at a time, on a thread of the endpoint's
+    // server.
     virtual void ReceiveIpc(const Json::Value& /*msg*/) {}
 
-    // A message whose sender waits for `out`, which is null before. Otherwise as above.
+    // As above, for a message whose sender waits for `out`, which is null at first.
     virtual void ReceiveIpc(const Json::Value& /*msg*/, Json::Value& /*out*/) {}
 
   private:

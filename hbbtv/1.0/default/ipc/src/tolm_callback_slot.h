@@ -1,4 +1,4 @@
-// The plain function that an adaptor tells of its events, and the context that goes with it.
+// The plain function that receives an adaptor's events, with its context. Thread-safe.
 #pragma once
 
 #include <mutex>
@@ -20,7 +20,7 @@ class TolmCallbackSlot {
 
     void Clear() { Set(nullptr, nullptr); }
 
-    // A copy: the function is called without a lock, so an event under way may still reach it after Clear().
+    // Returns a copy: the function is called without a lock, so an event may still reach it after Clear().
     Registration Get() const {
         std::lock_guard<std::mutex> lock(mMutex);
         return mRegistration;

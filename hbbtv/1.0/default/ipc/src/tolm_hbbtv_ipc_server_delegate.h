@@ -1,4 +1,4 @@
-// The receivers of one endpoint, told apart by the port in each message, and the server that they share.
+// The receivers of one endpoint, selected by the port in each message, and the server that they share.
 #pragma once
 
 #include <memory>
@@ -10,29 +10,29 @@
 
 class TolmHbbtvIpcServerDelegate : public tolm::TolmIpcServerDelegate {
   public:
-    // Creates the key's server and starts it.
+    // Creates and starts the key's server.
     explicit TolmHbbtvIpcServerDelegate(TolmIpcKeyId key);
 
-    // Ends the server before anything else goes: no message is delivered any more when this returns.
+    // Stops the server first: when it returns, no message is delivered any more.
     ~TolmHbbtvIpcServerDelegate() override;
 
-    // The first receiver of a port stays; another one is refused with an error line. The receiver is not owned.
+    // Adds the receiver of a port, which is not owned. A second one is refused, and an error is logged.
     void RegisterIpcServerDelegate(int port, tolm::TolmIpcServerDelegate* receiver);
 
-    // The receiver is called no more once WaitForDelivery() has returned.
+    // Removes the receiver of a port. It is not called any more once WaitForDelivery() has returned.
     void UnRegisterIpcServerDelegate(int port);
 
-    // Waits for a handler that is running. Not from inside one.
+    // Waits for a handler that is running. Must not be called by a handler.
     void WaitForDelivery();
 
-    // Called by the server. One message of the key is handled at a time.
+    // Called by the server. Messages of the key are handled one at a time.
     void OnRecv(const std::vector<unsigned char>& msg, int port) override;
     void OnRecvSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply, int port) override;
 
-    // Number of registered ports.
+    // Returns the number of registered ports.
     size_t GetNum();
 
-    // Whether the calling thread is inside a receiver's handler.
+    // Returns whether the calling thread runs a receiver's handler.
     static bool InHandler();
 
   private:
@@ -40,7 +40,7 @@ class TolmHbbtvIpcServerDelegate : public tolm::TolmIpcServerDelegate {
 
     const TolmIpcKeyId mKey;
     std::mutex mDelivery;  // held while a receiver runs; taken before all other mutexes
-    std::mutex mMutex;     // held for no longer than it takes to look into the map
+    std::mutex mMutex;     // never held while a receiver runs
     std::unordered_map<int, tolm::TolmIpcServerDelegate*> mReceivers;  // guarded by mMutex
     std::unique_ptr<tolm::TolmIpcServer> mServer;
 };

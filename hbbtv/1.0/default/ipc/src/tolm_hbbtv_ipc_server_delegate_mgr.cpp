@@ -1,8 +1,8 @@
 #include "ipc/src/tolm_hbbtv_ipc_server_delegate_mgr.h"
 
 TolmHbbtvIpcServerDelegateMgr& TolmHbbtvIpcServerDelegateMgr::Get() {
-    static TolmHbbtvIpcServerDelegateMgr g_mgr;
-    return g_mgr;
+    static TolmHbbtvIpcServerDelegateMgr manager;
+    return manager;
 }
 
 TolmHbbtvIpcServerDelegateMgr::~TolmHbbtvIpcServerDelegateMgr() {
@@ -17,8 +17,8 @@ void TolmHbbtvIpcServerDelegateMgr::CreateIpcServer(TolmIpcKeyId key, int port, 
 }
 
 void TolmHbbtvIpcServerDelegateMgr::DeleteIpcServer(TolmIpcKeyId key, int port) {
-    // A handler is waited for without the mutex: it may be about to create the endpoint of another family. So are the
-    // threads of a server that has no port any more, when it is destroyed here.
+    // Waits for a handler without the mutex: the handler may be about to create the endpoint of another family.
+    // Likewise for the threads of a server that is destroyed here because it has no port left.
     std::shared_ptr<TolmHbbtvIpcServerDelegate> server;
     {
         std::lock_guard<std::mutex> lock(mMutex);

@@ -1,5 +1,4 @@
-// All endpoints that this process serves: creates the server of a key with its first receiver and ends it with its
-// last.
+// The endpoints that this process serves. The server of a key exists as long as the key has receivers.
 #pragma once
 
 #include <memory>
@@ -8,16 +7,16 @@
 
 #include "ipc/src/tolm_hbbtv_ipc_server_delegate.h"
 
-// Any thread; a receiver's handler only for other keys than its own.
+// Thread-safe. A receiver's handler may use it only for keys other than its own.
 class TolmHbbtvIpcServerDelegateMgr {
   public:
-    // Destroyed when the process exits, which ends all servers; but for a process that ends from inside a handler,
-    // which cannot be waited for.
+    // Returns the manager. It is destroyed at process exit, which stops all servers, unless a handler ends the process:
+    // that handler cannot be waited for.
     static TolmHbbtvIpcServerDelegateMgr& Get();
 
     void CreateIpcServer(TolmIpcKeyId key, int port, tolm::TolmIpcServerDelegate* receiver);
 
-    // When it returns, the receiver is called no more.
+    // When it returns, the receiver is not called any more.
     void DeleteIpcServer(TolmIpcKeyId key, int port);
 
   private:
@@ -27,5 +26,5 @@ class TolmHbbtvIpcServerDelegateMgr {
     ~TolmHbbtvIpcServerDelegateMgr();
 
     std::mutex mMutex;                 // never held while a handler is waited for
-    Servers& mServers = *new Servers;  // guarded by mMutex; on the heap, to be left there by the destructor
+    Servers& mServers = *new Servers;  // guarded by mMutex; on the heap, so that the destructor can leave it there
 };

@@ -1,4 +1,4 @@
-// Pointers (handles of platform objects, contexts of callbacks) as text in JSON.
+// Pointers (handles of platform objects, contexts of callbacks) as strings in JSON.
 #pragma once
 
 #include <json/json.h>
@@ -7,10 +7,10 @@
 
 class TolmHbbtvIpcTools {
   public:
-    // Sets obj[key] to the pointer in the C library's "%p" form, null to the empty text.
+    // Sets obj[key] to the pointer in the C library's "%p" form, or to the empty string for null.
     static void AddPointerValue(const void* p, const std::string& key, Json::Value& obj);
 
-    // Reads obj[key] into *out. -1 when `out` is null or the member is no text, else 0: a text that is no pointer
-    // leaves *out as it was.
+    // Reads obj[key] into *out. Returns -1 if `out` is null or the member is not a string, and 0 otherwise: a string
+    // that is not a pointer leaves *out unchanged.
     static int ParsePointerValue(const Json::Value& obj, const std::string& key, void** out);
 };

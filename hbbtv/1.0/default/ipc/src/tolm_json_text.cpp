@@ -10,7 +10,7 @@ namespace tolm {
 
 namespace {
 
-// Appends what is written to it to a vector.
+// Appends to a vector.
 class ByteSink : public std::streambuf {
   public:
     void WriteTo(std::vector<unsigned char>* bytes) { mBytes = bytes; }
@@ -29,7 +29,7 @@ class ByteSink : public std::streambuf {
     std::vector<unsigned char>* mBytes = nullptr;
 };
 
-// Making a writer costs as much as writing a small message, so each thread keeps one.
+// Creating a writer costs as much as writing a small message, so each thread keeps one.
 class StyledWriter {
   public:
     StyledWriter() : mWriter(Json::StreamWriterBuilder().newStreamWriter()), mStream(&mSink) {}
@@ -73,11 +73,11 @@ bool ClosesAtOnce(const char* array, const char* end) {
     return next != end && *next == ']';
 }
 
-// Whether jsoncpp's reader can go through the text without being asked for a value that lies too deep; whether the text
-// is JSON otherwise does not matter. In the innermost array the reader asks for a value as soon as anything but the
-// closing bracket follows, be it a comment or the text's end; in the innermost object behind a member's name.
+// Returns whether jsoncpp's reader can parse the text without reading a value that is nested too deeply. The text need
+// not be valid JSON. In the innermost array, the reader reads a value if anything but the closing bracket follows, even
+// a comment or the end of the text; in the innermost object, it does so after a member's name.
 bool WithinDepth(const char* begin, const char* end) {
-    // Nearly all texts have too few brackets to be too deep.
+    // Almost every text has too few brackets to be too deep.
     if (std::count(begin, end, '[') + std::count(begin, end, '{') < kMaxJsonDepth) return true;
     int depth = 0;
     for (const char* c = begin; c != end; ++c) {
@@ -90,7 +90,7 @@ bool WithinDepth(const char* begin, const char* end) {
             if (++depth > kMaxJsonDepth) return false;
             if (depth == kMaxJsonDepth && *c == '[' && !ClosesAtOnce(c, end)) return false;
         } else if (*c == ']' || *c == '}') {
-            if (--depth <= 0) return true;  // the document's end: what is behind it is not read
+            if (--depth <= 0) return true;  // the document ends here; the rest is not read
         }
         if (c == end) return true;
     }

@@ -1,4 +1,4 @@
-// JSON documents to and from the bytes of a message. Nothing here throws, whatever the bytes are.
+// Converts JSON documents to and from the bytes of messages. Never throws, whatever the bytes are.
 #pragma once
 
 #include <json/json.h>
@@ -9,22 +9,21 @@
 
 namespace tolm {
 
-// No document of the platform comes near to this: the largest, a stream event with 1 MiB of text in numbered members,
-// has about 24 MiB.
+// The limit of a document. The largest one of the platform, a stream event with 1 MiB in numbered members, has about
+// 24 MiB.
 constexpr size_t kMaxJsonBytes = 64u << 20;
 
-// How deep a document may be: no value lies within more than this many arrays and objects. jsoncpp gives up on deeper
-// ones by throwing.
+// The limit of nesting: a value is within at most this many arrays and objects. jsoncpp throws on deeper documents.
 constexpr int kMaxJsonDepth = 1000;
 
-// The document's styled text, byte for byte that of Json::Value::toStyledString().
+// Returns the document in styled form, byte for byte that of Json::Value::toStyledString().
 std::vector<unsigned char> ToStyledBytes(const Json::Value& document);
 
-// Whether the bytes are a JSON document within the limits above. Comments are collected.
+// Parses bytes. Returns whether they are a JSON document within the limits above. Comments are collected.
 bool ParseJson(const std::vector<unsigned char>& bytes, Json::Value& document);
 
-// The members of an object as the wire is read: leniently. One that is missing, or cannot be converted (a text for a
-// number, a number out of range), reads as 0, false or "". Any value may be passed as the object.
+// Return a member of an object. A member that is missing or cannot be converted (a string instead of a number, a number
+// out of range) reads as 0, false or "". `object` may be any value.
 int ReadInt(const Json::Value& object, const char* key);
 unsigned ReadUInt(const Json::Value& object, const char* key);
 Json::Int64 ReadInt64(const Json::Value& object, const char* key);
@@ -33,7 +32,7 @@ bool ReadBool(const Json::Value& object, const char* key);
 double ReadReal(const Json::Value& object, const char* key);
 std::string ReadText(const Json::Value& object, const char* key);
 
-// The elements of an array, each read like a text; none when the member is no array.
+// Returns the elements of an array as strings; none if the member is not an array.
 std::vector<std::string> ReadTexts(const Json::Value& object, const char* key);
 
 }  // namespace tolm

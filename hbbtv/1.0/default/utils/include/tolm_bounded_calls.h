@@ -1,4 +1,4 @@
-// Calls of a client that somebody else waits for: a client that does not return must not keep him waiting for ever.
+// Calls of a client that have a time limit, for callers that must not wait forever for a client that does not return.
 #pragma once
 
 #include <chrono>
@@ -9,9 +9,9 @@ class TolmBoundedCalls {
   public:
     explicit TolmBoundedCalls(std::chrono::milliseconds patience) : mPatience(patience) {}
 
-    // Makes a call on a thread of its own and gives its result, or -1 when it does not return in time. Then it may run
-    // on, so it owns what it touches; until it has returned, further calls of the same callee are not made and give -1,
-    // so that a client never has two. One call at a time.
+    // Runs a call on its own thread and returns its result, or -1 if it does not return in time. Such a call continues,
+    // so it must own what it uses. Until it returns, further calls of the same callee are not run and return -1, so
+    // that a client never has two. Not thread-safe.
     int Run(const void* callee, std::function<int()> call);
 
   private:

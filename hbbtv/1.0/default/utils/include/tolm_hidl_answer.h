@@ -4,8 +4,8 @@
 //         return Answer(_hidl_cb, &Adaptor::GetVolume, Handle(vb));
 //     }
 //
-// The adaptor operation is called with the arguments and with value-initialised results; then the caller is answered,
-// exactly once: the HIDL stub ends the process for a second answer or a missing one.
+// It calls the adaptor operation with the arguments and with value-initialised results, then answers the caller exactly
+// once: the HIDL stub ends the process if the answer is missing or repeated.
 #pragma once
 
 #include <hidl/HidlSupport.h>
@@ -21,19 +21,19 @@
 
 namespace vantorel::hardware::hbbtv::implementation {
 
-// The platform's pointer in a handle or context: its low 32 bits, on 64-bit builds too.
+// Returns the platform's pointer in a handle or context: its low 32 bits, also on 64-bit builds.
 inline void* Handle(int64_t handle) {
     return reinterpret_cast<void*>(static_cast<uintptr_t>(static_cast<uint32_t>(handle)));
 }
 
-// A handle or context of the platform's pointer: the high half is zero.
+// Returns the handle or context of the platform's pointer. Its high half is zero.
 inline int64_t ToHandle(const void* pointer) {
     return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pointer));
 }
 
 namespace details {
 
-// An argument of the client as the adaptor takes it.
+// Converts a client's argument to the adaptor's type.
 template <typename Parameter, typename Argument>
 Parameter ToAdaptor(const Argument& argument) {
     static_assert(std::is_pointer_v<Parameter> == std::is_pointer_v<Argument>, "a handle needs Handle()");
@@ -44,7 +44,7 @@ Parameter ToAdaptor(const Argument& argument) {
     }
 }
 
-// A result of the adaptor as the client gets it. Texts and vectors stay where they are.
+// Converts an adaptor's result to the client's type. Strings and vectors are not copied.
 template <typename Result>
 Result ToHidl(const void* pointer) {
     return ToHandle(pointer);
@@ -69,7 +69,7 @@ Result ToHidl(const Value& value) {
     return static_cast<Result>(value);
 }
 
-// Calls the operation with all of `values`: the arguments and, behind them, the results.
+// Calls the operation with all of `values`: the arguments, then the results.
 template <typename Adaptor, typename... Parameters, typename Values>
 int CallAdaptor(int (Adaptor::*operation)(Parameters...), Values& values) {
     Adaptor* adaptor = Adaptor::GetInstance();
@@ -83,14 +83,14 @@ void SetArguments(Values& values, std::index_sequence<Index...>, const Arguments
     ((std::get<Index>(values) = ToAdaptor<std::tuple_element_t<Index, Values>>(arguments)), ...);
 }
 
-// Answers with what stands behind the first `kFirst` of `values`.
+// Answers with the values after the first `kFirst` of `values`.
 template <size_t kFirst, typename... Results, typename Values, size_t... Index>
 void AnswerWith(const std::function<void(int32_t, Results...)>& callback, int status, Values& values,
                 std::index_sequence<Index...>) {
     callback(status, ToHidl<std::decay_t<Results>>(std::get<kFirst + Index>(values))...);
 }
 
-// Sets the results, which stand behind the first `kFirst` of `values`.
+// Sets the results, which follow the first `kFirst` of `values`.
 template <size_t kFirst, typename Values, typename Initial, size_t... Index>
 void SetResults(Values& values, const Initial& initial, std::index_sequence<Index...>) {
     ((std::get<kFirst + Index>(values) = std::get<Index>(initial)), ...);
@@ -98,14 +98,14 @@ void SetResults(Values& values, const Initial& initial, std::index_sequence<Inde
 
 }  // namespace details
 
-// For methods with results: status first, then the results, which keep the values of `initial` when the adaptor did not
-// write them.
+// For methods with results: the status, then the results, which have the values of `initial` unless the adaptor sets
+// them.
 template <typename... Results, typename... Initial, typename Adaptor, typename... Parameters, typename... Arguments>
 ::android::hardware::Return<void> AnswerFrom(const std::tuple<Initial...>& initial,
                                              const std::function<void(int32_t, Results...)>& callback,
                                              int (Adaptor::*operation)(Parameters...), const Arguments&... arguments) {
     static_assert(sizeof...(Parameters) == sizeof...(Arguments) + sizeof...(Results),
-                  "the operation takes another number of arguments or gives another number of results");
+                  "wrong number of arguments or results for the operation");
     std::tuple<std::decay_t<Parameters>...> values{};
     details::SetArguments(values, std::index_sequence_for<Arguments...>(), arguments...);
     details::SetResults<sizeof...(Arguments)>(values, initial, std::index_sequence_for<Initial...>());
@@ -114,7 +114,7 @@ template <typename... Results, typename... Initial, typename Adaptor, typename..
     return ::android::hardware::Void();
 }
 
-// The same with results that are zero when the adaptor did not write them.
+// As above, with results that are zero unless the adaptor sets them.
 template <typename... Results, typename Adaptor, typename... Parameters, typename... Arguments>
 ::android::hardware::Return<void> Answer(const std::function<void(int32_t, Results...)>& callback,
                                          int (Adaptor::*operation)(Parameters...), const Arguments&... arguments) {
@@ -137,7 +137,7 @@ template <typename Adaptor, typename... Results, typename Operation>
 // For methods whose only result is the status.
 template <typename Adaptor, typename... Parameters, typename... Arguments>
 ::android::hardware::Return<int32_t> Status(int (Adaptor::*operation)(Parameters...), const Arguments&... arguments) {
-    static_assert(sizeof...(Parameters) == sizeof...(Arguments), "the operation takes another number of arguments");
+    static_assert(sizeof...(Parameters) == sizeof...(Arguments), "wrong number of arguments for the operation");
     std::tuple<std::decay_t<Parameters>...> values{};
     details::SetArguments(values, std::index_sequence_for<Arguments...>(), arguments...);
     return details::CallAdaptor(operation, values);

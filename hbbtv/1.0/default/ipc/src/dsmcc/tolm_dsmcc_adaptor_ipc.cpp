@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char* kTag = families::kDsmcc.tag;
 
-constexpr int kFileEvent = 4;  // the one "method" that the platform sends
+constexpr int kFileEvent = 4;  // the only "method" that the platform sends
 
 }  // namespace
 
@@ -22,7 +22,7 @@ TolmDsmccAdaptorIpc::~TolmDsmccAdaptorIpc() {
     TolmBaseServer::Stop();
 }
 
-// One-way, unlike the release: the answer comes as an event.
+// One-way, unlike the release: an event is the answer.
 int TolmDsmccAdaptorIpc::RequestFile(const std::string& url, const void* context) {
     return Post(0, {Text("url", url), Pointer("context", context)});
 }

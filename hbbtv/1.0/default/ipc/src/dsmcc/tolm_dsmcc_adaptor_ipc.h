@@ -1,4 +1,4 @@
-// The platform's broadcast file system (DSM-CC object carousel): asking for files, and the events that tell of them.
+// The platform's broadcast file system (DSM-CC object carousel): requests for files, and their events.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include "ipc/src/tolm_base_server.h"
 #include "ipc/src/tolm_callback_slot.h"
 
-// What the browser is told of a file. What the numbers mean is the platform's business.
+// The events of a file, as the browser receives them. The platform defines the numbers.
 enum TolmDSMCCFileEventType : int32_t {
     TOLM_DSMCC_FILE_EVENT_0 = 0,
     TOLM_DSMCC_FILE_EVENT_1 = 1,
@@ -17,21 +17,20 @@ enum TolmDSMCCFileEventType : int32_t {
     TOLM_DSMCC_FILE_EVENT_4 = 4,
 };
 
-// Told of an event on the endpoint's server thread, one at a time. The path is valid during the call only.
+// Called for one event at a time, on the endpoint's server thread. The path is valid only during the call.
 using TolmDsmccBrowserCallback = void (*)(TolmDSMCCFileEventType type, const char* filePath, const void* context);
 
-// All operations may be called from any thread.
 class TolmDsmccAdaptorIpc : public tolm::TolmAdaptorClient,
                             public TolmBaseServer,
                             public tolm::TolmAdaptorInstance<TolmDsmccAdaptorIpc> {
   public:
-    // Asks for a file: 0 when the platform was told, else -1. What comes of it is told by events, which have `context`.
+    // Requests a file, one-way. The file's events, which carry `context`, report the result.
     int RequestFile(const std::string& url, const void* context);
 
-    // Ends the use of a file. Gives the platform's status (0 for success) or -1 when it did not answer properly.
+    // Ends the use of a file.
     int ReleaseFile(const std::string& url, const void* context);
 
-    // Makes `cb` the receiver of the events, in place of an earlier one; null for none. The platform is not told. 0.
+    // Replaces the receiver of the events; null removes it. Sends nothing and returns 0.
     int BrowserRegisterCallback(const TolmDsmccBrowserCallback& cb);
 
     void ReceiveIpc(const Json::Value& msg) override;
@@ -44,5 +43,5 @@ class TolmDsmccAdaptorIpc : public tolm::TolmAdaptorClient,
 
     void DsmccFileCallback(const std::string& filePath, int event, const void* context);
 
-    tolm::TolmCallbackSlot<TolmDsmccBrowserCallback> mBrowserCb;  // without a context: events bring their own
+    tolm::TolmCallbackSlot<TolmDsmccBrowserCallback> mBrowserCb;  // without a context: events carry their own
 };

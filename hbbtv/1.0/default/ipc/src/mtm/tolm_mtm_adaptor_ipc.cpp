@@ -58,7 +58,7 @@ int TolmMtmAdaptorIpc::OnTabShow(int tabId) {
     return Call(6, {Int("tabid", tabId)});
 }
 
-// The code of OnTabShow: the platform tells the two apart by their members.
+// The code of OnTabShow: the platform distinguishes the two by their members.
 int TolmMtmAdaptorIpc::OnLoadingStateChanged(bool isLoading, bool canBack, bool canForward) {
     return Call(6, {Bool("is_loading", isLoading), Bool("can_back", canBack), Bool("can_forward", canForward)});
 }
@@ -116,7 +116,7 @@ TolmMtmCallback* TolmMtmAdaptorIpc::ReceiverOf(const Json::Value& msg) const {
     return callback;
 }
 
-// Nobody asks what becomes of these.
+// The results of these are not reported.
 void TolmMtmAdaptorIpc::ReceiveIpc(const Json::Value& msg) {
     TolmMtmCallback* const callback = ReceiverOf(msg);
     if (callback == nullptr) return;
@@ -150,7 +150,7 @@ void TolmMtmAdaptorIpc::ReceiveIpc(const Json::Value& msg) {
     }
 }
 
-// Without a receiver the reply stays null. The platform spells "isBr" with a small r here.
+// Without a receiver, the reply stays null. The platform spells "isBr" with a lower-case r here.
 void TolmMtmAdaptorIpc::ReceiveIpc(const Json::Value& msg, Json::Value& reply) {
     TolmMtmCallback* const callback = ReceiverOf(msg);
     if (callback == nullptr) return;

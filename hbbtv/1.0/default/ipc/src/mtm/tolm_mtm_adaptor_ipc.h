@@ -1,4 +1,4 @@
-// The platform's side of the browser's tabs: it is told what happens to them, and has the browser do things with them.
+// The platform's tab manager: it is notified of the browser's tabs, and sends commands to the browser.
 #pragma once
 
 #include <atomic>
@@ -9,15 +9,12 @@
 #include "ipc/src/tolm_adaptor_instance.h"
 #include "ipc/src/tolm_base_server.h"
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly.
 class TolmMtmAdaptorIpc : public tolm::TolmAdaptorClient,
                           public TolmBaseServer,
                           public tolm::TolmAdaptorInstance<TolmMtmAdaptorIpc> {
   public:
-    // Makes `callback` the receiver of the platform's commands, in place of any earlier one. It is not owned, and a
-    // command under way may still reach it after another one has taken its place or UnRegisterCallback() was called: it
-    // lives as long as the adaptor.
+    // Replaces the receiver of the platform's commands, which is not owned. It must exist as long as the adaptor: a
+    // command may still reach it after it was replaced or UnRegisterCallback() was called.
     void RegisterCallback(TolmMtmCallback* callback);
     void UnRegisterCallback();
 
@@ -48,7 +45,7 @@ class TolmMtmAdaptorIpc : public tolm::TolmAdaptorClient,
     TolmMtmAdaptorIpc();
     ~TolmMtmAdaptorIpc() override;
 
-    // Who is to get a message; null, with a line that says why, when nobody is.
+    // Returns the receiver of a message. Without one, logs the reason and returns null.
     TolmMtmCallback* ReceiverOf(const Json::Value& msg) const;
 
     std::atomic<TolmMtmCallback*> mCallback{nullptr};

@@ -1,10 +1,11 @@
-// What the platform has the browser do with its tabs, for the adaptor that receives it.
+// The platform's commands to the browser, as the adaptor calls them.
 #pragma once
 
 #include <string>
 #include <vector>
 
-// Each operation gives 0 for success; results count only then. Called on the endpoint's server thread, one at a time.
+// Called for one command at a time, on the endpoint's server thread. Each operation returns 0 on success; results are
+// used only then.
 class TolmMtmCallback {
   public:
     virtual ~TolmMtmCallback() = default;

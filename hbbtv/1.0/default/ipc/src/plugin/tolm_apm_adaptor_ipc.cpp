@@ -14,9 +14,9 @@ namespace {
 
 constexpr const char* kTag = families::kApplicationManager.tag;
 
-constexpr size_t kFieldWidth = 16;  // of a number in a text of numbers
+constexpr size_t kFieldWidth = 16;  // of a number in a string of numbers
 
-// Number `index` of a text of fixed-width decimal numbers; 0 when it is not there or cannot be read.
+// Returns number `index` of a string of fixed-width decimal numbers; 0 if it is missing or invalid.
 int FieldOf(const std::string& text, size_t index) {
     if (index >= text.size() / kFieldWidth + 1) return 0;
     const std::string field = text.substr(index * kFieldWidth, kFieldWidth);
@@ -78,7 +78,7 @@ void TolmApmAdaptorIpc::ClearAPIEventCallback() {
     mContexts.clear();
 }
 
-// The organisation id that comes in does not travel.
+// The organisation id is not sent.
 int TolmApmAdaptorIpc::GetOwnerApp(int& appId, int& orgId) {
     return Call(201, {Int("appid", appId)}, {ToInt("appid", appId), ToInt("orgid", orgId)});
 }
@@ -142,7 +142,7 @@ int TolmApmAdaptorIpc::SetValue(int appId, int orgId, int value, const std::vect
                       Int("keynum", static_cast<int>(otherKeys.size())), NumberedInts(otherKeys)});
 }
 
-// The platform's key for the icon's text, which is no handle.
+// "pointer" is the platform's key for the icon, which is a string and not a handle.
 int TolmApmAdaptorIpc::GetKeyIcon(int appId, int orgId, int code, std::string& icon) {
     return Call(233, {Int("appid", appId), Int("orgid", orgId), Int("code", code)}, {ToText("pointer", icon)});
 }
@@ -151,7 +151,7 @@ int TolmApmAdaptorIpc::GetKeyLabel(int appId, int orgId, int code, std::string& 
     return Call(235, {Int("appid", appId), Int("orgid", orgId), Int("code", code)}, {ToText("label", label)});
 }
 
-// The platform spells it so.
+// "heigth" is the platform's spelling.
 int TolmApmAdaptorIpc::SetDeviceResolution(unsigned width, unsigned height) {
     return Post(249, {UInt("width", width), UInt("heigth", height)}, LogTrace);
 }
@@ -188,7 +188,7 @@ TolmApmAdaptorIpc::Registration TolmApmAdaptorIpc::RegistrationOf(TolmAIPEvent e
     return {callback->second, contexts == mContexts.end() ? std::vector<void*>() : contexts->second};
 }
 
-// The platform also tells of the broadcast's full screen (270), which is accepted and is for nobody.
+// The platform also sends the full-screen state of the broadcast (270), which is ignored.
 void TolmApmAdaptorIpc::ReceiveIpc(const Json::Value& msg) {
     if (ReadInt(msg, "t") != 237) return;
     const TolmAIPEvent event = TOLM_AIP_EVENT_APPLICATION_1;

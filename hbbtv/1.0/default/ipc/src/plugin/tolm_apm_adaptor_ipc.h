@@ -1,4 +1,4 @@
-// The platform's manager of HbbTV applications: requests to it, what it tells, and the question that it asks.
+// The platform's manager of HbbTV applications: requests to it, its events, and its question for the parental rating.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 #include "ipc/src/tolm_adaptor_instance.h"
 #include "ipc/src/tolm_base_server.h"
 
-// What functions are registered for.
+// The events that functions are registered for.
 using TolmAIPEvent = int32_t;
 enum : TolmAIPEvent {
     TOLM_AIP_EVENT_APPLICATION_1 = 1,
@@ -44,8 +44,8 @@ struct TolmAIPEventInfo {
     int32_t orgId;
 };
 
-// The function of an event, whatever its parameters are. This adaptor calls those of two events, on the endpoint's
-// server thread, one at a time; the others it only keeps.
+// The function of an event, whatever its parameters are. This adaptor calls those of two events, one at a time, on the
+// endpoint's server thread. It only keeps the others.
 using TolmAIPEventCallback = void (*)();
 using TolmAIPApplicationEventFunction = void (*)(const TolmAIPEvent& event, const TolmAIPEventInfo& info,
                                                  const void* context);                          // of event 1
@@ -56,32 +56,29 @@ TolmAIPEventCallback ToAIPEventCallback(void (*function)(Parameters...)) {
     return reinterpret_cast<TolmAIPEventCallback>(function);
 }
 
-// All operations may be called from any thread. An application is named by its application id and its organisation id.
-// Each operation gives the platform's status (0 for success) or -1 when the platform did not answer properly; one that
-// only tells something does not wait for the platform, and gives 0 when it was told. Results are written only on
-// success, and lists are appended to.
+// An application is identified by its application id and its organisation id. Results that are lists are appended to.
 class TolmApmAdaptorIpc : public tolm::TolmAdaptorClient,
                           public TolmBaseServer,
                           public tolm::TolmAdaptorInstance<TolmApmAdaptorIpc> {
   public:
-    // The first function that is registered for an event stays until it is taken back; the contexts of later
-    // registrations are kept beside that of the first. Always 0.
+    // Registers a function and a context. The first function of an event stays until it is unregistered; the contexts
+    // of later registrations are added. Returns 0.
     int RegisterAIPEventCallback(TolmAIPEvent event, TolmAIPEventCallback callback, void* context);
 
-    // Takes back the function, although other contexts may be left, and all registrations of this context. Always 0. An
-    // event under way may still reach the function.
+    // Removes the event's function, even if other contexts are left, and all registrations of this context. An event
+    // may still reach the function. Returns 0.
     int UnRegisterAIPEventCallback(TolmAIPEvent event, void* context);
 
     void ClearAPIEventCallback();
 
-    // In: the application. Out: its owner.
+    // Replaces the ids of an application by those of its owner.
     int GetOwnerApp(int& appId, int& orgId);
     int GetCurrentApp(int& appId, int& orgId);
 
-    // Appends (application id, organisation id) of each. An id that cannot be read is 0.
+    // Appends the (application id, organisation id) of each. An invalid id is 0.
     int GetChildApps(int appId, int orgId, std::vector<std::pair<int, int>>& apps);
 
-    // -1 for a null URL.
+    // Fails for a null URL.
     int CreateApp(int appId, int orgId, const char* url, bool child, bool opapp, int& newAppId, int& newOrgId);
     int DestroyApp(int appId, int orgId);
     int ShowApp(int appId, int orgId);
@@ -116,7 +113,7 @@ class TolmApmAdaptorIpc : public tolm::TolmAdaptorClient,
         std::vector<void*> contexts;
     };
 
-    // A copy: functions are called without a lock.
+    // Returns a copy: functions are called without a lock.
     Registration RegistrationOf(TolmAIPEvent event);
 
     std::mutex mCallbackMutex;

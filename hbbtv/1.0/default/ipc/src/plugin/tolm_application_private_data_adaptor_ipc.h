@@ -1,16 +1,14 @@
-// What the platform tells an application of the television it runs on.
+// Facts about the television for the application that runs on it.
 #pragma once
 
 #include "ipc/src/tolm_adaptor_call.h"
 #include "ipc/src/tolm_adaptor_instance.h"
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. The names begin with small letters here, and
-// so they stand in the log.
+// The names begin with a lower-case letter, as they do in the log.
 class TolmApplicationPrivateDataAdaptorIpc : public tolm::TolmAdaptorClient,
                                              public tolm::TolmAdaptorInstance<TolmApplicationPrivateDataAdaptorIpc> {
   public:
-    int getFreeMem(int& size);  // bytes, -1 when it is not known
+    int getFreeMem(int& size);  // bytes; -1 if unknown
     int getCurrentChannel(void*& channel);
 
   private:

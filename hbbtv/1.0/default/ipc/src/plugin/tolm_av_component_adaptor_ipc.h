@@ -6,13 +6,11 @@
 #include "ipc/src/tolm_adaptor_call.h"
 #include "ipc/src/tolm_adaptor_instance.h"
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. `component` is a component's handle, valid
-// until it is released.
+// `component` is a component's handle.
 class TolmAVComponentAdaptorIpc : public tolm::TolmAdaptorClient,
                                   public tolm::TolmAdaptorInstance<TolmAVComponentAdaptorIpc> {
   public:
-    // The platform is told and not waited for.
+    // One-way.
     int Release(const void* component);
 
     int GetComponentTag(const void* component, int& tag);

@@ -51,7 +51,7 @@ int TolmAVControlAdaptorIpc::UnregisterCallback() {
 
 int TolmAVControlAdaptorIpc::ComponentUpdate(TolmHbbtvAVCtrlEvent, const TolmAVCtrlEventInfo& info,
                                              std::vector<TolmAVCtrlComponentData>& components, int currentIndex) {
-    Json::Value elements;  // without components, null goes out
+    Json::Value elements;  // null if there are no components
     for (const TolmAVCtrlComponentData& component : components) elements.append(ToJson(component));
     const auto count = static_cast<unsigned>(components.size());
     components.clear();

@@ -1,4 +1,4 @@
-// The AV control object: the platform is told of its components, and tells which one is to be presented.
+// The AV control object: the platform is notified of its components, and selects the one to present.
 #pragma once
 
 #include <cstdint>
@@ -13,10 +13,10 @@
 
 using TOLM_ERR = int32_t;  // 0 or -1
 
-// The platform sends 1 when a component is to be presented.
+// The platform sends 1 to select a component.
 using TolmPluginIPCAvContrl = int32_t;
 
-// The numbers of both are named by the interface package.
+// The interface package names the values of both.
 using TolmHbbtvAVComponentType = int32_t;
 using TolmHbbtvAVCtrlEvent = int32_t;
 
@@ -24,7 +24,7 @@ struct TolmAVCtrlEventInfo {
     TolmHbbtvAVComponentType componentType;
 };
 
-// A text of strdup().
+// A string allocated by strdup().
 struct TolmFree {
     void operator()(char* text) const { free(text); }
 };
@@ -34,27 +34,25 @@ struct TolmAVCtrlComponentData {
     bool actived;
     int32_t componentTag;
     TolmHbbtvAVComponentType componentType;
-    TolmHeapText encoding;  // null is the empty text, here and below
+    TolmHeapText encoding;  // null is the empty string, here and below
     TolmHeapText language;
     uint32_t audioChannels;
     bool hearingImpaired;
     bool audioDescription;
 };
 
-// Told of an event on the endpoint's server thread, one at a time. What it gives is not looked at.
+// Called for one event at a time, on the endpoint's server thread. Its result is ignored.
 using TolmAVControlCallback = TOLM_ERR (*)(TolmPluginIPCAvContrl event, TolmHbbtvAVComponentType type, int index);
 
-// All operations may be called from any thread.
 class TolmAVControlAdaptorIpc : public tolm::TolmAdaptorClient,
                                 public TolmBaseServer,
                                 public tolm::TolmAdaptorInstance<TolmAVControlAdaptorIpc> {
   public:
-    // Makes `callback` the receiver of the events, in place of any earlier one. The platform is not told; 0.
+    // Replaces the receiver of the events. Sends nothing and returns 0.
     int RegisterCallback(TolmAVControlCallback callback);
     int UnregisterCallback();
 
-    // Tells all components of the kind in `info`: 0 when it was written, else -1. Consumes the components, whatever
-    // becomes of them. The platform does not ask for the event.
+    // Sends all components of the kind in `info`, one-way. Empties `components` in any case. The event is not sent.
     int ComponentUpdate(TolmHbbtvAVCtrlEvent event, const TolmAVCtrlEventInfo& info,
                         std::vector<TolmAVCtrlComponentData>& components, int currentIndex);
 

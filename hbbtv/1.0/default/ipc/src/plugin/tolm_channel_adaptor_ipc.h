@@ -1,4 +1,4 @@
-// The platform's channels: what is known of one, and what may be changed.
+// The platform's channels and their properties.
 #pragma once
 
 #include <string>
@@ -6,10 +6,7 @@
 #include "ipc/src/tolm_adaptor_call.h"
 #include "ipc/src/tolm_adaptor_instance.h"
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. `channel` is a channel's handle, valid until
-// it is released. What the integers mean is the platform's business; the interface package names the values that are
-// known.
+// `channel` is a channel's handle. The platform defines the integers; the interface package names the known values.
 class TolmChannelAdaptorIpc : public tolm::TolmAdaptorClient, public tolm::TolmAdaptorInstance<TolmChannelAdaptorIpc> {
   public:
     int Release(const void* channel);

@@ -1,4 +1,4 @@
-// The platform's channel configuration: its lists, its current channel, and the event that tells that they changed.
+// The platform's channel configuration: its lists, its current channel, and the event of their changes.
 #pragma once
 
 #include <cstdint>
@@ -14,21 +14,19 @@
 using TolmChannelConfigEvent = int32_t;
 
 struct TolmChannelConfigEventInfo {
-    char reserved;  // the first byte of the platform's text, 0 when it is empty
+    char reserved;  // the first byte of the platform's string; 0 if it is empty
 };
 
-// Told of an event on the endpoint's server thread, one at a time.
+// Called for one event at a time, on the endpoint's server thread.
 using TolmChannelConfigEventCallback = void (*)(const TolmChannelConfigEvent& event,
                                                 const TolmChannelConfigEventInfo& info, const void* context);
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. Objects are given by their handles, which are
-// valid until they are released.
+// Channels, lists and collections are handles.
 class TolmChannelConfigAdaptorIpc : public tolm::TolmAdaptorClient,
                                     public TolmBaseServer,
                                     public tolm::TolmAdaptorInstance<TolmChannelConfigAdaptorIpc> {
   public:
-    // Makes `callback` the receiver of the events, in place of any earlier one, whether the platform answers or not.
+    // Replaces the receiver of the events, even if the platform does not reply.
     int RegisterCallback(TolmChannelConfigEventCallback callback, const void* context);
     int UnregisterCallback();
 
@@ -39,11 +37,10 @@ class TolmChannelConfigAdaptorIpc : public tolm::TolmAdaptorClient,
     int GetCurrentFavouriteList(void*& list);
     int SetChannelList(const void* list);
 
-    // Makes a list of channels, in their order.
+    // Creates a list of channels in the given order.
     int CreateChannelList(const std::vector<void*>& channels, void*& list);
 
-    // Makes a list of the channels that are blocked, favourite or hidden as asked for, and in the favourite list of the
-    // identifier unless it is empty.
+    // Creates a list of the channels with the given properties. A favourite list with an empty identifier means any.
     int CreateFilteredList(bool blocked, bool favourite, bool hidden, const std::string& favouriteListID, void*& list);
 
     void ReceiveIpc(const Json::Value& msg) override;

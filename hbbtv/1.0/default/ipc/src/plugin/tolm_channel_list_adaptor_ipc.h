@@ -6,9 +6,7 @@
 #include "ipc/src/tolm_adaptor_call.h"
 #include "ipc/src/tolm_adaptor_instance.h"
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. `list` is a channel list's handle, valid until
-// it is released; channels are given by their handles.
+// `list` is a channel list's handle.
 class TolmChannelListAdaptorIpc : public tolm::TolmAdaptorClient,
                                   public tolm::TolmAdaptorInstance<TolmChannelListAdaptorIpc> {
   public:

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kTag = families::kConfiguration.tag;
 
-// Whether the code is known.
+// Returns whether the code is known.
 bool Decode(const Json::Value& msg, TolmConfigurationEvent event, TolmConfigurationEventInfo& info) {
     switch (event) {
         case TOLM_CONFIGURATION_EVENT_RESOLUTION:
@@ -141,7 +141,7 @@ int TolmConfigurationAdaptorIpc::SetPvrEndPadding(unsigned padding) {
     return Call(19, {UInt("end_pad", padding)});
 }
 
-// Unsigned here, and signed in the request that sets it: so the platform has it.
+// Unsigned here, but signed in the request that sets it.
 int TolmConfigurationAdaptorIpc::GetPreferredTimeShiftMode(int& mode) {
     unsigned value = 0;
     const int status = Call(20, {}, {ToUInt("timeshift_mode", value)});
@@ -157,7 +157,7 @@ int TolmConfigurationAdaptorIpc::GetText(int keyType, std::string& text) {
     return Call(22, {Int("key_type", keyType)}, {ToText("info", text)});
 }
 
-// Has the code of GetText, and no key: so the platform has it.
+// Has the code of GetText and does not send the key.
 int TolmConfigurationAdaptorIpc::SetText(int, const std::string& text) {
     return Call(22, {Text("info", text)});
 }

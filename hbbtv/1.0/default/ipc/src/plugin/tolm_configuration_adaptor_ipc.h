@@ -1,4 +1,4 @@
-// The user's preferences that applications may see, and the events that tell that they changed.
+// The user's preferences that applications may read, and the events of their changes.
 #pragma once
 
 #include <cstdint>
@@ -30,8 +30,7 @@ enum : TolmConfigurationEvent {
     TOLM_CONFIGURATION_EVENT_DEVICE_ID_TIMESTAMP = 14,
 };
 
-// The members that belong to the event's code are set, all others are 0 or empty; so are all with a code without a
-// name.
+// The members of the event's code are set; all others are 0 or empty. A code without a name has no member.
 struct TolmConfigurationEventInfo {
     uint32_t width = 0;
     uint32_t height = 0;
@@ -51,16 +50,14 @@ struct TolmConfigurationEventInfo {
     int64_t deviceIdTimestamp = 0;
 };
 
-// Told of an event on the endpoint's server thread, one at a time. The context is always null.
+// Called for one event at a time, on the endpoint's server thread. The context is always null.
 using TolmConfigurationEventCallback = void (*)(const TolmConfigurationEvent& event, TolmConfigurationEventInfo info,
                                                 const void* context);
 
 using TolmDeviceResolutionCallback = void (*)(unsigned width, unsigned height);
 using TolmDNTValueCallback = void (*)(int value);
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. What the integers mean is the platform's
-// business.
+// The platform defines the integers.
 class TolmConfigurationAdaptorIpc : public tolm::TolmAdaptorClient,
                                     public TolmBaseServer,
                                     public tolm::TolmAdaptorInstance<TolmConfigurationAdaptorIpc> {
@@ -99,14 +96,14 @@ class TolmConfigurationAdaptorIpc : public tolm::TolmAdaptorClient,
     // Appends the ids.
     int GetDttNetworkIds(std::vector<int>& networkIds);
 
-    // Makes `callback` the receiver of the events, in place of any earlier one, whether the platform answers or not.
+    // Replaces the receiver of the events, even if the platform does not reply.
     int RegisterCallback(TolmConfigurationEventCallback callback);
     int UnregisterCallback();
 
     int GetRatingAge(int& age);
     int GetDNTPolicy(int& policy);
 
-    // The functions are kept; no event calls them.
+    // Keeps the function. No event calls it.
     void SetDeviceResolutionCallback(TolmDeviceResolutionCallback callback);
     void SetDNTValueCallback(TolmDNTValueCallback callback);
 

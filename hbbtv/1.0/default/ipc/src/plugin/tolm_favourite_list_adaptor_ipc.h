@@ -6,9 +6,7 @@
 #include "ipc/src/tolm_adaptor_call.h"
 #include "ipc/src/tolm_adaptor_instance.h"
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. `list` is a favourite list's handle, valid
-// until it is released; channels are given by their handles, and named by their ccid where one is put in.
+// `list` is a favourite list's handle. A channel is inserted by its identifier, `ccid`.
 class TolmFavouriteListAdaptorIpc : public tolm::TolmAdaptorClient,
                                     public tolm::TolmAdaptorInstance<TolmFavouriteListAdaptorIpc> {
   public:

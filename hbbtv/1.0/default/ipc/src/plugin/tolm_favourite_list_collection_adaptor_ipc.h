@@ -6,9 +6,7 @@
 #include "ipc/src/tolm_adaptor_call.h"
 #include "ipc/src/tolm_adaptor_instance.h"
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. `collection` is its handle, valid until it is
-// released; favourite lists are given by their handles and named by their favId.
+// `collection` is the collection's handle. Favourite lists have a handle and an identifier, `favId`.
 class TolmFavouriteListCollectionAdaptorIpc : public tolm::TolmAdaptorClient,
                                               public tolm::TolmAdaptorInstance<TolmFavouriteListCollectionAdaptorIpc> {
   public:

@@ -1,4 +1,4 @@
-// What the platform says of this television, and of what is enabled on it.
+// The identity of this television and its enabled features.
 #pragma once
 
 #include <string>
@@ -6,8 +6,6 @@
 #include "ipc/src/tolm_adaptor_call.h"
 #include "ipc/src/tolm_adaptor_instance.h"
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success.
 class TolmLocalSystemAdaptorIpc : public tolm::TolmAdaptorClient,
                                   public tolm::TolmAdaptorInstance<TolmLocalSystemAdaptorIpc> {
   public:
@@ -19,7 +17,7 @@ class TolmLocalSystemAdaptorIpc : public tolm::TolmAdaptorClient,
     int GetHardwareVersion(std::string& hardwareVersion);
     int GetSerialNumber(std::string& serialNumber);
 
-    // 0 for no; what other numbers there are is the platform's business.
+    // 0 means disabled. The platform defines the other numbers.
     int GetPvrEnabled(int& pvrEnabled);
     int GetCiplusEnabled(int& ciplusEnabled);
 

@@ -72,7 +72,7 @@ int TolmParentalControlManagerAdaptorIpc::GetRatingNum(const void* collection, u
     return Call(46, {Pointer("in_handle", collection)}, {ToIntBits("out_num", n)});
 }
 
-// The platform has "in_index" here, and "index" for schemes and icons.
+// The key is "in_index" here, but "index" for schemes and icons.
 int TolmParentalControlManagerAdaptorIpc::GetRatingByIndex(const void* collection, unsigned index, void*& rating) {
     return Call(47, {Pointer("in_handle", collection), UInt("in_index", index)}, {ToPointer("out_handle", rating)});
 }

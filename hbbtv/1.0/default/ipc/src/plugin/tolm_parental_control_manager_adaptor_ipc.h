@@ -1,4 +1,4 @@
-// How the platform rates programmes for minors: managers, rating schemes, ratings and collections of ratings.
+// The rating of programmes for minors: managers, rating schemes, ratings and collections of ratings.
 #pragma once
 
 #include <string>
@@ -6,9 +6,7 @@
 #include "ipc/src/tolm_adaptor_call.h"
 #include "ipc/src/tolm_adaptor_instance.h"
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. `manager`, `scheme`, `rating` (also one that
-// is a threshold) and `collection` are handles, valid until they are given back.
+// `manager`, `scheme`, `rating` (including one that is a threshold) and `collection` are handles.
 class TolmParentalControlManagerAdaptorIpc : public tolm::TolmAdaptorClient,
                                              public tolm::TolmAdaptorInstance<TolmParentalControlManagerAdaptorIpc> {
   public:
@@ -33,7 +31,7 @@ class TolmParentalControlManagerAdaptorIpc : public tolm::TolmAdaptorClient,
                           unsigned labels, const std::string& region);
     int ReleaseParentalRatingCollection(const void* collection);
 
-    // The rating is not asked for when `rating` is null.
+    // `rating` may be null.
     int GetLocalParentalRating(std::string& countryCode, int* rating);
 
   private:

@@ -8,10 +8,10 @@ using namespace tolm;
 
 namespace {
 
-// No descriptor of the platform is longer.
+// The platform's descriptors are not longer.
 constexpr unsigned kMostDescriptorBytes = 256;
 
-// The bytes come one member each: "k0", "k1", ...
+// Each byte is a member of its own: "k0", "k1", ...
 Target ToDescriptor(std::string& to) {
     return {"length", &to, [](const Json::Value& object, const char* k, void* out) {
                 const unsigned length = std::min(ReadUInt(object, k), kMostDescriptorBytes);

@@ -6,13 +6,11 @@
 #include "ipc/src/tolm_adaptor_call.h"
 #include "ipc/src/tolm_adaptor_instance.h"
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. `programme` is a programme's handle, valid
-// until it is released. Times are in seconds.
+// `programme` is a programme's handle. Times are in seconds.
 class TolmProgrammeAdaptorIpc : public tolm::TolmAdaptorClient,
                                 public tolm::TolmAdaptorInstance<TolmProgrammeAdaptorIpc> {
   public:
-    // The platform is told and not waited for.
+    // One-way.
     int Release(const void* programme);
 
     int GetName(const void* programme, std::string& name);
@@ -34,10 +32,10 @@ class TolmProgrammeAdaptorIpc : public tolm::TolmAdaptorClient,
     int GetParentalRatings(const void* programme, void*& collection);
     int GetSIDescriptorNum(const void* programme, unsigned& num);
 
-    // The descriptor's bytes, zero bytes among them: the first 256 when there are more.
+    // Returns at most the first 256 bytes of the descriptor, which may be zero.
     int GetSIDescriptorByIndex(const void* programme, unsigned index, std::string& descriptor);
 
-    // The platform is told and not waited for.
+    // One-way.
     int GetSIDescriptorByEventId(const void* programme, int descTag, int descTagExt, int privateDataSpecifier);
 
   private:

@@ -62,7 +62,7 @@ int TolmSearchManagerAdaptor::MetaSearch_SetQuery(const void* search, const void
     return Call(14, {Pointer("search_handle", search), Pointer("query_handle", query)});
 }
 
-// The platform takes the time as a real number.
+// The time is a real number on the wire.
 int TolmSearchManagerAdaptor::MetaSearch_FindProgrammesFromStream(const void* search, const void* channel,
                                                                   uint32_t startTime, int count) {
     return Call(15, {Pointer("search_handle", search), Pointer("channel_handle", channel),
@@ -122,7 +122,7 @@ void TolmSearchManagerAdaptor::ReceiveIpc(const Json::Value& msg) {
     const TolmSearchManagerEvent event = ReadInt(msg, "event");
     TolmSearchManagerEventInfo info{};
     if (event == 0) {
-        // Without a search's handle, it stays null.
+        // An event without a handle leaves it null.
         Read(msg, {ToInt("state", info.state), ToPointer("searchHandle", info.searchHandle)});
     } else {
         TOLM_LOG(ANDROID_LOG_WARN, kTag, "wrong event type %d", event);

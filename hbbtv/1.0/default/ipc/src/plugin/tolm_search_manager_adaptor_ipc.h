@@ -1,4 +1,4 @@
-// The platform's searches among programmes, and the event that tells how they go on.
+// The platform's searches among programmes, and their event.
 #pragma once
 
 #include <cstdint>
@@ -14,16 +14,14 @@ using TolmSearchManagerEvent = int32_t;
 
 struct TolmSearchManagerEventInfo {
     int32_t state;
-    void* searchHandle;  // null when the platform named none
+    void* searchHandle;  // null if the event has none
 };
 
-// Told of an event on the endpoint's server thread, one at a time.
+// Called for one event at a time, on the endpoint's server thread.
 using TolmSearchManagerEventCallback = void (*)(const TolmSearchManagerEvent& event,
                                                 const TolmSearchManagerEventInfo& info, const void* context);
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. Search managers, searches, queries and result
-// sets are given by their handles, valid until they are given back.
+// Search managers, searches, queries and result sets are handles.
 class TolmSearchManagerAdaptor : public tolm::TolmAdaptorClient,
                                  public TolmBaseServer,
                                  public tolm::TolmAdaptorInstance<TolmSearchManagerAdaptor> {
@@ -31,8 +29,7 @@ class TolmSearchManagerAdaptor : public tolm::TolmAdaptorClient,
     int SearchManager_Create(void*& manager);
     int SearchManager_Destroy(const void* manager);
 
-    // Makes `callback` the receiver of the events of all search managers, in place of any earlier one, whether the
-    // platform answers or not.
+    // Replaces the receiver of the events of all search managers, even if the platform does not reply.
     int SearchManager_RegisterCallback(const void* manager, TolmSearchManagerEventCallback callback,
                                        const void* context);
 
@@ -44,7 +41,7 @@ class TolmSearchManagerAdaptor : public tolm::TolmAdaptorClient,
     int MetaSearch_GetSearchTarget(const void* search, unsigned& target);
     int MetaSearch_SetQuery(const void* search, const void* query);
 
-    // Makes the query of a search: programmes of a channel from a time on, in seconds since 1970.
+    // Sets the query of a search: programmes of a channel from a start time on, in seconds since 1970-01-01 UTC.
     int MetaSearch_FindProgrammesFromStream(const void* search, const void* channel, uint32_t startTime, int count);
 
     int MetaSearch_AddChannelConstraint(const void* search, const void* channel);
@@ -54,7 +51,7 @@ class TolmSearchManagerAdaptor : public tolm::TolmAdaptorClient,
     int SearchResults_GetTotalSize(const void* results, unsigned& size);
     int SearchResults_GetProgramme(const void* results, unsigned index, void*& programme);
 
-    // Runs the search. The results are announced by an event.
+    // Runs the search. An event reports the results.
     int SearchResults_GetResults(const void* results, unsigned offset, unsigned count);
 
     int SearchResults_Abort(const void* results);

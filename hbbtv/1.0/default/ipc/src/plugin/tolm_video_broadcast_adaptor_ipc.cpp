@@ -35,7 +35,7 @@ int TolmVideoBroadcastAdaptorIpc::Destroy(const void* vb) {
 
 int TolmVideoBroadcastAdaptorIpc::RegisterCallback(const void* vb, TolmVideoBroadcastCallback callback,
                                                    const void* context) {
-    // First the slot, so that no event of the object is missed.
+    // The slot is set first, so that no event of the object is missed.
     mCallback.Set(callback, context);
     return Call(3, {Pointer("vb_handle", vb), Pointer("context", context)});
 }
@@ -183,7 +183,7 @@ int TolmVideoBroadcastAdaptorIpc::StopTimeShift(const void* vb) {
     return Call(33, {Pointer("vb_handle", vb)});
 }
 
-// Code 34 is its slot on the wire and is never sent.
+// Its code on the wire, 34, is never sent.
 int TolmVideoBroadcastAdaptorIpc::SetChannel_Ext(const void*, const void*&, bool, const std::string&, int) {
     LogScope scope(kTag);
     return 0;
@@ -221,7 +221,7 @@ int TolmVideoBroadcastAdaptorIpc::GetCurrentActiveAVComponentNumByType(const voi
     return Call(41, {Pointer("vb_handle", vb), Int("comType", comType)}, {ToUInt("num", num)});
 }
 
-// The platform takes no component type here, unlike in the sibling for all components.
+// Unlike the operation for all components, this one sends no component type.
 int TolmVideoBroadcastAdaptorIpc::GetSpecificTypeCurrentActiveAVComponentByIndex(const void* vb, int, unsigned index,
                                                                                  void*& component) {
     return Call(42, {Pointer("vb_handle", vb), UInt("index", index)}, {ToPointer("component", component)});
@@ -260,7 +260,7 @@ int TolmVideoBroadcastAdaptorIpc::CreateVideoComponent(const void* vb, int compo
                 {ToPointer("component", component)});
 }
 
-// The lists belong to no object, and the first one's keys are in another style than all others: so the platform has it.
+// The lists do not belong to an object, and the keys of the first one are in a style of their own.
 int TolmVideoBroadcastAdaptorIpc::CreateAVComponentList(bool isActive, int type, void*& list) {
     return Call(49, {Bool("is_active", isActive), Int("avcmp_type", type)}, {ToPointer("avcmp_coll", list)});
 }

@@ -1,4 +1,4 @@
-// The platform's video/broadcast objects: requests to them, and the events that come from them.
+// The platform's video/broadcast objects: requests to them, and their events.
 #pragma once
 
 #include <string>
@@ -9,19 +9,17 @@
 #include "ipc/src/tolm_base_server.h"
 #include "ipc/src/tolm_callback_slot.h"
 
-// Told of an event on the endpoint's server thread, one at a time. Whoever is given the record owns its texts
-// (TolmFreeVideoBroadcastEventInfo).
+// Called for one event at a time, on the endpoint's server thread. The receiver owns the record's
+// strings and frees them by TolmFreeVideoBroadcastEventInfo().
 using TolmVideoBroadcastCallback = void (*)(const TolmVideoBroadcastEvent& event,
                                             const TolmVideoBroadcastEventInfo& info, const void* context);
 
-// As above; the record and its texts are valid during the call only.
+// As above, but the record and its strings are valid only during the call.
 using TolmMediaSyncCallback = void (*)(const TolmMediaSyncEvent& event, const TolmMediaSyncEventInfo& info,
                                        const void* context);
 
-// All operations may be called from any thread. Each gives the platform's status (0 for success) or -1 when the
-// platform did not answer properly; results are written only on success. `vb` is the handle of a video/broadcast
-// object, and `channel`, `component`, `programme` and lists are handles as well. What the integers mean is the
-// platform's business; the interface package names the values that are known.
+// `vb` is the handle of a video/broadcast object; `channel`, `component`, `programme` and lists are handles as well.
+// The platform defines the integers; the interface package names the known values.
 class TolmVideoBroadcastAdaptorIpc : public tolm::TolmAdaptorClient,
                                      public TolmBaseServer,
                                      public tolm::TolmAdaptorInstance<TolmVideoBroadcastAdaptorIpc> {
@@ -30,15 +28,15 @@ class TolmVideoBroadcastAdaptorIpc : public tolm::TolmAdaptorClient,
     int Release(const void* vb);
     int Destroy(const void* vb);
 
-    // Makes `callback` the receiver of all video/broadcast events of this process, in place of any earlier one, whether
-    // the platform answers or not. The platform sends the context back with the object's events.
+    // Replaces the receiver of all video/broadcast events of this process, even if the platform does not reply. The
+    // platform sends `context` with the object's events.
     int RegisterCallback(const void* vb, TolmVideoBroadcastCallback callback, const void* context);
     int UnregisterCallback(const void* vb);
 
-    // Forgets the receiver without telling the platform.
+    // Removes the receiver. Sends nothing.
     void ClearCallback();
 
-    // Makes `callback` the receiver of media-synchronisation events; null for none. The platform is not told.
+    // Replaces the receiver of media-synchronisation events; null removes it. Sends nothing.
     void RegisterMediaSyncCallback(TolmMediaSyncCallback callback, const void* context);
 
     int SetWindow(const void* vb, int x, int y, int w, int h);
@@ -66,7 +64,7 @@ class TolmVideoBroadcastAdaptorIpc : public tolm::TolmAdaptorClient,
     int GetTimeShiftMode(const void* vb, int& mode);
     int GetCurrentTimeShiftMode(const void* vb, int& mode);
 
-    // Does nothing and gives 0: the platform records by its own means.
+    // Does nothing and returns 0: the platform records by other means.
     int RecordNow(const void* vb, unsigned duration, std::string& recordingId);
     int StopRecording(const void* vb);
     int Pause(const void* vb);
@@ -75,7 +73,7 @@ class TolmVideoBroadcastAdaptorIpc : public tolm::TolmAdaptorClient,
     int Seek(const void* vb, int offset, int reference);
     int StopTimeShift(const void* vb);
 
-    // Does nothing and gives 0: the platform has no such operation.
+    // Does nothing and returns 0: the platform does not have the operation.
     int SetChannel_Ext(const void* vb, const void*& channel, bool trickPlay, const std::string& url, int quiet);
     int SetChannel_Quiet(const void* vb, const void* channel, bool trickPlay, const std::string& url, int quiet);
     int GetProgrammeNum(const void* vb, unsigned& num);

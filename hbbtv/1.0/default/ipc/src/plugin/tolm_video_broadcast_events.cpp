@@ -21,7 +21,7 @@ using tolm::ToUInt64;
 
 constexpr const char* kTag = tolm::families::kVideoBroadcast.tag;
 
-// A stream event carries a few dozen bytes; more than this is no event.
+// A stream event carries a few dozen bytes. A larger one is not valid.
 constexpr unsigned kMaxStreamEventText = 1u << 20;
 
 char* Allocate(size_t size) {
@@ -41,19 +41,19 @@ Target ToOwnedText(const char* key, TolmOwnedText& to) {
             }};
 }
 
-bool ReadHandle(const Json::Value& msg, const char* key, void*& to, const char* complaint) {
+bool ReadHandle(const Json::Value& msg, const char* key, void*& to, const char* error) {
     if (Read(msg, {ToPointer(key, to)})) return true;
-    TOLM_LOG(ANDROID_LOG_ERROR, kTag, "%s", complaint);
+    TOLM_LOG(ANDROID_LOG_ERROR, kTag, "%s", error);
     return false;
 }
 
-bool ReadParentalRating(const Json::Value& msg, TolmVbParentalRating& to, const char* complaint) {
+bool ReadParentalRating(const Json::Value& msg, TolmVbParentalRating& to, const char* error) {
     return Read(msg, {ToOwnedText("contentID", to.contentId)}) &&
-           ReadHandle(msg, "PRCollectionHandle", to.ratings, complaint) &&
+           ReadHandle(msg, "PRCollectionHandle", to.ratings, error) &&
            Read(msg, {ToOwnedText("drmSystemID", to.drmSystemId)});
 }
 
-// The bytes come one member each: "text0", "text1", ...
+// Each byte is a member of its own: "text0", "text1", ...
 bool ReadStreamEventText(const Json::Value& msg, TolmOwnedText& to) {
     const unsigned length = tolm::ReadUInt(msg, "textLen");
     if (length > kMaxStreamEventText) {
@@ -93,13 +93,13 @@ bool Decode(const Json::Value& msg, TolmVideoBroadcastEvent event, TolmVideoBroa
         case TOLM_VB_EVENT_COMPONENT_TYPE_11:
         case TOLM_VB_EVENT_COMPONENT_TYPE_15:
             return Read(msg, {ToInt("componentType", info.componentType)});
-        // The complaint names another handle than the one that is missing; log filters know it so.
+        // The line names a handle other than the missing one; log filters rely on it.
         case TOLM_VB_EVENT_PARENTAL_RATING:
             return ReadParentalRating(msg, info.parentalRating, "channelHandle fail");
         case TOLM_VB_EVENT_PARENTAL_RATING_BLOCKED:
             return ReadParentalRating(msg, info.parentalRating, "PRCollectionHandle fail") &&
                    Read(msg, {ToBool("blocked", info.parentalRating.blocked)});
-        // "drmSystemId" here, "drmSystemID" in the parental-rating events: both are the platform's spelling.
+        // The platform spells "drmSystemId" here, but "drmSystemID" in the parental-rating events.
         case TOLM_VB_EVENT_DRM_RIGHTS_ERROR:
             return Read(msg, {ToInt("error", info.drmRightsError.error),
                               ToOwnedText("contentID", info.drmRightsError.contentId),

@@ -1,5 +1,4 @@
-// What the platform tells about video/broadcast objects and about media synchronisation, as records for plain
-// callbacks.
+// The platform's events of video/broadcast objects and of media synchronisation, as records for plain callbacks.
 #pragma once
 
 #include <json/json.h>
@@ -7,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-// Event codes of the wire. Codes without a row (17 to 22 are known to clients) come with an all-zero record.
+// Event codes of the wire. Codes without a name (17 to 22 are known to clients) have an all-zero record.
 using TolmVideoBroadcastEvent = int32_t;
 enum : TolmVideoBroadcastEvent {
     TOLM_VB_EVENT_CHANNEL_ERROR = 0,
@@ -29,8 +28,8 @@ enum : TolmVideoBroadcastEvent {
     TOLM_VB_EVENT_STREAM_EVENT = 16,
 };
 
-// A malloc'ed copy of a text of the wire or of its bytes, NUL-terminated when it is a text; null when there is none.
-// The length is that of the text on the wire, which may hold zero bytes.
+// A malloc'ed copy of a string (NUL-terminated) or of bytes (not terminated) of the wire, or null. The length is that
+// on the wire; a string may contain zero bytes.
 struct TolmOwnedText {
     char* text;
     uint32_t length;
@@ -80,7 +79,7 @@ struct TolmVbStreamEvent {
     TolmOwnedText status;
 };
 
-// The member that belongs to the event's code is set, the rest is zero.
+// The member of the event's code is set; the rest is zero.
 union TolmVideoBroadcastEventInfo {
     TolmVbChannelError channelError;
     TolmVbPlayState playState;
@@ -95,11 +94,11 @@ union TolmVideoBroadcastEventInfo {
     TolmVbStreamEvent streamEvent;
 };
 
-// Frees the texts of a record and leaves it all-zero. Who is given a record calls it, once done with the texts.
+// Frees the strings of a record and zeroes it. The receiver of a record must call it.
 void TolmFreeVideoBroadcastEventInfo(TolmVideoBroadcastEvent event, TolmVideoBroadcastEventInfo& info);
 
-// Fills a record from an event message. A code without a row logs a warning and gives the all-zero record. False, with
-// a line that says why and nothing left to free, when the message makes no sense.
+// Fills a record from an event message. A code without a name logs a warning and zeroes the record. If the message is
+// invalid, logs the reason and returns false; then there is nothing to free.
 bool TolmDecodeVideoBroadcastEvent(const Json::Value& msg, TolmVideoBroadcastEvent event,
                                    TolmVideoBroadcastEventInfo& info);
 
@@ -113,8 +112,8 @@ struct TolmMediaSyncTiming {
     uint64_t wallClockTime;
 };
 
-// What follows a flag is set only when the flag is. The texts belong to whoever calls the callback and are valid during
-// the call; null when there is none.
+// The members after a flag are set only if the flag is. The strings, which may be null, belong to the caller of the
+// callback and are valid only during the call.
 struct TolmMediaSyncContent {
     bool timelineOptionsChange;
     const char* timelineSelector;
@@ -127,7 +126,7 @@ struct TolmMediaSyncContent {
     const char* mrsUrl;
 };
 
-// Codes 0 to 3 set the member beside them, 4 and 5 none.
+// Codes 0 to 3 set the member next to them, codes 4 and 5 none.
 union TolmMediaSyncEventInfo {
     TolmMediaSyncTiming timing;    // 0
     double speed;                  // 1
@@ -135,14 +134,14 @@ union TolmMediaSyncEventInfo {
     TolmVbPlayState playState;     // 3
 };
 
-// The texts that a media-synchronisation record points into.
+// The strings that a media-synchronisation record points to.
 struct TolmMediaSyncTexts {
     std::string timelineSelector;
     std::string contentId;
     std::string mrsUrl;
 };
 
-// Fills a record and the texts it points into, which have to live as long. A code without a row logs a warning and
-// gives the all-zero record.
+// Fills a record and the strings that it points to, which must outlive it. A code without a name logs a warning and
+// zeroes the record.
 void TolmDecodeMediaSyncEvent(const Json::Value& msg, TolmMediaSyncEvent event, TolmMediaSyncEventInfo& info,
                               TolmMediaSyncTexts& texts);

@@ -1,13 +1,10 @@
-// The service manager of the device, as far as generated code names it. The host has none: defaultServiceManager()
-// gives null, and registerForNotifications() of every interface therefore answers false.
+// The part of the device's service manager that generated code refers to. The host does not have one:
+// defaultServiceManager() returns null, so registerForNotifications() of every interface returns false.
 #pragma once
 
 #include <android/hidl/manager/1.0/IServiceNotification.h>
 
-namespace android {
-namespace hidl {
-namespace manager {
-namespace V1_0 {
+namespace android::hidl::manager::V1_0 {
 
 struct IServiceManager : public ::android::hidl::base::V1_0::IBase {
     virtual ::android::hardware::Return<bool> registerForNotifications(
@@ -15,7 +12,4 @@ struct IServiceManager : public ::android::hidl::base::V1_0::IBase {
         const ::android::sp<IServiceNotification>& callback) = 0;
 };
 
-}  // namespace V1_0
-}  // namespace manager
-}  // namespace hidl
-}  // namespace android
+}  // namespace android::hidl::manager::V1_0
