@@ -1,282 +1,151 @@
-#include "request_rows.h"
-
+// The requests of a family: each operation of its adaptor is held to protocol/.
 #include <android/log.h>
+#include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <memory>
 
+#include "ipc/tolm_ipc_key_converter.h"
+#include "lenient_readings.h"
 #include "log_capture.h"
-#include "protocol_file.h"
+#include "raw_socket.h"
+#include "rows.h"
+#include "scratch_directory.h"
+#include "wire/message.h"
+#include "wire/values.h"
 #include "wire_texts.h"
 #include "written_json.h"
 
 namespace hbbtv::test {
 
+void PrintTo(const Row& row, std::ostream* out) {
+    *out << row.Name();
+}
+
 namespace {
 
 constexpr char kJsonTag[] = "[ipc_base]";
 
-bool AllOf(const std::string& text, const char* characters) {
-    return !text.empty() && text.find_first_not_of(characters) == std::string::npos;
+std::string NameOf(const ::testing::TestParamInfo<Row>& info) {
+    return info.param.Name();
 }
 
-// Whether a member of this type says how many numbers or pairs of numbers a list has.
-bool Counts(const std::string& type) {
-    return type == "count" || type == "pairs";
+std::vector<Row> RowsOf(bool (*chosen)(const Row& row)) {
+    std::vector<Row> rows;
+    std::copy_if(UnderTest().rows.begin(), UnderTest().rows.end(), std::back_inserter(rows), chosen);
+    return rows;
 }
 
-// How a value of each type is written in the rows.
-bool IsWrittenAs(const std::string& type, const std::string& value) {
-    constexpr char kDigits[] = "0123456789";
-    const std::string quoted = value.size() > 2 ? value.substr(1, value.size() - 2) : "";
-    if (type == "int") return value[0] == '-' && AllOf(value.substr(1), kDigits);
-    if (type == "uint") return AllOf(value, kDigits) && std::stoull(value) > 0x7fffffffu;
-    if (Counts(type)) return AllOf(value, kDigits);
-    if (type == "bool") return value == "true" || value == "false";
-    if (type == "double") return AllOf(value, "-.0123456789") && value.find('.') != std::string::npos;
-    if (type == "array") return value == "null" || value[0] == '[';
-    if (value[0] != '"') return false;
-    if (type == "string") return !quoted.empty() && quoted[0] != '0';
-    return type == "pointer" && quoted.size() == 10 && quoted.rfind("0x", 0) == 0 && quoted[2] >= '8' &&
-           AllOf(quoted.substr(2), "0123456789abcdef");
-}
-
-// The type that the member of a result has among those as they were written.
-std::string TypeAsWritten(const std::string& type) {
-    if (type == "flag") return "int";
-    if (type == "few") return "uint";
-    return type == "length" ? "count" : type;
-}
-
-Json::Value OperationOf(const Json::Value& protocol, const std::string& name) {
-    for (const Json::Value& operation : protocol["operations"]) {
-        if (operation["name"] == name) return operation;
+std::vector<std::string> TextArguments(const Json::Value& members) {
+    std::vector<std::string> texts;
+    for (const Json::Value& member : members) {
+        if (member["type"] == "string" && !member.isMember("fields")) texts.push_back(member["key"].asString());
     }
-    return Json::Value();
+    return texts;
 }
 
-// A list of members as it was written. The last one may be repeated, as often as the one that counts it says.
-std::vector<Json::Value> MembersAsWritten(const Json::Value& list, const WrittenMembers& written) {
-    std::vector<Json::Value> members(list.begin(), list.end());
-    int count = 0;
-    for (const Json::Value& member : list) {
-        const Json::Value& counter = member.isMember("fields") ? member["fields"]["repeat"]
-                                     : member.isMember("size") ? member["size"]
-                                                               : member["repeat"];
-        for (size_t i = 0; i < members.size() && i < written.size(); ++i) {
-            if (members[i]["key"] != counter) continue;
-            const std::string type = list[static_cast<Json::ArrayIndex>(i)]["type"].asString();
-            EXPECT_TRUE(type == "int" || type == "uint") << type;
-            members[i]["type"] = member.isMember("fields") ? "pairs" : "count";
-            count = std::stoi(written[i].second);
-        }
-    }
-    if (members.empty() || !members.back().isMember("repeat")) return members;
-    const Json::Value repeated = members.back();
-    members.pop_back();
-    const std::string key = repeated["key"].asString();
-    const size_t number = key.find("%d");
-    for (int i = 0; i < count; ++i) {
-        members.push_back(repeated);
-        members.back()["key"] = key.substr(0, number) + std::to_string(i) + key.substr(number + 2);
-    }
-    return members;
+// The type of a result as ReadingsOf() knows it, and "list" for those of several numbers.
+std::string KindOf(const Row& row, const Result& result, const Json::Value& before) {
+    if (result.list) return "list";
+    if (result.type == "int" && before.isBool()) return "flag";
+    const Json::Value& member = MemberOf(row.Operation()["reply"], result.arguments[0]);
+    return member.isMember("max") ? "few" : result.type;
 }
 
-void ExpectWrittenAs(const Json::Value& member, const std::string& key, const std::string& value) {
-    EXPECT_EQ(member["key"].asString(), key);
-    // A number that has few values need not be negative.
-    const std::string type = member.isMember("max") ? "count" : member["type"].asString();
-    EXPECT_TRUE(IsWrittenAs(type, value)) << key << " is no " << member["type"] << ": " << value;
+std::string Shown(const std::string& kind, const Json::Value& value) {
+    if (kind == "int") return Show(static_cast<int>(value.asInt64()));
+    if (kind == "flag") return Show(value.asBool());
+    if (kind == "uint" || kind == "few") return Show(static_cast<unsigned>(value.asInt64()));
+    if (kind == "bool") return Show(value.asBool());
+    if (kind == "double") return Show(value.asDouble());
+    if (kind == "pointer") return Show(Handle(value));
+    return WriteJson(value);
 }
 
-std::vector<std::string> AllShownBefore(const std::vector<Result>& results) {
-    std::vector<std::string> all;
-    for (const Result& result : results) {
-        if (result.shown != nullptr) all.push_back(ShownBefore(result.type));
+// What a variable holds once it has been given these lists: their elements behind those that it held, side by side when
+// there are two lists. A string is replaced by the low bytes of the numbers.
+Json::Value WithLists(const Json::Value& before, const Result& result, const Json::Value& values) {
+    const Json::Value& first = values[result.arguments[0]];
+    if (before.isString()) {
+        std::string bytes;
+        for (const Json::Value& number : first) bytes += static_cast<char>(number.asInt());
+        return bytes;
     }
-    return all;
+    Json::Value list = before;
+    for (Json::ArrayIndex i = 0; i < first.size(); ++i) {
+        Json::Value element(Json::arrayValue);
+        for (const std::string& name : result.arguments) element.append(values[name][i]);
+        list.append(element.size() == 1 ? element[0] : element);
+    }
+    return list;
 }
+
+void ExpectResults(const Row& row, const Outcome& outcome, const Json::Value& values) {
+    EXPECT_EQ(outcome.status, 0);
+    const std::vector<Result> results = ResultsOf(row.Operation()["reply"]);
+    ASSERT_EQ(outcome.results.size(), results.size());
+    for (size_t i = 0; i < results.size(); ++i) {
+        const std::string kind = KindOf(row, results[i], outcome.before[i]);
+        const Json::Value expected =
+            results[i].list ? WithLists(outcome.before[i], results[i], values) : values[results[i].arguments[0]];
+        EXPECT_EQ(Shown(kind, outcome.results[i]), Shown(kind, expected)) << results[i].arguments[0];
+    }
+}
+
+void ExpectUntouched(const Outcome& outcome, int status) {
+    EXPECT_EQ(outcome.status, status);
+    EXPECT_EQ(outcome.results, outcome.before);
+}
+
+class RowTest : public ::testing::TestWithParam<Row> {
+  protected:
+    ~RowTest() override { UnderTest().deleteInstance(); }
+
+    Json::Value ReplyValues() const { return GetParam().Reply(false); }
+    std::string ReplyText() const { return WriteJson(GetParam().ReplyDocument(ReplyValues())); }
+    std::string ReplyWith(const std::string& ret) const { return WithMember(ReplyText(), "ret", ret); }
+    int Lines() const { return GetParam().IsOneWay() ? 0 : 1; }
+
+    ScratchDirectory mDirectory;
+    const std::string mSocket = UnderTest().Socket();
+};
+
+class Request : public RowTest {};
+class Reply : public RowTest {};
+class OneWay : public RowTest {};
+class PlatformProcess : public RowTest {};
+class Texts : public RowTest {};
 
 }  // namespace
 
-const char* ShownBefore(const std::string& type) {
-    if (type == "int") return "-77777";
-    if (type == "uint") return "77777";
-    if (type == "bool") return "true";
-    if (type == "double") return "0.0625";
-    if (type == "string") return "\"before\"";
-    if (type == "pointer") return "0xbef0";
-    if (type == "flag") return "true";
-    if (type == "count") return "[-77777]";
-    if (type == "pairs") return "[-77777/-77777]";
-    if (type == "length") return "\"before\"";
-    if (type == "few") return "77777";
-    return "no type";
-}
-
-std::vector<Row> RowsOf(const std::vector<Row>& rows, const std::string& form) {
-    std::vector<Row> chosen;
-    for (const Row& row : rows) {
-        if (row.form == form) chosen.push_back(row);
-    }
-    return chosen;
-}
-
-void PrintTo(const Row& row, std::ostream* out) {
-    *out << row.operation;
-}
-
-std::string NameOf(const ::testing::TestParamInfo<Row>& info) {
-    return info.param.operation;
-}
-
-void PrintTo(const TextRow& row, std::ostream* out) {
-    *out << row.operation;
-}
-
-std::string NameOfTextRow(const ::testing::TestParamInfo<TextRow>& info) {
-    return info.param.operation;
-}
-
-void ExpectTheProtocolsOperations(const std::vector<Row>& rows) {
-    std::vector<std::string> expected;
-    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
-    for (const Json::Value& operation : protocol["operations"]) {
-        expected.push_back(operation["name"].asString());
-    }
-    std::vector<std::string> names;
-    for (const Row& row : rows) names.push_back(row.operation);
-    EXPECT_EQ(names, expected);
-}
-
-void ExpectTheProtocolsEndpoint(const char* name, int key, const char* socket, int port, const char* servedBy) {
-    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
-    const Json::Value& endpoint = protocol["endpoints"][name];
-    EXPECT_EQ(endpoint["key"].asInt(), key);
-    EXPECT_EQ(endpoint["socket"].asString(), socket);
-    EXPECT_EQ(endpoint["port"].asInt(), port);
-    EXPECT_EQ(endpoint["served_by"].asString(), servedBy);
-}
-
-void ExpectNoEventsInTheProtocol() {
-    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
-    EXPECT_FALSE(protocol["endpoints"].isMember("events"));
-    EXPECT_FALSE(protocol.isMember("events"));
-}
-
-void ExpectTheProtocolsCodes(std::optional<int> type, const std::vector<int>& codes, const char* codeKey) {
-    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
-    EXPECT_EQ(protocol["envelope"].isMember("type"), type.has_value());
-    if (type) {
-        EXPECT_EQ(protocol["envelope"]["type"]["key"].asString(), "type");
-        EXPECT_EQ(protocol["envelope"]["type"]["value"].asInt(), *type);
-    }
-    EXPECT_EQ(protocol["envelope"]["code"]["key"].asString(), codeKey);
-    std::vector<int> written;
-    for (const Json::Value& operation : protocol["operations"]) written.push_back(operation["code"].asInt());
-    EXPECT_EQ(written, codes);
-}
-
-std::vector<int> Codes(int first, int last) {
-    std::vector<int> codes;
-    for (int code = first; code <= last; ++code) codes.push_back(code);
-    return codes;
-}
-
-void ExpectTheProtocolsExample(const char* operation, const std::function<Outcome()>& call, const char* request,
-                               const std::vector<std::string>& results) {
-    const ScratchDirectory directory;
-    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
-    const Json::Value& example = protocol["examples"]["request"];
-    EXPECT_EQ(example["operation"].asString(), operation);
-    FakePlatform platform(protocol["endpoints"]["requests"]["socket"].asString(), example["reply"].toStyledString());
-    const Outcome outcome = call();
-    UnderTest().deleteInstance();
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.results, results);
-    ASSERT_EQ(platform.Frames().size(), 1u);
-    EXPECT_EQ(platform.Frames()[0].payload, Styled(request));
-    EXPECT_EQ(platform.Frames()[0].payload, example["document"].toStyledString());
-}
-
-RowTest::RowTest()
-    : mProtocol(ReadProtocolFile(UnderTest().protocol)),
-      mSocket(mProtocol["endpoints"]["requests"]["socket"].asString()) {}
-
-std::string RowTest::ReplyWith(const std::string& ret) const {
-    WrittenMembers members;
-    if (!ret.empty()) members.emplace_back("ret", ret);
-    for (const Result& result : GetParam().results) members.emplace_back(result.key, result.json);
-    return ObjectOf(members);
-}
-
-bool RowTest::IsOneWay() const {
-    return std::string(GetParam().form) == "one-way";
-}
-
-void RowTest::ExpectResults(const Outcome& outcome, int status) const {
-    EXPECT_EQ(outcome.status, status);
-    std::vector<std::string> expected;
-    for (const Result& result : GetParam().results) {
-        if (result.shown != nullptr) expected.emplace_back(result.shown);
-    }
-    EXPECT_EQ(outcome.results, expected);
-}
-
-void RowTest::ExpectUntouched(const Outcome& outcome, int status) const {
-    EXPECT_EQ(outcome.status, status);
-    EXPECT_EQ(outcome.results, AllShownBefore(GetParam().results));
-}
-
 TEST_P(Request, IsARowOfTheProtocol) {
-    const Json::Value operation = OperationOf(mProtocol, GetParam().operation);
-    ASSERT_TRUE(operation.isObject());
-    EXPECT_EQ(operation["form"].asString(), GetParam().form);
-    EXPECT_NE(operation["doc"].asString(), "");
-
-    WrittenMembers written = MembersOf(GetParam().request);
-    const Json::Value& envelope = mProtocol["envelope"];
-    if (envelope.isMember("type")) {
-        ASSERT_FALSE(written.empty());
-        EXPECT_EQ(written[0].first, envelope["type"]["key"].asString());
-        EXPECT_EQ(written[0].second, std::to_string(envelope["type"]["value"].asInt()));
-        written.erase(written.begin());
+    const Row& row = GetParam();
+    ASSERT_TRUE(row.Operation().isObject());
+    EXPECT_NE(row.Operation()["doc"].asString(), "");
+    const std::vector<std::string> parameters = row.Parameters();
+    if (row.CountOfValues() >= 0) {
+        EXPECT_EQ(row.CountOfValues(), static_cast<int>(parameters.size()));
     }
-    ASSERT_FALSE(written.empty());
-    EXPECT_EQ(written[0].first, envelope["code"]["key"].asString());
-    EXPECT_EQ(written[0].second, std::to_string(operation["code"].asInt()));
-    written.erase(written.begin());
-
-    const std::vector<Json::Value> members = MembersAsWritten(operation["request"], written);
-    ASSERT_EQ(written.size(), members.size());
-    for (size_t i = 0; i < written.size(); ++i) {
-        ExpectWrittenAs(members[i], written[i].first, written[i].second);
-    }
-    WrittenMembers writtenReply;
-    for (const Result& result : GetParam().results) writtenReply.emplace_back(result.key, result.json);
-    const std::vector<Json::Value> reply = MembersAsWritten(operation["reply"], writtenReply);
-    ASSERT_EQ(GetParam().results.size(), reply.size());
-    for (size_t i = 0; i < reply.size(); ++i) {
-        const Result& result = GetParam().results[i];
-        const std::string type = result.type;
-        EXPECT_EQ(reply[i]["type"].asString(), TypeAsWritten(type));
-        EXPECT_EQ(reply[i]["out"].asString().empty(), Counts(TypeAsWritten(type)));
-        ExpectWrittenAs(reply[i], result.key, result.json);
-        if (type == "few") {
-            EXPECT_EQ(reply[i]["max"].asInt(), 65536);
-        }
+    for (const std::string& argument : ArgumentNames(row.Operation()["request"])) {
+        EXPECT_EQ(std::count(parameters.begin(), parameters.end(), argument), 1) << argument;
     }
 }
 
 TEST_P(Request, IsWhatTheProtocolSays) {
-    FakePlatform platform(mSocket, ReplyWith("0"));
-    GetParam().call();
-    ASSERT_TRUE(platform.WaitForFrames(1));
-    const std::vector<Frame> frames = platform.Frames();
-    ASSERT_EQ(frames.size(), 1u);
-    EXPECT_EQ(frames[0].type, IsOneWay() ? kOneWay : kRequest);
-    EXPECT_EQ(frames[0].port, mProtocol["endpoints"]["requests"]["port"].asInt());
-    EXPECT_EQ(frames[0].payload, Styled(GetParam().request));
+    FakePlatform platform(mSocket, ReplyText());
+    // Each bool is true by itself once, so that no two can be exchanged.
+    for (int trueBool = kNoBool; trueBool < CountBools(GetParam().Operation()["request"]); ++trueBool) {
+        const Json::Value values = GetParam().Request(trueBool);
+        platform.ForgetFrames();
+        GetParam().Call(values);
+        ASSERT_TRUE(platform.WaitForFrames(1));
+        const std::vector<Frame> frames = platform.Frames();
+        ASSERT_EQ(frames.size(), 1u);
+        EXPECT_EQ(frames[0].type, GetParam().IsOneWay() ? kOneWay : kRequest);
+        EXPECT_EQ(frames[0].port, UnderTest().Port());
+        EXPECT_EQ(frames[0].payload, GetParam().RequestText(values));
+    }
 }
 
 TEST_P(Request, StandsBetweenEnterAndLeaveInTheLog) {
@@ -286,10 +155,10 @@ TEST_P(Request, StandsBetweenEnterAndLeaveInTheLog) {
     FakePlatform platform(mSocket, [&](const Frame&) {
         entered = log.Count(ANDROID_LOG_VERBOSE, UnderTest().tag, "ENTER");
         left = log.Count(ANDROID_LOG_VERBOSE, UnderTest().tag, "LEAVE");
-        return ReplyWith("0");
+        return ReplyText();
     });
-    GetParam().call();
-    EXPECT_EQ(entered, IsOneWay() ? 0 : 1);
+    GetParam().Call();
+    EXPECT_EQ(entered, Lines());
     EXPECT_EQ(left, 0);
 
     std::vector<LogLine> lines;
@@ -303,71 +172,73 @@ TEST_P(Request, StandsBetweenEnterAndLeaveInTheLog) {
         EXPECT_EQ(line.priority, ANDROID_LOG_VERBOSE);
         EXPECT_EQ(line.file, UnderTest().sourceFile);
         EXPECT_GT(line.line, 0);
-        EXPECT_EQ(line.function, GetParam().operation);
+        EXPECT_EQ(line.function, GetParam().Name());
         EXPECT_EQ(line.text,
                   "[tolm](" + line.file + ":" + std::to_string(line.line) + ") " + line.function + ": " + line.message);
     }
 }
 
 TEST_P(Reply, GivesTheResults) {
-    FakePlatform platform(mSocket, ReplyWith("0"));
-    ExpectResults(GetParam().call(), 0);
+    FakePlatform platform(mSocket, ReplyText());
+    ExpectResults(GetParam(), GetParam().Call(), ReplyValues());
 }
 
 TEST_P(Reply, MayHoldWhatNobodyReads) {
-    FakePlatform platform(mSocket, WithMember(WithMember(ReplyWith("0"), "more", "[1, {\"ret\": 5}]"), "Ret", "9"));
-    ExpectResults(GetParam().call(), 0);
+    FakePlatform platform(mSocket, WithMember(WithMember(ReplyText(), "more", "[1, {\"ret\": 5}]"), "Ret", "9"));
+    ExpectResults(GetParam(), GetParam().Call(), ReplyValues());
 }
 
 TEST_P(Reply, IsReadLeniently) {
-    FakePlatform platform(mSocket, ReplyWith("0"));
-    for (size_t i = 0; i < GetParam().results.size(); ++i) {
-        const Result& result = GetParam().results[i];
+    FakePlatform platform(mSocket, ReplyText());
+    const std::vector<Result> results = ResultsOf(GetParam().Operation()["reply"]);
+    for (size_t i = 0; i < results.size(); ++i) {
         // Lists have tests of their own.
-        if (result.shown == nullptr || Counts(TypeAsWritten(result.type))) continue;
-        for (const Reading& reading : ReadingsOf(result.type, ShownBefore(result.type))) {
-            SCOPED_TRACE(std::string(result.key) + ": " + reading.json);
-            platform.SetReply(WithMember(ReplyWith("0"), result.key, reading.json));
-            const Outcome outcome = GetParam().call();
+        if (results[i].list) continue;
+        platform.SetReply(ReplyText());
+        const Json::Value before = GetParam().Call().before[i];
+        const std::string kind = KindOf(GetParam(), results[i], before);
+        const std::string unchanged = Shown(kind, before);
+        for (const Reading& reading : ReadingsOf(kind, unchanged.c_str())) {
+            SCOPED_TRACE(results[i].arguments[0] + ": " + reading.json);
+            platform.SetReply(WithMember(ReplyText(), results[i].arguments[0], reading.json));
+            const Outcome outcome = GetParam().Call();
             EXPECT_EQ(outcome.status, reading.shown != nullptr ? 0 : -1);
-            ASSERT_GT(outcome.results.size(), i);
-            EXPECT_EQ(outcome.results[i], reading.shown != nullptr ? reading.shown : ShownBefore(result.type));
+            const Json::Value& result = outcome.results[i];
+            EXPECT_EQ(kind == "string" ? Show(result.asString()) : Shown(kind, result),
+                      reading.shown != nullptr ? reading.shown : unchanged);
         }
     }
     // The call without a result does not look at other members.
     platform.SetReply("{\"ret\": 0}");
-    const bool fails = !GetParam().results.empty() && std::string(GetParam().results[0].type) == "pointer";
-    EXPECT_EQ(GetParam().call().status, fails ? -1 : 0);
+    const bool fails = !results.empty() && results[0].type == "pointer";
+    EXPECT_EQ(GetParam().Call().status, fails ? -1 : 0);
 }
 
 TEST_P(Reply, GivesTextsUnchanged) {
     FakePlatform platform(mSocket, "");
-    for (size_t i = 0; i < GetParam().results.size(); ++i) {
-        const Result& result = GetParam().results[i];
-        if (result.shown == nullptr || std::string(result.type) != "string") continue;
+    const std::vector<Result> results = ResultsOf(GetParam().Operation()["reply"]);
+    for (size_t i = 0; i < results.size(); ++i) {
+        if (results[i].list || results[i].type != "string") continue;
         for (const WireText& text : WireTexts()) {
             SCOPED_TRACE(text.name);
-            platform.SetReply(WithMember(ReplyWith("0"), result.key, text.onTheWire));
-            const Outcome outcome = GetParam().call();
+            platform.SetReply(WithMember(ReplyText(), results[i].arguments[0], text.onTheWire));
+            const Outcome outcome = GetParam().Call();
             EXPECT_EQ(outcome.status, 0);
-            ASSERT_GT(outcome.results.size(), i);
-            EXPECT_EQ(outcome.results[i], Show(text.readBack));
+            EXPECT_EQ(outcome.results[i].asString(), text.readBack);
         }
         // A platform need not escape what is not ASCII.
-        platform.SetReply(WithMember(ReplyWith("0"), result.key, "\"K\xc3\xb6ln \xe2\x82\xac \xf0\x9f\x93\xba\""));
-        EXPECT_EQ(GetParam().call().results[i], "\"K\xc3\xb6ln \xe2\x82\xac \xf0\x9f\x93\xba\"");
+        const std::string unescaped = "K\xc3\xb6ln \xe2\x82\xac \xf0\x9f\x93\xba";
+        platform.SetReply(WithMember(ReplyText(), results[i].arguments[0], "\"" + unescaped + "\""));
+        EXPECT_EQ(GetParam().Call().results[i].asString(), unescaped);
     }
 }
 
 TEST_P(Reply, WithAnotherRetWritesNoResults) {
-    const std::vector<std::pair<const char*, int>> rets = {
-        {"1", 1}, {"3", 3}, {"-1", -1}, {"-5", -5}, {"2147483647", 2147483647}, {"-2147483648", -2147483647 - 1},
-    };
     FakePlatform platform(mSocket, "");
-    for (const auto& [ret, status] : rets) {
+    for (const int ret : {1, 3, -1, -5, 2147483647, -2147483647 - 1}) {
         SCOPED_TRACE(ret);
-        platform.SetReply(ReplyWith(ret));
-        ExpectUntouched(GetParam().call(), GetParam().failsWithMinusOne ? -1 : status);
+        platform.SetReply(ReplyWith(std::to_string(ret)));
+        ExpectUntouched(GetParam().Call(), GetParam().FailsOnlyWithMinusOne() ? -1 : ret);
     }
 }
 
@@ -379,7 +250,7 @@ TEST_P(Reply, WithoutAnIntegerAsRetIsAFailure) {
          {"", "\"0\"", "\"3\"", "null", "false", "0.5", "2147483648", "4294967296", "1e300", "[0]", "{}"}) {
         SCOPED_TRACE(ret);
         platform.SetReply(ReplyWith(ret));
-        ExpectUntouched(GetParam().call(), -1);
+        ExpectUntouched(GetParam().Call(), -1);
         EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 1 1 0"), ++failures) << log.Text();
     }
     EXPECT_EQ(platform.Connections(), 1);
@@ -392,12 +263,12 @@ TEST_P(Reply, ThatIsNoObjectIsAFailure) {
     for (const char* reply : {"null", "0", "true", "\"ret\"", "[]", "[{\"ret\": 0}]"}) {
         SCOPED_TRACE(reply);
         platform.SetReply(reply);
-        ExpectUntouched(GetParam().call(), -1);
+        ExpectUntouched(GetParam().Call(), -1);
         EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 1 1 0"), ++failures) << log.Text();
     }
     // No failure of the connection: the next reply comes over the same one.
-    platform.SetReply(ReplyWith("0"));
-    ExpectResults(GetParam().call(), 0);
+    platform.SetReply(ReplyText());
+    ExpectResults(GetParam(), GetParam().Call(), ReplyValues());
     EXPECT_EQ(platform.Connections(), 1);
 }
 
@@ -411,31 +282,28 @@ TEST_P(Reply, ThatIsNoJsonIsAFailure) {
           std::string(1, '\0'), std::string("\xff\xfe"), std::string("{\"ret\": 1e999}"), tooDeep}) {
         SCOPED_TRACE(reply.substr(0, 40));
         platform.SetReply(reply);
-        ExpectUntouched(GetParam().call(), -1);
+        ExpectUntouched(GetParam().Call(), -1);
         EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 1 0 1"), ++failures) << log.Text();
     }
-    platform.SetReply(ReplyWith("0"));
-    ExpectResults(GetParam().call(), 0);
+    platform.SetReply(ReplyText());
+    ExpectResults(GetParam(), GetParam().Call(), ReplyValues());
     EXPECT_EQ(platform.Connections(), 1);
 }
 
 TEST_P(Reply, OfSizeZeroIsAClosedConnection) {
     LogCapture log;
     FakePlatform platform(mSocket, "");
-    ExpectUntouched(GetParam().call(), -1);
+    ExpectUntouched(GetParam().Call(), -1);
     EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 0 1 1"), 1) << log.Text();
-    platform.SetReply(ReplyWith("0"));
-    ExpectResults(GetParam().call(), 0);
+    platform.SetReply(ReplyText());
+    ExpectResults(GetParam(), GetParam().Call(), ReplyValues());
     EXPECT_EQ(platform.Connections(), 2);
 }
-
-// Not every family has such operations.
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OneWay);
 
 TEST_P(OneWay, NeedsNoReply) {
     FakePlatform platform(mSocket, "");
     for (size_t times = 1; times <= 3; ++times) {
-        ExpectResults(GetParam().call(), 0);
+        ExpectResults(GetParam(), GetParam().Call(), Json::Value());
         ASSERT_TRUE(platform.WaitForFrames(times));
         EXPECT_EQ(platform.Frames().back().type, kOneWay);
     }
@@ -443,43 +311,86 @@ TEST_P(OneWay, NeedsNoReply) {
 }
 
 TEST_P(Texts, StandOnTheWireAsJsonStrings) {
-    const Json::Value protocol = ReadProtocolFile(UnderTest().protocol);
-    FakePlatform platform(protocol["endpoints"]["requests"]["socket"].asString(), "{\"ret\": 0}");
+    FakePlatform platform(mSocket, ReplyText());
+    const std::vector<std::string> arguments = TextArguments(GetParam().Operation()["request"]);
     for (const WireText& text : WireTexts()) {
         SCOPED_TRACE(text.name);
-        WrittenMembers members = MembersOf(GetParam().request);
-        int texts = 0;
-        for (auto& [key, value] : members) {
-            if (value != "\"\"") continue;
-            value = text.onTheWire;
-            ++texts;
+        Json::Value values = GetParam().Request();
+        const std::string marked = GetParam().RequestText(values);
+        const bool cut = GetParam().TextsEndAtZero() && text.text.find('\0') != std::string::npos;
+        const std::string onTheWire = cut ? WriteJson(text.text.c_str()) : text.onTheWire;
+        std::string expected = marked;
+        for (const std::string& argument : arguments) {
+            const std::string mark = WriteJson(values[argument]);
+            expected.replace(expected.find(mark), mark.size(), onTheWire);
+            values[argument] = text.text;
         }
-        EXPECT_GT(texts, 0);
         platform.ForgetFrames();
-        GetParam().call(text.text);
+        GetParam().Call(values);
         ASSERT_TRUE(platform.WaitForFrames(1));
         ASSERT_EQ(platform.Frames().size(), 1u);
-        EXPECT_EQ(platform.Frames()[0].payload, Styled(ObjectOf(members)));
+        EXPECT_EQ(platform.Frames()[0].payload, expected);
     }
 }
 
 // What nobody waits for fails without a line of the JSON base.
 TEST_P(PlatformProcess, MayBeDownAndComeBack) {
-    const int lines = IsOneWay() ? 0 : 1;
     LogCapture log;
-    ExpectUntouched(GetParam().call(), -1);
-    EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 0 1 1"), lines) << log.Text();
+    ExpectUntouched(GetParam().Call(), -1);
+    EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 0 1 1"), Lines()) << log.Text();
     for (int i = 0; i < 2; ++i) {
         {
-            FakePlatform platform(mSocket, ReplyWith("0"));
-            ExpectResults(GetParam().call(), 0);
+            FakePlatform platform(mSocket, ReplyText());
+            ExpectResults(GetParam(), GetParam().Call(), ReplyValues());
             ASSERT_TRUE(platform.WaitForFrames(1));
             EXPECT_EQ(platform.Frames().size(), 1u);
         }
         log.Clear();
-        ExpectUntouched(GetParam().call(), -1);
-        EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 0 1 1"), lines) << log.Text();
+        ExpectUntouched(GetParam().Call(), -1);
+        EXPECT_EQ(log.Count(ANDROID_LOG_WARN, kJsonTag, "SendIpc failed 0 1 1"), Lines()) << log.Text();
     }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, Request, ::testing::ValuesIn(UnderTest().rows), NameOf);
+INSTANTIATE_TEST_SUITE_P(Rows, PlatformProcess, ::testing::ValuesIn(UnderTest().rows), NameOf);
+INSTANTIATE_TEST_SUITE_P(Rows, Reply, ::testing::ValuesIn(RowsOf([](const Row& row) { return !row.IsOneWay(); })),
+                         NameOf);
+INSTANTIATE_TEST_SUITE_P(Rows, OneWay, ::testing::ValuesIn(RowsOf([](const Row& row) { return row.IsOneWay(); })),
+                         NameOf);
+INSTANTIATE_TEST_SUITE_P(Rows, Texts, ::testing::ValuesIn(RowsOf([](const Row& row) {
+                             return !TextArguments(row.Operation()["request"]).empty();
+                         })),
+                         NameOf);
+
+// Not every family has such operations.
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Reply);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OneWay);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Texts);
+
+TEST(Protocol, HasTheRowsOfThisTest) {
+    std::vector<std::string> names;
+    for (const Row& row : UnderTest().rows) names.push_back(row.Name());
+    EXPECT_EQ(names, UnderTest().Wire().OperationNames());
+}
+
+TEST(Protocol, NamesTheSocketsOfItsKeys) {
+    for (const Json::Value& endpoint : UnderTest().Wire().protocol["endpoints"]) {
+        EXPECT_EQ(endpoint["socket"].asString(), tolm::TolmIpcKeyConverter::GetInstance()->GetSocketName(
+                                                     static_cast<TolmIpcKeyId>(endpoint["key"].asInt())));
+    }
+}
+
+TEST(Protocol, HasAnExampleThatIsWhatTravels) {
+    const ScratchDirectory directory;
+    const Json::Value& example = UnderTest().Wire().protocol["examples"]["request"];
+    const Row& row = UnderTest().RowOf(example["operation"].asString());
+    FakePlatform platform(UnderTest().Socket(), example["reply"].toStyledString());
+    const Outcome outcome = row.Call(ValuesOf(row.Operation()["request"], example["document"]));
+    UnderTest().deleteInstance();
+    ExpectResults(row, outcome, ValuesOf(row.Operation()["reply"], example["reply"]));
+    ASSERT_TRUE(platform.WaitForFrames(1));
+    ASSERT_EQ(platform.Frames().size(), 1u);
+    EXPECT_EQ(platform.Frames()[0].payload, example["document"].toStyledString());
 }
 
 }  // namespace hbbtv::test

@@ -1,13 +1,15 @@
-// The one operation of the AV control adaptor: its call and its request, written out, and lists of components of any
-// length and with any values.
+// The one operation of the AV control adaptor: lists of components of any length and with any values.
+
+#include <gtest/gtest.h>
 
 #include <climits>
 #include <cstring>
 #include <thread>
 
 #include "ipc/src/plugin/tolm_av_control_adaptor_ipc.h"
-#include "protocol_file.h"
-#include "request_rows.h"
+#include "raw_socket.h"
+#include "rows.h"
+#include "scratch_directory.h"
 #include "wire_texts.h"
 
 namespace hbbtv::test {
@@ -25,20 +27,6 @@ int Update(int type, Components components, int currentIndex) {
     return Adaptor::GetInstance()->ComponentUpdate(7, {type}, components, currentIndex);
 }
 
-const std::vector<Row>& Rows() {
-    static const auto* const rows = new std::vector<Row>{
-        {"ComponentUpdate",
-         [] {
-             return Outcome{Update(-2, {}, -3), {}};
-         },
-         R"({"type": 2, "method": 0, "component_type": -2, "component_count": 0, )"
-         R"("current_component_index": -3, "components": null})",
-         {},
-         "one-way"},
-    };
-    return *rows;
-}
-
 class ComponentUpdate : public ::testing::Test {
   protected:
     ~ComponentUpdate() override { Adaptor::DeleteInstance(); }
@@ -53,7 +41,7 @@ class ComponentUpdate : public ::testing::Test {
     }
 
     ScratchDirectory mDirectory;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_av_ctrl", "{\"ret\": 0}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0}"};
 };
 
 Components One(TolmHeapText encoding, TolmHeapText language) {
@@ -72,65 +60,6 @@ std::string RequestForOne(const std::string& encoding, const std::string& langua
 }
 
 }  // namespace
-
-const FamilyUnderTest& UnderTest() {
-    static const FamilyUnderTest family{"av_control", "[ipc_avcontrol]", "tolm_av_control_adaptor_ipc.cpp",
-                                        &Adaptor::DeleteInstance};
-    return family;
-}
-
-INSTANTIATE_TEST_SUITE_P(AVControlRows, Request, ::testing::ValuesIn(Rows()), NameOf);
-INSTANTIATE_TEST_SUITE_P(AVControlRows, OneWay, ::testing::ValuesIn(Rows()), NameOf);
-INSTANTIATE_TEST_SUITE_P(AVControlRows, PlatformProcess, ::testing::ValuesIn(Rows()), NameOf);
-
-// No reply comes, and the texts stand within the components.
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Reply);
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Texts);
-
-TEST(AVControlProtocol, HasTheRowsOfThisTest) {
-    ExpectTheProtocolsOperations(Rows());
-}
-
-TEST(AVControlProtocol, NamesTheEndpoints) {
-    ExpectTheProtocolsEndpoint("requests", 16, "service_plugin_to_hbbtv_av_ctrl", 19, "platform");
-    ExpectTheProtocolsEndpoint("events", 38, "service_hbbtv_to_plugin_av_ctrl", 19, "library");
-}
-
-TEST(AVControlProtocol, HasTheTypeAndTheCodesOfTheFamily) {
-    ExpectTheProtocolsCodes(2, {0});
-}
-
-TEST(AVControlProtocol, NamesTheMembersOfAComponent) {
-    const Json::Value protocol = ReadProtocolFile("av_control");
-    const Json::Value& components = protocol["operations"][0]["request"][3];
-    EXPECT_EQ(components["key"].asString(), "components");
-    EXPECT_EQ(components["type"].asString(), "array");
-    EXPECT_EQ(components["size"].asString(), "component_count");
-    const std::vector<std::pair<std::string, std::string>> expected = {
-        {"actived", "bool"},          {"comp_type", "int"}, {"encoding", "string"}, {"language", "string"},
-        {"audio_channelNum", "uint"}, {"impaired", "bool"}, {"desc", "bool"},       {"compTag", "int"},
-    };
-    std::vector<std::pair<std::string, std::string>> members;
-    for (const Json::Value& member : components["items"]) {
-        members.emplace_back(member["key"].asString(), member["type"].asString());
-    }
-    EXPECT_EQ(members, expected);
-}
-
-TEST(AVControlProtocol, NamesTheSilentOperations) {
-    const Json::Value protocol = ReadProtocolFile("av_control");
-    std::vector<std::string> names;
-    for (const Json::Value& operation : protocol["silent_operations"]) names.push_back(operation["name"].asString());
-    EXPECT_EQ(names, (std::vector<std::string>{"RegisterCallback", "UnregisterCallback"}));
-}
-
-TEST_F(ComponentUpdate, OfTheProtocolsExampleIsWhatTravels) {
-    Components components;
-    components.push_back({true, 3, 1, HeapText("HEAAC"), HeapText("deu"), 2, false, false});
-    const Json::Value protocol = ReadProtocolFile("av_control");
-    EXPECT_EQ(protocol["examples"]["request"]["operation"].asString(), "ComponentUpdate");
-    EXPECT_EQ(RequestFor(1, std::move(components), 0), protocol["examples"]["request"]["document"].toStyledString());
-}
 
 TEST_F(ComponentUpdate, OfTwoHasAnObjectForEachInTheirOrder) {
     Components components;
