@@ -15,6 +15,8 @@ enum ExitCode {
     kTimeout = 4,        // no answer in time
     kNotUnderstood = 5,  // an answer that makes no sense
     kPeerLost = 6,       // the other side went away during the call
+    kUnexpected = 7,     // a line of a play did not hold
+    kInterrupted = 130,  // Ctrl-C or SIGTERM, where it is not the expected end
 };
 
 class Failure : public std::runtime_error {

@@ -21,7 +21,7 @@ std::string Steady(std::string line) {
     static const std::pair<std::regex, const char*> kRules[] = {
         {std::regex("20[0-9]{2}-[0-9-]+T[0-9:.]+Z  [0-9.]+"), "TIME"},
         {std::regex(
-             "\"(wall_us|monotonic_us|took_us|duration_ms|calls|calls_per_second|p50|p90|p99|p99\\.9|max)\":[0-9]+"),
+             "\"(ms|wall_us|monotonic_us|took_us|duration_ms|calls|calls_per_second|p50|p90|p99|p99\\.9|max)\":[0-9]+"),
          "\"$1\":N"},
         {std::regex("[0-9]+\\.[0-9]{3} ms"), "N ms"},
         {std::regex("[0-9]+\\.[0-9] s: [0-9]+ calls, [0-9]+ per second"), "N s: N calls, N per second"},

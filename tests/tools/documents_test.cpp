@@ -68,6 +68,23 @@ TEST_F(Documents, OfHbbtvctlShowWhatHappens) {
     RunExamplesOf(ReadFile(std::string(HBBTV_SOURCE_DIR) + "/docs/hbbtvctl.md"), 25);
 }
 
+// Its files stand in blocks that begin with "```play NAME". What its examples do not run has to hold.
+TEST_F(Documents, OfPlaysShowWhatHappens) {
+    const std::string document = ReadFile(std::string(HBBTV_SOURCE_DIR) + "/docs/play.md");
+    const std::regex block("```play ([a-z-]+[.]play)\n([^`]+)```");
+    size_t held = 0;
+    for (std::sregex_iterator it(document.begin(), document.end(), block), end; it != end; ++it) {
+        const std::string name = (*it)[1];
+        WriteFile(mDirectory / name, (*it)[2]);
+        if (name.rfind("wrong-", 0) == 0) continue;
+        const FinishedRun run = Ctl({"play", mDirectory / name});
+        EXPECT_EQ(run.exit, 0) << run.Text();
+        ++held;
+    }
+    EXPECT_EQ(held, 3u);
+    RunExamplesOf(document, 6);
+}
+
 TEST_F(Documents, ReadmeShowsWhatHappens) {
     RunExamplesOf(ReadFile(std::string(HBBTV_SOURCE_DIR) + "/README.md"), 3);
 }
@@ -83,8 +100,8 @@ TEST(DocumentsOfHbbtvctl, ExplainEveryCommandAndExitCode) {
     for (std::sregex_iterator it(commands.begin(), commands.end(), command), end; it != end; ++it, ++count) {
         EXPECT_THAT(document, testing::HasSubstr("\n## " + (*it)[1].str())) << "a section of its own";
     }
-    EXPECT_EQ(10u, count) << help;
-    for (int code = 0; code <= 6; ++code) {
+    EXPECT_EQ(11u, count) << help;
+    for (const int code : {0, 1, 2, 3, 4, 5, 6, 7, 130}) {
         EXPECT_THAT(document, testing::HasSubstr("\n| " + std::to_string(code) + " | "));
         EXPECT_THAT(help, testing::HasSubstr("\n  " + std::to_string(code) + "  "));
     }
@@ -116,6 +133,7 @@ class Help : public InFrontOfTheSystem, public testing::WithParamInterface<const
         ASSERT_EQ(0, listen.exit) << listen.Text();
         WriteFile(mDirectory / "request.bin", FrameBytes(kRequest, 2, R"({"type": 18, "method": 0})"));
         WriteFile(mDirectory / "damaged.bin", "damaged");
+        WriteFile(mDirectory / "zap.play", "tell zap {$number} -> ok ZDF HD\n");
         mChannel = CurrentChannel();
         mVideoBroadcast = NewVideoBroadcast();
     }
@@ -152,8 +170,8 @@ TEST_P(Help, ShowsExamplesThatWork) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, Help,
-                         testing::Values("list", "describe", "call", "listen", "send", "emit", "bench", "doctor",
-                                         "completion", "man"),
+                         testing::Values("list", "describe", "call", "listen", "send", "emit", "play", "bench",
+                                         "doctor", "completion", "man"),
                          [](const auto& command) { return std::string(command.param); });
 
 }  // namespace

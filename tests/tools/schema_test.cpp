@@ -28,11 +28,39 @@ std::string Validate(const std::string& lines) {
     return run.output;
 }
 
+// A step of each kind, the last of which does not hold.
+const char* const kPlay = R"(until IVideoBroadcast
+step "Steps"
+print "a line"
+IChannelConfig.RegisterCallback(@listen, 5)
+send channel_config.GetCurrentChannel -> {ret: 0, handle: $channel}
+emit channel_config changed {reserved: "A"}
+event channel_config 0: IChannelConfigCallback.OnChannelConfigEvent(0, _, 5)
+emit channel_config changed {reserved: "A"}
+await IChannelConfigCallback.OnChannelConfigEvent(0, _, 5)
+emit channel_config changed {reserved: "A"} -> _
+next IChannelConfigCallback.OnChannelConfigEvent(0, _, 5)
+no event
+ignore IMtmCallback.Ping
+answer IMtmCallback.CreateApp -> 0, 7
+until tell zap 2 -> ok ZDF HD
+until IChannelConfig.GetCurrentChannel() -> 0, $zdf
+show IChannel.GetName "{$name}"
+name $zdf as "ZDF"
+let $twice = 2
+wait 1ms
+for $i from 0 below $twice
+    IChannel.GetName($channel) -> 0, "ZDF HD"
+end
+)";
+
 class Schema : public InFrontOfTheSystem {};
 
 TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     const std::string channel = CurrentChannel();
     const std::string vb = NewVideoBroadcast();
+    const std::string play = mDirectory / "all.play";
+    WriteFile(play, kPlay);
     const std::vector<std::vector<std::string>> commands{
         {"list"},
         {"doctor"},
@@ -45,6 +73,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
         {"send", "channel.GetName", channel, "--time"},
         {"send", "dsmcc.RequestFile", "dvb://1.2.3", "1"},
         {"send", "channel", "--raw", "x", "--timeout", "50ms"},
+        {"play", play, "--coverage"},
     };
     std::string lines;
     const auto run = [&lines](std::vector<std::string> words) {
@@ -66,7 +95,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
 
     // No command with --json is missing here.
     for (const char* command :
-         {"list", "describe", "call", "listen", "send", "emit", "bench", "doctor", "completion", "man"}) {
+         {"list", "describe", "call", "listen", "send", "emit", "play", "bench", "doctor", "completion", "man"}) {
         const bool tried =
             std::string(command) == "listen" || std::string(command) == "emit" ||
             std::any_of(commands.begin(), commands.end(), [&](const auto& words) { return words[0] == command; });

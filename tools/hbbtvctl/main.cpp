@@ -36,15 +36,17 @@ const char* const kFooter =
     "  3  nobody is there\n"
     "  4  no answer in time\n"
     "  5  an answer that is not understood\n"
-    "  6  the other side went away\n\n"
+    "  6  the other side went away\n"
+    "  7  a line of a play did not hold\n"
+    "  130  a play was interrupted\n\n"
     "Environment:\n"
     "  TMPDIR         where the sockets are, unless --directory says so; /tmp without it\n"
     "  HIDL_HOST_DIR  where processes find interfaces; hidl-host in the sockets' directory without it\n"
     "  NO_COLOR       no colours, also at a terminal";
 
 void AddCommands(CLI::App& app, Invocation& invocation) {
-    for (const auto add :
-         {AddList, AddDescribe, AddCall, AddListen, AddSend, AddEmit, AddBench, AddDoctor, AddCompletion, AddMan}) {
+    for (const auto add : {AddList, AddDescribe, AddCall, AddListen, AddSend, AddEmit, AddPlay, AddBench, AddDoctor,
+                           AddCompletion, AddMan}) {
         add(app, invocation);
     }
 }

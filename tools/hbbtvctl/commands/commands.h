@@ -24,6 +24,7 @@ void AddCall(CLI::App& app, Invocation& invocation);
 void AddListen(CLI::App& app, Invocation& invocation);
 void AddSend(CLI::App& app, Invocation& invocation);
 void AddEmit(CLI::App& app, Invocation& invocation);
+void AddPlay(CLI::App& app, Invocation& invocation);
 void AddBench(CLI::App& app, Invocation& invocation);
 void AddDoctor(CLI::App& app, Invocation& invocation);
 void AddCompletion(CLI::App& app, Invocation& invocation);

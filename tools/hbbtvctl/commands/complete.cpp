@@ -286,7 +286,7 @@ function __hbbtvctl
     hbbtvctl complete -- $words[2..-1] 2>/dev/null
 end
 complete -c hbbtvctl -f -a '(__hbbtvctl)'
-complete -c hbbtvctl -n '__fish_seen_argument -l directory' -F
+complete -c hbbtvctl -n '__fish_seen_argument -l directory; or __fish_seen_subcommand_from play' -F
 )";
 
 int PrintScript(const std::string& shell) {

@@ -1,0 +1,79 @@
+// A walk along the tokens of one statement, and the expressions that it meets.
+#pragma once
+
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "play/language/script.h"
+#include "play/language/tokens.h"
+
+namespace hbbtv::ctl {
+
+// The names that are known at a place of the play: those of blocks that are over are unknown again.
+class KnownNames {
+  public:
+    explicit KnownNames(const std::set<std::string>& names) : mScopes{names} {}
+
+    void Begin() { mScopes.emplace_back(); }
+    void End() { mScopes.pop_back(); }
+
+    bool Knows(const std::string& name) const;
+    void Add(const std::string& name);
+
+    // Throws SyntaxError for an unknown name.
+    void Check(const std::string& name, const Place& place) const;
+
+  private:
+    std::vector<std::string> All() const;
+
+    std::vector<std::set<std::string>> mScopes;
+};
+
+class Cursor {
+  public:
+    Cursor(std::vector<Token> tokens, KnownNames& names) : mTokens(std::move(tokens)), mNames(names) {}
+
+    const Token& Peek(size_t ahead = 0) const { return mTokens[std::min(mAt + ahead, mTokens.size() - 1)]; }
+    bool AtEnd() const { return Peek().kind == Token::Kind::End; }
+
+    // Takes the next token if it is this one.
+    bool Take(const std::string& sign);
+
+    // These throw SyntaxError when the next token is something else.
+    Token Next(Token::Kind kind, const std::string& what);
+    void Expect(const std::string& sign, const std::string& after);
+    void ExpectEnd();
+
+    Expression Value() { return Read(false); }
+
+    // A pattern may also be "_" or "~TEXT", and its unknown names become known.
+    Expression Pattern() { return Read(true); }
+
+    // Expressions with commas between, up to `close` or, when it is empty, to the end or a "within".
+    Expressions List(bool pattern, const std::string& close);
+
+    Format Text(const std::string& what);
+    Milliseconds Time();
+
+    // Fails at the next token, or at a place.
+    [[noreturn]] void Fail(const std::string& reason) const { throw SyntaxError{Peek().place, reason}; }
+
+  private:
+    Expression Read(bool pattern);
+    Expression ReadName(bool pattern);
+    Expression ReadText(bool containing);
+    Expression ReadWord(bool pattern);
+    Expression ReadObject(bool pattern);
+    Format FormatOf(const Token& token) const;
+
+    std::vector<Token> mTokens;
+    KnownNames& mNames;
+    size_t mAt = 0;
+};
+
+// Runs `work`; what it reports by Failure or BadValue becomes an error at the place.
+void At(const Place& place, const std::function<void()>& work);
+
+}  // namespace hbbtv::ctl

@@ -1,0 +1,154 @@
+// A play as the parser reads it: statements with their places, and the expressions in them.
+#pragma once
+
+#include <json/value.h>
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "common/duration.h"
+#include "package/description.h"
+#include "play/language/format.h"
+
+namespace hbbtv::ctl {
+
+struct Place {
+    int line = 0;
+    int column = 0;
+};
+
+// A value, or the pattern of one.
+struct Expression {
+    enum class Kind { Literal, Text, Name, Anything, Containing, List, Object };
+
+    Kind kind = Kind::Literal;
+    Place place;
+    Json::Value literal;               // Literal
+    Format text;                       // Text: with names in it; Containing
+    std::string name;                  // Name, without its "$"
+    bool orNothing = false;            // Name: "$x?", which is also bound to 0, false and ""
+    std::vector<std::string> keys;     // Object
+    std::vector<Expression> elements;  // List, and Object in the order of its keys
+};
+
+using Expressions = std::vector<Expression>;
+
+struct Statement;
+
+struct TitleStep {
+    Format text;
+};
+
+struct PrintStep {
+    Format text;
+};
+
+struct CallStep {
+    Package::QualifiedMethod called;
+    Expressions arguments;
+    std::optional<Expressions> results;  // without them, a status of 0
+    bool until = false;
+    std::optional<Milliseconds> within;
+};
+
+// Waits until the interface is registered.
+struct ServiceStep {
+    const Interface* interface;
+    std::optional<Milliseconds> within;
+};
+
+struct TellStep {
+    Format command;
+    std::optional<Format> answer;  // without it, one that begins with "ok"
+    bool until = false;
+};
+
+struct SendStep {
+    const WireFamily* family;
+    const Json::Value* operation;
+    Expression members;
+    std::optional<Expression> reply;  // without it, "ret" has to be 0
+};
+
+struct EmitStep {
+    const WireFamily* family;
+    const Json::Value* event;
+    Expression members;
+    std::optional<Expression> reply;  // one-way without it
+};
+
+struct AnswerStep {
+    Package::QualifiedMethod answered;
+    Expressions results;
+};
+
+struct EventStep {
+    enum class Which { NextOfItsMethod, AmongOthers, NextOfAll };
+
+    Which which = Which::NextOfItsMethod;
+    const WireFamily* family = nullptr;  // where the line names the event of the wire
+    const Json::Value* event = nullptr;
+    Package::QualifiedMethod method;
+    Expressions arguments;
+    std::optional<Milliseconds> within;
+};
+
+struct NoEventStep {
+    std::string method;  // empty: of any
+};
+
+struct IgnoreStep {
+    std::string method;
+};
+
+struct ShowStep {
+    std::string method;
+    Format text;
+};
+
+struct NameStep {
+    Expression value;
+    Format text;
+};
+
+struct LetStep {
+    std::string name;
+    Expression value;
+};
+
+struct WaitStep {
+    Milliseconds time;
+};
+
+struct ForStep {
+    Expression pattern;
+    std::optional<Expression> list;
+    Expression from;  // without a list
+    Expression below;
+    std::vector<Statement> body;
+};
+
+struct QuietStep {
+    std::vector<Statement> body;
+};
+
+using Action =
+    std::variant<TitleStep, PrintStep, CallStep, ServiceStep, TellStep, SendStep, EmitStep, AnswerStep, EventStep,
+                 NoEventStep, IgnoreStep, ShowStep, NameStep, LetStep, WaitStep, ForStep, QuietStep>;
+
+struct Statement {
+    int line = 0;
+    std::string keyword;  // "call", "until", "tell", ...
+    std::string text;     // as it is written
+    Action action;
+};
+
+struct Script {
+    std::string file;
+    std::vector<Statement> body;
+    std::vector<Statement> finally;  // runs also when the body fails
+};
+
+}  // namespace hbbtv::ctl

@@ -1,0 +1,69 @@
+// What a play prints: its own lines, each step with its outcome, and the events in between, in the order in which they
+// happened.
+#pragma once
+
+#include <json/value.h>
+
+#include <chrono>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/failure.h"
+
+namespace hbbtv::ctl {
+
+// A step that is over.
+struct StepReport {
+    std::string file;
+    int line = 0;
+    std::string keyword;
+    std::string asked;     // for people; empty: nothing to show
+    std::string answered;  // for people
+    Json::Value details{Json::objectValue};
+    std::optional<Failure> failure;
+};
+
+class Transcript {
+  public:
+    enum class Mode { PrintedLines, Steps, Json };
+
+    explicit Transcript(Mode mode) : mMode(mode) {}
+
+    // A heading between steps.
+    void Title(const std::string& title);
+
+    // A line of the play's own.
+    void Print(const std::string& line);
+
+    // A step begins. Events that come before its end are shown behind it.
+    void Begin();
+    void End(const StepReport& report);
+
+    // From here to EndQuiet() steps are counted and not shown.
+    void BeginQuiet();
+    void EndQuiet();
+
+    // An event. Any thread.
+    void Event(const std::string& method, const std::string& arguments);
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    void WriteLineLocked(Clock::time_point when, const std::string& text);
+    void WriteJsonLocked(const StepReport& report, double milliseconds);
+
+    const Mode mMode;
+    const Clock::time_point mStart = Clock::now();
+    std::mutex mMutex;
+    bool mInStep = false;                                              // guarded by mMutex
+    Clock::time_point mBegun;                                          // guarded by mMutex
+    std::vector<std::pair<Clock::time_point, std::string>> mDeferred;  // guarded by mMutex
+    int mQuiet = 0;                                                    // guarded by mMutex
+    int mQuietSteps = 0;                                               // guarded by mMutex
+    Clock::time_point mQuietBegun;                                     // guarded by mMutex
+};
+
+}  // namespace hbbtv::ctl
