@@ -33,7 +33,10 @@ Simulator::Simulator(EventLoop& loop, const Journal& journal, LineUp lineUp, con
       mState(settings.stateDirectory),
       mTv(std::move(lineUp), settings.seed, mState, std::move(guide)) {
     const FamilySetup setup{mLoop, mTv, mSettings,
-                            [this](const FamilyAddress& address) -> EventSink& { return SinkOf(address); }, mDirectory};
+                            [this](const FamilyAddress& address, const EventTable& events) -> EventSink& {
+                                return MakeSink(address, events);
+                            },
+                            mDirectory};
     for (auto& family : MakeFamilies(setup)) Serve(std::move(family));
     AddCommands();
     mControl = std::make_unique<ControlServer>(mLoop, mDirectory + "/" + kControlSocket,
@@ -42,9 +45,9 @@ Simulator::Simulator(EventLoop& loop, const Journal& journal, LineUp lineUp, con
 
 Simulator::~Simulator() = default;
 
-EventSink& Simulator::SinkOf(const FamilyAddress& address) {
-    mSenders.push_back(
-        std::make_unique<EventSender>(mLoop, mJournal, mDirectory + "/" + address.eventSocket, address.port));
+EventSink& Simulator::MakeSink(const FamilyAddress& address, const EventTable& events) {
+    mSenders.push_back(std::make_unique<EventSender>(mLoop, mJournal, mDirectory + "/" + address.eventSocket,
+                                                     address.eventPort, events));
     return *mSenders.back();
 }
 

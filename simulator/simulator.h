@@ -34,7 +34,7 @@ class Simulator {
     std::string Summary() const;
 
   private:
-    EventSink& SinkOf(const FamilyAddress& address);
+    EventSink& MakeSink(const FamilyAddress& address, const EventTable& events);
     void Serve(std::unique_ptr<Family> family);
     void AddCommands();
     std::string Run(const Command& command, const Words& words) const;

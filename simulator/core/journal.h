@@ -26,9 +26,9 @@ class Journal {
     bool mTrace;
 };
 
-// The members as "name=value name=value", without those that only say which operation it is: "type" and the code's
-// member, of replies (where that is empty) none. Texts in quotes, except handles.
-std::string Readable(const Json::Value& object, const std::string& codeMember);
+// The members as "name=value name=value". Strings are in quotes, except handles. `codeMember` is that of a request: it
+// and "type" are left out, since they say only which operation it is.
+std::string Readable(const Json::Value& object, const std::string& codeMember = "");
 
 // The text in one line, with blanks in place of control characters.
 std::string OneLine(std::string text);

@@ -24,10 +24,10 @@ class ApplicationPrivateDataFamily : public Family {
 };
 
 ApplicationPrivateDataFamily::ApplicationPrivateDataFamily(const FamilySetup& setup)
-    : Family({"application_private_data", "service_plugin_to_hbbtv_app_priv", "", 17, "method", 8}), mTv(setup.tv) {
+    : Family("application_private_data"), mTv(setup.tv) {
     using F = ApplicationPrivateDataFamily;
-    Row(0, "getFreeMem", &F::GetFreeMem);
-    Row(1, "getCurrentChannel", &F::GetCurrentChannel);
+    Row("getFreeMem", &F::GetFreeMem);
+    Row("getCurrentChannel", &F::GetCurrentChannel);
     AddCommand("free-memory BYTES|unknown", "so much memory is free for applications", &F::SetFreeMemory);
 }
 

@@ -13,20 +13,19 @@ class AvComponentFamily : public ObjectFamily<Component> {
 };
 
 AvComponentFamily::AvComponentFamily(const FamilySetup& setup)
-    : ObjectFamily({"av_component", "service_plugin_to_hbbtv_av_com", "", 14, "method", 11}, setup.tv.components,
-                   "handle", "component") {
-    Row(0, "Release", &AvComponentFamily::Release);
-    Get(1, "GetComponentTag", "tag", [](const Component& c) { return c.tag; });
-    Get(2, "GetPid", "pid", [](const Component& c) { return c.pid; });
-    Get(3, "GetType", "type", [](const Component& c) { return static_cast<int>(c.type); });
-    Get(4, "GetEncoding", "encoding", [](const Component& c) { return c.encoding; });
-    Get(5, "GetEncrypted", "encrypted", [](const Component& c) { return c.encrypted; });
-    Get(6, "GetAspectRatio", "aspect_ratio", [](const Component& c) { return c.aspectRatio; });
-    Get(7, "GetLanguage", "language", [](const Component& c) { return c.language; });
-    Get(8, "GetAudioDescription", "desc", [](const Component& c) { return c.audioDescription; });
-    Get(9, "GetAudioChannelNum", "num", [](const Component& c) { return c.audioChannels; });
-    Get(10, "GetHearingImpaired", "impaired", [](const Component& c) { return c.hearingImpaired; });
-    Get(11, "GetLabel", "label", [](const Component& c) { return c.label; });
+    : ObjectFamily("av_component", setup.tv.components, "component") {
+    Row("Release", &AvComponentFamily::Release);
+    Get("GetComponentTag", "tag", [](const Component& c) { return c.tag; });
+    Get("GetPid", "pid", [](const Component& c) { return c.pid; });
+    Get("GetType", "type", [](const Component& c) { return static_cast<int>(c.type); });
+    Get("GetEncoding", "encoding", [](const Component& c) { return c.encoding; });
+    Get("GetEncrypted", "encrypted", [](const Component& c) { return c.encrypted; });
+    Get("GetAspectRatio", "aspect_ratio", [](const Component& c) { return c.aspectRatio; });
+    Get("GetLanguage", "language", [](const Component& c) { return c.language; });
+    Get("GetAudioDescription", "desc", [](const Component& c) { return c.audioDescription; });
+    Get("GetAudioChannelNum", "num", [](const Component& c) { return c.audioChannels; });
+    Get("GetHearingImpaired", "impaired", [](const Component& c) { return c.hearingImpaired; });
+    Get("GetLabel", "label", [](const Component& c) { return c.label; });
 }
 
 }  // namespace

@@ -69,10 +69,9 @@ class AvControlFamily : public Family {
 };
 
 AvControlFamily::AvControlFamily(const FamilySetup& setup)
-    : Family({"av_control", "service_plugin_to_hbbtv_av_ctrl", "service_hbbtv_to_plugin_av_ctrl", 19, "method", 2}),
-      mSink(setup.sinkOf(Address())) {
+    : Family("av_control"), mSink(Sends(setup.makeSink, {"select"})) {
     using F = AvControlFamily;
-    Row(0, "ComponentUpdate", &F::ComponentUpdate);
+    Row("ComponentUpdate", &F::ComponentUpdate);
     AddCommand("components", "the components of the browser's media, as the browser told of them", &F::Components);
     AddCommand("select video|audio|subtitle INDEX", "the viewer asks for one of them", &F::Select);
 }
@@ -126,7 +125,6 @@ std::string AvControlFamily::Select(const Words& words) {
     if (!mComponents[type]) throw Refused(std::string("the browser has told of no ") + kTypes[type] + " components");
     const MediaComponent& media = At(mComponents[type]->list, *index);
     Json::Value event;
-    event["method"] = 1;
     event["component_type"] = static_cast<int>(type);
     event["component_index"] = *index;
     mSink.Send("select", event);

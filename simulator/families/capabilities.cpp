@@ -21,14 +21,13 @@ class CapabilitiesFamily : public Family {
     const Tv& mTv;
 };
 
-CapabilitiesFamily::CapabilitiesFamily(const FamilySetup& setup)
-    : Family({"capabilities", "service_plugin_to_hbbtv_cap", "", 10, "method", 10}), mTv(setup.tv) {
+CapabilitiesFamily::CapabilitiesFamily(const FamilySetup& setup) : Family("capabilities"), mTv(setup.tv) {
     using F = CapabilitiesFamily;
-    Row(0, "GetXmlCapabilities", &F::GetXmlCapabilities);
-    Row(1, "GetExtraSDVideoDecodes", &F::GetExtraSDVideoDecodes);
-    Row(2, "GetExtraHDVideoDecodes", &F::GetExtraHDVideoDecodes);
-    Row(3, "HasCapability", &F::HasCapability);
-    Row(4, "GetTerminalCapability", &F::GetTerminalCapability);
+    Row("GetXmlCapabilities", &F::GetXmlCapabilities);
+    Row("GetExtraSDVideoDecodes", &F::GetExtraSDVideoDecodes);
+    Row("GetExtraHDVideoDecodes", &F::GetExtraHDVideoDecodes);
+    Row("HasCapability", &F::HasCapability);
+    Row("GetTerminalCapability", &F::GetTerminalCapability);
 }
 
 }  // namespace

@@ -62,9 +62,7 @@ class ChannelFamily : public ObjectFamily<Channel> {
 };
 
 ChannelFamily::ChannelFamily(const FamilySetup& setup)
-    : ObjectFamily({"channel", "service_plugin_to_hbbtv_vb_chn", "", 2, "method", 12}, setup.tv.channels, "c_handle",
-                   "channel"),
-      mTv(setup.tv) {
+    : ObjectFamily("channel", setup.tv.channels, "channel"), mTv(setup.tv) {
     AddIdentity();
     AddState();
     AddTexts();
@@ -72,58 +70,58 @@ ChannelFamily::ChannelFamily(const FamilySetup& setup)
 
 // What nothing that is received has (an ATSC source, an analogue carrier, a minor number) is 0.
 void ChannelFamily::AddIdentity() {
-    Row(0, "Release", &ChannelFamily::Release);
-    Get(1, "GetChannelType", "channelType", [](const Channel& c) { return static_cast<int>(c.Type()); });
-    Get(2, "GetIdType", "idType", [](const Channel& c) { return c.idType; });
-    Get(3, "GetCcid", "ccid", [](const Channel& c) { return c.ccid; });
-    Get(4, "GetTunerID", "tunerId", [](const Channel& c) { return c.service && !c.OverIp() ? "tuner:1" : ""; });
-    Get(5, "GetOnid", "onid", [](const Channel& c) { return c.onid; });
-    Get(6, "GetNid", "nid", [](const Channel& c) { return c.Nid(); });
-    Get(7, "GetTsid", "tsid", [](const Channel& c) { return c.tsid; });
-    Get(8, "GetSid", "sid", [](const Channel& c) { return c.sid; });
-    Get(9, "GetSourceID", "sourceId", [](const Channel& c) { return c.sourceId; });
-    Get(10, "GetFreq", "freq", [](const Channel& c) { return c.service ? c.service->frequency : 0; });
-    Get(11, "GetCni", "cni", [](const Channel&) { return 0; });
-    Get(14, "GetMajorChannel", "majorChannel", [](const Channel& c) { return c.Number(); });
-    Get(15, "GetMinorChannel", "minorChannel", [](const Channel&) { return 0; });
-    Get(16, "GetDsd", "dsd", [](const Channel& c) { return c.dsd; });
-    Get(22, "GetIpBroadcastID", "ipBroadcastId", [](const Channel& c) { return c.ipBroadcastId; });
-    Get(41, "GetTerminalChannel", "terminalChannel", [](const Channel& c) { return c.Number(); });
+    Row("Release", &ChannelFamily::Release);
+    Get("GetChannelType", "channelType", [](const Channel& c) { return static_cast<int>(c.Type()); });
+    Get("GetIdType", "idType", [](const Channel& c) { return c.idType; });
+    Get("GetCcid", "ccid", [](const Channel& c) { return c.ccid; });
+    Get("GetTunerID", "tunerId", [](const Channel& c) { return c.service && !c.OverIp() ? "tuner:1" : ""; });
+    Get("GetOnid", "onid", [](const Channel& c) { return c.onid; });
+    Get("GetNid", "nid", [](const Channel& c) { return c.Nid(); });
+    Get("GetTsid", "tsid", [](const Channel& c) { return c.tsid; });
+    Get("GetSid", "sid", [](const Channel& c) { return c.sid; });
+    Get("GetSourceID", "sourceId", [](const Channel& c) { return c.sourceId; });
+    Get("GetFreq", "freq", [](const Channel& c) { return c.service ? c.service->frequency : 0; });
+    Get("GetCni", "cni", [](const Channel&) { return 0; });
+    Get("GetMajorChannel", "majorChannel", [](const Channel& c) { return c.Number(); });
+    Get("GetMinorChannel", "minorChannel", [](const Channel&) { return 0; });
+    Get("GetDsd", "dsd", [](const Channel& c) { return c.dsd; });
+    Get("GetIpBroadcastID", "ipBroadcastId", [](const Channel& c) { return c.ipBroadcastId; });
+    Get("GetTerminalChannel", "terminalChannel", [](const Channel& c) { return c.Number(); });
 }
 
 // Bit rate and rebuffering time are those of streams over IP, of which the line-up says neither.
 void ChannelFamily::AddState() {
-    Get(17, "GetFavourite", "favourite", [this](const Channel& c) { return !mTv.favourites->Holding(c).empty(); });
-    Get(18, "GetFavIDsNum", "num",
+    Get("GetFavourite", "favourite", [this](const Channel& c) { return !mTv.favourites->Holding(c).empty(); });
+    Get("GetFavIDsNum", "num",
         [this](const Channel& c) { return static_cast<unsigned>(mTv.favourites->Holding(c).size()); });
-    Get(19, "GetFavIDsNameByIndex", "name",
+    Get("GetFavIDsNameByIndex", "name",
         [this](const Channel& c, In in) { return At(mTv.favourites->Holding(c), in.UInt("index"))->id; });
-    Get(20, "GetLocked", "locked", [](const Channel& c) { return c.Blocked(); });
-    Get(21, "GetManualBlock", "manualBlock", [](const Channel& c) { return c.Blocked(); });
-    Get(23, "GetChannelMaxBitRate", "maxBitrate", [](const Channel&) { return 0u; });
-    Get(24, "GetChannelTTR", "ttr", [](const Channel&) { return 0; });
-    Get(25, "GetRecordable", "recordable", [](const Channel& c) { return c.CanBePresented(); });
-    Get(30, "GetAuthorized", "authorized",
+    Get("GetLocked", "locked", [](const Channel& c) { return c.Blocked(); });
+    Get("GetManualBlock", "manualBlock", [](const Channel& c) { return c.Blocked(); });
+    Get("GetChannelMaxBitRate", "maxBitrate", [](const Channel&) { return 0u; });
+    Get("GetChannelTTR", "ttr", [](const Channel&) { return 0; });
+    Get("GetRecordable", "recordable", [](const Channel& c) { return c.CanBePresented(); });
+    Get("GetAuthorized", "authorized",
         [](const Channel& c) { return c.service && c.service->access != Access::Scrambled; });
-    Set(35, "SetHidden", [](Channel& c, In in) { c.hidden = in.Bool("hidden"); });
-    Get(36, "GetHidden", "hidden", [](const Channel& c) { return c.hidden; });
+    Set("SetHidden", [](Channel& c, In in) { c.hidden = in.Bool("hidden"); });
+    Get("GetHidden", "hidden", [](const Channel& c) { return c.hidden; });
 }
 
 void ChannelFamily::AddTexts() {
-    Set(12, "SetName", [](Channel& c, In in) { c.name = in.ShortText("name"); });
-    Get(13, "GetName", "name", [](const Channel& c) { return c.name; });
-    Set(26, "SetLongName", [](Channel& c, In in) { c.longName = in.ShortText("longname"); });
-    Get(27, "GetLongName", "longname", [](const Channel& c) { return c.longName.value_or(c.name); });
-    Set(28, "SetDescription", [](Channel& c, In in) { c.description = in.ShortText("description"); });
-    Get(29, "GetDescription", "description", [](const Channel& c) { return c.description; });
-    Set(31, "SetGenreNum", [](Channel& c, In in) { SetGenreNum(c, in.UInt("num")); });
-    Set(32, "SetGenreByIndex", [](Channel& c, In in) { SetGenre(c, in.UInt("index"), in.ShortText("genre")); });
-    Get(33, "GetGenreNum", "num", [](const Channel& c) { return static_cast<unsigned>(c.genres.size()); });
-    Get(34, "GetGenreByIndex", "genre", [](const Channel& c, In in) { return At(c.genres, in.UInt("index")); });
-    Set(37, "SetLogoURL", [](Channel& c, In in) { c.logoUrl = in.ShortText("url"); });
-    Get(38, "GetLogoURL", "url", [](const Channel& c) { return c.logoUrl; });
-    Get(39, "GetField", "field", [](const Channel& c, In in) { return Field(c, in.Text("fieldId")); });
-    Get(40, "GetLogo", "logo", [](const Channel& c, In in) { return Logo(c, in.Int("width"), in.Int("height")); });
+    Set("SetName", [](Channel& c, In in) { c.name = in.ShortText("name"); });
+    Get("GetName", "name", [](const Channel& c) { return c.name; });
+    Set("SetLongName", [](Channel& c, In in) { c.longName = in.ShortText("longname"); });
+    Get("GetLongName", "longname", [](const Channel& c) { return c.longName.value_or(c.name); });
+    Set("SetDescription", [](Channel& c, In in) { c.description = in.ShortText("description"); });
+    Get("GetDescription", "description", [](const Channel& c) { return c.description; });
+    Set("SetGenreNum", [](Channel& c, In in) { SetGenreNum(c, in.UInt("num")); });
+    Set("SetGenreByIndex", [](Channel& c, In in) { SetGenre(c, in.UInt("index"), in.ShortText("genre")); });
+    Get("GetGenreNum", "num", [](const Channel& c) { return static_cast<unsigned>(c.genres.size()); });
+    Get("GetGenreByIndex", "genre", [](const Channel& c, In in) { return At(c.genres, in.UInt("index")); });
+    Set("SetLogoURL", [](Channel& c, In in) { c.logoUrl = in.ShortText("url"); });
+    Get("GetLogoURL", "url", [](const Channel& c) { return c.logoUrl; });
+    Get("GetField", "field", [](const Channel& c, In in) { return Field(c, in.Text("fieldId")); });
+    Get("GetLogo", "logo", [](const Channel& c, In in) { return Logo(c, in.Int("width"), in.Int("height")); });
 }
 
 }  // namespace

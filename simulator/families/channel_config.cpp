@@ -42,21 +42,18 @@ class ChannelConfigFamily : public Family {
 };
 
 ChannelConfigFamily::ChannelConfigFamily(const FamilySetup& setup)
-    : Family({"channel_config", "service_plugin_to_hbbtv_vb_chn_config", "service_hbbtv_to_plugin_vb_chn_config", 3,
-              "method", 19}),
-      mTv(setup.tv),
-      mSink(setup.sinkOf(Address())) {
+    : Family("channel_config"), mTv(setup.tv), mSink(Sends(setup.makeSink, {"changed"})) {
     using F = ChannelConfigFamily;
-    Row(0, "RegisterCallback", &F::RegisterCallback);
-    Row(1, "UnregisterCallback", &F::UnregisterCallback);
-    Row(2, "GetCurrentChannel", &F::GetCurrentChannel);
-    Row(3, "GetChannelList", &F::GetChannelList);
-    Row(4, "GetBroadcastSupervisor", &F::GetBroadcastSupervisor);
-    Row(5, "GetFavouriteListCollection", &F::GetFavouriteListCollection);
-    Row(6, "GetCurrentFavouriteList", &F::GetCurrentFavouriteList);
-    Row(7, "SetChannelList", &F::SetChannelList);
-    Row(8, "CreateChannelList", &F::CreateChannelList);
-    Row(9, "CreateFilteredList", &F::CreateFilteredList);
+    Row("RegisterCallback", &F::RegisterCallback);
+    Row("UnregisterCallback", &F::UnregisterCallback);
+    Row("GetCurrentChannel", &F::GetCurrentChannel);
+    Row("GetChannelList", &F::GetChannelList);
+    Row("GetBroadcastSupervisor", &F::GetBroadcastSupervisor);
+    Row("GetFavouriteListCollection", &F::GetFavouriteListCollection);
+    Row("GetCurrentFavouriteList", &F::GetCurrentFavouriteList);
+    Row("SetChannelList", &F::SetChannelList);
+    Row("CreateChannelList", &F::CreateChannelList);
+    Row("CreateFilteredList", &F::CreateFilteredList);
     AddCommand("hide NUMBER", "a channel is not shown to the viewer any more",
                [this](const Words& words) { return SetHidden(words, true); });
     AddCommand("show NUMBER", "it is shown again", [this](const Words& words) { return SetHidden(words, false); });
@@ -75,9 +72,8 @@ void ChannelConfigFamily::RegisterCallback(In in, Out) {
 void ChannelConfigFamily::Tell(ConfigChange change) {
     if (!mRegistered) return;
     Json::Value event;
-    event["event"] = 0;
     event["reserved"] = std::string(1, static_cast<char>(change));
-    mSink.Send("ChannelConfigChanged", event);
+    mSink.Send("changed", event);
 }
 
 // --- Lists

@@ -11,7 +11,6 @@ namespace {
 using P = Preference;
 
 struct PreferenceEvent {
-    int code;
     const char* name;
     const char* member;
 };
@@ -19,21 +18,21 @@ struct PreferenceEvent {
 // Null for what changes without an event.
 const PreferenceEvent* EventOf(Preference preference) {
     static const std::map<Preference, PreferenceEvent> events{
-        {P::Resolution, {0, "ResolutionChanged", "w"}},
-        {P::UiLanguage, {1, "UILanguageChanged", "uiLang"}},
-        {P::AudioLanguage, {2, "AudioLanguageChanged", "audLang"}},
-        {P::SubtitleLanguage, {3, "SubtitleLanguageChanged", "prefSubLang"}},
-        {P::Subtitles, {4, "SubtitlesChanged", "isSubEnabled"}},
-        {P::AudioDescription, {5, "AudioDescriptionChanged", "isADEnabled"}},
-        {P::HearingImpaired, {6, "HearingImpairedChanged", "aud_hearing_imp"}},
-        {P::Region, {7, "RegionChanged", "region"}},
-        {P::RatingAge, {8, "RatingAgeChanged", "age"}},
-        {P::DoNotTrack, {9, "DoNotTrackPolicyChanged", "do_not_track_policy"}},
-        {P::CookiePolicy, {10, "CookiePolicyChanged", "cookie_policy"}},
-        {P::PersistentStorage, {11, "PersistentStorageChanged", "persistent_storage"}},
-        {P::BlockTrackingSites, {12, "BlockTrackingSitesChanged", "block_track_sites"}},
-        {P::DeviceId, {13, "DeviceIdChanged", "device_id"}},
-        {P::DeviceIdTime, {14, "DeviceIdTimeChanged", "device_id_ts"}}};
+        {P::Resolution, {"resolution", "w"}},
+        {P::UiLanguage, {"UI language", "uiLang"}},
+        {P::AudioLanguage, {"audio language", "audLang"}},
+        {P::SubtitleLanguage, {"subtitle language", "prefSubLang"}},
+        {P::Subtitles, {"subtitles", "isSubEnabled"}},
+        {P::AudioDescription, {"audio description", "isADEnabled"}},
+        {P::HearingImpaired, {"hearing impaired", "aud_hearing_imp"}},
+        {P::Region, {"region", "region"}},
+        {P::RatingAge, {"rating age", "age"}},
+        {P::DoNotTrack, {"do-not-track policy", "do_not_track_policy"}},
+        {P::CookiePolicy, {"cookie policy", "cookie_policy"}},
+        {P::PersistentStorage, {"persistent storage", "persistent_storage"}},
+        {P::BlockTrackingSites, {"blocked sites", "block_track_sites"}},
+        {P::DeviceId, {"device id", "device_id"}},
+        {P::DeviceIdTime, {"device id time stamp", "device_id_ts"}}};
     const auto found = events.find(preference);
     return found == events.end() ? nullptr : &found->second;
 }
@@ -42,6 +41,11 @@ const PreferenceEvent* EventOf(Preference preference) {
 unsigned Side(const std::string& resolution, bool width) {
     const size_t by = resolution.find('x');
     return static_cast<unsigned>(std::stoul(width ? resolution.substr(0, by) : resolution.substr(by + 1)));
+}
+
+Preference TextWith(int key) {
+    static const std::vector<Preference> texts{P::NoTitle, P::NoSynopsis, P::ManualRecording};
+    return At(texts, key);
 }
 
 Json::Value TextOf(const Arguments& in, const char* member) {
@@ -61,11 +65,12 @@ class ConfigurationFamily : public Family {
     explicit ConfigurationFamily(const FamilySetup& setup);
 
   private:
-    void Gives(int code, const char* name, Preference preference, const char* member);
-    void Takes(int code, const char* name, Preference preference, const char* member,
+    void Gives(const char* name, Preference preference, const char* member);
+    void Takes(const char* name, Preference preference, const char* member,
                Json::Value (*read)(const Arguments&, const char*));
 
-    void GetOrSetText(In in, Out out);
+    void GetText(In in, Out out) { out["info"] = mPreferences.Get(TextWith(in.Int("key_type"))); }
+    void SetText(In in, Out);
     void GetDeviceIdContent(In, Out out);
     void ReplaceUIElement(In in, Out);
     void GetDttNetworkIds(In, Out out);
@@ -87,57 +92,61 @@ class ConfigurationFamily : public Family {
 };
 
 ConfigurationFamily::ConfigurationFamily(const FamilySetup& setup)
-    : Family({"configuration", "service_plugin_to_hbbtv_conf", "service_hbbtv_to_plugin_conf", 12, "method", 9}),
+    : Family("configuration"),
       mPreferences(setup.tv.preferences),
       mDevice(setup.tv.device),
-      mSink(setup.sinkOf(Address())) {
+      mSink(Sends(setup.makeSink,
+                  {"resolution", "UI language", "audio language", "subtitle language", "subtitles", "audio description",
+                   "hearing impaired", "region", "rating age", "do-not-track policy", "cookie policy",
+                   "persistent storage", "blocked sites", "device id", "device id time stamp"})) {
     using F = ConfigurationFamily;
-    Gives(0, "GetPreferredAudioLanguage", P::AudioLanguage, "pref_audio_language");
-    Takes(1, "SetPreferredAudioLanguage", P::AudioLanguage, "pref_audio_language", TextOf);
-    Gives(2, "GetPreferredSubtitleLanguage", P::SubtitleLanguage, "pref_sub_language");
-    Takes(3, "SetPreferredSubtitleLanguage", P::SubtitleLanguage, "pref_sub_language", TextOf);
-    Gives(4, "GetPreferredUILanguage", P::UiLanguage, "pref_ui_language");
-    Takes(5, "SetPreferredUILanguage", P::UiLanguage, "pref_ui_language", TextOf);
-    Gives(6, "GetCountryId", P::Country, "id");
-    Takes(7, "SetCountryId", P::Country, "id", TextOf);
-    Gives(8, "GetRegionId", P::Region, "reg_id");
-    Takes(9, "SetRegionId", P::Region, "reg_id", UIntOf);
-    Gives(10, "GetPvrPolicy", P::PvrPolicy, "pvr_policy");
-    Takes(11, "SetPvrPolicy", P::PvrPolicy, "pvr_policy", IntOf);
-    Gives(12, "GetPvrSaveEpisodes", P::PvrSaveEpisodes, "epis");
-    Takes(13, "SetPvrSaveEpisodes", P::PvrSaveEpisodes, "epis", UIntOf);
-    Gives(14, "GetPvrSaveDays", P::PvrSaveDays, "days");
-    Takes(15, "SetPvrSaveDays", P::PvrSaveDays, "days", UIntOf);
-    Gives(16, "GetPvrStartPadding", P::PvrStartPadding, "start_pad");
-    Takes(17, "SetPvrStartPadding", P::PvrStartPadding, "start_pad", UIntOf);
-    Gives(18, "GetPvrEndPadding", P::PvrEndPadding, "end_pad");
-    Takes(19, "SetPvrEndPadding", P::PvrEndPadding, "end_pad", UIntOf);
-    Gives(20, "GetPreferredTimeShiftMode", P::TimeShiftMode, "timeshift_mode");
-    Takes(21, "SetPreferredTimeShiftMode", P::TimeShiftMode, "timeshift_mode", IntOf);
-    Row(22, "GetText or SetText", &F::GetOrSetText);
-    Gives(24, "GetAudioDescriptionEnable", P::AudioDescription, "enable");
-    Gives(25, "GetAudioHearingImpaired", P::HearingImpaired, "enable");
-    Row(26, "GetDeviceIdContent", &F::GetDeviceIdContent);
-    Gives(27, "GetDeviceIdEnable", P::DeviceId, "enable");
-    Gives(28, "GetSubtitleEnable", P::Subtitles, "enable");
-    Row(31, "ReplaceUIElement", &F::ReplaceUIElement);
-    Row(32, "GetDttNetworkIds", &F::GetDttNetworkIds);
-    Row(33, "RegisterCallback", &F::RegisterCallback);
-    Row(34, "UnregisterCallback", &F::UnregisterCallback);
-    Gives(35, "GetRatingAge", P::RatingAge, "age");
-    Gives(36, "GetDNTPolicy", P::DoNotTrack, "dnt");
+    Gives("GetPreferredAudioLanguage", P::AudioLanguage, "pref_audio_language");
+    Takes("SetPreferredAudioLanguage", P::AudioLanguage, "pref_audio_language", TextOf);
+    Gives("GetPreferredSubtitleLanguage", P::SubtitleLanguage, "pref_sub_language");
+    Takes("SetPreferredSubtitleLanguage", P::SubtitleLanguage, "pref_sub_language", TextOf);
+    Gives("GetPreferredUILanguage", P::UiLanguage, "pref_ui_language");
+    Takes("SetPreferredUILanguage", P::UiLanguage, "pref_ui_language", TextOf);
+    Gives("GetCountryId", P::Country, "id");
+    Takes("SetCountryId", P::Country, "id", TextOf);
+    Gives("GetRegionId", P::Region, "reg_id");
+    Takes("SetRegionId", P::Region, "reg_id", UIntOf);
+    Gives("GetPvrPolicy", P::PvrPolicy, "pvr_policy");
+    Takes("SetPvrPolicy", P::PvrPolicy, "pvr_policy", IntOf);
+    Gives("GetPvrSaveEpisodes", P::PvrSaveEpisodes, "epis");
+    Takes("SetPvrSaveEpisodes", P::PvrSaveEpisodes, "epis", UIntOf);
+    Gives("GetPvrSaveDays", P::PvrSaveDays, "days");
+    Takes("SetPvrSaveDays", P::PvrSaveDays, "days", UIntOf);
+    Gives("GetPvrStartPadding", P::PvrStartPadding, "start_pad");
+    Takes("SetPvrStartPadding", P::PvrStartPadding, "start_pad", UIntOf);
+    Gives("GetPvrEndPadding", P::PvrEndPadding, "end_pad");
+    Takes("SetPvrEndPadding", P::PvrEndPadding, "end_pad", UIntOf);
+    Gives("GetPreferredTimeShiftMode", P::TimeShiftMode, "timeshift_mode");
+    Takes("SetPreferredTimeShiftMode", P::TimeShiftMode, "timeshift_mode", IntOf);
+    Row("GetText", &F::GetText);
+    Row("SetText", &F::SetText, "info");
+    Gives("GetAudioDescriptionEnable", P::AudioDescription, "enable");
+    Gives("GetAudioHearingImpaired", P::HearingImpaired, "enable");
+    Row("GetDeviceIdContent", &F::GetDeviceIdContent);
+    Gives("GetDeviceIdEnable", P::DeviceId, "enable");
+    Gives("GetSubtitleEnable", P::Subtitles, "enable");
+    Row("ReplaceUIElement", &F::ReplaceUIElement);
+    Row("GetDttNetworkIds", &F::GetDttNetworkIds);
+    Row("RegisterCallback", &F::RegisterCallback);
+    Row("UnregisterCallback", &F::UnregisterCallback);
+    Gives("GetRatingAge", P::RatingAge, "age");
+    Gives("GetDNTPolicy", P::DoNotTrack, "dnt");
     AddCommand("set PREFERENCE VALUE", "the viewer changes a preference", &F::Set);
     AddCommand("get [PREFERENCE]", "what a preference is, or all", &F::Get);
     mPreferences.Watch([this](Preference preference) { Tell(preference); });
 }
 
-void ConfigurationFamily::Gives(int code, const char* name, Preference preference, const char* member) {
-    Row(code, name, [this, preference, member](In, Out out) { out[member] = mPreferences.Get(preference); });
+void ConfigurationFamily::Gives(const char* name, Preference preference, const char* member) {
+    Row(name, [this, preference, member](In, Out out) { out[member] = mPreferences.Get(preference); });
 }
 
-void ConfigurationFamily::Takes(int code, const char* name, Preference preference, const char* member,
+void ConfigurationFamily::Takes(const char* name, Preference preference, const char* member,
                                 Json::Value (*read)(const Arguments&, const char*)) {
-    Row(code, name, [this, preference, member, read](In in, Out) { mPreferences.Set(preference, read(in, member)); });
+    Row(name, [this, preference, member, read](In in, Out) { mPreferences.Set(preference, read(in, member)); });
 }
 
 void ConfigurationFamily::Tell(Preference preference) {
@@ -145,7 +154,6 @@ void ConfigurationFamily::Tell(Preference preference) {
     if (!mRegistered || told == nullptr) return;
     const Json::Value& value = mPreferences.Get(preference);
     Json::Value event;
-    event["event"] = told->code;
     event[told->member] = value;
     if (preference == P::Region) event[told->member] = value.asString();
     if (preference == P::DeviceId) event[told->member] = value.asBool() ? 1 : 0;
@@ -158,17 +166,9 @@ void ConfigurationFamily::Tell(Preference preference) {
 
 // --- Requests that are more than one value
 
-// SetText has the code of GetText and names no text; a key that is missing is 0 to everybody on this wire.
-void ConfigurationFamily::GetOrSetText(In in, Out out) {
-    static const std::vector<Preference> texts{P::NoTitle, P::NoSynopsis, P::ManualRecording};
-    const bool sets = in.Has("info");
-    const int key = sets && !in.Has("key_type") ? 0 : in.Int("key_type");
-    const Preference text = At(texts, key);
-    if (sets) {
-        mPreferences.Set(text, in.ShortText("info"));
-    } else {
-        out["info"] = mPreferences.Get(text);
-    }
+// The library sends no key of the text, and a key that is missing is 0 to everybody on this wire.
+void ConfigurationFamily::SetText(In in, Out) {
+    mPreferences.Set(TextWith(in.Has("key_type") ? in.Int("key_type") : 0), in.ShortText("info"));
 }
 
 void ConfigurationFamily::GetDeviceIdContent(In, Out out) {

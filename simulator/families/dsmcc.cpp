@@ -15,22 +15,22 @@ const char* const kDirectory = "/hbbtv_sim_carousel";
 constexpr size_t kMostUses = 1000;
 
 // The interface gives the events numbers only; these are the simulator's meanings.
-enum class FileEvent { Arrived = 0, Changed = 1, Missing = 2, CarouselLost = 3, OnItsWay = 4 };
+enum class FileEvent { Arrived, Changed, Missing, CarouselLost, OnItsWay };
 
 const char* NameOf(FileEvent event) {
     switch (event) {
         case FileEvent::Arrived:
-            return "FileArrived";
+            return "file_0";
         case FileEvent::Changed:
-            return "FileChanged";
+            return "file_2";
         case FileEvent::Missing:
-            return "FileMissing";
+            return "file_4";
         case FileEvent::CarouselLost:
-            return "CarouselLost";
+            return "file_1";
         case FileEvent::OnItsWay:
             break;
     }
-    return "FileOnItsWay";
+    return "dropped";
 }
 
 class DsmccFamily : public Family {
@@ -80,14 +80,14 @@ class DsmccFamily : public Family {
 };
 
 DsmccFamily::DsmccFamily(const FamilySetup& setup)
-    : Family({"dsmcc", "service_dsmcc_to_hbbtv", "service_hbbtv_to_dsmcc", 2, "method", 20}),
+    : Family("dsmcc"),
       mLoop(setup.loop),
       mTv(setup.tv),
-      mSink(setup.sinkOf(Address())),
+      mSink(Sends(setup.makeSink, {"file_0", "file_2", "file_4", "file_1", "dropped"})),
       mLocalFiles(setup.directory + kDirectory) {
     using F = DsmccFamily;
-    Row(0, "RequestFile", &F::RequestFile);
-    Row(1, "ReleaseFile", &F::ReleaseFile);
+    Row("RequestFile", &F::RequestFile);
+    Row("ReleaseFile", &F::ReleaseFile);
     AddCommand("carousel-change PATH", "the carousel sends the file as a new version", &F::Change);
     mTv.tuner.Watch([this] { CarouselLeft(); });
     if (setup.settings.carousel.empty()) return;
@@ -205,8 +205,6 @@ void DsmccFamily::ChangeAgain(const CarouselPath& path, std::chrono::millisecond
 
 void DsmccFamily::Send(FileEvent event, const Key& key, const File& file) {
     Json::Value members;
-    members["method"] = 4;
-    members["event"] = static_cast<int>(event);
     members["url"] = key.first;
     members["filePath"] = file ? file->path : "";
     members["context"] = PointerText(key.second);

@@ -26,30 +26,27 @@ class FavouriteListFamily : public ObjectFamily<FavouriteList> {
 
 // Its code numbers end where those of the collection begin: both have the same type.
 FavouriteListFamily::FavouriteListFamily(const FamilySetup& setup)
-    : ObjectFamily({"favourite_list", "service_plugin_to_hbbtv_vb_fav_list", "", 5, "method", 15},
-                   setup.tv.favouriteLists, "fl_handle", "favourite list"),
-      mTv(setup.tv) {
+    : ObjectFamily("favourite_list", setup.tv.favouriteLists, "favourite list"), mTv(setup.tv) {
     using F = FavouriteListFamily;
-    const auto look = [&](int code, const char* name, auto search) {
-        Look(code, name, "channel", setup.tv.channels,
+    const auto look = [&](const char* name, auto search) {
+        Look(name, "channel", setup.tv.channels,
              [search](const FavouriteList& list, In in) { return search(list.channels, in); });
     };
-    Row(0, "Release", &F::Release);
-    Get(1, "GetLength", "len",
+    Row("Release", &F::Release);
+    Get("GetLength", "len",
         [](const FavouriteList& list) { return static_cast<unsigned>(list.channels.Channels().size()); });
-    Get(2, "GetFavID", "favId", [](const FavouriteList& list) { return list.id; });
-    Row(3, "SetName", &F::SetName);
-    Get(4, "GetName", "name", [](const FavouriteList& list) { return list.name; });
-    look(5, "Item", [](const ChannelList& list, In in) { return At(list.Channels(), in.Int("index")); });
-    look(6, "GetChannel", [](const ChannelList& list, In in) { return list.WithId(in.Text("channelID")); });
-    look(7, "GetChannelByTriplet", [](const ChannelList& list, In in) {
+    Get("GetFavID", "favId", [](const FavouriteList& list) { return list.id; });
+    Row("SetName", &F::SetName);
+    Get("GetName", "name", [](const FavouriteList& list) { return list.name; });
+    look("Item", [](const ChannelList& list, In in) { return At(list.Channels(), in.Int("index")); });
+    look("GetChannel", [](const ChannelList& list, In in) { return list.WithId(in.Text("channelID")); });
+    look("GetChannelByTriplet", [](const ChannelList& list, In in) {
         return list.WithTriplet(in.Int("onid"), in.Int("tsid"), in.Int("sid"), kAnyNetwork);
     });
-    look(8, "GetChannelBySourceID",
-         [](const ChannelList& list, In in) { return list.WithSourceId(in.Int("sourceID")); });
-    Row(9, "InsertBefore", &F::InsertBefore);
-    Row(10, "Remove", &F::RemoveAt);
-    Set(11, "Commit", [this](FavouriteList& list, In) { mTv.favourites->Commit(list); });
+    look("GetChannelBySourceID", [](const ChannelList& list, In in) { return list.WithSourceId(in.Int("sourceID")); });
+    Row("InsertBefore", &F::InsertBefore);
+    Row("Remove", &F::RemoveAt);
+    Set("Commit", [this](FavouriteList& list, In) { mTv.favourites->Commit(list); });
 }
 
 // Of the list in use alone.

@@ -20,21 +20,18 @@ class FavouriteListCollectionFamily : public ObjectFamily<Favourites> {
 };
 
 FavouriteListCollectionFamily::FavouriteListCollectionFamily(const FamilySetup& setup)
-    : ObjectFamily({"favourite_list_collection", "service_plugin_to_hbbtv_vb_fav_list_collect", "", 6, "method", 15},
-                   setup.tv.favouriteCollections, "flc_handle", "collection of favourite lists"),
+    : ObjectFamily("favourite_list_collection", setup.tv.favouriteCollections, "collection of favourite lists"),
       mTv(setup.tv) {
     using F = FavouriteListCollectionFamily;
-    const auto look = [&](int code, const char* name, auto search) {
-        Look(code, name, "list", setup.tv.favouriteLists, search);
-    };
-    Row(12, "Release", &F::Release);
-    Get(13, "GetLength", "len", [](const Favourites& lists) { return static_cast<unsigned>(lists.Lists().size()); });
-    look(14, "Item", [](const Favourites& lists, In in) { return At(lists.Lists(), in.Int("index")); });
-    look(15, "GetFavouriteList", [](const Favourites& lists, In in) { return lists.Find(in.Text("favId")); });
-    look(16, "CreateFavouriteList", [](Favourites& lists, In in) { return lists.Create(in.ShortText("name")); });
-    Row(17, "Remove", &F::RemoveAt);
-    Set(18, "Commit", [](Favourites& lists, In) { lists.Commit(); });
-    Row(19, "ActivateFavouriteList", &F::ActivateFavouriteList);
+    const auto look = [&](const char* name, auto search) { Look(name, "list", setup.tv.favouriteLists, search); };
+    Row("Release", &F::Release);
+    Get("GetLength", "len", [](const Favourites& lists) { return static_cast<unsigned>(lists.Lists().size()); });
+    look("Item", [](const Favourites& lists, In in) { return At(lists.Lists(), in.Int("index")); });
+    look("GetFavouriteList", [](const Favourites& lists, In in) { return lists.Find(in.Text("favId")); });
+    look("CreateFavouriteList", [](Favourites& lists, In in) { return lists.Create(in.ShortText("name")); });
+    Row("Remove", &F::RemoveAt);
+    Set("Commit", [](Favourites& lists, In) { lists.Commit(); });
+    Row("ActivateFavouriteList", &F::ActivateFavouriteList);
 }
 
 void FavouriteListCollectionFamily::RemoveAt(In in, Out) {

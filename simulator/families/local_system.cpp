@@ -29,18 +29,17 @@ class LocalSystemFamily : public Family {
     Device& mDevice;
 };
 
-LocalSystemFamily::LocalSystemFamily(const FamilySetup& setup)
-    : Family({"local_system", "service_plugin_to_hbbtv_local_system", "", 11, "method", 6}), mDevice(setup.tv.device) {
+LocalSystemFamily::LocalSystemFamily(const FamilySetup& setup) : Family("local_system"), mDevice(setup.tv.device) {
     using F = LocalSystemFamily;
-    Row(0, "GetDeviceID", &F::GetDeviceID);
-    Row(2, "GetVendorName", &F::GetVendorName);
-    Row(4, "GetModelName", &F::GetModelName);
-    Row(6, "GetFamilyName", &F::GetFamilyName);
-    Row(8, "GetSoftwareVersion", &F::GetSoftwareVersion);
-    Row(10, "GetHardwareVersion", &F::GetHardwareVersion);
-    Row(12, "GetSerialNumber", &F::GetSerialNumber);
-    Row(14, "GetPvrEnabled", &F::GetPvrEnabled);
-    Row(16, "GetCiplusEnabled", &F::GetCiplusEnabled);
+    Row("GetDeviceID", &F::GetDeviceID);
+    Row("GetVendorName", &F::GetVendorName);
+    Row("GetModelName", &F::GetModelName);
+    Row("GetFamilyName", &F::GetFamilyName);
+    Row("GetSoftwareVersion", &F::GetSoftwareVersion);
+    Row("GetHardwareVersion", &F::GetHardwareVersion);
+    Row("GetSerialNumber", &F::GetSerialNumber);
+    Row("GetPvrEnabled", &F::GetPvrEnabled);
+    Row("GetCiplusEnabled", &F::GetCiplusEnabled);
     AddCommand("pvr on|off", "the disk for recordings is plugged in, or pulled out",
                [this](const Words& words) { return Switch(words, &DeviceDescription::pvr); });
     AddCommand("ci-plus on|off", "a CI Plus module is plugged in, or pulled out",

@@ -73,7 +73,7 @@ class ParentalControlManagerFamily : public Family {
 };
 
 ParentalControlManagerFamily::ParentalControlManagerFamily(const FamilySetup& setup)
-    : Family({"parental_control_manager", "service_plugin_to_hbbtv_pcm", "", 16, "method", 13}),
+    : Family("parental_control_manager"),
       mTv(setup.tv),
       mManagers(setup.tv.handleSource),
       mSchemes(setup.tv.handleSource),
@@ -86,30 +86,30 @@ ParentalControlManagerFamily::ParentalControlManagerFamily(const FamilySetup& se
 
 void ParentalControlManagerFamily::AddManagerRows() {
     using F = ParentalControlManagerFamily;
-    Row(0, "Create", &F::Create);
-    Row(2, "Destroy", &F::Destroy);
-    Row(21, "GetParentalRatingSchemeNum", &F::GetParentalRatingSchemeNum);
-    Row(23, "GetParentalRatingSchemeByIndex", &F::GetParentalRatingSchemeByIndex);
-    Row(25, "AddScheme", &F::AddScheme);
-    Row(27, "ReleaseParentalRatingScheme", &F::ReleaseParentalRatingScheme);
-    Row(28, "GetParentalRatingSchemeName", &F::GetParentalRatingSchemeName);
-    Row(30, "GetThreshold", &F::GetThreshold);
-    Row(33, "GetIconUrl", &F::GetIconUrl);
+    Row("Create", &F::Create);
+    Row("Destroy", &F::Destroy);
+    Row("GetParentalRatingSchemeNum", &F::GetParentalRatingSchemeNum);
+    Row("GetParentalRatingSchemeByIndex", &F::GetParentalRatingSchemeByIndex);
+    Row("AddScheme", &F::AddScheme);
+    Row("ReleaseParentalRatingScheme", &F::ReleaseParentalRatingScheme);
+    Row("GetParentalRatingSchemeName", &F::GetParentalRatingSchemeName);
+    Row("GetThreshold", &F::GetThreshold);
+    Row("GetIconUrl", &F::GetIconUrl);
 }
 
 void ParentalControlManagerFamily::AddRatingRows() {
     using F = ParentalControlManagerFamily;
-    Row(35, "ReleaseParentalRating", &F::ReleaseParentalRating);
-    Row(36, "GetScheme", &F::GetScheme);
-    Row(38, "GetParentalRatingName", &F::GetParentalRatingName);
-    Row(40, "GetValue", &F::GetValue);
-    Row(42, "GetLabel", &F::GetLabel);
-    Row(44, "GetRegion", &F::GetRegion);
-    Row(46, "GetRatingNum", &F::GetRatingNum);
-    Row(47, "GetRatingByIndex", &F::GetRatingByIndex);
-    Row(48, "AddParentalRating", &F::AddParentalRating);
-    Row(49, "ReleaseParentalRatingCollection", &F::ReleaseParentalRatingCollection);
-    Row(50, "GetLocalParentalRating", &F::GetLocalParentalRating);
+    Row("ReleaseParentalRating", &F::ReleaseParentalRating);
+    Row("GetScheme", &F::GetScheme);
+    Row("GetParentalRatingName", &F::GetParentalRatingName);
+    Row("GetValue", &F::GetValue);
+    Row("GetLabel", &F::GetLabel);
+    Row("GetRegion", &F::GetRegion);
+    Row("GetRatingNum", &F::GetRatingNum);
+    Row("GetRatingByIndex", &F::GetRatingByIndex);
+    Row("AddParentalRating", &F::AddParentalRating);
+    Row("ReleaseParentalRatingCollection", &F::ReleaseParentalRatingCollection);
+    Row("GetLocalParentalRating", &F::GetLocalParentalRating);
 }
 
 // --- Schemes

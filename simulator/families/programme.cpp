@@ -30,8 +30,8 @@ class ProgrammeFamily : public ObjectFamily<Programme> {
   private:
     // What a client has set shows in the programme.
     template <typename Change>
-    void Set(int code, const char* name, Change change) {
-        ObjectFamily::Set(code, name, [change](Programme& programme, In in) {
+    void Set(const char* name, Change change) {
+        ObjectFamily::Set(name, [change](Programme& programme, In in) {
             change(programme, in);
             programme.changed = true;
         });
@@ -51,39 +51,37 @@ class ProgrammeFamily : public ObjectFamily<Programme> {
 };
 
 ProgrammeFamily::ProgrammeFamily(const FamilySetup& setup)
-    : ObjectFamily({"programme", "service_plugin_to_hbbtv_program", "", 13, "method", 5}, setup.tv.programmes, "handle",
-                   "programme"),
-      mTv(setup.tv) {
+    : ObjectFamily("programme", setup.tv.programmes, "programme"), mTv(setup.tv) {
     AddMembers();
     AddDescriptors();
 }
 
 void ProgrammeFamily::AddMembers() {
-    Row(0, "Release", &ProgrammeFamily::Release);
-    Get(1, "GetName", "out_name", [](const Programme& p) { return p.name; });
-    Set(3, "SetName", [](Programme& p, In in) { p.name = in.ShortText("in_name"); });
-    Get(7, "GetDescription", "out_desc", [](const Programme& p) { return p.description; });
-    Set(9, "SetDescription", [](Programme& p, In in) { p.description = in.ShortText("in_desc"); });
-    Get(10, "GetLongDescription", "out_longDesc", [](const Programme& p) { return p.longDescription; });
-    Set(12, "SetLongDescription", [](Programme& p, In in) { p.longDescription = in.ShortText("in_longDesc"); });
-    Get(13, "GetStartTime", "out_startTime", [](const Programme& p) { return static_cast<int>(p.start); });
-    Set(15, "SetStartTime", [](Programme& p, In in) { p.start = in.Int("in_startTime"); });
-    Get(16, "GetDuration", "out_duration", [](const Programme& p) { return p.duration; });
-    Set(18, "SetDuration", [](Programme& p, In in) { SetDuration(p, in.Int("in_duration")); });
-    Get(19, "GetChannelID", "out_channelID", [](const Programme& p) { return p.channelId; });
-    Set(21, "SetChannelID", [](Programme& p, In in) { p.channelId = in.ShortText("in_channelID"); });
-    Get(28, "GetProgramID", "out_programID", [](const Programme& p) { return p.id; });
-    Set(30, "SetProgramID", [](Programme& p, In in) { p.id = in.ShortText("in_programID"); });
-    Get(31, "GetProgramIDType", "out_programIDType", [](const Programme& p) { return p.idType; });
-    Set(33, "SetProgramIDType", [](Programme& p, In in) { SetIdType(p, in.Int("in_programIDType")); });
-    Row(34, "GetParentalRatings", &ProgrammeFamily::GetParentalRatings);
+    Row("Release", &ProgrammeFamily::Release);
+    Get("GetName", "out_name", [](const Programme& p) { return p.name; });
+    Set("SetName", [](Programme& p, In in) { p.name = in.ShortText("in_name"); });
+    Get("GetDescription", "out_desc", [](const Programme& p) { return p.description; });
+    Set("SetDescription", [](Programme& p, In in) { p.description = in.ShortText("in_desc"); });
+    Get("GetLongDescription", "out_longDesc", [](const Programme& p) { return p.longDescription; });
+    Set("SetLongDescription", [](Programme& p, In in) { p.longDescription = in.ShortText("in_longDesc"); });
+    Get("GetStartTime", "out_startTime", [](const Programme& p) { return static_cast<int>(p.start); });
+    Set("SetStartTime", [](Programme& p, In in) { p.start = in.Int("in_startTime"); });
+    Get("GetDuration", "out_duration", [](const Programme& p) { return p.duration; });
+    Set("SetDuration", [](Programme& p, In in) { SetDuration(p, in.Int("in_duration")); });
+    Get("GetChannelID", "out_channelID", [](const Programme& p) { return p.channelId; });
+    Set("SetChannelID", [](Programme& p, In in) { p.channelId = in.ShortText("in_channelID"); });
+    Get("GetProgramID", "out_programID", [](const Programme& p) { return p.id; });
+    Set("SetProgramID", [](Programme& p, In in) { p.id = in.ShortText("in_programID"); });
+    Get("GetProgramIDType", "out_programIDType", [](const Programme& p) { return p.idType; });
+    Set("SetProgramIDType", [](Programme& p, In in) { SetIdType(p, in.Int("in_programIDType")); });
+    Row("GetParentalRatings", &ProgrammeFamily::GetParentalRatings);
 }
 
 void ProgrammeFamily::AddDescriptors() {
-    Row(76, "GetSIDescriptorNum",
+    Row("GetSIDescriptorNum",
         [this](In in, Out out) { out["out_num"] = static_cast<unsigned>(Descriptors(in).size()); });
-    Row(78, "GetSIDescriptorByIndex", &ProgrammeFamily::GetSIDescriptorByIndex);
-    Row(79, "GetSIDescriptorByEventId", &ProgrammeFamily::GetSIDescriptorByEventId);
+    Row("GetSIDescriptorByIndex", &ProgrammeFamily::GetSIDescriptorByIndex);
+    Row("GetSIDescriptorByEventId", &ProgrammeFamily::GetSIDescriptorByEventId);
 }
 
 void ProgrammeFamily::Release(In in, Out out) {

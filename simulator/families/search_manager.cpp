@@ -79,37 +79,37 @@ class SearchManagerFamily : public Family {
 };
 
 SearchManagerFamily::SearchManagerFamily(const FamilySetup& setup)
-    : Family({"search_manager", "service_plugin_to_hbbtv_sm", "service_hbbtv_to_plugin_sm", 8, "method", 0}),
+    : Family("search_manager"),
       mTv(setup.tv),
-      mSink(setup.sinkOf(Address())),
+      mSink(Sends(setup.makeSink, {"state"})),
       mManagers(mTv.handleSource),
       mSearches(mTv.handleSource),
       mResults(mTv.handleSource),
       mQueries(mTv.handleSource),
       mRunner(setup.loop) {
     using F = SearchManagerFamily;
-    Row(1, "SearchManager_Create", &F::Create);
-    Row(3, "SearchManager_Destroy", static_cast<void (F::*)(In, Out)>(&F::Destroy));
-    Row(4, "SearchManager_RegisterCallback", &F::RegisterCallback);
-    Row(5, "SearchManager_CreateSearch", &F::CreateSearch);
-    Row(7, "SearchManager_DestroySearch", &F::DestroySearch);
-    Row(8, "MetaSearch_CreateQuery", &F::CreateQuery);
-    Row(10, "MetaSearch_GetResult", &F::GetResult);
-    Row(12, "MetaSearch_GetSearchTarget", &F::GetSearchTarget);
-    Row(14, "MetaSearch_SetQuery", &F::SetQuery);
-    Row(15, "MetaSearch_FindProgrammesFromStream", &F::FindProgrammesFromStream);
-    Row(16, "MetaSearch_AddChannelConstraint", &F::AddChannelConstraint);
-    Row(17, "SearchResults_Release", &F::ReleaseResults);
-    Row(18, "SearchResults_GetOffset", &F::GetOffset);
-    Row(20, "SearchResults_GetLength", &F::GetLength);
-    Row(22, "SearchResults_GetTotalSize", &F::GetTotalSize);
-    Row(24, "SearchResults_GetProgramme", &F::GetProgramme);
-    Row(26, "SearchResults_GetResults", &F::GetResults);
-    Row(27, "SearchResults_Abort", &F::Abort);
-    Row(28, "Query_Release", &F::ReleaseQuery);
-    Row(29, "Query_And", &F::QueryAnd);
-    Row(31, "Query_Or", &F::QueryOr);
-    Row(33, "Query_Not", &F::QueryNot);
+    Row("SearchManager_Create", &F::Create);
+    Row("SearchManager_Destroy", static_cast<void (F::*)(In, Out)>(&F::Destroy));
+    Row("SearchManager_RegisterCallback", &F::RegisterCallback);
+    Row("SearchManager_CreateSearch", &F::CreateSearch);
+    Row("SearchManager_DestroySearch", &F::DestroySearch);
+    Row("MetaSearch_CreateQuery", &F::CreateQuery);
+    Row("MetaSearch_GetResult", &F::GetResult);
+    Row("MetaSearch_GetSearchTarget", &F::GetSearchTarget);
+    Row("MetaSearch_SetQuery", &F::SetQuery);
+    Row("MetaSearch_FindProgrammesFromStream", &F::FindProgrammesFromStream);
+    Row("MetaSearch_AddChannelConstraint", &F::AddChannelConstraint);
+    Row("SearchResults_Release", &F::ReleaseResults);
+    Row("SearchResults_GetOffset", &F::GetOffset);
+    Row("SearchResults_GetLength", &F::GetLength);
+    Row("SearchResults_GetTotalSize", &F::GetTotalSize);
+    Row("SearchResults_GetProgramme", &F::GetProgramme);
+    Row("SearchResults_GetResults", &F::GetResults);
+    Row("SearchResults_Abort", &F::Abort);
+    Row("Query_Release", &F::ReleaseQuery);
+    Row("Query_And", &F::QueryAnd);
+    Row("Query_Or", &F::QueryOr);
+    Row("Query_Not", &F::QueryNot);
 }
 
 // --- Search managers
@@ -133,10 +133,9 @@ void SearchManagerFamily::RegisterCallback(In in, Out) {
 void SearchManagerFamily::Tell(const Manager& manager, const std::string& search, SearchEvent event) {
     if (!manager.registered) return;
     Json::Value message;
-    message["event"] = 0;
     message["state"] = static_cast<int>(event);
     message["searchHandle"] = search;
-    mSink.Send("SearchState", message);
+    mSink.Send("state", message);
 }
 
 // --- Searches

@@ -1,24 +1,27 @@
-// What one family of platform objects is to the core: where it lives, which operations it answers, and which commands
-// the person at the television has for it. A family is a class derived from Family whose constructor lists its rows.
+// One family of platform objects as the server sees it: where it is served, the operations that it answers, the events
+// that it sends, and the commands that the person at the television has for it. Addresses, codes and names are those of
+// protocol/. A family is a class derived from Family whose constructor lists its rows.
 #pragma once
 
 #include <json/value.h>
 
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "family/arguments.h"
+#include "wire/protocol.h"
 
 namespace hbbtv::sim {
 
 struct FamilyAddress {
-    std::string name;           // as in --fault and in the tell commands
+    std::string name;           // as in --fault and in commands
     std::string requestSocket;  // served by the simulator
     std::string eventSocket;    // served by the library; empty when the family sends no events
-    int port;                   // in the header of its events
+    int eventPort = 0;          // in the header of its events
     std::string codeMember;     // the member that holds the operation's code: "method", or "t"
     std::optional<int> type;    // the member "type" of its requests, for the families that have one
 };
@@ -28,13 +31,14 @@ using Handler = std::function<void(const Arguments&, Json::Value& reply)>;
 
 struct Operation {
     std::string name;
+    std::string mark;  // the member that only this one of two operations with the same code has; otherwise empty
     Handler handler;
 };
 
-// Those behind a command's name.
+// The words behind a command's name.
 using Words = std::vector<std::string>;
 
-// Something that happens at the television and not by a request: the viewer zaps, the aerial falls. The function
+// Something that happens at the television and not by a request: the viewer zaps, the signal is lost. The function
 // returns the answer; it throws WrongWords(), or Refused when the command makes no sense now.
 struct Command {
     std::string usage;  // "zap next|previous|NUMBER"
@@ -42,18 +46,23 @@ struct Command {
     std::function<std::string(const Words& words)> run;
 };
 
-// Where a family's events go.
+// Sends a family's events.
 class EventSink {
   public:
     virtual ~EventSink() = default;
 
-    // `name` is for the trace.
-    virtual void Send(const std::string& name, const Json::Value& event) = 0;
+    // The members go without those that name the event: they are added.
+    virtual void Send(const std::string& event, const Json::Value& members) = 0;
 
     // The same with a reply, which the function gets later: null when there was none. The function must not throw.
-    virtual void SendAndWait(const std::string& name, const Json::Value& event,
+    virtual void SendAndWait(const std::string& event, const Json::Value& members,
                              std::function<void(const Json::Value& reply)> onReply) = 0;
 };
+
+// By name, the members that say which event it is.
+using EventTable = std::map<std::string, Json::Value>;
+
+using MakeSink = std::function<EventSink&(const FamilyAddress&, const EventTable&)>;
 
 class Family {
   public:
@@ -62,22 +71,33 @@ class Family {
     Family& operator=(const Family&) = delete;
 
     const FamilyAddress& Address() const { return mAddress; }
-    const std::map<int, Operation>& Operations() const { return mOperations; }
+    const EventTable& Events() const { return mEvents; }
     const std::map<std::string, Command>& Commands() const { return mCommands; }
+
+    // Every operation that it answers, by code. Two may share a code.
+    const std::multimap<int, Operation>& Operations() const { return mOperations; }
 
   protected:
     using In = const Arguments&;
     using Out = Json::Value&;
 
-    explicit Family(FamilyAddress address) : mAddress(std::move(address)) {}
+    // A name that protocol/ does not have ends the program: this and the functions below throw Fatal.
+    explicit Family(const std::string& name);
+
+    // The member that names the object of a request, for the families whose requests all have one.
+    std::string ObjectMember() const;
 
     // One row of the family's table.
-    void Row(int code, const char* name, Handler handler) { mOperations[code] = {name, std::move(handler)}; }
+    void Row(const std::string& name, Handler handler, const std::string& mark = "");
 
     template <typename F>
-    void Row(int code, const char* name, void (F::*method)(In, Out)) {
-        Row(code, name, [self = static_cast<F*>(this), method](In in, Out out) { (self->*method)(in, out); });
+    void Row(const std::string& name, void (F::*method)(In, Out), const std::string& mark = "") {
+        Row(
+            name, [self = static_cast<F*>(this), method](In in, Out out) { (self->*method)(in, out); }, mark);
     }
+
+    // Declares the events that the family sends, and returns where they go.
+    EventSink& Sends(const MakeSink& makeSink, std::initializer_list<const char*> events);
 
     // The usage begins with the command's name.
     void AddCommand(const std::string& usage, const std::string& purpose,
@@ -92,8 +112,10 @@ class Family {
     }
 
   private:
+    const WireFamily& mWire;
     FamilyAddress mAddress;
-    std::map<int, Operation> mOperations;
+    std::multimap<int, Operation> mOperations;
+    EventTable mEvents;
     std::map<std::string, Command> mCommands;
 };
 

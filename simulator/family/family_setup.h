@@ -1,7 +1,6 @@
 // What each family is created with.
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "core/event_loop.h"
@@ -15,8 +14,8 @@ struct FamilySetup {
     EventLoop& loop;
     Tv& tv;
     const Settings& settings;
-    std::function<EventSink&(const FamilyAddress&)> sinkOf;  // where that family's events go
-    const std::string& directory;                            // of the sockets, and of what is put beside them
+    MakeSink makeSink;
+    const std::string& directory;  // of the sockets, and of what is put beside them
 };
 
 }  // namespace hbbtv::sim

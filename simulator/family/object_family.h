@@ -13,18 +13,18 @@ namespace hbbtv::sim {
 template <typename T>
 class ObjectFamily : public Family {
   protected:
-    // `kind` is what refusals call such an object.
-    ObjectFamily(FamilyAddress address, HandleTable<T>& table, const char* member, const char* kind)
-        : Family(std::move(address)), mTable(table), mMember(member), mKind(kind) {}
+    // `kind` is what refusals call such an object. `member` names it in the families that have requests without one.
+    ObjectFamily(const char* name, HandleTable<T>& table, const char* kind, const char* member = nullptr)
+        : Family(name), mTable(table), mMember(member != nullptr ? member : ObjectMember()), mKind(kind) {}
 
-    std::shared_ptr<T> Named(In in) const { return Find(mTable, in, mMember, mKind); }
+    std::shared_ptr<T> Named(In in) const { return Find(mTable, in, mMember.c_str(), mKind); }
 
-    void Release(In in, Out) { Remove(mTable, in, mMember, mKind); }
+    void Release(In in, Out) { Remove(mTable, in, mMember.c_str(), mKind); }
 
     // Reads the object, or the object with members of the request, into one member of the reply.
     template <typename Read>
-    void Get(int code, const char* name, const char* member, Read read) {
-        Row(code, name, [this, member, read](In in, Out out) {
+    void Get(const char* name, const char* member, Read read) {
+        Row(name, [this, member, read](In in, Out out) {
             if constexpr (std::is_invocable_v<Read, T&, In>) {
                 out[member] = read(*Named(in), in);
             } else {
@@ -35,20 +35,20 @@ class ObjectFamily : public Family {
 
     // Finds another object by members of the request; the reply has its handle, or the null handle.
     template <typename U, typename Search>
-    void Look(int code, const char* name, const char* member, HandleTable<U>& table, Search search) {
-        Row(code, name,
+    void Look(const char* name, const char* member, HandleTable<U>& table, Search search) {
+        Row(name,
             [this, member, &table, search](In in, Out out) { out[member] = Text(table, search(*Named(in), in)); });
     }
 
     // Changes the object as members of the request say.
     template <typename Change>
-    void Set(int code, const char* name, Change change) {
-        Row(code, name, [this, change](In in, Out) { change(*Named(in), in); });
+    void Set(const char* name, Change change) {
+        Row(name, [this, change](In in, Out) { change(*Named(in), in); });
     }
 
   private:
     HandleTable<T>& mTable;
-    const char* mMember;
+    std::string mMember;
     const char* mKind;
 };
 

@@ -4,6 +4,7 @@
 
 #include "core/error.h"
 #include "core/json_text.h"
+#include "wire/message.h"
 
 namespace hbbtv::sim {
 
@@ -15,9 +16,15 @@ const Operation& Dispatcher::Find(const Json::Value& request) const {
                       std::to_string(*address.type));
     }
     const int code = members.Int(address.codeMember.c_str());
-    const auto found = mFamily->Operations().find(code);
-    if (found == mFamily->Operations().end()) throw Refused("there is no operation " + std::to_string(code));
-    return found->second;
+    const auto range = mFamily->Operations().equal_range(code);
+    const Operation* found = nullptr;
+    for (auto entry = range.first; entry != range.second; ++entry) {
+        const Operation& operation = entry->second;
+        if (!operation.mark.empty() && members.Has(operation.mark.c_str())) return operation;
+        if (operation.mark.empty()) found = &operation;
+    }
+    if (found == nullptr) throw Refused("there is no operation " + std::to_string(code));
+    return *found;
 }
 
 // A message may have any content, so this is where everything that it can cause ends.
@@ -54,10 +61,10 @@ std::optional<Frame> Dispatcher::Handle(const Frame& message) {
     std::string arguments;
     const Json::Value reply = Answer(message.payload, operation, arguments);
     const bool wanted = message.type == kRequest;
-    mJournal.Request(operation, arguments, wanted ? "< " + Readable(reply, "") : "one-way",
+    mJournal.Request(operation, arguments, wanted ? "< " + Readable(reply) : "one-way",
                      std::chrono::steady_clock::now() - start);
     if (!wanted) return std::nullopt;
-    return Frame{kReply, message.port, JsonText(reply)};
+    return Frame{kReply, message.port, WireText(reply)};
 }
 
 }  // namespace hbbtv::sim

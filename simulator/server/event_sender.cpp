@@ -8,6 +8,7 @@
 
 #include "common/local_socket.h"
 #include "core/json_text.h"
+#include "wire/message.h"
 
 namespace hbbtv::sim {
 
@@ -31,22 +32,34 @@ struct EventSender::Connection {
     std::array<char, 4096> chunk;
 };
 
-EventSender::EventSender(EventLoop& loop, const Journal& journal, std::string path, int port)
-    : mLoop(loop), mJournal(journal), mPath(std::move(path)), mPort(port), mAgain(loop), mReplyDeadline(loop) {}
+EventSender::EventSender(EventLoop& loop, const Journal& journal, std::string path, int port, EventTable events)
+    : mLoop(loop),
+      mJournal(journal),
+      mPath(std::move(path)),
+      mPort(port),
+      mEvents(std::move(events)),
+      mAgain(loop),
+      mReplyDeadline(loop) {}
 
 EventSender::~EventSender() {
     if (mConnection) mConnection->owner = nullptr;
 }
 
-void EventSender::Send(const std::string& name, const Json::Value& event) {
-    if (mJournal.Tracing()) mJournal.Event(name, Readable(event, "event"), "");
-    Enqueue({name, Encode({kOneWay, mPort, JsonText(event)}), nullptr});
+std::string EventSender::Message(int type, const std::string& event, const Json::Value& members) const {
+    Json::Value message = mEvents.at(event);
+    for (auto member = members.begin(); member != members.end(); ++member) message[member.name()] = *member;
+    return Encode({type, mPort, WireText(message)});
 }
 
-void EventSender::SendAndWait(const std::string& name, const Json::Value& event,
+void EventSender::Send(const std::string& event, const Json::Value& members) {
+    if (mJournal.Tracing()) mJournal.Event(event, Readable(members), "");
+    Enqueue({event, Message(kOneWay, event, members), nullptr});
+}
+
+void EventSender::SendAndWait(const std::string& event, const Json::Value& members,
                               std::function<void(const Json::Value&)> onReply) {
-    if (mJournal.Tracing()) mJournal.Event(name, Readable(event, "event"), "waits for a reply");
-    Enqueue({name, Encode({kRequest, mPort, JsonText(event)}), std::move(onReply)});
+    if (mJournal.Tracing()) mJournal.Event(event, Readable(members), "waits for a reply");
+    Enqueue({event, Message(kRequest, event, members), std::move(onReply)});
 }
 
 // The work is posted: an event that a request caused leaves after the reply to that request.
@@ -135,7 +148,7 @@ void EventSender::FinishFront(const Json::Value& reply) {
 
 void EventSender::Answer(const Waiting& event, const Json::Value& reply) const {
     if (!event.onReply) return;
-    if (mJournal.Tracing()) mJournal.Event(event.name, "", reply.isNull() ? "no reply" : "< " + Readable(reply, ""));
+    if (mJournal.Tracing()) mJournal.Event(event.name, "", reply.isNull() ? "no reply" : "< " + Readable(reply));
     event.onReply(reply);
 }
 

@@ -16,11 +16,11 @@ namespace hbbtv::sim {
 
 class EventSender : public EventSink {
   public:
-    EventSender(EventLoop& loop, const Journal& journal, std::string path, int port);
+    EventSender(EventLoop& loop, const Journal& journal, std::string path, int port, EventTable events);
     ~EventSender() override;
 
-    void Send(const std::string& name, const Json::Value& event) override;
-    void SendAndWait(const std::string& name, const Json::Value& event,
+    void Send(const std::string& event, const Json::Value& members) override;
+    void SendAndWait(const std::string& event, const Json::Value& members,
                      std::function<void(const Json::Value& reply)> onReply) override;
 
   private:
@@ -32,6 +32,7 @@ class EventSender : public EventSink {
         bool triedBefore = false;                         // the connection went while it was on its way
     };
 
+    std::string Message(int type, const std::string& event, const Json::Value& members) const;
     void Enqueue(Waiting event);
     void Work();
     bool Connect();
@@ -48,6 +49,7 @@ class EventSender : public EventSink {
     const Journal& mJournal;
     std::string mPath;
     int mPort;
+    EventTable mEvents;
     std::deque<Waiting> mQueue;               // the front one is on its way when mBusy
     std::shared_ptr<Connection> mConnection;  // null when there is none
     bool mBusy = false;

@@ -158,8 +158,9 @@ TEST_F(CommandLine, TraceHasOneLinePerRequestWithItsReplyAndPerEvent) {
     for (const std::string& line :
          {"> Create context=0xabc | < ret=0 vb_handle=" + vb + " (",
           "> SetChannel channel=" + Channel(vb, 2) + " trickPlay=false url=\"\" vb_handle=" + vb + " | < ret=0 (",
-          std::string("* PlayState context=0xabc error=0 state=1\n"),
-          "* ChannelChanged channelHandle=" + Channel(vb, 2) + " context=0xabc quiet=0 viewerChannelHandle=",
+          std::string("* TOLM_VB_EVENT_PLAY_STATE context=0xabc error=0 state=1\n"),
+          "* TOLM_VB_EVENT_CHANNEL_CHANGED channelHandle=" + Channel(vb, 2) +
+              " context=0xabc quiet=0 viewerChannelHandle=",
           std::string("> ? | < ret=-1 (")}) {
         EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;
     }

@@ -120,7 +120,7 @@ class EventWithReply : public testing::Test {
     // Runs until the reply, or its absence, is known.
     Json::Value SendAndWait() {
         Json::Value result;
-        mSender.SendAndWait("Question", Json::Value("?"), [&](const Json::Value& reply) {
+        mSender.SendAndWait("question", Json::Value(Json::objectValue), [&](const Json::Value& reply) {
             result = reply;
             mLoop.Stop();
         });
@@ -131,7 +131,7 @@ class EventWithReply : public testing::Test {
     test::ScratchDirectory mDirectory;
     Journal mJournal{false};
     EventLoop mLoop;
-    EventSender mSender{mLoop, mJournal, mDirectory / "events", 7};
+    EventSender mSender{mLoop, mJournal, mDirectory / "events", 7, {{"question", Json::Value(Json::objectValue)}}};
 };
 
 TEST_F(EventWithReply, IsARequestWhoseReplyArrives) {

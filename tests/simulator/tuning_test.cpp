@@ -229,9 +229,9 @@ TEST_F(SimulatedPlatform, AnEventLeavesAfterTheReplyThatCausedIt) {
     const std::string vb = NewObject();
     EXPECT_EQ(SetChannel(vb, Channel(vb, 2)), 0);
     EventsUntil("PlayState 2 0");
-    ASSERT_TRUE(mSimulator->WaitForOutput("* ChannelChanged ")) << mSimulator->Output();
+    ASSERT_TRUE(mSimulator->WaitForOutput("* TOLM_VB_EVENT_CHANNEL_CHANGED ")) << mSimulator->Output();
     const std::string trace = mSimulator->Output();
-    EXPECT_LT(trace.find("> SetChannel "), trace.find("* ChannelChanged ")) << trace;
+    EXPECT_LT(trace.find("> SetChannel "), trace.find("* TOLM_VB_EVENT_CHANNEL_CHANGED ")) << trace;
 }
 
 TEST_F(SimulatedPlatform, TheSameSeedGivesTheSameHandles) {

@@ -5,27 +5,24 @@
 namespace hbbtv::sim {
 
 void ApplicationEvents::ApplicationLoaded(const ApplicationId& id) {
-    Json::Value event;
-    event["t"] = 237;
-    event["appid"] = id.application;
-    event["orgid"] = id.organisation;
-    mSink.Send("ApplicationEvent", event);
+    Json::Value members;
+    members["appid"] = id.application;
+    members["orgid"] = id.organisation;
+    mSink.Send("application event 1", members);
 }
 
 void ApplicationEvents::BroadcastFullScreen(bool full, bool destroyed) {
-    Json::Value event;
-    event["t"] = 270;
-    event["bValue"] = full ? 1 : 0;
-    event["isDestroy"] = destroyed ? 1 : 0;
-    mSink.Send("SetBroadcastFullScreen", event);
+    Json::Value members;
+    members["bValue"] = full ? 1 : 0;
+    members["isDestroy"] = destroyed ? 1 : 0;
+    mSink.Send("set broadcast full screen", members);
 }
 
 void ApplicationEvents::AskParentalRating(const std::string& country,
                                           std::function<void(std::optional<int>)> onRating) {
-    Json::Value event;
-    event["t"] = 271;
-    event["countryCode"] = country;
-    mSink.SendAndWait("GetLocalParentalRating", event, [onRating = std::move(onRating)](const Json::Value& reply) {
+    Json::Value members;
+    members["countryCode"] = country;
+    mSink.SendAndWait("local parental rating", members, [onRating = std::move(onRating)](const Json::Value& reply) {
         onRating(IntIn(reply, "parentalRating"));
     });
 }

@@ -121,10 +121,9 @@ class ApplicationManagerFamily : public Family, private ApplicationWatcher {
 };
 
 ApplicationManagerFamily::ApplicationManagerFamily(const FamilySetup& setup)
-    : Family(
-          {"application_manager", "service_plugin_to_hbbtv_apm", "service_hbbtv_to_plugin_apm", 1, "t", std::nullopt}),
+    : Family("application_manager"),
       mTv(setup.tv),
-      mEvents(setup.sinkOf(Address())),
+      mEvents(Sends(setup.makeSink, {"application event 1", "set broadcast full screen", "local parental rating"})),
       mStarter(setup.loop, setup.tv, setup.settings, mEvents) {
     mTv.applications.Watch(*this);
     AddRows();
@@ -133,27 +132,27 @@ ApplicationManagerFamily::ApplicationManagerFamily(const FamilySetup& setup)
 
 void ApplicationManagerFamily::AddRows() {
     using F = ApplicationManagerFamily;
-    Row(201, "GetOwnerApp", &F::GetOwnerApp);
-    Row(203, "GetCurrentApp", &F::GetCurrentApp);
-    Row(205, "GetChildApps", &F::GetChildApps);
-    Row(207, "CreateApp", &F::CreateApp);
-    Row(209, "DestroyApp", &F::DestroyApp);
-    Row(210, "ShowApp", &F::ShowApp);
-    Row(211, "HideApp", &F::HideApp);
-    Row(220, "GetValue", &F::GetValue);
-    Row(222, "GetOtherKeys", &F::GetOtherKeys);
-    Row(224, "GetMaxiMumValue", &F::GetMaxiMumValue);
-    Row(226, "GetMaxiMumOtherKeys", &F::GetMaxiMumOtherKeys);
-    Row(232, "SetValue", &F::SetValue);
-    Row(233, "GetKeyIcon", &F::GetKeyIcon);
-    Row(235, "GetKeyLabel", &F::GetKeyLabel);
-    Row(249, "SetDeviceResolution", &F::SetDeviceResolution);
-    Row(251, "GetVBResouceAllowed", &F::GetVBResouceAllowed);
-    Row(253, "SetBRAppToBI", &F::SetBRAppToBI);
-    Row(260, "GetAppType", &F::GetAppType);
-    Row(262, "SetBIAppToBR", &F::SetBIAppToBR);
-    Row(263, "KeyConsumedByBrowser", &F::KeyConsumedByBrowser);
-    Row(265, "NotifyDSMCCResponseToAPM", &F::NotifyDSMCCResponseToAPM);
+    Row("GetOwnerApp", &F::GetOwnerApp);
+    Row("GetCurrentApp", &F::GetCurrentApp);
+    Row("GetChildApps", &F::GetChildApps);
+    Row("CreateApp", &F::CreateApp);
+    Row("DestroyApp", &F::DestroyApp);
+    Row("ShowApp", &F::ShowApp);
+    Row("HideApp", &F::HideApp);
+    Row("GetValue", &F::GetValue);
+    Row("GetOtherKeys", &F::GetOtherKeys);
+    Row("GetMaxiMumValue", &F::GetMaxiMumValue);
+    Row("GetMaxiMumOtherKeys", &F::GetMaxiMumOtherKeys);
+    Row("SetValue", &F::SetValue);
+    Row("GetKeyIcon", &F::GetKeyIcon);
+    Row("GetKeyLabel", &F::GetKeyLabel);
+    Row("SetDeviceResolution", &F::SetDeviceResolution);
+    Row("GetVBResouceAllowed", &F::GetVBResouceAllowed);
+    Row("SetBRAppToBI", &F::SetBRAppToBI);
+    Row("GetAppType", &F::GetAppType);
+    Row("SetBIAppToBR", &F::SetBIAppToBR);
+    Row("KeyConsumedByBrowser", &F::KeyConsumedByBrowser);
+    Row("NotifyDSMCCResponseToAPM", &F::NotifyDSMCCResponseToAPM);
 }
 
 void ApplicationManagerFamily::AddCommands() {

@@ -22,49 +22,37 @@ void Add(Json::Value& members, const BrowserCommands::Page& page, const char* br
 
 }  // namespace
 
-void BrowserCommands::Send(const char* name, int method, Json::Value members) {
-    members["type"] = 0;
-    members["method"] = method;
-    mSink.Send(name, members);
-}
-
-void BrowserCommands::Ask(const char* name, int method, Json::Value members, OnReply onReply) {
-    members["type"] = 0;
-    members["method"] = method;
-    mSink.SendAndWait(name, members, std::move(onReply));
-}
-
 void BrowserCommands::SetAppConfig(int tab, bool broadcastRelated) {
     Json::Value members = OfTab(tab);
     members["isBR"] = broadcastRelated;
-    Send("SetAppConfig", 21, members);
+    mSink.Send("SetAppConfig", members);
 }
 
 void BrowserCommands::SetDvbOrigin(int tab, const std::string& origin) {
     Json::Value members = OfTab(tab);
     members["origin"] = origin;
-    Send("SetDvbOrigin", 22, members);
+    mSink.Send("SetDvbOrigin", members);
 }
 
 void BrowserCommands::CreateApp(const Page& page, OnReply onReply) {
     Json::Value members;
     Add(members, page, "isBr");
-    Ask("CreateApp", 23, members, std::move(onReply));
+    mSink.SendAndWait("CreateApp", members, std::move(onReply));
 }
 
 void BrowserCommands::DestroyApp(int tab) {
-    Send("DestroyApp", 24, OfTab(tab));
+    mSink.Send("DestroyApp", OfTab(tab));
 }
 
 void BrowserCommands::DestroyAllApps() {
-    Send("DestroyAllApps", 25, {});
+    mSink.Send("DestroyAllApps", {});
 }
 
 void BrowserCommands::ShowHideTab(int tab, bool show, bool multi) {
     Json::Value members = OfTab(tab);
     members["showHide"] = show;
     members["isMulti"] = multi;
-    Send("ShowHideTab", 26, members);
+    mSink.Send("ShowHideTab", members);
 }
 
 void BrowserCommands::SendKey(int key, int keyType, int keyEventId) {
@@ -72,28 +60,28 @@ void BrowserCommands::SendKey(int key, int keyType, int keyEventId) {
     members["key"] = key;
     members["keyType"] = keyType;
     members["keyeventId"] = keyEventId;
-    Send("SendKey", 27, members);
+    mSink.Send("SendKey", members);
 }
 
 void BrowserCommands::GetXmlFile(const std::string& url, const std::string& applicationId, OnReply onReply) {
     Json::Value members;
     members["url"] = url;
     members["appID"] = applicationId;
-    Ask("GetXmlFile", 28, members, std::move(onReply));
+    mSink.SendAndWait("GetXmlFile", members, std::move(onReply));
 }
 
 void BrowserCommands::LoadURLInTab(int tab, const Page& page) {
     Json::Value members = OfTab(tab);
     Add(members, page, "isBR");
-    Send("LoadURLInTab", 30, members);
+    mSink.Send("LoadURLInTab", members);
 }
 
 void BrowserCommands::GetRenderProcessId(int tab, OnReply onReply) {
-    Ask("GetRenderProcessId", 32, OfTab(tab), std::move(onReply));
+    mSink.SendAndWait("GetRenderProcessId", OfTab(tab), std::move(onReply));
 }
 
 void BrowserCommands::Ping(OnReply onReply) {
-    Ask("Ping", 34, {}, std::move(onReply));
+    mSink.SendAndWait("Ping", {}, std::move(onReply));
 }
 
 }  // namespace hbbtv::sim

@@ -38,9 +38,6 @@ class BrowserCommands {
     void Ping(OnReply onReply);
 
   private:
-    void Send(const char* name, int method, Json::Value members);
-    void Ask(const char* name, int method, Json::Value members, OnReply onReply);
-
     EventSink& mSink;
 };
 

@@ -56,7 +56,7 @@ class MtmFamily : public Family {
   private:
     void AddRows();
     void AddCommands();
-    void AddNotification(int code, const char* name, void (MtmFamily::*method)(In));
+    void AddNotification(const char* name, void (MtmFamily::*method)(In), const char* mark = "");
 
     // Life of tabs.
     void OnTabCreated(In in) { mTv.tabs.Add(in.Int("tabid")); }
@@ -68,7 +68,8 @@ class MtmFamily : public Family {
     // What is seen of them.
     void OnTabFocus(In in) { mTv.tabs.Focus(in.Int("tabid")); }
     void OnTabHide(In in) { Named(in).shown = false; }
-    void OnTabShowOrLoadingState(In in);
+    void OnTabShow(In in) { Named(in).shown = true; }
+    void OnLoadingStateChanged(In in);
     void OnAddressBarChanged(In in) { Named(in).address = Text(in, "url"); }
     void OnTabTitleChanged(In in) { Named(in).title = Text(in, "title"); }
     void OnTabURLChanged(In in) { Named(in).url = Text(in, "title"); }
@@ -98,40 +99,45 @@ class MtmFamily : public Family {
 };
 
 MtmFamily::MtmFamily(const FamilySetup& setup)
-    : Family({"mtm", "service_mtm_to_hbbtv", "service_hbbtv_to_mtm", 1, "method", 0}),
+    : Family("mtm"),
       mTv(setup.tv),
-      mBrowser(setup.loop, setup.tv, setup.settings, setup.sinkOf(Address())) {
+      mBrowser(setup.loop, setup.tv, setup.settings,
+               Sends(setup.makeSink,
+                     {"SetAppConfig", "SetDvbOrigin", "CreateApp", "DestroyApp", "DestroyAllApps", "ShowHideTab",
+                      "SendKey", "GetXmlFile", "LoadURLInTab", "GetRenderProcessId", "Ping"})) {
     AddRows();
     AddCommands();
 }
 
-void MtmFamily::AddNotification(int code, const char* name, void (MtmFamily::*method)(In)) {
-    Row(code, name, [this, method](In in, Out) {
+void MtmFamily::AddNotification(const char* name, void (MtmFamily::*method)(In), const char* mark) {
+    const auto handler = [this, method](In in, Out) {
         mBrowser.FoundThere();
         (this->*method)(in);
         mBrowser.KeepPinging();
-    });
+    };
+    Row(name, handler, mark);
 }
 
 void MtmFamily::AddRows() {
     using F = MtmFamily;
-    AddNotification(0, "OnTabCreated", &F::OnTabCreated);
-    AddNotification(1, "OnTabDestroyed", &F::OnTabDestroyed);
-    AddNotification(2, "OnRenderRequestCloseTab", &F::OnRenderRequestCloseTab);
-    AddNotification(3, "OnAllTabsDestroyed", &F::OnAllTabsDestroyed);
-    AddNotification(4, "OnTabFocus", &F::OnTabFocus);
-    AddNotification(5, "OnTabHide", &F::OnTabHide);
-    AddNotification(6, "OnTabShow/OnLoadingStateChanged", &F::OnTabShowOrLoadingState);
-    AddNotification(8, "OnAddressBarChanged", &F::OnAddressBarChanged);
-    AddNotification(9, "OnLoadProgressChanged", &F::OnLoadProgressChanged);
-    AddNotification(10, "OnTabTitleChanged", &F::OnTabTitleChanged);
-    AddNotification(11, "OnTabURLChanged", &F::OnTabURLChanged);
-    AddNotification(12, "OnTabLoadFinished", &F::OnTabLoadFinished);
-    AddNotification(13, "OnTabLoadFailed", &F::OnTabLoadFailed);
-    AddNotification(14, "OnMemoryWarningDetected", &F::OnMemoryWarningDetected);
-    AddNotification(15, "OnMemoryReduced", &F::OnMemoryReduced);
-    AddNotification(16, "OnBlinkOutOfMemory", &F::OnBlinkOutOfMemory);
-    AddNotification(33, "OnTabDocumentLoadedInFrame", &F::OnTabDocumentLoadedInFrame);
+    AddNotification("OnTabCreated", &F::OnTabCreated);
+    AddNotification("OnTabDestroyed", &F::OnTabDestroyed);
+    AddNotification("OnRenderRequestCloseTab", &F::OnRenderRequestCloseTab);
+    AddNotification("OnAllTabsDestroyed", &F::OnAllTabsDestroyed);
+    AddNotification("OnTabFocus", &F::OnTabFocus);
+    AddNotification("OnTabHide", &F::OnTabHide);
+    AddNotification("OnTabShow", &F::OnTabShow);
+    AddNotification("OnLoadingStateChanged", &F::OnLoadingStateChanged, "is_loading");
+    AddNotification("OnAddressBarChanged", &F::OnAddressBarChanged);
+    AddNotification("OnLoadProgressChanged", &F::OnLoadProgressChanged);
+    AddNotification("OnTabTitleChanged", &F::OnTabTitleChanged);
+    AddNotification("OnTabURLChanged", &F::OnTabURLChanged);
+    AddNotification("OnTabLoadFinished", &F::OnTabLoadFinished);
+    AddNotification("OnTabLoadFailed", &F::OnTabLoadFailed);
+    AddNotification("OnMemoryWarningDetected", &F::OnMemoryWarningDetected);
+    AddNotification("OnMemoryReduced", &F::OnMemoryReduced);
+    AddNotification("OnBlinkOutOfMemory", &F::OnBlinkOutOfMemory);
+    AddNotification("OnTabDocumentLoadedInFrame", &F::OnTabDocumentLoadedInFrame);
 }
 
 void MtmFamily::AddCommands() {
@@ -174,12 +180,8 @@ void MtmFamily::OnBlinkOutOfMemory(In in) {
 
 // --- What is seen of them
 
-// Two notifications have the same code; the one of the loading state is about the browser and names no tab.
-void MtmFamily::OnTabShowOrLoadingState(In in) {
-    if (!in.Has("is_loading")) {
-        Named(in).shown = true;
-        return;
-    }
+// It is about the browser and names no tab.
+void MtmFamily::OnLoadingStateChanged(In in) {
     const bool loading = in.Bool("is_loading");
     const bool canGoBack = in.Bool("can_back");
     mTv.tabs.canGoForward = in.Bool("can_forward");

@@ -2,26 +2,24 @@
 
 namespace hbbtv::sim {
 
-void ObjectEvents::Send(const char* name, int event, Json::Value members) {
+void ObjectEvents::Send(const char* event, Json::Value members) {
     if (!mContext) return;
-    members["type"] = "videobroadcast";
-    members["event"] = event;
     members["context"] = PointerText(*mContext);
-    mSink.Send(name, members);
+    mSink.Send(event, members);
 }
 
 void ObjectEvents::ChannelError(Handle channel, int error) {
     Json::Value members;
     members["channelHandle"] = PointerText(channel);
     members["errorState"] = error;
-    Send("ChannelError", 0, members);
+    Send("TOLM_VB_EVENT_CHANNEL_ERROR", members);
 }
 
 void ObjectEvents::PlayState(int state, int error) {
     Json::Value members;
     members["state"] = state;
     members["error"] = error;
-    Send("PlayState", 1, members);
+    Send("TOLM_VB_EVENT_PLAY_STATE", members);
 }
 
 void ObjectEvents::ChannelChanged(Handle channel, Handle viewerChannel, int quiet) {
@@ -29,25 +27,25 @@ void ObjectEvents::ChannelChanged(Handle channel, Handle viewerChannel, int quie
     members["channelHandle"] = PointerText(channel);
     members["viewerChannelHandle"] = PointerText(viewerChannel);
     members["quiet"] = quiet;
-    Send("ChannelChanged", 2, members);
+    Send("TOLM_VB_EVENT_CHANNEL_CHANGED", members);
 }
 
 void ObjectEvents::FullScreen(bool full) {
     Json::Value members;
     members["isFullScreen"] = full ? 1 : 0;
-    Send("FullScreen", 3, members);
+    Send("TOLM_VB_EVENT_FULL_SCREEN", members);
 }
 
 void ObjectEvents::PlaySpeed(double speed) {
     Json::Value members;
     members["speed"] = speed;
-    Send("PlaySpeed", 6, members);
+    Send("TOLM_VB_EVENT_PLAY_SPEED", members);
 }
 
 void ObjectEvents::PlayPosition(int milliseconds) {
     Json::Value members;
     members["position"] = milliseconds;
-    Send("PlayPosition", 7, members);
+    Send("TOLM_VB_EVENT_PLAY_POSITION", members);
 }
 
 void ObjectEvents::Recording(int state, int error, const std::string& id) {
@@ -55,14 +53,14 @@ void ObjectEvents::Recording(int state, int error, const std::string& id) {
     members["state"] = state;
     members["error"] = error;
     members["recordingId"] = id;
-    Send("Recording", 8, members);
+    Send("TOLM_VB_EVENT_RECORDING", members);
 }
 
 // 11 and 15 both carry a component type, and no published text says which of them is the change of the selection.
 void ObjectEvents::SelectedComponent(int componentType) {
     Json::Value members;
     members["componentType"] = componentType;
-    Send("SelectedComponent", 11, members);
+    Send("TOLM_VB_EVENT_COMPONENT_TYPE_11", members);
 }
 
 // Broadcast content has no id, and no protection of its own.
@@ -72,7 +70,7 @@ void ObjectEvents::ParentalRatingChange(Handle ratings, bool blocked) {
     members["PRCollectionHandle"] = PointerText(ratings);
     members["drmSystemID"] = "";
     members["blocked"] = blocked;
-    Send("ParentalRatingChange", 13, members);
+    Send("TOLM_VB_EVENT_PARENTAL_RATING_BLOCKED", members);
 }
 
 void ObjectEvents::StreamEvent(const std::string& url, const std::string& name, const std::string& data,
@@ -86,7 +84,7 @@ void ObjectEvents::StreamEvent(const std::string& url, const std::string& name, 
         members["text" + std::to_string(i)] = static_cast<unsigned>(static_cast<unsigned char>(text[i]));
     }
     members["status"] = status;
-    Send("StreamEvent", 16, members);
+    Send("TOLM_VB_EVENT_STREAM_EVENT", members);
 }
 
 }  // namespace hbbtv::sim

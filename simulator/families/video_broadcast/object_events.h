@@ -31,7 +31,7 @@ class ObjectEvents {
                      const std::string& status);
 
   private:
-    void Send(const char* name, int event, Json::Value members);
+    void Send(const char* event, Json::Value members);
 
     EventSink& mSink;
     std::optional<uint64_t> mContext;

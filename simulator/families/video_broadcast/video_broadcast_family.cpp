@@ -108,12 +108,15 @@ class VideoBroadcastFamily : public ObjectFamily<Object> {
 };
 
 VideoBroadcastFamily::VideoBroadcastFamily(const FamilySetup& setup)
-    : ObjectFamily({"video_broadcast", "service_plugin_to_hbbtv_vb", "service_hbbtv_to_plugin_vb", 7, "method", 3},
-                   mObjects, "vb_handle", "video/broadcast object"),
+    : ObjectFamily("video_broadcast", mObjects, "video/broadcast object", "vb_handle"),
       mLoop(setup.loop),
       mTv(setup.tv),
       mSettings(setup.settings),
-      mSink(setup.sinkOf(Address())),
+      mSink(Sends(setup.makeSink,
+                  {"TOLM_VB_EVENT_CHANNEL_ERROR", "TOLM_VB_EVENT_PLAY_STATE", "TOLM_VB_EVENT_CHANNEL_CHANGED",
+                   "TOLM_VB_EVENT_FULL_SCREEN", "TOLM_VB_EVENT_PLAY_SPEED", "TOLM_VB_EVENT_PLAY_POSITION",
+                   "TOLM_VB_EVENT_RECORDING", "TOLM_VB_EVENT_COMPONENT_TYPE_11",
+                   "TOLM_VB_EVENT_PARENTAL_RATING_BLOCKED", "TOLM_VB_EVENT_STREAM_EVENT"})),
       mObjects(setup.tv.handleSource),
       mListeners(setup.loop, setup.settings, [this] { return Viewed(); }) {
     AddLifecycle();
@@ -128,95 +131,93 @@ VideoBroadcastFamily::VideoBroadcastFamily(const FamilySetup& setup)
 }
 
 void VideoBroadcastFamily::AddLifecycle() {
-    Row(0, "Create", &VideoBroadcastFamily::Create);
-    Set(1, "Release", [](Object& o, In) { o.Release(); });
-    Row(2, "Destroy", &VideoBroadcastFamily::Destroy);
-    Set(3, "RegisterCallback", [](Object& o, In in) { o.Events().Register(in.Pointer("context")); });
-    Set(4, "UnregisterCallback", [](Object& o, In) { o.Events().Unregister(); });
+    Row("Create", &VideoBroadcastFamily::Create);
+    Set("Release", [](Object& o, In) { o.Release(); });
+    Row("Destroy", &VideoBroadcastFamily::Destroy);
+    Set("RegisterCallback", [](Object& o, In in) { o.Events().Register(in.Pointer("context")); });
+    Set("UnregisterCallback", [](Object& o, In) { o.Events().Unregister(); });
 }
 
 void VideoBroadcastFamily::AddChannels() {
     using F = VideoBroadcastFamily;
-    Get(7, "GetPlayState", "state", [](const Object& o) { return static_cast<int>(o.State()); });
-    Look(8, "BindToCurrentChannel", "channel", mTv.channels, [](Object& o, In) { return o.Bind(); });
-    Row(9, "CreateChannel_1", &F::CreateChannel_1);
-    Row(10, "CreateChannel_2", &F::CreateChannel_2);
-    Set(11, "SetChannel", [this](Object& o, In in) { SetChannel(o, in, 0); });
-    Set(12, "PrevChannel", [](Object& o, In) { o.Step(-1); });
-    Set(13, "NextChannel", [](Object& o, In) { o.Step(1); });
-    Set(17, "Stop", [](Object& o, In) { o.Stop(); });
-    Set(35, "SetChannel_Quiet", [this](Object& o, In in) { SetChannel(o, in, in.Int("quiet")); });
-    Look(38, "GetCurrentChannel", "channel", mTv.channels, [](const Object& o, In) { return o.Current(); });
+    Get("GetPlayState", "state", [](const Object& o) { return static_cast<int>(o.State()); });
+    Look("BindToCurrentChannel", "channel", mTv.channels, [](Object& o, In) { return o.Bind(); });
+    Row("CreateChannel_1", &F::CreateChannel_1);
+    Row("CreateChannel_2", &F::CreateChannel_2);
+    Set("SetChannel", [this](Object& o, In in) { SetChannel(o, in, 0); });
+    Set("PrevChannel", [](Object& o, In) { o.Step(-1); });
+    Set("NextChannel", [](Object& o, In) { o.Step(1); });
+    Set("Stop", [](Object& o, In) { o.Stop(); });
+    Set("SetChannel_Quiet", [this](Object& o, In in) { SetChannel(o, in, in.Int("quiet")); });
+    Look("GetCurrentChannel", "channel", mTv.channels, [](const Object& o, In) { return o.Current(); });
 }
 
 void VideoBroadcastFamily::AddPresentation() {
-    Set(5, "SetWindow",
+    Set("SetWindow",
         [](Object& o, In in) { SetWindow(o, in.Int("rect_x"), in.Int("rect_y"), in.Int("rect_w"), in.Int("rect_h")); });
-    Get(6, "GetFullScreen", "fullscreen", [](const Object& o) { return o.fullScreen; });
-    Set(14, "SetFullScreen", [](Object& o, In in) { SetFullScreen(o, in.Bool("fullscreen")); });
-    Set(15, "SetVolume", [](Object& o, In in) { SetVolume(o, in.UInt("volume")); });
-    Get(16, "GetVolume", "volume", [](const Object& o) { return o.volume; });
-    Row(63, "ChangeDisplaySource", [this](In in, Out) { mTv.displaySource = in.Int("source"); });
+    Get("GetFullScreen", "fullscreen", [](const Object& o) { return o.fullScreen; });
+    Set("SetFullScreen", [](Object& o, In in) { SetFullScreen(o, in.Bool("fullscreen")); });
+    Set("SetVolume", [](Object& o, In in) { SetVolume(o, in.UInt("volume")); });
+    Get("GetVolume", "volume", [](const Object& o) { return o.volume; });
+    Row("ChangeDisplaySource", [this](In in, Out) { mTv.displaySource = in.Int("source"); });
 }
 
 // Play speed, time shift and recording.
 void VideoBroadcastFamily::AddTime() {
-    Get(18, "GetPlaybackOffset", "offset", [](const Object& o) { return o.Shift().Offset(); });
-    Get(19, "GetMaxOffset", "offset", [](const Object& o) { return o.Shift().MaxOffset(); });
-    Get(20, "GetRecordingState", "state", [](const Object& o) { return o.RecordingState(); });
-    Get(21, "GetPlayPosition", "position", [](const Object& o) { return o.Shift().Position(); });
-    Get(22, "GetPlaySpeed", "speed", [](const Object& o) { return o.Speed(); });
-    Get(23, "GetPlaySpeedNum", "num", [](const Object&) { return static_cast<unsigned>(TimeShift::Speeds().size()); });
-    Get(24, "GetPlaySpeedByIndex", "speed",
-        [](const Object&, In in) { return At(TimeShift::Speeds(), in.UInt("index")); });
-    Set(25, "SetTimeShiftMode", [](Object& o, In in) {
+    Get("GetPlaybackOffset", "offset", [](const Object& o) { return o.Shift().Offset(); });
+    Get("GetMaxOffset", "offset", [](const Object& o) { return o.Shift().MaxOffset(); });
+    Get("GetRecordingState", "state", [](const Object& o) { return o.RecordingState(); });
+    Get("GetPlayPosition", "position", [](const Object& o) { return o.Shift().Position(); });
+    Get("GetPlaySpeed", "speed", [](const Object& o) { return o.Speed(); });
+    Get("GetPlaySpeedNum", "num", [](const Object&) { return static_cast<unsigned>(TimeShift::Speeds().size()); });
+    Get("GetPlaySpeedByIndex", "speed", [](const Object&, In in) { return At(TimeShift::Speeds(), in.UInt("index")); });
+    Set("SetTimeShiftMode", [](Object& o, In in) {
         o.Shift().mode = Choice(in.Int("mode"), TimeShiftMode::LocalThenNetwork, "time-shift mode");
     });
-    Get(26, "GetTimeShiftMode", "mode", [](const Object& o) { return static_cast<int>(o.Shift().mode); });
-    Get(27, "GetCurrentTimeShiftMode", "mode",
-        [](const Object& o) { return static_cast<int>(o.Shift().CurrentMode()); });
-    Set(28, "StopRecording", [](Object& o, In) { StopRecording(o); });
-    Set(29, "Pause", [](Object& o, In) { o.SetSpeed(0.0); });
-    Set(30, "Resume", [](Object& o, In) { o.Resume(); });
-    Set(31, "SetSpeed", [](Object& o, In in) { o.SetSpeed(in.Real("speed")); });
-    Set(32, "Seek", [](Object& o, In in) {
+    Get("GetTimeShiftMode", "mode", [](const Object& o) { return static_cast<int>(o.Shift().mode); });
+    Get("GetCurrentTimeShiftMode", "mode", [](const Object& o) { return static_cast<int>(o.Shift().CurrentMode()); });
+    Set("StopRecording", [](Object& o, In) { StopRecording(o); });
+    Set("Pause", [](Object& o, In) { o.SetSpeed(0.0); });
+    Set("Resume", [](Object& o, In) { o.Resume(); });
+    Set("SetSpeed", [](Object& o, In in) { o.SetSpeed(in.Real("speed")); });
+    Set("Seek", [](Object& o, In in) {
         o.Seek(in.Int("offset"), Choice(in.Int("reference"), SeekReference::End, "reference"));
     });
-    Set(33, "StopTimeShift", [](Object& o, In) { o.StopTimeShift(); });
+    Set("StopTimeShift", [](Object& o, In) { o.StopTimeShift(); });
 }
 
 void VideoBroadcastFamily::AddProgrammes() {
-    Get(36, "GetProgrammeNum", "num", [this](const Object& o) { return static_cast<unsigned>(Programmes(&o).size()); });
-    Look(37, "GetProgrammeByIndex", "programme", mTv.programmes,
+    Get("GetProgrammeNum", "num", [this](const Object& o) { return static_cast<unsigned>(Programmes(&o).size()); });
+    Look("GetProgrammeByIndex", "programme", mTv.programmes,
          [this](const Object& o, In in) { return At(Programmes(&o), in.UInt("index")); });
-    Row(50, "CreateProgrammeList", &VideoBroadcastFamily::CreateProgrammeList);
+    Row("CreateProgrammeList", &VideoBroadcastFamily::CreateProgrammeList);
 }
 
 // Operation 42 comes without a type, so its index counts the active components of all types.
 void VideoBroadcastFamily::AddComponents() {
     using F = VideoBroadcastFamily;
-    Get(39, "GetAVComponentNumByType", "num",
+    Get("GetAVComponentNumByType", "num",
         [](const Object& o, In in) { return static_cast<unsigned>(o.Components().All(TypeIn(in)).size()); });
-    Look(40, "GetSpecificTypeAVComponentByIndex", "component", mTv.components,
+    Look("GetSpecificTypeAVComponentByIndex", "component", mTv.components,
          [](const Object& o, In in) { return At(o.Components().All(TypeIn(in)), in.UInt("index")); });
-    Get(41, "GetCurrentActiveAVComponentNumByType", "num",
+    Get("GetCurrentActiveAVComponentNumByType", "num",
         [](const Object& o, In in) { return static_cast<unsigned>(o.Components().Active(TypeIn(in)).size()); });
-    Look(42, "GetSpecificTypeCurrentActiveAVComponentByIndex", "component", mTv.components,
+    Look("GetSpecificTypeCurrentActiveAVComponentByIndex", "component", mTv.components,
          [](const Object& o, In in) { return At(o.Components().Active(), in.UInt("index")); });
-    Set(43, "SelectComponent", [this](Object& o, In in) { SelectComponent(o, in); });
-    Set(44, "UnselectComponent", [this](Object& o, In in) { UnselectComponent(o, in); });
-    Set(45, "SelectComponentByType", [](Object& o, In in) { SelectByType(o, TypeIn(in)); });
-    Set(46, "UnselectComponentByType", [](Object& o, In in) { UnselectByType(o, TypeIn(in)); });
-    Row(47, "CreateAudioComponent", &F::CreateAudioComponent);
-    Row(48, "CreateVideoComponent", &F::CreateVideoComponent);
-    Row(49, "CreateAVComponentList", &F::CreateAVComponentList);
+    Set("SelectComponent", [this](Object& o, In in) { SelectComponent(o, in); });
+    Set("UnselectComponent", [this](Object& o, In in) { UnselectComponent(o, in); });
+    Set("SelectComponentByType", [](Object& o, In in) { SelectByType(o, TypeIn(in)); });
+    Set("UnselectComponentByType", [](Object& o, In in) { UnselectByType(o, TypeIn(in)); });
+    Row("CreateAudioComponent", &F::CreateAudioComponent);
+    Row("CreateVideoComponent", &F::CreateVideoComponent);
+    Row("CreateAVComponentList", &F::CreateAVComponentList);
 }
 
 void VideoBroadcastFamily::AddStreamEvents() {
-    Row(64, "AddStreamEventListener", [this](In in, Out) {
+    Row("AddStreamEventListener", [this](In in, Out) {
         mListeners.Add(in.ShortText("strurl"), in.ShortText("dvburl"), in.ShortText("event_name"));
     });
-    Row(65, "RemoveStreamEventListener",
+    Row("RemoveStreamEventListener",
         [this](In in, Out) { mListeners.Remove(in.Text("strurl"), in.Text("dvburl"), in.Text("event_name")); });
 }
 
