@@ -1,5 +1,4 @@
-// How a command of hbbtvctl ends when it does not end well: an exit code that scripts can rely on, and a text that says
-// what was tried, where, and what to do.
+// Errors of tools: a message that says what failed, on what, why and what to do, and an exit code for scripts.
 #pragma once
 
 #include <stdexcept>
@@ -9,12 +8,12 @@ namespace hbbtv {
 
 enum ExitCode {
     kDone = 0,
-    kStatusNotZero = 1,  // the platform answered, and its status is not 0
-    kUsage = 2,          // the command line makes no sense
-    kNobodyThere = 3,    // no service, no socket, nobody behind it
-    kTimeout = 4,        // no answer in time
-    kNotUnderstood = 5,  // an answer that makes no sense
-    kPeerLost = 6,       // the other side went away during the call
+    kStatusNotZero = 1,  // the platform returned a status other than 0
+    kUsage = 2,          // invalid command line
+    kUnavailable = 3,    // no service, no socket, no process that serves it, or no client
+    kTimeout = 4,        // no reply in time
+    kInvalidReply = 5,
+    kPeerLost = 6,       // the connection was lost, or the service ended, during the call
     kUnexpected = 7,     // a line of a play did not hold
     kInterrupted = 130,  // Ctrl-C or SIGTERM, where it is not the expected end
 };

@@ -1,4 +1,3 @@
-// Writing and reading of framed messages: see frame.h.
 #include "common/frame.h"
 
 #include <cstring>

@@ -1,5 +1,5 @@
-// The messages on the sockets: a 12-byte header in the host's byte order, {size, type, port}, and `size` bytes behind
-// it. The reader takes bytes as they come and never sets memory aside for bytes that are only announced.
+// Messages on the sockets: a header of 12 bytes, {size, type, port} in host byte order, and a payload of `size` bytes.
+// The reader takes bytes as they arrive, and allocates no memory for bytes that are only announced.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ constexpr int32_t kOneWay = 1;
 constexpr int32_t kRequest = 2;
 constexpr int32_t kReply = 3;
 
-// No message of the interface comes near; a header that announces more is taken for damage.
+// No real message is nearly as large, so a header that announces more is damaged.
 constexpr uint32_t kLargestPayload = 4u << 20;
 
 struct Frame {
@@ -27,18 +27,18 @@ class FrameReader {
   public:
     void Take(const char* bytes, size_t count) { mBytes.append(bytes, count); }
 
-    // The next whole message, if there is one.
+    // Returns the next complete message, if there is one.
     std::optional<Frame> Next();
 
-    // The size that the header in front announces, when it is above kLargestPayload. Nothing behind it can be read.
+    // Returns the size that the next header announces if it is above kLargestPayload. Nothing after it can be read.
     std::optional<uint32_t> Oversized() const;
 
-    // Whether the bytes end in the middle of a message.
+    // Returns whether the bytes end in the middle of a message.
     bool InMessage() const { return mUsed < mBytes.size(); }
 
   private:
     std::string mBytes;
-    size_t mUsed = 0;  // bytes at the front that were handed out; dropped when the rest is not a whole message
+    size_t mUsed = 0;  // bytes that were returned; erased when the rest is not a complete message
 };
 
 }  // namespace hbbtv

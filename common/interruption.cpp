@@ -15,7 +15,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-int gSignals = -1;  // of the Interruption that there is
+int gSignals = -1;  // of the one Interruption
 
 int Checked(int fd) {
     if (fd < 0) throw std::system_error(errno, std::generic_category(), "waiting for signals");
@@ -31,14 +31,14 @@ int OpenSignals() {
     return Checked(signalfd(-1, &signals, SFD_CLOEXEC));
 }
 
-// The next signal ends the next wait, not this one's again.
+// Consumes the signal, so that it does not end the next wait as well.
 void TakeSignal() {
     signalfd_siginfo signal;
     while (read(gSignals, &signal, sizeof(signal)) < 0 && errno == EINTR) {
     }
 }
 
-// poll() with a deadline; whether anything is ready.
+// Calls poll() with a deadline. Returns whether anything is ready.
 bool Poll(pollfd* entries, nfds_t count, std::optional<Milliseconds> limit) {
     const auto deadline = Clock::now() + limit.value_or(Milliseconds(0));
     while (true) {
@@ -66,7 +66,7 @@ void Interruption::Wake() {
 }
 
 Interruption::Cause Interruption::Wait(std::optional<Milliseconds> limit) {
-    // Without events asked for, the output's entry tells only that its reader has gone.
+    // With no events requested, the entry of the output only reports that its reader has gone.
     pollfd entries[] = {{mWake, POLLIN, 0}, {gSignals, POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
     if (!Poll(entries, 3, limit)) return Cause::Deadline;
     if (entries[0].revents != 0) return Cause::Woken;

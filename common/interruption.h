@@ -1,4 +1,4 @@
-// Waiting that Ctrl-C, SIGTERM, a deadline, a reader of the output that has gone, or another thread ends.
+// Waits that end on Ctrl-C, SIGTERM, a deadline, a call of another thread, or when the reader of the output has gone.
 #pragma once
 
 #include <optional>
@@ -7,10 +7,11 @@
 
 namespace hbbtv {
 
-// Thrown out of a wait by Ctrl-C or SIGTERM, to where the command undoes what it has begun.
+// Thrown by a wait on Ctrl-C or SIGTERM, so that the command can undo what it has begun.
 struct Interrupted {};
 
-// To be made before any other thread: SIGINT and SIGTERM are blocked from then on and read here. One at a time.
+// Blocks SIGINT and SIGTERM and reads them instead, so it must be created before any other thread. At most one may
+// exist.
 class Interruption {
   public:
     enum class Cause { Signal, Deadline, Woken, NoReader };
@@ -20,18 +21,18 @@ class Interruption {
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
 
-    // From any thread: ends Wait(), now or later.
+    // Ends the current or the next Wait(). Thread-safe.
     void Wake();
 
-    // Without a limit: for ever. NoReader: standard output is a pipe whose other end is closed.
+    // Waits forever without a limit. NoReader: standard output is a pipe whose reader has closed its end.
     Cause Wait(std::optional<Milliseconds> limit);
 
   private:
     int mWake;
 };
 
-// Waits until the descriptor can be read; false when it cannot in time. While there is an Interruption, a signal ends
-// the wait by Interrupted.
+// Waits until the descriptor is readable. Returns false at the limit. Throws Interrupted on a signal if an Interruption
+// exists.
 bool WaitUntilReadable(int fd, Milliseconds limit);
 
 }  // namespace hbbtv

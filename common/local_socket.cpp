@@ -1,4 +1,3 @@
-// Unix-domain socket system calls: see local_socket.h.
 #include "common/local_socket.h"
 
 #include <sys/socket.h>
@@ -17,7 +16,7 @@ constexpr int kBacklog = 100;
 
 using Call = int (*)(int, const sockaddr*, socklen_t);
 
-// A new socket on which the call (connect or bind) went well, or -1 and errno.
+// Returns a new socket after a successful `call` (connect or bind), or -1 and errno.
 int NewSocket(const std::string& path, Call call) {
     sockaddr_un address{};
     if (path.size() > kLongestSocketPath) {

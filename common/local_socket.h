@@ -1,4 +1,4 @@
-// The system calls behind both ends of a Unix-domain stream socket, and a descriptor that closes itself.
+// Unix-domain stream sockets, and an owner of a file descriptor.
 #pragma once
 
 #include <string>
@@ -19,13 +19,13 @@ class Descriptor {
     int mFd;
 };
 
-// Longest path that fits into a socket's address.
+// The longest path that fits into a socket address.
 constexpr size_t kLongestSocketPath = 107;
 
-// A new non-blocking socket connected to the path, or -1 and errno. EAGAIN: somebody listens, but too many wait there.
+// Returns a new non-blocking socket connected to the path, or -1 and errno. EAGAIN: the listener's backlog is full.
 int ConnectTo(const std::string& path);
 
-// A new non-blocking socket bound to the path and listening there with mode 0777, or -1 and errno.
+// Returns a new non-blocking socket that listens on the path, with mode 0777, or -1 and errno.
 int ListenOn(const std::string& path);
 
 }  // namespace hbbtv

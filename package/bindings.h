@@ -1,7 +1,7 @@
-// Calling the package's methods with values in JSON. The files that hidl-gen's output is turned into instantiate what
-// is here, one row for each method; arguments and results are arrays in the order of the .hal file.
+// Calls of the package's methods with JSON values. Generated files instantiate these templates, one row per method.
+// Arguments and results are arrays in the order of the .hal file.
 //
-// Values are checked against the package's description before they come here.
+// Callers check values against the package's description first.
 #pragma once
 
 #include <android/hidl/base/1.0/IBase.h>
@@ -24,12 +24,12 @@ using android::hardware::hidl_string;
 using android::hardware::hidl_vec;
 using android::hardware::Return;
 
-// Where the events of callback objects go, as long as the process lives. One is enough for a process.
+// Receives the calls of callback objects. Must exist until the process ends, since callbacks may arrive until then.
 class EventSink {
   public:
     virtual ~EventSink() = default;
 
-    // On any thread. The results that the method needs, as an array; ignored when it has none.
+    // Called on any thread. Returns the results of the method as an array; ignored if it has none.
     virtual Json::Value Take(const char* interface, const char* method, Json::Value arguments) = 0;
 };
 
@@ -56,11 +56,11 @@ struct MethodBinding {
 
 struct InterfaceBinding {
     const char* descriptor;
-    android::sp<android::hidl::base::V1_0::IBase> (*find)();  // null when nobody has registered it
+    android::sp<android::hidl::base::V1_0::IBase> (*find)();  // returns null if it is not registered
     std::vector<MethodBinding> methods;
 };
 
-// By the name of the interface: those that a service implements.
+// Returns the interfaces that a service implements, by name.
 const std::map<std::string, const InterfaceBinding*>& AllBindings();
 
 template <typename I>
@@ -214,7 +214,7 @@ struct FirstOf<Tuple, std::index_sequence<N...>> {
     using Type = std::tuple<std::tuple_element_t<N, Tuple>...>;
 };
 
-// What stands last, or nothing.
+// The last type, or void.
 template <typename... A>
 struct LastOf {
     using Type = void;

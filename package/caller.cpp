@@ -17,13 +17,13 @@ namespace hbbtv {
 
 namespace {
 
-// What a transaction carries; numbers and lengths of an ordinary call are small beside its texts.
+// Limit of a transaction. Numbers and lengths of a call are small compared to its strings.
 constexpr size_t kMostBytes = 1024 * 1024 - 8 * 1024;
 
-size_t BytesOfTexts(const Json::Value& value) {
+size_t BytesOfStrings(const Json::Value& value) {
     if (value.isString()) return value.asString().size();
     size_t bytes = 0;
-    for (const Json::Value& element : value) bytes += BytesOfTexts(element);
+    for (const Json::Value& element : value) bytes += BytesOfStrings(element);
     return bytes;
 }
 
@@ -34,7 +34,7 @@ Invoker InvokerOf(const Interface& interface, const Method& method) {
     throw std::logic_error(method.name);
 }
 
-// Set once by one thread, waited for by another.
+// A flag that one thread sets, once, and another waits for.
 class Done {
   public:
     Done() : mFd(eventfd(0, EFD_CLOEXEC)) {}
@@ -50,7 +50,7 @@ class Done {
 
   private:
     const int mFd;
-    std::atomic<bool> mSet{false};  // orders what the one has written before what the other reads
+    std::atomic<bool> mSet{false};  // orders the writes of one thread before the reads of the other
 };
 
 }  // namespace
@@ -62,9 +62,9 @@ void InTime(Milliseconds limit, const std::string& what, const std::function<voi
         done->Set();
     }).detach();
     if (done->Wait(limit)) return;
-    throw Failure(kTimeout, what + ": no answer within " + FormatDuration(limit) +
-                                "; the service hangs (`hbbtvctl doctor` looks at it), or the platform behind it "
-                                "(`hbbtvctl send` asks it directly)");
+    throw Failure(kTimeout, what + ": no reply within " + FormatDuration(limit) +
+                                "; the service hangs (see `hbbtvctl doctor`), or the platform does "
+                                "(try `hbbtvctl send`)");
 }
 
 std::string HostDirectory() {
@@ -86,12 +86,12 @@ bool Listens(const Json::Value& arguments) {
 ServiceCaller::ServiceCaller(const Interface& interface, Milliseconds limit) : mInterface(interface), mLimit(limit) {
     const auto found = std::make_shared<android::sp<android::hidl::base::V1_0::IBase>>();
     const auto find = AllBindings().at(interface.name)->find;
-    InTime(limit, "asking for " + interface.name, [found, find] { *found = find(); });
+    InTime(limit, "looking up " + interface.name, [found, find] { *found = find(); });
     mService = *found;
     if (mService == nullptr) {
-        throw Failure(kNobodyThere, "no process has registered " + Package::Get().name + "::" + interface.name +
+        throw Failure(kUnavailable, "no process has registered " + Package::Get().name + "::" + interface.name +
                                         " in " + HostDirectory() +
-                                        "; start the service with the same TMPDIR, or ask `hbbtvctl doctor`");
+                                        "; start the service with the same TMPDIR, or run `hbbtvctl doctor`");
     }
 }
 
@@ -101,13 +101,13 @@ CallOutcome ServiceCaller::CallNow(const Method& method, const Json::Value& argu
 
 Json::Value ServiceCaller::Call(const Method& method, const Json::Value& arguments, EventSink& sink) {
     const std::string what = mInterface.name + "." + method.name;
-    if (const size_t bytes = BytesOfTexts(arguments); bytes > kMostBytes) {
-        throw Failure(kUsage, what + ": the arguments have " + std::to_string(bytes) + " bytes; a call carries " +
-                                  std::to_string(kMostBytes) + " at most");
+    if (const size_t bytes = BytesOfStrings(arguments); bytes > kMostBytes) {
+        throw Failure(kUsage, what + ": the arguments take " + std::to_string(bytes) +
+                                  " bytes; the limit of a call is " + std::to_string(kMostBytes));
     }
     const auto outcome = std::make_shared<CallOutcome>();
     const Invoker invoker = InvokerOf(mInterface, method);
-    // Nothing of the caller's is referred to: the thread may outlive this call.
+    // Captures copies only: the thread may outlive this call.
     InTime(mLimit, what,
            [service = mService, invoker, arguments, &sink, outcome] { *outcome = invoker(*service, arguments, sink); });
     CheckAnswered(method, *outcome);
@@ -118,9 +118,9 @@ void ServiceCaller::CheckAnswered(const Method& method, const CallOutcome& outco
     if (outcome.answered) return;
     const std::string what = mInterface.name + "." + method.name;
     if (outcome.peerLost)
-        throw Failure(kPeerLost, what + ": the service went away during the call; look at its log, and start it again");
-    throw Failure(kNotUnderstood, what + ": the call failed: " + outcome.error +
-                                      "; are service and hbbtvctl built from the same package?");
+        throw Failure(kPeerLost, what + ": the service ended during the call; check its log, and restart it");
+    throw Failure(kInvalidReply, what + ": the call failed: " + outcome.error +
+                                     "; were service and hbbtvctl built from the same package?");
 }
 
 }  // namespace hbbtv

@@ -1,4 +1,4 @@
-// Calls of the service, with an end to every wait.
+// Calls of the service. Every wait has a time limit.
 #pragma once
 
 #include <json/value.h>
@@ -12,31 +12,32 @@
 
 namespace hbbtv {
 
-// Runs `work` on a thread of its own and waits for it. Throws Failure(kTimeout) with `what` when it takes too long, and
-// Interrupted: the thread is left to itself then, and the process has to end by std::_Exit.
+// Runs `work` on another thread and waits for it. Throws Failure(kTimeout), with a message that begins with `what`, if
+// it takes longer than the limit, or Interrupted. The thread then keeps running, and the process must end with
+// std::_Exit().
 void InTime(Milliseconds limit, const std::string& what, const std::function<void()>& work);
 
-// Where processes that register interfaces put their names. TMPDIR has to be set.
+// Returns the directory where processes register interfaces. TMPDIR must be set.
 std::string HostDirectory();
 
-// What a call came to: 0 for a method without a status.
+// Returns the status among the results, or 0 if the method has none.
 int StatusOf(const Method& method, const Json::Value& results);
 
-// Whether one of the arguments is "@listen".
+// Returns whether one of the arguments is "@listen".
 bool Listens(const Json::Value& arguments);
 
 class ServiceCaller {
   public:
-    // Throws Failure(kNobodyThere) when no process has registered the interface.
+    // Throws Failure(kUnavailable) if no process has registered the interface.
     ServiceCaller(const Interface& interface, Milliseconds limit);
 
-    // The results in the order of the .hal file. Throws Failure.
+    // Returns the results in the order of the .hal file. Throws Failure.
     Json::Value Call(const Method& method, const Json::Value& arguments, EventSink& sink);
 
-    // The same without a limit, and without exceptions.
+    // Calls without a time limit. Does not throw.
     CallOutcome CallNow(const Method& method, const Json::Value& arguments, EventSink& sink) const;
 
-    // Throws Failure(kPeerLost) or Failure(kNotUnderstood) when the call was not answered.
+    // Throws Failure(kPeerLost) or Failure(kInvalidReply) if the call failed.
     void CheckAnswered(const Method& method, const CallOutcome& outcome) const;
 
     const std::string& Name() const { return mInterface.name; }

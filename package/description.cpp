@@ -30,7 +30,7 @@ Package::Package(const Json::Value& description) : name(description["package"].a
         }
         return parameters;
     };
-    // In the order of the .hal file, where a struct stands behind the types that it holds.
+    // In the order of the .hal file, where the types of its fields precede a struct.
     for (const Json::Value& entry : description["types"]) {
         auto type = std::make_shared<Type>();
         type->name = entry["name"].asString();
@@ -62,14 +62,15 @@ const Interface& Package::FindInterface(const std::string& wanted) const {
         if (IsInterfaceOf(interface.name, wanted) || interface.name == wanted) return interface;
         known.insert(interface.name);
     }
-    throw Failure(kUsage, "there is no interface \"" + wanted + "\"" + DidYouMean(wanted, known, kShortList) +
-                              " (`hbbtvctl list` shows all)");
+    throw Failure(kUsage, "unknown interface \"" + wanted + "\"" + DidYouMean(wanted, known, kShortList) +
+                              " (see `hbbtvctl list`)");
 }
 
 Package::QualifiedMethod Package::FindMethod(const std::string& wanted) const {
     const size_t dot = wanted.find('.');
     if (dot == std::string::npos) {
-        throw Failure(kUsage, "\"" + wanted + "\" is no method: write INTERFACE.METHOD, as in IChannel.GetOnid");
+        throw Failure(kUsage,
+                      "\"" + wanted + "\" is not a method: write INTERFACE.METHOD, for example IChannel.GetOnid");
     }
     const Interface& interface = FindInterface(wanted.substr(0, dot));
     const std::string methodName = wanted.substr(dot + 1);
@@ -77,8 +78,8 @@ Package::QualifiedMethod Package::FindMethod(const std::string& wanted) const {
     std::set<std::string> known;
     for (const Method& method : interface.methods) known.insert(method.name);
     throw Failure(kUsage, interface.name + " has no method \"" + methodName + "\"" +
-                              DidYouMean(methodName, known, kShortList) + " (`hbbtvctl describe " + interface.name +
-                              "` shows all)");
+                              DidYouMean(methodName, known, kShortList) + " (see `hbbtvctl describe " + interface.name +
+                              "`)");
 }
 
 const WireFamily* Package::FamilyOf(const Interface& interface) const {

@@ -1,4 +1,4 @@
-// The HIDL package as data: what the .hal files say, built into the program.
+// The HIDL package as data: the content of the .hal files, compiled into the program.
 #pragma once
 
 #include <json/value.h>
@@ -30,15 +30,15 @@ struct Interface {
 
 class Package {
   public:
-    // Returns the one that is built in.
+    // Returns the package that was compiled in.
     static const Package& Get();
 
     std::string name;  // "vantorel.hardware.hbbtv@1.0"
     std::vector<Interface> interfaces;
     std::vector<std::shared_ptr<const Type>> types;  // structs and enumerations
 
-    // These throw Failure(kUsage) with the nearest name that exists. Names of interfaces may lack the "I" in front and
-    // be written in any letter case.
+    // The following two throw Failure(kUsage) for an unknown name. The "I" of an interface can be omitted; case and
+    // underscores are ignored.
     const Interface& FindInterface(const std::string& name) const;
 
     // "IChannel.GetOnid".
@@ -48,7 +48,7 @@ class Package {
     };
     QualifiedMethod FindMethod(const std::string& name) const;
 
-    // Returns the family that an interface's methods go to, or null; and the interface of a family, or null.
+    // Return the family of an interface, and the interface of a family, or null.
     const WireFamily* FamilyOf(const Interface& interface) const;
     const Interface* InterfaceOf(const WireFamily& family) const;
 

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Writes what tools and tests know of the HIDL package: its description as data, and the C++ that calls it.
+"""Generates the description of the HIDL package as data, and the C++ bindings that call it.
 
     generate.py --vts DIR --headers DIR --out DIR
 
-The .vts files of hidl-gen give names and types, its headers the documentation and the exact signatures. The output is
-description.cpp (one JSON string) and a bindings_<Interface>.cpp for each interface.
+Names and types come from the .vts files of hidl-gen, documentation and exact signatures from its headers. The output
+is description.cpp (one JSON string), struct_conversions.{h,cpp}, and a bindings_<Interface>.cpp per interface.
 """
 
 import argparse
@@ -16,7 +16,7 @@ TOKEN = re.compile(r'\s*(?:([A-Za-z_]\w*)\s*(?::\s*(\{)|:\s*("(?:[^"\\]|\\.)*"|[
 
 
 def parse_vts(text):
-    """The text form of a protocol buffer: each name with the list of its values."""
+    """Parses the text format of a protocol buffer. Returns each name with the list of its values."""
     stack = [{}]
     position = 0
     while match := TOKEN.match(text, position):
@@ -31,7 +31,7 @@ def parse_vts(text):
         else:
             stack[-1].setdefault(name, []).append(value.strip('"'))
     if text[position:].strip() or len(stack) != 1:
-        raise ValueError("not understood: " + text[position:position + 60])
+        raise ValueError("cannot parse: " + text[position:position + 60])
     return stack[0]
 
 
@@ -50,7 +50,7 @@ def type_of(variable):
         return "vec<" + type_of(variable["vector_value"][0]) + ">"
     if kind in ("TYPE_ENUM", "TYPE_STRUCT", "TYPE_HIDL_CALLBACK", "TYPE_HIDL_INTERFACE"):
         return short(variable["predefined_type"][0])
-    raise ValueError("a type that hbbtvctl does not know: " + kind)
+    raise ValueError("unsupported type: " + kind)
 
 
 def parameters(variables):
@@ -104,7 +104,7 @@ def describe_interface(vts, header):
 
 
 def signature(header, method):
-    """The declaration in the header, as a class that overrides it writes it."""
+    """Returns the declaration in the header, without `virtual`."""
     found = re.search(r"virtual ([^;]*? " + method + r"\([^;]*\)) = 0;", header)
     return found.group(1)
 
@@ -114,7 +114,7 @@ def argument_names(interface_method):
 
 
 def listener(interface, header):
-    """A client's callback object that hands everything to a sink."""
+    """Returns the class of a callback object that passes every call to a sink."""
     name = interface["name"]
     lines = [f"class {name}Listener : public {name} {{", "  public:",
              f"    explicit {name}Listener(EventSink& sink) : mSink(sink) {{}}", ""]
@@ -225,7 +225,7 @@ def main():
     description = {"package": f"{package}@{version}", "interfaces": interfaces,
                    "types": [{"name": name, **t} for name, t in types.items()]}
     text = json.dumps(description, ensure_ascii=False, separators=(",", ":"))
-    # Compilers limit the length of one literal, so the text is a list of short ones.
+    # Compilers limit the length of a literal, so split the text.
     pieces = [text[i:i + 8000] for i in range(0, len(text), 8000)]
     write(options.out / "description.cpp",
           ['#include "package/description.h"', "", "namespace hbbtv {", "const char* const kDescription ="]

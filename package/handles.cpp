@@ -18,7 +18,7 @@ void Collect(const Json::Value& members, std::set<std::string>& names) {
     }
 }
 
-// Under the names of the wire: "channel", and "channelHandle" for what a client calls "channel".
+// Returns their names on the wire: "channel", and "channelHandle" for what a .hal file calls "channel".
 std::set<std::string> HandlesOnTheWire() {
     std::set<std::string> names;
     for (const WireFamily& family : WireFamilies()) {
@@ -28,7 +28,7 @@ std::set<std::string> HandlesOnTheWire() {
         }
         for (const Json::Value& event : family.protocol["events"]) Collect(event["members"], names);
     }
-    // A caller's own mark.
+    // Chosen by the caller, and passed like a handle.
     names.insert("context");
     return names;
 }

@@ -1,11 +1,11 @@
-// Which whole numbers are handles of platform objects: on the wire those are texts, so protocol/ knows.
+// Tells handles of platform objects from other integers. On the wire handles are strings, so protocol/ names them.
 #pragma once
 
 #include "package/description.h"
 
 namespace hbbtv {
 
-// Of an argument or a result of a method.
+// Returns whether an argument or a result of a method is a handle.
 bool IsHandle(const Parameter& parameter);
 
 }  // namespace hbbtv

@@ -21,17 +21,17 @@ constexpr int kConnectAttempts = 100;
 std::string WhyNot(const std::string& path, int error) {
     switch (LookAt(path).state) {
         case Finding::State::Missing:
-            return path + ": there is no such socket; is the other side running, with this directory?";
+            return "no such socket; is the other side running with the same directory?";
         case Finding::State::Stale:
-            return path + ": nobody serves this socket any more (a stale file); start the other side again";
+            return "no process serves this socket (stale file); restart the other side";
         case Finding::State::Forbidden:
-            return path + ": the rights of the socket or its directory forbid it; its owner should make the socket 777";
+            return "permission denied; the mode of the socket should be 777, and its directory searchable";
         case Finding::State::NoSocket:
-            return path + ": is no socket; remove or rename it, and start the other side again";
+            return "not a socket; remove or rename the file, and restart the other side";
         default:
-            if (path.size() <= kLongestSocketPath) return path + ": " + std::strerror(error);
-            return path + ": the path is longer than the " + std::to_string(kLongestSocketPath) +
-                   " bytes that a socket's address holds; use a shorter directory";
+            if (path.size() <= kLongestSocketPath) return std::strerror(error);
+            return "the path is longer than " + std::to_string(kLongestSocketPath) +
+                   " bytes, the limit of socket addresses; use a shorter directory";
     }
 }
 
@@ -39,10 +39,10 @@ int Connect(const std::string& path) {
     for (int i = 0; i < kConnectAttempts; ++i) {
         const int fd = ConnectTo(path);
         if (fd >= 0) return fd;
-        if (errno != EAGAIN) throw Failure(kNobodyThere, WhyNot(path, errno));
+        if (errno != EAGAIN) throw Failure(kUnavailable, "cannot connect to " + path + ": " + WhyNot(path, errno));
         poll(nullptr, 0, static_cast<int>(kConnectAgain.count()));
     }
-    throw Failure(kTimeout, path + ": the other side accepts no connection; it hangs, start it again");
+    throw Failure(kTimeout, "cannot connect to " + path + ": the other side does not accept connections; restart it");
 }
 
 }  // namespace
@@ -64,12 +64,12 @@ void WireConnection::Send(const std::string& bytes, Milliseconds limit) {
     for (size_t sent = 0; sent < bytes.size();) {
         if (!Wait(POLLOUT, deadline)) {
             throw Failure(kTimeout,
-                          mPath + ": the other side did not take the message within " + FormatDuration(limit));
+                          mPath + ": the other side did not read the message within " + FormatDuration(limit));
         }
         const ssize_t count = send(mSocket.Get(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
         if (count > 0) sent += static_cast<size_t>(count);
         if (count < 0 && errno != EAGAIN && errno != EINTR) {
-            throw Failure(kPeerLost, mPath + ": the other side went away: " + std::strerror(errno));
+            throw Failure(kPeerLost, mPath + ": connection lost: " + std::strerror(errno));
         }
     }
 }
@@ -79,21 +79,20 @@ Frame WireConnection::Receive(Milliseconds limit) {
     while (true) {
         if (const auto frame = mReader.Next()) return *frame;
         if (const auto size = mReader.Oversized()) {
-            throw Failure(kNotUnderstood, mPath + ": the answer announces " + std::to_string(*size) +
-                                              " bytes, more than any message has");
+            throw Failure(kInvalidReply, mPath + ": the header of the reply announces " + std::to_string(*size) +
+                                             " bytes, more than any message has");
         }
         if (!Wait(POLLIN, deadline)) {
-            throw Failure(kTimeout, mPath + ": no answer within " + FormatDuration(limit) +
-                                        "; the other side hangs: look at its log, or start it again");
+            throw Failure(kTimeout, mPath + ": no reply within " + FormatDuration(limit) +
+                                        "; the other side hangs: check its log, or restart it");
         }
         char bytes[65536];
         const ssize_t count = recv(mSocket.Get(), bytes, sizeof(bytes), 0);
         if (count > 0) mReader.Take(bytes, static_cast<size_t>(count));
         if (count == 0)
-            throw Failure(kPeerLost,
-                          mPath + ": the other side closed the connection without an answer; look at its log");
+            throw Failure(kPeerLost, mPath + ": the other side closed the connection without a reply; check its log");
         if (count < 0 && errno != EAGAIN && errno != EINTR) {
-            throw Failure(kPeerLost, mPath + ": the other side went away: " + std::strerror(errno));
+            throw Failure(kPeerLost, mPath + ": connection lost: " + std::strerror(errno));
         }
     }
 }

@@ -1,4 +1,4 @@
-// A connection to one socket of the wire, with an end to every wait.
+// A connection to one socket of the wire. Every wait has a time limit.
 #pragma once
 
 #include <chrono>
@@ -12,20 +12,21 @@ namespace hbbtv {
 
 class WireConnection {
   public:
-    // Throws Failure(kNobodyThere) that says what is wrong with the path.
+    // Connects. Throws Failure(kUnavailable), or Failure(kTimeout) if the other side does not accept the connection.
     explicit WireConnection(const std::string& path);
 
     // Throws Failure(kPeerLost) or Failure(kTimeout).
     void Send(const std::string& bytes, Milliseconds limit);
 
-    // The next message. Throws Failure(kPeerLost), Failure(kTimeout) or, for a message that cannot be, kNotUnderstood.
+    // Returns the next message. Throws Failure(kPeerLost), Failure(kTimeout), or Failure(kInvalidReply) if the header
+    // announces too many bytes.
     Frame Receive(Milliseconds limit);
 
-    // Whatever comes until nothing more does for `quiet`, or the other side closes.
+    // Returns all bytes until none arrive for `quiet`, or the other side closes the connection.
     std::string ReceiveAll(Milliseconds quiet);
 
   private:
-    // Waits until the socket is ready for `events` of poll(); false when it is not in time.
+    // Waits until the socket is ready for the poll() `events`. Returns false at the deadline.
     bool Wait(short events, std::chrono::steady_clock::time_point deadline) const;
 
     std::string mPath;

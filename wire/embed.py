@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the files of protocol/ as one string of C++, a line of JSON for each.
+"""Writes the files of protocol/ as one C++ string literal, one line of JSON per file.
 
     embed.py OUTPUT FILE...
 """
@@ -13,7 +13,7 @@ def main():
     output, *files = sys.argv[1:]
     text = "".join(json.dumps(json.loads(pathlib.Path(file).read_text()), ensure_ascii=False, separators=(",", ":"))
                    + "\n" for file in files)
-    # Compilers limit the length of one literal.
+    # Compilers limit the length of a literal, so split the text.
     pieces = [text[i:i + 8000] for i in range(0, len(text), 8000)]
     lines = ["// Generated from protocol/.", '#include "wire/protocol.h"', "", "namespace hbbtv {",
              "const char* const kProtocol ="]

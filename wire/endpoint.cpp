@@ -26,7 +26,7 @@ std::string ProcessOf(int fd) {
     ucred peer{};
     socklen_t size = sizeof(peer);
     if (getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0 || peer.pid == 0) return "";
-    std::error_code unknown;  // another user's process
+    std::error_code unknown;  // the process of another user
     const std::filesystem::path program =
         std::filesystem::read_symlink("/proc/" + std::to_string(peer.pid) + "/exe", unknown);
     return (unknown ? "process" : program.filename().string()) + " (" + std::to_string(peer.pid) + ")";
@@ -52,7 +52,7 @@ Endpoint RequestsOf(const WireFamily& family) {
 
 Endpoint EventsOf(const WireFamily& family) {
     if (!family.protocol["endpoints"].isMember("events")) {
-        throw Failure(kUsage, "the family " + family.name + " has no events");
+        throw Failure(kUsage, "family " + family.name + " has no events");
     }
     return MakeEndpoint(family, false);
 }

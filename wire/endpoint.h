@@ -1,4 +1,4 @@
-// The sockets of the wire, and what is to be found at their paths.
+// The sockets of the wire, and the state of the files at their paths.
 #pragma once
 
 #include <string>
@@ -10,32 +10,33 @@ namespace hbbtv {
 
 struct Endpoint {
     std::string family;
-    bool ofPlatform = true;  // serves requests; otherwise of the library, which serves events
+    bool ofPlatform = true;  // served by the platform, for requests; else by the library, for events
     int key = 0;
     int port = 0;
     std::string socket;  // name of the file
 };
 
-// The platform's first, each kind in the order of the keys.
+// Returns the platform's, then the library's, each in the order of the keys.
 std::vector<Endpoint> AllEndpoints();
 
-// Throws Failure(kUsage) when the family has no events.
 Endpoint RequestsOf(const WireFamily& family);
+
+// Throws Failure(kUsage) if the family has no events.
 Endpoint EventsOf(const WireFamily& family);
 
-// Where the sockets are when nobody says: $TMPDIR, else /tmp.
+// Returns $TMPDIR, or /tmp if it is not set.
 std::string DefaultDirectory();
 
 std::string PathOf(const std::string& directory, const Endpoint& endpoint);
 
-// The longest name of a file that the library or the platform makes there: a client's own end.
+// Returns the longest name of a socket file that the library or the platform creates: that of a client's own end.
 std::string LongestFileName();
 
 struct Finding {
     enum class State { Serving, Stale, Missing, Forbidden, NoSocket, Unreachable };
 
     State state = State::Missing;
-    std::string peer;    // "hbbtv-sim (4711)", of who serves; empty when it cannot be known
+    std::string peer;    // "hbbtv-sim (4711)": the serving process; empty if unknown
     std::string reason;  // Unreachable
     unsigned mode = 0;   // of the file, as in chmod
 
@@ -43,7 +44,7 @@ struct Finding {
     std::string InWords() const;
 };
 
-// Connects for a moment to see who is there.
+// Connects for a moment to find out which process serves the socket.
 Finding LookAt(const std::string& path);
 
 }  // namespace hbbtv

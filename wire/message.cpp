@@ -8,7 +8,7 @@ namespace hbbtv {
 
 namespace {
 
-// "channel" of "channel%d".
+// Returns "channel" for "channel%d".
 std::string ArgumentName(const Json::Value& member) {
     const std::string key = member["key"].asString();
     return member.isMember("repeat") ? key.substr(0, key.find("%d")) : key;
@@ -28,7 +28,7 @@ std::set<std::string> Counts(const Json::Value& members) {
     return counts;
 }
 
-// The name of the same type in .hal files. Handles are whole numbers to people and texts on the wire.
+// Returns the name of the same type in .hal files. Users write handles as integers; on the wire they are strings.
 std::string HalName(const std::string& wireType) {
     if (wireType == "int") return "int32_t";
     if (wireType == "uint") return "uint32_t";

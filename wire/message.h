@@ -1,4 +1,4 @@
-// Messages of the wire from named values, by what protocol/ says of their members, and back.
+// Builds messages of the wire from named values, as protocol/ defines their members.
 #pragma once
 
 #include <json/value.h>
@@ -11,22 +11,22 @@
 
 namespace hbbtv {
 
-// The arguments of a request or an event: its members, without the counts that follow from others. A member that is
-// repeated under numbered keys, or as columns of one text, is one argument whose value is a list.
+// Returns the arguments of a request or an event: its members, except counts, which follow from lists. A member that is
+// repeated under numbered keys, or as columns of one string, is one argument whose value is a list.
 std::vector<Parameter> WireArguments(const Json::Value& members);
 
-// One member with the value of its argument, into the message. A handle becomes text, a list numbered members.
-// `values` is by name; arguments that are missing there are left out of the message.
+// Adds the members to the message that `values`, an object by argument name, has values for. A handle becomes a string,
+// a list becomes numbered members.
 void AddMembers(const Json::Value& members, const Json::Value& values, Json::Value& message);
 
-// A family's request: "type" and "method" (or "t") in front.
+// Returns the request of a family with its envelope: "type" and "method" (or "t").
 Json::Value MakeRequest(const WireFamily& family, const Json::Value& operation, const Json::Value& values);
 
-// A family's event, and the arguments that it takes, those of the envelope included.
+// Returns the event of a family with its envelope; and the members of an event, including those of the envelope.
 Json::Value MakeEvent(const WireFamily& family, const Json::Value& event, const Json::Value& values);
 Json::Value EventMembers(const WireFamily& family, const Json::Value& event);
 
-// As the library writes it.
+// Returns the payload as the library writes it.
 std::string WireText(const Json::Value& message);
 
 }  // namespace hbbtv

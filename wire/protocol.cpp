@@ -11,7 +11,7 @@ namespace hbbtv {
 
 namespace {
 
-// Gives each request the member that all requests of its family share.
+// Adds the member that all requests of the family share to each of them.
 void ShareObject(Json::Value& protocol) {
     const Json::Value object = protocol["envelope"]["object"];
     if (object.isNull()) return;
@@ -29,7 +29,7 @@ std::vector<WireFamily> ReadFamilies() {
     return families;
 }
 
-// Of what is said on a command line: "PlayState", "play-state" and "play state" are the same event.
+// Makes "PlayState", "playstate" and "play state" the same event.
 std::string FoldedEvent(const std::string& name) {
     std::string folded;
     for (const char c : name) {
@@ -85,8 +85,8 @@ const Json::Value& WireFamily::FindEvent(const std::string& wanted) const {
         }
         known.insert(event["name"].asString());
     }
-    throw Failure(kUsage, "the family " + name + " has no event \"" + wanted + "\"" +
-                              DidYouMean(wanted, known, kShortList) + " (`hbbtvctl describe " + name + "` shows all)");
+    throw Failure(kUsage, "family " + name + " has no event \"" + wanted + "\"" +
+                              DidYouMean(wanted, known, kShortList) + " (see `hbbtvctl describe " + name + "`)");
 }
 
 const std::vector<WireFamily>& WireFamilies() {
@@ -100,8 +100,8 @@ const WireFamily& FindFamily(const std::string& wanted) {
         if (IsInterfaceOf(wanted, family.name)) return family;
         known.insert(family.name);
     }
-    throw Failure(kUsage, "there is no family \"" + wanted + "\"" + DidYouMean(wanted, known, kShortList) +
-                              " (`hbbtvctl list` shows all)");
+    throw Failure(
+        kUsage, "unknown family \"" + wanted + "\"" + DidYouMean(wanted, known, kShortList) + " (see `hbbtvctl list`)");
 }
 
 }  // namespace hbbtv

@@ -1,4 +1,4 @@
-// The wire as data: the files of protocol/, which are built into the program.
+// The wire as data: the files of protocol/, compiled into the program.
 #pragma once
 
 #include <json/value.h>
@@ -9,32 +9,32 @@
 
 namespace hbbtv {
 
-// A family of platform objects. Its requests begin with the member that all of them share, where there is one.
+// A family of platform objects. Each request begins with the member that all of them share, if there is one.
 struct WireFamily {
     std::string name;      // "channel_config"
     Json::Value protocol;  // its file
 
-    // Returns null when there is none. The letter case of the name does not matter, nor do its underscores.
+    // Returns null if there is none. Ignores case and underscores.
     const Json::Value* Operation(const std::string& operation) const;
 
     std::set<std::string> OperationNames() const;
 
-    // Returns what this method of the family's HIDL interface sends: the operation that names it as its "method", else
-    // the one of the same name. Null when there is none.
+    // Returns the operation that this method of the family's HIDL interface sends: the one that names it as its
+    // "method", else the one of the same name, else null.
     const Json::Value* OperationOf(const std::string& method) const;
 
     // Finds an event by code ("5", "mediasync:5"), name, or the client's callback method. Throws Failure(kUsage).
     const Json::Value& FindEvent(const std::string& event) const;
 };
 
-// All families, by name.
+// Returns all families, sorted by name.
 const std::vector<WireFamily>& WireFamilies();
 
 // Finds a family by its name or that of its HIDL interface. Throws Failure(kUsage) with the nearest name.
 const WireFamily& FindFamily(const std::string& name);
 
-// Whether this is the HIDL interface of the family: "channel_config", "IChannelConfig" and "ChannelConfig" are the
-// same name.
+// Returns whether this is the HIDL interface of the family; "channel_config", "IChannelConfig" and "ChannelConfig" are
+// equivalent.
 bool IsInterfaceOf(const std::string& interface, const std::string& family);
 
 // Returns the name in lower case, without underscores.

@@ -1,4 +1,4 @@
-// The types of values: those that .hal files name, and their counterparts on the wire.
+// Types of values, as .hal files name them; the types of the wire map to them.
 #pragma once
 
 #include <cstdint>
@@ -38,7 +38,7 @@ struct Type {
 std::shared_ptr<const Type> MakeType(const std::string& name,
                                      const std::vector<std::shared_ptr<const Type>>& known = {});
 
-// Sets the size and sign that the integer type of this name has.
+// Sets size and sign from the name of an integer type.
 void MakeInteger(Type& type, const std::string& name);
 
 }  // namespace hbbtv

@@ -39,7 +39,7 @@ Json::Value Number(const Type& type, bool negative, uint64_t magnitude, const st
     return static_cast<Json::Int64>(negative ? ~magnitude + 1 : magnitude);
 }
 
-// Whether the word is written like a whole number.
+// Returns whether the word has the form of an integer, and its parts.
 bool ReadMagnitude(const std::string& word, bool& negative, uint64_t& magnitude, bool& tooLarge) {
     negative = !word.empty() && word[0] == '-';
     const std::string digits = word.substr(negative ? 1 : 0);
@@ -58,7 +58,7 @@ Json::Value Integer(const Type& type, const std::string& word) {
     bool tooLarge = false;
     uint64_t magnitude = 0;
     if (!ReadMagnitude(word, negative, magnitude, tooLarge)) {
-        throw BadValue(Quoted(word) + " is no whole number: " + type.name + " is written as 4096 or 0x1000");
+        throw BadValue(Quoted(word) + " is not an integer: write " + type.name + " as 4096 or 0x1000");
     }
     if (tooLarge) OutOfRange(type, word);
     return Number(type, negative, magnitude, word);
@@ -86,7 +86,7 @@ Json::Value Boolean(const std::string& word) {
 Json::Value Real(const std::string& word) {
     char* end = nullptr;
     const double number = std::strtod(word.c_str(), &end);
-    if (word.empty() || *end != '\0' || !std::isfinite(number)) throw BadValue(Quoted(word) + " is no number");
+    if (word.empty() || *end != '\0' || !std::isfinite(number)) throw BadValue(Quoted(word) + " is not a number");
     return number;
 }
 
@@ -108,7 +108,7 @@ Json::Value Elements(const Type& type, const std::string& word) {
 }
 
 Json::Value StructFromJson(const Type& type, const Json::Value& value) {
-    if (!value.isObject()) throw BadValue(type.name + " is written as a JSON object");
+    if (!value.isObject()) throw BadValue(type.name + " must be a JSON object");
     std::set<std::string> names;
     for (const Parameter& field : type.fields) names.insert(field.name);
     for (const std::string& name : value.getMemberNames()) {
@@ -117,14 +117,14 @@ Json::Value StructFromJson(const Type& type, const Json::Value& value) {
     }
     Json::Value fields(Json::objectValue);
     for (const Parameter& field : type.fields) {
-        if (!value.isMember(field.name)) throw BadValue(type.name + " lacks its field " + Quoted(field.name));
+        if (!value.isMember(field.name)) throw BadValue(type.name + " requires the field " + Quoted(field.name));
         fields[field.name] = FromJsonValue(*field.type, value[field.name]);
     }
     return fields;
 }
 
 [[noreturn]] void WrongJson(const Type& type, const Json::Value& value) {
-    throw BadValue(WriteJson(value) + " is no " + type.name);
+    throw BadValue(WriteJson(value) + " is not a valid " + type.name);
 }
 
 Json::Value IntegerFromJson(const Type& type, const Json::Value& value) {
@@ -192,8 +192,8 @@ Json::Value FromWord(const Type& type, const std::string& word) {
         case Type::Kind::Callback:
             if (word == "@listen") return "@listen";
             if (word == "null") return Json::Value();
-            throw BadValue(Quoted(word) + " is no " + type.name +
-                           ": write @listen to see what arrives, or null for none");
+            throw BadValue(Quoted(word) + " is not a valid " + type.name +
+                           ": write @listen to print the calls that arrive, or null");
     }
     return Json::Value();
 }

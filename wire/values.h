@@ -1,4 +1,4 @@
-// Values of the package's types: from the words of a command line and from JSON, and back to words.
+// Values of the package's types: conversions from the words of a command line and from JSON, and back.
 #pragma once
 
 #include <json/value.h>
@@ -10,25 +10,25 @@
 
 namespace hbbtv {
 
-// The text completes the sentence `argument "onid": ...`.
+// The message completes `argument "onid": ...`.
 class BadValue : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-// One word of the command line. Integers are decimal or, after 0x, hexadecimal; enumerators go by name or number; a
-// vector is a JSON array, or its elements with commas between; a struct is a JSON object; a callback is "@listen" or
+// Converts a word of the command line. Integers are decimal or, after 0x, hexadecimal; enumerators are names or
+// numbers; a vector is a JSON array or a comma-separated list; a struct is a JSON object; a callback is "@listen" or
 // "null". Throws BadValue.
 Json::Value FromWord(const Type& type, const std::string& word);
 
-// A value that came as JSON: enumerators by name or number, integers also as text ("0x1000"), the other types as they
-// are. The result holds numbers only, of the right size. Throws BadValue.
+// Converts a JSON value: enumerators are names or numbers, integers can be strings ("0x1000"). The result has numbers
+// for both, checked to be in range. Throws BadValue.
 Json::Value FromJsonValue(const Type& type, const Json::Value& value);
 
-// For people. `handle`: an integer is shown in hexadecimal.
+// Formats a value for people; an integer that is a `handle` is hexadecimal.
 std::string ForPeople(const Type& type, const Json::Value& value, bool handle);
 
-// For programs: as FromJsonValue takes it, enumerators by name where they have one unless `numbers`.
+// Returns a value as FromJsonValue() takes it. Enumerators are names if they have one, unless `numbers` is set.
 Json::Value ForPrograms(const Type& type, const Json::Value& value, bool numbers);
 
 }  // namespace hbbtv

@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "common/text/quote.h"
 #include "recording_client.h"
 
 namespace hbbtv::test {

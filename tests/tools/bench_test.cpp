@@ -1,4 +1,4 @@
-// hbbtvctl bench: as many calls at once, as long and as often as was asked for, and what is told of them.
+// hbbtvctl bench: concurrency, duration and rate, and the output.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,14 +15,14 @@ using testing::MatchesRegex;
 
 class Bench : public InFrontOfTheSystem {};
 
-TEST_F(Bench, GivesPercentilesInTheirOrder) {
+TEST_F(Bench, PrintsPercentilesInTheirOrder) {
     const Json::Value document = Document(
         Ctl({"bench", "IChannelConfig.GetCurrentChannel", "--duration", "1s", "--concurrency", "2", "--json"}));
-    EXPECT_EQ("IChannelConfig.GetCurrentChannel", document["method"].asString());
-    EXPECT_EQ(2, document["concurrency"].asInt());
+    EXPECT_EQ(document["method"].asString(), "IChannelConfig.GetCurrentChannel");
+    EXPECT_EQ(document["concurrency"].asInt(), 2);
     EXPECT_LE(1000, document["duration_ms"].asInt());
     EXPECT_LT(10, document["calls"].asInt());
-    EXPECT_EQ(0, document["failed"].asInt());
+    EXPECT_EQ(document["failed"].asInt(), 0);
     const Json::Value& latency = document["latency_ns"];
     EXPECT_LT(0, latency["p50"].asInt64());
     EXPECT_LE(latency["p50"].asInt64(), latency["p90"].asInt64());
@@ -31,37 +31,38 @@ TEST_F(Bench, GivesPercentilesInTheirOrder) {
     EXPECT_LE(latency["p99.9"].asInt64(), latency["max"].asInt64());
 }
 
-TEST_F(Bench, KeepsToItsRate) {
+TEST_F(Bench, KeepsTheRate) {
     const Json::Value document =
         Document(Ctl({"bench", "IChannelConfig.GetCurrentChannel", "--duration", "500ms", "--rate", "40", "--json"}));
-    EXPECT_EQ(20, document["calls"].asInt()) << "one each 25 ms, the first at once";
+    EXPECT_EQ(document["calls"].asInt(), 20) << "one every 25 ms, the first immediately";
 }
 
 TEST_F(Bench, EndsWithItsDurationBetweenTwoCalls) {
     const Json::Value document = Document(Ctl({"bench", "IChannelConfig.GetCurrentChannel", "--duration", "100ms",
                                                "--rate", "0.001", "--concurrency", "2", "--json"}));
-    EXPECT_EQ(1, document["calls"].asInt()) << "the second would be due after a quarter of an hour";
+    EXPECT_EQ(document["calls"].asInt(), 1) << "the second would be due after a quarter of an hour";
     EXPECT_LE(100, document["duration_ms"].asInt());
 }
 
-TEST_F(Bench, MakesOneCallInAnyCase) {
+TEST_F(Bench, MakesAtLeastOneCall) {
     for (const std::vector<std::string>& rate : {std::vector<std::string>{}, {"--rate", "1000"}}) {
         std::vector<std::string> words{"bench", "IChannelConfig.GetCurrentChannel", "--duration", "0", "--json"};
         words.insert(words.end(), rate.begin(), rate.end());
-        EXPECT_EQ(1, Document(Ctl(words))["calls"].asInt());
+        EXPECT_EQ(Document(Ctl(words))["calls"].asInt(), 1);
     }
 }
 
-TEST_F(Bench, TellsPeopleAndCountsWhatFailed) {
+TEST_F(Bench, PrintsPercentilesAndCountsFailedCalls) {
     const FinishedRun run = Ctl({"bench", "IChannel.GetName", "channel=0", "--duration", "50ms"});
-    EXPECT_EQ(1, run.exit);
-    EXPECT_THAT(run.output, MatchesRegex("IChannel.GetName, 1 at once, [0-9]+\\.[0-9] s: ([0-9]+) calls, [0-9]+ per "
-                                         "second, [1-9][0-9]* with a status other than 0\n"
-                                         "  p50 +[0-9.]+ ms\n  p90 +[0-9.]+ ms\n  p99 +[0-9.]+ ms\n"
-                                         "  p99\\.9 +[0-9.]+ ms\n  max +[0-9.]+ ms\n"));
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_THAT(run.output,
+                MatchesRegex("IChannel.GetName, concurrency 1, [0-9]+\\.[0-9] s: ([0-9]+) calls, [0-9]+ per "
+                             "second, [1-9][0-9]* failed\n"
+                             "  p50 +[0-9.]+ ms\n  p90 +[0-9.]+ ms\n  p99 +[0-9.]+ ms\n"
+                             "  p99\\.9 +[0-9.]+ ms\n  max +[0-9.]+ ms\n"));
 }
 
-TEST_F(Bench, CallsFromSoManyThreads) {
+TEST_F(Bench, CallsFromAsManyThreadsAsRequested) {
     mPlatform->Signal(SIGSTOP);
     CtlProcess bench(
         {"bench", "IChannelConfig.GetCurrentChannel", "--concurrency", "12", "--duration", "1s", "--timeout", "4s"});
@@ -73,16 +74,16 @@ TEST_F(Bench, CallsFromSoManyThreads) {
         }
         return threads > 12;
     }));
-    EXPECT_EQ(4, bench.WaitForExit()) << bench.Output();
+    EXPECT_EQ(bench.WaitForExit(), 4) << bench.Output();
 }
 
-TEST_F(Bench, EndsWithSixWhenTheServiceGoes) {
+TEST_F(Bench, ExitsWithSixWhenTheServiceEnds) {
     mPlatform->Kill();
     FakePlatform platform("service_plugin_to_hbbtv_vb_chn_config", R"({"ret": 0, "handle": "0x1"})");
     CtlProcess bench({"bench", "IChannelConfig.GetCurrentChannel", "--duration", "1000s"});
     ASSERT_TRUE(platform.WaitForFrames(10));
     mService->Kill();
-    EXPECT_EQ(6, bench.WaitForExit()) << bench.Output();
+    EXPECT_EQ(bench.WaitForExit(), 6) << bench.Output();
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A program that ends before a test writes to it fails that test, and not the process that runs them all.
+// Writing to a program that has ended fails the test; it does not end the process of the tests.
 
 #include "child_process.h"
 
@@ -17,27 +17,27 @@ bool SigpipePending() {
 
 TEST(ChildProcess, ThatHasGoneTakesNoInput) {
     ChildProcess child({"true"});
-    ASSERT_EQ(0, child.WaitForExit());
+    ASSERT_EQ(child.WaitForExit(), 0);
     EXPECT_FALSE(child.Write("text"));
     EXPECT_FALSE(SigpipePending());
     sigset_t mask;
     pthread_sigmask(SIG_SETMASK, nullptr, &mask);
-    EXPECT_EQ(0, sigismember(&mask, SIGPIPE)) << "as it was before";
+    EXPECT_EQ(sigismember(&mask, SIGPIPE), 0) << "as it was before";
 }
 
 TEST(ChildProcess, ThatGoesDuringAWriteTakesNoMoreInput) {
     ChildProcess child({"head", "-c", "1"});
     EXPECT_FALSE(child.Write(std::string(1 << 20, 'x'))) << "more than a pipe holds";
-    EXPECT_EQ(0, child.WaitForExit());
-    EXPECT_EQ("x", child.Output());
+    EXPECT_EQ(child.WaitForExit(), 0);
+    EXPECT_EQ(child.Output(), "x");
 }
 
 TEST(ChildProcess, TakesMoreInputThanAPipeHolds) {
     ChildProcess child({"wc", "-c"});
     EXPECT_TRUE(child.Write(std::string(1 << 20, 'x')));
     child.CloseInput();
-    EXPECT_EQ(0, child.WaitForExit());
-    EXPECT_EQ("1048576\n", child.Output());
+    EXPECT_EQ(child.WaitForExit(), 0);
+    EXPECT_EQ(child.Output(), "1048576\n");
 }
 
 TEST(ChildProcess, LeavesASignalThatWasPendingBefore) {
@@ -48,11 +48,11 @@ TEST(ChildProcess, LeavesASignalThatWasPendingBefore) {
     pthread_sigmask(SIG_BLOCK, &sigpipe, &before);
     pthread_kill(pthread_self(), SIGPIPE);
     ChildProcess child({"true"});
-    ASSERT_EQ(0, child.WaitForExit());
+    ASSERT_EQ(child.WaitForExit(), 0);
     EXPECT_FALSE(child.Write("text"));
     EXPECT_TRUE(SigpipePending());
     const timespec atOnce{};
-    EXPECT_EQ(SIGPIPE, sigtimedwait(&sigpipe, nullptr, &atOnce));
+    EXPECT_EQ(sigtimedwait(&sigpipe, nullptr, &atOnce), SIGPIPE);
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 

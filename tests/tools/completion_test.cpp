@@ -1,4 +1,4 @@
-// Completion as people have it: a shell in a terminal, real keys, and what the screen shows then.
+// Completion as users see it: a shell in a terminal, real keys, and the content of the screen.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,12 +12,12 @@ namespace {
 
 using testing::HasSubstr;
 
-// What the scripts ask.
+// Returns the candidates that the scripts get.
 std::string Candidates(std::vector<std::string> words) {
     words.insert(words.begin(), {"complete", "--"});
     const FinishedRun run = Ctl(words);
-    EXPECT_EQ(0, run.exit);
-    EXPECT_EQ("", run.errors);
+    EXPECT_EQ(run.exit, 0);
+    EXPECT_EQ(run.errors, "");
     std::string names;
     for (size_t at = 0; at < run.output.size(); at = run.output.find('\n', at) + 1) {
         names += run.output.substr(at, run.output.find('\t', at) - at) + " ";
@@ -28,38 +28,38 @@ std::string Candidates(std::vector<std::string> words) {
 class Candidate : public Alone {};
 
 TEST_F(Candidate, IsACommandAnOptionOrAName) {
-    EXPECT_EQ("list listen ", Candidates({"lis"}));
-    EXPECT_EQ("call completion ", Candidates({"c"}));
-    EXPECT_EQ("--concurrency ", Candidates({"bench", "--conc"}));
-    EXPECT_EQ("IVideoBroadcast. ", Candidates({"call", "IVid"}));
-    EXPECT_EQ("IChannel.GetOnid ", Candidates({"call", "--time", "IChannel.GetO"}));
-    EXPECT_EQ("channel_config.GetChannelList ", Candidates({"send", "channel_config.GetChannelL"}));
-    EXPECT_EQ("channel_config ", Candidates({"listen", "channel_"}));
-    EXPECT_EQ("OnChannelConfigEvent ", Candidates({"emit", "channel_config", ""}));
-    EXPECT_EQ("TolmRect ", Candidates({"describe", "TolmR"}));
-    EXPECT_EQ("zsh ", Candidates({"completion", "z"}));
-    EXPECT_EQ("doctor ", Candidates({"man", "do"}));
+    EXPECT_EQ(Candidates({"lis"}), "list listen ");
+    EXPECT_EQ(Candidates({"c"}), "call completion ");
+    EXPECT_EQ(Candidates({"bench", "--conc"}), "--concurrency ");
+    EXPECT_EQ(Candidates({"call", "IVid"}), "IVideoBroadcast. ");
+    EXPECT_EQ(Candidates({"call", "--time", "IChannel.GetO"}), "IChannel.GetOnid ");
+    EXPECT_EQ(Candidates({"send", "channel_config.GetChannelL"}), "channel_config.GetChannelList ");
+    EXPECT_EQ(Candidates({"listen", "channel_"}), "channel_config ");
+    EXPECT_EQ(Candidates({"emit", "channel_config", ""}), "OnChannelConfigEvent ");
+    EXPECT_EQ(Candidates({"describe", "TolmR"}), "TolmRect ");
+    EXPECT_EQ(Candidates({"completion", "z"}), "zsh ");
+    EXPECT_EQ(Candidates({"man", "do"}), "doctor ");
 }
 
 TEST_F(Candidate, IsAnArgumentOrItsValue) {
-    EXPECT_EQ("vb= type= ", Candidates({"call", "IVideoBroadcast.GetAVComponentNumByType", ""}));
-    EXPECT_EQ("type= ", Candidates({"call", "IVideoBroadcast.GetAVComponentNumByType", "vb=1", ""}));
-    EXPECT_EQ("type= ", Candidates({"call", "IVideoBroadcast.GetAVComponentNumByType", "1", ""}));
-    EXPECT_EQ("AUDIO ", Candidates({"call", "IVideoBroadcast.GetAVComponentNumByType", "1", "A"}));
-    EXPECT_EQ("type=VIDEO type=AUDIO type=SUBTITLE ",
-              Candidates({"bench", "IVideoBroadcast.GetAVComponentNumByType", "vb=1", "type="}));
-    EXPECT_EQ("fullScreen=true fullScreen=false ",
-              Candidates({"call", "IVideoBroadcast.SetFullScreen", "fullScreen="}));
-    EXPECT_EQ("cb=@listen ", Candidates({"call", "IChannelConfig.RegisterCallback", "cb="}));
-    EXPECT_EQ("c_handle= ", Candidates({"send", "channel.GetName", ""}));
-    EXPECT_EQ("reserved= ", Candidates({"emit", "channel_config", "changed", ""}));
-    EXPECT_EQ("", Candidates({"call", "IChannel.NoSuchMethod", ""}));
-    EXPECT_EQ("", Candidates({"nonsense", ""}));
+    EXPECT_EQ(Candidates({"call", "IVideoBroadcast.GetAVComponentNumByType", ""}), "vb= type= ");
+    EXPECT_EQ(Candidates({"call", "IVideoBroadcast.GetAVComponentNumByType", "vb=1", ""}), "type= ");
+    EXPECT_EQ(Candidates({"call", "IVideoBroadcast.GetAVComponentNumByType", "1", ""}), "type= ");
+    EXPECT_EQ(Candidates({"call", "IVideoBroadcast.GetAVComponentNumByType", "1", "A"}), "AUDIO ");
+    EXPECT_EQ(Candidates({"bench", "IVideoBroadcast.GetAVComponentNumByType", "vb=1", "type="}),
+              "type=VIDEO type=AUDIO type=SUBTITLE ");
+    EXPECT_EQ(Candidates({"call", "IVideoBroadcast.SetFullScreen", "fullScreen="}),
+              "fullScreen=true fullScreen=false ");
+    EXPECT_EQ(Candidates({"call", "IChannelConfig.RegisterCallback", "cb="}), "cb=@listen ");
+    EXPECT_EQ(Candidates({"send", "channel.GetName", ""}), "c_handle= ");
+    EXPECT_EQ(Candidates({"emit", "channel_config", "changed", ""}), "reserved= ");
+    EXPECT_EQ(Candidates({"call", "IChannel.NoSuchMethod", ""}), "");
+    EXPECT_EQ(Candidates({"nonsense", ""}), "");
 }
 
 class Completion : public Alone {
   protected:
-    // A few keys and TAB, and what the line has become.
+    // Types `keys` and TAB, and waits for the line.
     static void Expect(const Screen& screen, const std::string& typed, const std::string& shown) {
         screen.Type(typed);
         screen.Press("Tab");
@@ -84,7 +84,7 @@ TEST_F(Completion, InBash) {
     screen.Press("Enter");
     ASSERT_TRUE(screen.WaitForText("ready\n$")) << screen.Text();
     CompletesALine(screen);
-    // Nothing is appended behind a dot or an equals sign, a blank behind a whole word.
+    // No blank follows a dot or an equals sign; one follows a complete word.
     screen.Type("hbbtvctl call IVid");
     screen.Press("Tab");
     screen.Type("GetPlaySt");
@@ -94,7 +94,7 @@ TEST_F(Completion, InBash) {
     screen.Type("1");
     EXPECT_TRUE(screen.WaitForText("$ hbbtvctl call IVideoBroadcast.GetPlayState vb=1\n")) << screen.Text();
     screen.Press("C-u");
-    // A value in quotes is one word.
+    // A quoted value is one word.
     Expect(screen, "hbbtvctl call IChannel.SetName name=\"Das Erste\" ch",
            "$ hbbtvctl call IChannel.SetName name=\"Das Erste\" channel=");
     // Several candidates are shown.
@@ -106,7 +106,7 @@ TEST_F(Completion, InBash) {
 }
 
 TEST_F(Completion, InZsh) {
-    // As users have it, and without the mark that zsh shows in front of its first prompt, which looks like one.
+    // As users configure it, but without the mark before the first prompt, which looks like a prompt.
     WriteFile(
         mDirectory / ".zshrc",
         "PS1='$ '\nunsetopt promptsp\nautoload -Uz compinit\ncompinit -D -u\nsource <(hbbtvctl completion zsh)\n");
@@ -128,7 +128,7 @@ TEST_F(Completion, InFish) {
     CompletesALine(screen);
     screen.Type("hbbtvctl lis");
     screen.Press("Tab");
-    EXPECT_TRUE(screen.WaitForText("(Register callbacks and show every event)\n")) << screen.Text();
+    EXPECT_TRUE(screen.WaitForText("(Register callbacks and print every event)\n")) << screen.Text();
 }
 
 }  // namespace

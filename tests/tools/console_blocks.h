@@ -1,5 +1,4 @@
-// The examples of a document: blocks that begin with "```console", in which "$ " stands in front of what is typed and
-// its output follows.
+// The examples of a document: blocks that begin with "```console". "$ " precedes a command; its output follows.
 #pragma once
 
 #include <map>
@@ -10,22 +9,22 @@ namespace hbbtv::test {
 
 struct Example {
     std::string command;
-    std::vector<std::string> output;  // a line "..." stands for any lines
+    std::vector<std::string> output;  // a line "..." matches any lines
 };
 
 std::vector<Example> ConsoleExamples(const std::string& markdown);
 
-// Compares what examples print with what they printed. What differs from run to run may: handles, process numbers,
-// times, counts of calls. A handle of the document stands for the same handle of the run from then on.
+// Compares the output of examples with the document. Handles, process numbers, times and counts of calls may differ. A
+// handle of the document maps to the same handle of the run in all examples.
 class ExampleComparison {
   public:
-    // `directory` is where the run has its sockets; the document has them in /tmp/tv.
+    // `directory` is the directory of the sockets of the run; that of the document is /tmp/tv.
     explicit ExampleComparison(std::string directory) : mDirectory(std::move(directory)) {}
 
-    // The command with the run's handles in place of the document's.
+    // Returns the command with the handles of the run.
     std::string Command(const Example& example) const;
 
-    // Empty when the output is what the example says, else what differs.
+    // Returns a description of the difference, or "".
     std::string Difference(const Example& example, const std::string& output);
 
   private:

@@ -61,8 +61,8 @@ std::vector<Json::Value> Documents(const std::string& output) {
 
 Json::Value Document(const FinishedRun& run) {
     const std::vector<Json::Value> documents = Documents(run.output);
-    EXPECT_EQ(0, run.exit) << run.Text();
-    EXPECT_EQ(1u, documents.size()) << run.Text();
+    EXPECT_EQ(run.exit, 0) << run.Text();
+    EXPECT_EQ(documents.size(), 1u) << run.Text();
     return documents.empty() ? Json::Value() : documents[0];
 }
 
@@ -109,7 +109,7 @@ void InFrontOfTheSystem::SetUp() {
     ASSERT_TRUE(mPlatform->Ready()) << mPlatform->Output();
     mService = std::make_unique<ServiceProcess>();
     // The service publishes it last.
-    ASSERT_NE(nullptr, FindVideoBroadcast()) << mService->Output();
+    ASSERT_NE(FindVideoBroadcast(), nullptr) << mService->Output();
 }
 
 std::string InFrontOfTheSystem::CurrentChannel() const {

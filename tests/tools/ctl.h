@@ -1,4 +1,4 @@
-// hbbtvctl as its users start it, in front of the system or without it.
+// Runs hbbtvctl as users do, with or without a running system.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,17 +16,17 @@
 
 namespace hbbtv::test {
 
-// hbbtvctl with these arguments, to its end.
+// Runs hbbtvctl with these arguments until it exits.
 FinishedRun Ctl(const std::vector<std::string>& arguments);
 FinishedRun CtlWithInput(const std::vector<std::string>& arguments, const std::string& input);
 
-// As a user whom file modes keep out: root, who may do everything, becomes nobody for it.
+// Runs it as a user whom file modes restrict: root becomes nobody.
 FinishedRun CtlWithoutPrivileges(const std::vector<std::string>& arguments);
 
-// One document per line; a line that is none is a failure of the test.
+// Parses one document per line; any other line fails the test.
 std::vector<Json::Value> Documents(const std::string& output);
 
-// The only document of a run that ended well.
+// Returns the only document of a successful run.
 Json::Value Document(const FinishedRun& run);
 
 // A running hbbtvctl.
@@ -35,12 +35,12 @@ class CtlProcess : public ChildProcess {
     explicit CtlProcess(const std::vector<std::string>& arguments);
 };
 
-// hbbtvctl listen, once it listens; its events are what it wrote in whole lines that begin with `{`.
+// hbbtvctl listen. Its events are the complete lines that begin with `{`.
 class Listener : public CtlProcess {
   public:
     explicit Listener(std::vector<std::string> arguments);
 
-    bool Listens() const { return WaitForOutput("hbbtvctl: listening, Ctrl-C ends\n"); }
+    bool Listens() const { return WaitForOutput("hbbtvctl: listening; press Ctrl-C to stop\n"); }
     std::vector<Json::Value> Events() const;
     bool WaitForEvents(size_t count) const;
 };

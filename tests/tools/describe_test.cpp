@@ -1,4 +1,4 @@
-// hbbtvctl describe: what the .hal files and the wire say of a name.
+// hbbtvctl describe: documentation from the .hal files and protocol/.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,8 +18,8 @@ class Describe : public Alone {
   protected:
     static std::string Of(const std::string& name) {
         const FinishedRun run = Ctl({"describe", name});
-        EXPECT_EQ(0, run.exit) << run.Text();
-        EXPECT_EQ("", run.errors);
+        EXPECT_EQ(run.exit, 0) << run.Text();
+        EXPECT_EQ(run.errors, "");
         return run.output;
     }
 };
@@ -59,7 +59,7 @@ TEST_F(Describe, AnInterfaceAClientsInterfaceAStructAFamilyAndAnOperation) {
                 HasSubstr("  2  GetCurrentChannel           request  The channel that the television presents.\n"));
     EXPECT_THAT(family, HasSubstr("  0  changed  one-way  OnChannelConfigEvent  reserved\n"));
     EXPECT_THAT(Of("channel_config.CreateChannelList"),
-                HasSubstr("    channel%d (pointer), %d from 0, as many as \"size\" says: one channel\n"));
+                HasSubstr("    channel%d (pointer), %d from 0 to \"size\" - 1: one channel\n"));
 }
 
 TEST_F(Describe, EverythingInLinesThatFitIntoATerminal) {
@@ -70,7 +70,7 @@ TEST_F(Describe, EverythingInLinesThatFitIntoATerminal) {
     for (const std::string& name : names) {
         std::istringstream lines(Of(name));
         for (std::string line; std::getline(lines, line);) {
-            // A word that is longer than the rest of its line stays whole.
+            // A long word is not broken.
             EXPECT_GE(130u, line.size()) << name << ": " << line;
         }
     }
@@ -80,7 +80,7 @@ TEST_F(Describe, ProseInLinesAsLongAsTheTerminals) {
     const std::string text = Of("IMtm");
     EXPECT_THAT(text, HasSubstr("    The notifications of the browser about its tabs, and the registration for the "
                                 "platform's\n    commands.\n\n"))
-        << "not where the .hal file breaks its lines";
+        << "not broken where the .hal file breaks lines";
     const std::string command = "stty cols 50; " + std::string(HBBTVCTL_PROGRAM) + " describe IMtm";
     const FinishedRun narrow = RunToEnd({"script", "-qec", command, "/dev/null"}, std::nullopt, {"NO_COLOR=1"});
     EXPECT_THAT(narrow.output, HasSubstr("    The notifications of the browser about its\r\n    tabs, and the "

@@ -1,4 +1,4 @@
-// The documents and --help show what happens: every example in them is run.
+// Runs every example of the documents and of --help.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ std::string DirectoryOf(const std::string& path) {
     return path.substr(0, path.rfind('/'));
 }
 
-// One shell in the test's directory, as the reader's: what is typed comes on its standard input.
+// A shell in the directory of the test. Commands come from its standard input.
 class Shell : public ChildProcess {
   public:
     explicit Shell(const std::string& directory)
@@ -27,13 +27,13 @@ class Shell : public ChildProcess {
         Write("cd '" + directory + "'\n");
     }
 
-    // What the command wrote, and its exit code. One that ends with "&" is given until it listens.
+    // Returns the output of the command, and sets its exit code. A command that ends with "&" runs until it listens.
     std::string Type(const std::string& command, int* code = nullptr) {
         const size_t before = Output().size();
         if (!command.empty() && command.back() == '&') {
             Write(command + "\n");
-            EXPECT_TRUE(
-                WaitFor([&] { return Output().find("listening, Ctrl-C ends\n", before) != std::string::npos; }));
+            EXPECT_TRUE(WaitFor(
+                [&] { return Output().find("listening; press Ctrl-C to stop\n", before) != std::string::npos; }));
             return Output().substr(before);
         }
         const std::string mark = "=== end of example " + std::to_string(++mTyped) + " ";
@@ -59,7 +59,7 @@ class Documents : public InFrontOfTheSystem {
         const std::vector<Example> examples = ConsoleExamples(markdown);
         ASSERT_LE(atLeast, examples.size());
         for (const Example& example : examples) {
-            EXPECT_EQ("", comparison.Difference(example, shell.Type(comparison.Command(example))));
+            EXPECT_EQ(comparison.Difference(example, shell.Type(comparison.Command(example))), "");
         }
     }
 };
@@ -100,21 +100,21 @@ TEST(DocumentsOfHbbtvctl, ExplainEveryCommandAndExitCode) {
     for (std::sregex_iterator it(commands.begin(), commands.end(), command), end; it != end; ++it, ++count) {
         EXPECT_THAT(document, testing::HasSubstr("\n## " + (*it)[1].str())) << "a section of its own";
     }
-    EXPECT_EQ(11u, count) << help;
+    EXPECT_EQ(count, 11u) << help;
     for (const int code : {0, 1, 2, 3, 4, 5, 6, 7, 130}) {
         EXPECT_THAT(document, testing::HasSubstr("\n| " + std::to_string(code) + " | "));
         EXPECT_THAT(help, testing::HasSubstr("\n  " + std::to_string(code) + "  "));
     }
 }
 
-// The last lines, for the message of a failed assertion.
+// Returns the last lines, for the message of a failed assertion.
 std::string EndOf(const std::string& output) {
     constexpr size_t kMost = 4000;
     if (output.size() <= kMost) return output;
     return "..." + output.substr(output.find('\n', output.size() - kMost));
 }
 
-// The indented lines below "Examples".
+// Returns the indented lines below "Examples".
 std::vector<std::string> ExamplesOf(const std::string& help) {
     std::vector<std::string> examples;
     std::istringstream lines(help.substr(std::min(help.find("\nExamples"), help.size())));
@@ -126,11 +126,11 @@ std::vector<std::string> ExamplesOf(const std::string& help) {
 
 class Help : public InFrontOfTheSystem, public testing::WithParamInterface<const char*> {
   protected:
-    // What the examples need: the library's sockets, files, and handles that exist in place of those that they name.
+    // Creates what the examples need: sockets of the library, files, and real handles.
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(InFrontOfTheSystem::SetUp());
         const FinishedRun listen = Ctl({"listen", "channel_config", "video_broadcast", "--for", "1ms"});
-        ASSERT_EQ(0, listen.exit) << listen.Text();
+        ASSERT_EQ(listen.exit, 0) << listen.Text();
         WriteFile(mDirectory / "request.bin", FrameBytes(kRequest, 2, R"({"type": 18, "method": 0})"));
         WriteFile(mDirectory / "damaged.bin", "damaged");
         WriteFile(mDirectory / "zap.play", "tell zap {$number} -> ok ZDF HD\n");
@@ -138,7 +138,7 @@ class Help : public InFrontOfTheSystem, public testing::WithParamInterface<const
         mVideoBroadcast = NewVideoBroadcast();
     }
 
-    // As it is typed into a shell, and into the right one.
+    // Returns the command with real handles, run by the shell that it is for.
     std::string Command(std::string example) const {
         example = std::regex_replace(example, std::regex("0x1000"), mChannel);
         example = std::regex_replace(example, std::regex("0x2000"), mVideoBroadcast);
@@ -162,9 +162,9 @@ TEST_P(Help, ShowsExamplesThatWork) {
         int code = -1;
         const std::string output = shell.Type(command, &code);
         if (code == 0) continue;
-        ADD_FAILURE() << "$ " << command << "\nends with " << code << " and says:\n"
-                      << output << "\nThe service said:\n"
-                      << EndOf(mService->Output()) << "\nThe platform said:\n"
+        ADD_FAILURE() << "$ " << command << "\nends with " << code << " and prints:\n"
+                      << output << "\nOutput of the service:\n"
+                      << EndOf(mService->Output()) << "\nOutput of the platform:\n"
                       << EndOf(mPlatform->Output());
     }
 }

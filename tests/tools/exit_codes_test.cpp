@@ -1,5 +1,4 @@
-// The exit codes that scripts rely on, each provoked for real, with a sentence that says what was tried, where, and
-// what to do.
+// The exit codes that scripts rely on, each provoked in a real system, and the error messages that come with them.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,9 +26,9 @@ std::vector<std::string> With(std::vector<std::string> words, const std::vector<
 class ExitCode : public Alone {
   protected:
     void Expect(int code, const std::string& sentence, const FinishedRun& run) const {
-        EXPECT_EQ(code, run.exit) << run.Text();
-        EXPECT_EQ("", run.output);
-        EXPECT_EQ("hbbtvctl: " + sentence + "\n", run.errors);
+        EXPECT_EQ(run.exit, code) << run.Text();
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(run.errors, "hbbtvctl: " + sentence + "\n");
     }
 
     std::string Socket() const { return mDirectory / kSocket; }
@@ -38,15 +37,15 @@ class ExitCode : public Alone {
 TEST_F(ExitCode, IsZeroOrOneByTheStatus) {
     FakePlatform platform(kSocket, R"({"ret": 0, "handle": "0x10"})");
     ServiceProcess service;
-    ASSERT_NE(nullptr, FindVideoBroadcast());
-    EXPECT_EQ(0, Ctl(kCall).exit);
-    EXPECT_EQ(0, Ctl(kSend).exit);
+    ASSERT_NE(FindVideoBroadcast(), nullptr);
+    EXPECT_EQ(Ctl(kCall).exit, 0);
+    EXPECT_EQ(Ctl(kSend).exit, 0);
     platform.SetReply(R"({"ret": 17})");
     const FinishedRun call = Ctl(kCall);
-    EXPECT_EQ(1, call.exit);
+    EXPECT_EQ(call.exit, 1);
     EXPECT_THAT(call.output, HasSubstr("status   17\n"));
-    EXPECT_EQ("", call.errors) << "the platform's answer is no error of ours";
-    EXPECT_EQ(1, Ctl(kSend).exit);
+    EXPECT_EQ(call.errors, "") << "a status is not an error of hbbtvctl";
+    EXPECT_EQ(Ctl(kSend).exit, 1);
 }
 
 TEST_F(ExitCode, IsThreeWithoutAService) {
@@ -54,30 +53,34 @@ TEST_F(ExitCode, IsThreeWithoutAService) {
            "no process has registered vantorel.hardware.hbbtv@1.0::IChannelConfig in " +
                mDirectory /
                    "hidl; start the "
-                   "service with the same TMPDIR, or ask `hbbtvctl doctor`",
+                   "service with the same TMPDIR, or run `hbbtvctl doctor`",
            Ctl(kCall));
-    EXPECT_EQ(3, Ctl({"listen", "channel_config"}).exit);
-    EXPECT_EQ(3, Ctl({"bench", "IChannelConfig.GetCurrentChannel"}).exit);
+    EXPECT_EQ(Ctl({"listen", "channel_config"}).exit, 3);
+    EXPECT_EQ(Ctl({"bench", "IChannelConfig.GetCurrentChannel"}).exit, 3);
 }
 
 TEST_F(ExitCode, IsThreeWithoutASocket) {
-    Expect(3, Socket() + ": there is no such socket; is the other side running, with this directory?", Ctl(kSend));
+    Expect(3, "cannot connect to " + Socket() + ": no such socket; is the other side running with the same directory?",
+           Ctl(kSend));
     WriteFile(Socket(), "");
-    Expect(3, Socket() + ": is no socket; remove or rename it, and start the other side again", Ctl(kSend));
+    Expect(3, "cannot connect to " + Socket() + ": not a socket; remove or rename the file, and restart the other side",
+           Ctl(kSend));
     const std::string deep = mDirectory / std::string(100, 'd');
     const FinishedRun run = Ctl({"--directory", deep, "send", "channel_config.GetCurrentChannel"});
     Expect(3,
-           deep + "/" + kSocket +
-               ": the path is longer than the 107 bytes that a socket's address holds; use a shorter directory",
+           "cannot connect to " + deep + "/" + kSocket +
+               ": the path is longer than 107 bytes, the limit of socket addresses; use a shorter directory",
            run);
-    EXPECT_EQ(3, Ctl({"emit", "channel_config", "changed"}).exit);
+    EXPECT_EQ(Ctl({"emit", "channel_config", "changed"}).exit, 3);
 }
 
 TEST_F(ExitCode, IsThreeWithASocketThatThisUserMayNotConnectTo) {
     FakePlatform platform(kSocket, R"({"ret": 0})");
     chmod(mDirectory.Path().c_str(), 0777);
     chmod(Socket().c_str(), 0);
-    Expect(3, Socket() + ": the rights of the socket or its directory forbid it; its owner should make the socket 777",
+    Expect(3,
+           "cannot connect to " + Socket() +
+               ": permission denied; the mode of the socket should be 777, and its directory searchable",
            CtlWithoutPrivileges(kSend));
     EXPECT_TRUE(platform.Frames().empty());
 }
@@ -86,20 +89,21 @@ TEST_F(ExitCode, IsThreeWithAStaleSocket) {
     SimulatedPlatform platform;
     ASSERT_TRUE(platform.Ready());
     platform.Kill();
-    Expect(3, Socket() + ": nobody serves this socket any more (a stale file); start the other side again", Ctl(kSend));
+    Expect(3, "cannot connect to " + Socket() + ": no process serves this socket (stale file); restart the other side",
+           Ctl(kSend));
 }
 
 TEST_F(ExitCode, IsFourWhenThePlatformHangs) {
     SimulatedPlatform platform({"--fault", "stop-answering:channel_config"});
     ASSERT_TRUE(platform.Ready());
     ServiceProcess service;
-    ASSERT_NE(nullptr, FindVideoBroadcast());
-    Expect(4, Socket() + ": no answer within 100 ms; the other side hangs: look at its log, or start it again",
+    ASSERT_NE(FindVideoBroadcast(), nullptr);
+    Expect(4, Socket() + ": no reply within 100 ms; the other side hangs: check its log, or restart it",
            Ctl(With(kSend, {"--timeout", "100ms"})));
-    // Long enough for finding the interface, which the limit is for as well.
+    // Long enough for looking up the interface, which the limit covers as well.
     Expect(4,
-           "IChannelConfig.GetCurrentChannel: no answer within 2 s; the service hangs (`hbbtvctl doctor` looks at it), "
-           "or the platform behind it (`hbbtvctl send` asks it directly)",
+           "IChannelConfig.GetCurrentChannel: no reply within 2 s; the service hangs (see `hbbtvctl doctor`), or the "
+           "platform does (try `hbbtvctl send`)",
            Ctl(With(kCall, {"--timeout", "2s"})));
 }
 
@@ -107,17 +111,17 @@ TEST_F(ExitCode, IsFourWhenTheProcessIsStopped) {
     SimulatedPlatform platform;
     ASSERT_TRUE(platform.Ready());
     ServiceProcess service;
-    ASSERT_NE(nullptr, FindVideoBroadcast());
-    ASSERT_EQ(0, Ctl(kCall).exit);
+    ASSERT_NE(FindVideoBroadcast(), nullptr);
+    ASSERT_EQ(Ctl(kCall).exit, 0);
     service.Signal(SIGSTOP);
-    EXPECT_EQ(4, Ctl(With(kCall, {"--timeout", "100ms"})).exit);
+    EXPECT_EQ(Ctl(With(kCall, {"--timeout", "100ms"})).exit, 4);
     const FinishedRun list = Ctl({"list", "--timeout", "100ms"});
-    EXPECT_EQ(4, list.exit);
-    EXPECT_EQ("", list.output) << "all or nothing";
-    EXPECT_EQ(4, Ctl({"listen", "channel_config", "--timeout", "100ms"}).exit);
-    EXPECT_EQ(4, Ctl({"bench", "IChannelConfig.GetCurrentChannel", "--duration", "1ms", "--timeout", "100ms"}).exit);
+    EXPECT_EQ(list.exit, 4);
+    EXPECT_EQ(list.output, "") << "all or nothing";
+    EXPECT_EQ(Ctl({"listen", "channel_config", "--timeout", "100ms"}).exit, 4);
+    EXPECT_EQ(Ctl({"bench", "IChannelConfig.GetCurrentChannel", "--duration", "1ms", "--timeout", "100ms"}).exit, 4);
     platform.Signal(SIGSTOP);
-    EXPECT_EQ(4, Ctl(With(kSend, {"--timeout", "100ms"})).exit);
+    EXPECT_EQ(Ctl(With(kSend, {"--timeout", "100ms"})).exit, 4);
 }
 
 TEST_F(ExitCode, IsFiveWhenTheReplyIsNonsense) {
@@ -126,41 +130,39 @@ TEST_F(ExitCode, IsFiveWhenTheReplyIsNonsense) {
         return Socket() + ": the reply to channel_config.GetCurrentChannel " + what;
     };
     const FinishedRun nonsense = Ctl(kSend);
-    EXPECT_EQ(5, nonsense.exit);
+    EXPECT_EQ(nonsense.exit, 5);
     EXPECT_THAT(nonsense.errors, testing::StartsWith("hbbtvctl: " + sentence("is not valid JSON: line 1, column 1: ")));
     EXPECT_THAT(nonsense.errors, testing::EndsWith("; it begins \"nonsense\"\n"));
     platform.SetReply(R"(["ret", 0])");
-    Expect(5, sentence("is no object with a whole number under \"ret\"; it begins \"[\\\"ret\\\", 0]\""), Ctl(kSend));
+    Expect(5, sentence("is not an object with an integer \"ret\"; it begins \"[\\\"ret\\\", 0]\""), Ctl(kSend));
     platform.SetReply(R"({"ret": "0"})");
-    Expect(5, sentence("is no object with a whole number under \"ret\"; it begins \"{\\\"ret\\\": \\\"0\\\"}\""),
-           Ctl(kSend));
+    Expect(5, sentence("is not an object with an integer \"ret\"; it begins \"{\\\"ret\\\": \\\"0\\\"}\""), Ctl(kSend));
     platform.SetReply("");
-    Expect(5, sentence("is empty: the other side could not read the message"), Ctl(kSend));
+    Expect(5, sentence("is empty: the other side could not parse the message"), Ctl(kSend));
 }
 
-TEST_F(ExitCode, IsFiveWhenTheReplyCannotBe) {
+TEST_F(ExitCode, IsFiveWhenTheReplyIsTooLarge) {
     RawListener platform(Socket());
     CtlProcess send(kSend);
     RawConnection connection = platform.Accept();
     ASSERT_TRUE(connection.ReadFrame().has_value());
     connection.Write(HeaderBytes(0xffffffff, kReply, 3));
-    EXPECT_EQ(5, send.WaitForExit());
-    EXPECT_EQ("hbbtvctl: " + Socket() + ": the answer announces 4294967295 bytes, more than any message has\n",
-              send.Output());
+    EXPECT_EQ(send.WaitForExit(), 5);
+    EXPECT_EQ(send.Output(), "hbbtvctl: " + Socket() +
+                                 ": the header of the reply announces 4294967295 bytes, more than any message has\n");
 }
 
 TEST_F(ExitCode, IsSixWhenTheServiceIsKilledDuringTheCall) {
     FakePlatform platform(kSocket, [](const Frame&) { return std::nullopt; });
     ServiceProcess service;
-    ASSERT_NE(nullptr, FindVideoBroadcast());
+    ASSERT_NE(FindVideoBroadcast(), nullptr);
     CtlProcess call(kCall);
     ASSERT_TRUE(platform.WaitForFrames(1));
     service.Kill();
-    EXPECT_EQ(6, call.WaitForExit());
-    EXPECT_EQ(
-        "hbbtvctl: IChannelConfig.GetCurrentChannel: the service went away during the call; look at its log, and "
-        "start it again\n",
-        call.Output());
+    EXPECT_EQ(call.WaitForExit(), 6);
+    EXPECT_EQ(call.Output(),
+              "hbbtvctl: IChannelConfig.GetCurrentChannel: the service ended during the call; check its log, and "
+              "restart it\n");
 }
 
 TEST_F(ExitCode, IsSixWhenThePlatformGoesBeforeItsReply) {
@@ -170,36 +172,36 @@ TEST_F(ExitCode, IsSixWhenThePlatformGoesBeforeItsReply) {
         RawConnection connection = platform.Accept();
         ASSERT_TRUE(connection.ReadFrame().has_value());
     }
-    EXPECT_EQ(6, send.WaitForExit());
-    EXPECT_EQ("hbbtvctl: " + Socket() + ": the other side closed the connection without an answer; look at its log\n",
-              send.Output());
+    EXPECT_EQ(send.WaitForExit(), 6);
+    EXPECT_EQ(send.Output(),
+              "hbbtvctl: " + Socket() + ": the other side closed the connection without a reply; check its log\n");
 }
 
 TEST_F(ExitCode, IsTheCommandsOwnWhenTheReaderOfTheOutputHasGone) {
     const std::string program = HBBTVCTL_PROGRAM;
     const FinishedRun run =
         RunToEnd({"bash", "-c", "set -o pipefail; " + program + " list | true; echo ${PIPESTATUS[0]}"});
-    EXPECT_EQ("0\n", run.output);
-    EXPECT_EQ("", run.errors);
+    EXPECT_EQ(run.output, "0\n");
+    EXPECT_EQ(run.errors, "");
     const FinishedRun full = RunToEnd({"bash", "-c", program + " list >/dev/full"});
-    EXPECT_EQ(2, full.exit);
-    EXPECT_EQ("hbbtvctl: standard output: No space left on device\n", full.errors);
+    EXPECT_EQ(full.exit, 2);
+    EXPECT_EQ(full.errors, "hbbtvctl: cannot write standard output: No space left on device\n");
 }
 
 TEST_F(ExitCode, IsTwoWithAStandardDescriptorThatIsClosed) {
     FakePlatform platform(kSocket, R"({"ret": 0})");
     const auto run = [](const std::string& how) { return RunToEnd({"bash", "-c", "\"$0\" " + how, HBBTVCTL_PROGRAM}); };
     const FinishedRun output = run("send channel_config.GetCurrentChannel --json >&-");
-    EXPECT_EQ(2, output.exit);
-    EXPECT_EQ("hbbtvctl: standard output: Bad file descriptor\n", output.errors);
+    EXPECT_EQ(output.exit, 2);
+    EXPECT_EQ(output.errors, "hbbtvctl: cannot write standard output: Bad file descriptor\n");
     const FinishedRun raw = run("send channel_config --raw x --timeout 100ms >&-");
-    EXPECT_EQ(2, raw.exit) << raw.Text();
-    EXPECT_EQ("hbbtvctl: standard output: Bad file descriptor\n", raw.errors);
-    EXPECT_EQ(1u, platform.Frames().size()) << "what is meant for people does not go to the platform";
+    EXPECT_EQ(raw.exit, 2) << raw.Text();
+    EXPECT_EQ(raw.errors, "hbbtvctl: cannot write standard output: Bad file descriptor\n");
+    EXPECT_EQ(platform.Frames().size(), 1u) << "printed text does not go to the platform";
     const FinishedRun input = run("send channel_config.CreateChannelList - <&-");
-    EXPECT_EQ(2, input.exit);
-    EXPECT_EQ("hbbtvctl: standard input: cannot be read: Bad file descriptor\n", input.errors);
-    EXPECT_EQ(0, run("send channel_config.GetCurrentChannel 2>&-").exit) << "nobody needs it";
+    EXPECT_EQ(input.exit, 2);
+    EXPECT_EQ(input.errors, "hbbtvctl: cannot read standard input: Bad file descriptor\n");
+    EXPECT_EQ(run("send channel_config.GetCurrentChannel 2>&-").exit, 0) << "standard error is not needed";
 }
 
 }  // namespace

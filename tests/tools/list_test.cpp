@@ -1,4 +1,4 @@
-// hbbtvctl list: the interfaces, and every socket of either side with what is to be found there.
+// hbbtvctl list: the interfaces, and the state of every socket of both sides.
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -60,52 +60,52 @@ class List : public Alone {
 
 TEST_F(List, ShowsTheEndpointsOfBothSidesInTheOrderOfTheirKeys) {
     const Json::Value document = Document(Ctl({"list", "--json"}));
-    EXPECT_EQ("vantorel.hardware.hbbtv@1.0", document["package"].asString());
-    EXPECT_EQ(mDirectory.Path(), document["directory"].asString());
+    EXPECT_EQ(document["package"].asString(), "vantorel.hardware.hbbtv@1.0");
+    EXPECT_EQ(document["directory"].asString(), mDirectory.Path());
     Json::ArrayIndex next = 0;
     for (const Row& row : kRows) {
         const Json::Value& endpoint = document["endpoints"][next++];
-        EXPECT_EQ(row.family, endpoint["family"].asString());
-        EXPECT_EQ(row.servedBy, endpoint["served_by"].asString()) << row.socket;
-        EXPECT_EQ(row.key, endpoint["key"].asInt()) << row.socket;
-        EXPECT_EQ(row.port, endpoint["port"].asInt()) << row.socket;
-        EXPECT_EQ(mDirectory / row.socket, endpoint["path"].asString());
-        EXPECT_EQ("missing", endpoint["state"].asString()) << row.socket;
-        EXPECT_EQ("", endpoint["process"].asString()) << row.socket;
+        EXPECT_EQ(endpoint["family"].asString(), row.family);
+        EXPECT_EQ(endpoint["served_by"].asString(), row.servedBy) << row.socket;
+        EXPECT_EQ(endpoint["key"].asInt(), row.key) << row.socket;
+        EXPECT_EQ(endpoint["port"].asInt(), row.port) << row.socket;
+        EXPECT_EQ(endpoint["path"].asString(), mDirectory / row.socket);
+        EXPECT_EQ(endpoint["state"].asString(), "missing") << row.socket;
+        EXPECT_EQ(endpoint["process"].asString(), "") << row.socket;
     }
-    EXPECT_EQ(next, document["endpoints"].size());
-    ASSERT_EQ(18u, document["interfaces"].size());
+    EXPECT_EQ(document["endpoints"].size(), next);
+    ASSERT_EQ(document["interfaces"].size(), 18u);
     for (const Json::Value& interface : document["interfaces"]) EXPECT_FALSE(interface["registered"].asBool());
 }
 
-TEST_F(List, TellsTheStateOfASocketFile) {
+TEST_F(List, ShowsTheStateOfASocketFile) {
     const std::string name = "service_plugin_to_hbbtv_vb";
-    EXPECT_EQ("missing", Endpoint(name)["state"].asString());
+    EXPECT_EQ(Endpoint(name)["state"].asString(), "missing");
     WriteFile(mDirectory / name, "");
-    EXPECT_EQ("no socket", Endpoint(name)["state"].asString());
+    EXPECT_EQ(Endpoint(name)["state"].asString(), "no socket");
     std::remove((mDirectory / name).c_str());
     SimulatedPlatform platform;
     ASSERT_TRUE(platform.Ready());
-    EXPECT_EQ("serving", Endpoint(name)["state"].asString());
-    EXPECT_EQ("hbbtv-sim (" + std::to_string(platform.Pid()) + ")", Endpoint(name)["process"].asString());
+    EXPECT_EQ(Endpoint(name)["state"].asString(), "serving");
+    EXPECT_EQ(Endpoint(name)["process"].asString(), "hbbtv-sim (" + std::to_string(platform.Pid()) + ")");
     platform.Kill();
-    EXPECT_EQ("stale", Endpoint(name)["state"].asString());
-    EXPECT_EQ("", Endpoint(name)["process"].asString());
+    EXPECT_EQ(Endpoint(name)["state"].asString(), "stale");
+    EXPECT_EQ(Endpoint(name)["process"].asString(), "");
 }
 
 TEST_F(List, ShowsWhatAPlatformThatHangsServesWithoutWaitingForIt) {
     SimulatedPlatform platform;
     ASSERT_TRUE(platform.Ready());
     platform.Signal(SIGSTOP);
-    EXPECT_EQ("serving", Endpoint("service_plugin_to_hbbtv_vb")["state"].asString());
+    EXPECT_EQ(Endpoint("service_plugin_to_hbbtv_vb")["state"].asString(), "serving");
 }
 
 TEST_F(List, IsColouredAtATerminalUnlessNoColorIsSet) {
     const std::vector<std::string> atTerminal{"script", "-qec", std::string(HBBTVCTL_PROGRAM) + " list", "/dev/null"};
-    EXPECT_NE(std::string::npos, RunToEnd(atTerminal).output.find("\033[1mInterfaces of"));
+    EXPECT_NE(RunToEnd(atTerminal).output.find("\033[1mInterfaces of"), std::string::npos);
     const FinishedRun plain = RunToEnd(atTerminal, std::nullopt, {"NO_COLOR=1"});
-    EXPECT_NE(std::string::npos, plain.output.find("Interfaces of")) << plain.Text();
-    EXPECT_EQ(std::string::npos, plain.output.find('\033')) << plain.Text();
+    EXPECT_NE(plain.output.find("Interfaces of"), std::string::npos) << plain.Text();
+    EXPECT_EQ(plain.output.find('\033'), std::string::npos) << plain.Text();
 }
 
 class ListOfTheSystem : public InFrontOfTheSystem {};
@@ -114,18 +114,18 @@ TEST_F(ListOfTheSystem, NamesTheProcessesForPeople) {
     Listener listener({"channel_config"});
     ASSERT_TRUE(listener.Listens());
     const FinishedRun run = Ctl({"list"});
-    EXPECT_EQ(0, run.exit);
-    EXPECT_EQ("", run.errors);
+    EXPECT_EQ(run.exit, 0);
+    EXPECT_EQ(run.errors, "");
     const std::string& text = run.output;
-    EXPECT_NE(std::string::npos, text.find("Interfaces of vantorel.hardware.hbbtv@1.0\n")) << text;
-    EXPECT_NE(std::string::npos, text.find("  IVideoBroadcast           registered\n")) << text;
-    EXPECT_EQ(std::string::npos, text.find("not registered")) << text;
+    EXPECT_NE(text.find("Interfaces of vantorel.hardware.hbbtv@1.0\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("  IVideoBroadcast           registered\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find("not registered"), std::string::npos) << text;
     const std::string platform = "serving  hbbtv-sim (" + std::to_string(mPlatform->Pid()) + ")\n";
-    EXPECT_NE(std::string::npos, text.find("service_plugin_to_hbbtv_vb_chn               " + platform)) << text;
+    EXPECT_NE(text.find("service_plugin_to_hbbtv_vb_chn               " + platform), std::string::npos) << text;
     const std::string service =
         "serving  vantorel.hardware.hbbtv@1.0-service (" + std::to_string(mService->Pid()) + ")\n";
-    EXPECT_NE(std::string::npos, text.find("service_hbbtv_to_plugin_vb_chn_config  " + service)) << text;
-    EXPECT_EQ(std::string::npos, text.find('\033')) << "no colours: this is no terminal";
+    EXPECT_NE(text.find("service_hbbtv_to_plugin_vb_chn_config  " + service), std::string::npos) << text;
+    EXPECT_EQ(text.find('\033'), std::string::npos) << "no colours: this is no terminal";
 }
 
 }  // namespace

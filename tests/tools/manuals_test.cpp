@@ -1,4 +1,4 @@
-// Manual pages and completion scripts: made by the build, without a warning of man and groff, put in their places.
+// Manual pages and completion scripts: built, free of warnings from man and groff, and installed.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -30,29 +30,29 @@ std::set<std::string> Pages() {
     return pages;
 }
 
-TEST(Manuals, AreThereForTheProgramAndEachCommand) {
-    EXPECT_EQ(Pages(), NamesIn(HBBTVCTL_MANUALS));
+TEST(Manuals, ExistForTheProgramAndEachCommand) {
+    EXPECT_EQ(NamesIn(HBBTVCTL_MANUALS), Pages());
 }
 
-TEST(Manuals, PleaseManAndGroff) {
+TEST(Manuals, HaveNoWarningsOfManAndGroff) {
     ScratchDirectory directory;
     for (const std::string& page : Pages()) {
         const std::string path = std::string(HBBTVCTL_MANUALS) + "/" + page;
         const FinishedRun man =
             RunToEnd({"man", "--warnings", "-l", path}, std::nullopt, {"LC_ALL=C.UTF-8", "MANWIDTH=80"});
-        EXPECT_EQ(0, man.exit);
-        EXPECT_EQ("", man.errors) << page;
+        EXPECT_EQ(man.exit, 0);
+        EXPECT_EQ(man.errors, "") << page;
         EXPECT_THAT(man.output, HasSubstr("SYNOPSIS\n")) << page;
         const FinishedRun groff = RunToEnd({"groff", "-ww", "-man", "-Tutf8", path});
-        EXPECT_EQ(0, groff.exit);
-        EXPECT_EQ("", groff.errors) << page;
+        EXPECT_EQ(groff.exit, 0);
+        EXPECT_EQ(groff.errors, "") << page;
     }
-    // They would tell of a fault.
+    // Check that man reports errors at all.
     WriteFile(directory / "wrong.1", ".TH X 1\n.SH NAME\nx \\- y\n.nosuchrequest\n");
-    EXPECT_NE("", RunToEnd({"groff", "-ww", "-man", "-Tutf8", directory / "wrong.1"}).errors);
+    EXPECT_NE(RunToEnd({"groff", "-ww", "-man", "-Tutf8", directory / "wrong.1"}).errors, "");
 }
 
-TEST(Manuals, SayWhatHelpSays) {
+TEST(Manuals, HaveTheContentOfHelp) {
     ScratchDirectory directory;
     for (const std::string& command : kCommands) {
         const std::string help = Ctl({command, "--help"}).output;
@@ -71,16 +71,16 @@ TEST(Manuals, SayWhatHelpSays) {
         EXPECT_THAT(help, testing::Not(HasSubstr("SUBCOMMAND")));
     }
     EXPECT_THAT(Ctl({"call", "--help"}).output,
-                HasSubstr("  --timeout TIME          Longest wait for the answer; 10s without it\n"));
+                HasSubstr("  --timeout TIME          Maximum time to wait for the reply (default: 10s)\n"));
 }
 
 TEST(Manuals, AreInstalledWhereTheyBelong) {
     ScratchDirectory directory;
     const FinishedRun run = RunToEnd(
         {HBBTV_CMAKE, "--install", std::string(HBBTV_BUILD_DIR) + "/tools/hbbtvctl", "--prefix", directory / "usr"});
-    ASSERT_EQ(0, run.exit) << run.Text();
-    EXPECT_EQ(Pages(), NamesIn(directory / "usr/share/man/man1"));
-    EXPECT_EQ(std::set<std::string>{"hbbtvctl"}, NamesIn(directory / "usr/bin"));
+    ASSERT_EQ(run.exit, 0) << run.Text();
+    EXPECT_EQ(NamesIn(directory / "usr/share/man/man1"), Pages());
+    EXPECT_EQ(NamesIn(directory / "usr/bin"), std::set<std::string>{"hbbtvctl"});
     for (const auto& [shell, path] : {std::pair("bash", "usr/share/bash-completion/completions/hbbtvctl"),
                                       std::pair("zsh", "usr/share/zsh/site-functions/_hbbtvctl"),
                                       std::pair("fish", "usr/share/fish/vendor_completions.d/hbbtvctl.fish")}) {

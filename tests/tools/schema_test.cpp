@@ -9,7 +9,7 @@ namespace hbbtv::test {
 
 namespace {
 
-// Debian's python3-jsonschema belongs to this Python. One line is one document.
+// python3-jsonschema of Debian is installed for this Python. Each line is one document.
 const char* const kValidator = R"(
 import json, sys
 from jsonschema import Draft202012Validator
@@ -24,7 +24,7 @@ for line in sys.stdin:
 std::string Validate(const std::string& lines) {
     const FinishedRun run =
         RunToEnd({"/usr/bin/python3", "-c", kValidator, HBBTV_SOURCE_DIR "/docs/hbbtvctl.schema.json"}, lines);
-    EXPECT_EQ(0, run.exit) << run.Text();
+    EXPECT_EQ(run.exit, 0) << run.Text();
     return run.output;
 }
 
@@ -79,7 +79,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     const auto run = [&lines](std::vector<std::string> words) {
         words.push_back("--json");
         const std::string output = Ctl(words).output;
-        EXPECT_NE("", output) << words[0];
+        EXPECT_NE(output, "") << words[0];
         lines += output;
     };
     for (const auto& command : commands) run(command);
@@ -87,23 +87,23 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     ASSERT_TRUE(listener.Listens()) << listener.Output();
     run({"emit", "channel_config", "changed", "reserved=1"});
     run({"emit", "video_broadcast", "--raw", "x", "--timeout", "50ms"});
-    ASSERT_EQ(0, Ctl({"call", "IVideoBroadcast.BindToCurrentChannel", vb}).exit);
+    ASSERT_EQ(Ctl({"call", "IVideoBroadcast.BindToCurrentChannel", vb}).exit, 0);
     ASSERT_TRUE(listener.WaitForEvents(2)) << listener.Output();
     const std::string events = listener.Output();
     lines += events.substr(events.find('{'), events.rfind('\n') + 1 - events.find('{'));
     EXPECT_THAT(Validate(lines), testing::MatchesRegex("(valid\n)+"));
 
-    // No command with --json is missing here.
+    // Every command with --json is in the list above.
     for (const char* command :
          {"list", "describe", "call", "listen", "send", "emit", "play", "bench", "doctor", "completion", "man"}) {
         const bool tried =
             std::string(command) == "listen" || std::string(command) == "emit" ||
             std::any_of(commands.begin(), commands.end(), [&](const auto& words) { return words[0] == command; });
-        EXPECT_EQ(tried, Ctl({command, "--help"}).output.find("  --json ") != std::string::npos) << command;
+        EXPECT_EQ(Ctl({command, "--help"}).output.find("  --json ") != std::string::npos, tried) << command;
     }
 }
 
-TEST(SchemaOfJson, RefusesWhatIsNot) {
+TEST(SchemaOfJson, RejectsOtherDocuments) {
     ScratchDirectory directory;
     EXPECT_THAT(Validate("{}\n"
                          "[]\n"

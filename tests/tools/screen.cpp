@@ -27,12 +27,12 @@ Screen::Screen(const std::string& shell)
       mTerminal({"tmux", "-u", "-D", "-f", "/dev/null", "-S", mSocket},
                 {PathWithProgram(), std::string("HOME=") + std::getenv("TMPDIR"), "LC_ALL=C.UTF-8", "TERM=xterm"}) {
     // The socket's file is there before anybody listens on it.
-    WaitFor([&] { return Tell({"new-session", "-d", "-x", "100", "-y", "40", shell}); });
+    WaitFor([&] { return Run({"new-session", "-d", "-x", "100", "-y", "40", shell}); });
     // What is typed before the prompt is there may lose its end of line: the shell changes the terminal's mode.
     WaitFor([&] { return EndsWithAPrompt(Text()); });
 }
 
-bool Screen::Tell(const std::vector<std::string>& command) const {
+bool Screen::Run(const std::vector<std::string>& command) const {
     // -N: never a server of tmux's own making, which would outlive the test.
     std::vector<std::string> words{"tmux", "-N", "-S", mSocket};
     words.insert(words.end(), command.begin(), command.end());
@@ -41,11 +41,11 @@ bool Screen::Tell(const std::vector<std::string>& command) const {
 }
 
 void Screen::Type(const std::string& text) const {
-    Tell({"send-keys", "-l", text});
+    Run({"send-keys", "-l", text});
 }
 
 void Screen::Press(const std::string& key) const {
-    Tell({"send-keys", key});
+    Run({"send-keys", key});
 }
 
 std::string Screen::Text() const {

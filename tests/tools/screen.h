@@ -1,4 +1,4 @@
-// A terminal with a shell in it: keys go in, and what the screen shows comes out. tmux plays the terminal.
+// A terminal with a shell, run by tmux: tests send keys and read the screen.
 #pragma once
 
 #include <string>
@@ -14,16 +14,16 @@ class Screen {
     explicit Screen(const std::string& shell);
 
     void Type(const std::string& text) const;
-    void Press(const std::string& key) const;  // as tmux names it: "Tab", "Enter", "C-u"
+    void Press(const std::string& key) const;  // a key name of tmux: "Tab", "Enter", "C-u"
 
-    // All lines, without the blanks behind them.
+    // Returns all lines, without trailing blanks.
     std::string Text() const;
 
     bool WaitForText(const std::string& text) const;
 
   private:
-    // Whether tmux did it.
-    bool Tell(const std::vector<std::string>& command) const;
+    // Returns whether tmux succeeded.
+    bool Run(const std::vector<std::string>& command) const;
 
     std::string mSocket;
     ChildProcess mTerminal;

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <memory>
 
+#include "common/text/json.h"
 #include "ipc/tolm_ipc_key_converter.h"
 #include "lenient_readings.h"
 #include "log_capture.h"

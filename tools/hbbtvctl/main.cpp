@@ -1,4 +1,4 @@
-// hbbtvctl: one program for the people who bring a browser and a platform together. The commands are in commands/.
+// hbbtvctl: a tool for engineers who integrate a browser and a platform. The commands are in commands/.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -13,9 +13,10 @@
 #include <cstring>
 #include <utility>
 
+#include "cli/help.h"
+#include "cli/options.h"
+#include "cli/self_description.h"
 #include "commands/commands.h"
-#include "commands/help.h"
-#include "commands/options.h"
 #include "common/failure.h"
 #include "common/interruption.h"
 #include "common/nearest_name.h"
@@ -30,19 +31,19 @@ namespace {
 const char* const kFooter =
     "`hbbtvctl COMMAND --help` explains a command.\n\n"
     "Exit codes:\n"
-    "  0  done\n"
-    "  1  the platform's status is not 0\n"
-    "  2  the command line makes no sense\n"
-    "  3  nobody is there\n"
-    "  4  no answer in time\n"
-    "  5  an answer that is not understood\n"
-    "  6  the other side went away\n"
+    "  0  success\n"
+    "  1  the platform returned a status other than 0\n"
+    "  2  invalid command line, or output cannot be written\n"
+    "  3  no service, no socket, or no client\n"
+    "  4  no reply in time\n"
+    "  5  invalid reply\n"
+    "  6  connection lost\n"
     "  7  a line of a play did not hold\n"
     "  130  a play was interrupted\n\n"
     "Environment:\n"
-    "  TMPDIR         where the sockets are, unless --directory says so; /tmp without it\n"
-    "  HIDL_HOST_DIR  where processes find interfaces; hidl-host in the sockets' directory without it\n"
-    "  NO_COLOR       no colours, also at a terminal";
+    "  TMPDIR         directory of the sockets, unless --directory is given (default: /tmp)\n"
+    "  HIDL_HOST_DIR  directory where interfaces are registered (default: hidl-host in that directory)\n"
+    "  NO_COLOR       disables colors";
 
 void AddCommands(CLI::App& app, Invocation& invocation) {
     for (const auto add : {AddList, AddDescribe, AddCall, AddListen, AddSend, AddEmit, AddPlay, AddBench, AddDoctor,
@@ -51,12 +52,12 @@ void AddCommands(CLI::App& app, Invocation& invocation) {
     }
 }
 
-// What the parser says, with the name that was probably meant.
+// Returns the message for an invalid command line, with a suggestion if a known name is similar.
 std::string Explained(const CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& words) {
     const CLI::App* command = &app;
     std::set<std::string> known;
     for (const CLI::App* sub : app.get_subcommands({})) known.insert(sub->get_name());
-    bool value = false;  // whether the word belongs to the option in front of it
+    bool value = false;  // whether the word is the value of the option before it
     for (const std::string& word : words) {
         if (word == "--") break;
         if (std::exchange(value, false) || word.empty() || word == "-") continue;
@@ -67,35 +68,36 @@ std::string Explained(const CLI::App& app, const CLI::ParseError& error, const s
                 continue;
             }
             if (app.get_option_no_throw(name) != nullptr && command != &app) {
-                return "the option " + name + " stands in front of the command";
+                return "option " + name + " must precede the command";
             }
             std::set<std::string> options;
             for (const CLI::Option* option : command->get_options()) {
                 if (!option->get_group().empty() && !option->get_positional()) options.insert(option->get_name());
             }
-            return "there is no option " + Quoted(name) + DidYouMean(name, options, kShortList);
+            return "unknown option " + Quoted(name) + DidYouMean(name, options, kShortList);
         }
         if (command != &app) continue;
         if (known.count(word) == 0) {
-            return "there is no command " + Quoted(word) + DidYouMean(word, known, kShortList);
+            return "unknown command " + Quoted(word) + DidYouMean(word, known, kShortList);
         }
         command = app.get_subcommand(word);
     }
-    if (value) return words.back() + " needs a value: " + command->get_option(words.back())->get_type_name();
-    if (command == &app) return "there is no command to run";
+    if (value)
+        return "option " + words.back() + " requires a value: " + command->get_option(words.back())->get_type_name();
+    if (command == &app) return "no command given";
     if (!command->remaining().empty()) {
-        return command->get_name() + " has an argument too many, " + Quoted(command->remaining().front());
+        return command->get_name() + ": unexpected argument " + Quoted(command->remaining().front());
     }
     return error.what();
 }
 
-// The HIDL runtime finds services by it, too.
+// The HIDL runtime reads it, too.
 void UseDirectory(const Invocation& invocation) {
     setenv("TMPDIR", invocation.directory.c_str(), 1);
 }
 
-// A standard descriptor that is closed would be the number of the next socket or file, and what is meant for people
-// would go there. These fail as the closed one does.
+// The next socket or file would get the number of a closed standard descriptor, and receive what is printed. The
+// descriptors opened here fail in the same way as closed ones.
 void FillClosedDescriptors() {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
@@ -103,19 +105,19 @@ void FillClosedDescriptors() {
 }
 
 std::string CheckDirectoryName(const std::string& name) {
-    return name.empty() ? "an empty text is no directory" : "";
+    return name.empty() ? "the name is empty" : "";
 }
 
 int Main(int argc, char** argv) {
     FillClosedDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
-    CLI::App app("Look at, call, listen to and play either side of the HbbTV service library.");
+    CLI::App app("Inspect the HbbTV service library, call it, and take the place of either side.");
     app.name("hbbtvctl");
-    app.set_version_flag("--version", "hbbtvctl " HBBTV_VERSION, "Show the version and end");
+    app.set_version_flag("--version", "hbbtvctl " HBBTV_VERSION, "Show the version and exit");
     app.footer(kFooter);
     app.require_subcommand(1);
     Invocation invocation{DefaultDirectory(), nullptr};
-    app.add_option("--directory", invocation.directory, "Where the sockets are; $TMPDIR, or /tmp")
+    app.add_option("--directory", invocation.directory, "Directory of the sockets (default: $TMPDIR, or /tmp)")
         ->type_name("DIR")
         ->check(CheckDirectoryName);
     AddCommands(app, invocation);
@@ -131,8 +133,8 @@ int Main(int argc, char** argv) {
     } catch (const CLI::ParseError& e) {
         const auto asked = app.get_subcommands();
         const std::string help = asked.empty() ? "" : asked[0]->get_name() + " ";
-        std::fprintf(stderr, "hbbtvctl: %s\n`hbbtvctl %s--help` shows what there is.\n",
-                     Explained(app, e, words).c_str(), help.c_str());
+        std::fprintf(stderr, "hbbtvctl: %s\nSee `hbbtvctl %s--help`.\n", Explained(app, e, words).c_str(),
+                     help.c_str());
         return kUsage;
     }
     UseDirectory(invocation);
@@ -147,11 +149,11 @@ int Main(int argc, char** argv) {
     }
 }
 
-// Output that could not be written is lost to whoever asked for it; a reader that went away wanted no more.
+// Lost output is an error, except if the reader has closed its end.
 int Flushed(int code) {
     const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
     if (written || errno == EPIPE || code != kDone) return code;
-    std::fprintf(stderr, "hbbtvctl: standard output: %s\n", std::strerror(errno));
+    std::fprintf(stderr, "hbbtvctl: cannot write standard output: %s\n", std::strerror(errno));
     return kUsage;
 }
 
@@ -161,7 +163,6 @@ int Flushed(int code) {
 
 int main(int argc, char** argv) {
     const int code = hbbtv::ctl::Flushed(hbbtv::ctl::Main(argc, argv));
-    // Not exit(): threads of the HIDL pool may be in a callback, and one that waits for a service that hangs never
-    // ends.
+    // Not exit(): threads of the HIDL pool may be in a callback, or wait forever for a service that hangs.
     std::_Exit(code);
 }

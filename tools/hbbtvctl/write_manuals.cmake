@@ -1,6 +1,6 @@
 # cmake -DHBBTVCTL=PROGRAM -DMANUALS=DIR -DCOMPLETIONS=DIR -P write_manuals.cmake
 #
-# Writes the manual pages of the program and of each command that its own page lists, and the completion scripts.
+# Writes the completion scripts and the manual pages: that of the program, and those that its SEE ALSO section lists.
 function(write_output file)
     execute_process(COMMAND ${HBBTVCTL} ${ARGN} OUTPUT_VARIABLE text COMMAND_ERROR_IS_FATAL ANY)
     file(WRITE ${file} "${text}")

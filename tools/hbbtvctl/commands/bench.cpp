@@ -1,4 +1,4 @@
-// hbbtvctl bench: how long calls of one method take under load.
+// hbbtvctl bench: measures the latency of a method under load.
 #include <algorithm>
 #include <atomic>
 #include <cmath>
@@ -8,9 +8,9 @@
 #include <optional>
 #include <thread>
 
-#include "arguments.h"
+#include "cli/arguments.h"
+#include "cli/options.h"
 #include "commands/commands.h"
-#include "commands/options.h"
 #include "common/failure.h"
 #include "common/text/json.h"
 #include "common/text/quote.h"
@@ -37,18 +37,18 @@ struct BenchOptions {
 
 struct Measured {
     std::vector<Nanoseconds> times;
-    uint64_t failed = 0;  // a status that is not 0
+    uint64_t failed = 0;  // calls with a status other than 0
     CallOutcome last;
 };
 
-// The calls of all threads in turn: at their times when there is a rate, otherwise as fast as they go. The first is
-// made in any case, however late its thread comes to it on a busy machine.
+// Schedules the calls of all threads: at a rate if there is one, otherwise as fast as possible. The first call is
+// always made, even if its thread starts late on a busy machine.
 class Pace {
   public:
     Pace(Clock::time_point begin, Clock::time_point end, double rate) : mBegin(begin), mEnd(end), mRate(rate) {}
 
-    // Waits for the next call's time and gives it, or for the end, and gives nothing. With a rate, a call that begins
-    // late counts from when it was due: waiting for a slow service is part of what a client sees.
+    // Waits until the next call is due and returns that time, or returns nothing at the end. With a rate, the latency
+    // of a call that starts late counts from when it was due, because a client would have waited, too.
     std::optional<Clock::time_point> Next() {
         const uint64_t number = mNumber++;
         const Clock::time_point due = mRate > 0 ? Due(number) : Clock::now();
@@ -57,7 +57,7 @@ class Pace {
     }
 
   private:
-    // The end, for what is due then or later.
+    // Returns at most the end.
     Clock::time_point Due(uint64_t number) const {
         const std::chrono::duration<double> after(static_cast<double>(number) / mRate);
         return after < mEnd - mBegin ? mBegin + std::chrono::duration_cast<Nanoseconds>(after) : mEnd;
@@ -75,7 +75,7 @@ Nanoseconds Percentile(const std::vector<Nanoseconds>& sorted, double percent) {
     return sorted[std::max<size_t>(rank, 1) - 1];
 }
 
-// Everything that the threads touch, which may outlive the command when the service hangs.
+// All data of the threads, which outlive the command if the service hangs.
 struct Job {
     Job(const Interface& interface, const Method& theMethod, Json::Value theArguments, const BenchOptions& options)
         : service(interface, options.timeout.Value()),
@@ -93,7 +93,7 @@ struct Job {
     Pace pace;
     NoEvents noEvents;
     std::mutex mutex;
-    Measured measured;  // guarded by mutex while threads run
+    Measured measured;  // guarded by mutex while the threads run
 };
 
 void Work(Job& job) {
@@ -142,7 +142,7 @@ void Print(const std::string& name, const BenchOptions& options, const Measured&
         std::printf("%s\n", WriteJson(document).c_str());
         return;
     }
-    std::printf("%s, %u at once, %.1f s: %zu calls, %.0f per second, %llu with a status other than 0\n", name.c_str(),
+    std::printf("%s, concurrency %u, %.1f s: %zu calls, %.0f per second, %llu failed\n", name.c_str(),
                 options.concurrency, seconds, measured.times.size(), rate,
                 static_cast<unsigned long long>(measured.failed));
     std::vector<std::vector<std::string>> rows;
@@ -159,17 +159,16 @@ std::string AboveZero(const std::string& word) {
     char* end = nullptr;
     const double number = std::strtod(word.c_str(), &end);
     const bool good = !word.empty() && *end == '\0' && std::isfinite(number) && number > 0;
-    return good ? "" : Quoted(word) + " is no number above 0";
+    return good ? "" : Quoted(word) + " is not a number greater than 0";
 }
 
 int Run(const BenchOptions& options) {
     const auto [interface, method] = Package::Get().FindMethod(options.method);
     const std::string name = interface->name + "." + method->name;
-    if (interface->callback)
-        throw Failure(kUsage, interface->name + " is implemented by clients, so it cannot be called");
+    if (interface->callback) throw Failure(kUsage, "cannot call " + interface->name + ": clients implement it");
     const Json::Value arguments =
         InOrder(method->arguments, ReadArguments(name, method->arguments, options.arguments.given, true));
-    if (Listens(arguments)) throw Failure(kUsage, "bench shows no events: use call or listen with @listen");
+    if (Listens(arguments)) throw Failure(kUsage, "bench does not support @listen; use call or listen");
     const auto job = std::make_shared<Job>(*interface, *method, arguments, options);
     InTime(options.duration.Value() + options.timeout.Value(), name,
            [job, concurrency = options.concurrency] { WorkAtOnce(*job, concurrency); });
@@ -185,20 +184,20 @@ int Run(const BenchOptions& options) {
 
 void AddBench(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<BenchOptions>();
-    CLI::App* command = app.add_subcommand("bench", "Measure how long calls of a method take");
-    command->add_option("METHOD", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
+    CLI::App* command = app.add_subcommand("bench", "Measure the latency of a method");
+    command->add_option("METHOD", options->method, "INTERFACE.METHOD, for example IChannel.GetOnid")
         ->type_name("METHOD")
         ->required();
     AddArguments(*command, options->arguments);
-    command->add_option("--concurrency", options->concurrency, "Calls at once")
+    command->add_option("--concurrency", options->concurrency, "Number of concurrent calls")
         ->type_name("NUMBER")
         ->check(WholeNumber(1, kMostAtOnce))
         ->capture_default_str();
-    AddTime(*command, "--duration", options->duration, "How long to go on");
-    command->add_option("--rate", options->rate, "Calls per second, all together; as fast as it goes without it")
+    AddTime(*command, "--duration", options->duration, "How long to measure");
+    command->add_option("--rate", options->rate, "Calls per second in total (default: as fast as possible)")
         ->type_name("NUMBER")
         ->check(AboveZero);
-    AddTime(*command, "--timeout", options->timeout, "Longest wait for an answer");
+    AddTime(*command, "--timeout", options->timeout, "Maximum time to wait for a reply");
     command->footer(
         "Examples:\n"
         "  hbbtvctl bench IChannelConfig.GetCurrentChannel --duration 1s\n"

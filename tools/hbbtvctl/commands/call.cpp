@@ -1,13 +1,13 @@
-// hbbtvctl call: one method of a registered interface.
+// hbbtvctl call: calls a method of the running service.
 #include <cstdio>
 
-#include "arguments.h"
+#include "cli/arguments.h"
+#include "cli/options.h"
 #include "commands/commands.h"
-#include "commands/options.h"
 #include "common/failure.h"
 #include "common/text/json.h"
-#include "death_notice.h"
-#include "event_printer.h"
+#include "events/death_notice.h"
+#include "events/event_printer.h"
 #include "package/caller.h"
 #include "package/handles.h"
 #include "terminal/style.h"
@@ -52,7 +52,7 @@ void PrintForPrograms(const std::string& name, const Method& method, const Json:
     std::printf("%s\n", WriteJson(document).c_str());
 }
 
-// The exit code by the status.
+// Returns the exit code for the status.
 int CallAndPrint(ServiceCaller& service, const Method& method, const Json::Value& arguments, EventSink& events,
                  const CallOptions& options) {
     const auto begin = std::chrono::steady_clock::now();
@@ -67,10 +67,10 @@ int CallAndPrint(ServiceCaller& service, const Method& method, const Json::Value
     return StatusOf(method, results) == 0 ? kDone : kStatusNotZero;
 }
 
-// The service forgets the callback when this process ends.
+// Does not unregister: the service drops the callback object when this process ends.
 int CallAndListen(const Interface& interface, const Method& method, const Json::Value& arguments,
                   const CallOptions& options) {
-    // Callbacks may come as long as the process lives.
+    // Static: callbacks may arrive until the process ends.
     static Interruption interruption;
     static EventPrinter events({options.arguments.json, options.numbers, {}, options.count}, interruption);
     ServiceCaller service(interface, options.timeout.Value());
@@ -86,15 +86,14 @@ int Run(const CallOptions& options) {
     const auto [interface, method] = Package::Get().FindMethod(options.method);
     const std::string name = interface->name + "." + method->name;
     if (interface->callback) {
-        throw Failure(kUsage, interface->name +
-                                  " is implemented by clients, so it cannot be called; `hbbtvctl emit` "
-                                  "plays the platform, whose events reach it");
+        throw Failure(kUsage, "cannot call " + interface->name +
+                                  ": clients implement it; `hbbtvctl emit` sends the events that reach it");
     }
     const Json::Value byName = ReadArguments(name, method->arguments, options.arguments.given, true);
     const Json::Value arguments = InOrder(method->arguments, byName);
     if (Listens(arguments)) return CallAndListen(*interface, *method, arguments, options);
     if (options.count != 0 || options.duration.Limit()) {
-        throw Failure(kUsage, "--for and --count end the listening to a callback given as @listen; there is none");
+        throw Failure(kUsage, "--for and --count require an argument @listen");
     }
     static NoEvents events;
     ServiceCaller service(*interface, options.timeout.Value());
@@ -106,15 +105,15 @@ int Run(const CallOptions& options) {
 void AddCall(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<CallOptions>();
     CLI::App* command = app.add_subcommand("call", "Call a method of the running service");
-    command->add_option("METHOD", options->method, "INTERFACE.METHOD, as in IChannel.GetOnid")
+    command->add_option("METHOD", options->method, "INTERFACE.METHOD, for example IChannel.GetOnid")
         ->type_name("METHOD")
         ->required();
     AddArguments(*command, options->arguments);
-    command->add_flag("--time", options->time, "Tell how long the call took");
-    command->add_flag("--numbers", options->numbers, "In JSON, enumerators by number instead of by name");
-    AddTime(*command, "--timeout", options->timeout, "Longest wait for the answer");
-    AddTime(*command, "--for", options->duration, "With @listen: end after this time");
-    command->add_option("--count", options->count, "With @listen: end after so many events")
+    command->add_flag("--time", options->time, "Show how long the call took");
+    command->add_flag("--numbers", options->numbers, "In JSON, print enumerators as numbers instead of names");
+    AddTime(*command, "--timeout", options->timeout, "Maximum time to wait for the reply");
+    AddTime(*command, "--for", options->duration, "With @listen, stop after this time");
+    command->add_option("--count", options->count, "With @listen, stop after this many events")
         ->type_name("NUMBER")
         ->check(WholeNumber(1));
     command->footer(

@@ -1,22 +1,14 @@
-// The commands of hbbtvctl. Each adds itself to the command line, with its options, and says what to run when it is the
-// one that was asked for.
+// The commands of hbbtvctl. Each function adds a command with its options to the command line; if the command is used,
+// it sets what to run.
 #pragma once
 
-#include <functional>
-#include <string>
-#include <vector>
+#include "cli/invocation.h"
 
 namespace CLI {
 class App;
-class Option;
 }  // namespace CLI
 
 namespace hbbtv::ctl {
-
-struct Invocation {
-    std::string directory;     // of the sockets
-    std::function<int()> run;  // set by the command that was asked for; gives the exit code
-};
 
 void AddList(CLI::App& app, Invocation& invocation);
 void AddDescribe(CLI::App& app, Invocation& invocation);
@@ -27,11 +19,5 @@ void AddEmit(CLI::App& app, Invocation& invocation);
 void AddPlay(CLI::App& app, Invocation& invocation);
 void AddBench(CLI::App& app, Invocation& invocation);
 void AddDoctor(CLI::App& app, Invocation& invocation);
-void AddCompletion(CLI::App& app, Invocation& invocation);
-void AddMan(CLI::App& app, Invocation& invocation);
-
-// What the completion scripts ask as `hbbtvctl complete -- WORD...`: prints the candidates for the last of the words,
-// each with a tab and a hint. Gives the exit code.
-int Complete(const CLI::App& app, const std::vector<std::string>& words);
 
 }  // namespace hbbtv::ctl

@@ -1,8 +1,8 @@
-// hbbtvctl describe: what the .hal files and the wire say of a name.
+// hbbtvctl describe: prints the documentation of a name, from the .hal files and protocol/.
 #include <cstdio>
 
+#include "cli/options.h"
 #include "commands/commands.h"
-#include "commands/options.h"
 #include "common/failure.h"
 #include "common/nearest_name.h"
 #include "terminal/style.h"
@@ -21,7 +21,7 @@ std::string List(const std::vector<Parameter>& parameters) {
     return "(" + text + ")";
 }
 
-// On one line, or the results below the arguments.
+// Formats on one line, or with the results on a second one.
 std::string Signature(const std::string& name, const Method& method, const std::string& indent) {
     const std::string hanging = indent + "        ";
     const std::string call = name + List(method.arguments);
@@ -40,7 +40,7 @@ std::string FirstSentence(const std::string& doc) {
 
 std::string MemberText(const Json::Value& member) {
     std::string text = member["key"].asString() + " (" + member["type"].asString() + ")";
-    if (member.isMember("repeat")) text += ", %d from 0, as many as \"" + member["repeat"].asString() + "\" says";
+    if (member.isMember("repeat")) text += ", %d from 0 to \"" + member["repeat"].asString() + "\" - 1";
     if (member.isMember("doc")) text += ": " + member["doc"].asString();
     return text;
 }
@@ -165,8 +165,8 @@ std::set<std::string> AllNames(const Package& package) {
     return names;
 }
 
-// The part before a dot is an interface or a family, without a dot it may be a type as well. Exact names first: the
-// interface IChannel and the family channel differ.
+// The part before a dot is an interface or a family; a name without a dot can also be a type. Exact names take
+// precedence, because the interface IChannel and the family channel differ.
 int Run(const std::string& name) {
     const Package& package = Package::Get();
     const size_t dot = name.find('.');
@@ -181,9 +181,9 @@ int Run(const std::string& name) {
         if (family.name != owner) continue;
         if (member.empty()) return DescribeFamily(family);
         if (const Json::Value* operation = family.Operation(member)) return DescribeOperation(family, *operation);
-        throw Failure(kUsage, "the family " + family.name + " has no operation \"" + member + "\"" +
-                                  DidYouMean(member, family.OperationNames(), kShortList) + " (`hbbtvctl describe " +
-                                  family.name + "` shows all)");
+        throw Failure(kUsage, "family " + family.name + " has no operation \"" + member + "\"" +
+                                  DidYouMean(member, family.OperationNames(), kShortList) +
+                                  " (see `hbbtvctl describe " + family.name + "`)");
     }
     if (!member.empty()) {
         const auto [interface, method] = package.FindMethod(name);
@@ -192,9 +192,8 @@ int Run(const std::string& name) {
     try {
         return DescribeInterface(package.FindInterface(name));
     } catch (const Failure&) {
-        throw Failure(kUsage, "there is no interface, family or type \"" + name + "\"" +
-                                  DidYouMean(name, AllNames(package), kShortList) +
-                                  " (`hbbtvctl list` shows interfaces and families)");
+        throw Failure(kUsage, "unknown interface, family or type \"" + name + "\"" +
+                                  DidYouMean(name, AllNames(package), kShortList) + " (see `hbbtvctl list`)");
     }
 }
 
@@ -204,7 +203,7 @@ void AddDescribe(CLI::App& app, Invocation& invocation) {
     auto name = std::make_shared<std::string>();
     CLI::App* command =
         app.add_subcommand("describe", "Explain an interface, a method, a type or a family of the wire");
-    command->add_option("NAME", *name, "As in IChannel, IChannel.GetOnid, TolmRect, channel, channel.GetOnid")
+    command->add_option("NAME", *name, "For example IChannel, IChannel.GetOnid, TolmRect, channel, channel.GetOnid")
         ->type_name("NAME")
         ->required();
     command->footer(

@@ -1,4 +1,4 @@
-// hbbtvctl doctor: what usually is wrong when nothing works, one line each.
+// hbbtvctl doctor: checks for the usual problems of a setup.
 #include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,8 +9,8 @@
 #include <map>
 #include <set>
 
+#include "cli/options.h"
 #include "commands/commands.h"
-#include "commands/options.h"
 #include "common/failure.h"
 #include "common/local_socket.h"
 #include "common/text/json.h"
@@ -36,7 +36,7 @@ struct Check {
     Level level;
     std::string finding;
     std::string advice;
-    ExitCode code = kNobodyThere;  // of a problem
+    ExitCode code = kUnavailable;  // of a problem
 };
 
 using Checks = std::vector<Check>;
@@ -56,14 +56,14 @@ Check CheckDirectory(const std::string& directory) {
     const char* name = "directory";
     if (stat(directory.c_str(), &status) != 0) {
         return {name, Check::Level::Problem, directory + ": " + std::strerror(errno),
-                "create it, or set TMPDIR (or --directory) to the one that service and platform use"};
+                "create it, or set TMPDIR (or --directory) to the directory that service and platform use"};
     }
     if (!S_ISDIR(status.st_mode)) {
-        return {name, Check::Level::Problem, directory + " is no directory", "set TMPDIR to a directory"};
+        return {name, Check::Level::Problem, directory + " is not a directory", "set TMPDIR to a directory"};
     }
     if (access(directory.c_str(), W_OK | X_OK) != 0) {
-        return {name, Check::Level::Problem, directory + " is not writable for this user",
-                "sockets cannot be made there; chmod it, or use another TMPDIR"};
+        return {name, Check::Level::Problem, directory + " is not writable by this user",
+                "change its mode, or use another TMPDIR"};
     }
     return Good(name, directory + " is writable");
 }
@@ -83,17 +83,17 @@ std::string Advice(Finding::State state) {
         case Finding::State::Missing:
             return "start the platform (or hbbtv-sim) with the same TMPDIR";
         case Finding::State::Stale:
-            return "its process is gone; start the platform again, it replaces the file";
+            return "its process has ended; restart the platform, which replaces the file";
         case Finding::State::Forbidden:
-            return "chmod 777 the socket, and let the user search its directory";
+            return "set the mode of the socket to 777, and make its directory searchable";
         case Finding::State::NoSocket:
-            return "remove or rename what is in its place";
+            return "remove or rename the file, and restart the other side";
         default:
-            return "look at the other side's log";
+            return "check the log of the other side";
     }
 }
 
-// One line when all are well, else one for each way in which they are not.
+// Returns one line per state of the sockets.
 Checks CheckPlatform(const std::string& directory) {
     std::map<Finding::State, std::vector<std::string>> byState;
     std::set<std::string> peers;
@@ -114,14 +114,14 @@ Checks CheckPlatform(const std::string& directory) {
             checks.push_back(Good("platform", count + "are served by " + Joined({peers.begin(), peers.end()})));
             continue;
         }
+        const std::string words = finding.state == Finding::State::NoSocket ? "not sockets" : finding.InWords();
         const std::string which = sockets.size() == all ? "" : ": " + Joined(sockets);
-        checks.push_back(
-            {"platform", Check::Level::Problem, count + "are " + finding.InWords() + which, Advice(state)});
+        checks.push_back({"platform", Check::Level::Problem, count + "are " + words + which, Advice(state)});
     }
     return checks;
 }
 
-// The library opens each of its sockets when a client first uses the family, so a missing one is no fault.
+// The library creates a socket when a client first uses the family, so a missing one is not a problem.
 Checks CheckLibrary(const std::string& directory) {
     Checks checks;
     size_t serving = 0;
@@ -133,13 +133,16 @@ Checks CheckLibrary(const std::string& directory) {
         if (finding.state == Finding::State::Serving) ++serving;
         if (finding.state == Finding::State::Serving || finding.state == Finding::State::Missing) continue;
         const bool stale = finding.state == Finding::State::Stale;
-        checks.push_back({"library", stale ? Check::Level::Warning : Check::Level::Problem,
-                          endpoint.socket + " is " + finding.InWords(),
-                          stale ? "left by a process that is gone; the service replaces it at the family's first use"
-                                : Advice(finding.state)});
+        checks.push_back(
+            {"library", stale ? Check::Level::Warning : Check::Level::Problem,
+             endpoint.socket + " is " +
+                 (finding.state == Finding::State::NoSocket ? "not a socket" : finding.InWords()),
+             stale ? "left by a process that has ended; the service replaces it when a client first uses the family"
+                   : Advice(finding.state)});
     }
-    checks.insert(checks.begin(), Good("library", std::to_string(serving) + " of " + std::to_string(all) +
-                                                      " event sockets are open; each opens at its family's first use"));
+    checks.insert(checks.begin(),
+                  Good("library", std::to_string(serving) + " of " + std::to_string(all) +
+                                      " event sockets are open; each opens when a client first uses its family"));
     return checks;
 }
 
@@ -153,13 +156,13 @@ Checks CheckRights(const std::string& directory) {
         char mode[16];
         std::snprintf(mode, sizeof(mode), "%03o", finding.mode);
         checks.push_back({"rights", Check::Level::Warning, endpoint.socket + " has mode " + mode,
-                          "processes of other users cannot connect; its owner should make it 777"});
+                          "processes of other users cannot connect; set its mode to 777"});
     }
-    if (checks.empty()) checks.push_back(Good("rights", "every user may connect to the sockets that are there"));
+    if (checks.empty()) checks.push_back(Good("rights", "every user can connect to the existing sockets"));
     return checks;
 }
 
-// As the build and the device name it.
+// Returns the name that the build and the device use.
 std::string ServiceProgram() {
     return Package::Get().name + "-service";
 }
@@ -172,10 +175,10 @@ Check CheckHostDirectory(const std::string& path) {
                     " with the same TMPDIR (or HIDL_HOST_DIR)"};
     }
     if (status.st_uid != geteuid()) {
-        return {"interfaces", Check::Level::Problem, path + " belongs to user " + std::to_string(status.st_uid),
+        return {"interfaces", Check::Level::Problem, path + " is owned by user " + std::to_string(status.st_uid),
                 "run as that user, or set HIDL_HOST_DIR for service and clients"};
     }
-    return Good("interfaces", "names are looked up in " + path);
+    return Good("interfaces", "registered in " + path);
 }
 
 Check CheckService(Milliseconds limit) {
@@ -189,21 +192,21 @@ Check CheckService(Milliseconds limit) {
                 *there = service != nullptr && service->ping().isOk();
             });
         } catch (const Failure&) {
-            return {"service", Check::Level::Problem, name + " does not answer within " + FormatDuration(limit),
-                    "the service hangs; look where with gdb, or start it again", kTimeout};
+            return {"service", Check::Level::Problem, name + " does not reply within " + FormatDuration(limit),
+                    "the service hangs; attach gdb to see where, or restart it", kTimeout};
         }
         ++all;
         if (!*there) missing.push_back(name);
     }
     const std::string count =
-        std::to_string(all - missing.size()) + " of " + std::to_string(all) + " interfaces answer";
+        std::to_string(all - missing.size()) + " of " + std::to_string(all) + " interfaces respond";
     if (missing.empty()) return Good("service", count);
     return {"service", Check::Level::Problem, count + (missing.size() == all ? "" : "; missing: " + Joined(missing)),
             missing.size() == all ? "start " + ServiceProgram()
-                                  : "the service is older than this tool, or could not register them"};
+                                  : "the service is older than this tool, or failed to register them"};
 }
 
-// Interfaces of our package in another version than ours: client and service would not find each other.
+// Looks for interfaces of another version of the package: client and service would not find each other.
 Check CheckVersions(const std::string& path) {
     const std::string ours = Package::Get().name + "::";
     const std::string package = ours.substr(0, ours.find('@') + 1);
@@ -215,9 +218,9 @@ Check CheckVersions(const std::string& path) {
         others.push_back(name.substr(0, name.find(',')));
     }
     if (names != nullptr) closedir(names);
-    if (others.empty()) return Good("version", "nothing but " + Package::Get().name + " is registered");
+    if (others.empty()) return Good("version", "only " + Package::Get().name + " is registered");
     return {"version", Check::Level::Problem, "also registered: " + Joined(others),
-            "build service, clients and this tool from the same package", kNotUnderstood};
+            "build service, clients and this tool from the same package", kInvalidReply};
 }
 
 void PrintForPeople(const Checks& checks) {
@@ -250,7 +253,7 @@ int Run(const std::string& directory, const DoctorOptions& options) {
     const std::string hostDirectory = HostDirectory();
     Checks checks{CheckDirectory(directory), CheckPathLength(directory)};
     const auto add = [&checks](const Checks& more) { checks.insert(checks.end(), more.begin(), more.end()); };
-    // Sockets whose paths do not fit cannot be looked at, and whoever moves them changes the rest as well.
+    // Sockets whose paths are too long cannot be checked, and a shorter directory changes the rest as well.
     if (checks.back().level == Check::Level::Good) {
         add(CheckPlatform(directory));
         add(CheckLibrary(directory));
@@ -276,17 +279,17 @@ int Run(const std::string& directory, const DoctorOptions& options) {
 
 void AddDoctor(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<DoctorOptions>();
-    CLI::App* command = app.add_subcommand("doctor", "Find what keeps service, platform and clients apart");
+    CLI::App* command = app.add_subcommand("doctor", "Diagnose problems of the service and the platform");
     AddJson(*command, options->json);
-    AddTime(*command, "--timeout", options->timeout, "Longest wait for the service");
+    AddTime(*command, "--timeout", options->timeout, "Maximum time to wait for the service");
     command->footer(
-        "One line for each check: what was found and, unless all is well, what to do.\n\n"
+        "Prints one line per check: the finding and, if there is a problem, what to do.\n\n"
         "Exit codes:\n"
-        "  0  no problem; warnings may be\n"
-        "  3  something is missing or cannot be reached\n"
+        "  0  no problems; there may be warnings\n"
+        "  3  something is missing or unreachable\n"
         "  4  the service hangs\n"
-        "  5  versions that do not fit\n"
-        "With several problems, that of the first.\n\n"
+        "  5  incompatible versions\n"
+        "The first problem determines the exit code.\n\n"
         "Examples:\n"
         "  hbbtvctl doctor\n"
         "  hbbtvctl doctor --json");

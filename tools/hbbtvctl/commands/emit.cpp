@@ -1,9 +1,8 @@
-// hbbtvctl emit: an event as the platform writes it, to the socket that the library serves.
-
-#include "arguments.h"
+// hbbtvctl emit: sends an event to the library, as the platform does.
+#include "cli/arguments.h"
+#include "cli/options.h"
 #include "commands/commands.h"
 #include "commands/exchange.h"
-#include "commands/options.h"
 #include "common/failure.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
@@ -21,7 +20,7 @@ struct EmitOptions {
     ExchangeOptions exchange;
 };
 
-// In the first form that the event has, when nobody asks for another.
+// Uses the first form of the event by default.
 bool WithReply(const EmitOptions& options, const Json::Value& event) {
     if (options.request || options.oneWay) return options.request;
     return event["forms"][0] == "request";
@@ -31,12 +30,12 @@ int Run(const std::string& directory, const EmitOptions& options) {
     const WireFamily& family = FindFamily(options.family);
     const Endpoint endpoint = EventsOf(family);
     if (options.exchange.raw) {
-        if (!options.event.empty()) throw Failure(kUsage, "--raw is all that is sent: emit takes no event with it");
+        if (!options.event.empty()) throw Failure(kUsage, "with --raw, emit takes only a family");
         return ExchangeRaw(PathOf(directory, endpoint), options.arguments.json, options.exchange);
     }
     if (options.event.empty()) {
-        throw Failure(kUsage, "emit needs an event of " + family.name + " (`hbbtvctl describe " + family.name +
-                                  "` shows all), or --raw");
+        throw Failure(kUsage, "emit requires an event of " + family.name + " (see `hbbtvctl describe " + family.name +
+                                  "`) or --raw");
     }
     const Json::Value& event = family.FindEvent(options.event);
     const Json::Value members = EventMembers(family, event);
@@ -52,16 +51,16 @@ int Run(const std::string& directory, const EmitOptions& options) {
 
 void AddEmit(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<EmitOptions>();
-    CLI::App* command = app.add_subcommand("emit", "Play the platform: send an event to the library");
-    command->add_option("FAMILY", options->family, "As in channel_config")->type_name("FAMILY")->required();
-    command->add_option("EVENT", options->event, "Its code, its name, or the client's method that it reaches")
+    CLI::App* command = app.add_subcommand("emit", "Send an event to the library, as the platform does");
+    command->add_option("FAMILY", options->family, "For example channel_config")->type_name("FAMILY")->required();
+    command->add_option("EVENT", options->event, "Its code, its name, or the client method that it reaches")
         ->type_name("EVENT");
     AddArguments(*command, options->arguments);
-    CLI::Option* request = command->add_flag("--request", options->request, "Ask for a reply and wait for it");
-    command->add_flag("--one-way", options->oneWay, "Ask for no reply")->excludes(request);
+    CLI::Option* request = command->add_flag("--request", options->request, "Request a reply and wait for it");
+    command->add_flag("--one-way", options->oneWay, "Do not request a reply")->excludes(request);
     AddExchangeOptions(*command, options->exchange);
     command->footer(
-        "Members that are not given are left out.\n\n"
+        "Members that are not given are omitted.\n\n"
         "Examples:\n"
         "  hbbtvctl emit channel_config changed reserved=A\n"
         "  hbbtvctl emit video_broadcast onPlayStateChange state=2 error=0 context=0xc0de --one-way\n"

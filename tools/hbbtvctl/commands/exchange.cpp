@@ -1,11 +1,10 @@
-// See exchange.h.
 #include "commands/exchange.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 
-#include "arguments.h"
+#include "cli/arguments.h"
 #include "common/failure.h"
 #include "common/text/json.h"
 #include "common/text/quote.h"
@@ -49,7 +48,7 @@ std::string Hexadecimal(const std::string& bytes) {
 }
 
 struct Reply {
-    Json::Value content;  // null when none was asked for
+    Json::Value content;  // null if none was requested
     double milliseconds = 0;
 };
 
@@ -63,7 +62,7 @@ void PrintForPrograms(const Message& message, const Reply& reply, const Exchange
 }
 
 void PrintForPeople(const Message& message, const Reply& reply, const ExchangeOptions& options) {
-    if (!message.withReply) std::printf("sent, no reply is expected\n");
+    if (!message.withReply) std::printf("sent; no reply expected\n");
     std::vector<std::vector<std::string>> rows;
     for (const std::string& name : reply.content.getMemberNames()) {
         const Json::Value& value = reply.content[name];
@@ -75,23 +74,23 @@ void PrintForPeople(const Message& message, const Reply& reply, const ExchangeOp
     std::printf("%s", Columns(rows, "").c_str());
 }
 
-// An object with a whole number under "ret".
+// Returns an object with an integer "ret".
 Json::Value ParseReply(const Message& message, const std::string& text) {
     const std::string start = "; it begins " + Quoted(text.substr(0, 200));
     Json::Value reply;
     try {
         reply = ParseJson(text);
     } catch (const BadJson& e) {
-        throw Failure(kNotUnderstood, message.path + ": the reply to " + message.name + " is " + e.what() + start);
+        throw Failure(kInvalidReply, message.path + ": the reply to " + message.name + " is " + e.what() + start);
     }
     if (reply.isNull()) {
-        throw Failure(kNobodyThere, message.path + ": nobody takes " + message.name +
-                                        ": no client is registered for it, or with another context, or the family "
-                                        "takes it without a reply only (--one-way)");
+        throw Failure(kUnavailable, message.path + ": " + message.name +
+                                        " was not delivered: no client is registered, the context differs, or the "
+                                        "family accepts it only without a reply (--one-way)");
     }
     if (!reply.isObject() || !reply["ret"].isInt()) {
-        throw Failure(kNotUnderstood, message.path + ": the reply to " + message.name +
-                                          " is no object with a whole number under \"ret\"" + start);
+        throw Failure(kInvalidReply, message.path + ": the reply to " + message.name +
+                                         " is not an object with an integer \"ret\"" + start);
     }
     return reply;
 }
@@ -99,10 +98,10 @@ Json::Value ParseReply(const Message& message, const std::string& text) {
 }  // namespace
 
 void AddExchangeOptions(CLI::App& command, ExchangeOptions& options) {
-    AddTime(command, "--timeout", options.timeout, "Longest wait for the reply");
-    command.add_flag("--time", options.time, "Tell how long it took");
-    command.add_flag("--verbose", options.verbose, "Show the message that is sent");
-    command.add_option("--raw", options.raw, "Send exactly these bytes: a text, @FILE or -")->type_name("BYTES");
+    AddTime(command, "--timeout", options.timeout, "Maximum time to wait for the reply");
+    command.add_flag("--time", options.time, "Show how long it took");
+    command.add_flag("--verbose", options.verbose, "Print the message to standard error");
+    command.add_option("--raw", options.raw, "Send exactly these bytes: a string, @FILE or -")->type_name("BYTES");
 }
 
 int Exchange(const Message& message, bool json, const ExchangeOptions& options) {
@@ -115,8 +114,8 @@ int Exchange(const Message& message, bool json, const ExchangeOptions& options) 
     if (message.withReply) {
         const Frame frame = connection.Receive(options.timeout.Value());
         if (frame.payload.empty()) {
-            throw Failure(kNotUnderstood, message.path + ": the reply to " + message.name +
-                                              " is empty: the other side could not read the message");
+            throw Failure(kInvalidReply, message.path + ": the reply to " + message.name +
+                                             " is empty: the other side could not parse the message");
         }
         reply.content = ParseReply(message, frame.payload);
     }
@@ -131,7 +130,7 @@ int ExchangeRaw(const std::string& path, bool json, const ExchangeOptions& optio
     connection.Send(bytes, options.timeout.Value());
     const std::string answer = connection.ReceiveAll(std::min(options.timeout.Value(), Milliseconds(1000)));
     if (!json) {
-        std::printf("%s", answer.empty() ? "nothing came back\n" : HexDump(answer).c_str());
+        std::printf("%s", answer.empty() ? "no reply\n" : HexDump(answer).c_str());
         return kDone;
     }
     Json::Value document(Json::objectValue);

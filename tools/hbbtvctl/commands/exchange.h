@@ -1,4 +1,4 @@
-// One message to a socket of the wire and, where there is one, its reply; shown to the user.
+// Sends a message to a socket of the wire and prints its reply.
 #pragma once
 
 #include <json/value.h>
@@ -6,31 +6,31 @@
 #include <optional>
 #include <string>
 
-#include "commands/options.h"
+#include "cli/options.h"
 
 namespace hbbtv::ctl {
 
 struct ExchangeOptions {
     TimeOption timeout{"10s"};
     bool time = false;
-    bool verbose = false;            // show the message, too
+    bool verbose = false;            // print the message, too
     std::optional<std::string> raw;  // exact bytes
 };
 
 void AddExchangeOptions(CLI::App& command, ExchangeOptions& options);
 
 struct Message {
-    std::string name;  // "channel.GetName", for the user
+    std::string name;  // "channel.GetName", for messages
     std::string path;  // of the socket
     int port;
     Json::Value content;
     bool withReply;
 };
 
-// Sends the message and gives the exit code: by the reply's "ret", or kDone when there is no reply to wait for.
+// Sends the message. Returns the exit code for the reply's "ret", or kDone if no reply is expected.
 int Exchange(const Message& message, bool json, const ExchangeOptions& options);
 
-// Sends options.raw as it is and shows what comes back, in hexadecimal.
+// Sends options.raw unchanged and prints what arrives, in hexadecimal.
 int ExchangeRaw(const std::string& path, bool json, const ExchangeOptions& options);
 
 }  // namespace hbbtv::ctl

@@ -1,8 +1,8 @@
-// hbbtvctl list: what of the system is there right now.
+// hbbtvctl list: shows the registered interfaces and the state of all sockets.
 #include <cstdio>
 
+#include "cli/options.h"
 #include "commands/commands.h"
-#include "commands/options.h"
 #include "common/failure.h"
 #include "common/text/json.h"
 #include "package/caller.h"
@@ -22,7 +22,7 @@ std::vector<std::pair<std::string, bool>> Registered(Milliseconds limit) {
     std::vector<std::pair<std::string, bool>> interfaces;
     for (const auto& [name, binding] : AllBindings()) {
         const auto found = std::make_shared<bool>(false);
-        InTime(limit, "asking for " + name, [found, find = binding->find] { *found = find() != nullptr; });
+        InTime(limit, "looking up " + name, [found, find = binding->find] { *found = find() != nullptr; });
         interfaces.emplace_back(name, *found);
     }
     return interfaces;
@@ -90,10 +90,11 @@ void AddList(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<ListOptions>();
     CLI::App* command = app.add_subcommand("list", "Show the registered interfaces and the sockets of both sides");
     AddJson(*command, options->json);
-    AddTime(*command, "--timeout", options->timeout, "Longest wait for the service");
+    AddTime(*command, "--timeout", options->timeout, "Maximum time to wait for the service");
     command->footer(
-        "A socket is serving, missing, stale (its process is gone), forbidden (by its rights), no socket, or "
-        "unreachable.\n\n"
+        "A socket is serving, missing, stale (its process has ended), forbidden (by its mode), no socket (another "
+        "kind\n"
+        "of file), or unreachable.\n\n"
         "Examples:\n"
         "  hbbtvctl list\n"
         "  hbbtvctl --directory /tmp list --json");

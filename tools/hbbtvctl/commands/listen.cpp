@@ -1,17 +1,17 @@
-// hbbtvctl listen: registers callback objects for whole families and shows what arrives.
+// hbbtvctl listen: registers callback objects and prints every event.
 #include <hidl/HidlTransportSupport.h>
 
 #include <algorithm>
 #include <cstdio>
 
-#include "arguments.h"
+#include "cli/arguments.h"
+#include "cli/options.h"
 #include "commands/commands.h"
-#include "commands/options.h"
 #include "common/failure.h"
 #include "common/nearest_name.h"
 #include "common/text/quote.h"
-#include "death_notice.h"
-#include "event_printer.h"
+#include "events/death_notice.h"
+#include "events/event_printer.h"
 #include "package/caller.h"
 #include "wire/values.h"
 
@@ -43,7 +43,7 @@ bool Holds(const std::string& name, const std::string& word) {
     return name.find(word) != std::string::npos;
 }
 
-// "RegisterCallback" and its kin: what takes a callback and does not take it away again.
+// Returns the method that registers a callback object, such as RegisterCallback.
 const Method* Registrar(const Interface& interface) {
     for (const Method& method : interface.methods) {
         if (CallbackOf(method) != nullptr && !Holds(method.name, "Unregister")) return &method;
@@ -58,14 +58,14 @@ const Method* Unregistrar(const Interface& interface) {
     return nullptr;
 }
 
-// Whether the "NAME=VALUE" is for an argument of the method.
+// Returns whether the NAME of "NAME=VALUE" is an argument of the method.
 bool Takes(const Method& method, const std::string& word) {
     const std::string name = word.substr(0, word.find('='));
     return std::any_of(method.arguments.begin(), method.arguments.end(),
                        [&name](const Parameter& argument) { return argument.name == name; });
 }
 
-// The arguments of the registration, of those that were given for all families.
+// Returns the arguments of the registration, of those given for all families.
 Json::Value Given(const Interface& interface, const std::vector<std::string>& with) {
     const Method& method = *Registrar(interface);
     GivenArguments given;
@@ -75,8 +75,8 @@ Json::Value Given(const Interface& interface, const std::vector<std::string>& wi
     return ReadArguments(interface.name + "." + method.name, method.arguments, given, false);
 }
 
-// What makes the object whose handle the registration needs: "Create" for a video/broadcast object.
-const Method* Maker(const Interface& interface, const std::string& handle) {
+// Returns the method that creates the object with this handle: Create for a video/broadcast object.
+const Method* Creator(const Interface& interface, const std::string& handle) {
     for (const Method& method : interface.methods) {
         if (method.results.size() != 2 || method.results[1].name != handle) continue;
         if (Holds(method.name, "Create") || Holds(method.name, "create")) return &method;
@@ -84,8 +84,8 @@ const Method* Maker(const Interface& interface, const std::string& handle) {
     return nullptr;
 }
 
-// And what ends it.
-const Method* Ender(const Interface& interface, const std::string& handle) {
+// Returns the method that destroys the object.
+const Method* Destroyer(const Interface& interface, const std::string& handle) {
     for (const char* word : {"Destroy", "Release"}) {
         for (const Method& method : interface.methods) {
             if (Holds(method.name, word) && method.arguments.size() == 1 && method.arguments[0].name == handle) {
@@ -96,7 +96,7 @@ const Method* Ender(const Interface& interface, const std::string& handle) {
     return nullptr;
 }
 
-// One family that is listened to. What it did is undone when it goes.
+// A registration for one family. The destructor undoes it.
 class Listening {
   public:
     Listening(const Interface& interface, const ListenOptions& options, EventSink& sink)
@@ -110,22 +110,23 @@ class Listening {
         try {
             Undo();
         } catch (const Failure& e) {
-            std::fprintf(stderr, "hbbtvctl: while leaving: %s\n", e.what());
+            std::fprintf(stderr, "hbbtvctl: cannot unregister: %s\n", e.what());
         } catch (const Interrupted&) {
-            std::fprintf(stderr, "hbbtvctl: left without unregistering from %s\n", mInterface.name.c_str());
+            std::fprintf(stderr, "hbbtvctl: interrupted before unregistering from %s\n", mInterface.name.c_str());
         }
     }
 
     const ServiceCaller& Service() const { return mService; }
 
-    // The service has gone: there is nothing to undo.
+    // For when the service has died: there is nothing to undo.
     void Forget() {
         mRegistered.clear();
         mMade.clear();
     }
 
   private:
-    // Once; or once for each enumerator of an argument that nobody gave, as of the application manager's events.
+    // Registers once, or once per enumerator of an argument that was not given, such as the application manager's
+    // event.
     void Register(const Method& method) {
         Json::Value values = Given(mInterface, mOptions.with);
         for (const Parameter& argument : method.arguments) {
@@ -145,16 +146,15 @@ class Listening {
 
     Json::Value Missing(const Parameter& argument) {
         if (argument.type->kind == Type::Kind::Callback) return "@listen";
-        const Method* maker = Maker(mInterface, argument.name);
-        if (maker == nullptr) return Nothing(*argument.type);
+        const Method* creator = Creator(mInterface, argument.name);
+        if (creator == nullptr) return ZeroValue(*argument.type);
         Json::Value nothing(Json::arrayValue);
-        for (const Parameter& parameter : maker->arguments) nothing.append(Nothing(*parameter.type));
-        const Json::Value results = mService.Call(*maker, nothing, mSink);
+        for (const Parameter& parameter : creator->arguments) nothing.append(ZeroValue(*parameter.type));
+        const Json::Value results = mService.Call(*creator, nothing, mSink);
         if (results[0].asInt() != 0)
-            throw Failure(kStatusNotZero, mInterface.name + "." + maker->name + ": status " + results[0].asString() +
-                                              "; the registration needs this object: give one as --with " +
-                                              argument.name +
-                                              "=HANDLE, or ask `hbbtvctl doctor` whether the platform is there");
+            throw Failure(kStatusNotZero, mInterface.name + "." + creator->name + ": status " + results[0].asString() +
+                                              "; the registration requires this object: pass one as --with " +
+                                              argument.name + "=HANDLE, or check the platform with `hbbtvctl doctor`");
         mMade[argument.name] = results[1];
         return results[1];
     }
@@ -164,10 +164,10 @@ class Listening {
         if (!results.empty() && results[0].asInt() != 0) {
             const std::string choice =
                 mChoice == nullptr ? "" : " for " + ForPeople(*mChoice->type, values[mChoice->name], false);
-            std::fprintf(stderr,
-                         "hbbtvctl: %s.%s%s: status %s; listening all the same, since what the platform refuses to a "
-                         "second client the service may hand on to it\n",
-                         mInterface.name.c_str(), method.name.c_str(), choice.c_str(), results[0].asString().c_str());
+            std::fprintf(
+                stderr,
+                "hbbtvctl: %s.%s%s: status %s; listening anyway, because the service may still deliver events\n",
+                mInterface.name.c_str(), method.name.c_str(), choice.c_str(), results[0].asString().c_str());
             return;
         }
         mRegistered.push_back(values);
@@ -180,8 +180,8 @@ class Listening {
             mService.Call(*method, InOrder(method->arguments, values), mSink);
         }
         for (const std::string& name : mMade.getMemberNames()) {
-            const Method* ender = Ender(mInterface, name);
-            if (ender != nullptr) mService.Call(*ender, InOrder(ender->arguments, mMade), mSink);
+            const Method* destroyer = Destroyer(mInterface, name);
+            if (destroyer != nullptr) mService.Call(*destroyer, InOrder(destroyer->arguments, mMade), mSink);
         }
     }
 
@@ -194,7 +194,7 @@ class Listening {
     Json::Value mMade{Json::objectValue};
 };
 
-// The clients' side of what is listened to.
+// Returns whether one of the interfaces takes this callback interface.
 bool Takes(const std::vector<const Interface*>& listenedTo, const Interface& callback) {
     return std::any_of(listenedTo.begin(), listenedTo.end(), [&callback](const Interface* interface) {
         return CallbackOf(*Registrar(*interface))->type->name == callback.name;
@@ -216,13 +216,13 @@ void AddAnswer(const std::string& word, const std::vector<const Interface*>& lis
             known.insert(method.name);
             if (name != full && name != method.name) continue;
             const std::string json = word.substr(equals + 1);
-            answers[full] = InOrder(method.results,
-                                    ReadArguments("--answer " + full, method.results, {{}, json, "the answer"}, true));
+            answers[full] =
+                InOrder(method.results, ReadArguments("--answer " + full, method.results, {{}, json, "value"}, true));
             return;
         }
     }
     throw Failure(kUsage, "--answer " + Quoted(word) + ": no method " + Quoted(name) +
-                              " of what is listened to needs an answer" + DidYouMean(name, known, kShortList));
+                              " of these families needs an answer" + DidYouMean(name, known, kShortList));
 }
 
 std::vector<const Interface*> InterfacesOf(const std::vector<std::string>& families) {
@@ -235,8 +235,8 @@ std::vector<const Interface*> InterfacesOf(const std::vector<std::string>& famil
             for (const Interface& other : Package::Get().interfaces) {
                 if (Registrar(other) != nullptr) others.insert(other.name);
             }
-            throw Failure(kUsage, "the family " + family.name + " has no events to listen to" +
-                                      DidYouMean("", others, kShortList));
+            throw Failure(kUsage,
+                          "family " + family.name + " has no events to listen to" + DidYouMean("", others, kShortList));
         }
         if (std::find(interfaces.begin(), interfaces.end(), interface) == interfaces.end()) {
             interfaces.push_back(interface);
@@ -245,7 +245,7 @@ std::vector<const Interface*> InterfacesOf(const std::vector<std::string>& famil
     return interfaces;
 }
 
-// Each has to be for one of the interfaces at least.
+// Each argument must belong to at least one of the registrations.
 void CheckWith(const std::vector<std::string>& with, const std::vector<const Interface*>& interfaces) {
     for (const std::string& word : with) {
         if (word.find('=') == std::string::npos) throw Failure(kUsage, "--with " + Quoted(word) + ": write NAME=VALUE");
@@ -258,7 +258,7 @@ void CheckWith(const std::vector<std::string>& with, const std::vector<const Int
         }
         if (taken) continue;
         const std::string name = word.substr(0, word.find('='));
-        throw Failure(kUsage, "--with " + Quoted(word) + ": no registration has an argument " + Quoted(name) +
+        throw Failure(kUsage, "--with " + Quoted(word) + ": no registration takes an argument " + Quoted(name) +
                                   DidYouMean(name, known, kShortList));
     }
     for (const Interface* interface : interfaces) Given(*interface, with);
@@ -269,7 +269,7 @@ int Run(const ListenOptions& options) {
     const std::vector<const Interface*> interfaces = InterfacesOf(options.families);
     for (const std::string& answer : options.answers) AddAnswer(answer, interfaces, settings.answers);
     CheckWith(options.with, interfaces);
-    // Callbacks may come as long as the process lives.
+    // Static: callbacks may arrive until the process ends.
     static Interruption interruption;
     android::hardware::configureRpcThreadpool(kThreads, false);
     static EventPrinter events(settings, interruption);
@@ -279,7 +279,7 @@ int Run(const ListenOptions& options) {
         listenings.push_back(std::make_unique<Listening>(*interface, options, events));
         notice->Watch(listenings.back()->Service());
     }
-    std::fprintf(stderr, "hbbtvctl: listening, Ctrl-C ends\n");
+    std::fprintf(stderr, "hbbtvctl: listening; press Ctrl-C to stop\n");
     interruption.Wait(options.duration.Limit());
     try {
         notice->Check();
@@ -294,29 +294,30 @@ int Run(const ListenOptions& options) {
 
 void AddListen(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<ListenOptions>();
-    CLI::App* command = app.add_subcommand("listen", "Register callbacks and show every event");
-    command->add_option("FAMILY", options->families, "As in video_broadcast or IVideoBroadcast")
+    CLI::App* command = app.add_subcommand("listen", "Register callbacks and print every event");
+    command->add_option("FAMILY", options->families, "For example video_broadcast or IVideoBroadcast")
         ->type_name("FAMILY")
         ->required();
     AddJson(*command, options->json);
-    command->add_flag("--numbers", options->numbers, "In JSON, enumerators by number instead of by name");
-    command->add_option("--count", options->count, "End after so many events")
+    command->add_flag("--numbers", options->numbers, "In JSON, print enumerators as numbers instead of names");
+    command->add_option("--count", options->count, "Stop after this many events")
         ->type_name("NUMBER")
         ->check(WholeNumber(1));
-    AddTime(*command, "--for", options->duration, "End after this time");
-    command->add_option("--with", options->with, "An argument of the registration, as in vb=0x1000")
+    AddTime(*command, "--for", options->duration, "Stop after this time");
+    command->add_option("--with", options->with, "Argument of the registration, for example vb=0x1000")
         ->type_name("NAME=VALUE")
         ->expected(1)
         ->take_all();
-    command->add_option("--answer", options->answers, "What a method that needs an answer gets; zeros without it")
+    command->add_option("--answer", options->answers, "What a method that needs an answer returns (default: zeros)")
         ->type_name("METHOD=JSON")
         ->expected(1)
         ->take_all();
-    AddTime(*command, "--timeout", options->timeout, "Longest wait for the service");
+    AddTime(*command, "--timeout", options->timeout, "Maximum time to wait for the service");
     command->footer(
-        "An object that the registration needs and nobody gave is made, and ended again afterwards. A registration "
-        "for\n"
-        "one of several kinds of events is made for all of them, unless --with says for which. Ctrl-C unregisters.\n\n"
+        "If the registration requires an object and --with names none, the command creates one, and destroys it at "
+        "the\n"
+        "end. If it takes the kind of events, the command registers for all kinds, unless --with names one.\n"
+        "Ctrl-C unregisters.\n\n"
         "Examples:\n"
         "  hbbtvctl listen channel_config video_broadcast --json --for 1s\n"
         "  hbbtvctl listen video_broadcast --with vb=0x2000 --with context=7 --count 3 --for 1s\n"

@@ -9,6 +9,8 @@
 #include "commands/options.h"
 #include "common/failure.h"
 #include "common/interruption.h"
+#include "common/text/json.h"
+#include "common/text/quote.h"
 #include "play/language/parser.h"
 #include "play/player.h"
 #include "wire/values.h"

@@ -1,9 +1,8 @@
-// hbbtvctl send: a request as the library writes it, to whoever plays the platform.
-
-#include "arguments.h"
+// hbbtvctl send: sends a request to the platform, as the library does.
+#include "cli/arguments.h"
+#include "cli/options.h"
 #include "commands/commands.h"
 #include "commands/exchange.h"
-#include "commands/options.h"
 #include "common/failure.h"
 #include "common/nearest_name.h"
 #include "terminal/style.h"
@@ -32,17 +31,18 @@ QualifiedOperation FindOperation(const std::string& wanted) {
     const std::string name = dot == std::string::npos ? "" : wanted.substr(dot + 1);
     if (const Json::Value* operation = family.Operation(name)) return {&family, operation};
     if (dot == std::string::npos) {
-        throw Failure(kUsage, "\"" + wanted + "\" is no operation: write FAMILY.OPERATION, as in channel.GetOnid");
+        throw Failure(kUsage,
+                      "\"" + wanted + "\" is not an operation: write FAMILY.OPERATION, for example channel.GetOnid");
     }
-    throw Failure(kUsage, "the family " + family.name + " has no operation \"" + name + "\"" +
-                              DidYouMean(name, family.OperationNames(), kShortList) + " (`hbbtvctl describe " +
-                              family.name + "` shows all)");
+    throw Failure(kUsage, "family " + family.name + " has no operation \"" + name + "\"" +
+                              DidYouMean(name, family.OperationNames(), kShortList) + " (see `hbbtvctl describe " +
+                              family.name + "`)");
 }
 
 int Run(const std::string& directory, const SendOptions& options) {
     if (options.exchange.raw) {
         if (options.operation.find('.') != std::string::npos || options.arguments.Any()) {
-            throw Failure(kUsage, "--raw is all that is sent: send takes a family with it, and no operation");
+            throw Failure(kUsage, "with --raw, send takes only a family");
         }
         const WireFamily& family = FindFamily(options.operation);
         return ExchangeRaw(PathOf(directory, RequestsOf(family)), options.arguments.json, options.exchange);
@@ -62,8 +62,10 @@ int Run(const std::string& directory, const SendOptions& options) {
 
 void AddSend(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<SendOptions>();
-    CLI::App* command = app.add_subcommand("send", "Play the library: send a request to the platform");
-    command->add_option("OPERATION", options->operation, "FAMILY.OPERATION, as in channel.GetOnid; FAMILY with --raw")
+    CLI::App* command = app.add_subcommand("send", "Send a request to the platform, as the library does");
+    command
+        ->add_option("OPERATION", options->operation,
+                     "FAMILY.OPERATION, for example channel.GetOnid; with --raw, FAMILY")
         ->type_name("OPERATION")
         ->required();
     AddArguments(*command, options->arguments);

@@ -1,5 +1,6 @@
 #include "play/display.h"
 
+#include "common/text/quote.h"
 #include "package/handles.h"
 #include "wire/values.h"
 

@@ -4,6 +4,8 @@
 
 #include "common/failure.h"
 #include "common/interruption.h"
+#include "common/text/json.h"
+#include "common/text/quote.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
 #include "wire/values.h"

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "common/text/json.h"
 #include "wire/values.h"
 
 namespace hbbtv::ctl {

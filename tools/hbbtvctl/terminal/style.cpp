@@ -1,4 +1,3 @@
-// See style.h.
 #include "terminal/style.h"
 
 #include <sys/ioctl.h>
@@ -14,16 +13,16 @@ namespace hbbtv::ctl {
 
 namespace {
 
-constexpr size_t kWidest = 100;  // prose is hard to read in longer lines
+constexpr size_t kWidest = 100;  // longer lines are hard to read
 constexpr size_t kNarrowest = 40;
 
-bool Coloured() {
+bool Colored() {
     const char* refused = std::getenv("NO_COLOR");
     static const bool terminal = isatty(STDOUT_FILENO) == 1;
     return terminal && (refused == nullptr || *refused == '\0');
 }
 
-// The terminal's, where there is one.
+// Returns the width of the terminal, or the maximum.
 size_t LineWidth() {
     winsize size{};
     const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
@@ -31,10 +30,10 @@ size_t LineWidth() {
 }
 
 std::string In(const char* code, const std::string& text) {
-    return Coloured() ? std::string("\033[") + code + "m" + text + "\033[0m" : text;
+    return Colored() ? std::string("\033[") + code + "m" + text + "\033[0m" : text;
 }
 
-// What a cell takes on the screen: without colours, a UTF-8 sequence as one.
+// Returns the number of characters on the screen, without color codes.
 size_t Width(const std::string& cell) {
     size_t width = 0;
     for (size_t i = 0; i < cell.size(); ++i) {
@@ -46,7 +45,7 @@ size_t Width(const std::string& cell) {
     return width;
 }
 
-// A line that fits stays as it is, with its blanks. Otherwise behind `first` what fits, the rest behind `next`.
+// A line that fits keeps its blanks. Otherwise the first line begins with `first`, the others with `next`.
 std::string WrappedLine(const std::string& line, const std::string& first, const std::string& next) {
     if (Width(first + line) <= LineWidth()) return first + line + "\n";
     std::string all;
@@ -86,7 +85,7 @@ std::string Table(const std::vector<std::vector<std::string>>& rows, const std::
     return text;
 }
 
-// Its paragraphs in one line each. What is indented, or begins with an @, has a line of its own there.
+// Joins the lines of each paragraph. An indented line, or one that begins with @, stays separate.
 std::string WithoutLineBreaks(const std::string& text) {
     std::string all = text;
     for (size_t at = 0; (at = all.find('\n', at)) != std::string::npos; ++at) {

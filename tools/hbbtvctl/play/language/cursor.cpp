@@ -4,6 +4,7 @@
 
 #include "common/failure.h"
 #include "common/nearest_name.h"
+#include "common/text/quote.h"
 #include "wire/values.h"
 
 namespace hbbtv::ctl {
@@ -11,13 +12,13 @@ namespace hbbtv::ctl {
 namespace {
 
 Json::Value Enumerated(const std::string& enumeration, const std::string& name) {
-    std::vector<std::string> known;
+    std::set<std::string> known;
     for (const auto& type : Package::Get().types) {
         if (type->kind != Type::Kind::Enum) continue;
-        known.push_back(type->name);
+        known.insert(type->name);
         if (type->name == enumeration) return FromWord(*type, name);
     }
-    throw BadValue("there is no enumeration \"" + enumeration + "\"" + NearestOf(enumeration, known));
+    throw BadValue("there is no enumeration \"" + enumeration + "\"" + DidYouMean(enumeration, known, kShortList));
 }
 
 std::string Shown(const Token& token) {
@@ -36,17 +37,17 @@ void KnownNames::Add(const std::string& name) {
     if (!Knows(name)) mScopes.back().insert(name);
 }
 
-std::vector<std::string> KnownNames::All() const {
-    std::vector<std::string> names;
+std::set<std::string> KnownNames::All() const {
+    std::set<std::string> names;
     for (const auto& scope : mScopes) {
-        for (const std::string& name : scope) names.push_back("$" + name);
+        for (const std::string& name : scope) names.insert("$" + name);
     }
     return names;
 }
 
 void KnownNames::Check(const std::string& name, const Place& place) const {
     if (Knows(name)) return;
-    throw SyntaxError{place, "unknown name \"$" + name + "\"" + NearestOf("$" + name, All())};
+    throw SyntaxError{place, "unknown name \"$" + name + "\"" + DidYouMean("$" + name, All(), kShortList)};
 }
 
 bool Cursor::Take(const std::string& sign) {

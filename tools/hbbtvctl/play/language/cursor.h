@@ -26,7 +26,7 @@ class KnownNames {
     void Check(const std::string& name, const Place& place) const;
 
   private:
-    std::vector<std::string> All() const;
+    std::set<std::string> All() const;
 
     std::vector<std::set<std::string>> mScopes;
 };

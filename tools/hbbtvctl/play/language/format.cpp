@@ -6,6 +6,8 @@
 #include <ctime>
 #include <sstream>
 
+#include "common/text/json.h"
+#include "common/text/quote.h"
 #include "package/description.h"
 #include "wire/values.h"
 

@@ -6,6 +6,7 @@
 
 #include "common/failure.h"
 #include "common/nearest_name.h"
+#include "common/text/quote.h"
 #include "play/language/cursor.h"
 #include "play/language/tokens.h"
 #include "play/language/values.h"
@@ -138,12 +139,13 @@ class Parser {
     }
 
     [[noreturn]] static void FailOfUnknown(const Cursor& cursor) {
-        std::vector<std::string> known{"tell", "end", "finally"};
+        std::set<std::string> known{"tell", "end", "finally"};
         for (const auto& [name, rule] : Rules()) {
-            if (!name.empty()) known.push_back(name);
+            if (!name.empty()) known.insert(name);
         }
         const std::string word = cursor.Peek().text;
-        cursor.Fail("expected a statement or INTERFACE.METHOD(...), not " + Quoted(word) + NearestOf(word, known));
+        cursor.Fail("expected a statement or INTERFACE.METHOD(...), not " + Quoted(word) +
+                    DidYouMean(word, known, kShortList));
     }
 
     // INTERFACE.METHOD
@@ -230,11 +232,12 @@ class Parser {
 
     static void CheckMembers(const Expression& members, const std::string& whose, const std::vector<Parameter>& known,
                              bool allRequired) {
-        std::vector<std::string> names;
-        for (const Parameter& parameter : known) names.push_back(parameter.name);
+        std::set<std::string> names;
+        for (const Parameter& parameter : known) names.insert(parameter.name);
         for (const std::string& key : members.keys) {
-            if (std::count(names.begin(), names.end(), key) != 0) continue;
-            throw SyntaxError{members.place, whose + " has no member " + Quoted(key) + NearestOf(key, names)};
+            if (names.count(key) != 0) continue;
+            throw SyntaxError{members.place,
+                              whose + " has no member " + Quoted(key) + DidYouMean(key, names, kShortList)};
         }
         for (const std::string& name : names) {
             if (!allRequired || std::count(members.keys.begin(), members.keys.end(), name) != 0) continue;
@@ -257,9 +260,9 @@ class Parser {
         const Token operation = cursor.Next(Token::Kind::Word, "an operation");
         step.operation = step.family->Operation(operation.text);
         if (step.operation == nullptr) {
-            throw SyntaxError{operation.place, "the family " + step.family->name + " has no operation " +
-                                                   Quoted(operation.text) +
-                                                   NearestOf(operation.text, step.family->OperationNames())};
+            throw SyntaxError{operation.place,
+                              "the family " + step.family->name + " has no operation " + Quoted(operation.text) +
+                                  DidYouMean(operation.text, step.family->OperationNames(), kShortList)};
         }
         step.members = Members(cursor);
         CheckMembers(step.members, step.family->name + "." + (*step.operation)["name"].asString(),
@@ -352,13 +355,14 @@ class Parser {
         ShowStep step;
         step.method = AnyMethod(cursor);
         const auto [interface, method] = Package::Get().FindMethod(step.method);
-        std::vector<std::string> names;
-        for (const Parameter& p : interface->callback ? method->arguments : method->results) names.push_back(p.name);
+        std::set<std::string> names;
+        for (const Parameter& p : interface->callback ? method->arguments : method->results) names.insert(p.name);
         const Token text = cursor.Next(Token::Kind::Text, "a string");
         At(text.place, [&] { step.text = ReadFormat(text.text); });
         for (const Format::Piece& piece : step.text.pieces) {
-            if (piece.name.empty() || std::count(names.begin(), names.end(), piece.name) != 0) continue;
-            throw SyntaxError{place, step.method + " has no " + Quoted(piece.name) + NearestOf(piece.name, names)};
+            if (piece.name.empty() || names.count(piece.name) != 0) continue;
+            throw SyntaxError{
+                place, step.method + " has no " + Quoted(piece.name) + DidYouMean(piece.name, names, kShortList)};
         }
         return step;
     }

@@ -4,6 +4,8 @@
 #include <cstdlib>
 
 #include "common/failure.h"
+#include "common/text/json.h"
+#include "common/text/quote.h"
 #include "wire/values.h"
 
 namespace hbbtv::ctl {

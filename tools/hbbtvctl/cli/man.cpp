@@ -1,11 +1,11 @@
-// hbbtvctl man: manual pages, from the same description as --help.
+// hbbtvctl man: manual pages, generated from the same descriptions as --help.
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
 
-#include "commands/commands.h"
-#include "commands/help.h"
-#include "commands/options.h"
+#include "cli/help.h"
+#include "cli/options.h"
+#include "cli/self_description.h"
 #include "common/failure.h"
 #include "common/nearest_name.h"
 #include "package/description.h"
@@ -123,14 +123,13 @@ int Run(const CLI::App& app, const std::string& wanted) {
 void AddMan(CLI::App& app, Invocation& invocation) {
     auto wanted = std::make_shared<std::string>();
     CLI::App* command = app.add_subcommand("man", "Print a manual page, for man -l");
-    command->add_option("COMMAND", *wanted, "The page of one command; without it, of hbbtvctl")
+    command->add_option("COMMAND", *wanted, "Command to print the page of (default: hbbtvctl itself)")
         ->type_name("COMMAND")
         ->check([&app](const std::string& name) {
             std::set<std::string> known;
             for (const CLI::App* other : Commands(app)) known.insert(other->get_name());
-            return known.count(name) != 0
-                       ? ""
-                       : "there is no command \"" + name + "\"" + DidYouMean(name, known, kShortList);
+            return known.count(name) != 0 ? ""
+                                          : "unknown command \"" + name + "\"" + DidYouMean(name, known, kShortList);
         });
     command->footer("Examples:\n  hbbtvctl man call | man -l -\n  hbbtvctl man > hbbtvctl.1");
     command->callback([wanted, &app, &invocation] { invocation.run = [wanted, &app] { return Run(app, *wanted); }; });

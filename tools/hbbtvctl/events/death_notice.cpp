@@ -1,5 +1,4 @@
-// See death_notice.h.
-#include "death_notice.h"
+#include "events/death_notice.h"
 
 #include "common/failure.h"
 
@@ -12,7 +11,7 @@ void DeathNotice::Watch(const ServiceCaller& service) {
 
 void DeathNotice::Check() const {
     if (!mDied) return;
-    throw Failure(kPeerLost, "the service that was listened to went away; look at its log, start it, and listen again");
+    throw Failure(kPeerLost, "the service ended; check its log, restart it, and listen again");
 }
 
 void DeathNotice::serviceDied(uint64_t, const android::wp<android::hidl::base::V1_0::IBase>&) {

@@ -1,5 +1,4 @@
-// What arrives at the callback objects of hbbtvctl: one line each on standard output, and the answers to methods that
-// need one.
+// Prints each call of a callback object as a line on standard output, and answers methods that return a value.
 #pragma once
 
 #include <json/value.h>
@@ -20,10 +19,10 @@ class EventPrinter : public EventSink {
         bool json = false;
         bool numbers = false;                        // enumerators by number in JSON
         std::map<std::string, Json::Value> answers;  // results by "Interface.Method", in the order of the .hal file
-        uint64_t count = 0;                          // ends the waiting after so many; 0: never
+        uint64_t count = 0;                          // wakes the interruption after this many; 0: never
     };
 
-    // `interruption` is woken when enough has come.
+    // `interruption` is woken after Settings::count events, or when the reader of the output has gone.
     EventPrinter(Settings settings, Interruption& interruption)
         : mSettings(std::move(settings)), mInterruption(interruption) {}
 
@@ -34,11 +33,11 @@ class EventPrinter : public EventSink {
 
     const Settings mSettings;
     Interruption& mInterruption;
-    std::mutex mMutex;    // lines do not mix
+    std::mutex mMutex;    // keeps lines apart
     uint64_t mTaken = 0;  // guarded by mMutex
 };
 
-// A result that says nothing: 0, false, empty.
-Json::Value Nothing(const Type& type);
+// Returns 0, false or an empty value.
+Json::Value ZeroValue(const Type& type);
 
 }  // namespace hbbtv::ctl

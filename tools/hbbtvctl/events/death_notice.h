@@ -1,4 +1,4 @@
-// Tells of the end of the service that a client listens to.
+// Reports the death of a service.
 #pragma once
 
 #include <hidl/HidlSupport.h>
@@ -12,13 +12,13 @@ namespace hbbtv::ctl {
 
 class DeathNotice : public android::hardware::hidl_death_recipient {
   public:
-    // `interruption` is woken when a service dies.
+    // The death of a service wakes `interruption`.
     explicit DeathNotice(Interruption& interruption) : mInterruption(interruption) {}
 
-    // From now on. Throws Failure(kPeerLost) when it is dead already.
+    // Throws Failure(kPeerLost) if the service is dead already.
     void Watch(const ServiceCaller& service);
 
-    // Throws Failure(kPeerLost) when one has died.
+    // Throws Failure(kPeerLost) if a watched service has died.
     void Check() const;
 
     void serviceDied(uint64_t, const android::wp<android::hidl::base::V1_0::IBase>&) override;

@@ -1,4 +1,4 @@
-// What --help says, in this program's words, and what it shares with the manual pages.
+// The format of --help, and what it shares with the manual pages.
 #pragma once
 
 #include <CLI/App.hpp>
@@ -7,22 +7,22 @@
 
 namespace hbbtv::ctl {
 
-// For the whole command line; after all commands have been added.
+// Sets the format of all commands. Call it after they have been added.
 void SetHelp(CLI::App& app);
 
-// The commands that users see.
+// Returns the commands that are not hidden.
 std::vector<const CLI::App*> Commands(const CLI::App& app);
 
-// The options that users see, or the arguments.
+// Returns the options that are not hidden, or the positional arguments.
 std::vector<const CLI::Option*> Options(const CLI::App& command, bool positional);
 
-// "METHOD", "FAMILY..."
+// Returns "METHOD" or "FAMILY...".
 std::string ArgumentName(const CLI::Option& argument);
 
-// The option's description with its default.
+// Returns the description of the option with its default.
 std::string Purpose(const CLI::Option& option);
 
-// A part of the footer: "Examples:", and the indented lines below it; or lines without a heading.
+// A part of the footer: "Examples:" with the indented lines below it, or lines without a heading.
 struct FooterPart {
     std::string heading;  // without the colon
     std::string text;

@@ -1,4 +1,4 @@
-// Options that several commands have, so that they are called and explained alike.
+// Options that several commands share.
 #pragma once
 
 #include <CLI/App.hpp>
@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "arguments.h"
+#include "cli/arguments.h"
 #include "common/duration.h"
 
 namespace hbbtv::ctl {
@@ -18,7 +18,7 @@ struct TimeOption {
 
     Milliseconds Value() const;
 
-    // Nothing when there is none.
+    // Returns nothing if the option is not given and has no default.
     std::optional<Milliseconds> Limit() const;
 
     std::string word;
@@ -26,7 +26,7 @@ struct TimeOption {
 
 void AddTime(CLI::App& command, const std::string& name, TimeOption& option, const std::string& purpose);
 
-// Checks a number of an option.
+// Returns a check of an option: an integer in a range.
 std::function<std::string(const std::string&)> WholeNumber(uint64_t least, uint64_t most = UINT64_MAX);
 
 // ARGUMENT... and --json [OBJECT].
@@ -39,11 +39,11 @@ struct ArgumentOptions {
 
 void AddArguments(CLI::App& command, ArgumentOptions& options);
 
-// --json for the output only.
+// Adds --json for the output only.
 void AddJson(CLI::App& command, bool& json);
 
-// The words of the command line. In commands that take arguments, "--json {...}" becomes
-// "--json --json-arguments={...}": an optional value that is one only when it looks like one.
+// Returns the words of the command line. In commands that take arguments, "--json {...}" becomes
+// "--json --json-arguments={...}", so that --json takes a value only if the next word looks like one.
 std::vector<std::string> SplitJsonOption(const CLI::App& app, int argc, char** argv);
 
 }  // namespace hbbtv::ctl

@@ -1,11 +1,11 @@
-// hbbtvctl completion SHELL, and what those scripts ask. What can follow is read from the
-// command line's own description and the package, so there is no list of its own here.
+// hbbtvctl complete: computes the candidates for the word that a shell completes. They come from the definition of the
+// command line, the package and protocol/.
 #include <algorithm>
 #include <cstdio>
 
-#include "commands/commands.h"
-#include "commands/help.h"
-#include "commands/options.h"
+#include "cli/help.h"
+#include "cli/options.h"
+#include "cli/self_description.h"
 #include "common/failure.h"
 #include "package/description.h"
 #include "wire/message.h"
@@ -25,7 +25,7 @@ std::string FirstLine(const std::string& text) {
     return text.substr(0, text.find('\n'));
 }
 
-// "INTERFACE." first, so that the list stays short; its methods once the dot is there.
+// Completes "INTERFACE." first, which keeps the list short, and methods after the dot.
 Candidates Methods(const std::string& word, bool callbacks) {
     Candidates candidates;
     const bool whole = word.find('.') != std::string::npos;
@@ -73,16 +73,16 @@ Candidates Names(const std::string& word) {
     return candidates;
 }
 
-// What may stand for a value.
+// Returns the names of values that the type has.
 Candidates ValuesOf(const Type& type, const std::string& start) {
     Candidates candidates;
     for (const Enumerator& e : type.enumerators) candidates.push_back({start + e.name, FirstLine(e.doc)});
     if (type.kind == Type::Kind::Bool) candidates = {{start + "true", ""}, {start + "false", ""}};
-    if (type.kind == Type::Kind::Callback) candidates = {{start + "@listen", "show what arrives"}};
+    if (type.kind == Type::Kind::Callback) candidates = {{start + "@listen", "print the calls that arrive"}};
     return candidates;
 }
 
-// The parameters that no word is for, in order.
+// Returns the parameters without a value so far, in order.
 std::vector<Parameter> NotGiven(std::vector<Parameter> parameters, const std::vector<std::string>& given) {
     for (const bool named : {true, false}) {
         for (const std::string& word : given) {
@@ -99,7 +99,7 @@ std::vector<Parameter> NotGiven(std::vector<Parameter> parameters, const std::ve
     return parameters;
 }
 
-// "name=" of what is not given yet, and what may stand behind it; or a value of the next one.
+// Completes "name=" for missing arguments, values after "name=", and values of the next argument.
 Candidates Arguments(const std::vector<Parameter>& parameters, const std::vector<std::string>& given,
                      const std::string& word) {
     for (const Parameter& parameter : parameters) {
@@ -114,7 +114,7 @@ Candidates Arguments(const std::vector<Parameter>& parameters, const std::vector
     return candidates;
 }
 
-// Methods of clients that need an answer.
+// Completes methods of clients that return a value.
 Candidates Answers() {
     Candidates candidates;
     for (const Interface& interface : Package::Get().interfaces) {
@@ -152,7 +152,7 @@ Candidates Events(const std::string& familyName) {
     return candidates;
 }
 
-// The command line up to the word that is being completed.
+// The words before the one to complete.
 class Line {
   public:
     Line(const CLI::App& app, const std::vector<std::string>& words) : mCommand(&app) {
@@ -225,74 +225,11 @@ class Line {
     }
 
     const CLI::App* mCommand;
-    bool mUnknown = false;                 // whether there is no such command
-    const CLI::Option* mOption = nullptr;  // waits for its value
+    bool mUnknown = false;                 // whether the command does not exist
+    const CLI::Option* mOption = nullptr;  // whose value comes next
     std::vector<std::string> mPositionals;
     std::string mWord;
 };
-
-constexpr const char* kBash = R"(# bash completion of hbbtvctl: source it, or put it where bash-completion looks.
-_hbbtvctl() {
-    local line=${COMP_LINE:0:COMP_POINT} piece word candidate
-    local -a words=()
-    # Bash takes "=" and ":" for words of their own: what no blank separates in the line is one word.
-    for piece in "${COMP_WORDS[@]:0:COMP_CWORD+1}"; do
-        if [[ ${#words[@]} -eq 0 || $line == [[:space:]]* || -z $line ]]; then
-            words+=("")
-            line=${line#"${line%%[![:space:]]*}"}
-        fi
-        piece=${line:0:${#piece}}
-        words[-1]+=$piece
-        line=${line:${#piece}}
-    done
-    word=${words[-1]}
-    COMPREPLY=()
-    # Bash takes what follows an "=" for a word of its own.
-    local prefix=""
-    [[ $word == *=* && $COMP_WORDBREAKS == *=* ]] && prefix=${word%"${word##*=}"}
-    while IFS=$'\t' read -r candidate _; do
-        COMPREPLY+=("${candidate#"$prefix"}")
-    done < <(hbbtvctl complete -- "${words[@]:1}" 2>/dev/null)
-    if [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *[.=] ]]; then
-        compopt -o nospace
-    fi
-}
-complete -o default -F _hbbtvctl hbbtvctl
-)";
-
-constexpr const char* kZsh = R"(#compdef hbbtvctl
-# zsh completion of hbbtvctl: put it as _hbbtvctl into a directory of $fpath, or source it after compinit.
-_hbbtvctl() {
-    local candidate hint
-    local -a plain open plain_hints open_hints
-    while IFS=$'\t' read -r candidate hint; do
-        if [[ $candidate == *[.=] ]]; then
-            open+=("$candidate") open_hints+=("$candidate  $hint")
-        else
-            plain+=("$candidate") plain_hints+=("$candidate  $hint")
-        fi
-    done < <(hbbtvctl complete -- "${(@)words[2,CURRENT]}" 2>/dev/null)
-    (( $#plain )) && compadd -l -d plain_hints -a plain
-    (( $#open )) && compadd -S '' -l -d open_hints -a open
-    (( $#plain + $#open )) || _files
-}
-if [[ $funcstack[1] == _hbbtvctl ]]; then _hbbtvctl "$@"; else compdef _hbbtvctl hbbtvctl; fi
-)";
-
-constexpr const char* kFish =
-    R"(# fish completion of hbbtvctl: put it into ~/.config/fish/completions/hbbtvctl.fish, or source it.
-function __hbbtvctl
-    set -l words (commandline -opc) (commandline -ct)
-    hbbtvctl complete -- $words[2..-1] 2>/dev/null
-end
-complete -c hbbtvctl -f -a '(__hbbtvctl)'
-complete -c hbbtvctl -n '__fish_seen_argument -l directory; or __fish_seen_subcommand_from play' -F
-)";
-
-int PrintScript(const std::string& shell) {
-    std::printf("%s", shell == "bash" ? kBash : shell == "zsh" ? kZsh : kFish);
-    return kDone;
-}
 
 }  // namespace
 
@@ -304,27 +241,9 @@ int Complete(const CLI::App& app, const std::vector<std::string>& words) {
             std::printf("%s\t%s\n", candidate.word.c_str(), FirstLine(candidate.hint).c_str());
         }
     } catch (const Failure&) {
-        // A name in front that nobody knows: nothing can follow.
+        // An earlier word is an unknown name: no candidates.
     }
     return kDone;
-}
-
-void AddCompletion(CLI::App& app, Invocation& invocation) {
-    auto shell = std::make_shared<std::string>();
-    CLI::App* command = app.add_subcommand("completion", "Print the completion script for a shell");
-    command->add_option("SHELL", *shell, "bash, zsh or fish")
-        ->type_name("SHELL")
-        ->required()
-        ->check([](const std::string& name) {
-            const bool known = name == "bash" || name == "zsh" || name == "fish";
-            return known ? "" : "\"" + name + "\" is none of bash, zsh, fish";
-        });
-    command->footer(
-        "Examples, in ~/.bashrc, ~/.zshrc (after compinit) and config.fish:\n"
-        "  source <(hbbtvctl completion bash)\n"
-        "  source <(hbbtvctl completion zsh)\n"
-        "  hbbtvctl completion fish | source");
-    command->callback([shell, &invocation] { invocation.run = [shell] { return PrintScript(*shell); }; });
 }
 
 }  // namespace hbbtv::ctl

@@ -1,5 +1,4 @@
-// See help.h.
-#include "commands/help.h"
+#include "cli/help.h"
 
 #include <CLI/Formatter.hpp>
 #include <memory>
@@ -31,7 +30,7 @@ class HelpFormatter : public CLI::Formatter {
 
     std::string make_option_desc(const CLI::Option* option) const override { return Purpose(*option); }
 
-    // With one blank line between its parts, and none at the end.
+    // Normalizes blank lines: one between parts, none at the end.
     std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override {
         std::string text = CLI::Formatter::make_help(app, name, mode);
         for (size_t at = 0; (at = text.find("\n\n\n", at)) != std::string::npos;) text.erase(at, 1);
@@ -45,11 +44,11 @@ class HelpFormatter : public CLI::Formatter {
 void SetHelp(CLI::App& app) {
     const auto formatter = std::make_shared<HelpFormatter>();
     app.formatter(formatter);
-    app.get_help_ptr()->description("Show this and end");
+    app.get_help_ptr()->description("Show this help and exit");
     for (CLI::App* command : app.get_subcommands({})) {
         command->formatter(formatter);
         command->group("Commands");
-        command->get_help_ptr()->description("Show this and end");
+        command->get_help_ptr()->description("Show this help and exit");
     }
 }
 
@@ -68,8 +67,8 @@ std::string ArgumentName(const CLI::Option& argument) {
 }
 
 std::string Purpose(const CLI::Option& option) {
-    const std::string usual = option.get_default_str();
-    return option.get_description() + (usual.empty() ? "" : "; " + usual + " without it");
+    const std::string value = option.get_default_str();
+    return option.get_description() + (value.empty() ? "" : " (default: " + value + ")");
 }
 
 std::vector<FooterPart> FooterParts(const CLI::App& command) {

@@ -1,5 +1,4 @@
-// See options.h.
-#include "commands/options.h"
+#include "cli/options.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -12,7 +11,7 @@ namespace hbbtv::ctl {
 namespace {
 
 constexpr const char* kJsonArguments = "--json-arguments";
-// "{...}", or where an object may come from.
+// Returns whether the word is "{...}", or refers to a file or standard input.
 bool IsObject(const std::string& word) {
     return word == "-" || (!word.empty() && (word[0] == '{' || word[0] == '@'));
 }
@@ -38,23 +37,24 @@ std::function<std::string(const std::string&)> WholeNumber(uint64_t least, uint6
         const bool digits = !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
         const uint64_t number = digits ? std::strtoull(word.c_str(), nullptr, 10) : 0;
         if (digits && errno == 0 && number >= least && number <= most) return std::string();
-        const std::string end = most == UINT64_MAX ? "" : " to " + std::to_string(most);
-        return Quoted(word) + " is no whole number from " + std::to_string(least) + end;
+        return Quoted(word) + " is not an integer " +
+               (most == UINT64_MAX ? "of at least " + std::to_string(least)
+                                   : "from " + std::to_string(least) + " to " + std::to_string(most));
     };
 }
 
 void AddArguments(CLI::App& command, ArgumentOptions& options) {
     command
         .add_option("ARGUMENT", options.given.words,
-                    "NAME=VALUE, or values in order; a value may be @FILE, or - for standard input")
+                    "NAME=VALUE, or values in order; a value can be @FILE, or - for standard input")
         ->type_name("ARGUMENT");
     command.add_flag("--json", options.json,
-                     "Write JSON; followed by an object ('{...}', @FILE or -), take the arguments from it");
+                     "Print JSON; if an object follows ('{...}', @FILE or -), take the arguments from it");
     command.add_option(kJsonArguments, options.given.json)->group("");
 }
 
 void AddJson(CLI::App& command, bool& json) {
-    command.add_flag("--json", json, "Write JSON");
+    command.add_flag("--json", json, "Print JSON");
 }
 
 std::vector<std::string> SplitJsonOption(const CLI::App& app, int argc, char** argv) {

@@ -1,5 +1,4 @@
-// See event_printer.h.
-#include "event_printer.h"
+#include "events/event_printer.h"
 
 #include <sys/time.h>
 
@@ -40,7 +39,7 @@ std::string Seconds(uint64_t microseconds) {
 
 }  // namespace
 
-Json::Value Nothing(const Type& type) {
+Json::Value ZeroValue(const Type& type) {
     switch (type.kind) {
         case Type::Kind::Bool:
             return false;
@@ -52,7 +51,7 @@ Json::Value Nothing(const Type& type) {
             return Json::Value(Json::arrayValue);
         case Type::Kind::Struct: {
             Json::Value fields(Json::objectValue);
-            for (const Parameter& field : type.fields) fields[field.name] = Nothing(*field.type);
+            for (const Parameter& field : type.fields) fields[field.name] = ZeroValue(*field.type);
             return fields;
         }
         default:
@@ -64,7 +63,7 @@ Json::Value EventPrinter::AnswerOf(const Interface& interface, const Method& met
     const auto given = mSettings.answers.find(interface.name + "." + method.name);
     if (given != mSettings.answers.end()) return given->second;
     Json::Value answer(Json::arrayValue);
-    for (const Parameter& result : method.results) answer.append(Nothing(*result.type));
+    for (const Parameter& result : method.results) answer.append(ZeroValue(*result.type));
     return answer;
 }
 
@@ -88,7 +87,7 @@ Json::Value EventPrinter::Take(const char* interfaceName, const char* methodName
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mSettings.count != 0 && mTaken >= mSettings.count) return AnswerOf(interface, method);
     std::printf("%s\n", mSettings.json ? WriteJson(line).c_str() : text.c_str());
-    // A reader that has gone ends the waiting, too.
+    // Stop waiting as well if the reader has gone.
     const bool read = std::fflush(stdout) == 0;
     if (++mTaken == mSettings.count || !read) mInterruption.Wake();
     return AnswerOf(interface, method);

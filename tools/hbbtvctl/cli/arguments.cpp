@@ -1,5 +1,4 @@
-// See arguments.h.
-#include "arguments.h"
+#include "cli/arguments.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -22,7 +21,7 @@ namespace {
 
 constexpr size_t kAtOnce = 65536;
 
-// Everything that the descriptor gives.
+// Reads up to the end.
 std::string All(int fd, const std::string& name) {
     std::string text;
     char bytes[kAtOnce];
@@ -30,13 +29,13 @@ std::string All(int fd, const std::string& name) {
         const ssize_t count = read(fd, bytes, sizeof(bytes));
         if (count > 0) text.append(bytes, static_cast<size_t>(count));
         if (count == 0) return text;
-        if (count < 0 && errno != EINTR) throw Failure(kUsage, name + ": cannot be read: " + std::strerror(errno));
+        if (count < 0 && errno != EINTR) throw Failure(kUsage, "cannot read " + name + ": " + std::strerror(errno));
     }
 }
 
 std::string StandardInput() {
     static bool taken = false;
-    if (taken) throw Failure(kUsage, "standard input, -, can be one argument only");
+    if (taken) throw Failure(kUsage, "standard input (-) can be read for one argument only");
     taken = true;
     return All(STDIN_FILENO, "standard input");
 }
@@ -46,7 +45,7 @@ std::string Names(const std::vector<Parameter>& parameters) {
     for (const Parameter& parameter : parameters) {
         names += (names.empty() ? "" : ", ") + parameter.name + " (" + parameter.type->name + ")";
     }
-    return names.empty() ? "it takes none" : "it takes " + names;
+    return names.empty() ? "it takes no arguments" : "arguments: " + names;
 }
 
 class Reader {
@@ -59,14 +58,14 @@ class Reader {
         for (const std::string& word : given.words) TakeWord(word);
         for (const Parameter& parameter : mParameters) {
             if (allRequired && !mValues.isMember(parameter.name)) {
-                Refuse("lacks the argument \"" + parameter.name + "\"; " + Names(mParameters));
+                Refuse("missing argument \"" + parameter.name + "\"; " + Names(mParameters));
             }
         }
         return mValues;
     }
 
   private:
-    [[noreturn]] void Refuse(const std::string& reason) const { throw Failure(kUsage, mWhose + " " + reason); }
+    [[noreturn]] void Refuse(const std::string& reason) const { throw Failure(kUsage, mWhose + ": " + reason); }
 
     const Parameter& Named(const std::string& name) const {
         std::set<std::string> known;
@@ -74,12 +73,12 @@ class Reader {
             if (parameter.name == name) return parameter;
             known.insert(parameter.name);
         }
-        Refuse("has no argument \"" + name + "\"" +
-               (known.empty() ? "; it takes none" : DidYouMean(name, known, kShortList)));
+        Refuse("unknown argument \"" + name + "\"" +
+               (known.empty() ? "; it takes no arguments" : DidYouMean(name, known, kShortList)));
     }
 
     void Store(const Parameter& parameter, const Json::Value& value) {
-        if (mValues.isMember(parameter.name)) Refuse("has the argument \"" + parameter.name + "\" twice");
+        if (mValues.isMember(parameter.name)) Refuse("argument \"" + parameter.name + "\" is given twice");
         mValues[parameter.name] = value;
     }
 
@@ -88,7 +87,7 @@ class Reader {
         try {
             Store(parameter, make());
         } catch (const BadValue& e) {
-            throw Failure(kUsage, mWhose + ": argument \"" + parameter.name + "\": " + e.what());
+            Refuse("argument \"" + parameter.name + "\": " + e.what());
         }
     }
 
@@ -97,10 +96,10 @@ class Reader {
         try {
             object = ParseJson(ReadWord(word));
         } catch (const BadJson& e) {
-            throw Failure(kUsage, mWhose + ": " + what + ": " + e.what());
+            Refuse(what + ": " + e.what());
         }
         if (!object.isObject()) {
-            throw Failure(kUsage, mWhose + ": " + what + ": an object is needed, as in '{\"channel\": 4096}'");
+            Refuse(what + ": expected an object, for example '{\"channel\": 4096}'");
         }
         for (const std::string& name : object.getMemberNames()) {
             const Parameter& parameter = Named(name);
@@ -125,7 +124,7 @@ class Reader {
         for (const Parameter& parameter : mParameters) {
             if (!mValues.isMember(parameter.name)) return parameter;
         }
-        Refuse("has an argument too many, " + Quoted(word) + "; " + Names(mParameters));
+        Refuse("unexpected argument " + Quoted(word) + "; " + Names(mParameters));
     }
 
     const std::string& mWhose;
@@ -140,9 +139,9 @@ std::string ReadWord(const std::string& word) {
     if (word.rfind("@@", 0) == 0) return word.substr(1);
     if (word.empty() || word[0] != '@') return word;
     const std::string name = word.substr(1);
-    if (name.empty()) throw Failure(kUsage, "@ is followed by the name of a file; a text that is @ is written as @@");
+    if (name.empty()) throw Failure(kUsage, "@ requires the name of a file; write @@ for the string @");
     const Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
-    if (file.Get() < 0) throw Failure(kUsage, name + ": cannot be opened: " + std::strerror(errno));
+    if (file.Get() < 0) throw Failure(kUsage, "cannot open " + name + ": " + std::strerror(errno));
     return All(file.Get(), name);
 }
 

@@ -13,20 +13,20 @@ namespace hbbtv::ctl {
 
 struct GivenArguments {
     std::vector<std::string> words;   // "name=value", or values in order
-    std::optional<std::string> json;  // an object with all of them, or "@file" or "-"
-    std::string jsonIs{"the arguments after --json"};
+    std::optional<std::string> json;  // an object with all of them, "@file" or "-"
+    std::string jsonIs{"--json"};     // names it in messages
 };
 
-// A value may be "@FILE" (what the file holds), "-" (what standard input holds) or "@@..." (a text that begins with @).
-// The result is an object by name, checked against the parameters. `whose` begins the sentences of refusal. Throws
+// Returns an object of the values by name, checked against the parameters. A value can be "@FILE" (the content of the
+// file), "-" (standard input) or "@@..." (a string that begins with @). Messages begin with `whose`. Throws
 // Failure(kUsage).
 Json::Value ReadArguments(const std::string& whose, const std::vector<Parameter>& parameters,
                           const GivenArguments& given, bool allRequired);
 
-// The same in the order of the parameters.
+// Returns the values as an array, in the order of the parameters.
 Json::Value InOrder(const std::vector<Parameter>& parameters, const Json::Value& byName);
 
-// What "@FILE", "-" or the word itself stands for. Throws Failure(kUsage).
+// Returns the content that "@FILE" or "-" refers to, or the word itself. Throws Failure(kUsage).
 std::string ReadWord(const std::string& word);
 
 }  // namespace hbbtv::ctl
