@@ -1,5 +1,7 @@
 #include "family/family.h"
 
+#include <set>
+
 #include "common/nearest_name.h"
 #include "core/error.h"
 #include "wire/message.h"
@@ -9,23 +11,23 @@ namespace hbbtv::sim {
 namespace {
 
 const WireFamily& Named(const std::string& name) {
-    std::vector<std::string> known;
+    std::set<std::string> known;
     for (const WireFamily& family : WireFamilies()) {
         if (family.name == name) return family;
-        known.push_back(family.name);
+        known.insert(family.name);
     }
-    throw Fatal(kCannotServe, "protocol/ has no family \"" + name + "\"" + NearestOf(name, known));
+    throw Fatal(kCannotServe, "protocol/ has no family \"" + name + "\"" + DidYouMean(name, known, kShortList));
 }
 
 // `kind` is "operation" or "event".
 const Json::Value& Named(const WireFamily& family, const std::string& kind, const std::string& name) {
-    std::vector<std::string> known;
+    std::set<std::string> known;
     for (const Json::Value& entry : family.protocol[kind + "s"]) {
         if (entry["name"] == name) return entry;
-        known.push_back(entry["name"].asString());
+        known.insert(entry["name"].asString());
     }
-    throw Fatal(kCannotServe,
-                "protocol/" + family.name + ".json has no " + kind + " \"" + name + "\"" + NearestOf(name, known));
+    throw Fatal(kCannotServe, "protocol/" + family.name + ".json has no " + kind + " \"" + name + "\"" +
+                                  DidYouMean(name, known, kShortList));
 }
 
 FamilyAddress AddressOf(const WireFamily& family) {
