@@ -95,7 +95,7 @@ void ChannelFamily::AddState() {
     Get("GetFavIDsNum", "num",
         [this](const Channel& c) { return static_cast<unsigned>(mTv.favourites->Holding(c).size()); });
     Get("GetFavIDsNameByIndex", "name",
-        [this](const Channel& c, In in) { return At(mTv.favourites->Holding(c), in.UInt("index"))->id; });
+        [this](const Channel& c, In in) { return At(mTv.favourites->Holding(c), in.UInt("index"))->Id(); });
     Get("GetLocked", "locked", [](const Channel& c) { return c.Blocked(); });
     Get("GetManualBlock", "manualBlock", [](const Channel& c) { return c.Blocked(); });
     Get("GetChannelMaxBitRate", "maxBitrate", [](const Channel&) { return 0u; });

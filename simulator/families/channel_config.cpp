@@ -10,6 +10,9 @@ namespace hbbtv::sim {
 
 namespace {
 
+// What has changed; the letter goes with the event.
+enum class ConfigChange : char { ChannelList = 'L', FavouriteList = 'F' };
+
 constexpr size_t kMostEntries = 1000000;  // in all lists that have a handle
 
 class ChannelConfigFamily : public Family {
@@ -30,7 +33,7 @@ class ChannelConfigFamily : public Family {
 
     std::string Add(ChannelVector channels);
     std::unordered_set<const Channel*> Favourites(const std::string& listId) const;
-    void Tell(ConfigChange change);
+    void Notify(ConfigChange change);
 
     // At the television.
     std::string SetHidden(const Words& words, bool hidden);
@@ -60,7 +63,8 @@ ChannelConfigFamily::ChannelConfigFamily(const FamilySetup& setup)
     AddCommand("remove NUMBER", "a channel is taken out of the channel list",
                [this](const Words& words) { return SetListed(words, false); });
     AddCommand("restore NUMBER", "it is put back", [this](const Words& words) { return SetListed(words, true); });
-    mTv.onConfigChange = [this](ConfigChange change) { Tell(change); };
+    mTv.channelList.changed.Watch([this] { Notify(ConfigChange::ChannelList); });
+    mTv.favourites->changed.Watch([this] { Notify(ConfigChange::FavouriteList); });
 }
 
 // The event carries no context, so the caller's mark is only looked at.
@@ -69,7 +73,7 @@ void ChannelConfigFamily::RegisterCallback(In in, Out) {
     mRegistered = true;
 }
 
-void ChannelConfigFamily::Tell(ConfigChange change) {
+void ChannelConfigFamily::Notify(ConfigChange change) {
     if (!mRegistered) return;
     Json::Value event;
     event["reserved"] = std::string(1, static_cast<char>(change));
@@ -81,7 +85,7 @@ void ChannelConfigFamily::Tell(ConfigChange change) {
 void ChannelConfigFamily::SetChannelList(In in, Out) {
     const bool none = in.Pointer("list") == 0;
     const auto list = none ? nullptr : Find(mTv.channelLists, in, "list", "channel list");
-    if (mTv.channelList.Use(list)) mTv.onConfigChange(ConfigChange::ChannelList);
+    mTv.channelList.Use(list);
 }
 
 std::string ChannelConfigFamily::Add(ChannelVector channels) {
@@ -106,8 +110,8 @@ std::unordered_set<const Channel*> ChannelConfigFamily::Favourites(const std::st
     if (!listId.empty() && !mTv.favourites->Find(listId)) throw Refused("there is no favourite list with this id");
     std::unordered_set<const Channel*> favourites;
     for (const auto& list : mTv.favourites->Lists()) {
-        if (!listId.empty() && list->id != listId) continue;
-        for (const auto& channel : list->channels.Channels()) favourites.insert(channel.get());
+        if (!listId.empty() && list->Id() != listId) continue;
+        for (const auto& channel : list->Channels().Channels()) favourites.insert(channel.get());
     }
     return favourites;
 }
@@ -137,9 +141,9 @@ std::string ChannelConfigFamily::SetHidden(const Words& words, bool hidden) {
     if (!number) throw WrongWords();
     const auto channel = mTv.channelList.KnownWithNumber(*number);
     if (!channel) throw Refused("there is no such channel in the list");
-    if (channel->hidden == hidden) throw Refused(hidden ? "the channel is hidden" : "the channel is not hidden");
-    channel->hidden = hidden;
-    mTv.onConfigChange(ConfigChange::ChannelList);
+    if (!mTv.channelList.SetHidden(*number, hidden)) {
+        throw Refused(hidden ? "the channel is hidden" : "the channel is not hidden");
+    }
     return channel->name;
 }
 
@@ -148,7 +152,6 @@ std::string ChannelConfigFamily::SetListed(const Words& words, bool listed) {
     if (!number) throw WrongWords();
     const auto channel = listed ? mTv.channelList.PutBack(*number) : mTv.channelList.TakeOut(*number);
     if (!channel) throw Refused(listed ? "no such channel was removed" : "there is no such channel in the list");
-    mTv.onConfigChange(ConfigChange::ChannelList);
     return channel->name;
 }
 

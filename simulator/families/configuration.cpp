@@ -137,7 +137,7 @@ ConfigurationFamily::ConfigurationFamily(const FamilySetup& setup)
     Gives("GetDNTPolicy", P::DoNotTrack, "dnt");
     AddCommand("set PREFERENCE VALUE", "the viewer changes a preference", &F::Set);
     AddCommand("get [PREFERENCE]", "what a preference is, or all", &F::Get);
-    mPreferences.Watch([this](Preference preference) { Tell(preference); });
+    mPreferences.changed.Watch([this](Preference preference) { Tell(preference); });
 }
 
 void ConfigurationFamily::Gives(const char* name, Preference preference, const char* member) {

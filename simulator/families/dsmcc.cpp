@@ -89,7 +89,7 @@ DsmccFamily::DsmccFamily(const FamilySetup& setup)
     Row("RequestFile", &F::RequestFile);
     Row("ReleaseFile", &F::ReleaseFile);
     AddCommand("carousel-change PATH", "the carousel sends the file as a new version", &F::Change);
-    mTv.tuner.Watch([this] { CarouselLeft(); });
+    mTv.tuner.changed.Watch([this] { CarouselLeft(); });
     if (setup.settings.carousel.empty()) return;
     mCarousel = std::make_unique<Carousel>(setup.settings.carousel);
     for (const auto& [path, file] : mCarousel->Described()) {

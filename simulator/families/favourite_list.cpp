@@ -16,10 +16,8 @@ class FavouriteListFamily : public ObjectFamily<FavouriteList> {
     explicit FavouriteListFamily(const FamilySetup& setup);
 
   private:
-    void SetName(In in, Out);
     void InsertBefore(In in, Out);
     void RemoveAt(In in, Out);
-    void TellOf(const FavouriteList& changed);
 
     Tv& mTv;
 };
@@ -30,14 +28,14 @@ FavouriteListFamily::FavouriteListFamily(const FamilySetup& setup)
     using F = FavouriteListFamily;
     const auto look = [&](const char* name, auto search) {
         Look(name, "channel", setup.tv.channels,
-             [search](const FavouriteList& list, In in) { return search(list.channels, in); });
+             [search](const FavouriteList& list, In in) { return search(list.Channels(), in); });
     };
     Row("Release", &F::Release);
     Get("GetLength", "len",
-        [](const FavouriteList& list) { return static_cast<unsigned>(list.channels.Channels().size()); });
-    Get("GetFavID", "favId", [](const FavouriteList& list) { return list.id; });
-    Row("SetName", &F::SetName);
-    Get("GetName", "name", [](const FavouriteList& list) { return list.name; });
+        [](const FavouriteList& list) { return static_cast<unsigned>(list.Channels().Channels().size()); });
+    Get("GetFavID", "favId", [](const FavouriteList& list) { return list.Id(); });
+    Set("SetName", [](FavouriteList& list, In in) { list.SetName(in.ShortText("name")); });
+    Get("GetName", "name", [](const FavouriteList& list) { return list.Name(); });
     look("Item", [](const ChannelList& list, In in) { return At(list.Channels(), in.Int("index")); });
     look("GetChannel", [](const ChannelList& list, In in) { return list.WithId(in.Text("channelID")); });
     look("GetChannelByTriplet", [](const ChannelList& list, In in) {
@@ -49,23 +47,9 @@ FavouriteListFamily::FavouriteListFamily(const FamilySetup& setup)
     Set("Commit", [this](FavouriteList& list, In) { mTv.favourites->Commit(list); });
 }
 
-// Of the list in use alone.
-void FavouriteListFamily::TellOf(const FavouriteList& changed) {
-    if (mTv.favourites->InUse().get() == &changed) mTv.onConfigChange(ConfigChange::FavouriteList);
-}
-
-void FavouriteListFamily::SetName(In in, Out) {
-    const auto list = Named(in);
-    const std::string name = in.ShortText("name");
-    if (name == list->name) return;
-    list->name = name;
-    TellOf(*list);
-}
-
 void FavouriteListFamily::InsertBefore(In in, Out) {
-    const auto named = Named(in);
-    ChannelList& list = named->channels;
-    const size_t length = list.Channels().size();
+    const auto list = Named(in);
+    const size_t length = list->Channels().Channels().size();
     const int index = in.Int("index");
     if (index < 0 || static_cast<size_t>(index) > length) {
         throw Refused("index " + std::to_string(index) + " in a list of " + std::to_string(length));
@@ -73,17 +57,14 @@ void FavouriteListFamily::InsertBefore(In in, Out) {
     if (length >= kMostChannels) throw Refused("a favourite list holds at most 20000 channels");
     const auto channel = mTv.serviceChannels.WithCcid(in.Text("ccid"));
     if (!channel) throw Refused("\"ccid\" names no channel of the line-up");
-    list.Insert(static_cast<size_t>(index), channel);
-    TellOf(*named);
+    list->Insert(static_cast<size_t>(index), channel);
 }
 
 void FavouriteListFamily::RemoveAt(In in, Out) {
-    const auto named = Named(in);
-    ChannelList& list = named->channels;
+    const auto list = Named(in);
     const int index = in.Int("index");
-    At(list.Channels(), index);
-    list.Remove(static_cast<size_t>(index));
-    TellOf(*named);
+    At(list->Channels().Channels(), index);
+    list->Remove(static_cast<size_t>(index));
 }
 
 }  // namespace

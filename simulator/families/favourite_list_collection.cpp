@@ -38,14 +38,14 @@ void FavouriteListCollectionFamily::RemoveAt(In in, Out) {
     Favourites& lists = *Named(in);
     const int index = in.Int("index");
     At(lists.Lists(), index);
-    if (lists.Remove(static_cast<size_t>(index))) mTv.onConfigChange(ConfigChange::FavouriteList);
+    lists.Remove(static_cast<size_t>(index));
 }
 
 void FavouriteListCollectionFamily::ActivateFavouriteList(In in, Out) {
     Favourites& lists = *Named(in);
     const auto list = lists.Find(in.Text("favId"));
     if (!list) throw Refused("there is no favourite list with this id");
-    if (lists.Use(list)) mTv.onConfigChange(ConfigChange::FavouriteList);
+    lists.Use(list);
 }
 
 }  // namespace

@@ -155,7 +155,9 @@ void SearchManagerFamily::CreateSearch(In in, Out out) {
     search->search = std::make_shared<ProgrammeSearch>(
         *mTv.guide, mRoom, [this] { return Listed(); }, target);
     const std::string handle = Text(mSearches, search);
-    search->search->onEvent = [this, manager, handle](SearchEvent event) { Tell(*manager, handle, event); };
+    search->search->changed.Watch([this, found = search.get(), handle](SearchEvent event) {
+        if (!found->destroyed) Tell(*found->manager, handle, event);
+    });
     out["out_handle"] = handle;
 }
 
@@ -165,7 +167,6 @@ void SearchManagerFamily::DestroySearch(In in, Out) {
 
 // What it has found can still be read by who holds the result set; what is under way ends. Nobody is told.
 void SearchManagerFamily::Destroy(const std::shared_ptr<Search>& search, Handle handle) {
-    search->search->onEvent = [](SearchEvent) {};
     search->destroyed = true;
     if (search->search->State() == SearchState::Searching) search->search->Abort();
     mSearches.Remove(handle);

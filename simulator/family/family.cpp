@@ -1,5 +1,7 @@
 #include "family/family.h"
 
+#include <set>
+
 #include "common/nearest_name.h"
 #include "core/error.h"
 #include "wire/message.h"
@@ -14,7 +16,7 @@ const WireFamily& Named(const std::string& name) {
         if (family.name == name) return family;
         known.insert(family.name);
     }
-    throw Fatal(kCannotServe, "protocol/ has no family \"" + name + "\"" + DidYouMean(name, known));
+    throw Fatal(kCannotServe, "protocol/ has no family \"" + name + "\"" + DidYouMean(name, known, kShortList));
 }
 
 // `kind` is "operation" or "event".
@@ -24,8 +26,8 @@ const Json::Value& Named(const WireFamily& family, const std::string& kind, cons
         if (entry["name"] == name) return entry;
         known.insert(entry["name"].asString());
     }
-    throw Fatal(kCannotServe,
-                "protocol/" + family.name + ".json has no " + kind + " \"" + name + "\"" + DidYouMean(name, known));
+    throw Fatal(kCannotServe, "protocol/" + family.name + ".json has no " + kind + " \"" + name + "\"" +
+                                  DidYouMean(name, known, kShortList));
 }
 
 FamilyAddress AddressOf(const WireFamily& family) {

@@ -43,9 +43,6 @@ enum class ChannelError {
     Unidentified = 100
 };
 
-// What of the channel configuration has changed; the letter goes with the event.
-enum class ConfigChange : char { ChannelList = 'L', FavouriteList = 'F' };
-
 class Tv {
   public:
     // Without a seed the handles differ from run to run; the schedule is the same for everybody who gives none. The
@@ -92,8 +89,7 @@ class Tv {
         unsigned width = 1920, height = 1080;
     } resolution;
 
-    // Set by the families that know, called by those that do not.
-    std::function<void(ConfigChange)> onConfigChange = [](ConfigChange) {};
+    // Set by the video/broadcast family, for those that give its handle.
     std::function<Handle()> broadcastSupervisor = [] { return Handle{0}; };
 
   private:

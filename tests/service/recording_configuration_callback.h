@@ -5,7 +5,6 @@
 
 #include <string>
 
-#include "common/text/quote.h"
 #include "recording_client.h"
 
 namespace hbbtv::test {

@@ -65,7 +65,7 @@ std::string Described(const Application& application) {
     return text;
 }
 
-class ApplicationManagerFamily : public Family, private ApplicationWatcher {
+class ApplicationManagerFamily : public Family {
   public:
     explicit ApplicationManagerFamily(const FamilySetup& setup);
 
@@ -105,9 +105,6 @@ class ApplicationManagerFamily : public Family, private ApplicationWatcher {
     std::string Start(const Words& words);
     std::string Stop(const Words& words);
 
-    void Shown(const ApplicationPointer&) override { SayFullScreen(false); }
-    void Loaded(const ApplicationPointer& application) override { mEvents.ApplicationLoaded(application->id); }
-    void Ended(const ApplicationPointer&) override { SayFullScreen(true); }
     void SayFullScreen(bool destroyed);
 
     ApplicationPointer Named(In in) const;
@@ -125,7 +122,9 @@ ApplicationManagerFamily::ApplicationManagerFamily(const FamilySetup& setup)
       mTv(setup.tv),
       mEvents(Sends(setup.makeSink, {"application event 1", "set broadcast full screen", "local parental rating"})),
       mStarter(setup.loop, setup.tv, setup.settings, mEvents) {
-    mTv.applications.Watch(*this);
+    mTv.applications.shown.Watch([this](const ApplicationPointer&) { SayFullScreen(false); });
+    mTv.applications.loaded.Watch([this](const ApplicationPointer& loaded) { mEvents.ApplicationLoaded(loaded->id); });
+    mTv.applications.ended.Watch([this](const ApplicationPointer&) { SayFullScreen(true); });
     AddRows();
     AddCommands();
 }

@@ -35,7 +35,7 @@ bool Allowed(int minimumAge, std::optional<int> rating) {
 
 ApplicationStarter::ApplicationStarter(EventLoop& loop, Tv& tv, const Settings& settings, ApplicationEvents& events)
     : mTv(tv), mSettings(settings), mEvents(events), mReception(loop) {
-    tv.tuner.Watch([this] { ServiceChanged(); });
+    tv.tuner.changed.Watch([this] { ServiceChanged(); });
     ServiceChanged();
 }
 

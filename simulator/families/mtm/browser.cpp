@@ -25,7 +25,10 @@ std::string Origin(const Service& service) {
 
 Browser::Browser(EventLoop& loop, Tv& tv, const Settings& settings, EventSink& sink)
     : mTv(tv), mSettings(settings), mCommands(sink), mPing(loop) {
-    tv.applications.Watch(*this);
+    tv.applications.ready.Watch([this](const ApplicationPointer& application) { Ready(application); });
+    tv.applications.shown.Watch([this](const ApplicationPointer& application) { Shown(application); });
+    tv.applications.bound.Watch([this](const ApplicationPointer& application) { Bound(application); });
+    tv.applications.ended.Watch([this](const ApplicationPointer& application) { Ended(application); });
 }
 
 const char* Browser::Presence() const {

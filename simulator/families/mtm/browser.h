@@ -15,14 +15,12 @@ namespace hbbtv::sim {
 
 struct RemoteKey;
 
-class Browser : public ApplicationWatcher {
+class Browser {
   public:
     Browser(EventLoop& loop, Tv& tv, const Settings& settings, EventSink& sink);
 
-    void Ready(const ApplicationPointer& application) override;
-    void Shown(const ApplicationPointer& application) override;
-    void Bound(const ApplicationPointer& application) override;
-    void Ended(const ApplicationPointer& application) override;
+    Browser(const Browser&) = delete;
+    Browser& operator=(const Browser&) = delete;
 
     // Something came from the browser: what waited for it gets its tab now.
     void FoundThere();
@@ -45,6 +43,10 @@ class Browser : public ApplicationWatcher {
   private:
     enum class Known { Nothing, There, NotThere };
 
+    void Ready(const ApplicationPointer& application);
+    void Shown(const ApplicationPointer& application);
+    void Bound(const ApplicationPointer& application);
+    void Ended(const ApplicationPointer& application);
     void Open(const ApplicationPointer& application);
     void OpenAll();
     void AskForSignalling(const ApplicationPointer& application);

@@ -22,8 +22,7 @@ const std::vector<double>& TimeShift::Speeds() {
     return speeds;
 }
 
-TimeShift::TimeShift(EventLoop& loop, std::function<void()> onNormalSpeed)
-    : mEnd(loop), mOnNormalSpeed(std::move(onNormalSpeed)) {}
+TimeShift::TimeShift(EventLoop& loop) : mEnd(loop) {}
 
 TimeShiftMode TimeShift::CurrentMode() const {
     return mActive ? mCurrent : TimeShiftMode::Off;
@@ -64,7 +63,7 @@ void TimeShift::WatchEnds() {
     }
     mEnd.Start(Milliseconds(static_cast<long long>(wait)), [this] {
         SetSpeed(1.0);
-        mOnNormalSpeed();
+        endReached.Notify();
     });
 }
 

@@ -3,9 +3,9 @@
 #pragma once
 
 #include <chrono>
-#include <functional>
 #include <vector>
 
+#include "core/changes.h"
 #include "core/event_loop.h"
 
 namespace hbbtv::sim {
@@ -18,8 +18,9 @@ class TimeShift {
   public:
     static const std::vector<double>& Speeds();
 
-    // `onNormalSpeed`: play met an end of the buffer and goes on at speed 1.
-    TimeShift(EventLoop& loop, std::function<void()> onNormalSpeed);
+    explicit TimeShift(EventLoop& loop);
+
+    Changes<> endReached;  // of the buffer, and play continues at speed 1
 
     // The mode is a preference: it counts when the next time shift begins.
     TimeShiftMode mode = TimeShiftMode::Local;
@@ -53,7 +54,6 @@ class TimeShift {
     Clock::time_point mAnchor;  // when play was at mPlace, the broadcast of that time
     Clock::time_point mPlace;
     Timer mEnd;
-    std::function<void()> mOnNormalSpeed;
 };
 
 }  // namespace hbbtv::sim

@@ -257,7 +257,9 @@ std::shared_ptr<Component> VideoBroadcastFamily::ComponentOf(const Object& objec
 // --- Lifecycle
 
 std::shared_ptr<Object> VideoBroadcastFamily::NewObject() {
-    return std::make_shared<Object>(mTv, mLoop, mSink, mSettings, [this] { mListeners.ServiceLeft(InFront()); });
+    const auto object = std::make_shared<Object>(mTv, mLoop, mSink, mSettings);
+    object->serviceLeft.Watch([this] { mListeners.ServiceLeft(InFront()); });
+    return object;
 }
 
 void VideoBroadcastFamily::Create(In in, Out out) {

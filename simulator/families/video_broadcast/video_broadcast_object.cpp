@@ -18,16 +18,15 @@ const char* const kRecordingId = "rec-1";
 
 }  // namespace
 
-VideoBroadcastObject::VideoBroadcastObject(Tv& tv, EventLoop& loop, EventSink& sink, const Settings& settings,
-                                           std::function<void()> onServiceLeft)
+VideoBroadcastObject::VideoBroadcastObject(Tv& tv, EventLoop& loop, EventSink& sink, const Settings& settings)
     : mTv(tv),
       mSettings(settings),
-      mOnServiceLeft(std::move(onServiceLeft)),
       mEvents(sink),
       mComponents(tv.preferences),
       mNoComponents(tv.preferences),
-      mShift(loop, [this] { mEvents.PlaySpeed(1.0); }),
+      mShift(loop),
       mTuning(loop) {
+    mShift.endReached.Watch([this] { mEvents.PlaySpeed(1.0); });
     mShift.mode = static_cast<TimeShiftMode>(tv.preferences.Get(Preference::TimeShiftMode).asInt());
 }
 
@@ -52,7 +51,7 @@ void VideoBroadcastObject::Leave(PlayState state, int error) {
     mComponents.Clear();
     if (state == PlayState::Unrealized) mChannel.reset();
     Enter(state, error);
-    if (state == PlayState::Unrealized && mTv.tuner.LatestUser() == this) mOnServiceLeft();
+    if (state == PlayState::Unrealized && mTv.tuner.LatestUser() == this) serviceLeft.Notify();
 }
 
 void VideoBroadcastObject::SayChannelError(const std::shared_ptr<Channel>& channel, ChannelError error) {
@@ -84,7 +83,7 @@ void VideoBroadcastObject::Tune(const std::shared_ptr<Channel>& channel, int qui
     mQuiet = quiet;
     mTv.tuner.Use(this, channel);
     Enter(PlayState::Connecting);
-    mOnServiceLeft();
+    serviceLeft.Notify();
     mTuning.Start(mSettings.tuneTime, [this] { MediaStarts(); });
 }
 

@@ -2,7 +2,6 @@
 // nothing of messages; the family turns requests into calls of it.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -20,9 +19,7 @@ enum class PlayState { Unrealized = 0, Connecting = 1, Presenting = 2, Stopped =
 
 class VideoBroadcastObject {
   public:
-    // `onServiceLeft` is called whenever the service that was tuned is left.
-    VideoBroadcastObject(Tv& tv, EventLoop& loop, EventSink& sink, const Settings& settings,
-                         std::function<void()> onServiceLeft);
+    VideoBroadcastObject(Tv& tv, EventLoop& loop, EventSink& sink, const Settings& settings);
     ~VideoBroadcastObject();
     VideoBroadcastObject(const VideoBroadcastObject&) = delete;
     VideoBroadcastObject& operator=(const VideoBroadcastObject&) = delete;
@@ -62,6 +59,8 @@ class VideoBroadcastObject {
     const TimeShift& Shift() const { return mShift; }
     ObjectEvents& Events() { return mEvents; }
 
+    Changes<> serviceLeft;  // the service that was tuned
+
     // What is only kept.
     struct {
         int x = 0, y = 0, width = 0, height = 0;
@@ -81,7 +80,6 @@ class VideoBroadcastObject {
 
     Tv& mTv;
     const Settings& mSettings;
-    std::function<void()> mOnServiceLeft;
     ObjectEvents mEvents;
     ComponentSelection mComponents;
     ComponentSelection mNoComponents;

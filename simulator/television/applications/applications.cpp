@@ -130,12 +130,12 @@ void Applications::Admit(const ApplicationPointer& application) {
     application->admitted = true;
     const bool known = !StartsWith(application->url, kCarousel) && !IsXmlSignalling(application->url);
     if (known) application->document = application->url;
-    for (ApplicationWatcher* watcher : mWatchers) watcher->Ready(application);
+    ready.Notify(application);
 }
 
 void Applications::FoundDocument(const ApplicationPointer& application, const std::string& url) {
     application->document = url;
-    for (ApplicationWatcher* watcher : mWatchers) watcher->Ready(application);
+    ready.Notify(application);
 }
 
 bool Applications::FileArrived(const std::string& url, const std::string& path) {
@@ -154,21 +154,21 @@ void Applications::ToTop(const ApplicationPointer& application) {
     std::rotate(found, found + 1, mRunning.end());
 }
 
-void Applications::SetShown(const ApplicationPointer& application, bool shown) {
-    if (shown) ToTop(application);
-    if (application->shown == shown) return;
-    application->shown = shown;
-    for (ApplicationWatcher* watcher : mWatchers) watcher->Shown(application);
+void Applications::SetShown(const ApplicationPointer& application, bool show) {
+    if (show) ToTop(application);
+    if (application->shown == show) return;
+    application->shown = show;
+    shown.Notify(application);
 }
 
 void Applications::Bind(const ApplicationPointer& application, std::shared_ptr<const Service> service) {
     if (application->service == service) return;
     application->service = std::move(service);
-    for (ApplicationWatcher* watcher : mWatchers) watcher->Bound(application);
+    bound.Notify(application);
 }
 
 void Applications::SayLoaded(const ApplicationPointer& application) {
-    for (ApplicationWatcher* watcher : mWatchers) watcher->Loaded(application);
+    loaded.Notify(application);
 }
 
 void Applications::End(const ApplicationPointer& application) {
@@ -176,7 +176,7 @@ void Applications::End(const ApplicationPointer& application) {
     application->running = false;
     mRunning.erase(std::find(mRunning.begin(), mRunning.end(), application));
     for (const auto& child : ChildrenOf(application->id)) End(child);
-    for (ApplicationWatcher* watcher : mWatchers) watcher->Ended(application);
+    ended.Notify(application);
 }
 
 void Applications::LeaveFor(const std::shared_ptr<const Service>& service) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "core/changes.h"
 #include "television/line_up/line_up.h"
 
 namespace hbbtv::sim {
@@ -59,21 +60,15 @@ struct Application {
 
 using ApplicationPointer = std::shared_ptr<Application>;
 
-class ApplicationWatcher {
-  public:
-    virtual ~ApplicationWatcher() = default;
-
-    virtual void Ready(const ApplicationPointer&) {}  // admitted, or what it has to load became known
-    virtual void Shown(const ApplicationPointer&) {}  // or hidden
-    virtual void Bound(const ApplicationPointer&) {}  // to a service, or to none any longer
-    virtual void Loaded(const ApplicationPointer&) {}
-    virtual void Ended(const ApplicationPointer&) {}
-};
-
 class Applications {
   public:
-    // The watcher has to stay for as long as anything happens here.
-    void Watch(ApplicationWatcher& watcher) { mWatchers.push_back(&watcher); }
+    using Event = Changes<const ApplicationPointer&>;
+
+    Event ready;  // admitted, or what it has to load became known
+    Event shown;  // or hidden
+    Event bound;  // to a service, or not any more
+    Event loaded;
+    Event ended;
 
     // The one that was started or shown last stands last: it lies on top.
     const std::vector<ApplicationPointer>& Running() const { return mRunning; }
@@ -99,7 +94,7 @@ class Applications {
     // A file of the broadcast is there. False when no application waits for it.
     bool FileArrived(const std::string& url, const std::string& path);
 
-    void SetShown(const ApplicationPointer& application, bool shown);
+    void SetShown(const ApplicationPointer& application, bool show);
     void Bind(const ApplicationPointer& application, std::shared_ptr<const Service> service);
     void SayLoaded(const ApplicationPointer& application);
 
@@ -113,7 +108,6 @@ class Applications {
     void ToTop(const ApplicationPointer& application);
 
     std::vector<ApplicationPointer> mRunning;
-    std::vector<ApplicationWatcher*> mWatchers;
     int mNextNumber = 0x8000;  // above those that broadcasters sign or leave unsigned
 };
 

@@ -17,11 +17,11 @@ std::shared_ptr<Channel> WithNumberIn(const ChannelVector& channels, int number)
 ChannelLists::ChannelLists(ChannelVector all)
     : mKnown(std::move(all)), mAll(std::make_shared<ChannelList>(mKnown)), mInUse(mAll) {}
 
-bool ChannelLists::Use(std::shared_ptr<ChannelList> list) {
+void ChannelLists::Use(std::shared_ptr<ChannelList> list) {
     if (!list) list = mAll;
-    if (list == mInUse) return false;
+    if (list == mInUse) return;
     mInUse = std::move(list);
-    return true;
+    changed.Notify();
 }
 
 std::shared_ptr<Channel> ChannelLists::Neighbour(const Channel& from, int step) const {
@@ -57,12 +57,21 @@ std::shared_ptr<Channel> ChannelLists::PutBack(int number) {
     return channel;
 }
 
+std::shared_ptr<Channel> ChannelLists::SetHidden(int number, bool hidden) {
+    const auto channel = KnownWithNumber(number);
+    if (!channel || channel->hidden == hidden) return nullptr;
+    channel->hidden = hidden;
+    changed.Notify();
+    return channel;
+}
+
 void ChannelLists::Fill() {
     ChannelVector channels;
     for (const auto& channel : mKnown) {
         if (mTakenOut.count(channel.get()) == 0) channels.push_back(channel);
     }
     mAll->Assign(std::move(channels));
+    changed.Notify();
 }
 
 }  // namespace hbbtv::sim

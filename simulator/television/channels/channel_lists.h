@@ -5,6 +5,7 @@
 #include <memory>
 #include <set>
 
+#include "core/changes.h"
 #include "television/channels/channel_list.h"
 
 namespace hbbtv::sim {
@@ -17,8 +18,8 @@ class ChannelLists {
     const std::shared_ptr<ChannelList>& All() const { return mAll; }
     const std::shared_ptr<ChannelList>& InUse() const { return mInUse; }
 
-    // Null: the list of all channels. Whether it is another list than before.
-    bool Use(std::shared_ptr<ChannelList> list);
+    // Null: the list of all channels.
+    void Use(std::shared_ptr<ChannelList> list);
 
     // The next channel forward (1) or back (-1), round and round, that is not hidden. Null when this one is not in the
     // list in use. A channel that stands there twice counts where it stands first, so every one is reached.
@@ -34,6 +35,11 @@ class ChannelLists {
     // when there is no such channel or nothing to do.
     std::shared_ptr<Channel> TakeOut(int number);
     std::shared_ptr<Channel> PutBack(int number);
+
+    // The viewer hides a channel, or shows it again. By number; null when there is no such channel or nothing to do.
+    std::shared_ptr<Channel> SetHidden(int number, bool hidden);
+
+    Changes<> changed;  // another list is in use, or the viewer has changed the list of all channels
 
   private:
     void Fill();

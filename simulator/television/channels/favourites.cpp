@@ -14,8 +14,8 @@ const char* const kDocument = "favourites";
 constexpr size_t kMostLists = 1000;
 
 KeptFavourites KeptFormOf(const FavouriteList& list) {
-    KeptFavourites kept{list.id, list.name, {}};
-    for (const auto& channel : list.channels.Channels()) kept.ccids.push_back(channel->ccid);
+    KeptFavourites kept{list.Id(), list.Name(), {}};
+    for (const auto& channel : list.Channels().Channels()) kept.ccids.push_back(channel->ccid);
     return kept;
 }
 
@@ -39,11 +39,36 @@ Json::Value Written(const KeptFavourites& list) {
 
 }  // namespace
 
+void FavouriteList::SetName(const std::string& name) {
+    if (name == mName) return;
+    mName = name;
+    changed.Notify();
+}
+
+void FavouriteList::Insert(size_t place, const std::shared_ptr<Channel>& channel) {
+    mChannels.Insert(place, channel);
+    changed.Notify();
+}
+
+void FavouriteList::Remove(size_t place) {
+    mChannels.Remove(place);
+    changed.Notify();
+}
+
+// --- All lists
+
 Favourites::Favourites(const StateStore& store, std::vector<KeptFavourites> brought, const ChannelOfCcid& channelOf)
     : mStore(store), mKept(std::move(brought)) {
     if (!mKept.empty()) mKeptInUse = mKept.front().id;
     mStore.Load(kDocument, [this](const Json::Value& document) { Take(document); });
     Fill(channelOf);
+}
+
+void Favourites::Add(std::string id, std::string name, ChannelVector channels) {
+    mLists.push_back(std::make_shared<FavouriteList>(std::move(id), std::move(name), ChannelList(std::move(channels))));
+    mLists.back()->changed.Watch([this, list = mLists.back().get()] {
+        if (list == mInUse.get()) changed.Notify();
+    });
 }
 
 // All or nothing: it throws before anything has changed.
@@ -72,21 +97,20 @@ void Favourites::Fill(const ChannelOfCcid& channelOf) {
             Journal::Log("favourite list " + Excerpt(kept.id) + ": the line-up lacks " + std::to_string(missing) +
                          " of its channels");
         }
-        mLists.push_back(
-            std::make_shared<FavouriteList>(FavouriteList{kept.id, kept.name, ChannelList(std::move(channels))}));
+        Add(kept.id, kept.name, std::move(channels));
     }
     mInUse = Find(mKeptInUse);
 }
 
 Favourites::List Favourites::Find(const std::string& id) const {
-    const auto found = std::find_if(mLists.begin(), mLists.end(), [&](const List& list) { return list->id == id; });
+    const auto found = std::find_if(mLists.begin(), mLists.end(), [&](const List& list) { return list->Id() == id; });
     return found == mLists.end() ? nullptr : *found;
 }
 
 std::vector<Favourites::List> Favourites::Holding(const Channel& channel) const {
     std::vector<List> holding;
     for (const List& list : mLists) {
-        if (list->channels.Position(channel)) holding.push_back(list);
+        if (list->Channels().Position(channel)) holding.push_back(list);
     }
     return holding;
 }
@@ -97,20 +121,20 @@ Favourites::List Favourites::Create(const std::string& name) {
     do {
         id = "fav:" + std::to_string(++mCreated);
     } while (Find(id) || Kept(id) != nullptr);
-    mLists.push_back(std::make_shared<FavouriteList>(FavouriteList{id, name, ChannelList()}));
+    Add(id, name, {});
     return mLists.back();
 }
 
-bool Favourites::Remove(size_t index) {
+void Favourites::Remove(size_t index) {
     const List removed = mLists[index];
     mLists.erase(mLists.begin() + static_cast<std::ptrdiff_t>(index));
-    return removed == mInUse && Use(nullptr);
+    if (removed == mInUse) Use(nullptr);
 }
 
-bool Favourites::Use(const List& list) {
-    const bool changes = list != mInUse;
+void Favourites::Use(const List& list) {
+    if (list == mInUse) return;
     mInUse = list;
-    return changes;
+    changed.Notify();
 }
 
 const KeptFavourites* Favourites::Kept(const std::string& id) const {
@@ -119,9 +143,9 @@ const KeptFavourites* Favourites::Kept(const std::string& id) const {
 }
 
 void Favourites::Commit(const FavouriteList& list) {
-    if (Find(list.id).get() != &list) throw Refused("the list is not in the collection any more");
+    if (Find(list.Id()).get() != &list) throw Refused("the list is not in the collection any more");
     std::vector<KeptFavourites> lists = mKept;
-    const auto same = std::find_if(lists.begin(), lists.end(), [&](const auto& kept) { return kept.id == list.id; });
+    const auto same = std::find_if(lists.begin(), lists.end(), [&](const auto& kept) { return kept.id == list.Id(); });
     same == lists.end() ? lists.push_back(KeptFormOf(list)) : void(*same = KeptFormOf(list));
     Keep(std::move(lists), mKeptInUse);
 }
@@ -129,10 +153,10 @@ void Favourites::Commit(const FavouriteList& list) {
 void Favourites::Commit() {
     std::vector<KeptFavourites> lists;
     for (const List& list : mLists) {
-        const KeptFavourites* kept = Kept(list->id);
+        const KeptFavourites* kept = Kept(list->Id());
         lists.push_back(kept != nullptr ? *kept : KeptFormOf(*list));
     }
-    Keep(std::move(lists), mInUse ? mInUse->id : "");
+    Keep(std::move(lists), mInUse ? mInUse->Id() : "");
 }
 
 void Favourites::Keep(std::vector<KeptFavourites> lists, const std::string& inUse) {

@@ -7,15 +7,33 @@
 #include <string>
 #include <vector>
 
+#include "core/changes.h"
 #include "television/channels/channel_list.h"
 #include "television/device/state_store.h"
 
 namespace hbbtv::sim {
 
-struct FavouriteList {
-    std::string id;
-    std::string name;
-    ChannelList channels;
+class FavouriteList {
+  public:
+    FavouriteList(std::string id, std::string name, ChannelList channels)
+        : mId(std::move(id)), mName(std::move(name)), mChannels(std::move(channels)) {}
+
+    const std::string& Id() const { return mId; }
+    const std::string& Name() const { return mName; }
+    const ChannelList& Channels() const { return mChannels; }
+
+    void SetName(const std::string& name);
+
+    // The place of a channel is at most the length of the list, that of one to remove is below it.
+    void Insert(size_t place, const std::shared_ptr<Channel>& channel);
+    void Remove(size_t place);
+
+    Changes<> changed;  // its name or its channels
+
+  private:
+    std::string mId;
+    std::string mName;
+    ChannelList mChannels;
 };
 
 // A list as it is written down: channels by ccid, also those that are not received any more.
@@ -44,9 +62,9 @@ class Favourites {
     // Throws Refused when there are too many.
     List Create(const std::string& name);
 
-    // Both: whether another list is in use than before, or none.
-    bool Remove(size_t index);
-    bool Use(const List& list);
+    // The list that is in use when it is removed is not in use any more.
+    void Remove(size_t index);
+    void Use(const List& list);
 
     // Keeps the name and the channels of the list, and the list itself when it is new. Throws Refused when the list is
     // not in the collection any more or cannot be kept; then nothing has changed.
@@ -55,7 +73,10 @@ class Favourites {
     // Keeps which lists there are, new ones as they are now, and which of them is in use. Throws Refused.
     void Commit();
 
+    Changes<> changed;  // another list is in use, or the one in use has changed
+
   private:
+    void Add(std::string id, std::string name, ChannelVector channels);
     void Take(const Json::Value& document);
     void Fill(const ChannelOfCcid& channelOf);
     void Keep(std::vector<KeptFavourites> lists, const std::string& inUse);

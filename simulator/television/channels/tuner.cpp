@@ -5,7 +5,7 @@ namespace hbbtv::sim {
 void Tuner::Set(std::shared_ptr<Channel> channel) {
     if (channel == mOn) return;
     mOn = std::move(channel);
-    for (const auto& onChange : mWatchers) onChange();
+    changed.Notify();
 }
 
 void Tuner::Use(const void* user, std::shared_ptr<Channel> channel) {

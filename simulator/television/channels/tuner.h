@@ -1,10 +1,9 @@
 // The television's one tuner.
 #pragma once
 
-#include <functional>
 #include <memory>
-#include <vector>
 
+#include "core/changes.h"
 #include "television/channels/channel.h"
 
 namespace hbbtv::sim {
@@ -19,9 +18,6 @@ class Tuner {
 
     bool Used() const { return mUser != nullptr; }
 
-    // `onChange` is called whenever another channel is on, for as long as the tuner lives.
-    void Watch(std::function<void()> onChange) { mWatchers.push_back(std::move(onChange)); }
-
     void Set(std::shared_ptr<Channel> channel);
     void Use(const void* user, std::shared_ptr<Channel> channel);
     void Leave(const void* user);
@@ -31,6 +27,8 @@ class Tuner {
     void TakeAway(bool taken) { mTaken = taken; }
     bool TakenAway() const { return mTaken; }
 
+    Changes<> changed;  // another channel is on
+
     bool recorded = false;  // what is on is being recorded: no change of channel
 
   private:
@@ -38,7 +36,6 @@ class Tuner {
     const void* mUser = nullptr;
     const void* mLatest = nullptr;
     bool mTaken = false;
-    std::vector<std::function<void()>> mWatchers;
 };
 
 }  // namespace hbbtv::sim

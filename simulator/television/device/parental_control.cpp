@@ -96,7 +96,7 @@ ParentalControl::ParentalControl(const StateStore& store, Preferences& preferenc
     for (RatingScheme& scheme : OwnSchemes()) mSchemes.push_back(std::make_shared<RatingScheme>(std::move(scheme)));
     mStore.Load(kDocument, [this](const Json::Value& document) { Take(document); });
     FollowRatingAge();
-    mPreferences.Watch([this](Preference preference) {
+    mPreferences.changed.Watch([this](Preference preference) {
         if (preference == Preference::RatingAge) FollowRatingAge();
     });
 }

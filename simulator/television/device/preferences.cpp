@@ -224,7 +224,7 @@ void Preferences::Set(Preference preference, Json::Value value) {
     mKept = std::move(kept);
     if (mValues[preference] == value) return;
     mValues[preference] = std::move(value);
-    for (const auto& onChange : mWatchers) onChange(preference);
+    changed.Notify(preference);
 }
 
 void Preferences::SetFromText(const std::string& name, const std::string& text) {

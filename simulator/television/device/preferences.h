@@ -4,11 +4,11 @@
 
 #include <json/value.h>
 
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "core/changes.h"
 #include "television/device/state_store.h"
 
 namespace hbbtv::sim {
@@ -61,8 +61,7 @@ class Preferences {
 
     static std::vector<std::string> Names();
 
-    // `onChange` is called whenever a preference has another value than before, for as long as the preferences live.
-    void Watch(std::function<void(Preference)> onChange) { mWatchers.push_back(std::move(onChange)); }
+    Changes<Preference> changed;  // this one has another value than before
 
   private:
     void Take(const Json::Value& document);
@@ -70,7 +69,6 @@ class Preferences {
     const StateStore& mStore;
     std::map<Preference, Json::Value> mValues;
     Json::Value mKept{Json::objectValue};  // by name, what was ever set
-    std::vector<std::function<void(Preference)>> mWatchers;
 };
 
 }  // namespace hbbtv::sim

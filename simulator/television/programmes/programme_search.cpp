@@ -75,7 +75,7 @@ void ProgrammeSearch::Abort() {
 void ProgrammeSearch::End(SearchState state, SearchEvent event) {
     mState = state;
     if (state == SearchState::Idle) Empty();
-    onEvent(event);
+    changed.Notify(event);
 }
 
 void ProgrammeSearch::Empty() {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <vector>
 
+#include "core/changes.h"
 #include "television/programmes/guide.h"
 #include "television/programmes/programme_query.h"
 
@@ -66,7 +67,7 @@ class ProgrammeSearch {
     size_t Length() const;
     std::shared_ptr<Programme> Item(size_t index) const;  // null outside the page
 
-    std::function<void(SearchEvent)> onEvent = [](SearchEvent) {};
+    Changes<SearchEvent> changed;  // its state
 
   private:
     struct Wanted {

@@ -58,7 +58,7 @@ Result Interruptibly(Milliseconds limit, const std::string& what, const std::fun
 std::string Converse(const std::string& path, const std::string& line, Milliseconds limit) {
     const Descriptor socket(ConnectTo(path));
     if (socket.Get() < 0) {
-        throw Failure(kNobodyThere, path + ": no simulated platform answers: " + std::strerror(errno) +
+        throw Failure(kUnavailable, path + ": no simulated platform answers: " + std::strerror(errno) +
                                         "; start hbbtv-sim with this directory");
     }
     const std::string text = line + "\n";
@@ -105,7 +105,7 @@ bool Peers::Has(const Interface& interface) const {
         ServiceCaller(interface, mTimeout);
         return true;
     } catch (const Failure& e) {
-        if (e.Code() == kNobodyThere) return false;
+        if (e.Code() == kUnavailable) return false;
         throw;
     }
 }
@@ -125,7 +125,7 @@ Json::Value Peers::Exchange(const std::string& socket, int port, const Json::Val
     try {
         return ParseJson(reply);
     } catch (const BadValue& e) {
-        throw Failure(kNotUnderstood,
+        throw Failure(kInvalidReply,
                       path + ": the reply is " + e.what() + "; it begins " + Quoted(reply.substr(0, 200)));
     }
 }

@@ -175,7 +175,7 @@ void Player::Do(const ServiceStep& step, StepReport& report) {
     report.answered = "registered";
     while (!mStage.peers.Has(*step.interface)) {
         if (Clock::now() >= deadline) {
-            throw Failure(kNobodyThere, "no process has registered " + step.interface->name + " in " + HostDirectory() +
+            throw Failure(kUnavailable, "no process has registered " + step.interface->name + " in " + HostDirectory() +
                                             "; start the service with the same TMPDIR");
         }
         mStage.arrivals.Wait(kBetweenAttempts);
