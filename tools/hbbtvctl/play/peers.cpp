@@ -7,6 +7,7 @@
 #include <cstring>
 #include <optional>
 
+#include "common/duration.h"
 #include "common/failure.h"
 #include "common/local_socket.h"
 #include "common/text/json.h"
@@ -69,7 +70,7 @@ std::string Converse(const std::string& path, const std::string& line, Milliseco
     while (answer.find('\n') == std::string::npos) {
         pollfd entry{socket.Get(), POLLIN, 0};
         if (poll(&entry, 1, static_cast<int>(limit.count())) == 0) {
-            throw Failure(kTimeout, path + ": no answer within " + InWords(limit));
+            throw Failure(kTimeout, path + ": no answer within " + FormatDuration(limit));
         }
         char bytes[4096];
         const ssize_t count = recv(socket.Get(), bytes, sizeof(bytes), 0);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "common/duration.h"
 #include "common/failure.h"
 #include "common/interruption.h"
 #include "common/text/json.h"
@@ -239,7 +240,7 @@ Arrival Player::NextArrival(const EventStep& step, Clock::time_point deadline) {
         if (const auto arrival = mStage.arrivals.Take(method)) return *arrival;
         if (Clock::now() >= deadline) {
             Unexpected(FullName(step.method) + "(" + Shown(step.arguments, mNames) + ")",
-                       "nothing of it within " + InWords(step.within.value_or(mStage.timeout)));
+                       "nothing of it within " + FormatDuration(step.within.value_or(mStage.timeout)));
         }
         mStage.arrivals.Wait(Left(deadline));
     }
@@ -288,7 +289,7 @@ void Player::Do(const LetStep& step, StepReport&) {
 }
 
 void Player::Do(const WaitStep& step, StepReport& report) {
-    report.asked = "wait " + InWords(step.time);
+    report.asked = "wait " + FormatDuration(step.time);
     report.answered = "done";
     const auto deadline = Clock::now() + step.time;
     while (Clock::now() < deadline) mStage.arrivals.Wait(Left(deadline));
