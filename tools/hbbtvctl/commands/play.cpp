@@ -41,7 +41,7 @@ std::map<std::string, Json::Value> NamesOf(const std::string& directory, const P
         const std::string value = word.substr(equals + 1);
         try {
             names[name] = ParseJson(value);
-        } catch (const BadValue&) {
+        } catch (const BadJson&) {
             names[name] = value;
         }
     }

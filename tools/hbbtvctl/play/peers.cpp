@@ -125,7 +125,7 @@ Json::Value Peers::Exchange(const std::string& socket, int port, const Json::Val
     if (!withReply) return Json::Value();
     try {
         return ParseJson(reply);
-    } catch (const BadValue& e) {
+    } catch (const BadJson& e) {
         throw Failure(kInvalidReply,
                       path + ": the reply is " + e.what() + "; it begins " + Quoted(reply.substr(0, 200)));
     }
