@@ -59,7 +59,7 @@ class RegisteredClients : public TolmServiceInstances {
         return -1;
     }
 
-    // Ends the delivery to all clients when one dies: the others have to register again.
+    // Ends the delivery to all clients when one dies: the others must register again.
     void OnDied(const TolmServiceMethod& service, const wp<IBase>& who) {
         service.LogDeath();
         std::lock_guard<std::mutex> lock(mRegistering);

@@ -206,7 +206,7 @@ hidl_string Text(const TolmOwnedText& text) {
     return result;
 }
 
-// Makes the one client call of an event. The caller must check the Return.
+// Calls the client's method for an event. The caller must check the Return.
 Return<void> Forward(IVideoBroadcastCallback& client, TolmVideoBroadcastEvent event,
                      const TolmVideoBroadcastEventInfo& info) {
     switch (event) {

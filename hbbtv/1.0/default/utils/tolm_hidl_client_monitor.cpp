@@ -34,8 +34,8 @@ TolmHidlClientMonitor::~TolmHidlClientMonitor() {
     mRecipient->Detach();
 }
 
-// A client that is already dead cannot be linked or unlinked. Its notice arrives anyway, or is not wanted. A failed
-// Return must be checked by isOk(): unchecked, it ends the process.
+// A client that is already dead cannot be linked or unlinked, which is ignored: its death is reported anyway, or no
+// longer matters. A failed Return must be checked by isOk(): unchecked, it ends the process.
 void TolmHidlClientMonitor::StartMonitor(const android::sp<IBase>& cb) {
     TOLM_LOG(ANDROID_LOG_INFO, mTag, "ClientDeathRecipient::StartMonitor");
     mRecipient->Watch(cb);

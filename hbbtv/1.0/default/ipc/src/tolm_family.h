@@ -19,8 +19,8 @@ struct Family {
 namespace families {
 
 // Some families share a tag: those around channels, and the configuration with the local system.
-inline constexpr char kChannelTag[] = "[ipc_videobroadcast]";
-inline constexpr char kConfigurationTag[] = "[ipc_configure]";
+inline constexpr char kTagOfChannels[] = "[ipc_videobroadcast]";
+inline constexpr char kTagOfConfiguration[] = "[ipc_configure]";
 
 inline constexpr Family kApplicationManager{
     "[ipc_apm]", std::nullopt, 1, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_APM, TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_APM,
@@ -33,23 +33,23 @@ inline constexpr Family kAVControl{"[ipc_avcontrol]", 2, 19, TOLM_IPC_KEY_SERVIC
                                    TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_AV_CTRL};
 inline constexpr Family kCapabilities{"[ipc_capabilities]", 10, 10, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_CAP,
                                       std::nullopt};
-inline constexpr Family kChannel{kChannelTag, 12, 2, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_CHN, std::nullopt};
-inline constexpr Family kChannelConfig{kChannelTag, 19, 3, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_CHN_CONFIG,
+inline constexpr Family kChannel{kTagOfChannels, 12, 2, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_CHN, std::nullopt};
+inline constexpr Family kChannelConfig{kTagOfChannels, 19, 3, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_CHN_CONFIG,
                                        TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB_CHN_CONFIG};
-inline constexpr Family kChannelList{kChannelTag, 14, 4, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_CHN_LIST,
+inline constexpr Family kChannelList{kTagOfChannels, 14, 4, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_CHN_LIST,
                                      std::nullopt};
-inline constexpr Family kConfiguration{kConfigurationTag, 9, 12, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_CONF,
+inline constexpr Family kConfiguration{kTagOfConfiguration, 9, 12, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_CONF,
                                        TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_CONF};
 inline constexpr Family kDsmcc{"[ipc_dsmcc]", 20, 2, TOLM_IPC_KEY_SERVICE_DSMCC_TO_HBBTV,
                                TOLM_IPC_KEY_SERVICE_HBBTV_TO_DSMCC};
 
 // Both favourite families have type 15: lists have the codes up to 11, their collection those from 12 on.
-inline constexpr Family kFavouriteList{kChannelTag, 15, 5, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_FAV_LIST,
+inline constexpr Family kFavouriteList{kTagOfChannels, 15, 5, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_FAV_LIST,
                                        std::nullopt};
 inline constexpr Family kFavouriteListCollection{
-    kChannelTag, kFavouriteList.type, 6, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_FAV_LIST_COLLECT, std::nullopt};
+    kTagOfChannels, kFavouriteList.type, 6, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB_FAV_LIST_COLLECT, std::nullopt};
 
-inline constexpr Family kLocalSystem{kConfigurationTag, 6, 11, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_LOCAL_SYSTEM,
+inline constexpr Family kLocalSystem{kTagOfConfiguration, 6, 11, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_LOCAL_SYSTEM,
                                      std::nullopt};
 inline constexpr Family kMtm{"[ipc_mtm]", 0, 1, TOLM_IPC_KEY_SERVICE_MTM_TO_HBBTV, TOLM_IPC_KEY_SERVICE_HBBTV_TO_MTM};
 inline constexpr Family kParentalControlManager{"[ipc_parental_control]", 13, 16,
