@@ -5,8 +5,8 @@
 #include <CLI/Formatter.hpp>
 #include <cstdlib>
 
+#include "common/duration.h"
 #include "core/error.h"
-#include "core/time_text.h"
 
 namespace hbbtv::sim {
 
@@ -29,10 +29,6 @@ const char* const kExamples = R"(Examples:
 Exit codes: 0 ended by SIGINT or SIGTERM (or told), 1 --tell was refused or nobody is there, 2 wrong options,
 3 the line-up, the programmes, the carousel or the stream events were refused, 4 the sockets cannot be served,
 5 the state directory cannot be used.)";
-
-std::string CheckTime(const std::string& text) {
-    return ReadTime(text) ? "" : "\"" + text + "\" is no time: write 300ms or 2s, at most a day";
-}
 
 std::string CheckState(const std::string& text) {
     return text.empty() ? "the state directory has no name" : "";
@@ -82,18 +78,18 @@ std::optional<Options> ReadCommandLine(int argc, char** argv, int& exitCode) {
         ->check(CheckState);
     app.add_option("--tune-time", tuneTime, "From a change of channel to its picture")
         ->type_name("TIME")
-        ->check(CheckTime)
+        ->check(CheckDuration)
         ->capture_default_str();
     app.add_option("--stream-event-interval", streamEventInterval, "Between two stream events, 0 for none")
         ->type_name("TIME")
-        ->check(CheckTime)
+        ->check(CheckDuration)
         ->capture_default_str();
     app.add_option("--stream-events", options.settings.streamEvents, "Which stream events come when (JSON)")
         ->type_name("FILE")
         ->check(CheckName);
     app.add_option("--ping-interval", pingInterval, "Between two questions whether the browser is there, 0 for none")
         ->type_name("TIME")
-        ->check(CheckTime)
+        ->check(CheckDuration)
         ->capture_default_str();
     app.add_option("--permanent-error", permanentError, "Event in front of PlayState when tuning fails for good")
         ->type_name("EVENT")
@@ -114,9 +110,9 @@ std::optional<Options> ReadCommandLine(int argc, char** argv, int& exitCode) {
         exitCode = app.exit(e) == 0 ? kEnded : kUsage;
         return std::nullopt;
     }
-    options.settings.tuneTime = *ReadTime(tuneTime);
-    options.settings.streamEventInterval = *ReadTime(streamEventInterval);
-    options.settings.pingInterval = *ReadTime(pingInterval);
+    options.settings.tuneTime = *ParseDuration(tuneTime);
+    options.settings.streamEventInterval = *ParseDuration(streamEventInterval);
+    options.settings.pingInterval = *ParseDuration(pingInterval);
     const bool changed = permanentError == "channel-changed";
     options.settings.permanentErrorEvent =
         changed ? PermanentErrorEvent::ChannelChanged : PermanentErrorEvent::ChannelError;

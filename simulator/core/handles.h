@@ -18,13 +18,6 @@ namespace hbbtv::sim {
 
 using Handle = uint32_t;  // 0 is the null handle
 
-// Lower-case hexadecimal with 0x, as C prints pointers; the null pointer is the empty text.
-std::string PointerText(uint64_t pointer);
-
-// As C's "%p" reads it: blanks in front, 0x or not, either letter case, anything behind. The empty text and "(nil)" are
-// the null pointer. Nothing when the text is no pointer.
-std::optional<uint64_t> ReadPointer(const std::string& text);
-
 class HandleSource {
   public:
     explicit HandleSource(std::optional<uint32_t> seed);

@@ -1,9 +1,9 @@
 #include "core/journal.h"
 
-#include <json/writer.h>
-
 #include <algorithm>
 #include <cstdio>
+
+#include "common/text/json.h"
 
 namespace hbbtv::sim {
 
@@ -19,9 +19,7 @@ std::string ReadableValue(const Json::Value& value) {
                             text.find_first_not_of("0123456789abcdef", 2) == std::string::npos;
         if (handle) return text;
     }
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    std::string text = Json::writeString(builder, value);
+    std::string text = WriteJson(value);
     if (text.size() > kLongestValue) text = text.substr(0, kLongestValue) + "...";
     return text;
 }

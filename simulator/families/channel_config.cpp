@@ -3,6 +3,7 @@
 
 #include <unordered_set>
 
+#include "common/text/pointer_text.h"
 #include "core/error.h"
 #include "family/members.h"
 

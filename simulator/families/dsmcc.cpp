@@ -1,6 +1,7 @@
 // Files of the object carousel: requests for them, and the events that report their state.
 #include "family/family_setup.h"
 
+#include "common/text/pointer_text.h"
 #include "core/error.h"
 #include "core/journal.h"
 #include "family/members.h"

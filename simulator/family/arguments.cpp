@@ -1,7 +1,7 @@
 #include "family/arguments.h"
 
+#include "common/text/pointer_text.h"
 #include "core/error.h"
-#include "core/handles.h"
 
 namespace hbbtv::sim {
 
@@ -57,7 +57,7 @@ const Json::Value& Arguments::Objects(const char* name) const {
 }
 
 uint64_t Arguments::Pointer(const char* name) const {
-    const auto pointer = ReadPointer(Member(name, &Json::Value::isString, "a handle's text").asString());
+    const auto pointer = ParsePointer(Member(name, &Json::Value::isString, "a handle's text").asString());
     if (!pointer) throw Refused(std::string("member \"") + name + "\" is not a handle's text");
     return *pointer;
 }

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "common/text/pointer_text.h"
 #include "core/error.h"
 #include "core/handles.h"
 #include "family/arguments.h"

@@ -2,11 +2,18 @@
 
 #include <exception>
 
+#include "common/text/json.h"
 #include "core/error.h"
-#include "core/json_text.h"
 #include "wire/message.h"
 
 namespace hbbtv::sim {
+
+namespace {
+
+// No message of the interface nests deeper than two levels.
+constexpr int kDeepestNesting = 32;
+
+}  // namespace
 
 const Operation& Dispatcher::Find(const Json::Value& request) const {
     const FamilyAddress& address = mFamily->Address();
@@ -27,14 +34,20 @@ const Operation& Dispatcher::Find(const Json::Value& request) const {
     return *found;
 }
 
+Json::Value Dispatcher::Parsed(const std::string& text) {
+    try {
+        return ParseJson(text, kDeepestNesting);
+    } catch (const BadJson& e) {
+        throw Refused(std::string(e.what()) + ": " + Excerpt(text));
+    }
+}
+
 // A message may have any content, so this is where everything that it can cause ends.
 Json::Value Dispatcher::Answer(const std::string& text, std::string& operation, std::string& arguments) {
     Json::Value reply(Json::objectValue);
     operation = "?";
     try {
-        Json::Value request;
-        std::string error;
-        if (!ParseJson(text, request, error)) throw Refused("not JSON (" + Excerpt(error) + "): " + Excerpt(text));
+        const Json::Value request = Parsed(text);
         if (!request.isObject()) throw Refused("not a JSON object: " + Excerpt(text));
         if (mJournal.Tracing()) arguments = Readable(request, mFamily->Address().codeMember);
         const Operation& found = Find(request);

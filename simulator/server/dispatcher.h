@@ -26,6 +26,7 @@ class Dispatcher {
     const Family& Served() const { return *mFamily; }
 
   private:
+    static Json::Value Parsed(const std::string& text);
     Json::Value Answer(const std::string& text, std::string& operation, std::string& arguments);
     const Operation& Find(const Json::Value& request) const;
 

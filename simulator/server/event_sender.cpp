@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "common/local_socket.h"
-#include "core/json_text.h"
+#include "common/text/json.h"
 #include "wire/message.h"
 
 namespace hbbtv::sim {
@@ -133,8 +133,11 @@ void EventSender::Replied(const Frame& frame) {
     if (!mReplyDeadline.Running() || frame.type != kReply) return;
     mReplyDeadline.Cancel();
     Json::Value reply;
-    std::string error;
-    if (!ParseJson(frame.payload, reply, error)) reply = Json::Value();
+    try {
+        reply = ParseJson(frame.payload);
+    } catch (const BadJson&) {
+        // As if there was none.
+    }
     FinishFront(reply);
 }
 

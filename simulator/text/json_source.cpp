@@ -1,14 +1,10 @@
 #include "text/json_source.h"
 
-#include <json/reader.h>
-
-#include <cstdio>
-#include <exception>
-#include <memory>
-
+#include "common/duration.h"
 #include "common/nearest_name.h"
+#include "common/text/json.h"
+#include "common/text/quote.h"
 #include "core/error.h"
-#include "core/time_text.h"
 #include "text/lines.h"
 
 namespace hbbtv::sim {
@@ -18,10 +14,6 @@ namespace {
 constexpr int kDeepestNesting = 32;
 
 }  // namespace
-
-std::string Quoted(const std::string& text) {
-    return "\"" + text + "\"";
-}
 
 void JsonSource::Refuse(const Json::Value& where, const std::string& reason) const {
     RefuseAt(static_cast<size_t>(where.getOffsetStart()), reason);
@@ -37,38 +29,14 @@ void JsonSource::RefuseAt(size_t offset, const std::string& reason) const {
     throw Fatal(kFileRefused, mName + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + reason);
 }
 
-// The JSON reader's own report: "* Line 3, Column 5\n  Missing ...\nSee Line ...". Its first error is the one to fix.
-void JsonSource::RefuseSyntax(const std::string& errors) const {
-    unsigned line = 1;
-    unsigned column = 1;
-    std::sscanf(errors.c_str(), "* Line %u, Column %u", &line, &column);
-    const size_t begin = errors.find_first_not_of(" \n", errors.find('\n'));
-    std::string reason = begin == std::string::npos ? "" : errors.substr(begin, errors.find('\n', begin) - begin);
-    while (!reason.empty() && reason.back() == '.') reason.pop_back();
-    throw Fatal(kFileRefused,
-                mName + ":" + std::to_string(line) + ":" + std::to_string(column) + ": not JSON: " + reason);
-}
-
 Json::Value JsonSource::Parse() const {
     if (mText.find_first_not_of(" \t\r\n") == std::string::npos) RefuseAt(0, "the file is empty");
-    Json::CharReaderBuilder builder;
-    builder["collectComments"] = false;
-    builder["allowComments"] = false;
-    builder["allowTrailingCommas"] = false;
-    builder["failIfExtra"] = true;
-    builder["rejectDupKeys"] = true;
-    builder["stackLimit"] = kDeepestNesting;
-    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-    Json::Value root;
-    std::string errors;
-    bool good = false;
     try {
-        good = reader->parse(mText.data(), mText.data() + mText.size(), &root, &errors);
-    } catch (const std::exception&) {
-        RefuseAt(0, "the file nests deeper than " + std::to_string(kDeepestNesting) + " levels");
+        return ParseJson(mText, kDeepestNesting);
+    } catch (const BadJson& e) {
+        throw Fatal(kFileRefused, mName + ":" + std::to_string(e.Line()) + ":" + std::to_string(e.Column()) +
+                                      ": not valid JSON: " + e.Reason());
     }
-    if (!good) RefuseSyntax(errors);
-    return root;
 }
 
 JsonObject::JsonObject(const JsonSource& source, const Json::Value& value, std::string what,
@@ -122,8 +90,8 @@ double JsonObject::Real(const char* name, double otherwise, double least, double
 
 std::chrono::milliseconds JsonObject::Time(const char* name) const {
     const std::string text = Text(name);
-    const auto time = ReadTime(text);
-    if (!time) Refuse(name, "is " + Quoted(text) + ", which is no time: write 300ms or 2s, at most a day");
+    const auto time = ParseDuration(text);
+    if (!time) Refuse(name, "is " + Quoted(text) + ", which is not a duration: write 300ms or 2s, at most one day");
     return *time;
 }
 

@@ -14,9 +14,6 @@ namespace hbbtv::sim {
 // Words that a member may be, with their values.
 using JsonNames = std::map<std::string, int>;
 
-// In quotes, for messages.
-std::string Quoted(const std::string& text);
-
 // Text and name of the file, and the one way in which it is refused: Fatal. The text has to outlive the object.
 class JsonSource {
   public:
@@ -28,7 +25,6 @@ class JsonSource {
 
   private:
     [[noreturn]] void RefuseAt(size_t offset, const std::string& reason) const;
-    [[noreturn]] void RefuseSyntax(const std::string& errors) const;
 
     const std::string& mText;
     std::string mName;

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "common/text/utf8.h"
 #include "core/journal.h"
-#include "text/utf8.h"
 
 namespace hbbtv::sim {
 

@@ -108,11 +108,11 @@ TEST_F(CommandLine, TheDirectoryOptionGoesBeforeTheEnvironment) {
 TEST_F(CommandLine, WrongOptionsEndWithCode2AndASentence) {
     const std::map<std::vector<std::string>, std::string> wrong{
         {{"--nonsense"}, "--nonsense"},
-        {{"--tune-time", "fast"}, "\"fast\" is no time"},
+        {{"--tune-time", "fast"}, "\"fast\" is not a duration"},
         {{"--tune-time", "-1ms"}, "--tune-time"},
-        {{"--tune-time", "100h"}, "is no time"},
-        {{"--stream-event-interval", ""}, "is no time"},
-        {{"--ping-interval", "often"}, "\"often\" is no time"},
+        {{"--tune-time", "100h"}, "is not a duration"},
+        {{"--stream-event-interval", ""}, "is not a duration"},
+        {{"--ping-interval", "often"}, "\"often\" is not a duration"},
         {{"--seed", "x"}, "--seed"},
         {{"--carousel", ""}, "the name is empty"},
         {{"--stream-events", ""}, "the name is empty"},

@@ -356,7 +356,7 @@ TEST_F(Dsmcc, ASideFileThatMakesNoSenseEndsWithCode3AndThePlace) {
     std::filesystem::create_directory(Carousel());
     const std::map<std::string, std::string> rows{
         {R"({"delays": "1s"})", "1:12: a carousel has no member \"delays\"; did you mean \"delay\"?"},
-        {R"({"delay": "soon"})", "is \"soon\", which is no time: write 300ms or 2s"},
+        {R"({"delay": "soon"})", "is \"soon\", which is not a duration: write 300ms or 2s"},
         {R"({"files": [{"path": "../x"}]})", "is no path in the carousel: the path has the name \"..\""},
         {R"({"files": [{"path": "a"}, {"path": "a"}]})", "is that of another file"},
         {R"({"files": [{"path": "a", "version": 256}]})", "is 256, it has to be from 0 to 255"},

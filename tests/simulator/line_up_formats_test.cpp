@@ -107,7 +107,7 @@ TEST(LineUpFormat, ThatIsNoneIsRefusedWithASentence) {
         {"udp://a\n", "/nowhere/f:1: \"udp://a\"" + forms},
         {"#NAME Favourites (TV)\n#SERVICE 1:0:19:283D:3FB:1:C00000:0:0:0:\n",
          "/nowhere/f:1: this is a bouquet; the line-up is the lamedb beside it"},
-        {"[", "/nowhere/f:1:2: not JSON: Syntax error: value, object or array expected"}};
+        {"[", "/nowhere/f:1:2: not valid JSON: Syntax error: value, object or array expected"}};
     for (const auto& entry : refused) {
         const Reading reading = ReadingOfText(entry.first);
         EXPECT_EQ(reading.refusal, entry.second);

@@ -1,5 +1,7 @@
 #include "families/video_broadcast/object_events.h"
 
+#include "common/text/pointer_text.h"
+
 namespace hbbtv::sim {
 
 void ObjectEvents::Send(const char* event, Json::Value members) {

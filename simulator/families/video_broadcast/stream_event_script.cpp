@@ -3,9 +3,9 @@
 #include <cctype>
 #include <cstdio>
 
+#include "common/text/utf8.h"
 #include "text/json_source.h"
 #include "text/lines.h"
-#include "text/utf8.h"
 
 namespace hbbtv::sim {
 

@@ -9,9 +9,9 @@
 #include <cstdio>
 #include <cstring>
 
+#include "common/text/json.h"
 #include "core/error.h"
 #include "core/journal.h"
-#include "core/json_text.h"
 
 namespace hbbtv::sim {
 
@@ -92,12 +92,9 @@ void StateStore::Load(const std::string& name, const std::function<void(const Js
     const std::string file = FileOf(name);
     std::string text;
     if (!Read(file, text)) return;
-    std::string reason;
-    Json::Value document;
     if (text.size() > kLargestDocument) return SetAside(file, "larger than 64 MiB");
-    if (!ParseJson(text, document, reason)) return SetAside(file, "not JSON: " + Excerpt(reason));
     try {
-        take(document);
+        take(ParseJson(text));
     } catch (const std::exception& e) {
         SetAside(file, e.what());
     }
@@ -122,7 +119,7 @@ void StateStore::Save(const std::string& name, const Json::Value& document) cons
     if (!mOpen) return;
     const std::string file = FileOf(name);
     const std::string fresh = file + ".new";  // what an earlier run may have left there was never finished
-    const std::string text = JsonText(document);
+    const std::string text = document.toStyledString();
     if (text.size() > kLargestDocument) throw Refused(About(file, "would be larger than 64 MiB"));
     const int directory = mOpen->Get();
     bool good = false;

@@ -1,8 +1,8 @@
 #include "television/files/carousel_url.h"
 
+#include "common/text/utf8.h"
 #include "core/error.h"
 #include "text/text.h"
-#include "text/utf8.h"
 
 namespace hbbtv::sim {
 

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "common/nearest_name.h"
+#include "common/text/quote.h"
 #include "core/error.h"
 #include "television/device/remote_control.h"
 #include "television/line_up/line_up.h"
