@@ -117,8 +117,10 @@ Json::Value RawRequest(const WireFamily& family, const Json::Value& code, const 
 }
 
 std::vector<std::string> OperationsOf(const std::string& family) {
-    std::vector<std::string> names = FindFamily(family).OperationNames();
-    for (std::string& name : names) name.insert(0, family + ".");
+    std::vector<std::string> names;
+    for (const Json::Value& operation : FindFamily(family).protocol["operations"]) {
+        names.push_back(family + "." + operation["name"].asString());
+    }
     return names;
 }
 

@@ -1,8 +1,5 @@
 // Whatever a client sends, the simulator answers or drops it, and goes on serving everybody.
-#include <algorithm>
-
 #include "presentation/video_broadcast_fixture.h"
-#include "wire/values.h"
 
 namespace hbbtv::test {
 namespace {
@@ -50,15 +47,15 @@ class DamagedText : public DamagedInput, public testing::WithParamInterface<cons
   protected:
     std::string Text() const {
         const Json::Value& envelope = FindFamily("video_broadcast").protocol["envelope"];
-        const std::string type = WriteJson(envelope["type"]["key"]);
-        const std::string code = WriteJson(envelope["code"]["key"]);
+        const std::string type = "\"" + envelope["type"]["key"].asString() + "\"";
+        const std::string code = "\"" + envelope["code"]["key"].asString() + "\"";
         const Json::Value create = Operation("video_broadcast.Create").Request({});
         std::string text = GetParam();
         for (const auto& [word, replacement] : std::vector<std::pair<std::string, std::string>>{
                  {"TYPE_KEY", type},
                  {"CODE_KEY", code},
-                 {"TYPE", type + ": " + WriteJson(envelope["type"]["value"])},
-                 {"CREATE", code + ": " + WriteJson(create[envelope["code"]["key"].asString()])}}) {
+                 {"TYPE", type + ": " + envelope["type"]["value"].asString()},
+                 {"CREATE", code + ": " + create[envelope["code"]["key"].asString()].asString()}}) {
             const size_t at = text.find(word);
             if (at != std::string::npos) text.replace(at, word.size(), replacement);
         }
