@@ -1,0 +1,181 @@
+// A browser that is away, hangs, dies or comes back: the television goes on, and the tabs come when they can.
+#include "applications/browser_fixture.h"
+
+namespace hbbtv::test {
+namespace {
+
+class Absence : public BrowserFixture {
+  protected:
+    // Answers well whatever the browser is asked, until this command, which is left to the test.
+    void AnswerUntil(const std::string& last) {
+        std::string command = NextCommand();
+        for (; command != last && !HasFailure(); command = NextCommand()) {
+            if (command == "Ping") Reply(R"({"ret": 0, "status": 0})");
+            if (command.rfind("CreateApp ", 0) == 0) Reply(R"({"ret": 0, "tabid": 3})");
+        }
+    }
+
+    // Everything else still works: another client is answered.
+    void ExpectAlive() { EXPECT_EQ(Tell("apps").rfind("ok ", 0), 0u); }
+};
+
+TEST_F(Absence, LeavesTheApplicationWithoutATabAndSaysSoOnce) {
+    Start();
+    StopServingEvents("mtm");
+    for (const char* zap : {"zap 2", "zap 1", "zap 2", "zap 3"}) Tell(zap);
+    ExpectSaid("mtm: no tab for Start: no browser answers", 1);
+    ExpectSaid("mtm: ", 1);
+    EXPECT_EQ(AppEntry("12.1f5"), "12.1f5 Library, broadcast-independent, shown, keys 0x1f");
+    EXPECT_EQ(Tell("tabs"), "ok browser not there, status 0, memory 0");
+    EXPECT_EQ(Tell("key RED"), "ok no application takes it");
+    EXPECT_EQ(Tell("close-tabs"), "ok");
+    EXPECT_EQ(Tell("apps"), "ok screen 1920x1080");
+}
+
+TEST_F(Absence, IsToldOnOneLineWhateverTheNamesAre) {
+    mLineUp = R"({"networks": [{"id": "sat", "name": "S", "delivery": "DVB_S", "nid": 1}], "services": [
+        {"name": "K\u00f6ln\n\u001b[2J\u007f!", "network": "sat", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1,
+         "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}],
+         "applications": [{"name": "A\r\nready\u001b[2J", "organisation": 17, "application": 1,
+                           "control": "autostart", "url": "http://a.test/"}]}]})";
+    SimulatorFixture::Start();
+    EXPECT_NE(mSimulator->Output().find(", on: K\xc3\xb6ln  [2J !\n"), std::string::npos) << mSimulator->Output();
+    ExpectSaid("mtm: no tab for A  ready [2J: no browser answers\n", 1);
+    EXPECT_EQ(Tell("zap 1"), "ok K\xc3\xb6ln  [2J !");
+}
+
+TEST_F(Absence, EndsWithTheNextTuning) {
+    Start();
+    StopServingEvents("mtm");
+    Tell("zap 2");
+    ExpectSaid("no browser answers", 1);
+    ServeEvents("mtm");
+    Tell("zap 1");
+    TuneToTab(2, 3);
+}
+
+TEST_F(Absence, EndsForOtherApplicationsTooWhenATabIsMade) {
+    Start();
+    StopServingEvents("mtm");
+    Tell("zap 3");
+    ExpectSaid("no browser answers", 1);
+    ServeEvents("mtm");
+    TuneToTab(2, 3);
+    EXPECT_NE(NextCommand().find("https://free.test/"), std::string::npos);
+}
+
+TEST_F(Absence, EndsWithAnythingThatTheBrowserTells) {
+    Start();
+    StopServingEvents("mtm");
+    Tell("zap 2");
+    ExpectSaid("no browser answers", 1);
+    ServeEvents("mtm");
+    EXPECT_EQ(Ret("mtm.OnMemoryWarningDetected", {{"mem_status", 0}}), 0);
+    EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);
+}
+
+TEST_F(Absence, EndsWithAPing) {
+    Start("20ms");
+    StopServingEvents("mtm");
+    Tell("zap 2");
+    ExpectSaid("no browser answers", 1);
+    ServeEvents("mtm");
+    EXPECT_EQ(NextCommand(), "Ping");
+    Reply(R"({"ret": 0, "status": 5})");
+    EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);
+    EXPECT_EQ(Tell("tabs"), "ok browser there, status 5, memory 0");
+}
+
+TEST_F(Absence, IsWhatAReplyOfNullMeans) {
+    Start();
+    Tell("zap 2");
+    EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
+    Reply("null\n");  // nobody has registered
+    ExpectSaid("mtm: no tab for Start: no browser answers", 1);
+    EXPECT_EQ(Tell("tabs"), "ok browser not there, status 0, memory 0");
+}
+
+TEST_F(Absence, OfAnAnswerIsNoticedAndHoldsUpNothing) {
+    Start();
+    Tell("zap 2");
+    EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
+    ExpectAlive();
+    Tell("zap 3");
+    ExpectSaid("mtm: no tab for ", 0);
+    LibraryOf("mtm").Disconnect();
+    EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos) << "once more, to whoever is there now";
+    Reply(R"({"ret": 0, "tabid": 1})");
+    EXPECT_NE(NextCommand().find("https://free.test/"), std::string::npos);
+    Reply(R"({"ret": 0, "tabid": 2})");
+    EXPECT_EQ(NextCommand(), "DestroyApp tabid=1") << "its service was left meanwhile";
+}
+
+TEST_F(Absence, OfAnAnswerForTooLongGivesNoTabAndALateAnswerIsNoHarm) {
+    Start();
+    Tell("zap 2");
+    EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
+    ExpectSaid("mtm: no tab for Start: no browser answers", 1);
+    Reply(R"({"ret": 0, "tabid": 3})");
+    ExpectAlive();
+    EXPECT_EQ(TabEntry(3), "");
+    LibraryOf("mtm").Disconnect();
+    Tell("zap 1");
+    TuneToTab(2, 4);
+}
+
+TEST_F(Absence, OfAnAnswerToAPingTakesTheTabsAwayUntilABrowserAnswersAgain) {
+    Start("20ms");
+    Tell("zap 2");
+    AnswerUntil("GetRenderProcessId tabid=3");
+    Reply(R"({"ret": 0, "render_id": 1})");
+    EXPECT_EQ(NextCommand(), "Ping");
+    Reply(R"({"ret": -1})");  // as for a client that has died
+    ExpectSaid("mtm: the browser does not answer, its tabs are gone", 1);
+    EXPECT_EQ(Tell("tabs"), "ok browser not there, status 0, memory 0");
+    EXPECT_EQ(AppEntry("11.1"), "11.1 Start, broadcast-related, shown, keys 0x1f");
+    EXPECT_EQ(NextCommand(), "Ping");
+    Reply(R"({"ret": 0, "status": 0})");
+    EXPECT_EQ(NextCommand(), "DestroyAllApps") << "it may still have tabs that nobody knows";
+    EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);
+}
+
+TEST_F(Absence, OfApplicationsAndTabsNeedsNoPings) {
+    Start("1ms");
+    Tell("zap 2");
+    AnswerUntil("GetRenderProcessId tabid=3");
+    Reply(R"({"ret": 0, "render_id": 1})");
+    Tell("zap 1");
+    EXPECT_EQ(Ret("mtm.OnTabDestroyed", {{"tabid", 3}}), 0);
+    // After those that were on their way, the next command is that of the next application.
+    Tell("zap 3");
+    std::string command = NextCommand();
+    int pings = 0;
+    for (; command == "Ping" || command == "DestroyApp tabid=3"; command = NextCommand()) {
+        if (command == "Ping") Reply(R"({"ret": 0, "status": 0})");
+        if (command == "Ping") ++pings;
+        if (HasFailure()) return;
+    }
+    EXPECT_NE(command.find("https://free.test/"), std::string::npos) << command;
+    EXPECT_LE(pings, 2);
+}
+
+TEST_F(Absence, OfABrowserWithATabOfItsOwnIsWatchedForToo) {
+    Start("20ms");
+    EXPECT_EQ(Ret("mtm.OnTabCreated", {{"tabid", 7}}), 0);
+    EXPECT_EQ(NextCommand(), "Ping");
+    Reply(R"({"ret": 0, "status": 5})");
+    EXPECT_EQ(NextCommand(), "Ping");
+    EXPECT_EQ(Tell("tabs"), "ok browser there, status 5, memory 0; tab 7: no application, empty, hidden");
+    Reply("null");
+    ExpectSaid("mtm: the browser does not answer, its tabs are gone", 1);
+}
+
+TEST_F(Absence, OfPingsIsWhatAnIntervalOf0Means) {
+    Start("0ms");
+    TuneToTab(2, 3);
+    Tell("key RED");
+    EXPECT_EQ(NextCommand().rfind("SendKey ", 0), 0u);
+}
+
+}  // namespace
+}  // namespace hbbtv::test
