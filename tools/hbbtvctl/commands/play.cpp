@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <list>
 
-#include "arguments.h"
+#include "cli/arguments.h"
 #include "commands/commands.h"
-#include "commands/options.h"
+#include "cli/options.h"
 #include "common/failure.h"
 #include "common/interruption.h"
 #include "common/text/json.h"

@@ -6,7 +6,7 @@
 
 #include "common/failure.h"
 #include "common/interruption.h"
-#include "event_printer.h"
+#include "events/event_printer.h"
 
 namespace hbbtv::ctl {
 
@@ -71,7 +71,7 @@ Json::Value Arrivals::AnswerOfLocked(const std::string& name, const Method& meth
     const auto given = mAnswers.find(name);
     if (given != mAnswers.end()) return given->second;
     Json::Value answer(Json::arrayValue);
-    for (const Parameter& result : method.results) answer.append(Nothing(*result.type));
+    for (const Parameter& result : method.results) answer.append(ZeroValue(*result.type));
     return answer;
 }
 
