@@ -1,5 +1,5 @@
-// The floor that the library is measured against: the same framing over the same kind of socket, and JSON in the plain
-// way (Json::Value, toStyledString, Json::Reader), and nothing else: no locks, no routing, no log lines.
+// The floor that the library is compared to: the same framing over the same kind of socket, and plain use of jsoncpp
+// (Json::Value, toStyledString, Json::Reader), without locks, routing and logging.
 #pragma once
 
 #include <json/json.h>
@@ -10,14 +10,14 @@
 
 namespace hbbtv::bench {
 
-// Connects to a socket file, waiting for it; listens on one. The process ends with a message when that fails.
+// Connect to a socket file, waiting for it to exist, and listen on one. On failure, they print a message and exit.
 int ConnectTo(const std::string& path);
 int ListenOn(const std::string& path);
 
-// One exchange: the reply's "ret".
+// Sends a request and returns "ret" of the reply.
 int FloorExchange(int fd, const Json::Value& request);
 
-// Answers requests of one connection until the peer closes it.
+// Replies to the requests of a connection until the peer closes it.
 void FloorServe(int listenFd, const std::function<Json::Value(const Json::Value& request)>& answer);
 
 // Sends and receives one-way messages.

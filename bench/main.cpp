@@ -1,4 +1,4 @@
-// hbbtv-bench: what the library costs, against a floor in the same run. One command, one table.
+// hbbtv-bench: measures the library relative to a floor in the same run, and prints a table.
 
 #include <hidl/HidlTransportSupport.h>
 #include <sched.h>
@@ -41,8 +41,8 @@ constexpr size_t kEvents = 30000;
 constexpr int64_t kVb = 0x1000;
 constexpr int64_t kChannel = 0x2000;
 
-// Both ends run on one processor, for the floor as for the library: what is compared is the work that a message costs,
-// not how long a sleeping processor takes to wake.
+// Both ends run on one processor, with the floor and with the library, to compare the work per message rather than the
+// time that an idle processor takes to wake up.
 constexpr int kCpu = 0;
 
 void Pin() {
@@ -58,12 +58,12 @@ double MicrosecondsEach(size_t count, const std::function<void()>& once) {
     return std::chrono::duration<double, std::micro>(Clock::now() - start).count() / static_cast<double>(count);
 }
 
-// Something measured: a number per round.
+// A measurement with one value per round.
 struct Measurement {
     std::string name;
     std::string against;  // name of the floor
-    bool rate;            // events per second, else microseconds per call
-    double target;        // of the ratio to the floor: at most, or at least for a rate; 0 for none
+    bool rate;            // in events per second, else in microseconds per call
+    double target;        // ratio to the floor: a maximum, or a minimum for a rate; 0 for none
     std::function<double()> round;
     std::vector<double> rounds = {};
 
@@ -74,14 +74,14 @@ struct Measurement {
     }
 };
 
-// Calls of the same kind take turns, so that what the machine does meanwhile meets all of them.
+// Measurements alternate, so that other load of the machine affects all of them.
 void Run(std::vector<Measurement>& measurements) {
     for (int round = 0; round < kRounds; ++round) {
         for (Measurement& measurement : measurements) measurement.rounds.push_back(measurement.round());
     }
 }
 
-// Prints the table: whether all targets are met.
+// Prints the table. Returns whether all targets are met.
 bool Print(const std::vector<Measurement>& measurements) {
     bool met = true;
     std::printf("%-44s %14s %10s %10s\n", "", "median", "to floor", "target");
@@ -106,7 +106,7 @@ bool Print(const std::vector<Measurement>& measurements) {
     return met;
 }
 
-// Events of the floor: this process listens, its platform connects and sends.
+// Events without the library: this process listens, the platform connects and sends.
 double FloorEventsPerSecond(ChildProcess& platform, int listenFd) {
     const auto start = Clock::now();
     platform.Write(std::to_string(kEvents) + "\n");
@@ -145,7 +145,7 @@ void Expect(bool ok, const char* what) {
     std::exit(1);
 }
 
-// Starts this program again in another role.
+// Returns the command line that runs this program in another role.
 std::vector<std::string> Role(const char* role) {
     return {"/proc/self/exe", role};
 }
@@ -172,7 +172,7 @@ Json::Value PlayStateRequest() {
 int Main(const std::string& directory) {
     Pin();
 
-    // A service process with a platform of its own, in a directory of its own.
+    // A service process with its own platform and directory.
     ScratchDirectory hop;
     ChildProcess hopPlatform(Role(kLibraryPlatform));
     ChildProcess service({directory + "/vantorel.hardware.hbbtv@1.0-service"},
@@ -236,7 +236,7 @@ int main(int argc, char** argv) {
     if (argc > 1) {
         std::printf(
             "usage: hbbtv-bench\n\nMeasures the library against a floor (plain jsoncpp over the same framing) in one "
-            "run and prints a table.\nExit code: 0 all targets met, 1 could not measure, 3 a target missed.\n");
+            "run and prints a table.\nExit codes: 0 all targets met, 1 measurement failed, 3 target missed.\n");
         return strcmp(argv[1], "--help") == 0 ? 0 : 2;
     }
     const std::string self(argv[0]);

@@ -18,7 +18,7 @@ namespace {
 constexpr int kGetPlayState = 7;
 constexpr int kPort = 7;
 
-// The platform's answer: "ret" alone, or for the play state 64 KiB besides.
+// Returns the reply of the platform: "ret", and 64 KiB more for GetPlayState.
 Json::Value AnswerTo(const Json::Value& request) {
     static const std::string kBulk(64 * 1024, 'x');
     Json::Value reply(Json::objectValue);
@@ -40,7 +40,7 @@ Json::Value PlayStateEvent(size_t index) {
     return event;
 }
 
-// A number per line until the input ends.
+// Reads a number per line until the end of the input.
 template <typename Send>
 void SendWhenAsked(Send&& send) {
     size_t count;

@@ -1,18 +1,18 @@
-// The platform's end of what is measured, as a process of its own: one for the floor, one with the library's transport
-// and JSON bases.
+// The platform's end, in a separate process: one for the floor, and one with the transport and JSON bases of the
+// library.
 #pragma once
 
 namespace hbbtv::bench {
 
-// Both answer requests until standard input ends. A line with a number on standard input sends so many events.
+// Both reply to requests until the end of standard input. A line with a number makes them send that many events.
 int RunFloorPlatform();
 int RunLibraryPlatform();
 
-// The program's own arguments that start them.
+// Arguments of the program that start them.
 constexpr char kFloorPlatform[] = "--as-floor-platform";
 constexpr char kLibraryPlatform[] = "--as-library-platform";
 
-// Socket files of the floor, in the directory TMPDIR.
+// Socket files of the floor in $TMPDIR.
 constexpr char kFloorRequests[] = "floor_requests";
 constexpr char kFloorEvents[] = "floor_events";
 

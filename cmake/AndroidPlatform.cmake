@@ -1,4 +1,4 @@
-# The parts of the Android platform that Debian packages: liblog, libutils and libcutils, as target `android_platform`.
+# Target android_platform: liblog, libutils and libcutils, as packaged by Debian.
 
 find_path(ANDROID_INCLUDE_DIR utils/RefBase.h PATHS /usr/include/android REQUIRED)
 add_library(android_platform INTERFACE)

@@ -1,12 +1,12 @@
-# Runs hidl-gen at build time and makes a shared library of what it writes. Nothing generated is kept in the tree.
+# Builds shared libraries from .hal files with hidl-gen, at build time.
 
 find_program(HIDL_GEN hidl-gen REQUIRED)
 
 # hidl_generate(<prefix> PACKAGE <name> DIRECTORY <directory of its .hal files> ROOTS <package root>:<directory>...
 #               [DEPENDS <file>...])
 #
-# Sets <prefix>_SOURCES and <prefix>_HEADERS, the files that hidl-gen makes of PACKAGE (as in android.hidl.base@1.0),
-# and <prefix>_INCLUDE_DIR, where to find the headers. DEPENDS names .hal files of other packages that it imports.
+# Sets <prefix>_SOURCES and <prefix>_HEADERS, the files that hidl-gen generates for PACKAGE (android.hidl.base@1.0, for
+# example), and <prefix>_INCLUDE_DIR, the directory of the headers. DEPENDS names imported .hal files of other packages.
 function(hidl_generate prefix)
     cmake_parse_arguments(HIDL "" "PACKAGE;DIRECTORY" "ROOTS;DEPENDS" ${ARGN})
     string(REGEX MATCH "^([^@]+)@(.+)$" matched ${HIDL_PACKAGE})
@@ -50,8 +50,8 @@ endfunction()
 
 # add_hidl_library(<target> PACKAGE ... DIRECTORY ... ROOTS ... [DEPENDS ...])
 #
-# The interface library of a package: a shared library, so that a process has one registry of its interfaces however
-# many libraries and programs use them. The target's property HIDL_INCLUDE_DIR says where its headers are.
+# Adds the interface library of a package. It is a shared library, so that a process has one registry of the interfaces
+# no matter how many libraries use them. Its property HIDL_INCLUDE_DIR is the directory of its headers.
 function(add_hidl_library target)
     hidl_generate(GENERATED ${ARGN})
     cmake_parse_arguments(HIDL "" "PACKAGE" "" ${ARGN})

@@ -95,7 +95,7 @@ T FromJson(const Json::Value& json) {
     } else if constexpr (std::is_same_v<T, hidl_string>) {
         return json.asString();
     } else {
-        static_assert(IsVector<T>::value, "a struct has a specialization of its own");
+        static_assert(IsVector<T>::value, "structs have their own specialization");
         T values;
         values.resize(json.size());
         for (Json::ArrayIndex i = 0; i < json.size(); ++i) {
@@ -143,21 +143,21 @@ Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Val
     return {};
 }
 
-// Runs a method's result callback with values from an array.
+// Calls the result callback of a method with values from an array.
 template <typename... R>
 Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Value& results) {
     return AnswerTo(callback, results, std::index_sequence_for<R...>{});
 }
 
-// The one object of this process that takes what an interface's clients are told, so that it can be taken away again
-// by the method that wants it back.
+// Returns the listener of this process for an interface. There is only one, because methods that unregister a callback
+// require the same object.
 template <typename I>
 const android::sp<I>& ListenerOf(EventSink& sink) {
     static const android::sp<I> listener = MakeListener<I>(sink);
     return listener;
 }
 
-// An argument as it is kept during the call.
+// Returns an argument in the type that is stored during the call.
 template <typename A>
 std::decay_t<A> Argument(const Json::Value& json, EventSink& sink) {
     using T = std::decay_t<A>;
@@ -177,7 +177,7 @@ CallOutcome Outcome(const Return<T>& returned) {
     return outcome;
 }
 
-// Takes the arguments in front of the result callback, if there is one, from the array.
+// Calls a method whose result, if any, is its return value. A... are its arguments.
 template <typename I, typename T, typename... A, typename... All, size_t... N>
 CallOutcome CallWith(I& service, Return<T> (I::*method)(All...), const Json::Value& json, EventSink& sink,
                      std::tuple<A...>*, std::index_sequence<N...>) {

@@ -7,7 +7,7 @@
 
 namespace hbbtv {
 
-// Returns lower-case hexadecimal with 0x in front.
+// Returns lower-case hexadecimal digits after 0x.
 std::string HexText(uint64_t number);
 
 // The same, but the null pointer is the empty string.

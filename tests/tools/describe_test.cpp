@@ -55,11 +55,12 @@ TEST_F(Describe, AnInterfaceAClientsInterfaceAStructAFamilyAndAnOperation) {
         family,
         HasSubstr("  requests  key 31, port 3, service_plugin_to_hbbtv_vb_chn_config, served by the platform\n"
                   "  events    key 53, port 3, service_hbbtv_to_plugin_vb_chn_config, served by the library\n"));
-    EXPECT_THAT(family,
-                HasSubstr("  2  GetCurrentChannel           request  The channel that the television presents.\n"));
+    EXPECT_THAT(
+        family,
+        HasSubstr("  2  GetCurrentChannel           request  Returns the channel that the television presents.\n"));
     EXPECT_THAT(family, HasSubstr("  0  changed  one-way  OnChannelConfigEvent  reserved\n"));
     EXPECT_THAT(Of("channel_config.CreateChannelList"),
-                HasSubstr("    channel%d (pointer), %d from 0 to \"size\" - 1: one channel\n"));
+                HasSubstr("    channel%d (pointer), %d from 0 to \"size\" - 1: a channel\n"));
 }
 
 TEST_F(Describe, EverythingInLinesThatFitIntoATerminal) {

@@ -99,7 +99,7 @@ TEST(Doctor, ReportsAMissingPlatformAndService) {
 
 class DoctorOfTheSystem : public InFrontOfTheSystem {
   protected:
-    // The only line of a check, without its level and name.
+    // Returns the only line of a check, without its level and name.
     static std::string Line(const std::string& output, const std::string& begin) {
         const size_t at = output.find(begin);
         EXPECT_NE(at, std::string::npos) << output;
@@ -152,7 +152,7 @@ TEST_F(DoctorOfTheSystem, FindsStaleSocketsOfThePlatformAndOfTheLibrary) {
 TEST_F(DoctorOfTheSystem, WarnsOfModesThatExcludeOtherUsers) {
     chmod((mDirectory / "service_plugin_to_hbbtv_vb").c_str(), 0755);
     const FinishedRun run = Ctl({"doctor"});
-    EXPECT_EQ(run.exit, 0) << "a warning is no problem";
+    EXPECT_EQ(run.exit, 0) << "a warning is not a problem";
     EXPECT_THAT(run.output, HasSubstr("warning  rights       service_plugin_to_hbbtv_vb has mode 755; processes of "
                                       "other users cannot connect; set its mode to 777\n"));
 }

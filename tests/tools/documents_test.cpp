@@ -98,7 +98,7 @@ TEST(DocumentsOfHbbtvctl, ExplainEveryCommandAndExitCode) {
     const std::string commands = help.substr(begin, help.find("\n\n", begin) - begin) + "\n";
     size_t count = 0;
     for (std::sregex_iterator it(commands.begin(), commands.end(), command), end; it != end; ++it, ++count) {
-        EXPECT_THAT(document, testing::HasSubstr("\n## " + (*it)[1].str())) << "a section of its own";
+        EXPECT_THAT(document, testing::HasSubstr("\n## " + (*it)[1].str())) << "each command has a section";
     }
     EXPECT_EQ(count, 11u) << help;
     for (const int code : {0, 1, 2, 3, 4, 5, 6, 7, 130}) {

@@ -125,7 +125,7 @@ TEST_F(ListOfTheSystem, NamesTheProcessesForPeople) {
     const std::string service =
         "serving  vantorel.hardware.hbbtv@1.0-service (" + std::to_string(mService->Pid()) + ")\n";
     EXPECT_NE(text.find("service_hbbtv_to_plugin_vb_chn_config  " + service), std::string::npos) << text;
-    EXPECT_EQ(text.find('\033'), std::string::npos) << "no colours: this is no terminal";
+    EXPECT_EQ(text.find('\033'), std::string::npos) << "no colors without a terminal";
 }
 
 }  // namespace

@@ -236,7 +236,7 @@ TEST_F(Listen, UnregistersTheObjectThatItHasRegistered) {
     listener.Signal(SIGINT);
     EXPECT_EQ(listener.WaitForExit(), 0);
     EXPECT_EQ(listener.Output(), "hbbtvctl: listening; press Ctrl-C to stop\n");
-    // The service has forgotten the client already: removing it is a status of 0 only once.
+    // The service has removed the client already: unregistering returns 0 only once.
     Listener next({"configuration", "--count", "1"});
     ASSERT_TRUE(next.Listens()) << next.Output();
     ASSERT_EQ(Ctl({"emit", "configuration", "8", "--one-way"}).exit, 0);

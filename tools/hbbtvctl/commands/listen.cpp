@@ -125,8 +125,7 @@ class Listening {
     }
 
   private:
-    // Registers once, or once per enumerator of an argument that was not given, such as the application manager's
-    // event.
+    // Registers once, or once per enumerator of a missing argument, such as the event of the application manager.
     void Register(const Method& method) {
         Json::Value values = Given(mInterface, mOptions.with);
         for (const Parameter& argument : method.arguments) {

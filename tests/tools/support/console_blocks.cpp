@@ -16,7 +16,7 @@ std::vector<std::string> Lines(const std::string& text) {
     return lines;
 }
 
-// What differs from run to run, and the blanks that line it up.
+// Matches what may differ between runs, and the blanks that align it.
 std::string Steady(std::string line) {
     static const std::pair<std::regex, const char*> kRules[] = {
         {std::regex("20[0-9]{2}-[0-9-]+T[0-9:.]+Z  [0-9.]+"), "TIME"},

@@ -45,24 +45,24 @@ class Listener : public CtlProcess {
     bool WaitForEvents(size_t count) const;
 };
 
-// Names of the files in protocol/, without ".json".
+// Returns the names of the files in protocol/, without ".json".
 std::vector<std::string> FamiliesOfProtocolFiles();
 
 std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& text);
 
-// A directory of its own, and nobody in it.
+// A scratch directory without a running system.
 class Alone : public testing::Test {
   protected:
     ScratchDirectory mDirectory;
 };
 
-// Simulated platform and service, ready for calls.
+// A simulated platform and the service, ready for calls.
 class InFrontOfTheSystem : public Alone {
   protected:
     void SetUp() override;
 
-    // A channel of the line-up, and an object to present it in, as texts.
+    // Return handles: the current channel, and a new video/broadcast object.
     std::string CurrentChannel() const;
     std::string NewVideoBroadcast() const;
 

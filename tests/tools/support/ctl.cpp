@@ -108,7 +108,7 @@ void InFrontOfTheSystem::SetUp() {
     mPlatform = std::make_unique<SimulatedPlatform>(std::vector<std::string>{"--seed", "7"});
     ASSERT_TRUE(mPlatform->Ready()) << mPlatform->Output();
     mService = std::make_unique<ServiceProcess>();
-    // The service publishes it last.
+    // The service registers it last.
     ASSERT_NE(FindVideoBroadcast(), nullptr) << mService->Output();
 }
 

@@ -14,7 +14,7 @@ std::string PathWithProgram() {
     return "PATH=" + program.substr(0, program.rfind('/')) + ":" + std::getenv("PATH");
 }
 
-// Of any of the shells, as root or not.
+// Matches the prompt of each shell, for root and other users.
 bool EndsWithAPrompt(const std::string& text) {
     const size_t last = text.find_last_not_of(" \n");
     return last != std::string::npos && std::string("#$%>").find(text[last]) != std::string::npos;
@@ -26,17 +26,17 @@ Screen::Screen(const std::string& shell)
     : mSocket(std::string(std::getenv("TMPDIR")) + "/terminal"),
       mTerminal({"tmux", "-u", "-D", "-f", "/dev/null", "-S", mSocket},
                 {PathWithProgram(), std::string("HOME=") + std::getenv("TMPDIR"), "LC_ALL=C.UTF-8", "TERM=xterm"}) {
-    // The socket's file is there before anybody listens on it.
+    // The socket file exists before tmux listens on it.
     WaitFor([&] { return Run({"new-session", "-d", "-x", "100", "-y", "40", shell}); });
-    // What is typed before the prompt is there may lose its end of line: the shell changes the terminal's mode.
+    // A line typed before the prompt may lose its end, because the shell changes the mode of the terminal.
     WaitFor([&] { return EndsWithAPrompt(Text()); });
 }
 
 bool Screen::Run(const std::vector<std::string>& command) const {
-    // -N: never a server of tmux's own making, which would outlive the test.
+    // -N: do not start another server, which would outlive the test.
     std::vector<std::string> words{"tmux", "-N", "-S", mSocket};
     words.insert(words.end(), command.begin(), command.end());
-    // A new session has the PATH of the process that asks for it.
+    // A new session gets the PATH of the process that creates it.
     return RunToEnd(words, std::nullopt, {PathWithProgram()}).exit == 0;
 }
 
