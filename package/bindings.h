@@ -29,7 +29,8 @@ class EventSink {
   public:
     virtual ~EventSink() = default;
 
-    // On any thread. The results that the method needs, as an array; ignored when it has none.
+    // Called on any thread. Returns the results that the method needs, as an array; ignored when it has none. An empty
+    // array leaves the caller of a result callback without an answer; null fails the call as if this process had ended.
     virtual Json::Value Take(const char* interface, const char* method, Json::Value arguments) = 0;
 };
 
@@ -43,6 +44,7 @@ struct CallOutcome {
     bool answered = false;
     bool peerLost = false;  // when not answered
     std::string error;      // when not answered
+    int answers = 0;        // how often results came; 1 unless the service is wrong
     Json::Value results{Json::arrayValue};
 };
 
@@ -62,6 +64,10 @@ struct InterfaceBinding {
 
 // By the name of the interface: those that a service implements.
 const std::map<std::string, const InterfaceBinding*>& AllBindings();
+
+// The class of a callback interface that passes every call to a sink; defined in I...Listener.h.
+template <typename I>
+struct ListenerClass;
 
 template <typename I>
 android::sp<I> MakeListener(EventSink& sink);
@@ -143,10 +149,23 @@ Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Val
     return {};
 }
 
-// Runs a method's result callback with values from an array.
+// Runs a method's result callback with what a sink returned.
 template <typename... R>
 Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Value& results) {
+    if (results.isNull()) return android::hardware::Status::fromStatusT(android::DEAD_OBJECT);
+    if (results.empty()) return {};
     return AnswerTo(callback, results, std::index_sequence_for<R...>{});
+}
+
+// The answer of a method without a result callback, from what a sink returned.
+template <typename T>
+Return<T> AnswerWith(const Json::Value& results) {
+    if (results.isNull()) return android::hardware::Status::fromStatusT(android::DEAD_OBJECT);
+    if constexpr (std::is_void_v<T>) {
+        return {};
+    } else {
+        return FromJson<T>(results[0]);
+    }
 }
 
 // The one object of this process that takes what an interface's clients are told, so that it can be taken away again
@@ -186,6 +205,7 @@ CallOutcome CallWith(I& service, Return<T> (I::*method)(All...), const Json::Val
     CallOutcome outcome = Outcome(returned);
     if constexpr (!std::is_void_v<T>) {
         if (outcome.answered) outcome.results.append(ToJson(static_cast<T>(returned)));
+        outcome.answers = 1;
     }
     return outcome;
 }
@@ -195,9 +215,13 @@ CallOutcome CallWithCallback(I& service, Return<void> (I::*method)(All...), cons
                              std::function<void(R...)>*, std::tuple<A...>*, std::index_sequence<N...>) {
     std::tuple<std::decay_t<A>...> arguments{Argument<A>(json[static_cast<Json::ArrayIndex>(N)], sink)...};
     Json::Value results(Json::arrayValue);
-    const Return<void> returned =
-        (service.*method)(std::get<N>(arguments)..., [&results](const R&... values) { results = Values(values...); });
+    int answers = 0;
+    const Return<void> returned = (service.*method)(std::get<N>(arguments)..., [&](const R&... values) {
+        results = Values(values...);
+        ++answers;
+    });
     CallOutcome outcome = Outcome(returned);
+    outcome.answers = answers;
     if (outcome.answered) outcome.results = results;
     return outcome;
 }

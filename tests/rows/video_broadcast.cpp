@@ -55,7 +55,8 @@ const FamilyUnderTest& UnderTest() {
             {"GetSpecificTypeAVComponentByIndex", &Adaptor::GetSpecificTypeAVComponentByIndex},
             {"GetCurrentActiveAVComponentNumByType", &Adaptor::GetCurrentActiveAVComponentNumByType},
             // The type is not sent.
-            Row("GetSpecificTypeCurrentActiveAVComponentByIndex", &Adaptor::GetSpecificTypeCurrentActiveAVComponentByIndex)
+            Row("GetSpecificTypeCurrentActiveAVComponentByIndex",
+                &Adaptor::GetSpecificTypeCurrentActiveAVComponentByIndex)
                 .Takes({"vb_handle", "", "index"}),
             {"SelectComponent", &Adaptor::SelectComponent},
             {"UnselectComponent", &Adaptor::UnselectComponent},

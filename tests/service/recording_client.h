@@ -1,92 +1,44 @@
-// A client's callback that keeps what it is told, one line per call, and what is linked to its death.
+// A client's callback object that keeps its calls, one line each, and what is linked to its death.
 #pragma once
 
 #include <android/hidl/base/1.0/IBase.h>
 
-#include <algorithm>
 #include <functional>
 #include <mutex>
-#include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
+
+#include "package/bindings.h"
 
 namespace hbbtv::test {
 
-template <typename Callback>
-class RecordingClient : public Callback {
-  public:
-    template <typename T>
-    using Return = ::android::hardware::Return<T>;
-    using Text = ::android::hardware::hidl_string;
-    using Recipient = ::android::hardware::hidl_death_recipient;
+// Returns "method value value ...": numbers in decimal, strings as they are, but in quotes within a struct; the fields
+// of a struct one after the other, a list of strings in brackets, and a list of bytes as a string.
+std::string CallLine(const char* interface, const char* method, const Json::Value& arguments);
 
-    std::vector<std::string> Calls() const {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mCalls;
-    }
+// Thread-safe.
+class Recorder : public EventSink {
+  public:
+    using Recipient = android::hardware::hidl_death_recipient;
+
+    // Keeps the call and returns no results.
+    Json::Value Take(const char* interface, const char* method, Json::Value arguments) override;
+
+    std::vector<std::string> Calls() const;
 
     // Recipients that are linked now.
-    std::vector<android::sp<Recipient>> Linked() const {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mLinked;
-    }
+    std::vector<android::sp<Recipient>> Linked() const;
 
-    // Tells the linked recipients that this client's process has ended.
-    void Die() {
-        for (const android::sp<Recipient>& recipient : Linked()) {
-            recipient->serviceDied(0, android::wp<android::hidl::base::V1_0::IBase>(this));
-        }
-    }
+    // Calls `hook` when the next recipient is linked (or unlinked), during the service's call.
+    void WhenLinked(std::function<void()> hook);
+    void WhenUnlinked(std::function<void()> hook);
 
-    // Calls `hook` when the next recipient is linked (or unlinked), while the service is at it.
-    void WhenLinked(std::function<void()> hook) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        mWhenLinked = std::move(hook);
-    }
-
-    void WhenUnlinked(std::function<void()> hook) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        mWhenUnlinked = std::move(hook);
-    }
-
-    Return<bool> linkToDeath(const android::sp<Recipient>& recipient, uint64_t cookie) override {
-        std::unique_lock<std::mutex> lock(mMutex);
-        mLinked.push_back(recipient);
-        mCookie = cookie;
-        const auto hook = std::exchange(mWhenLinked, nullptr);
-        lock.unlock();
-        if (hook) hook();
-        return true;
-    }
-
-    Return<bool> unlinkToDeath(const android::sp<Recipient>& recipient) override {
-        std::unique_lock<std::mutex> lock(mMutex);
-        const auto linked = std::find(mLinked.begin(), mLinked.end(), recipient);
-        if (linked == mLinked.end()) return false;
-        mLinked.erase(linked);
-        const auto hook = std::exchange(mWhenUnlinked, nullptr);
-        lock.unlock();
-        if (hook) hook();
-        return true;
-    }
-
-    uint64_t Cookie() const {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mCookie;
-    }
+    uint64_t Cookie() const;
 
   protected:
-    // "name value value ..."; numbers in decimal, texts as they are.
-    template <typename... Values>
-    Return<void> Note(const char* name, const Values&... values) {
-        std::ostringstream line;
-        line << name;
-        ((line << ' ' << values), ...);
-        std::lock_guard<std::mutex> lock(mMutex);
-        mCalls.push_back(line.str());
-        return ::android::hardware::Void();
-    }
+    void Note(const std::string& line);
+    bool Link(const android::sp<Recipient>& recipient, uint64_t cookie);
+    bool Unlink(const android::sp<Recipient>& recipient);
 
   private:
     mutable std::mutex mMutex;
@@ -95,6 +47,27 @@ class RecordingClient : public Callback {
     uint64_t mCookie = ~uint64_t{0};              // guarded by mMutex
     std::function<void()> mWhenLinked;            // guarded by mMutex
     std::function<void()> mWhenUnlinked;          // guarded by mMutex
+};
+
+// The generated listener of a callback interface (include I...Listener.h), with a recorder of its own.
+template <typename Callback, typename Base = Recorder>
+class RecordingClient : public Base, public ListenerClass<Callback>::Type {
+  public:
+    using Recipient = Recorder::Recipient;
+
+    RecordingClient() : ListenerClass<Callback>::Type(static_cast<EventSink&>(*this)) {}
+
+    // Notifies the linked recipients that this client's process has ended.
+    void Die() {
+        for (const android::sp<Recipient>& recipient : this->Linked()) {
+            recipient->serviceDied(0, android::wp<android::hidl::base::V1_0::IBase>(this));
+        }
+    }
+
+    Return<bool> linkToDeath(const android::sp<Recipient>& recipient, uint64_t cookie) override {
+        return this->Link(recipient, cookie);
+    }
+    Return<bool> unlinkToDeath(const android::sp<Recipient>& recipient) override { return this->Unlink(recipient); }
 };
 
 }  // namespace hbbtv::test

@@ -87,7 +87,8 @@ TEST_F(Describe, ProseInLinesAsLongAsTheTerminals) {
                                          "registration for the platform's\r\n    commands.\r\n"));
     std::istringstream lines(narrow.output);
     for (std::string line; std::getline(lines, line);) EXPECT_GE(51u, line.size()) << line;
-    EXPECT_THAT(Of("IVideoBroadcast.SetChannel"), HasSubstr("\n    @param channel   the channel; 0 ends presentation\n"));
+    EXPECT_THAT(Of("IVideoBroadcast.SetChannel"),
+                HasSubstr("\n    @param channel   the channel; 0 ends presentation\n"));
 }
 
 }  // namespace
