@@ -29,7 +29,12 @@ class EventSink {
   public:
     virtual ~EventSink() = default;
 
+<<<<<<< HEAD
     // Called on any thread. Returns the results of the method as an array; ignored if it has none.
+=======
+    // Called on any thread. Returns the results that the method needs, as an array; ignored when it has none. An empty
+    // array leaves the caller of a result callback without an answer; null fails the call as if this process had ended.
+>>>>>>> h-wiretests
     virtual Json::Value Take(const char* interface, const char* method, Json::Value arguments) = 0;
 };
 
@@ -43,6 +48,7 @@ struct CallOutcome {
     bool answered = false;
     bool peerLost = false;  // when not answered
     std::string error;      // when not answered
+    int answers = 0;        // how often results came; 1 unless the service is wrong
     Json::Value results{Json::arrayValue};
 };
 
@@ -62,6 +68,10 @@ struct InterfaceBinding {
 
 // Returns the interfaces that a service implements, by name.
 const std::map<std::string, const InterfaceBinding*>& AllBindings();
+
+// The class of a callback interface that passes every call to a sink; defined in I...Listener.h.
+template <typename I>
+struct ListenerClass;
 
 template <typename I>
 android::sp<I> MakeListener(EventSink& sink);
@@ -143,14 +153,36 @@ Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Val
     return {};
 }
 
+<<<<<<< HEAD
 // Calls the result callback of a method with values from an array.
+=======
+// Runs a method's result callback with what a sink returned.
+>>>>>>> h-wiretests
 template <typename... R>
 Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Value& results) {
+    if (results.isNull()) return android::hardware::Status::fromStatusT(android::DEAD_OBJECT);
+    if (results.empty()) return {};
     return AnswerTo(callback, results, std::index_sequence_for<R...>{});
 }
 
+<<<<<<< HEAD
 // Returns the listener of this process for an interface. There is only one, because methods that unregister a callback
 // require the same object.
+=======
+// The answer of a method without a result callback, from what a sink returned.
+template <typename T>
+Return<T> AnswerWith(const Json::Value& results) {
+    if (results.isNull()) return android::hardware::Status::fromStatusT(android::DEAD_OBJECT);
+    if constexpr (std::is_void_v<T>) {
+        return {};
+    } else {
+        return FromJson<T>(results[0]);
+    }
+}
+
+// The one object of this process that takes what an interface's clients are told, so that it can be taken away again
+// by the method that wants it back.
+>>>>>>> h-wiretests
 template <typename I>
 const android::sp<I>& ListenerOf(EventSink& sink) {
     static const android::sp<I> listener = MakeListener<I>(sink);
@@ -186,6 +218,7 @@ CallOutcome CallWith(I& service, Return<T> (I::*method)(All...), const Json::Val
     CallOutcome outcome = Outcome(returned);
     if constexpr (!std::is_void_v<T>) {
         if (outcome.answered) outcome.results.append(ToJson(static_cast<T>(returned)));
+        outcome.answers = 1;
     }
     return outcome;
 }
@@ -195,9 +228,13 @@ CallOutcome CallWithCallback(I& service, Return<void> (I::*method)(All...), cons
                              std::function<void(R...)>*, std::tuple<A...>*, std::index_sequence<N...>) {
     std::tuple<std::decay_t<A>...> arguments{Argument<A>(json[static_cast<Json::ArrayIndex>(N)], sink)...};
     Json::Value results(Json::arrayValue);
-    const Return<void> returned =
-        (service.*method)(std::get<N>(arguments)..., [&results](const R&... values) { results = Values(values...); });
+    int answers = 0;
+    const Return<void> returned = (service.*method)(std::get<N>(arguments)..., [&](const R&... values) {
+        results = Values(values...);
+        ++answers;
+    });
     CallOutcome outcome = Outcome(returned);
+    outcome.answers = answers;
     if (outcome.answered) outcome.results = results;
     return outcome;
 }

@@ -3,8 +3,14 @@
 
     generate.py --vts DIR --headers DIR --out DIR
 
+<<<<<<< HEAD
 Names and types come from the .vts files of hidl-gen, documentation and exact signatures from its headers. The output
 is description.cpp (one JSON string), struct_conversions.{h,cpp}, and a bindings_<Interface>.cpp per interface.
+=======
+The .vts files of hidl-gen give names and types, its headers the documentation and the exact signatures. The output is
+description.cpp (one JSON string), a bindings_<Interface>.cpp for each interface, and an <Interface>Listener.h for each
+that clients implement.
+>>>>>>> h-wiretests
 """
 
 import argparse
@@ -124,15 +130,11 @@ def listener(interface, header):
         returned = re.match(r"::android::hardware::Return<(.*?)> ", declaration).group(1)
         call = f'mSink.Take("{name}", "{method["name"]}", Values({values[2:]}))'
         lines.append(f"    {declaration} override {{")
-        if "_hidl_cb" in declaration:
-            lines.append(f"        return AnswerTo(_hidl_cb, {call});")
-        elif returned == "void":
-            lines.append(f"        {call};")
-            lines.append("        return {};")
-        else:
-            lines.append(f"        return FromJson<{returned}>({call}[0]);")
+        answer = "AnswerTo(_hidl_cb, " if "_hidl_cb" in declaration else f"AnswerWith<{returned}>("
+        lines.append(f"        return {answer}{call});")
         lines.append("    }")
-    lines += ["", "  private:", "    EventSink& mSink;", "};"]
+    lines += ["", "  private:", "    EventSink& mSink;", "};", "", "template <>", f"struct ListenerClass<{name}> {{",
+              f"    using Type = {name}Listener;", "};"]
     return lines
 
 
@@ -169,8 +171,9 @@ def write_bindings(out, includes, interface, header, is_callback):
     name = interface["name"]
     lines = ['#include "package/bindings.h"', f"#include <{includes}/{name}.h>", "", "namespace hbbtv {"]
     if is_callback:
-        lines += ["namespace {"] + listener(interface, header) + ["}  // namespace", "", "template <>",
-                  f"android::sp<{name}> MakeListener<{name}>(EventSink& sink) {{",
+        write(out / f"{name}Listener.h", ["#pragma once", *lines, *listener(interface, header), "}  // namespace hbbtv"])
+        lines = [f'#include "{name}Listener.h"', "", "namespace hbbtv {", "template <>",
+                 f"android::sp<{name}> MakeListener<{name}>(EventSink& sink) {{",
                   f"    return new {name}Listener(sink);", "}"]
     else:
         used = {a["type"] for m in interface["methods"] for a in m["arguments"] if re.match(r"I[A-Z]", a["type"])}

@@ -1,6 +1,13 @@
 // A client process for the tests: registers a callback with the family that it is told, says "registered", writes a
 // line for each event and lives until it is killed or told "unregister" on standard input.
 
+#include <IAIPEventCallbackListener.h>
+#include <IAVControlCallbackListener.h>
+#include <IChannelConfigCallbackListener.h>
+#include <IConfigurationCallbackListener.h>
+#include <IDsmccCallbackListener.h>
+#include <ISearchManagerCallbackListener.h>
+#include <IVideoBroadcastCallbackListener.h>
 #include <vantorel/hardware/hbbtv/1.0/IAVControl.h>
 #include <vantorel/hardware/hbbtv/1.0/IApplicationManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
@@ -15,111 +22,89 @@
 #include <iostream>
 #include <string>
 
-#include "recording_aip_event_callback.h"
-#include "recording_av_control_callback.h"
-#include "recording_channel_config_callback.h"
-#include "recording_configuration_callback.h"
-#include "recording_dsmcc_callback.h"
-#include "recording_mtm_callback.h"
-#include "recording_search_manager_callback.h"
-#include "recording_video_broadcast_callback.h"
+#include "recording_browser.h"
+#include "recording_client.h"
 
 namespace {
 
 using android::sp;
 using android::hardware::Return;
+using vantorel::hardware::hbbtv::V1_0::IAIPEventCallback;
 using vantorel::hardware::hbbtv::V1_0::IApplicationManager;
 using vantorel::hardware::hbbtv::V1_0::IAVControl;
+using vantorel::hardware::hbbtv::V1_0::IAVControlCallback;
 using vantorel::hardware::hbbtv::V1_0::IChannelConfig;
+using vantorel::hardware::hbbtv::V1_0::IChannelConfigCallback;
 using vantorel::hardware::hbbtv::V1_0::IConfiguration;
+using vantorel::hardware::hbbtv::V1_0::IConfigurationCallback;
 using vantorel::hardware::hbbtv::V1_0::IDsmcc;
+using vantorel::hardware::hbbtv::V1_0::IDsmccCallback;
 using vantorel::hardware::hbbtv::V1_0::IMtm;
 using vantorel::hardware::hbbtv::V1_0::ISearchManager;
+using vantorel::hardware::hbbtv::V1_0::ISearchManagerCallback;
 using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
+using vantorel::hardware::hbbtv::V1_0::IVideoBroadcastCallback;
 using vantorel::hardware::hbbtv::V1_0::TolmAIPEvent;
 
 constexpr int64_t kVb = 0x1000;
 constexpr int64_t kContext = 0xabc;
 
-class PrintingCallback : public hbbtv::test::RecordingVideoBroadcastCallback {
+// What the tests wait for: a word for the event, and those of its values that count.
+std::string LineOf(const std::string& method, const Json::Value& values) {
+    const Json::Value& info = values[1];
+    std::string line;
+    const auto add = [&](const std::string& text) { line += (line.empty() ? "" : " ") + text; };
+    const auto number = [&](const Json::Value& value) { add(std::to_string(value.asInt64())); };
+    if (method == "onPlayPositionChanged") {
+        add("position");
+        number(values[0]);
+    } else if (method == "onComponentSelect") {
+        add("component");
+        for (const Json::Value& value : values) number(value);
+    } else if (method == "OnChannelConfigEvent") {
+        add("channel configuration");
+        for (const Json::Value& value : {values[0], info["reserved"], values[2]}) number(value);
+    } else if (method == "onConfigurationEvent") {
+        add("configuration");
+        number(values[0]);
+        add("'" + info["audioLanguage"].asString() + "'");
+        number(info["ratingAge"]);
+    } else if (method == "OnDsmccFileEvent") {
+        add("file");
+        number(values[0]);
+        add("'" + values[1].asString() + "'");
+        add(values[2].asString());
+        number(values[3]);
+    } else if (method == "onApplicationEvent") {
+        add("application event");
+        for (const Json::Value& value : {values[0], info["appId"], info["orgId"], values[2]}) number(value);
+    } else if (method == "onGetLocalParantalRating") {
+        add("rating asked " + values[0].asString());
+        number(values[1]);
+    } else if (method == "OnSearchManagerEvent") {
+        add("search");
+        for (const Json::Value& value : {values[0], info["state"], info["searchHandle"], values[2]}) number(value);
+    } else if (method == "Ping") {
+        add("ping");
+    }
+    return line;
+}
+
+// Prints a line for each event; what it returns is up to the base.
+template <typename Base>
+class Printing : public Base {
   public:
-    Return<void> onPlayPositionChanged(int32_t position) override {
-        printf("position %d\n", position);
-        fflush(stdout);
-        return ::android::hardware::Void();
+    Json::Value Take(const char* interface, const char* method, Json::Value arguments) override {
+        if (const std::string line = LineOf(method, arguments); !line.empty()) {
+            printf("%s\n", line.c_str());
+            fflush(stdout);
+        }
+        return Base::Take(interface, method, std::move(arguments));
     }
 };
 
-class PrintingAVControlCallback : public hbbtv::test::RecordingAVControlCallback {
-  public:
-    Return<void> onComponentSelect(int32_t event, Type type, int32_t index) override {
-        printf("component %d %d %d\n", event, static_cast<int32_t>(type), index);
-        fflush(stdout);
-        return ::android::hardware::Void();
-    }
-};
-
-class PrintingConfigCallback : public hbbtv::test::RecordingChannelConfigCallback {
-  public:
-    Return<void> OnChannelConfigEvent(int32_t event, const Info& info, int64_t context) override {
-        printf("channel configuration %d %d %lld\n", event, info.reserved, static_cast<long long>(context));
-        fflush(stdout);
-        return ::android::hardware::Void();
-    }
-};
-
-class PrintingConfigurationCallback : public hbbtv::test::RecordingConfigurationCallback {
-  public:
-    Return<void> onConfigurationEvent(int32_t event, const Info& info) override {
-        printf("configuration %d '%s' %d\n", event, info.audioLanguage.c_str(), info.ratingAge);
-        fflush(stdout);
-        return ::android::hardware::Void();
-    }
-};
-
-class PrintingDsmccCallback : public hbbtv::test::RecordingDsmccCallback {
-  public:
-    Return<void> OnDsmccFileEvent(int32_t type, const Text& url, const Text& filePath, int64_t context) override {
-        printf("file %d '%s' %s %lld\n", type, url.c_str(), filePath.c_str(), static_cast<long long>(context));
-        fflush(stdout);
-        return ::android::hardware::Void();
-    }
-};
-
-class PrintingAIPCallback : public hbbtv::test::RecordingAIPEventCallback {
-  public:
-    Return<void> onApplicationEvent(Event event, const Info& info, int64_t context) override {
-        printf("application event %d %d %d %lld\n", static_cast<int>(event), info.appId, info.orgId,
-               static_cast<long long>(context));
-        fflush(stdout);
-        return ::android::hardware::Void();
-    }
-
-    Return<void> onGetLocalParantalRating(const Text& countryCode, int32_t rating) override {
-        printf("rating asked %s %d\n", countryCode.c_str(), rating);
-        fflush(stdout);
-        return ::android::hardware::Void();
-    }
-};
-
-class PrintingMtmCallback : public hbbtv::test::RecordingMtmCallback {
-  public:
-    Return<void> Ping(Ping_cb _hidl_cb) override {
-        printf("ping\n");
-        fflush(stdout);
-        return RecordingMtmCallback::Ping(_hidl_cb);
-    }
-};
-
-class PrintingSearchCallback : public hbbtv::test::RecordingSearchManagerCallback {
-  public:
-    Return<void> OnSearchManagerEvent(int32_t event, const Info& info, int64_t context) override {
-        printf("search %d %d %lld %lld\n", event, info.state, static_cast<long long>(info.searchHandle),
-               static_cast<long long>(context));
-        fflush(stdout);
-        return ::android::hardware::Void();
-    }
-};
+template <typename Callback>
+using PrintingClient = Printing<hbbtv::test::RecordingClient<Callback>>;
 
 struct Registration {
     std::function<Return<int32_t>()> begin;
@@ -130,7 +115,7 @@ struct Registration {
 // A browser that is well, one that does not return ("mtm_hanging") or one that does not answer ("mtm_silent").
 Registration RegistrationOfABrowser(const std::string& kind) {
     const sp<IMtm> service = IMtm::getService();
-    const sp<PrintingMtmCallback> browser = new PrintingMtmCallback;
+    const sp<Printing<hbbtv::test::RecordingBrowser>> browser = new Printing<hbbtv::test::RecordingBrowser>;
     if (kind == "mtm_hanging") browser->Hang();
     browser->silent = kind == "mtm_silent";
     return {[=] { return Return<int32_t>(service->RegisterCallback(browser).isOk() ? 0 : -1); },
@@ -140,7 +125,7 @@ Registration RegistrationOfABrowser(const std::string& kind) {
 // One object for several events.
 Registration RegistrationOfAnApplication() {
     const sp<IApplicationManager> service = IApplicationManager::getService();
-    const sp<PrintingAIPCallback> client = new PrintingAIPCallback;
+    const sp<PrintingClient<IAIPEventCallback>> client = new PrintingClient<IAIPEventCallback>;
     return {[=]() -> Return<int32_t> {
                 for (const TolmAIPEvent event : {TolmAIPEvent::GET_LOCAL_PARENTAL_RATING, TolmAIPEvent::KEY_PRESS}) {
                     Return<int32_t> status = service->RegisterCallback(event, client, kContext);
@@ -156,32 +141,35 @@ Registration RegistrationOf(const std::string& family) {
     if (family == "application_manager") return RegistrationOfAnApplication();
     if (family == "av_control") {
         const sp<IAVControl> service = IAVControl::getService();
-        return {[=] { return service->RegisterCallback(new PrintingAVControlCallback, kContext); },
+        return {[=] { return service->RegisterCallback(new PrintingClient<IAVControlCallback>, kContext); },
                 [=] { return service->UnregisterCallback(); }};
     }
     if (family == "channel_config") {
         const sp<IChannelConfig> service = IChannelConfig::getService();
-        return {[=] { return service->RegisterCallback(new PrintingConfigCallback, kContext); },
+        return {[=] { return service->RegisterCallback(new PrintingClient<IChannelConfigCallback>, kContext); },
                 [=] { return service->UnregisterCallback(); }};
     }
     if (family == "configuration" || family == "further_configuration") {
         const sp<IConfiguration> service = IConfiguration::getService();
-        const sp<PrintingConfigurationCallback> callback = new PrintingConfigurationCallback;
+        const sp<PrintingClient<IConfigurationCallback>> callback = new PrintingClient<IConfigurationCallback>;
         return {[=] { return service->RegisterCallback(callback); },
                 [=] { return service->UnregisterCallback(callback); }, family == "configuration" ? 0 : -1};
     }
     if (family == "dsmcc") {
         const sp<IDsmcc> service = IDsmcc::getService();
-        return {[=] { return service->RegisterCallback(new PrintingDsmccCallback); },
+        return {[=] { return service->RegisterCallback(new PrintingClient<IDsmccCallback>); },
                 [=] { return service->UnregisterCallback(); }};
     }
     if (family == "search_manager") {
         const sp<ISearchManager> service = ISearchManager::getService();
-        return {[=] { return service->SearchManager_RegisterCallback(1, new PrintingSearchCallback, kContext); },
+        return {[=] {
+                    return service->SearchManager_RegisterCallback(1, new PrintingClient<ISearchManagerCallback>,
+                                                                   kContext);
+                },
                 [=] { return service->SearchManager_Destroy(1); }};
     }
     const sp<IVideoBroadcast> service = IVideoBroadcast::getService();
-    return {[=] { return service->RegisterCallback(kVb, new PrintingCallback, kContext); },
+    return {[=] { return service->RegisterCallback(kVb, new PrintingClient<IVideoBroadcastCallback>, kContext); },
             [=] { return service->UnregisterCallback(kVb); }};
 }
 

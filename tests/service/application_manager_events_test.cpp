@@ -1,18 +1,21 @@
 // From the application manager's event to the client that has registered for it: forwarding, the one flag of the
 // service, and the clients' deaths.
 
+#include <IAIPEventCallbackListener.h>
 #include <atomic>
 #include <functional>
 #include <thread>
 
 #include "ApplicationManager.h"
 #include "beside.h"
-#include "recording_aip_event_callback.h"
+#include "recording_client.h"
 #include "service_events.h"
 
 namespace hbbtv::test {
 
 namespace {
+
+using RecordingCallback = RecordingClient<vantorel::hardware::hbbtv::V1_0::IAIPEventCallback>;
 
 using namespace vantorel::hardware::hbbtv::implementation;
 using android::sp;
@@ -29,17 +32,17 @@ void* Context(uintptr_t bits) {
     return reinterpret_cast<void*>(bits);
 }
 
-class ApplicationManagerEvents : public ServiceEvents<ApplicationManager, RecordingAIPEventCallback> {
+class ApplicationManagerEvents : public ServiceEvents<ApplicationManager, RecordingCallback> {
   protected:
-    ApplicationManagerEvents()
-        : ServiceEvents("service_hbbtv_to_plugin_apm", "[hidl_application_manager_wrapper_client]") {}
+    ApplicationManagerEvents() : ServiceEvents("[hidl_application_manager_wrapper_client]") {}
 
     int Register(int event, const sp<Client>& client, int64_t context = 0x55) {
-        return mService->RegisterCallback(static_cast<Client::Event>(event), client, context);
+        return mService->RegisterCallback(static_cast<vantorel::hardware::hbbtv::V1_0::TolmAIPEvent>(event), client,
+                                          context);
     }
 
     int Unregister(int event, int64_t context = 0x55) {
-        return mService->UnregisterCallback(static_cast<Client::Event>(event), context);
+        return mService->UnregisterCallback(static_cast<vantorel::hardware::hbbtv::V1_0::TolmAIPEvent>(event), context);
     }
 };
 
@@ -56,9 +59,9 @@ void PrintTo(const EventCase& row, std::ostream* out) {
 bool gTrue = true;
 bool gFalse = false;
 int32_t gRating = 12;
-const TolmAIPEventInfo kInfo{17, -19};
+const ::TolmAIPEventInfo kInfo{17, -19};
 
-void HappenAs(TolmAIPEvent event) {
+void HappenAs(::TolmAIPEvent event) {
     onApplicationEventCallback(event, kInfo, Context(0xffffffff));
 }
 
@@ -421,7 +424,8 @@ TEST_F(ApplicationManagerEvents, WithoutAnAdaptorNothingIsTakenBack) {
 TEST_F(ApplicationManagerEvents, AServiceThatGoesDoesNotTakeItsSuccessorsPlace) {
     sp<ApplicationManager> second = new ApplicationManager;
     mService.clear();
-    EXPECT_EQ(0, static_cast<int32_t>(second->RegisterCallback(Client::Event::KEY_PRESS, mClient, 1)));
+    EXPECT_EQ(0, static_cast<int32_t>(
+                     second->RegisterCallback(vantorel::hardware::hbbtv::V1_0::TolmAIPEvent::KEY_PRESS, mClient, 1)));
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 1 2 0"));
 }

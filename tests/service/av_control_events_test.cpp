@@ -1,13 +1,17 @@
 // From the platform's event to the client of AV control: forwarding, registration and the client's death.
 
+#include <IAVControlCallbackListener.h>
+
 #include "AVControl.h"
 #include "ipc/src/plugin/tolm_av_control_adaptor_ipc.h"
 #include "one_client.h"
-#include "recording_av_control_callback.h"
+#include "recording_client.h"
 
 namespace hbbtv::test {
 
 namespace {
+
+using RecordingCallback = RecordingClient<vantorel::hardware::hbbtv::V1_0::IAVControlCallback>;
 
 using android::sp;
 using testing::ElementsAre;
@@ -17,12 +21,12 @@ using vantorel::hardware::hbbtv::implementation::TolmAVControlComponentCallback;
 
 constexpr char kNoClient[] = "TolmAVControlComponentCallback callback null";
 
-class AVControlEvents : public ServiceEvents<AVControl, RecordingAVControlCallback> {
+class AVControlEvents : public ServiceEvents<AVControl, RecordingCallback> {
   protected:
     static constexpr char kEvent[] = R"({"method": 1, "component_type": 2, "component_index": 5})";
     static constexpr char kCall[] = "onComponentSelect 1 2 5";
 
-    AVControlEvents() : ServiceEvents("service_hbbtv_to_plugin_av_ctrl", "[hidl_av_control_wrapper_client]") {}
+    AVControlEvents() : ServiceEvents("[hidl_av_control_wrapper_client]") {}
 
     void Register(const sp<Client>& client) {
         ASSERT_EQ(0, static_cast<int32_t>(mService->RegisterCallback(client, 9)));

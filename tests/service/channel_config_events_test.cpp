@@ -1,14 +1,18 @@
 // From the platform's event to the client of the channel configuration: forwarding, registration and the client's
 // death.
 
+#include <IChannelConfigCallbackListener.h>
+
 #include "ChannelConfig.h"
 #include "ipc/src/plugin/tolm_channel_config_adaptor_ipc.h"
 #include "one_client.h"
-#include "recording_channel_config_callback.h"
+#include "recording_client.h"
 
 namespace hbbtv::test {
 
 namespace {
+
+using RecordingCallback = RecordingClient<vantorel::hardware::hbbtv::V1_0::IChannelConfigCallback>;
 
 using android::sp;
 using testing::ElementsAre;
@@ -20,12 +24,12 @@ constexpr char kTag[] = "[hidl_video_broadcast_wrapper_client]";
 constexpr int64_t kContext = 0x7777777780000abc;  // the low half counts
 constexpr char kUnregister[] = "{\n\t\"method\" : 1,\n\t\"type\" : 19\n}\n";
 
-class ChannelConfigEvents : public ServiceEvents<ChannelConfig, RecordingChannelConfigCallback> {
+class ChannelConfigEvents : public ServiceEvents<ChannelConfig, RecordingCallback> {
   protected:
     static constexpr char kEvent[] = R"({"event": 0, "reserved": "A"})";
     static constexpr char kCall[] = "OnChannelConfigEvent 0 65 2147486396";
 
-    ChannelConfigEvents() : ServiceEvents("service_hbbtv_to_plugin_vb_chn_config", kTag) {}
+    ChannelConfigEvents() : ServiceEvents(kTag) {}
 
     void Register(const sp<Client>& client, int64_t context = kContext) {
         ASSERT_EQ(0, static_cast<int32_t>(mService->RegisterCallback(client, context)));
@@ -130,7 +134,7 @@ TEST(ChannelConfigWithoutPlatform, ForgetsItsClientAllTheSame) {
     const ScratchDirectory directory;
     LogCapture log;
     const sp<ChannelConfig> service = new ChannelConfig;
-    const sp<RecordingChannelConfigCallback> client = new RecordingChannelConfigCallback;
+    const sp<RecordingCallback> client = new RecordingCallback;
     EXPECT_EQ(-1, static_cast<int32_t>(service->RegisterCallback(client, 5)));
     EXPECT_EQ(1u, client->Linked().size());
     EXPECT_EQ(-1, static_cast<int32_t>(service->UnregisterCallback()));

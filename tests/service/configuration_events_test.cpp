@@ -1,17 +1,20 @@
 // From the platform's event to the clients of the configuration: forwarding, registrations and a client's death.
 
+#include <IConfigurationCallbackListener.h>
 #include <atomic>
 #include <thread>
 
 #include "Configuration.h"
 #include "beside.h"
 #include "ipc/src/plugin/tolm_configuration_adaptor_ipc.h"
-#include "recording_configuration_callback.h"
+#include "recording_client.h"
 #include "service_events.h"
 
 namespace hbbtv::test {
 
 namespace {
+
+using RecordingCallback = RecordingClient<vantorel::hardware::hbbtv::V1_0::IConfigurationCallback>;
 
 using android::sp;
 using testing::ElementsAre;
@@ -24,9 +27,9 @@ constexpr char kCall[] = "onConfigurationEvent 8 0 0 '' '' '' 0 0 0 '' 16 0 0 0 
 constexpr char kRegister[] = "{\n\t\"method\" : 33,\n\t\"type\" : 9\n}\n";
 constexpr char kUnregister[] = "{\n\t\"method\" : 34,\n\t\"type\" : 9\n}\n";
 
-class ConfigurationEvents : public ServiceEvents<Configuration, RecordingConfigurationCallback> {
+class ConfigurationEvents : public ServiceEvents<Configuration, RecordingCallback> {
   protected:
-    ConfigurationEvents() : ServiceEvents("service_hbbtv_to_plugin_conf", "[hidl_configuration_wrapper_server]") {}
+    ConfigurationEvents() : ServiceEvents("[hidl_configuration_wrapper_server]") {}
 
     int Register(const sp<Client>& callback) { return mService->RegisterCallback(callback); }
     int Unregister(const sp<Client>& callback) { return mService->UnregisterCallback(callback); }
@@ -93,13 +96,13 @@ TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationIsToldThePlatformAndGivesIts
 }
 
 // Notes its name in a list that several clients share. Events come on one thread.
-class NamedClient : public RecordingConfigurationCallback {
+class NamedClient : public RecordingCallback {
   public:
     NamedClient(const char* name, std::string* told) : mName(name), mTold(told) {}
 
-    Return<void> onConfigurationEvent(int32_t, const Info&) override {
+    Json::Value Take(const char*, const char*, Json::Value) override {
         *mTold += mName;
-        return ::android::hardware::Void();
+        return Json::Value(Json::arrayValue);
     }
 
   private:
@@ -380,7 +383,7 @@ TEST_F(ConfigurationEvents, ADeathBesideTheEndOfItsClientDropsAllOrNone) {
 TEST(ConfigurationWithoutPlatform, ForgetsItsClientAllTheSame) {
     const ScratchDirectory directory;
     const sp<Configuration> service = new Configuration;
-    const sp<RecordingConfigurationCallback> client = new RecordingConfigurationCallback;
+    const sp<RecordingCallback> client = new RecordingCallback;
     EXPECT_EQ(-1, static_cast<int32_t>(service->RegisterCallback(client)));
     EXPECT_EQ(1u, client->Linked().size());
     TolmConfigurationCallback(8, {}, nullptr);

@@ -1,13 +1,17 @@
 // From the platform's file event to the client: forwarding, registration and the client's death.
 
+#include <IDsmccCallbackListener.h>
+
 #include "Dsmcc.h"
 #include "ipc/src/dsmcc/tolm_dsmcc_adaptor_ipc.h"
 #include "one_client.h"
-#include "recording_dsmcc_callback.h"
+#include "recording_client.h"
 
 namespace hbbtv::test {
 
 namespace {
+
+using RecordingCallback = RecordingClient<vantorel::hardware::hbbtv::V1_0::IDsmccCallback>;
 
 using android::sp;
 using testing::ElementsAre;
@@ -15,13 +19,13 @@ using testing::IsEmpty;
 using vantorel::hardware::hbbtv::implementation::Dsmcc;
 using vantorel::hardware::hbbtv::implementation::TolmBacBrowserDSMCCFileCallback;
 
-class DsmccEvents : public ServiceEvents<Dsmcc, RecordingDsmccCallback> {
+class DsmccEvents : public ServiceEvents<Dsmcc, RecordingCallback> {
   protected:
     static constexpr char kEvent[] =
         R"({"method": 4, "event": 1, "context": "0x80000abc", "url": "dvb://1", "filePath": "/f"})";
-    static constexpr char kCall[] = "OnDsmccFileEvent 2 '' /f 2147486396";
+    static constexpr char kCall[] = "OnDsmccFileEvent 2  /f 2147486396";
 
-    DsmccEvents() : ServiceEvents("service_hbbtv_to_dsmcc", "[hidl_video_broadcast_wrapper_client]") {}
+    DsmccEvents() : ServiceEvents("[hidl_video_broadcast_wrapper_client]") {}
 
     void Register(const sp<Client>& client) { ASSERT_EQ(0, static_cast<int32_t>(mService->RegisterCallback(client))); }
 
@@ -45,8 +49,8 @@ TEST_F(DsmccEvents, ReachTheRegisteredClientWithoutTheirUrl) {
     Send(R"({"method": 4, "event": 0, "context": "0x1", "filePath": "/g"})");
     Send(R"({"method": 4, "event": 2, "context": "", "filePath": "/h"})");
     Send(R"({"method": 4, "event": 3, "context": "0xffffffff", "filePath": ""})");
-    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, "OnDsmccFileEvent 0 '' /g 1", "OnDsmccFileEvent 4 '' /h 0",
-                                              "OnDsmccFileEvent 1 ''  4294967295"));
+    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, "OnDsmccFileEvent 0  /g 1", "OnDsmccFileEvent 4  /h 0",
+                                              "OnDsmccFileEvent 1   4294967295"));
     EXPECT_EQ(0, NoClient());
 }
 
@@ -106,7 +110,7 @@ TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsHeldAllTheSame) {
     EXPECT_EQ(1u, second->Linked().size());
     TolmBacBrowserDSMCCFileCallback(TOLM_DSMCC_FILE_EVENT_4, "/f", reinterpret_cast<const void*>(7));
     EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_THAT(second->Calls(), ElementsAre("OnDsmccFileEvent 4 '' /f 7"));
+    EXPECT_THAT(second->Calls(), ElementsAre("OnDsmccFileEvent 4  /f 7"));
 }
 
 TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {

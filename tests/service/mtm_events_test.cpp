@@ -7,7 +7,7 @@
 #include "Mtm.h"
 #include "MtmCallback.h"
 #include "one_client.h"
-#include "recording_mtm_callback.h"
+#include "recording_browser.h"
 
 namespace hbbtv::test {
 
@@ -24,12 +24,12 @@ constexpr char kPinged[] = "{\n\t\"ret\" : 0,\n\t\"status\" : -13\n}\n";
 constexpr char kFailed[] = "{\n\t\"ret\" : -1\n}\n";
 constexpr char kNobody[] = "null\n";
 
-class MtmCommands : public ServiceEvents<Mtm, RecordingMtmCallback> {
+class MtmCommands : public ServiceEvents<Mtm, RecordingBrowser> {
   protected:
     static constexpr char kEvent[] = R"({"type": 0, "method": 24, "tabid": 5})";
     static constexpr char kCall[] = "DestroyApp 5";
 
-    MtmCommands() : ServiceEvents("service_hbbtv_to_mtm", "[hidl_mtm_wrapper_client]") {}
+    MtmCommands() : ServiceEvents("[hidl_mtm_wrapper_client]") {}
 
     // A browser that hangs is let go, so that nothing waits for it when the test ends.
     ~MtmCommands() override { mClient->Release(); }

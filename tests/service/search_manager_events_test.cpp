@@ -1,13 +1,17 @@
 // From the platform's event to the client of searches: forwarding, registration and the client's death.
 
+#include <ISearchManagerCallbackListener.h>
+
 #include "SearchManager.h"
 #include "ipc/src/plugin/tolm_search_manager_adaptor_ipc.h"
 #include "one_client.h"
-#include "recording_search_manager_callback.h"
+#include "recording_client.h"
 
 namespace hbbtv::test {
 
 namespace {
+
+using RecordingCallback = RecordingClient<vantorel::hardware::hbbtv::V1_0::ISearchManagerCallback>;
 
 using android::sp;
 using testing::ElementsAre;
@@ -17,12 +21,12 @@ using vantorel::hardware::hbbtv::implementation::TolmSearchManagerCallback;
 
 constexpr int64_t kContext = 0x7777777780000abc;  // the low half counts
 
-class SearchManagerEvents : public ServiceEvents<SearchManager, RecordingSearchManagerCallback> {
+class SearchManagerEvents : public ServiceEvents<SearchManager, RecordingCallback> {
   protected:
     static constexpr char kEvent[] = R"({"event": 0, "state": 3, "searchHandle": "0xf0009d20"})";
     static constexpr char kCall[] = "OnSearchManagerEvent 0 3 4026572064 2147486396";
 
-    SearchManagerEvents() : ServiceEvents("service_hbbtv_to_plugin_sm", "[hidl_search_manager_wrapper_client]") {}
+    SearchManagerEvents() : ServiceEvents("[hidl_search_manager_wrapper_client]") {}
 
     void Register(const sp<Client>& client, int64_t context = kContext) {
         ASSERT_EQ(0, static_cast<int32_t>(mService->SearchManager_RegisterCallback(0x100001000, client, context)));
@@ -113,7 +117,7 @@ TEST_F(SearchManagerEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierClie
 TEST(SearchManagerWithoutPlatform, RegistersItsClientAllTheSame) {
     const ScratchDirectory directory;
     const sp<SearchManager> service = new SearchManager;
-    const sp<RecordingSearchManagerCallback> client = new RecordingSearchManagerCallback;
+    const sp<RecordingCallback> client = new RecordingCallback;
     EXPECT_EQ(-1, static_cast<int32_t>(service->SearchManager_RegisterCallback(1, client, 5)));
     EXPECT_EQ(1u, client->Linked().size());
     TolmSearchManagerCallback(0, {3, nullptr}, nullptr);

@@ -13,6 +13,7 @@
 #include "event_connection.h"
 #include "log_capture.h"
 #include "method_rows.h"
+#include "wire/endpoint.h"
 
 namespace hbbtv::test {
 
@@ -31,8 +32,13 @@ class ServiceEvents : public testing::Test {
     using Service = TheService;
     using Client = TheClient;
 
+<<<<<<< HEAD
     // `socket` is the socket of the events, `tag` the tag of the service's lines about its clients.
     ServiceEvents(const char* socket, const char* tag) : mSocket(socket), mTag(tag) {}
+=======
+    // `tag` is that of the service's lines about its clients.
+    explicit ServiceEvents(const char* tag) : mTag(tag) {}
+>>>>>>> h-wiretests
 
     // Sends a one-way event and waits until it has been handled.
     void Send(const std::string& json) { ASSERT_TRUE(Events().Send({json})); }
@@ -54,18 +60,22 @@ class ServiceEvents : public testing::Test {
 
     ScratchDirectory mDirectory;
     LogCapture mLog;
-    FakePlatform mPlatform{UnderTest().socket, R"({"ret": 0})"};
+    FakePlatform mPlatform{UnderTest().Socket(), R"({"ret": 0})"};
     android::sp<Service> mService = new Service;
     const android::sp<Client> mClient = new Client;
 
   private:
+<<<<<<< HEAD
     // Created for the first event: before its first use, the adaptor does not serve a socket.
+=======
+    // Connected when there is an event: before its first use, the adaptor serves no socket.
+>>>>>>> h-wiretests
     EventConnection& Events() {
-        if (mEvents == nullptr) mEvents = std::make_unique<EventConnection>(mDirectory / mSocket, UnderTest().port);
+        const Endpoint events = EventsOf(UnderTest().Wire());
+        if (mEvents == nullptr) mEvents = std::make_unique<EventConnection>(mDirectory / events.socket, events.port);
         return *mEvents;
     }
 
-    const char* const mSocket;
     const char* const mTag;
     std::unique_ptr<EventConnection> mEvents;
 };

@@ -1,16 +1,19 @@
 // From the platform's event to the client's callback: forwarding, registration and the client's death.
 
+#include <IVideoBroadcastCallbackListener.h>
 #include <cstdlib>
 #include <cstring>
 
 #include "VideoBroadcast.h"
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
 #include "one_client.h"
-#include "recording_video_broadcast_callback.h"
+#include "recording_client.h"
 
 namespace hbbtv::test {
 
 namespace {
+
+using RecordingCallback = RecordingClient<vantorel::hardware::hbbtv::V1_0::IVideoBroadcastCallback>;
 
 using android::sp;
 using testing::ElementsAre;
@@ -23,12 +26,12 @@ constexpr int64_t kVb = 0x1000;
 constexpr int64_t kContext = 0xabc;
 constexpr char kUnregister[] = "{\n\t\"method\" : 4,\n\t\"type\" : 3,\n\t\"vb_handle\" : \"0x1000\"\n}\n";
 
-class VideoBroadcastEvents : public ServiceEvents<VideoBroadcast, RecordingVideoBroadcastCallback> {
+class VideoBroadcastEvents : public ServiceEvents<VideoBroadcast, RecordingCallback> {
   protected:
     static constexpr char kEvent[] = R"({"type": "videobroadcast", "event": 4})";
     static constexpr char kCall[] = "onVideoBroadcastEvent 4";
 
-    VideoBroadcastEvents() : ServiceEvents("service_hbbtv_to_plugin_vb", kTag) {}
+    VideoBroadcastEvents() : ServiceEvents(kTag) {}
 
     void Register(const sp<Client>& client) {
         ASSERT_EQ(0, static_cast<int32_t>(mService->RegisterCallback(kVb, client, kContext)));

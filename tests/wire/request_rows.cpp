@@ -14,7 +14,6 @@
 #include "rows.h"
 #include "scratch_directory.h"
 #include "wire/message.h"
-#include "wire/values.h"
 #include "wire_texts.h"
 #include "written_json.h"
 
@@ -370,12 +369,20 @@ GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Texts);
 
 TEST(Protocol, HasTheRowsOfThisTest) {
     std::vector<std::string> names;
+<<<<<<< HEAD
     for (const Row& row : UnderTest().rows) names.push_back(row.Name());
     std::vector<std::string> operations;
     for (const Json::Value& operation : UnderTest().Wire().protocol["operations"]) {
         operations.push_back(operation["name"].asString());
     }
     EXPECT_EQ(names, operations);
+=======
+    for (const Json::Value& operation : UnderTest().Wire().protocol["operations"]) {
+        names.push_back(operation["name"].asString());
+    }
+    ASSERT_EQ(UnderTest().rows.size(), names.size());
+    for (size_t i = 0; i < names.size(); ++i) EXPECT_EQ(UnderTest().rows[i].Name(), names[i]);
+>>>>>>> h-wiretests
 }
 
 TEST(Protocol, NamesTheSocketsOfItsKeys) {

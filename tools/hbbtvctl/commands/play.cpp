@@ -5,8 +5,8 @@
 #include <list>
 
 #include "cli/arguments.h"
-#include "commands/commands.h"
 #include "cli/options.h"
+#include "commands/commands.h"
 #include "common/failure.h"
 #include "common/interruption.h"
 #include "common/text/json.h"

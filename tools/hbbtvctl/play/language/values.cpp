@@ -28,7 +28,7 @@ bool SameValue(const Json::Value& expected, const Json::Value& actual, const Typ
     if (type != nullptr && type->kind == Type::Kind::Enum && expected.isString()) {
         try {
             return FromJsonValue(*type, expected).asInt64() == actual.asInt64();
-        } catch (const BadJson&) {
+        } catch (const BadValue&) {
             return false;
         }
     }
