@@ -29,12 +29,8 @@ class EventSink {
   public:
     virtual ~EventSink() = default;
 
-<<<<<<< HEAD
-    // Called on any thread. Returns the results of the method as an array; ignored if it has none.
-=======
-    // Called on any thread. Returns the results that the method needs, as an array; ignored when it has none. An empty
+    // Called on any thread. Returns the results of the method as an array; ignored if it has none. An empty
     // array leaves the caller of a result callback without an answer; null fails the call as if this process had ended.
->>>>>>> h-wiretests
     virtual Json::Value Take(const char* interface, const char* method, Json::Value arguments) = 0;
 };
 
@@ -153,11 +149,7 @@ Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Val
     return {};
 }
 
-<<<<<<< HEAD
-// Calls the result callback of a method with values from an array.
-=======
-// Runs a method's result callback with what a sink returned.
->>>>>>> h-wiretests
+// Calls the result callback of a method with what a sink returned.
 template <typename... R>
 Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Value& results) {
     if (results.isNull()) return android::hardware::Status::fromStatusT(android::DEAD_OBJECT);
@@ -165,10 +157,6 @@ Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Val
     return AnswerTo(callback, results, std::index_sequence_for<R...>{});
 }
 
-<<<<<<< HEAD
-// Returns the listener of this process for an interface. There is only one, because methods that unregister a callback
-// require the same object.
-=======
 // The answer of a method without a result callback, from what a sink returned.
 template <typename T>
 Return<T> AnswerWith(const Json::Value& results) {
@@ -180,9 +168,8 @@ Return<T> AnswerWith(const Json::Value& results) {
     }
 }
 
-// The one object of this process that takes what an interface's clients are told, so that it can be taken away again
-// by the method that wants it back.
->>>>>>> h-wiretests
+// Returns the listener of this process for an interface. There is only one, because methods that unregister a callback
+// require the same object.
 template <typename I>
 const android::sp<I>& ListenerOf(EventSink& sink) {
     static const android::sp<I> listener = MakeListener<I>(sink);

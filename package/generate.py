@@ -3,14 +3,9 @@
 
     generate.py --vts DIR --headers DIR --out DIR
 
-<<<<<<< HEAD
 Names and types come from the .vts files of hidl-gen, documentation and exact signatures from its headers. The output
-is description.cpp (one JSON string), struct_conversions.{h,cpp}, and a bindings_<Interface>.cpp per interface.
-=======
-The .vts files of hidl-gen give names and types, its headers the documentation and the exact signatures. The output is
-description.cpp (one JSON string), a bindings_<Interface>.cpp for each interface, and an <Interface>Listener.h for each
-that clients implement.
->>>>>>> h-wiretests
+is description.cpp (one JSON string), struct_conversions.{h,cpp}, a bindings_<Interface>.cpp per interface, and an
+<Interface>Listener.h for each interface that clients implement.
 """
 
 import argparse

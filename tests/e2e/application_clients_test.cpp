@@ -1,10 +1,9 @@
-// Applications and tabs across processes: the service publishes both interfaces, events and commands reach the client's
-// process, and whatever becomes of that process, the platform is answered.
+// Events of applications and commands for tabs reach the client's process, and whatever becomes of that process, the
+// platform is answered.
 
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <vantorel/hardware/hbbtv/1.0/IApplicationManager.h>
-#include <vantorel/hardware/hbbtv/1.0/IMtm.h>
 
 #include <future>
 #include <string>
@@ -18,8 +17,6 @@ namespace hbbtv::test {
 namespace {
 
 using namespace vantorel::hardware::hbbtv::V1_0;
-using android::sp;
-using android::hardware::hidl_vec;
 
 constexpr char kPing[] = R"({"type": 0, "method": 34})";
 constexpr char kPinged[] = "{\n\t\"ret\" : 0,\n\t\"status\" : -13\n}\n";
@@ -33,32 +30,6 @@ std::string Ask(const std::string& socket, const std::string& json) {
     EXPECT_TRUE(connection.Write(FrameBytes(kRequest, 1, json)));
     const auto reply = connection.ReadFrame();
     return reply ? reply->payload : "no reply";
-}
-
-TEST(ApplicationClients, AreAskedAcrossProcesses) {
-    ScratchDirectory directory;
-    FakePlatform manager("service_plugin_to_hbbtv_apm", R"({"ret": 0, "num": 2, "k0": 415, "k1": 19, "appNum": 1,)"
-                                                        R"( "appidArray": "501", "orgidArray": "19"})");
-    FakePlatform tabs("service_mtm_to_hbbtv", R"({"ret": 6})");
-    ServiceProcess service;
-    const sp<IApplicationManager> applications = Find<IApplicationManager>();
-    const sp<IMtm> mtm = Find<IMtm>();
-    ASSERT_NE(nullptr, applications);
-    ASSERT_NE(nullptr, mtm);
-
-    std::vector<int32_t> numbers;
-    ASSERT_TRUE(
-        applications->GetOtherKeys(1, 2, [&](int32_t, const hidl_vec<int32_t>& keys) { numbers = keys; }).isOk());
-    EXPECT_EQ((std::vector<int32_t>{415, 19}), numbers);
-    const auto given = [&](int32_t, const hidl_vec<int32_t>& appIds, const hidl_vec<int32_t>& orgIds) {
-        numbers = {appIds[0], orgIds[0]};
-    };
-    ASSERT_TRUE(applications->GetChildApps(1, 2, given).isOk());
-    EXPECT_EQ((std::vector<int32_t>{501, 19}), numbers);
-    EXPECT_EQ(0, static_cast<int32_t>(applications->SetValue(1, 2, 3, {415, 19})));
-    ASSERT_TRUE(manager.WaitForFrames(3));
-    EXPECT_EQ(kOneWay, manager.Frames()[2].type);
-    EXPECT_EQ(6, static_cast<int32_t>(mtm->OnTabLoadFailed(1, "u", 404, "not there")));
 }
 
 TEST(ApplicationClients, TellARegisteredClientOfEventsUntilItsProcessEnds) {

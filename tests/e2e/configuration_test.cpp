@@ -1,5 +1,4 @@
-// The configuration across processes: preferences are asked for, and events reach several clients' processes until one
-// of them ends.
+// Events of the configuration reach the processes of several clients until one of them ends.
 
 #include <gtest/gtest.h>
 #include <vantorel/hardware/hbbtv/1.0/IConfiguration.h>
@@ -16,9 +15,6 @@ namespace hbbtv::test {
 namespace {
 
 using namespace vantorel::hardware::hbbtv::V1_0;
-using android::sp;
-using android::hardware::hidl_string;
-using android::hardware::hidl_vec;
 
 constexpr char kAge16[] = R"({"event": 8, "age": 16})";
 constexpr char kAge18[] = R"({"event": 8, "age": 18})";
@@ -40,27 +36,9 @@ class ConfigurationProcesses : public testing::Test {
     }
 
     ScratchDirectory mDirectory;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_conf",
-                           R"({"ret": 0, "num": 2, "k0": 12289, "k1": -1,
-                               "serial": "K\u00f6ln", "product": "tv", "request_time": ""})"};
+    FakePlatform mPlatform{"service_plugin_to_hbbtv_conf", R"({"ret": 0})"};
     ServiceProcess mService;
 };
-
-TEST_F(ConfigurationProcesses, AnswerWithListsAndSeveralTexts) {
-    const sp<IConfiguration> configuration = Find<IConfiguration>();
-    ASSERT_NE(nullptr, configuration);
-    std::vector<int32_t> ids;
-    const auto keepIds = [&](int32_t, const hidl_vec<int32_t>& networkIds) { ids = networkIds; };
-    ASSERT_TRUE(configuration->GetDttNetworkIds(keepIds).isOk());
-    EXPECT_EQ((std::vector<int32_t>{12289, -1}), ids);
-    std::string texts;
-    const auto keepTexts = [&](int32_t, const hidl_string& serial, const hidl_string& product,
-                               const hidl_string& requestTime) {
-        texts = std::string(serial) + "|" + std::string(product) + "|" + std::string(requestTime);
-    };
-    ASSERT_TRUE(configuration->GetDeviceIdContent(keepTexts).isOk());
-    EXPECT_EQ("K\xc3\xb6ln|tv|", texts);
-}
 
 TEST_F(ConfigurationProcesses, TellSeveralClientsUntilEachIsTakenBack) {
     RegisteredClient first("configuration");

@@ -32,13 +32,8 @@ class ServiceEvents : public testing::Test {
     using Service = TheService;
     using Client = TheClient;
 
-<<<<<<< HEAD
-    // `socket` is the socket of the events, `tag` the tag of the service's lines about its clients.
-    ServiceEvents(const char* socket, const char* tag) : mSocket(socket), mTag(tag) {}
-=======
-    // `tag` is that of the service's lines about its clients.
+    // `tag` is the tag of the service's lines about its clients.
     explicit ServiceEvents(const char* tag) : mTag(tag) {}
->>>>>>> h-wiretests
 
     // Sends a one-way event and waits until it has been handled.
     void Send(const std::string& json) { ASSERT_TRUE(Events().Send({json})); }
@@ -65,11 +60,7 @@ class ServiceEvents : public testing::Test {
     const android::sp<Client> mClient = new Client;
 
   private:
-<<<<<<< HEAD
     // Created for the first event: before its first use, the adaptor does not serve a socket.
-=======
-    // Connected when there is an event: before its first use, the adaptor serves no socket.
->>>>>>> h-wiretests
     EventConnection& Events() {
         const Endpoint events = EventsOf(UnderTest().Wire());
         if (mEvents == nullptr) mEvents = std::make_unique<EventConnection>(mDirectory / events.socket, events.port);

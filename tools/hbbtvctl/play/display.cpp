@@ -89,8 +89,12 @@ bool Display::InItsOwnWords(const Package::QualifiedMethod& method, const std::v
         }
         return Json::Value();
     };
-    text = Filled(format, valueOf, [this](int64_t handle) { return NameOf(handle); });
-    return true;
+    try {
+        text = Filled(format, valueOf, [this](int64_t handle) { return NameOf(handle); });
+        return true;
+    } catch (const BadValue&) {
+        return false;  // a member that the struct does not have
+    }
 }
 
 std::string Display::Results(const Package::QualifiedMethod& method, const Json::Value& results) const {
@@ -105,7 +109,7 @@ std::string Display::Results(const Package::QualifiedMethod& method, const Json:
         }
     }
     if (text.empty()) return "done";
-    InItsOwnWords(method, parameters, results, text);
+    if (!method.interface->callback) InItsOwnWords(method, parameters, results, text);
     return text;
 }
 

@@ -35,7 +35,7 @@ bool IsWidth(const std::string& form) {
 }
 
 bool IsForm(const std::string& form) {
-    for (const char* known : {"hex", "time", "date", "name"}) {
+    for (const char* known : {"hex", "time", "date", "minutes", "name"}) {
         if (form == known) return true;
     }
     return form.rfind('?', 0) == 0 || IsWidth(form) || EnumNamed(form) != nullptr;
@@ -77,6 +77,11 @@ std::string Plain(const Json::Value& value) {
     return value.isString() ? value.asString() : WriteJson(value);
 }
 
+Json::Value MemberOf(const Json::Value& value, const std::string& member) {
+    if (!value.isObject() || !value.isMember(member)) throw BadValue(WriteJson(value) + " has no " + Quoted(member));
+    return value[member];
+}
+
 // The value as the form writes it; forms after the first find a text.
 Json::Value InForm(const Json::Value& value, const std::string& form,
                    const std::function<std::string(int64_t)>& nameOf) {
@@ -87,6 +92,7 @@ Json::Value InForm(const Json::Value& value, const std::string& form,
     if (form == "hex") return Hexadecimal(number);
     if (form == "time") return LocalTime(number, "%H:%M");
     if (form == "date") return LocalTime(number, "%Y-%m-%d %H:%M");
+    if (form == "minutes") return std::to_string(number / 60);
     if (form == "name") {
         const std::string name = nameOf(number);
         return name.empty() ? Hexadecimal(number) : name;
@@ -95,17 +101,20 @@ Json::Value InForm(const Json::Value& value, const std::string& form,
 }
 
 Format::Piece ReadPiece(const std::string& text, const std::string& field) {
-    Format::Piece piece{text, "", {}};
+    Format::Piece piece{text, "", {}, {}};
     std::istringstream parts(field);
     std::getline(parts, piece.name, ':');
     for (std::string form; std::getline(parts, form, ':');) {
         if (!IsForm(form)) {
             throw BadValue(Quoted(form) +
-                           " is not a form of a value: use hex, time, date, name, ?TEXT, a width as in " +
+                           " is not a form of a value: use hex, time, date, minutes, name, ?TEXT, a width as in " +
                            "20 or >20, or an enumeration of the package");
         }
         piece.forms.push_back(form);
     }
+    std::istringstream path(piece.name);
+    std::getline(path, piece.name, '.');
+    for (std::string member; std::getline(path, member, '.');) piece.members.push_back(member);
     const bool word = std::all_of(piece.name.begin(), piece.name.end(),
                                   [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; });
     if (piece.name.empty() || !word) throw BadValue("\"{$" + field + "}\" does not name a value");
@@ -129,7 +138,7 @@ Format ReadFormat(const std::string& text) {
         format.pieces.push_back(ReadPiece(text.substr(at, open - at), text.substr(open + 2, close - open - 2)));
         at = close + 1;
     }
-    format.pieces.push_back({text.substr(at), "", {}});
+    format.pieces.push_back({text.substr(at), "", {}, {}});
     return format;
 }
 
@@ -140,6 +149,7 @@ std::string Filled(const Format& format, const std::function<Json::Value(const s
         text += piece.text;
         if (piece.name.empty()) continue;
         Json::Value value = valueOf(piece.name);
+        for (const std::string& member : piece.members) value = MemberOf(value, member);
         for (const std::string& form : piece.forms) value = InForm(value, form, nameOf);
         text += Plain(value);
     }

@@ -11,9 +11,10 @@ namespace hbbtv::ctl {
 
 struct Format {
     struct Piece {
-        std::string text;                // in front of the value
-        std::string name;                // of the value, without its "$"; empty: no value
-        std::vector<std::string> forms;  // how it is written
+        std::string text;                  // in front of the value
+        std::string name;                  // of the value, without its "$"; empty: no value
+        std::vector<std::string> members;  // of the value, from the outside to the inside: "info.appId"
+        std::vector<std::string> forms;    // how it is written
     };
 
     std::vector<Piece> pieces;
