@@ -12,6 +12,7 @@
 #include <map>
 #include <sstream>
 
+#include "common/text/json.h"
 #include "finished_run.h"
 #include "package/description.h"
 #include "scratch_directory.h"
