@@ -229,6 +229,17 @@ TEST(ParseJson, DoesNotCountSiblingsAsDepth) {
     ExpectParses(true, "[" + Times(5000, "[],{},") + "[]]", "siblings");
 }
 
+// The byte after the last one would turn a slash into a comment.
+TEST(ParseJson, ReadsNoByteAfterTheLast) {
+    for (const char next : {'/', '*'}) {
+        const std::string text = "[" + Times(1000, "[],") + "/" + next;
+        std::vector<unsigned char> bytes(text.begin(), text.end());
+        bytes.pop_back();
+        Json::Value document;
+        EXPECT_FALSE(tolm::ParseJson(bytes, document)) << next;
+    }
+}
+
 TEST(ParseJson, AcceptsExactly64MiBAndRefusesOneByteMore) {
     std::string text = "{\"a\":1}";
     text.resize(size_t{64} << 20, ' ');
