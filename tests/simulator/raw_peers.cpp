@@ -1,4 +1,3 @@
-// Raw sockets for tests: see raw_peers.h.
 #include "raw_peers.h"
 
 #include <poll.h>
