@@ -41,6 +41,7 @@ class LibraryStandIn {
     // Returns the next message from whoever connects.
     std::optional<Frame> Next(std::chrono::milliseconds patience = kPatience);
 
+    // Replies to the last message.
     void Reply(const std::string& text);
 
     // Closes the connection, as if this process died; the socket is still served.
@@ -50,6 +51,7 @@ class LibraryStandIn {
     std::string mPath;
     int mListening;
     std::optional<RawConnection> mConnection;
+    int mPort = 0;  // of the last message
 };
 
 }  // namespace hbbtv::test
