@@ -1,4 +1,3 @@
-// Raw sockets for tests: see raw_peers.h.
 #include "raw_peers.h"
 
 #include <poll.h>
@@ -58,11 +57,13 @@ std::optional<Frame> LibraryStandIn::Next(std::chrono::milliseconds patience) {
         if (poll(&ready, 1, static_cast<int>(patience.count())) <= 0) return std::nullopt;
         mConnection.emplace(accept4(mListening, nullptr, nullptr, SOCK_CLOEXEC));
     }
-    return mConnection->ReadFrame(patience);
+    const auto message = mConnection->ReadFrame(patience);
+    if (message) mPort = message->port;
+    return message;
 }
 
 void LibraryStandIn::Reply(const std::string& text) {
-    if (mConnection) mConnection->Write(FrameBytes(kReply, 7, text));
+    if (mConnection) mConnection->Write(FrameBytes(kReply, mPort, text));
 }
 
 }  // namespace hbbtv::test

@@ -1,4 +1,4 @@
-// The two ends of the wire as a test of the simulator needs them: a client that sends what it is told to, and a
+// The two ends of the wire for a test of the simulator: a client that sends any bytes, and a
 // stand-in for the library's served event socket. Every wait has a deadline.
 #pragma once
 
@@ -16,15 +16,15 @@ class RawClient {
 
     bool Connected() const { return mConnection.Fd() >= 0; }
 
-    // What cannot be sent because the other side has closed shows in what it then does not answer.
+    // A send to a closed connection is ignored: the missing reply shows it.
     void SendBytes(const std::string& bytes) { mConnection.Write(bytes); }
     void Send(int type, int port, const std::string& text) { SendBytes(FrameBytes(type, port, text)); }
     std::optional<Frame> Receive() { return mConnection.ReadFrame(); }
 
-    // Whether the other side closed the connection, waiting for it. Nothing may be left to read.
+    // Waits until the other side closes the connection; false if it does not or if anything is left to read.
     bool SeesClose() { return mConnection.PeerCloses(); }
 
-    // No more bytes will come from here.
+    // Shuts down this side's sending.
     void CloseSending();
 
   private:
@@ -38,18 +38,20 @@ class LibraryStandIn {
     LibraryStandIn(const LibraryStandIn&) = delete;
     LibraryStandIn& operator=(const LibraryStandIn&) = delete;
 
-    // The next message from whoever connects.
+    // Returns the next message from whoever connects.
     std::optional<Frame> Next(std::chrono::milliseconds patience = kPatience);
 
+    // Replies to the last message.
     void Reply(const std::string& text);
 
-    // Ends the connection, as the other process does when it dies; the socket stays served.
+    // Closes the connection, as if this process died; the socket is still served.
     void Disconnect() { mConnection.reset(); }
 
   private:
     std::string mPath;
     int mListening;
     std::optional<RawConnection> mConnection;
+    int mPort = 0;  // of the last message
 };
 
 }  // namespace hbbtv::test

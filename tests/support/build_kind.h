@@ -1,4 +1,4 @@
-// How this program was built, for tests whose counts have to depend on it.
+// How this program was built, for tests whose counts depend on it.
 #pragma once
 
 namespace hbbtv::test {

@@ -36,8 +36,8 @@ std::vector<std::string> EnvironmentWith(const std::vector<std::string>& additio
     return all;
 }
 
-// A child that has gone is a failure of its test, not the end of the process that runs all tests: the signal that a
-// write to its input raises in this thread is taken, unless one was pending before.
+// A child that has exited fails its test and must not end the process that runs all tests: the signal that a write to
+// its input raises in this thread is consumed, unless one was pending before.
 class SigpipeBlocked {
   public:
     SigpipeBlocked() {
@@ -101,7 +101,7 @@ ChildProcess::~ChildProcess() {
     close(mOutput);
 }
 
-// Ends with the output's last writer, which may be a child of the child, or when the object goes.
+// Returns when the output's last writer, which may be a child of the child, closes it, or in the destructor.
 void ChildProcess::ReadOutput() {
     constexpr int kLookAtStopMs = 20;
     char buffer[4096];

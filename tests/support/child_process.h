@@ -1,5 +1,5 @@
 // A program that a test starts, talks to and ends. Its standard output and standard error are read as they come; it is
-// killed and reaped at the latest when the object goes.
+// killed and reaped by the destructor at the latest.
 #pragma once
 
 #include <atomic>
@@ -24,23 +24,23 @@ class ChildProcess {
 
     pid_t Pid() const { return mPid; }
 
-    // Everything that it has written so far.
+    // Returns everything that it has written so far.
     std::string Output() const;
 
-    // Whether its output holds the text, waiting for it.
+    // Waits until its output holds the text; false when it does not in time.
     bool WaitForOutput(const std::string& text, std::chrono::milliseconds patience = kPatience) const;
 
-    // Writes to its standard input; false when nobody reads there any more.
+    // Writes to its standard input; false when nobody reads it.
     bool Write(const std::string& text);
     void CloseInput();
 
     void Signal(int signal);
 
-    // Waits for its end and for the rest of its output: the exit code, or minus the signal that ended it, or nothing
-    // when it still runs.
+    // Waits for its end and for the rest of its output. Returns the exit code, minus the signal that ended it, or
+    // nothing when it still runs.
     std::optional<int> WaitForExit(std::chrono::milliseconds patience = kPatience);
 
-    // SIGKILL, and wait.
+    // Sends SIGKILL and waits for its end.
     void Kill();
 
   private:

@@ -15,7 +15,7 @@ class EventConnection {
     EventConnection(const std::string& path, int port) : mConnection(RawConnection::To(path)), mPort(port) {}
 
     // Sends one-way events and waits until they have been handled: messages of a connection are handled in order, and
-    // the one behind them is answered. Whether all that succeeded.
+    // the message after them is answered. Returns whether all of that succeeded.
     bool Send(const std::vector<std::string>& events) {
         for (const std::string& event : events) {
             if (!mConnection.Write(FrameBytes(kOneWay, mPort, event))) return false;
@@ -23,7 +23,7 @@ class EventConnection {
         return Ask("{}").has_value();
     }
 
-    // The reply to an event that asks for one.
+    // Sends an event as a request and returns the reply.
     std::optional<Frame> Ask(const std::string& event) {
         if (!mConnection.Write(FrameBytes(kRequest, mPort, event))) return std::nullopt;
         return mConnection.ReadFrame();

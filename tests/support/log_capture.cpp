@@ -11,7 +11,7 @@ namespace hbbtv::test {
 
 namespace {
 
-// Lines are written during static destruction too, so neither goes.
+// Never destroyed, as lines are written during static destruction too.
 std::mutex& Mutex() {
     static std::mutex* const mutex = new std::mutex;
     return *mutex;

@@ -1,5 +1,5 @@
-// The log lines of the code under test. A program that uses it replaces liblog's __android_log_print and
-// __android_log_is_loggable by those of log_capture.cpp.
+// The log lines of the code under test. log_capture.cpp replaces __android_log_print and __android_log_is_loggable of
+// liblog.
 #pragma once
 
 #include <string>
@@ -14,17 +14,17 @@ struct LogLine {
     std::string tag;
     std::string text;  // all of it
 
-    // The parts of "[tolm](file:line) function: message". In a line of another form, the message is the whole text.
+    // The parts of "[tolm](file:line) function: message". The message is the whole line when it has another form.
     std::string file;
     int line;
     std::string function;
     std::string message;
 };
 
-// Collects all lines of the process from its construction to its end; one at a time. Without one, lines are dropped.
+// Collects all lines of the process while it exists; one at a time. Without one, lines are dropped.
 class LogCapture {
   public:
-    // Lines below `minimum` count as filtered, like those that the log's settings drop on a device.
+    // Lines below `minimum` are filtered, as the log's settings do on a device.
     explicit LogCapture(int minimum = 2 /* ANDROID_LOG_VERBOSE */);
     ~LogCapture();
     LogCapture(const LogCapture&) = delete;
@@ -32,14 +32,14 @@ class LogCapture {
 
     std::vector<LogLine> Lines() const;
 
-    // Lines of this priority, tag and message.
+    // Returns the number of lines with this priority, tag and message.
     int Count(int priority, const std::string& tag, const std::string& message) const;
 
     bool WaitForLine(int priority, const std::string& tag, const std::string& message) const {
         return WaitFor([&] { return Count(priority, tag, message) > 0; });
     }
 
-    // All lines, for the message of a failed assertion.
+    // Returns all lines, for the message of a failed assertion.
     std::string Text() const;
 
     void Clear();

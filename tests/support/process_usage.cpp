@@ -17,14 +17,14 @@ long NumberBehind(const std::string& status, const std::string& name) {
 }  // namespace
 
 ProcessUsage UsageOfThisProcess() {
-    // A sanitizer starts a thread of its own beside the first one, which counts from then on.
+    // A sanitizer starts a thread of its own with the first one, which counts from then on.
     static const bool kThreadsSeen = (std::thread([] {}).join(), true);
     static_cast<void>(kThreadsSeen);
     std::ifstream file("/proc/self/status");
     const std::string status{std::istreambuf_iterator<char>(file), {}};
     file.close();
     const std::filesystem::directory_iterator descriptors("/proc/self/fd");
-    // The directory's own descriptor is among them.
+    // Includes the descriptor of the directory itself.
     const auto open = std::distance(begin(descriptors), end(descriptors)) - 1;
     return {NumberBehind(status, "VmRSS"), NumberBehind(status, "VmSize"), static_cast<int>(open),
             static_cast<int>(NumberBehind(status, "Threads"))};

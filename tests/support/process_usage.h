@@ -1,4 +1,4 @@
-// What a process occupies, as the kernel counts it.
+// What a process uses, as the kernel counts it.
 #pragma once
 
 #include <string>

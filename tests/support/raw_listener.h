@@ -15,7 +15,7 @@ class RawListener {
     RawListener(const RawListener&) = delete;
     RawListener& operator=(const RawListener&) = delete;
 
-    // The next connection; the process ends with a message when none comes within kPatience.
+    // Returns the next connection; the process exits with a message when none comes within kPatience.
     RawConnection Accept();
 
   private:

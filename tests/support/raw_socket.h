@@ -1,4 +1,4 @@
-// The wire by hand: frames written and read without any code of the library, for both ends of an endpoint.
+// Frames of the wire, written and read without any code of the library, for both ends of an endpoint.
 #pragma once
 
 #include <atomic>
@@ -25,13 +25,13 @@ struct Frame {
     std::string payload;
 };
 
-// The frame's bytes: size, type and port as little-endian 32-bit numbers, then the payload.
+// Returns the frame's bytes: size, type and port as little-endian 32-bit numbers, then the payload.
 std::string FrameBytes(int type, int port, const std::string& payload);
 
-// The first 12 bytes alone, with any size.
+// Returns the first 12 bytes only, with any size.
 std::string HeaderBytes(uint32_t size, int type, int port);
 
-// A connected stream socket, closed at the end.
+// A connected stream socket, closed by the destructor.
 class RawConnection {
   public:
     explicit RawConnection(int fd) : mFd(fd) {}
@@ -39,21 +39,21 @@ class RawConnection {
     RawConnection(RawConnection&& other) noexcept : mFd(other.mFd) { other.mFd = -1; }
     RawConnection& operator=(RawConnection&&) = delete;
 
-    // Connects to a socket file; the process ends with a message when that fails within `patience`.
+    // Connects to a socket file; the process exits with a message when that fails.
     static RawConnection To(const std::string& path);
 
     int Fd() const { return mFd; }
 
-    // Whether all bytes were written; a closed peer raises no signal.
+    // Returns whether all bytes were written; a closed peer raises no signal.
     bool Write(const std::string& bytes);
 
-    // Exactly this many bytes, or fewer when the peer closes or patience ends.
+    // Returns exactly this many bytes, or fewer when the peer closes or patience ends.
     std::string Read(size_t size, std::chrono::milliseconds patience = kPatience);
 
-    // A whole frame, or nothing.
+    // Returns a whole frame, or nothing.
     std::optional<Frame> ReadFrame(std::chrono::milliseconds patience = kPatience);
 
-    // Whether the peer closes within the time, without having sent anything more.
+    // Waits until the peer closes; false when it does not in time or sends anything before.
     bool PeerCloses(std::chrono::milliseconds patience = kPatience);
 
     void Close();
@@ -62,10 +62,10 @@ class RawConnection {
     int mFd;
 };
 
-// The platform's end of an endpoint: listens on a socket file, keeps every frame that comes and answers requests.
+// The platform's end of an endpoint: listens on a socket file, records every frame and answers requests.
 class FakePlatform {
   public:
-    // What goes back for a request: a payload (empty for a frame of size 0), or nothing at all.
+    // Returns the payload of the reply (empty for a frame of size 0), or nothing for no reply.
     using Answer = std::function<std::optional<std::string>(const Frame& request)>;
 
     // Listens on `name` in the directory TMPDIR.
@@ -80,7 +80,7 @@ class FakePlatform {
     void SetAnswer(Answer answer);
     void SetReply(const std::string& reply);
 
-    // All frames so far, in order.
+    // Returns all frames so far, in order.
     std::vector<Frame> Frames() const;
     bool WaitForFrames(size_t count) const;
     void ForgetFrames();

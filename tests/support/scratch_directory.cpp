@@ -7,7 +7,7 @@
 namespace hbbtv::test {
 
 ScratchDirectory::ScratchDirectory() {
-    // Always below /tmp, never below an outer TMPDIR: a socket's path has to fit into 107 characters.
+    // Always below /tmp, never below an outer TMPDIR: a socket's path must fit into 107 characters.
     char path[] = "/tmp/hbbtv-test-XXXXXX";
     if (mkdtemp(path) == nullptr) {
         std::perror("mkdtemp /tmp/hbbtv-test-XXXXXX");

@@ -1,5 +1,5 @@
-// A directory of a test's own, in which its sockets and files live. It is what TMPDIR and HIDL_HOST_DIR name from then
-// on, for this process and for those it starts, and it is gone at the end.
+// A test's own directory for its sockets and files. The constructor sets TMPDIR and HIDL_HOST_DIR to it, for this
+// process and for those it starts; the destructor removes it.
 #pragma once
 
 #include <string>
@@ -15,7 +15,7 @@ class ScratchDirectory {
 
     const std::string& Path() const { return mPath; }
 
-    // Path of a file in the directory.
+    // Returns the path of a file in the directory.
     std::string operator/(const std::string& name) const { return mPath + "/" + name; }
 
   private:

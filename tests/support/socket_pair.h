@@ -6,7 +6,7 @@
 namespace hbbtv::test {
 
 struct SocketPair {
-    // `type` as for socketpair(2): a stream, or SOCK_SEQPACKET to see each write by itself.
+    // `type` as for socketpair(2): a stream, or SOCK_SEQPACKET to see each write separately.
     explicit SocketPair(int type);
     SocketPair();
 

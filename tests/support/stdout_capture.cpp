@@ -24,7 +24,7 @@ StdoutCapture::~StdoutCapture() {
     fflush(stdout);
     dup2(mTerminal, STDOUT_FILENO);
     close(mTerminal);
-    // The messages of failed assertions are in there too.
+    // Includes the messages of failed assertions.
     if (testing::Test::HasFailure()) fputs(Text().c_str(), stdout);
     close(mFile);
 }

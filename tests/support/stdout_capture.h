@@ -1,11 +1,11 @@
-// What the process writes to its standard output, kept from the terminal until a test has failed.
+// What the process writes to its standard output, kept off the terminal until a test has failed.
 #pragma once
 
 #include <string>
 
 namespace hbbtv::test {
 
-// From its construction to its end, standard output goes to a file without a name. One at a time.
+// While it exists, standard output goes to a file without a name. One at a time.
 class StdoutCapture {
   public:
     StdoutCapture();
@@ -13,10 +13,10 @@ class StdoutCapture {
     StdoutCapture(const StdoutCapture&) = delete;
     StdoutCapture& operator=(const StdoutCapture&) = delete;
 
-    // Everything so far.
+    // Returns everything so far.
     std::string Text() const;
 
-    // Whether this line, without its newline, is among it.
+    // Returns whether it holds this line, given without its newline.
     bool HasLine(const std::string& line) const;
 
   private:

@@ -1,4 +1,4 @@
-// Waiting for a condition with a deadline, the only way in which these tests wait.
+// Waits for a condition with a deadline: the only way in which these tests wait.
 #pragma once
 
 #include <chrono>
@@ -9,7 +9,7 @@ namespace hbbtv::test {
 // Long enough for a loaded machine under a sanitizer; a test that passes never waits this long.
 constexpr std::chrono::seconds kPatience{30};
 
-// Whether the condition came true in time. It is asked about every millisecond.
+// Returns whether the condition came true in time. It is evaluated about every millisecond.
 template <typename Condition>
 bool WaitFor(Condition&& condition, std::chrono::milliseconds patience = kPatience) {
     const auto deadline = std::chrono::steady_clock::now() + patience;

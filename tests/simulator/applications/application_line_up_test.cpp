@@ -1,4 +1,4 @@
-// The applications of a line-up: what their members give, and a sentence for everything that can be wrong with them.
+// The applications of a line-up: what their members mean, and a message for everything that can be wrong with them.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -25,7 +25,7 @@ SignalledApplication Read(const std::string& members) {
     return *lineUp.services.at(0)->applications.at(0);
 }
 
-// The sentence with which the file is refused, without place; empty when it is not.
+// Returns the message with which the file is refused, without its place; empty when it is accepted.
 std::string Refusal(const std::string& applications) {
     try {
         ParseLineUp(File(applications), "f");

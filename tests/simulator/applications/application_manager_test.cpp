@@ -1,4 +1,4 @@
-// The application manager's requests and events: what it answers follows from what was done before.
+// The application manager's requests and events, which depend on what was done before.
 #include "applications/browser_fixture.h"
 
 namespace hbbtv::test {
@@ -25,7 +25,7 @@ class ApplicationManager : public BrowserFixture {
         return reply["ret"] == 0 ? reply["orgid"].asString() + "." + reply["appid"].asString() : "none";
     }
 
-    // The application 11.1 of the channel Red, in tab 3.
+    // Starts the application 11.1 of the channel Red in tab 3.
     void StartRed() { TuneToTab(2, 3); }
 
     const Members kStart = Id(1, 17);
@@ -84,7 +84,7 @@ TEST_F(ApplicationManager, StartsNothingOnAServiceWithoutSignal) {
     EXPECT_EQ(Current(), "17.1");
 }
 
-TEST_F(ApplicationManager, GetOwnerAppGivesTheMakerOfAChildAndAnyOtherApplicationItself) {
+TEST_F(ApplicationManager, GetOwnerAppReturnsTheCreatorOfAChildAndAnyOtherApplicationItself) {
     StartRed();
     Json::Value owner = Ask("GetOwnerApp", {{"appid", 1}});
     EXPECT_EQ(owner["ret"], 0);
@@ -100,7 +100,7 @@ TEST_F(ApplicationManager, GetOwnerAppGivesTheMakerOfAChildAndAnyOtherApplicatio
     EXPECT_EQ(Ret("GetOwnerApp", {{"appid", 77}}), -1);
 }
 
-TEST_F(ApplicationManager, GetCurrentAppGivesTheTopmostOneThatIsShown) {
+TEST_F(ApplicationManager, GetCurrentAppReturnsTheTopmostShownApplication) {
     StartRed();
     const Json::Value other = Create(kStart, "http://red.test/other");
     const std::string second = "17." + other["appid"].asString();
@@ -117,7 +117,7 @@ TEST_F(ApplicationManager, GetCurrentAppGivesTheTopmostOneThatIsShown) {
     EXPECT_EQ(Current(), second);
 }
 
-TEST_F(ApplicationManager, GetChildAppsGivesFieldsOf16Characters) {
+TEST_F(ApplicationManager, GetChildAppsReturnsFieldsOf16Characters) {
     StartRed();
     Json::Value reply = Ask("GetChildApps", kStart);
     EXPECT_EQ(reply["ret"], 0);
@@ -134,7 +134,7 @@ TEST_F(ApplicationManager, GetChildAppsGivesFieldsOf16Characters) {
     EXPECT_EQ(reply["orgidArray"], "              17              17");
 }
 
-TEST_F(ApplicationManager, CreateAppGivesNewNumbersOfTheMakersOrganisation) {
+TEST_F(ApplicationManager, CreateAppAssignsNewNumbersInTheCreatorsOrganisation) {
     StartRed();
     const Json::Value first = Create(kStart, "http://red.test/a");
     const Json::Value second = Create(kStart, "http://red.test/b", 0, 1);
@@ -146,7 +146,7 @@ TEST_F(ApplicationManager, CreateAppGivesNewNumbersOfTheMakersOrganisation) {
     EXPECT_EQ(AppEntry("11.8001"), "11.8001 http://red.test/b, operator, hidden, keys 0x1f");
 }
 
-TEST_F(ApplicationManager, CreateAppForNobodyMakesABroadcastIndependentApplication) {
+TEST_F(ApplicationManager, CreateAppWithoutACreatorCreatesABroadcastIndependentApplication) {
     const Json::Value reply = Create(Id(-1, -1), "http://portal.test/?autoshow=1");
     EXPECT_EQ(reply["ret"], 0);
     EXPECT_EQ(reply["orgid"], 0);
@@ -170,7 +170,7 @@ TEST_F(ApplicationManager, CreateAppFindsAnnouncedApplicationsByTheirSignalledUr
     EXPECT_EQ(Create(kStart, "dvb://current.ait/11.2")["ret"], -1) << "it runs already";
 }
 
-TEST_F(ApplicationManager, CreateAppRefusesWhatItCannotMake) {
+TEST_F(ApplicationManager, CreateAppRefusesInvalidUrlsAndCreators) {
     StartRed();
     for (const char* url : {"", "page.html", "://x", "dvb://current.ait/", "dvb://current.ait/11",
                             "dvb://current.ait/x.y", "dvb://current.ait/12.1f5", "dvb://current.ait/1111111111.1"}) {
@@ -230,7 +230,7 @@ TEST_F(ApplicationManager, SetValueReadsNumberedMembersOfThreeCharacters) {
     EXPECT_EQ(others["k1"], 416);
 }
 
-TEST_F(ApplicationManager, SetValueIsRefusedAndChangesNothingWhenItMakesNoSense) {
+TEST_F(ApplicationManager, AnInvalidSetValueIsRefusedAndChangesNothing) {
     StartRed();
     SendRaw("SetValue", With(kStart, {{"value", 1}, {"keynum", -1}}));
     SendRaw("SetValue", With(kStart, {{"value", 1}, {"keynum", 257}}));
@@ -350,7 +350,7 @@ TEST_F(ApplicationManager, AFileThatComesBeforeTheParentalRatingIsNotWaitedForYe
               "url=\"file:///tmp/dsmcc/index.html\"");
 }
 
-TEST_F(ApplicationManager, TellsOfAnApplicationOnceItsPageIsLoaded) {
+TEST_F(ApplicationManager, ReportsAnApplicationOnceItsPageIsLoaded) {
     StartRed();
     EXPECT_EQ(NextManagerEvent(), "set broadcast full screen bValue=0 isDestroy=0")
         << "the picture shares the screen now";
@@ -400,7 +400,7 @@ TEST_P(ParentalRating, DecidesWhetherTheApplicationFrom16YearsOnRuns) {
     }
 }
 
-// The rating descriptor's number is the age less 3; 0 and those above 15 say nothing.
+// The rating descriptor's number is the age minus 3; 0 and numbers above 15 mean nothing.
 INSTANTIATE_TEST_SUITE_P(Every, ParentalRating,
                          testing::Values(std::make_pair(R"({"parentalRating": 13, "ret": 0})", true),
                                          std::make_pair(R"({"parentalRating": 12, "ret": 0})", false),
@@ -429,7 +429,7 @@ TEST_F(ApplicationManager, AnApplicationThatEndedBeforeItsRatingCameStaysEnded) 
     EXPECT_EQ(Current(), "17.1");
 }
 
-TEST_F(ApplicationManager, IsToldByHand) {
+TEST_F(ApplicationManager, ObeysTheCommandsOfTheViewer) {
     StartRed();
     const std::map<std::string, std::string> answers{{"start 11.2", "ok Text"},
                                                      {"start 11.1", "error: the application 11.1 runs already"},

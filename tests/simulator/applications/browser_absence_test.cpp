@@ -1,4 +1,4 @@
-// A browser that is away, hangs, dies or comes back: the television goes on, and the tabs come when they can.
+// A browser that is away, hangs, dies or comes back: the television continues, and the tabs come when they can.
 #include "applications/browser_fixture.h"
 
 namespace hbbtv::test {
@@ -6,7 +6,7 @@ namespace {
 
 class Absence : public BrowserFixture {
   protected:
-    // Answers well whatever the browser is asked, until this command, which is left to the test.
+    // Answers all commands with success, up to this one, which it does not answer.
     void AnswerUntil(const std::string& last) {
         std::string command = NextCommand();
         for (; command != last && !HasFailure(); command = NextCommand()) {
@@ -15,11 +15,11 @@ class Absence : public BrowserFixture {
         }
     }
 
-    // Everything else still works: another client is answered.
+    // Expects that the simulator still answers others.
     void ExpectAlive() { EXPECT_EQ(Tell("apps").rfind("ok ", 0), 0u); }
 };
 
-TEST_F(Absence, LeavesTheApplicationWithoutATabAndSaysSoOnce) {
+TEST_F(Absence, LeavesTheApplicationWithoutATabAndIsLoggedOnce) {
     Start();
     StopServingEvents("mtm");
     for (const char* zap : {"zap 2", "zap 1", "zap 2", "zap 3"}) Tell(zap);
@@ -32,7 +32,7 @@ TEST_F(Absence, LeavesTheApplicationWithoutATabAndSaysSoOnce) {
     EXPECT_EQ(Tell("apps"), "ok screen 1920x1080");
 }
 
-TEST_F(Absence, IsToldOnOneLineWhateverTheNamesAre) {
+TEST_F(Absence, IsLoggedOnOneLineWhateverTheNamesAre) {
     mLineUp = R"({"networks": [{"id": "sat", "name": "S", "delivery": "DVB_S", "nid": 1}], "services": [
         {"name": "K\u00f6ln\n\u001b[2J\u007f!", "network": "sat", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1,
          "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}],
@@ -64,7 +64,7 @@ TEST_F(Absence, EndsForOtherApplicationsTooWhenATabIsMade) {
     EXPECT_NE(NextCommand().find("https://free.test/"), std::string::npos);
 }
 
-TEST_F(Absence, EndsWithAnythingThatTheBrowserTells) {
+TEST_F(Absence, EndsWithAnyNotificationOfTheBrowser) {
     Start();
     StopServingEvents("mtm");
     Tell("zap 2");
@@ -95,7 +95,7 @@ TEST_F(Absence, IsWhatAReplyOfNullMeans) {
     EXPECT_EQ(Tell("tabs"), "ok browser not there, status 0, memory 0");
 }
 
-TEST_F(Absence, OfAnAnswerIsNoticedAndHoldsUpNothing) {
+TEST_F(Absence, OfAnAnswerIsNoticedAndBlocksNothing) {
     Start();
     Tell("zap 2");
     EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
@@ -110,7 +110,7 @@ TEST_F(Absence, OfAnAnswerIsNoticedAndHoldsUpNothing) {
     EXPECT_EQ(NextCommand(), "DestroyApp tabid=1") << "its service was left meanwhile";
 }
 
-TEST_F(Absence, OfAnAnswerForTooLongGivesNoTabAndALateAnswerIsNoHarm) {
+TEST_F(Absence, OfAnAnswerForTooLongGivesNoTabAndALateAnswerIsHarmless) {
     Start();
     Tell("zap 2");
     EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
@@ -146,7 +146,7 @@ TEST_F(Absence, OfApplicationsAndTabsNeedsNoPings) {
     Reply(R"({"ret": 0, "render_id": 1})");
     Tell("zap 1");
     EXPECT_EQ(Ret("mtm.OnTabDestroyed", {{"tabid", 3}}), 0);
-    // After those that were on their way, the next command is that of the next application.
+    // After the pings on their way, the next command is that of the next application.
     Tell("zap 3");
     std::string command = NextCommand();
     int pings = 0;

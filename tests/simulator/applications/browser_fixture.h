@@ -1,5 +1,5 @@
-// A test's own simulator whose services announce applications, with the library's ends of the application manager's and
-// the tab manager's sockets in the test's hands: it is the browser.
+// The simulator with services that announce applications. The test serves the events of the application manager and of
+// the tab manager: it plays the browser.
 #pragma once
 
 #include "simulator_fixture.h"
@@ -12,7 +12,7 @@ namespace hbbtv::test {
 //   3 Free      Library, 12.1f5, starts with it and is not bound to it
 //   4 Late      Night, 13.7, starts with it, from 16 years on
 //   5 Carousel  Broadcast, 14.1, starts with it from a file of the broadcast
-//   6 Xml       Signalled, 15.1, starts with it, its place is in an XML file
+//   6 Xml       Signalled, 15.1, starts with it, its location is in an XML file
 //   7 Dark      Unseen, 16.1, would start with it, but there is no signal
 //   8 Guarded   Vault, 17.1, starts with it from a file of the broadcast, from 16 years on
 class BrowserFixture : public SimulatorFixture {

@@ -14,7 +14,7 @@ TEST_F(Commands, FollowAnApplicationFromTheTuningOfItsServiceToItsEnd) {
     EXPECT_EQ(NextCommand(),
               "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[\"http://red.test/\",\"https://red.test/\"] "
               "isBr=true url=\"http://red.test/\"");
-    EXPECT_EQ(Ret("mtm.OnTabCreated", {{"tabid", 3}}), 0) << "the browser tells of the tab before it answers";
+    EXPECT_EQ(Ret("mtm.OnTabCreated", {{"tabid", 3}}), 0) << "the browser reports the tab before it answers";
     EXPECT_EQ(TabEntry(3), "tab 3: no application, empty, hidden");
     Reply(R"({"ret": 0, "tabid": 3})");
     EXPECT_EQ(NextCommand(), "SetAppConfig isBR=true tabid=3");
@@ -102,7 +102,7 @@ TEST_F(Commands, AnApplicationThatIsSignalledInXmlIsLoadedFromThePlaceInTheFile)
               "url=\"http://xml.test/app/start.html?a=1&b=2\"");
 }
 
-TEST_F(Commands, AHugeFileOfSignallingIsReadInNoTime) {
+TEST_F(Commands, AHugeFileOfSignallingIsReadQuickly) {
     const std::string tags(1000000, '<');
     std::string escapes;
     for (int i = 0; i < 300000; ++i) escapes += "&amp;";
@@ -145,7 +145,7 @@ TEST_P(BadTab, GivesNoTabAndOneLogLineAndTheNextTuningTriesAgain) {
     EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
     Reply(GetParam());
     ExpectSaid("mtm: no tab for Start: the browser answers, but ", 1);
-    EXPECT_EQ(AppEntry("11.1"), "11.1 Start, broadcast-related, shown, keys 0x1f") << "it runs all the same";
+    EXPECT_EQ(AppEntry("11.1"), "11.1 Start, broadcast-related, shown, keys 0x1f") << "it runs anyway";
     EXPECT_EQ(Tell("key RED"), "ok no application takes it");
     EXPECT_EQ(Ret("mtm.OnMemoryWarningDetected", {{"mem_status", 1}}), 0);
     Tell("zap 1");

@@ -1,4 +1,4 @@
-// What the browser tells about its tabs, notification by notification, and what the television makes of it.
+// What the browser reports about its tabs, notification by notification, and how the television reacts.
 #include "applications/browser_fixture.h"
 #include "wire/message.h"
 
@@ -10,17 +10,17 @@ class TabTable : public BrowserFixture {
     TabTable() { mFamily = "mtm"; }
     void SetUp() override { Start(); }
 
-    // The part of the table that is about the whole browser.
+    // Returns the part of the table about the whole browser.
     std::string Head() {
         const std::string table = Tell("tabs");
         return table.substr(0, table.find(';'));
     }
 };
 
-TEST_F(TabTable, TabsComeAndGoAsTheBrowserSays) {
+TEST_F(TabTable, TabsComeAndGoAsTheBrowserReports) {
     EXPECT_EQ(Tell("tabs"), "ok browser not asked, status 0, memory 0");
     EXPECT_EQ(Ret("OnTabCreated", {{"tabid", 7}}), 0);
-    EXPECT_EQ(Ret("OnTabCreated", {{"tabid", 7}}), 0) << "told twice";
+    EXPECT_EQ(Ret("OnTabCreated", {{"tabid", 7}}), 0) << "reported twice";
     EXPECT_EQ(Ret("OnTabCreated", {{"tabid", 0}}), 0);
     EXPECT_EQ(Tell("tabs"),
               "ok browser there, status 0, memory 0; tab 0: no application, empty, hidden; "
@@ -71,7 +71,7 @@ TEST_F(TabTable, APageLoadsAndIsShownWithItsTitleAndUrl) {
     EXPECT_NE(TabEntry(1).find("url http://a.test/end"), std::string::npos);
 }
 
-TEST_F(TabTable, APageThatCannotBeLoadedSaysWhyAndItsApplicationStays) {
+TEST_F(TabTable, AFailedPageShowsItsErrorAndItsApplicationStays) {
     TuneToTab(2, 3);
     EXPECT_EQ(Ret("OnTabLoadFailed",
                   {{"tabid", 3}, {"url", "http://red.test/"}, {"error_code", -105}, {"description", "no name"}}),

@@ -1,5 +1,5 @@
-// Channel lists and the channel configuration: walking, searching, filters, lists of the client's own, the list in use,
-// and the event that tells of changes.
+// Channel lists and the channel configuration: items, searches, filters, lists of clients, the list in use,
+// and the event for changes.
 #include "television/channels/channel_lists.h"
 
 #include "channels/channel_fixture.h"
@@ -34,12 +34,12 @@ class ChannelLists : public ChannelFixture {
 
     std::string CurrentChannelName() { return NameOf(Handle("GetCurrentChannel")); }
 
-    // Some member for every operation of a list.
+    // Members for every operation of a list.
     const Members mAnyMembers{
         {"index", 0}, {"channelID", "ccid:1.1.1"}, {"onid", 1}, {"tsid", 1}, {"sid", 1}, {"nid", -1}, {"sourceID", 1}};
 };
 
-TEST_F(ChannelLists, TheListOfAllHoldsTheListedServicesInTheirOrder) {
+TEST_F(ChannelLists, TheListOfAllHoldsTheListedServicesInOrder) {
     const std::string list = GetChannelList();
     EXPECT_EQ(GetOf(list, "channel_list.GetLength"), 7);
     EXPECT_EQ(Names(list), "One Two Scrambled Dark Locked Shy Wave");
@@ -57,7 +57,7 @@ TEST_F(ChannelLists, FindAChannelByItsId) {
     EXPECT_EQ(WithId(list, ""), "none");
 }
 
-TEST_F(ChannelLists, FindAChannelByItsTripletWhereNegativeNumbersFitAll) {
+TEST_F(ChannelLists, FindAChannelByItsTripletWithNegativeNumbersAsWildcards) {
     const std::string list = GetChannelList();
     EXPECT_EQ(Triplet(list, 1, 1, 2, 133), "Two");
     EXPECT_EQ(Triplet(list, 1, 1, 2, -1), "Two");
@@ -83,7 +83,7 @@ TEST_F(ChannelLists, FindAChannelByItsSourceId) {
     EXPECT_EQ(find(GetChannelList(), 77), "");
 }
 
-TEST_F(ChannelLists, OfTheClientsOwnHoldWhatWasPutInAlsoTwice) {
+TEST_F(ChannelLists, OfAClientHoldTheirChannelsEvenTwice) {
     EXPECT_EQ(Names(CreateList({})), "");
     const std::string list = CreateList({ChannelOf(7), ChannelOf(1), ChannelOf(7)});
     EXPECT_EQ(Names(list), "Wave One Wave");
@@ -93,7 +93,7 @@ TEST_F(ChannelLists, OfTheClientsOwnHoldWhatWasPutInAlsoTwice) {
     EXPECT_NE(CreateList({}), CreateList({})) << "each one is new";
 }
 
-TEST_F(ChannelLists, OfTheClientsOwnNeedEveryChannelThatTheyAnnounce) {
+TEST_F(ChannelLists, OfAClientNeedEveryChannelThatTheyAnnounce) {
     const std::string one = ChannelOf(1);
     const std::vector<Members> wrong{{{"size", 2u}, {"channel0", one}},
                                      {{"size", 4294967295u}, {"channel0", one}},
@@ -105,9 +105,9 @@ TEST_F(ChannelLists, OfTheClientsOwnNeedEveryChannelThatTheyAnnounce) {
     for (size_t i = 0; i < wrong.size(); ++i) EXPECT_EQ(AskRaw("CreateChannelList", wrong[i])["ret"], -1) << i;
 }
 
-TEST_F(ChannelLists, ComeToAnEndBeforeTheMemoryDoes) {
+TEST_F(ChannelLists, AreLimitedInNumber) {
     constexpr size_t kLength = 99999;
-    const std::string one = ChannelOf(1);  // out of the list of all, which holds 7
+    const std::string one = ChannelOf(1);  // from the list of all, which holds 7
     const Members members{{"channel", List(std::vector<std::string>(kLength, one))}};
     std::string list;
     for (int i = 0; i < 10; ++i) list = Handle("CreateChannelList", members);
@@ -118,7 +118,7 @@ TEST_F(ChannelLists, ComeToAnEndBeforeTheMemoryDoes) {
     EXPECT_EQ(Ret("CreateChannelList", members), 0);
 }
 
-TEST_F(ChannelLists, FilteredHoldTheChannelsWhoseEveryPropertyIsAsTheFlagSays) {
+TEST_F(ChannelLists, FilteredHoldTheChannelsThatMatchEveryFlag) {
     EXPECT_EQ(Names(Filtered(false, false, false)), "Scrambled Dark Wave");
     EXPECT_EQ(Names(Filtered(false, true, false)), "One Two");
     EXPECT_EQ(Names(Filtered(true, true, false)), "Locked");
@@ -127,13 +127,14 @@ TEST_F(ChannelLists, FilteredHoldTheChannelsWhoseEveryPropertyIsAsTheFlagSays) {
     EXPECT_EQ(Names(Filtered(false, true, false, "fav:a")), "Two");
     EXPECT_EQ(Names(Filtered(false, true, false, "fav:b")), "One Two");
     EXPECT_EQ(Names(Filtered(true, true, false, "fav:b")), "");
-    EXPECT_EQ(Names(Filtered(false, false, false, "fav:a")), "Scrambled Dark Wave") << "no favourites, no list";
+    EXPECT_EQ(Names(Filtered(false, false, false, "fav:a")), "Scrambled Dark Wave")
+        << "without favourites the list is ignored";
     const Members unknown{{"blocked", false}, {"favourite", true}, {"hidden", false}, {"favouriteListID", "fav:z"}};
     EXPECT_EQ(Ret("CreateFilteredList", unknown), -1);
     EXPECT_EQ(Ret("CreateFilteredList", {{"blocked", false}, {"favourite", true}, {"hidden", false}}), -1);
 }
 
-TEST_F(ChannelLists, FilteredFollowWhatClientsSetWhileEarlierOnesStay) {
+TEST_F(ChannelLists, FilteredReflectWhatClientsSetWhileEarlierOnesStay) {
     const std::string before = Filtered(false, false, false);
     EXPECT_EQ(RetOf(ChannelOf(7), "channel.SetHidden", {{"hidden", true}}), 0);
     EXPECT_EQ(RetOf(ChannelOf(6), "channel.SetHidden", {{"hidden", false}}), 0);
@@ -167,7 +168,7 @@ TEST_F(ChannelLists, OfOtherKindsAreRefused) {
     ExpectOtherCodesRefused("channel_config");
 }
 
-TEST_F(ChannelLists, InUseIsWhatGetChannelListGivesAndZappingGoesThrough) {
+TEST_F(ChannelLists, InUseAreReturnedByGetChannelListAndUsedByZapping) {
     const std::string all = GetChannelList();
     const std::string list = CreateList({ChannelOf(7), ChannelOf(6), ChannelOf(2), ChannelOf(7), ChannelOf(1)});
     EXPECT_EQ(SetList(list), 0);
@@ -199,7 +200,7 @@ TEST_F(ChannelLists, ThatAreEmptyCanBeInUse) {
     EXPECT_EQ(Tell("zap next"), "error: there is no such channel in the list");
 }
 
-TEST_F(ChannelLists, WithAChannelThatIsNotReceivedZapToAnError) {
+TEST_F(ChannelLists, ReportAnErrorWhenZappingToAChannelThatIsNotReceived) {
     const std::string vb = NewObject();
     const std::string nowhere = CreateChannel(vb, 11, 9, 9, 9);
     EXPECT_EQ(SetList(CreateList({ChannelOf(1), nowhere})), 0);
@@ -223,12 +224,12 @@ TEST_F(ChannelLists, TheBroadcastSupervisorIsAVideoBroadcastObjectOfTheTelevisio
     EXPECT_EQ(CurrentChannelName(), "Two");
 }
 
-TEST_F(ChannelLists, TellOfAnotherListInUse) {
+TEST_F(ChannelLists, SendAnEventWhenAnotherListIsInUse) {
     Register();
     const std::string list = CreateList({ChannelOf(1)});
     EXPECT_EQ(SetList(list), 0);
     EXPECT_EQ(NextChange(), "L");
-    EXPECT_EQ(SetList(list), 0) << "nothing changes, so nothing is told";
+    EXPECT_EQ(SetList(list), 0) << "nothing changes, so there is no event";
     EXPECT_EQ(SetList("0x1"), -1);
     EXPECT_EQ(RetOf(Collection(), "favourite_list_collection.ActivateFavouriteList", {{"favId", "fav:b"}}), 0);
     EXPECT_EQ(NextChange(), "F");
@@ -236,7 +237,7 @@ TEST_F(ChannelLists, TellOfAnotherListInUse) {
     EXPECT_EQ(NextChange(), "L");
 }
 
-TEST_F(ChannelLists, TellNobodyBeforeARegistrationAndAfterItsEnd) {
+TEST_F(ChannelLists, SendNoEventsBeforeARegistrationAndAfterItsEnd) {
     const std::string list = CreateList({ChannelOf(1)});
     EXPECT_EQ(SetList(list), 0);
     Register();
@@ -249,7 +250,7 @@ TEST_F(ChannelLists, TellNobodyBeforeARegistrationAndAfterItsEnd) {
     EXPECT_EQ(Ret("RegisterCallback"), -1) << "without a context";
 }
 
-TEST_F(ChannelLists, TellWhatIsChangedAtTheTelevision) {
+TEST_F(ChannelLists, SendAnEventForEveryChangeAtTheTelevision) {
     Register();
     const std::string all = GetChannelList();
     const std::string own = CreateList({ChannelOf(2)});
@@ -280,7 +281,7 @@ TEST_F(ChannelLists, TellWhatIsChangedAtTheTelevision) {
     }
 }
 
-TEST_F(ChannelLists, TellAgainWhenTheLibraryIsBack) {
+TEST_F(ChannelLists, SendEventsAgainWhenTheLibraryIsBack) {
     Register();
     StopServingEvents("channel_config");
     EXPECT_EQ(Tell("hide 1"), "ok One");

@@ -21,7 +21,7 @@ struct Fact {
     Json::Value wave;  // what Wave returns
 };
 
-TEST_F(Channels, TellWhatTheLineUpSaysAndWhatFollowsFromIt) {
+TEST_F(Channels, ReturnWhatTheLineUpSaysAndWhatFollowsFromIt) {
     const std::vector<Fact> facts{{"GetChannelType", 0, 1},
                                   {"GetIdType", 11, 10},
                                   {"GetCcid", "ccid:1.1.1", "ccid:2.1.7"},
@@ -60,7 +60,7 @@ TEST_F(Channels, TellWhatTheLineUpSaysAndWhatFollowsFromIt) {
     }
 }
 
-TEST_F(Channels, TellHowTheyCanBeReceived) {
+TEST_F(Channels, ReturnHowTheyCanBeReceived) {
     EXPECT_EQ(GetOf(ChannelOf(6), "GetChannelType"), 2);
     EXPECT_EQ(GetOf(ChannelOf(6), "GetHidden"), true);
     EXPECT_EQ(GetOf(ChannelOf(5), "GetLocked"), true);
@@ -72,7 +72,7 @@ TEST_F(Channels, TellHowTheyCanBeReceived) {
     EXPECT_EQ(GetOf(ChannelOf(4), "GetRecordable"), false);
 }
 
-TEST_F(Channels, TellTheirGenresByIndexAndRefuseOthers) {
+TEST_F(Channels, ReturnTheirGenresByIndexAndRefuseOtherIndexes) {
     const std::string one = ChannelOf(1);
     EXPECT_EQ(GetOf(one, "GetGenreByIndex", {{"index", 0u}}), "News");
     EXPECT_EQ(GetOf(one, "GetGenreByIndex", {{"index", 1u}}), "Sport");
@@ -80,7 +80,7 @@ TEST_F(Channels, TellTheirGenresByIndexAndRefuseOthers) {
     EXPECT_EQ(RetOf(one, "GetGenreByIndex", {{"index", 4294967295u}}), -1);
 }
 
-TEST_F(Channels, TellInWhichFavouriteListsTheyAreAsTheseChange) {
+TEST_F(Channels, ReturnTheirFavouriteListsAsTheseChange) {
     const std::string two = ChannelOf(2);
     EXPECT_EQ(GetOf(two, "GetFavIDsNum"), 2);
     EXPECT_EQ(GetOf(two, "GetFavIDsNameByIndex", {{"index", 0u}}), "fav:a");
@@ -117,7 +117,7 @@ TEST_F(Channels, KeepWhatClientsSetAndEveryHandleSeesIt) {
     EXPECT_EQ(NameOf(ChannelOf(1)), "One") << "as long as the simulator runs";
 }
 
-TEST_F(Channels, WithoutALongNameGiveTheirNameAlsoWhenItChanges) {
+TEST_F(Channels, WithoutALongNameReturnTheirCurrentName) {
     const std::string two = ChannelOf(2);
     EXPECT_EQ(GetOf(two, "GetLongName"), "Two");
     EXPECT_EQ(RetOf(two, "SetName", {{"name", "Due"}}), 0);
@@ -126,7 +126,7 @@ TEST_F(Channels, WithoutALongNameGiveTheirNameAlsoWhenItChanges) {
     EXPECT_EQ(GetOf(two, "GetLongName"), "");
 }
 
-TEST_F(Channels, TakeTextsOf64KibibytesWithAnyCharacterAndGiveThemBackUnchanged) {
+TEST_F(Channels, StoreStringsOf64KibibytesWithAnyCharacterUnchanged) {
     std::string text;
     while (text.size() < 65536) text += std::string("\"\\/\b\f\n\r\t\x01\x1f\x7f\0 K\xc3\xb6ln \xf0\x9f\x93\xba", 23);
     const std::string two = ChannelOf(2);
@@ -137,7 +137,7 @@ TEST_F(Channels, TakeTextsOf64KibibytesWithAnyCharacterAndGiveThemBackUnchanged)
     EXPECT_EQ(Tell("zap 2").substr(0, 6), "ok \"\\/") << "one line";
 }
 
-TEST_F(Channels, TakeAsManyGenresAsSetAndNoMore) {
+TEST_F(Channels, HaveAsManyGenresAsSetAndNoMore) {
     const std::string two = ChannelOf(2);
     EXPECT_EQ(RetOf(two, "SetGenreByIndex", {{"index", 0u}, {"genre", "Film"}}), -1) << "there is none yet";
     EXPECT_EQ(RetOf(two, "SetGenreNum", {{"num", 2u}}), 0);
@@ -153,7 +153,7 @@ TEST_F(Channels, TakeAsManyGenresAsSetAndNoMore) {
     EXPECT_EQ(RetOf(two, "GetGenreByIndex", {{"index", 1u}}), -1);
 }
 
-TEST_F(Channels, TellTheirFieldsByName) {
+TEST_F(Channels, ReturnTheirFieldsByName) {
     const std::string one = ChannelOf(1);
     const std::map<std::string, std::string> fields{{"definition", "HD"},
                                                     {"network", "Satellite"},
@@ -168,7 +168,7 @@ TEST_F(Channels, TellTheirFieldsByName) {
     EXPECT_EQ(RetOf(one, "GetField", {{"fieldId", std::string(1000000, 'x')}}), -1);
 }
 
-TEST_F(Channels, GiveTheirLogoInAnySizeThatIsOne) {
+TEST_F(Channels, ReturnTheirLogoInAnyValidSize) {
     const std::string one = ChannelOf(1);
     EXPECT_EQ(GetOf(one, "GetLogo", {{"width", 0}, {"height", 0}}), "http://logos/one.png");
     EXPECT_EQ(RetOf(one, "GetLogo", {{"width", -1}, {"height", 48}}), -1);
@@ -182,7 +182,7 @@ TEST_F(Channels, AreTheSameHoweverTheyAreAskedFor) {
     EXPECT_EQ(Handle("channel_config.GetCurrentChannel"), fromList);
 }
 
-TEST_F(Channels, MadeByAClientOfNumbersThatNameNothingTellTheseNumbers) {
+TEST_F(Channels, CreatedByAClientWithUnknownNumbersReturnTheseNumbers) {
     const std::string made = Create(11, 5, 6, 7, 8, "");
     const std::vector<std::pair<const char*, Json::Value>> facts{{"GetChannelType", 2},
                                                                  {"GetIdType", 11},

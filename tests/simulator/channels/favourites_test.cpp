@@ -1,4 +1,4 @@
-// Favourite lists and their collection: reading, changing, committing, and what a restart leaves of it.
+// Favourite lists and their collection: reading, changing, committing, and what survives a restart.
 #include <signal.h>
 
 #include <filesystem>
@@ -72,7 +72,7 @@ TEST_F(FavouriteLists, FindTheirChannels) {
     for (const int index : {-1, 3}) EXPECT_EQ(RetOf(list, "Item", {{"index", index}}), -1);
 }
 
-TEST_F(FavouriteLists, TakeChannelsAtAnyPlaceAndGiveThemUpAgain) {
+TEST_F(FavouriteLists, AcceptChannelsAtAnyPositionAndRemoveThem) {
     const std::string list = FavouriteListOf("fav:b");
     EXPECT_EQ(Insert(list, 0, "ccid:2.1.7"), 0);
     EXPECT_EQ(Insert(list, 3, "ccid:1.1.4"), 0);
@@ -97,7 +97,7 @@ TEST_F(FavouriteLists, AreRenamedForEverybody) {
     EXPECT_EQ(Rename(FavouriteListOf("fav:b"), std::string(262145, 'x')), -1);
 }
 
-TEST_F(FavouriteLists, OfTheClientsOwnAreEmptyAtFirstAndStandBehindTheOthers) {
+TEST_F(FavouriteLists, OfAClientAreEmptyAtFirstAndComeLast) {
     const std::string list = Create("Sport");
     EXPECT_EQ(ListName(list), "Sport");
     EXPECT_EQ(Favourites(list), "");
@@ -106,7 +106,7 @@ TEST_F(FavouriteLists, OfTheClientsOwnAreEmptyAtFirstAndStandBehindTheOthers) {
     EXPECT_NE(IdOf(Create("Sport")), IdOf(list)) << "names may be the same";
 }
 
-TEST_F(FavouriteLists, ThatAreRemovedAreNotFoundAnyMoreAndCannotBeCommitted) {
+TEST_F(FavouriteLists, ThatAreRemovedAreNotFoundAndCannotBeCommitted) {
     const std::string list = FavouriteListOf("fav:b");
     EXPECT_EQ(RemoveList(2), -1);
     EXPECT_EQ(RemoveList(-1), -1);
@@ -119,7 +119,7 @@ TEST_F(FavouriteLists, ThatAreRemovedAreNotFoundAnyMoreAndCannotBeCommitted) {
     EXPECT_EQ(GetOf(ChannelOf(1), "channel.GetFavourite"), false);
 }
 
-TEST_F(FavouriteLists, InUseTellOfOtherChannelsAndNames) {
+TEST_F(FavouriteLists, InUseSendAnEventForChangedChannelsAndNames) {
     const std::string inUse = CurrentFavourites();
     const std::string other = FavouriteListOf("fav:b");
     EXPECT_EQ(RetOf("0x1", "channel_config.RegisterCallback"), 0);
@@ -133,7 +133,7 @@ TEST_F(FavouriteLists, InUseTellOfOtherChannelsAndNames) {
     EXPECT_EQ(NextChange(), "F");
     EXPECT_EQ(Rename(inUse, "Evening"), 0);
     EXPECT_EQ(NextChange(), "F");
-    EXPECT_EQ(Rename(inUse, "Evening"), 0) << "nothing changes, so nothing is told";
+    EXPECT_EQ(Rename(inUse, "Evening"), 0) << "nothing changes, so there is no event";
     EXPECT_EQ(Insert(inUse, 99, "ccid:2.1.7"), -1);
     EXPECT_EQ(RemoveFrom(inUse, 99), -1);
     EXPECT_EQ(Commit(inUse), 0) << "of what is kept, and not of the list";
@@ -146,7 +146,7 @@ TEST_F(FavouriteLists, InUseFollowActivationAndRemoval) {
     EXPECT_EQ(Activate("fav:b"), 0);
     EXPECT_EQ(NextChange(), "F");
     EXPECT_EQ(CurrentFavourites(), FavouriteListOf("fav:b"));
-    EXPECT_EQ(Activate("fav:b"), 0) << "nothing changes, so nothing is told";
+    EXPECT_EQ(Activate("fav:b"), 0) << "nothing changes, so there is no event";
     EXPECT_EQ(Activate("fav:z"), -1);
     EXPECT_EQ(RemoveList(0), 0) << "not the one in use";
     EXPECT_EQ(RemoveList(0), 0);
@@ -182,7 +182,7 @@ TEST_F(FavouriteLists, AndCollectionsShareATypeAndDivideItsCodes) {
     EXPECT_EQ(Favourites(list), "Two Locked Shy");
 }
 
-TEST_F(FavouriteLists, ComeToAnEndBeforeTheMemoryDoes) {
+TEST_F(FavouriteLists, AreLimitedInNumber) {
     for (int i = 2; i < 1000; ++i) ASSERT_NE(Create("x"), "");
     EXPECT_EQ(RetOf(Collection(), "favourite_list_collection.CreateFavouriteList", {{"name", "x"}}), -1);
     EXPECT_EQ(RemoveList(999), 0);
@@ -203,7 +203,7 @@ TEST_F(FavouriteLists, HoldAtMost20000Channels) {
     EXPECT_EQ(Insert(list, 0, "ccid:1.1.2"), -1);
 }
 
-TEST_F(FavouriteLists, ThatAreNewNeverHaveTheIdOfOneThatIsKept) {
+TEST_F(FavouriteLists, ThatAreNewNeverReuseTheIdOfAStoredOne) {
     const std::string kept = Create("Sport");
     const std::string id = IdOf(kept);
     EXPECT_EQ(Commit(kept), 0);
@@ -214,10 +214,10 @@ TEST_F(FavouriteLists, ThatAreNewNeverHaveTheIdOfOneThatIsKept) {
     EXPECT_NE(IdOf(fresh), id);
     EXPECT_EQ(Commit(fresh), 0);
     Restart();
-    EXPECT_EQ(ListName(FavouriteListOf(id)), "Sport") << "what is kept was not written over";
+    EXPECT_EQ(ListName(FavouriteListOf(id)), "Sport") << "what is kept was not overwritten";
 }
 
-TEST_F(FavouriteLists, CommittedOutlastTheSimulator) {
+TEST_F(FavouriteLists, CommittedSurviveARestart) {
     const std::string list = FavouriteListOf("fav:b");
     EXPECT_EQ(Rename(list, "Tea \"\x01\xc3\xa9"), 0);
     EXPECT_EQ(Insert(list, 0, "ccid:2.1.7"), 0);
@@ -291,7 +291,7 @@ TEST_F(FavouriteLists, LastAsTheCollectionIsCommitted) {
     EXPECT_EQ(CurrentFavourites(), "");
 }
 
-TEST_F(FavouriteLists, WithoutAStateDirectoryAreCommittedForNothing) {
+TEST_F(FavouriteLists, WithoutAStateDirectoryAreNotStored) {
     EXPECT_EQ(Stop(), 0);
     Start();
     EXPECT_EQ(RemoveList(0), 0);
@@ -318,7 +318,7 @@ TEST_F(FavouriteLists, KeepChannelsThatTheLineUpLacksForALaterOne) {
     EXPECT_EQ(Favourites(FavouriteListOf("fav:b")), "One Two");
 }
 
-TEST_F(FavouriteLists, WhoseStateIsDamagedComeFromTheLineUpAndNothingIsWrittenOver) {
+TEST_F(FavouriteLists, WhoseStateIsDamagedComeFromTheLineUpAndNothingIsOverwritten) {
     EXPECT_EQ(RemoveList(0), 0);
     EXPECT_EQ(CommitCollection(), 0);
     EXPECT_EQ(Stop(), 0);
@@ -370,7 +370,7 @@ TEST_F(FavouriteLists, KilledInTheMiddleOfACommitAreAsBeforeOrAfterIt) {
     }
 }
 
-TEST_F(FavouriteLists, ThatCannotBeWrittenAreRefusedAndStayToBeCommittedLater) {
+TEST_F(FavouriteLists, ThatCannotBeWrittenAreRefusedAndCanBeCommittedLater) {
     const std::string list = FavouriteListOf("fav:b");
     EXPECT_EQ(RemoveFrom(list, 0), 0);
     std::filesystem::create_directory(StateFile());
@@ -392,7 +392,7 @@ TEST_F(FavouriteLists, OfTwoSimulatorsNeedTwoStateDirectories) {
     EXPECT_NE(second->Output().find("cannot be used: another simulator uses it"), std::string::npos)
         << second->Output();
     EXPECT_TRUE(std::filesystem::is_empty(sockets));
-    EXPECT_EQ(CommitCollection(), 0) << "the first one goes on";
+    EXPECT_EQ(CommitCollection(), 0) << "the first one continues";
     mSimulator->Kill();
     const auto third = Launch({"--directory", sockets, "--state", StateDirectory()});
     EXPECT_TRUE(third->WaitForOutput("ready\n")) << "nothing is left of one that was killed";

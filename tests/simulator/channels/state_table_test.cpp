@@ -30,7 +30,7 @@ TEST_P(StateTableFromAny, SetChannelConnectsAndThenPresents) {
     EXPECT_EQ(EventsSoFar(vb), Events{});
 }
 
-TEST_P(StateTableFromAny, SetChannelToAnUnknownServiceChangesNothingButSaysError5) {
+TEST_P(StateTableFromAny, SetChannelToAnUnknownServiceOnlyReportsError5) {
     const std::string vb = ObjectIn(GetParam());
     const int before = State(vb);
     EXPECT_EQ(SetChannel(vb, Channel(vb, 77)), 0);
@@ -38,7 +38,7 @@ TEST_P(StateTableFromAny, SetChannelToAnUnknownServiceChangesNothingButSaysError
     EXPECT_EQ(State(vb), before);
 }
 
-TEST_P(StateTableFromAny, SetChannelWithoutAFreeTunerChangesNothingButSaysError2) {
+TEST_P(StateTableFromAny, SetChannelWithoutAFreeTunerOnlyReportsError2) {
     const std::string vb = ObjectIn(GetParam());
     const int before = State(vb);
     ASSERT_EQ(Tell("tuner taken"), "ok");
@@ -55,7 +55,7 @@ TEST_P(StateTableFromAny, AZapOfTheViewerDoesWhatSetChannelDoes) {
     EXPECT_EQ(State(vb), 2);
 }
 
-TEST_F(StateTable, SetChannelOfATypeThatTheTunerDoesNotHaveSaysError0) {
+TEST_F(StateTable, SetChannelOfATypeThatTheTunerDoesNotHaveReportsError0) {
     const std::string vb = ObjectIn("presenting");
     const std::string created = CreateChannel(vb, 22, 1, 1, 1);
     EXPECT_EQ(SetChannel(vb, created), 0);
@@ -68,14 +68,14 @@ INSTANTIATE_TEST_SUITE_P(Every, StateTableFromTuned, testing::Values("connecting
 
 TEST_P(StateTableFromTuned, NextChannelConnectsToTheNeighbour) {
     const std::string vb = ObjectIn(GetParam());
-    const bool onTheLast = std::string(GetParam()) == "connecting";  // Locked, so round to One
+    const bool onTheLast = std::string(GetParam()) == "connecting";  // Locked, so the next one is One
     Channel(vb, 2);
     EXPECT_EQ(RetOf(vb, "NextChannel"), 0);
     EXPECT_EQ(EventsUntil("PlayState 2 0"),
               (Events{"PlayState 1 0", onTheLast ? "ChannelChanged One 0" : "ChannelChanged Two 0", "PlayState 2 0"}));
 }
 
-TEST_P(StateTableFromTuned, NextAndPreviousWithoutAFreeTunerChangeNothingButSayError2) {
+TEST_P(StateTableFromTuned, NextAndPreviousWithoutAFreeTunerOnlyReportError2) {
     const std::string vb = ObjectIn(GetParam());
     const int before = State(vb);
     const bool onTheLast = std::string(GetParam()) == "connecting";
@@ -106,7 +106,7 @@ TEST_P(StateTableFromTuned, SetChannelWithTheNullChannelIsRelease) {
 class StateTableFromWatched : public StateTableFrom {};
 INSTANTIATE_TEST_SUITE_P(Every, StateTableFromWatched, testing::Values("presenting", "stopped"), StateName);
 
-TEST_P(StateTableFromWatched, NextFromAServiceOutsideTheListChangesNothingButSaysError10) {
+TEST_P(StateTableFromWatched, NextFromAServiceOutsideTheListOnlyReportsError10) {
     const std::string vb = ObjectIn("presenting");
     Tune(vb, 9);
     const bool stopped = std::string(GetParam()) == "stopped";
@@ -223,7 +223,7 @@ TEST_P(StateTableStop, StopLeadsToStoppedAndKeepsTheChannel) {
     EXPECT_EQ(CurrentChannel(vb), channel);
 }
 
-TEST_F(StateTable, WhatHasNoRowChangesNothingAndSaysNothing) {
+TEST_F(StateTable, WhatHasNoRowChangesNothingAndSendsNoEvent) {
     const std::string unrealized = ObjectIn("unrealized");
     EXPECT_EQ(RetOf(unrealized, "Stop"), 0);
     EXPECT_EQ(RetOf(unrealized, "Release"), 0);
@@ -238,7 +238,7 @@ TEST_F(StateTable, WhatHasNoRowChangesNothingAndSaysNothing) {
     EXPECT_EQ(State(presenting), 2);
 }
 
-TEST_F(StateTable, NextFromUnrealizedSaysError10) {
+TEST_F(StateTable, NextFromUnrealizedReportsError10) {
     const std::string vb = ObjectIn("unrealized");
     EXPECT_EQ(RetOf(vb, "NextChannel"), 0);
     EXPECT_EQ(EventsSoFar(vb), Events{"ChannelError none 10"});

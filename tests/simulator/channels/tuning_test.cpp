@@ -11,7 +11,7 @@ class Tuning : public VideoBroadcastFixture {
 
 using TuningWithOptions = VideoBroadcastFixture;
 
-TEST_F(Tuning, NextWalksTheListInOrderAndRoundPastUnlistedServices) {
+TEST_F(Tuning, NextWrapsAroundTheListAndSkipsUnlistedServices) {
     const std::string vb = ObjectIn("presenting");
     const std::string one = Channel(vb, 1);
     Channel(vb, 2), Channel(vb, 5);
@@ -110,7 +110,7 @@ TEST_F(Tuning, AnObjectWithoutARegisteredCallbackIsSilent) {
     EXPECT_EQ(event["context"], "0xabc");
 }
 
-TEST_F(Tuning, ANullContextComesBackAsTheEmptyText) {
+TEST_F(Tuning, ANullContextIsReturnedAsTheEmptyString) {
     const std::string vb = NewObject("");
     EXPECT_EQ(RetOf(vb, "BindToCurrentChannel"), 0);
     EXPECT_EQ(NextMembers()["context"], "");
@@ -124,7 +124,7 @@ TEST_F(Tuning, ReleaseKeepsTheObjectAndDestroyEndsIt) {
     ExpectRefused({"Release", "Destroy", "GetPlayState", "Stop", "GetVolume", "BindToCurrentChannel"}, {vb});
 }
 
-TEST_F(Tuning, DestroyOfAPresentingObjectFreesTheTunerWithoutAWord) {
+TEST_F(Tuning, DestroyOfAPresentingObjectFreesTheTunerWithoutAnEvent) {
     const std::string vb = ObjectIn("presenting");
     EXPECT_EQ(RetOf(vb, "Destroy"), 0);
     const std::string other = NewObject("0x2");
@@ -159,12 +159,12 @@ TEST_F(Tuning, AHandleIsReadInEveryFormThatCReads) {
     EXPECT_EQ(GetOf("  " + vb + " and more", "GetPlayState"), 2);
     EXPECT_EQ(GetOf(vb.substr(2), "GetPlayState"), 2);
     EXPECT_EQ(RetOf("0x1" + std::string(8 - upper.size(), '0') + upper, "GetPlayState"), -1)
-        << "33 bits are no handle of this platform";
+        << "33 bits are not a handle of this platform";
     EXPECT_EQ(SetChannel(vb, "(nil)"), 0);
     EXPECT_EQ(State(vb), 0);
 }
 
-TEST_F(Tuning, WhatIsRecordedMayNotBeLeft) {
+TEST_F(Tuning, ARecordedChannelCannotBeLeft) {
     const std::string vb = ObjectIn("presenting");
     EXPECT_EQ(RetOf(vb, "StopRecording"), -1);
     ASSERT_EQ(Tell("record"), "ok");
@@ -180,7 +180,7 @@ TEST_F(Tuning, WhatIsRecordedMayNotBeLeft) {
     EXPECT_EQ(EventsUntil("PlayState 2 0").size(), 3u);
 }
 
-TEST_F(TuningWithOptions, ASecondTuneWhileConnectingTakesTheFirstOnesPlace) {
+TEST_F(TuningWithOptions, ASecondTuneWhileConnectingReplacesTheFirst) {
     Start({"--tune-time", "200ms"});
     const std::string vb = NewObject();
     const std::string one = Channel(vb, 1);
@@ -206,7 +206,7 @@ TEST_F(TuningWithOptions, StopAndReleaseWhileConnectingEndTheTuning) {
                                                     "PlayState 1 0", "ChannelChanged Two 0", "PlayState 2 0"}));
 }
 
-TEST_F(TuningWithOptions, TuningTakesTheTimeThatWasAskedFor) {
+TEST_F(TuningWithOptions, TuningTakesTheGivenTime) {
     Start({"--tune-time", "300ms"});
     const std::string vb = NewObject();
     const auto start = std::chrono::steady_clock::now();

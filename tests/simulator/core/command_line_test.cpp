@@ -19,7 +19,7 @@ class CommandLine : public VideoBroadcastFixture {
     bool SocketExists() const { return std::filesystem::exists(RequestSocket()); }
 };
 
-TEST_F(CommandLine, TheDefaultLineUpIsServedAndThisIsSaidAtTheStart) {
+TEST_F(CommandLine, TheDefaultLineUpIsServedAndPrintedAtTheStart) {
     const auto program = Launch({});
     ASSERT_TRUE(program->WaitForOutput("ready\n"));
     const std::string text = program->Output();
@@ -53,7 +53,7 @@ TEST_F(CommandLine, ASocketFileThatNobodyServesIsReplaced) {
     EXPECT_TRUE(program->WaitForOutput("ready\n")) << program->Output();
 }
 
-TEST_F(CommandLine, ASecondSimulatorInTheSameDirectoryIsRefusedWithCode4AndLeavesTheFirstAlone) {
+TEST_F(CommandLine, ASecondSimulatorInTheSameDirectoryExitsWithCode4AndDoesNotDisturbTheFirst) {
     Start();
     const Outcome second = Run({});
     EXPECT_EQ(second.exitCode, 4);
@@ -77,7 +77,7 @@ TEST_F(CommandLine, ADirectoryThatDoesNotExistOrIsTooLongEndsWithCode4) {
     EXPECT_NE(outcome.output.find("longer than 107 characters"), std::string::npos) << outcome.output;
 }
 
-TEST_F(CommandLine, ASocketThatSomebodyElsePutInItsPlaceIsLeftAlone) {
+TEST_F(CommandLine, ASocketOfAnotherProcessIsNotRemoved) {
     const auto program = Launch({});
     ASSERT_TRUE(program->WaitForOutput("ready\n"));
     const LibraryStandIn other(RequestSocket());
@@ -86,7 +86,7 @@ TEST_F(CommandLine, ASocketThatSomebodyElsePutInItsPlaceIsLeftAlone) {
     EXPECT_TRUE(SocketExists());
 }
 
-TEST_F(CommandLine, TheDirectoryOptionGoesBeforeTheEnvironment) {
+TEST_F(CommandLine, TheDirectoryOptionOverridesTheEnvironment) {
     const std::string directory = mDirectory / "other";
     std::filesystem::create_directory(directory);
     const auto program = Launch({"--directory", directory});
@@ -95,7 +95,7 @@ TEST_F(CommandLine, TheDirectoryOptionGoesBeforeTheEnvironment) {
     EXPECT_FALSE(SocketExists());
 }
 
-TEST_F(CommandLine, WrongOptionsEndWithCode2AndASentence) {
+TEST_F(CommandLine, WrongOptionsExitWithCode2AndAMessage) {
     const std::map<std::vector<std::string>, std::string> wrong{
         {{"--nonsense"}, "--nonsense"},
         {{"--tune-time", "fast"}, "\"fast\" is not a duration"},
@@ -134,7 +134,7 @@ TEST_F(CommandLine, ARefusedLineUpEndsWithCode3AndThePlace) {
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.output, "hbbtv-sim: cannot read " + path +
                                   ":3:14: a line-up has no member \"service\"; did you mean \"services\"?\n");
-    EXPECT_EQ(Run({"--line-up", mDirectory.Path()}).exitCode, 3) << "a directory is no line-up";
+    EXPECT_EQ(Run({"--line-up", mDirectory.Path()}).exitCode, 3) << "a directory is not a line-up";
 }
 
 TEST_F(CommandLine, TraceHasOneLinePerRequestWithItsReplyAndPerEvent) {
@@ -162,7 +162,7 @@ TEST_F(CommandLine, WithoutTraceItIsSilentAfterReady) {
     EXPECT_EQ(mSimulator->Output(), before);
 }
 
-TEST_F(CommandLine, AFamilyThatStopsAnsweringIsSilentUntilItIsToldToAnswer) {
+TEST_F(CommandLine, AFamilyThatStopsAnsweringIsSilentUntilTheAnswerCommand) {
     Start({"--fault", "stop-answering:video_broadcast"});
     const auto create = [this](int port) {
         ClientOf().Send(kRequest, port, RequestText("Create", {{"context", "0x1"}}));
@@ -182,7 +182,7 @@ TEST_F(CommandLine, AFamilyThatStopsAnsweringIsSilentUntilItIsToldToAnswer) {
     EXPECT_EQ(reply->port, 4);
 }
 
-TEST_F(CommandLine, TellAnswersWhatItRefusesAndEndsWithCode1) {
+TEST_F(CommandLine, ARefusedTellPrintsTheReasonAndExitsWithCode1) {
     EXPECT_EQ(Run({"--tell", "zap next"}).exitCode, 1) << "no simulator runs";
     Start();
     const std::map<std::string, std::string> refused{

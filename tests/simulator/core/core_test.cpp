@@ -1,4 +1,4 @@
-// Small parts of the simulator by themselves: frames, handles, names, and events that wait for a reply.
+// Small parts of the simulator alone: frames, handles, names, and events that wait for a reply.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -106,10 +106,10 @@ TEST(NearestName, IsTheOneWithTheFewestChanges) {
     EXPECT_EQ(DidYouMean("x", {}), "");
 }
 
-// An event that asks for a reply. The loop runs on the test's thread, the library's end on another.
+// An event that waits for a reply. The loop runs on the test's thread, the library's end on another.
 class EventWithReply : public testing::Test {
   protected:
-    // Runs until the reply, or its absence, is known.
+    // Runs until there is a reply or none can come.
     Json::Value SendAndWait() {
         Json::Value result;
         mSender.SendAndWait("question", Json::Value(Json::objectValue), [&](const Json::Value& reply) {

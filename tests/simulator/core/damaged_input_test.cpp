@@ -1,4 +1,4 @@
-// Whatever a client sends, the simulator answers or drops it, and goes on serving everybody.
+// Whatever a client sends, the simulator answers or drops it and continues to serve everybody.
 #include "presentation/video_broadcast_fixture.h"
 
 namespace hbbtv::test {
@@ -85,7 +85,7 @@ TEST_F(DamagedInput, ANumberOfMoreThan64BitsIsRefused) {
     ExpectRefusedWithALogLine(TextWith("ChangeDisplaySource", "source", "99999999999999999999"));
 }
 
-TEST_F(DamagedInput, TextsThatAreKeptEndAt256KiB) {
+TEST_F(DamagedInput, StoredStringsAreLimitedTo256KiB) {
     const std::string vb = ObjectIn("presenting");
     const std::string most(256 << 10, 'x');
     for (const auto& [text, ret] : {std::pair(most, 0), std::pair(most + "x", -1)}) {
@@ -97,7 +97,7 @@ TEST_F(DamagedInput, TextsThatAreKeptEndAt256KiB) {
     }
 }
 
-TEST_F(DamagedInput, ANestingBombGetsMinusOne) {
+TEST_F(DamagedInput, DeepNestingGetsMinusOne) {
     for (const char* open : {"[", "{\"a\":"}) {
         std::string bomb;
         for (int i = 0; i < 100000; ++i) bomb += open;
@@ -106,7 +106,7 @@ TEST_F(DamagedInput, ANestingBombGetsMinusOne) {
     }
 }
 
-TEST_F(DamagedInput, AMemberThatNobodyKnowsIsNoDamage) {
+TEST_F(DamagedInput, AnUnknownMemberIsIgnored) {
     EXPECT_EQ(AskRaw("Create", {{"context", "0x1"}, {"more", Parsed(R"([1, {"x": null}])")}})["ret"], 0);
 }
 
@@ -125,7 +125,7 @@ TEST_F(DamagedInput, AHugeAnnouncedSizeClosesTheConnectionWithoutWaitingForTheBy
     EXPECT_TRUE(mSimulator->WaitForOutput("announces 4294967295 bytes"));
 }
 
-TEST_F(DamagedInput, AnAnnouncedSizeTakesNoMemoryAheadOfItsBytes) {
+TEST_F(DamagedInput, AnAnnouncedSizeTakesNoMemoryBeforeItsBytesArrive) {
     std::vector<std::unique_ptr<RawClient>> clients;
     for (int i = 0; i < 200; ++i) {
         clients.push_back(std::make_unique<RawClient>(RequestSocket()));

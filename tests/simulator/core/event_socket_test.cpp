@@ -1,4 +1,4 @@
-// Events and the library's side of them: it may be away, slow, die and come back.
+// Events while the library is away, slow, dies and comes back.
 #include "presentation/video_broadcast_fixture.h"
 
 namespace hbbtv::test {
@@ -51,7 +51,7 @@ TEST_F(EventSockets, ALibraryThatDiesAndComesBackGetsTheNextEvent) {
     }
 }
 
-TEST_F(EventSockets, AConnectionThatEndsWhileTheSocketStaysIsMadeAgain) {
+TEST_F(EventSockets, AConnectionThatEndsWhileTheSocketStaysIsRestored) {
     const std::string vb = NewObject();
     FullScreen(vb, true);
     EXPECT_EQ(NextEvent(), "FullScreen 1");
@@ -60,14 +60,14 @@ TEST_F(EventSockets, AConnectionThatEndsWhileTheSocketStaysIsMadeAgain) {
     EXPECT_EQ(NextEvent(), "FullScreen 0");
 }
 
-TEST_F(EventSockets, ALibraryThatDoesNotReadHoldsUpNobodyAndGetsAllInOrderLater) {
+TEST_F(EventSockets, ALibraryThatDoesNotReadBlocksNobodyAndGetsAllEventsInOrderLater) {
     const std::string vb = NewObject();
     constexpr int kEvents = 3000;  // more than a socket holds
     for (int i = 0; i < kEvents; ++i) FullScreen(vb, i % 2 == 0);
     for (int i = 0; i < kEvents; ++i) ASSERT_EQ(NextEvent(), i % 2 == 0 ? "FullScreen 1" : "FullScreen 0") << i;
 }
 
-TEST_F(EventSockets, APathThatIsNoSocketIsNobody) {
+TEST_F(EventSockets, APathThatIsNotASocketIsNotServed) {
     StopServingEvents();
     WriteFile(EventSocket(), "not a socket");
     const std::string vb = NewObject();

@@ -1,4 +1,4 @@
-// The store of documents by itself, and the option that names its directory.
+// The store of documents alone, and the option for its directory.
 #include "television/device/state_store.h"
 
 #include <sys/stat.h>
@@ -27,7 +27,7 @@ Json::Value Document(const std::string& text) {
     return document;
 }
 
-TEST(StateStores, GiveBackWhatWasSavedLast) {
+TEST(StateStores, LoadWhatWasSavedLast) {
     const ScratchDirectory directory;
     {
         const StateStore store(directory / "state");
@@ -112,7 +112,7 @@ class StateOption : public SimulatorFixture {
     }
 };
 
-TEST_F(StateOption, MakesTheDirectoryAndSaysWhereItIs) {
+TEST_F(StateOption, CreatesTheDirectoryAndPrintsItsPath) {
     const std::string state = mDirectory / "state";
     Start({"--state", state});
     EXPECT_TRUE(std::filesystem::is_directory(state));
@@ -120,7 +120,7 @@ TEST_F(StateOption, MakesTheDirectoryAndSaysWhereItIs) {
     EXPECT_NE(mSimulator->Output().find("state: " + state + "\n"), std::string::npos) << mSimulator->Output();
 }
 
-TEST_F(StateOption, ThatCannotBeUsedEndsWithCode5AndTheReason) {
+TEST_F(StateOption, ThatCannotBeUsedExitsWithCode5AndTheReason) {
     ExpectRefused(mDirectory / "no/such", 5, "/no/such cannot be used: No such file or directory");
     const std::string file = mDirectory / "file";
     WriteFile(file, "precious");
@@ -129,7 +129,7 @@ TEST_F(StateOption, ThatCannotBeUsedEndsWithCode5AndTheReason) {
     ExpectRefused("", 2, "the state directory has no name");
 }
 
-TEST_F(StateOption, WithADocumentThatIsNoFileEndsWithCode5) {
+TEST_F(StateOption, WithADocumentThatIsNotAFileExitsWithCode5) {
     const std::string state = mDirectory / "state";
     std::filesystem::create_directories(state + "/favourites.json");
     ExpectRefused(state, 5, "favourites.json cannot be read: it is no file");

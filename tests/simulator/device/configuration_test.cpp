@@ -1,5 +1,5 @@
-// The preferences over the wire: each operation, what is refused, the events of changes from both sides, and what a
-// restart leaves of them.
+// The preferences over the wire: each operation, what is refused, the events for changes from both sides, and what
+// survives a restart.
 #include <filesystem>
 
 #include "simulator_fixture.h"
@@ -49,7 +49,7 @@ class Configuration : public SimulatorFixture {
     std::string NextChange() { return NextEventOf("configuration").Text(); }
 };
 
-TEST_F(Configuration, TellsTheLanguagesCountryAndRegionThatWereSet) {
+TEST_F(Configuration, ReturnsTheLanguagesCountryAndRegionThatWereSet) {
     EXPECT_EQ(SetAudio("fra,deu"), 0);
     EXPECT_EQ(Ret("SetPreferredSubtitleLanguage", {{"pref_sub_language", "***,eng"}}), 0);
     EXPECT_EQ(Ret("SetPreferredUILanguage", {{"pref_ui_language", "ita"}}), 0);
@@ -62,7 +62,7 @@ TEST_F(Configuration, TellsTheLanguagesCountryAndRegionThatWereSet) {
     EXPECT_EQ(Get("GetRegionId").asUInt(), 60u);
 }
 
-TEST_F(Configuration, TellsTheRulesOfRecordingThatWereSet) {
+TEST_F(Configuration, ReturnsTheRulesOfRecordingThatWereSet) {
     EXPECT_EQ(Ret("SetPvrPolicy", {{"pvr_policy", 2}}), 0);
     EXPECT_EQ(Ret("SetPvrSaveEpisodes", {{"epis", 10000u}}), 0);
     EXPECT_EQ(Ret("SetPvrSaveDays", {{"days", 3650u}}), 0);
@@ -77,7 +77,7 @@ TEST_F(Configuration, TellsTheRulesOfRecordingThatWereSet) {
     EXPECT_EQ(Get("GetPreferredTimeShiftMode").asUInt(), 3u);
 }
 
-TEST_F(Configuration, TellsWhatTheViewerHasSet) {
+TEST_F(Configuration, ReturnsWhatTheViewerHasSet) {
     for (const char* command :
          {"set subtitles on", "set audio-description on", "set hearing-impaired on", "set rating-age 12",
           "set do-not-track 1", "set product Big Screen 55", "set device-id-time 1700000000"}) {
@@ -95,7 +95,7 @@ TEST_F(Configuration, TellsWhatTheViewerHasSet) {
     EXPECT_EQ(Get("GetSubtitleEnable"), false);
 }
 
-TEST_F(Configuration, TellsNothingOfADeviceIdThatIsOff) {
+TEST_F(Configuration, ReturnsNoDeviceIdWhenItIsOff) {
     EXPECT_EQ(Get("GetDeviceIdEnable"), true);
     EXPECT_EQ(Tell("set device-id off"), "ok");
     EXPECT_EQ(Get("GetDeviceIdEnable"), false);
@@ -107,7 +107,7 @@ TEST_F(Configuration, TellsNothingOfADeviceIdThatIsOff) {
     }
 }
 
-TEST_F(Configuration, TellsTheSerialNumberOfTheTelevision) {
+TEST_F(Configuration, ReturnsTheSerialNumberOfTheTelevision) {
     const Json::Value drawn = Ask("GetDeviceIdContent")["serial"];
     EXPECT_EQ(drawn.asString().size(), 10u);
     EXPECT_EQ(Get("local_system.GetSerialNumber"), drawn);
@@ -130,7 +130,7 @@ TEST_F(Configuration, HasTheNetworkIdsOfTheTerrestrialNetworksUntilOthersAreSet)
     EXPECT_EQ(NetworkIds(), "0");
 }
 
-TEST_F(Configuration, HasThreeTextsOfWhichSetTextSetsTheFirst) {
+TEST_F(Configuration, HasThreeStringsOfWhichSetTextSetsTheFirst) {
     EXPECT_EQ(Ret("SetText", {{"info", "Kein Titel"}}), 0);
     EXPECT_EQ(Text(0), "Kein Titel");
     EXPECT_EQ(Tell("set no-synopsis Keine Beschreibung"), "ok");
@@ -153,7 +153,7 @@ TEST_F(Configuration, ReplacesElementsOfTheUserInterfaceWhenAllOfThemHaveCome) {
     EXPECT_EQ(replace(2, 0, 1), 0);
     EXPECT_EQ(Tell("get ui-elements"), "ok 1,64");
     EXPECT_EQ(replace(3, 2, 68), 0);
-    EXPECT_EQ(replace(2, 0, 2), 0) << "another number of them begins anew";
+    EXPECT_EQ(replace(2, 0, 2), 0) << "another number of them starts again";
     EXPECT_EQ(Tell("get ui-elements"), "ok 1,64");
     EXPECT_EQ(replace(2, 1, 65), 0);
     EXPECT_EQ(Tell("get ui-elements"), "ok 2,65");
@@ -166,7 +166,7 @@ TEST_F(Configuration, ReplacesElementsOfTheUserInterfaceWhenAllOfThemHaveCome) {
     EXPECT_EQ(Tell("get ui-elements"), "ok 127");
 }
 
-TEST_F(Configuration, RefusesValuesThatMakeNoSenseAndKeepsTheOldOnes) {
+TEST_F(Configuration, RefusesInvalidValuesAndKeepsTheOldOnes) {
     EXPECT_EQ(SetAudio("fra"), 0);
     for (const char* bad : {"", "de", "deut", "DEU", "deu,", ",deu", "deu, eng", "d1u", "***"}) {
         EXPECT_EQ(SetAudio(bad), -1) << bad;
@@ -198,12 +198,12 @@ TEST_F(Configuration, RefusesMembersThatAreMissingOrOfAnotherType) {
     ExpectOtherCodesRefused("configuration");
 }
 
-TEST_F(Configuration, TellsRequestedChangesOnce) {
+TEST_F(Configuration, SendsOneEventForEachRequestedChange) {
     EXPECT_EQ(SetAudio("fra"), 0);
     EXPECT_EQ(Ret("RegisterCallback"), 0);
     EXPECT_EQ(SetAudio("fra"), 0) << "no change, no event";
     EXPECT_EQ(SetAudio("ita"), 0);
-    EXPECT_EQ(NextChange(), "audio language audLang=\"ita\"") << "what changed before the registration is not told";
+    EXPECT_EQ(NextChange(), "audio language audLang=\"ita\"") << "what changed before the registration is not reported";
     EXPECT_EQ(Ret("SetPreferredSubtitleLanguage", {{"pref_sub_language", "fra"}}), 0);
     EXPECT_EQ(NextChange(), "subtitle language prefSubLang=\"fra\"");
     EXPECT_EQ(Ret("SetPreferredUILanguage", {{"pref_ui_language", "deu"}}), 0);
@@ -213,7 +213,7 @@ TEST_F(Configuration, TellsRequestedChangesOnce) {
     EXPECT_EQ(NextChange(), "region region=\"7\"");
 }
 
-TEST_F(Configuration, TellsEveryChangeByTheViewer) {
+TEST_F(Configuration, SendsAnEventForEveryChangeByTheViewer) {
     EXPECT_EQ(Ret("RegisterCallback"), 0);
     const std::vector<std::pair<std::string, std::string>> changes{
         {"resolution 3840x2160", "resolution h=2160 w=3840"},
@@ -237,7 +237,7 @@ TEST_F(Configuration, TellsEveryChangeByTheViewer) {
     }
 }
 
-TEST_F(Configuration, TellsNothingBeforeARegistrationNorAfterItsEnd) {
+TEST_F(Configuration, SendsNoEventsBeforeARegistrationOrAfterItsEnd) {
     EXPECT_EQ(Tell("set rating-age 6"), "ok");
     EXPECT_EQ(Ret("RegisterCallback"), 0);
     EXPECT_EQ(Ret("RegisterCallback"), 0) << "registering twice is registering once";
@@ -290,7 +290,7 @@ TEST_F(Configuration, ThatIsDamagedIsSetAside) {
     }
 }
 
-TEST_F(Configuration, ThatCannotBeKeptIsNotChanged) {
+TEST_F(Configuration, ThatCannotBeStoredIsNotChanged) {
     EXPECT_EQ(SetAudio("fra"), 0);
     EXPECT_EQ(Ret("RegisterCallback"), 0);
     std::filesystem::create_directory(mDirectory / "state/preferences.json.new");
@@ -302,7 +302,7 @@ TEST_F(Configuration, ThatCannotBeKeptIsNotChanged) {
     EXPECT_EQ(NextChange(), "audio language audLang=\"eng\"");
 }
 
-TEST_F(Configuration, SaysWhatItIsAndWhatItCannotBe) {
+TEST_F(Configuration, PrintsItsValuesAndWhatTheyCannotBe) {
     EXPECT_EQ(Tell("get country"), "ok DEU");
     EXPECT_EQ(Tell("get subtitles"), "ok off");
     EXPECT_EQ(Tell("get network-ids"), "ok 12290,12289");

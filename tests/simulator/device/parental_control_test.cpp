@@ -1,4 +1,4 @@
-// Rating schemes, thresholds, ratings and their collections, and what a restart leaves of them.
+// Rating schemes, thresholds, ratings and their collections, and what survives a restart.
 #include <filesystem>
 
 #include "presentation/video_broadcast_fixture.h"
@@ -36,7 +36,7 @@ class ParentalControl : public VideoBroadcastFixture {
         return names;
     }
 
-    // "scheme name value labels region", or none for the null handle.
+    // Returns "scheme name value labels region", or "none" for the null handle.
     std::string RatingText(const std::string& rating) {
         if (rating.empty()) return "none";
         return HandleOf(rating, "GetScheme") + " " + HandleOf(rating, "GetParentalRatingName") + " " +
@@ -104,7 +104,7 @@ TEST_F(ParentalControl, HasAnIconForEachValueOfItsOwnSchemes) {
     EXPECT_EQ(RetOf(added, "GetIconUrl", {{"index", 1u}}), -1);
 }
 
-TEST_F(ParentalControl, TellsTheAgeThatIsSetAndTheCountry) {
+TEST_F(ParentalControl, ReturnsTheAgeThatIsSetAndTheCountry) {
     Json::Value reply = Ask("GetLocalParentalRating");
     EXPECT_EQ(reply["parentRating"], 18);
     EXPECT_EQ(reply["countryCode"], "DEU");
@@ -184,7 +184,7 @@ TEST_F(ParentalControl, SetsADamagedDocumentAside) {
     EXPECT_TRUE(std::filesystem::exists(mDirectory / "state/parental_control.json.damaged-6"));
 }
 
-TEST_F(ParentalControl, AddsASchemeOnceAndNothingThatIsNone) {
+TEST_F(ParentalControl, AddsASchemeOnceAndRefusesInvalidOnes) {
     const std::string scheme = HandleOf(mManager, "AddScheme", {{"name", "mine"}, {"values", "a,b"}});
     EXPECT_EQ(HandleOf(mManager, "AddScheme", {{"name", "mine"}, {"values", "a, b"}}), scheme) << "it is the same";
     EXPECT_EQ(AddScheme("mine", "a"), -1);
@@ -206,7 +206,7 @@ TEST_F(ParentalControl, AddsASchemeOnceAndNothingThatIsNone) {
     EXPECT_EQ(AddScheme("s100", "a"), -1) << "there are 100";
 }
 
-TEST_F(ParentalControl, TellsTheRatingOfWhatIsPresentedAndBlocksItFromTheThresholdOn) {
+TEST_F(ParentalControl, ReportsTheRatingOfTheServiceAndBlocksItFromTheThresholdOn) {
     ObjectIn("presenting");
     const Json::Value mild = RatingEvent("dvb-si 16", "ok");
     EXPECT_EQ(mild["blocked"], false);

@@ -1,4 +1,4 @@
-// What the television says of itself: capabilities, local system, application private data.
+// What the television reports about itself: capabilities, local system, application private data.
 #include <filesystem>
 #include <set>
 
@@ -7,7 +7,7 @@
 namespace hbbtv::test {
 namespace {
 
-// Reads the document on its standard input as a browser would and prints what is in it, one element a line.
+// Parses the document on its standard input as a browser would and prints one element per line.
 const char* const kReadXml = R"(
 import sys, xml.etree.ElementTree as tree
 def show(element, depth):
@@ -42,7 +42,7 @@ class Terminal : public VideoBroadcastFixture {
     int FreeMemory() { return Get("application_private_data.getFreeMem").asInt(); }
 };
 
-TEST_F(Terminal, TellsItsCapabilitiesInADocument) {
+TEST_F(Terminal, ReturnsItsCapabilitiesInADocument) {
     Start();
     EXPECT_EQ(Elements(Xml()),
               "profilelist\n"
@@ -103,7 +103,7 @@ TEST_F(Terminal, HasAsManyDecodersFreeAsNothingUses) {
     EXPECT_EQ(ExtraDecodes(), "2 1");
 }
 
-TEST_F(Terminal, SaysWhatItIs) {
+TEST_F(Terminal, ReturnsItsNamesAndVersions) {
     Start();
     EXPECT_EQ(Handle("GetVendorName"), "Example");
     EXPECT_EQ(Handle("GetModelName"), "Simulated 40");
@@ -118,7 +118,7 @@ TEST_F(Terminal, SaysWhatItIs) {
     ExpectOtherCodesRefused("local_system");
 }
 
-TEST_F(Terminal, StaysTheSameTelevisionWhenItRemembers) {
+TEST_F(Terminal, KeepsItsIdentityInTheStateDirectory) {
     const std::string state = mDirectory / "state";
     Start({"--state", state});
     const std::string id = Handle("GetDeviceID");
@@ -189,7 +189,7 @@ TEST_F(Terminal, RecordsOnlyWithADisk) {
     EXPECT_EQ(Tell("software-update"), "error: usage: software-update VERSION");
 }
 
-TEST_F(Terminal, TellsApplicationsTheFreeMemory) {
+TEST_F(Terminal, ReturnsTheFreeMemory) {
     Start();
     EXPECT_EQ(FreeMemory(), 67108864);
     EXPECT_EQ(Tell("free-memory 2147483647"), "ok");
@@ -204,7 +204,7 @@ TEST_F(Terminal, TellsApplicationsTheFreeMemory) {
     EXPECT_EQ(FreeMemory(), 0);
 }
 
-TEST_F(Terminal, TellsApplicationsTheChannelThatIsOn) {
+TEST_F(Terminal, ReturnsTheCurrentChannel) {
     Start();
     const std::string vb = NewObject();
     EXPECT_EQ(Get("application_private_data.getCurrentChannel"), Channel(vb, 1));

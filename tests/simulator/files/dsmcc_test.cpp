@@ -1,4 +1,4 @@
-// The files of the object carousel: what is asked for, what comes, and every way out of the carousel that there is not.
+// The files of the object carousel: requests, events, and URLs that must not lead out of it.
 #include <signal.h>
 #include <sys/stat.h>
 
@@ -105,7 +105,7 @@ TEST_F(Dsmcc, WhatAKilledSimulatorLeftIsRemovedWithTheFirstFile) {
     EXPECT_FALSE(std::filesystem::exists(Received() + "/7"));
 }
 
-TEST_F(Dsmcc, ALinkInPlaceOfTheirDirectoryIsNotFollowed) {
+TEST_F(Dsmcc, ALinkInsteadOfTheirDirectoryIsNotFollowed) {
     std::filesystem::create_directory(mDirectory / "precious");
     WriteFile(mDirectory / "precious/file", "mine");
     std::filesystem::create_directory_symlink(mDirectory / "precious", Received());
@@ -139,7 +139,7 @@ TEST_F(Dsmcc, AFileThatIsNotThereIsMissingAndComesWhenItIsSent) {
     EXPECT_EQ(ReleaseFile(url), 0);
 }
 
-TEST_F(Dsmcc, ANewVersionIsToldToThoseWhoHaveTheFile) {
+TEST_F(Dsmcc, ANewVersionIsReportedToThoseWhoHaveTheFile) {
     Begin();
     Request(kIndex);
     const std::string before = Expect(kArrived, kIndex);
@@ -148,7 +148,7 @@ TEST_F(Dsmcc, ANewVersionIsToldToThoseWhoHaveTheFile) {
     const std::string after = Expect(kChanged, kIndex);
     EXPECT_NE(after, before);
     EXPECT_EQ(ContentOf(after), "hello again");
-    EXPECT_EQ(ContentOf(before), "hello") << "somebody may just be reading it";
+    EXPECT_EQ(ContentOf(before), "hello") << "somebody may be reading it";
     EXPECT_EQ(ReleaseFile(kIndex), 0);
     EXPECT_FALSE(std::filesystem::exists(before));
     EXPECT_FALSE(std::filesystem::exists(after));
@@ -178,7 +178,7 @@ TEST_F(Dsmcc, AFileCanChangeByItself) {
     EXPECT_TRUE(first != second && second != third);
 }
 
-TEST_F(Dsmcc, AFileThatIsReleasedOnItsWayNeverComes) {
+TEST_F(Dsmcc, AFileThatIsReleasedOnItsWayNeverArrives) {
     Begin({{"index.html", "x"},
            {"other.html", "y"},
            {"carousel.json", R"({"delay": "100ms", "files": [{"path": "other.html", "delay": "400ms"}]})"}});
@@ -268,7 +268,7 @@ TEST_F(Dsmcc, NoPathLeadsOutOfTheCarousel) {
     ASSERT_EQ(mkfifo((Carousel() + "/pipe").c_str(), 0600), 0);
     struct Row {
         const char* path;
-        int ret;  // -1: such a URL is refused
+        int ret;  // -1: the URL is refused
     };
     const Row rows[] = {{"../secret", -1},
                         {"dir/../../secret", -1},
@@ -315,7 +315,7 @@ TEST_F(Dsmcc, NoPathLeadsOutOfTheCarousel) {
     Expect(kArrived, literal, "0x1");
 }
 
-TEST_F(Dsmcc, WhatIsNoCarouselUrlIsRefused) {
+TEST_F(Dsmcc, WhatIsNotACarouselUrlIsRefused) {
     Begin();
     for (const std::string url :
          {"", "index.html", "http://1.1.1.17/index.html", "dvb://", "dvb://1.1.1.17", "dvb://1.1.1/index.html",
@@ -347,7 +347,7 @@ TEST_F(Dsmcc, AtMostAThousandFilesAreInUse) {
     EXPECT_EQ(RequestAndWait(kIndex), 0);
 }
 
-TEST_F(Dsmcc, ASideFileThatMakesNoSenseEndsWithCode3AndThePlace) {
+TEST_F(Dsmcc, AnInvalidSideFileExitsWithCode3AndThePlace) {
     std::filesystem::create_directory(Carousel());
     const std::map<std::string, std::string> rows{
         {R"({"delays": "1s"})", "1:12: a carousel has no member \"delays\"; did you mean \"delay\"?"},

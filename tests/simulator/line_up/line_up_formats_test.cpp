@@ -1,4 +1,4 @@
-// Line-ups in any format: which one it is, files that are none, files that were damaged on their way, and the program
+// Line-ups in any format: detecting it, files in none of them, damaged files, and the program
 // with line-ups that other programs wrote.
 #include <gtest/gtest.h>
 
@@ -61,7 +61,7 @@ const char* const kBouquet =
     "#SERVICE 1:0:19:283D:3FB:1:C00000:0:0:0:\n"
     "#SERVICE 1:0:19:283E:3FB:1:C00000:0:0:0:\n";
 
-TEST(LineUpFormat, IsToldByTheContentWhateverTheFileIsCalled) {
+TEST(LineUpFormat, IsDetectedByTheContentWhateverTheFileIsCalled) {
     const ScratchDirectory directory;
     WriteFile(directory / "channels.txt", kPlaylist);
     EXPECT_EQ(ReadingOfFile(directory / "channels.txt").Names(), (Texts{"One", "Two", "Three"}));
@@ -95,7 +95,7 @@ TEST(LineUpFormat, MayHaveNamesOf64KibibytesInEveryForm) {
     EXPECT_EQ(ReadingOfText("eDVB services /5/\ns:1:00c00000:1:1:1:0,\"" + name + "\",p:A\n").Names(), names);
 }
 
-TEST(LineUpFormat, ThatIsNoneIsRefusedWithASentence) {
+TEST(LineUpFormat, ThatIsUnknownIsRefusedWithAMessage) {
     const std::string forms = " begins no line-up: neither JSON ({) nor M3U (#EXTM3U) nor lamedb (eDVB services)";
     const std::map<std::string, std::string> refused{
         {"", "/nowhere/f:1:1: the file is empty"},
@@ -128,12 +128,12 @@ TEST(LineUpFormat, OfAFileThatCannotBeReadIsRefusedWithTheReason) {
 
 constexpr int kRounds = kSanitized ? 400 : 4000;
 
-// By the C library's own decoder.
+// Uses the C library's decoder.
 bool IsUtf8(const std::string& text) {
     return std::mbstowcs(nullptr, text.c_str(), 0) != static_cast<size_t>(-1);
 }
 
-// What holds of every line-up that is not refused.
+// Expects what holds for every line-up that is not refused.
 void ExpectSound(const Reading& reading, const std::string& text) {
     if (!reading.refusal.empty()) return;
     EXPECT_NE(reading.lineUp.First(), nullptr) << text;
@@ -150,7 +150,7 @@ void ExpectSound(const Reading& reading, const std::string& text) {
     for (const auto& list : reading.lineUp.favouriteLists) EXPECT_TRUE(IsUtf8(list.name)) << text;
 }
 
-// A few bytes replaced, removed or put in, and sometimes the end cut off.
+// Returns the text with a few bytes replaced, removed or inserted, and sometimes without its end.
 std::string Damaged(std::string text, std::mt19937& random) {
     static const std::string kBytes("\0\n\r\t \"#,:/=019afpcst\x86\xc3\xff", 24);
     const auto below = [&](size_t end) { return end == 0 ? 0 : random() % end; };
@@ -181,7 +181,7 @@ TEST_P(DamagedLineUp, IsReadOrRefusedButNothingElse) {
         ExpectSound(reading, text);
         readable += reading.refusal.empty();
     }
-    EXPECT_GT(readable, kRounds / 4) << "an odd byte is no reason to refuse a file";
+    EXPECT_GT(readable, kRounds / 4) << "an odd byte is not a reason to refuse a file";
 }
 
 TEST_P(DamagedLineUp, IsReadOrRefusedWhereverItIsCutOff) {

@@ -1,4 +1,4 @@
-// A receiver's lamedb and bouquets: what is read of them, what is used where they are silent, and what is said about
+// A receiver's lamedb and bouquets: what is read from them, the defaults, and the warnings about
 // odd lines. The numbers are those of real services, in hexadecimal as receivers write them.
 #include <gtest/gtest.h>
 
@@ -65,7 +65,7 @@ class Receiver : public testing::Test {
         std::ofstream(mDirectory / file, std::ios::binary) << text;
     }
 
-    // The services with this in bouquets.tv and userbouquet.a.tv.
+    // Returns the services with these texts in bouquets.tv and userbouquet.a.tv.
     Reading ReadingWithBouquet(const std::string& text) {
         Write("lamedb", std::string(kTransponders) + kServices);
         Write("bouquets.tv", "#NAME Bouquets (TV)\n" + Listed("userbouquet.a.tv"));
@@ -77,7 +77,7 @@ class Receiver : public testing::Test {
         return "#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"" + file + "\" ORDER BY bouquet\n";
     }
 
-    // A warning about a line of the bouquet.
+    // Returns the warning about a line of the bouquet.
     std::string AtLine(int line, const std::string& what) const {
         return mDirectory / ("userbouquet.a.tv:" + std::to_string(line) + ": " + what);
     }
@@ -85,7 +85,7 @@ class Receiver : public testing::Test {
     test::ScratchDirectory mDirectory;
 };
 
-TEST(Lamedb, TellsNumbersNamesKindsAndProviders) {
+TEST(Lamedb, HoldsNumbersNamesKindsAndProviders) {
     const Reading reading = ReadingOfServices(kServices);
     EXPECT_EQ(reading.refusal, "");
     EXPECT_EQ(reading.warnings, Texts());
@@ -107,7 +107,7 @@ TEST(Lamedb, TellsNumbersNamesKindsAndProviders) {
     EXPECT_TRUE(reading.lineUp.favouriteLists.empty());
 }
 
-TEST(Lamedb, TellsWhereAServiceIsReceived) {
+TEST(Lamedb, HoldsWhereAServiceIsReceived) {
     const LineUp lineUp = ReadingOfServices(kServices).lineUp;
     struct Place {
         IdType delivery;
@@ -153,7 +153,7 @@ TEST(Lamedb, TakesTheSecondGenerationAndPlacesFromTheNumbers) {
     EXPECT_EQ(lineUp.services[5]->network->position, "180E");
 }
 
-TEST(Lamedb, TellsComponentsByCachedPidsAndByTheServiceType) {
+TEST(Lamedb, HoldsComponentsByCachedPidsAndByTheServiceType) {
     const LineUp lineUp = ReadingOfServices(kServices).lineUp;
     ASSERT_EQ(lineUp.services.size(), 6u);
     EXPECT_EQ(ComponentsOf(*lineUp.services[0]), (Texts{"video 1 5101 AVC_HD_25", "audio 2 5102 MPEG1_L2 und",

@@ -1,4 +1,4 @@
-// M3U playlists: what is read of them, what is used where they are silent, and what is said about odd lines.
+// M3U playlists: what is read from them, the defaults, and the warnings about odd lines.
 #include <gtest/gtest.h>
 
 #include "line_up/line_up_reading.h"
@@ -25,7 +25,7 @@ const char* const kPlaylist =
     "#EXTINF:-1 radio=\"true\" tvg-name=\"Dlf\",\n"
     "https://radio.example/dlf.mp3\n";
 
-TEST(M3u, TellsNamesNumbersLogosGroupsAndWhatIsRadio) {
+TEST(M3u, HoldsNamesNumbersLogosGroupsAndWhatIsRadio) {
     const Reading reading = ReadingOfText(kPlaylist);
     EXPECT_EQ(reading.refusal, "");
     EXPECT_EQ(reading.warnings, Texts());
@@ -48,7 +48,7 @@ TEST(M3u, TellsNamesNumbersLogosGroupsAndWhatIsRadio) {
     EXPECT_EQ(reading.lineUp.services[2]->type, ChannelType::Radio);
 }
 
-TEST(M3u, GivesWhatItCannotSayTheDocumentedValue) {
+TEST(M3u, UsesTheDocumentedValueForWhatItCannotExpress) {
     const Reading reading = ReadingOfText(kPlaylist);
     ASSERT_EQ(reading.lineUp.services.size(), 3u);
     const Service& tv = *reading.lineUp.services[0];

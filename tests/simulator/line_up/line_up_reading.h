@@ -1,4 +1,4 @@
-// Reading a line-up in a test: what came of it, what was warned of, and the refusal if there was one.
+// Reading of a line-up in a test: the result, the warnings and the reason for a refusal.
 #pragma once
 
 #include <string>
@@ -14,7 +14,7 @@ struct Reading {
     std::vector<std::string> warnings;
     std::string refusal;
 
-    // Their names in their order.
+    // Returns the names of the services in order.
     std::vector<std::string> Names() const {
         std::vector<std::string> names;
         for (const auto& service : lineUp.services) names.push_back(service->name);
@@ -39,7 +39,7 @@ Reading ReadingOf(const Read& read) {
     return reading;
 }
 
-// Of a text that lies in no directory.
+// Reads a text that is not in a file.
 inline Reading ReadingOfText(const std::string& text) {
     return ReadingOf([&](const FileWarning& warn) { return ParseAnyLineUp(text, "/nowhere/f", warn); });
 }
@@ -48,7 +48,7 @@ inline Reading ReadingOfFile(const std::string& path) {
     return ReadingOf([&](const FileWarning& warn) { return ReadLineUp(path, warn); });
 }
 
-// "video 1 5101 AVC_HD_25", "audio 2 0 AC3 und encrypted", in their order.
+// Returns the components in order: "video 1 5101 AVC_HD_25", "audio 2 0 AC3 und encrypted".
 inline std::vector<std::string> ComponentsOf(const Service& service) {
     static const char* const kTypes[] = {"video", "audio", "subtitle"};
     std::vector<std::string> texts;

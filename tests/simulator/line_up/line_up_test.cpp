@@ -1,4 +1,4 @@
-// Reading of line-ups: the default one, and a sentence with line and column for everything that can be wrong.
+// Reading of line-ups: the default one, and a message with line and column for everything that can be wrong.
 #include "television/line_up/line_up.h"
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ std::string FileWith(const std::string& favouriteLists) {
     return text;
 }
 
-// The sentence with which the text is refused, without place; empty when it is not.
+// Returns the message with which the text is refused, without its place; empty when it is accepted.
 std::string Refusal(const std::string& text) {
     try {
         ParseLineUp(text, "f");
@@ -119,7 +119,7 @@ TEST(LineUpFile, GivesWhatIsLeftOutItsUsualValue) {
     EXPECT_TRUE(lineUp.favouriteLists.empty());
 }
 
-TEST(LineUpFile, SaysWhatChannelsTellAboutAService) {
+TEST(LineUpFile, HoldsWhatChannelsReturnAboutAService) {
     const LineUp lineUp = ParseLineUp(
         File(Service(R"("longName": "The A", "description": "First", "genres": ["News", "Sport"], "hidden": true,
                         "logo": "http://a/a.png", "frequency": 11493750, "programmeId": "a.tv", )")),

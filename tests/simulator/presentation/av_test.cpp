@@ -29,7 +29,7 @@ struct ComponentFact {
     Json::Value picture, sound, subtitle;
 };
 
-TEST_F(AvComponents, TellWhatTheLineUpSaysOfThem) {
+TEST_F(AvComponents, ReturnWhatTheLineUpSaysAboutThem) {
     const std::string vb = Presenting(1);
     const std::string picture = Component(vb, kVideo, 0);
     const std::string sound = Component(vb, kAudio, 0);
@@ -52,7 +52,7 @@ TEST_F(AvComponents, TellWhatTheLineUpSaysOfThem) {
     }
 }
 
-TEST_F(AvComponents, MadeByAClientTellTheirDescription) {
+TEST_F(AvComponents, CreatedByAClientReturnTheirDescription) {
     const std::string made = HandleOf(NewObject(), "video_broadcast.CreateAudioComponent",
                                       {{"componentTag", -1},
                                        {"language", "ita"},
@@ -121,7 +121,7 @@ class AvControl : public SimulatorFixture {
     }
 };
 
-TEST_F(AvControl, KeepsWhatTheBrowserTellsOfEachTypeInEitherForm) {
+TEST_F(AvControl, StoresWhatTheBrowserReportsForEachTypeInEitherForm) {
     EXPECT_EQ(Tell("components"), "error: the browser has not told of any");
     EXPECT_EQ(Ret("ComponentUpdate", Update(1, {Item(1, "HEAAC", "deu", 3, true), Item(1, "AC3", "fra", 4, false)}, 0)),
               0);

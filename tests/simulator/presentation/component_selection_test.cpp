@@ -14,7 +14,7 @@ struct Choice {
     const char* has;  // "deu fra deu+": components in these languages, + with audio description or for the impaired
     const char* preferred;
     bool aided;
-    int place;  // of the one that is chosen, -1 for none
+    int place;  // of the chosen component, -1 for none
 };
 
 class UsualComponent : public testing::Test {

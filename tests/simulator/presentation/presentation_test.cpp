@@ -46,7 +46,7 @@ TEST_F(Presentation, TheVolumeIsKeptPerObjectAndRefusedAbove100) {
     EXPECT_EQ(GetOf(second, "GetVolume").asUInt(), before);
 }
 
-TEST_F(Presentation, FullScreenIsKeptAndSaidOnceWhenItChanges) {
+TEST_F(Presentation, FullScreenIsStoredAndReportedOnceWhenItChanges) {
     const std::string vb = NewObject();
     EXPECT_EQ(GetOf(vb, "GetFullScreen"), false);
     EXPECT_EQ(RetOf(vb, "SetFullScreen", {{"fullscreen", true}}), 0);

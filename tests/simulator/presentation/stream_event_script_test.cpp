@@ -1,4 +1,4 @@
-// Stream events from a file: which come, to whom, with what in them, and which files are refused.
+// Stream events from a file: which ones come to which listener, their contents, and files that are refused.
 #include "presentation/video_broadcast_fixture.h"
 
 namespace hbbtv::test {
@@ -21,7 +21,7 @@ class StreamEventScripts : public VideoBroadcastFixture {
 
     int StopListening(const std::string& name) { return Listen(name, kUrl, "RemoveStreamEventListener"); }
 
-    // "name data text status" of the next event.
+    // Returns "name data text status" of the next event.
     std::string Next() {
         const Event next = NextEventOf("video_broadcast");
         EXPECT_EQ(next.name, "TOLM_VB_EVENT_STREAM_EVENT");
@@ -44,7 +44,7 @@ TEST_F(StreamEventScripts, ComeInTheirTimeWithDataInHexadecimalAndTextInUtf8) {
         " {\"at\": \"120ms\", \"name\": \"quiz\", \"data\": \"00\", \"text\": \"zero\"},"
         " {\"at\": \"180ms\", \"name\": \"quiz\"}]");
     EXPECT_EQ(Listen("quiz"), 0);
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent quiz [4a6fff21] [Jo!] trigger") << "what is no UTF-8 is left out";
+    EXPECT_EQ(Next(), "dvb://1.1.1/sevent quiz [4a6fff21] [Jo!] trigger") << "what is not UTF-8 is left out";
     EXPECT_EQ(Next(), "dvb://1.1.1/sevent quiz [4bc3b66c6e] [K\xc3\xb6ln] trigger");
     EXPECT_EQ(Next(), "dvb://1.1.1/sevent quiz [00] [zero] trigger");
     EXPECT_EQ(Next(), "dvb://1.1.1/sevent quiz [] [] trigger");
@@ -69,7 +69,7 @@ TEST_F(StreamEventScripts, ThatRepeatComeAgainAndAgain) {
     EXPECT_EQ(StopListening("clock"), 0);
     EventsSoFar(mVb);
     EXPECT_EQ(Listen("other"), 0);
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent other [7469636b] [tick] trigger") << "the script began anew";
+    EXPECT_EQ(Next(), "dvb://1.1.1/sevent other [7469636b] [tick] trigger") << "the script started again";
 }
 
 TEST_F(StreamEventScripts, OfStatusErrorEndTheirListeners) {
@@ -92,7 +92,7 @@ TEST_F(StreamEventScripts, EndWithTheServiceAndBeginAgainWithTheNextListener) {
     EXPECT_EQ(Next(), "dvb://1.1.1/sevent a [6669727374] [first] trigger");
 }
 
-TEST_F(StreamEventScripts, ThatMakeNoSenseEndTheProgramWithCode3AndThePlace) {
+TEST_F(StreamEventScripts, ThatAreInvalidExitWithCode3AndThePlace) {
     const std::string path = mDirectory / "events.json";
     const std::map<std::string, std::string> rows{
         {"{}", ":1:1: the stream events are written as a list"},

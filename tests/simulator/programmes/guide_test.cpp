@@ -1,4 +1,4 @@
-// Guides: made-up programmes and listed ones behind the same questions.
+// Guides with generated and with listed programmes.
 #include "television/programmes/guide.h"
 
 #include <gtest/gtest.h>

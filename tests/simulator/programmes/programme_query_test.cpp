@@ -1,4 +1,4 @@
-// What queries find among programmes that are written down here: every property, every comparison, the operators, and
+// What queries find among the programmes below: every property, every comparison, the operators, and
 // what is refused.
 #include "television/programmes/programme_query.h"
 
@@ -59,7 +59,7 @@ class Queries : public testing::Test {
         mProgrammes.push_back(programme);
     }
 
-    // The first letters of the programmes that fit: "NKOÖ" is all.
+    // Returns the first letters of the matching programmes: "NKOÖ" is all.
     std::string Found(const ProgrammeQuery::Shared& query) const {
         std::string found;
         for (const auto& programme : mProgrammes) {
@@ -172,7 +172,7 @@ TEST_F(Queries, MayCombineAQueryWithItselfUntilItIsTooLarge) {
     EXPECT_THROW(Not(query), Refused);
 }
 
-TEST_F(Queries, RefuseWhatIsNoFieldNoComparisonAndNoNumber) {
+TEST_F(Queries, RefuseInvalidFieldsComparisonsAndNumbers) {
     for (const char* field : {"", "name", "Programme.", "Programme.Name", "programme.name", "Programme.name ",
                               "Programme.colour", "Channel.name"}) {
         EXPECT_THROW(Compare(field, kEqual, "x"), Refused) << field;

@@ -1,4 +1,4 @@
-// A search by itself, step by step, in a guide that is written down here; and how long a large guide takes.
+// A search alone, step by step, in the guide below; and how long a large guide takes.
 #include "television/programmes/programme_search.h"
 
 #include <gtest/gtest.h>
@@ -210,7 +210,7 @@ TEST_F(Searching, IsIdleAgainWhenWhatIsLookedForChanges) {
     EXPECT_EQ(Found(*search), "a4 a1 b5 b2 a6 a3") << "after Abort nothing is left of what was looked for";
 }
 
-TEST_F(Searching, TakesTheLastPageThatWasAskedForAndTellsOnce) {
+TEST_F(Searching, ReturnsTheLastRequestedPageAndReportsOnce) {
     const auto search = New();
     search->SetQuery(Named("a"));
     search->Ask(0, 1, 0);
@@ -257,7 +257,7 @@ TEST_F(LargeGuide, OfAHundredThousandProgrammesIsSearchedWithinASecondInShortSte
     EXPECT_EQ(search->Item(9)->name, "Programme 7777 of 9");
 }
 
-TEST_F(LargeGuide, GivesNoMoreResultsThanTheWireCanSay) {
+TEST_F(LargeGuide, ReturnsNoMoreResultsThanTheWireCanExpress) {
     const auto search = New();
     search->Ask(65530, 4294967295u, 0);
     Finish(*search);

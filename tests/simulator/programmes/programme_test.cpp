@@ -28,7 +28,7 @@ class Programmes : public ProgrammeFixture {
     }
 };
 
-TEST_F(Programmes, TellWhatTheFileSays) {
+TEST_F(Programmes, ReturnWhatTheFileSays) {
     StartWith(kProgrammes);
     const std::string programme = ProgrammeOf(Presenting(1), 0);
     EXPECT_EQ(GetOf(programme, "GetName"), "Long Day - The Start");
@@ -94,7 +94,7 @@ TEST_F(Programmes, KeepWhatClientsSetAndStayWhereTheyAre) {
     EXPECT_EQ(GetOf(again, "GetProgramIDType"), 2);
 }
 
-// Those that nobody has changed are forgotten in the meantime, and made again when they are asked for.
+// Programmes that nobody has changed are discarded in the meantime and generated again when they are requested.
 TEST_F(Programmes, KeepWhatClientsSetWhenThousandsOfDaysAreMadeUp) {
     constexpr int kServices = 500;
     mLineUp = LineUpOf(kServices);
@@ -113,7 +113,7 @@ TEST_F(Programmes, KeepWhatClientsSetWhenThousandsOfDaysAreMadeUp) {
     EXPECT_TRUE(WaitFor([&] { return GetOf(results, "search_manager.SearchResults_GetTotalSize") == 1; }));
 }
 
-TEST_F(Programmes, RefuseWhatMakesNoSense) {
+TEST_F(Programmes, RefuseInvalidValues) {
     StartWith(kProgrammes);
     const std::string programme = ProgrammeOf(Presenting(1), 0);
     EXPECT_EQ(RetOf(programme, "SetDuration", {{"in_duration", -1}}), -1);
@@ -144,7 +144,7 @@ TEST_F(Programmes, AreReleasedByEitherFormAndRefusedThen) {
     EXPECT_EQ(GetOf(ProgrammeOf(vb, 0), "GetName"), "Long Day - The Start");
 }
 
-TEST_F(Programmes, GiveTheirDescriptorsByteByByte) {
+TEST_F(Programmes, ReturnTheirDescriptorsByteByByte) {
     StartWith(kProgrammes);
     const std::string programme = ProgrammeOf(Presenting(1), 0);
     ASSERT_EQ(GetOf(programme, "GetSIDescriptorNum"), 6);
@@ -178,7 +178,7 @@ TEST_F(Programmes, GiveTheirDescriptorsByteByByte) {
     EXPECT_EQ(RetOf(programme, "GetSIDescriptorByIndex", {{"in_index", 4294967295u}}), -1);
 }
 
-TEST_F(Programmes, GiveOnlyTheDescriptorsOfATagOnceItIsAskedFor) {
+TEST_F(Programmes, ReturnOnlyTheDescriptorsOfARequestedTag) {
     StartWith(kProgrammes);
     const std::string vb = Presenting(1);
     const std::string programme = ProgrammeOf(vb, 0);
@@ -206,7 +206,7 @@ TEST_F(Programmes, GiveOnlyTheDescriptorsOfATagOnceItIsAskedFor) {
     EXPECT_EQ(GetOf(ProgrammeOf(vb, 0), "GetSIDescriptorNum"), 6) << "it was asked with a handle that is gone";
 }
 
-TEST_F(Programmes, MakeTheirDescriptorsOfWhatClientsSet) {
+TEST_F(Programmes, BuildTheirDescriptorsFromWhatClientsSet) {
     StartWith(kProgrammes);
     const std::string programme = ProgrammeOf(Presenting(1), 1);
     EXPECT_EQ(RetOf(programme, "SetName", {{"in_name", "\xc3\xa9"}}), 0);

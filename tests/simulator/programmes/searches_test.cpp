@@ -1,4 +1,4 @@
-// Searches over the wire: every operation, the states that events tell, pages, and what is refused.
+// Searches over the wire: every operation, the states in events, pages, and what is refused.
 #include <ctime>
 
 #include "programmes/search_fixture.h"
@@ -141,7 +141,7 @@ TEST_F(Searches, FindTheProgrammesOfAChannelFromATimeOn) {
     EXPECT_EQ(found(4294967295.0, 9), "");
 }
 
-TEST_F(Searches, RefuseTimesAndCountsThatAreNone) {
+TEST_F(Searches, RefuseInvalidTimesAndCounts) {
     const std::string one = ChannelOf(1);
     for (const double time : {-1.0, 0.5, 4294967296.0, 1e300}) EXPECT_EQ(FindFrom(mSearch, one, time, 1), -1) << time;
     EXPECT_EQ(FindFrom(mSearch, one, "1767636000", 1), -1);
@@ -163,7 +163,7 @@ TEST_F(Searches, AreIdleAgainWhenTheirQueryChangesOrTheyAreAborted) {
     EXPECT_EQ(RetOf(mResults, "SearchResults_Abort"), 0);
     EXPECT_EQ(NextState(), "3");
     EXPECT_EQ(Titles(mResults), "");
-    EXPECT_EQ(RetOf(mResults, "SearchResults_Abort"), 0) << "nothing to abort, nothing to tell";
+    EXPECT_EQ(RetOf(mResults, "SearchResults_Abort"), 0) << "nothing to abort, so no event";
     EXPECT_EQ(GetResults(mResults), 0);
     EXPECT_EQ(NextState(), "0");
     EXPECT_EQ(TotalSize(mResults), 7u) << "Abort took the query away";
@@ -197,7 +197,7 @@ TEST_F(Searches, DoNotDisturbEachOther) {
     EXPECT_EQ(Titles(mResults), "Evening News, Late News");
 }
 
-TEST_F(Searches, TellOnlyThoseWhoRegistered) {
+TEST_F(Searches, SendEventsOnlyToThoseWhoRegistered) {
     const std::string silent = NewManager(false);
     const std::string search = NewSearch(silent);
     const std::string results = HandleOf(search, "MetaSearch_GetResult");
@@ -269,7 +269,7 @@ TEST_F(Searches, RefuseHandlesOfAnotherKind) {
     ExpectOtherCodesRefused("search_manager", mSearch);
 }
 
-TEST_F(Searches, RefuseQueriesThatMakeNoSense) {
+TEST_F(Searches, RefuseInvalidQueries) {
     const auto refused = [this](const char* field, const Json::Value& comparison, const Json::Value& value) {
         const Members members{{"field", field}, {"comp", comparison}, {"value", value}};
         EXPECT_EQ(RetOf(mSearch, "MetaSearch_CreateQuery", members), -1)
@@ -308,7 +308,7 @@ TEST_F(Searches, OfAQueryWithinItselfHaveAnEnd) {
     EXPECT_EQ(RetOf(query, "Query_Release"), 0);
 }
 
-// A programme every minute, by turns on One and on Two, so many that a search takes a while.
+// Returns a programme for every minute, alternating between One and Two, so many that a search takes a while.
 std::string ManyProgrammes(int count) {
     const auto time = [](int minute) {
         const std::time_t seconds = kSixOClock + 60 * static_cast<std::time_t>(minute);
@@ -333,7 +333,7 @@ class LongSearches : public Searches {
 
     void SetUp() override { StartSearching(ManyProgrammes(kCount)); }
 
-    // One that looks at every programme often.
+    // Returns a query that looks at every programme often.
     std::string SlowQuery() {
         std::string query = Query("Programme.longDescription", kContains, "a text that is not there");
         for (int i = 0; i < 8; ++i) query = Or(query, query);
@@ -368,7 +368,7 @@ TEST_F(LongSearches, EndSilentlyWhenTheyAreDestroyed) {
     EXPECT_EQ(TotalSize(results), 11u) << "4711 and 47110 to 47119";
 }
 
-TEST_F(LongSearches, GiveNoMoreResultsThanTheWireCanSay) {
+TEST_F(LongSearches, ReturnNoMoreResultsThanTheWireCanExpress) {
     EXPECT_EQ(GetResults(mResults, 65535, 4294967295u), 0);
     EXPECT_EQ(NextState(), "0");
     EXPECT_EQ(TotalSize(mResults), 65536u);

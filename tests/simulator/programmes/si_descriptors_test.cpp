@@ -14,7 +14,7 @@ class Descriptors : public testing::Test {
   protected:
     Descriptors() { mProgramme->language = "eng"; }
 
-    // Those of a tag.
+    // Returns the descriptors of a tag.
     Texts Of(int tag) const {
         Texts found;
         for (const std::string& descriptor : DescriptorsOf(*mProgramme)) {
@@ -29,7 +29,7 @@ class Descriptors : public testing::Test {
     std::shared_ptr<Programme> mProgramme = MakeProgramme(mService, {0, 60}, 1);
 };
 
-// A text with zero bytes.
+// Returns a string with zero bytes.
 template <size_t N>
 std::string Bytes(const char (&text)[N]) {
     return std::string(text, N - 1);

@@ -1,4 +1,4 @@
-// What a guide has of a service, as a list.
+// The programmes that a guide has for a service, as a list.
 #pragma once
 
 #include "television/programmes/guide.h"

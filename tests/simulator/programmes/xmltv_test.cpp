@@ -1,4 +1,4 @@
-// XMLTV files: what is read of them, times and time zones, odd programmes, and files that cannot be used.
+// XMLTV files: what is read from them, times and time zones, odd programmes, and files that cannot be used.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -43,7 +43,7 @@ class Xmltv : public testing::Test {
         }
     }
 
-    // The programmes of a service: "Title 100+50" with start and duration.
+    // Returns the programmes of a service: "Title 100+50" with start and duration.
     Texts Of(int sid) {
         Texts texts;
         if (!mGuide) return {mRefusal};
@@ -53,7 +53,7 @@ class Xmltv : public testing::Test {
         return texts;
     }
 
-    // The one programme of a file in which it says this.
+    // Returns the only programme of a file with these members.
     std::shared_ptr<Programme> Only(const std::string& content) {
         Read("<tv><programme channel=\"one.tv\" start=\"19700101000100\" stop=\"19700101000200\"><title>T</title>" +
              content + "</programme></tv>");
@@ -216,7 +216,7 @@ TEST(XmltvTimes, AreReadWithTheirZones) {
     }
 }
 
-TEST(XmltvTimes, ThatAreNoneAreRefused) {
+TEST(XmltvTimes, ThatAreInvalidAreRefused) {
     const std::string form = "is no time like 20260131201500 +0100";
     const std::string range = "is not within the years 1970 to 2038";
     const std::string none = "is no date and time that exists";
@@ -291,7 +291,7 @@ TEST_F(Xmltv, GivesProgrammesThatStartInTheSameMinuteDifferentIds) {
 
 // --- Odd programmes
 
-TEST_F(Xmltv, SkipsWhatCannotBeUsedAndSaysWhere) {
+TEST_F(Xmltv, SkipsWhatCannotBeUsedAndReportsWhere) {
     const std::string good = Row("Good", "19700101000100", "19700101000200");
     for (const auto& [bad, warning] : std::map<std::string, std::string>{
              {"<programme start=\"19700101\"><title>T</title></programme>",
@@ -321,7 +321,7 @@ TEST_F(Xmltv, NamesAFewOfTheChannelsThatAreNotReceived) {
               Texts{"f: channels that are no service of the line-up, 7: \"c1\", \"c2\", \"c3\", \"c4\", \"c5\", ..."});
 }
 
-TEST_F(Xmltv, TellsAThousandWarningsAndCountsTheOthers) {
+TEST_F(Xmltv, ReportsAThousandWarningsAndCountsTheOthers) {
     std::string text = "<tv>" + Row("A", "19700101");
     for (int i = 0; i < 1003; ++i) text += Row("B", "x");
     Read(text + "</tv>");
@@ -342,7 +342,7 @@ TEST_F(Xmltv, LeavesEntitiesOfADocumentTypeAsTheyStand) {
 
 // --- Files that cannot be used
 
-TEST_F(Xmltv, RefusesWhatIsNoXmltv) {
+TEST_F(Xmltv, RefusesWhatIsNotXmltv) {
     const std::string nothing = "f: no programme is on a service of the line-up";
     for (const auto& [text, refusal] : std::map<std::string, std::string>{
              {"", "f:1: is no XML: No document element found"},
