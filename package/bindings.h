@@ -29,9 +29,12 @@ class EventSink {
   public:
     virtual ~EventSink() = default;
 
-    // Called on any thread. Returns the results of the method as an array; ignored if it has none. An empty
-    // array leaves the caller of a result callback without an answer; null fails the call as if this process had ended.
+    // Called on any thread. Returns the results of the method as an array; ignored if it has none.
     virtual Json::Value Take(const char* interface, const char* method, Json::Value arguments) = 0;
+
+    // Returned by Take() instead, for a client that calls no result callback, or whose process has just ended.
+    static Json::Value NoAnswer() { return false; }
+    static Json::Value Died() { return Json::Value(); }
 };
 
 // For calls without callback objects.
@@ -152,15 +155,15 @@ Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Val
 // Calls the result callback of a method with what a sink returned.
 template <typename... R>
 Return<void> AnswerTo(const std::function<void(R...)>& callback, const Json::Value& results) {
-    if (results.isNull()) return android::hardware::Status::fromStatusT(android::DEAD_OBJECT);
-    if (results.empty()) return {};
+    if (results == EventSink::Died()) return android::hardware::Status::fromStatusT(android::DEAD_OBJECT);
+    if (results == EventSink::NoAnswer()) return {};
     return AnswerTo(callback, results, std::index_sequence_for<R...>{});
 }
 
 // The answer of a method without a result callback, from what a sink returned.
 template <typename T>
 Return<T> AnswerWith(const Json::Value& results) {
-    if (results.isNull()) return android::hardware::Status::fromStatusT(android::DEAD_OBJECT);
+    if (results == EventSink::Died()) return android::hardware::Status::fromStatusT(android::DEAD_OBJECT);
     if constexpr (std::is_void_v<T>) {
         return {};
     } else {

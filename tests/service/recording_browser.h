@@ -35,7 +35,7 @@ class Browser : public Recorder {
             mReleased.wait(lock, [this] { return !mHanging; });
         }
         if (mBeforeReturning) mBeforeReturning();
-        if (dead) return Json::Value();
+        if (dead) return Died();
         const std::string name = method;
         Json::Value results(Json::arrayValue);
         results.append(status.load());
@@ -43,7 +43,7 @@ class Browser : public Recorder {
         if (name == "GetRenderProcessId") results.append(-12);
         if (name == "Ping") results.append(-13);
         if (name == "GetXmlFile") results.append("<a/>");
-        return silent && results.size() > 1 ? Json::Value(Json::arrayValue) : results;
+        return silent && results.size() > 1 ? NoAnswer() : results;
     }
 
   private:

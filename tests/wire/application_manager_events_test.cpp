@@ -9,9 +9,10 @@
 
 #include "ipc/src/plugin/tolm_apm_adaptor_ipc.h"
 #include "log_capture.h"
-#include "protocol_file.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
+#include "wire/endpoint.h"
 
 namespace hbbtv::test {
 
@@ -96,7 +97,7 @@ class ApplicationManagerEvents : public ::testing::Test {
         EXPECT_EQ(Adaptor().UnRegisterAIPEventCallback(event, Context(context)), 0);
     }
 
-    std::string ServedSocket() const { return mDirectory / "service_hbbtv_to_plugin_apm"; }
+    std::string ServedSocket() const { return mDirectory / EventsOf(UnderTest().Wire()).socket; }
 
     // One-way events on one connection, and what the functions got by the time they were handled.
     Lines Send(const Lines& events) const {
@@ -290,7 +291,7 @@ TEST_F(ApplicationManagerEvents, LetAFunctionTakeItselfBackAndStillReachAllConte
 }
 
 TEST_F(ApplicationManagerEvents, LetAFunctionMakeRequests) {
-    const FakePlatform platform("service_plugin_to_hbbtv_apm", R"({"ret": 0, "appid": 501, "orgid": 502})");
+    const FakePlatform platform(UnderTest().Socket(), R"({"ret": 0, "appid": 501, "orgid": 502})");
     Register(1, ToAIPEventCallback(AskInHandler), 9);
     EXPECT_EQ(Send({kEvent}), (Lines{"asked 1 501 502 0x9"}));
 }
@@ -333,7 +334,7 @@ TEST_F(ApplicationManagerEvents, ComeWhileRegistrationsChange) {
 }
 
 TEST_F(ApplicationManagerEvents, AreThoseOfTheProtocol) {
-    const Json::Value protocol = ReadProtocolFile("application_manager");
+    const Json::Value& protocol = UnderTest().Wire().protocol;
     EXPECT_EQ(protocol["event_envelope"].size(), 1u);
     EXPECT_EQ(protocol["event_envelope"]["code"]["key"].asString(), "t");
     Lines events;

@@ -8,6 +8,7 @@
 #include "lenient_readings.h"
 #include "log_capture.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
 #include "wire_texts.h"
 #include "written_json.h"
@@ -67,7 +68,7 @@ class ApplicationManagerRequests : public ::testing::Test {
 
     ScratchDirectory mDirectory;
     LogCapture mLog;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_apm", "{\"ret\": 0}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0}"};
 };
 
 std::string Member(const std::string& key, const std::string& json) {

@@ -4,6 +4,7 @@
 
 #include "ipc/src/plugin/tolm_av_component_adaptor_ipc.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
 
 namespace hbbtv::test {
@@ -19,7 +20,7 @@ class AVComponentRequests : public ::testing::Test {
     ~AVComponentRequests() override { Adaptor::DeleteInstance(); }
 
     ScratchDirectory mDirectory;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_av_com", "{\"ret\": 0}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0}"};
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "event_rows.h"
 #include "ipc/src/plugin/tolm_av_control_adaptor_ipc.h"
 #include "lenient_readings.h"
+#include "rows.h"
 
 namespace hbbtv::test {
 
@@ -70,17 +71,9 @@ const EventMemberRow kMembers[] = {
 }  // namespace
 
 const EventFamily& EventsUnderTest() {
-    static const EventFamily family{"av_control",
-                                    "[ipc_avcontrol]",
-                                    "tolm_av_control_adaptor_ipc.cpp",
-                                    [] { Adaptor::GetInstance(); },
-                                    &Adaptor::DeleteInstance,
-                                    &Register,
-                                    kProtocol[0].event,
-                                    kProtocol[0].received,
-                                    "3 callback is null",
-                                    "Could not be called here",
-                                    "1 1 1"};
+    static const EventFamily family{
+        [] { Adaptor::GetInstance(); }, &Register, kProtocol[0].event, kProtocol[0].received, "3 callback is null",
+        "Could not be called here",     "1 1 1"};
     return family;
 }
 
@@ -99,7 +92,7 @@ TEST_F(Events, ThePlatformIsNotToldWhoReceivesThem) {
     EXPECT_EQ(Send({kProtocol[0].event}), (std::vector<std::string>{"first 1 2 5"}));
     EXPECT_EQ(Unregister(), 0);
     EXPECT_EQ(Send({kProtocol[0].event}), std::vector<std::string>{});
-    FakePlatform platform("service_plugin_to_hbbtv_av_ctrl", "{\"ret\": 0}");
+    FakePlatform platform(UnderTest().Socket(), "{\"ret\": 0}");
     EXPECT_EQ(Register(Receiver::kFirst), 0);
     EXPECT_EQ(Unregister(), 0);
     EXPECT_EQ(platform.Connections(), 0);

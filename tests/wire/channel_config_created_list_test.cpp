@@ -6,6 +6,7 @@
 
 #include "ipc/src/plugin/tolm_channel_config_adaptor_ipc.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
 #include "written_json.h"
 
@@ -34,7 +35,7 @@ class CreatedChannelList : public ::testing::Test {
     }
 
     ScratchDirectory mDirectory;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_vb_chn_config", "{\"ret\": 0, \"list\": \"0x5a20\"}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0, \"list\": \"0x5a20\"}"};
 };
 
 }  // namespace

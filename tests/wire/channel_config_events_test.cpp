@@ -72,17 +72,9 @@ const EventRow kForms[] = {
 }  // namespace
 
 const EventFamily& EventsUnderTest() {
-    static const EventFamily family{"channel_config",
-                                    "[ipc_videobroadcast]",
-                                    "tolm_channel_config_adaptor_ipc.cpp",
-                                    [] { Adaptor::GetInstance(); },
-                                    &Adaptor::DeleteInstance,
-                                    &Register,
-                                    kProtocol[0].event,
-                                    kProtocol[0].received,
-                                    "",
-                                    "Could not be called here",
-                                    "0 65 0x80c0ffee"};
+    static const EventFamily family{
+        [] { Adaptor::GetInstance(); }, &Register,        kProtocol[0].event, kProtocol[0].received, "",
+        "Could not be called here",     "0 65 0x80c0ffee"};
     return family;
 }
 

@@ -6,6 +6,7 @@
 
 #include "ipc/src/plugin/tolm_channel_adaptor_ipc.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
 
 namespace hbbtv::test {
@@ -23,7 +24,7 @@ class ChannelRequests : public ::testing::Test {
     Channel& Adaptor() { return *Channel::GetInstance(); }
 
     ScratchDirectory mDirectory;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_vb_chn", "{\"ret\": 0}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0}"};
 };
 
 }  // namespace

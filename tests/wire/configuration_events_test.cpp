@@ -128,11 +128,7 @@ const EventMemberRow kMembers[] = {
 }  // namespace
 
 const EventFamily& EventsUnderTest() {
-    static const EventFamily family{"configuration",
-                                    "[ipc_configure]",
-                                    "tolm_configuration_adaptor_ipc.cpp",
-                                    [] { Adaptor::GetInstance(); },
-                                    &Adaptor::DeleteInstance,
+    static const EventFamily family{[] { Adaptor::GetInstance(); },
                                     &Register,
                                     kProtocol[8].event,
                                     kProtocol[8].received,

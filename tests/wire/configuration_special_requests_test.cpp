@@ -6,9 +6,10 @@
 #include "ipc/src/plugin/tolm_configuration_adaptor_ipc.h"
 #include "lenient_readings.h"
 #include "log_capture.h"
-#include "protocol_file.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
+#include "wire/endpoint.h"
 #include "written_json.h"
 
 namespace hbbtv::test {
@@ -35,7 +36,7 @@ class ConfigurationRequests : public ::testing::Test {
 
     ScratchDirectory mDirectory;
     LogCapture mLog;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_conf", "{\"ret\": 0}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0}"};
 };
 
 // A reply with this number, and the members "k0" to "k<members - 1>" with their own numbers.
@@ -125,7 +126,7 @@ TEST_F(ConfigurationRequests, FunctionsThatNoEventCallsAreKeptInSilence) {
     EXPECT_EQ(lines, (std::vector<std::string>{"SetDeviceResolutionCallback ENTER", "SetDeviceResolutionCallback LEAVE",
                                                "SetDNTValueCallback ENTER", "SetDNTValueCallback LEAVE"}));
     EXPECT_EQ(mPlatform.Connections(), 0);
-    RawConnection events = RawConnection::To(mDirectory / "service_hbbtv_to_plugin_conf");
+    RawConnection events = RawConnection::To(mDirectory / EventsOf(UnderTest().Wire()).socket);
     for (const char* event : {R"({"event": 0, "w": 1, "h": 2})", R"({"event": 9, "do_not_track_policy": 1})"}) {
         ASSERT_TRUE(events.Write(FrameBytes(kOneWay, 12, event)));
     }
@@ -134,7 +135,7 @@ TEST_F(ConfigurationRequests, FunctionsThatNoEventCallsAreKeptInSilence) {
 }
 
 TEST_F(ConfigurationRequests, SilentOperationsAreNamedByTheProtocol) {
-    const Json::Value protocol = ReadProtocolFile("configuration");
+    const Json::Value& protocol = UnderTest().Wire().protocol;
     std::vector<std::string> names;
     for (const Json::Value& operation : protocol["silent_operations"]) names.push_back(operation["name"].asString());
     EXPECT_EQ(names, (std::vector<std::string>{"SetDeviceResolutionCallback", "SetDNTValueCallback"}));

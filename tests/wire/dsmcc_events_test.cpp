@@ -4,7 +4,7 @@
 #include "event_rows.h"
 #include "ipc/src/dsmcc/tolm_dsmcc_adaptor_ipc.h"
 #include "lenient_readings.h"
-#include "protocol_file.h"
+#include "rows.h"
 #include "wire_texts.h"
 #include "written_json.h"
 
@@ -15,7 +15,6 @@ namespace {
 using Adaptor = TolmDsmccAdaptorIpc;
 using Lines = std::vector<std::string>;
 
-constexpr char kTag[] = "[ipc_dsmcc]";
 constexpr char kEvent[] = R"({"method": 4, "event": 0, "context": "0x80c0ffee", "url": "dvb://1", "filePath": "/f"})";
 
 // "receiver type path context"
@@ -49,8 +48,8 @@ class DsmccEvents : public Events {
         Send({event});
         Lines lines;
         for (const LogLine& line : mLog.Lines()) {
-            if (line.tag != kTag || line.message == EventsUnderTest().refusal) continue;
-            EXPECT_EQ(line.file, EventsUnderTest().sourceFile);
+            if (line.tag != UnderTest().tag || line.message == EventsUnderTest().refusal) continue;
+            EXPECT_EQ(line.file, UnderTest().sourceFile);
             lines.push_back(std::to_string(line.priority) + " " + line.function + " " + line.message);
         }
         return lines;
@@ -64,11 +63,7 @@ std::string EventOf(int event) {
 }  // namespace
 
 const EventFamily& EventsUnderTest() {
-    static const EventFamily family{"dsmcc",
-                                    kTag,
-                                    "tolm_dsmcc_adaptor_ipc.cpp",
-                                    [] { Adaptor::GetInstance(); },
-                                    &Adaptor::DeleteInstance,
+    static const EventFamily family{[] { Adaptor::GetInstance(); },
                                     &Register,
                                     kEvent,
                                     "0 /f 0x80c0ffee",
@@ -199,7 +194,7 @@ TEST_F(DsmccEvents, AreWarnedAboutWithoutAReceiver) {
 }
 
 TEST_F(DsmccEvents, NeedNoPlatformThatIsTold) {
-    FakePlatform platform("service_dsmcc_to_hbbtv", "{\"ret\": 0}");
+    FakePlatform platform(UnderTest().Socket(), "{\"ret\": 0}");
     Register(Receiver::kFirst);
     Register(Receiver::kNone);
     // A request that is answered comes after anything that was sent before.
@@ -208,7 +203,7 @@ TEST_F(DsmccEvents, NeedNoPlatformThatIsTold) {
 }
 
 TEST_F(DsmccEvents, AreRowsOfTheProtocol) {
-    const Json::Value protocol = ReadProtocolFile("dsmcc");
+    const Json::Value& protocol = UnderTest().Wire().protocol;
     EXPECT_EQ(protocol["event_envelope"]["type"]["key"].asString(), "method");
     EXPECT_EQ(protocol["event_envelope"]["type"]["value"].asInt(), 4);
     EXPECT_EQ(protocol["event_envelope"]["code"]["key"].asString(), "event");

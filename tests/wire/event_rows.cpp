@@ -8,7 +8,7 @@
 #include <thread>
 
 #include "lenient_readings.h"
-#include "protocol_file.h"
+#include "wire/endpoint.h"
 #include "written_json.h"
 
 namespace hbbtv::test {
@@ -20,8 +20,8 @@ using Lines = std::vector<std::string>;
 std::mutex gMutex;
 Lines gNoted;  // guarded by gMutex
 
-Json::Value Protocol() {
-    return ReadProtocolFile(EventsUnderTest().protocol);
+const Json::Value& Protocol() {
+    return UnderTest().Wire().protocol;
 }
 
 int Register(Receiver receiver) {
@@ -60,7 +60,7 @@ void PrintTo(const ProtocolEventRow& row, std::ostream* out) {
 }
 
 void ExpectTheProtocolsEvents(const std::vector<ProtocolEventRow>& rows, const char* codeKey, const char* callback) {
-    const Json::Value protocol = Protocol();
+    const Json::Value& protocol = Protocol();
     EXPECT_EQ(protocol["event_envelope"]["code"]["key"].asString(), codeKey);
     EXPECT_EQ(protocol["event_envelope"]["code"]["type"].asString(), "int");
     ASSERT_EQ(protocol["events"].size(), rows.size());
@@ -102,8 +102,8 @@ Lines Events::Noted() const {
 Lines Events::Complaints() const {
     Lines lines;
     for (const LogLine& line : mLog.Lines()) {
-        if (line.tag != EventsUnderTest().tag) continue;
-        EXPECT_EQ(line.file, EventsUnderTest().sourceFile);
+        if (line.tag != UnderTest().tag) continue;
+        EXPECT_EQ(line.file, UnderTest().sourceFile);
         if (line.message == "ENTER" || line.message == "LEAVE" || line.message == EventsUnderTest().refusal) continue;
         if (EventsUnderTest().story != nullptr && line.message.rfind(EventsUnderTest().story, 0) == 0) continue;
         lines.push_back(std::to_string(line.priority) + " " + line.message);
@@ -112,15 +112,14 @@ Lines Events::Complaints() const {
 }
 
 std::string Events::ServedSocket() const {
-    return mDirectory / Protocol()["endpoints"]["events"]["socket"].asString();
+    return mDirectory / EventsOf(UnderTest().Wire()).socket;
 }
 
 int Events::Port() const {
-    return Protocol()["endpoints"]["events"]["port"].asInt();
+    return EventsOf(UnderTest().Wire()).port;
 }
 
-EventsOfAPlatform::EventsOfAPlatform()
-    : mPlatform(Protocol()["endpoints"]["requests"]["socket"].asString(), "{\"ret\": 0}") {}
+EventsOfAPlatform::EventsOfAPlatform() : mPlatform(UnderTest().Socket(), "{\"ret\": 0}") {}
 
 TEST_P(ProtocolEvents, ReachTheReceiver) {
     ASSERT_EQ(Register(Receiver::kFirst), 0);
@@ -190,7 +189,7 @@ TEST_F(EventsOfAPlatform, ReachTheLastRegisteredReceiver) {
 
 TEST_F(EventsOfAPlatform, AreDroppedByAnAdaptorMadeAnew) {
     ASSERT_EQ(Register(Receiver::kFirst), 0);
-    EventsUnderTest().deleteInstance();
+    UnderTest().deleteInstance();
     EventsUnderTest().makeInstance();
     EXPECT_EQ(Send({Event()}), Lines{});
 }
@@ -207,7 +206,7 @@ TEST_F(EventsOfAPlatform, MayNotAskForAReply) {
         EXPECT_EQ(reply->port, Port());
         EXPECT_EQ(reply->payload, "null\n");
     }
-    EXPECT_EQ(mLog.Count(EventsUnderTest().refusalPriority, EventsUnderTest().tag, EventsUnderTest().refusal), 3)
+    EXPECT_EQ(mLog.Count(EventsUnderTest().refusalPriority, UnderTest().tag, EventsUnderTest().refusal), 3)
         << mLog.Text();
     EXPECT_EQ(Noted(), Lines{});
 }

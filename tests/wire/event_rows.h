@@ -1,6 +1,6 @@
-// The events of a family, held to its protocol file and to the wire: how they are read, in all their forms, and who
-// receives them from when to when. A program of a family compiles event_rows.cpp, says what it tests
-// (EventsUnderTest()) and instantiates the suites at the end for its rows.
+// The events of a family, held to protocol/: how they are read, in all their forms, and who receives them from when to
+// when. A program of a family compiles event_rows.cpp, defines EventsUnderTest() and instantiates the suites at the end
+// for its rows.
 #pragma once
 
 #include <android/log.h>
@@ -13,6 +13,7 @@
 #include "event_connection.h"
 #include "log_capture.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
 
 namespace hbbtv::test {
@@ -21,11 +22,7 @@ namespace hbbtv::test {
 enum class Receiver { kNone, kFirst, kSecond, kAsking };
 
 struct EventFamily {
-    const char* protocol;    // name of its protocol file
-    const char* tag;         // of its log lines
-    const char* sourceFile;  // that its log lines name
     void (*makeInstance)();
-    void (*deleteInstance)();
     int (*registerReceiver)(Receiver receiver);
     const char* event;             // one of the family's events
     const char* received;          // what its receiver notes behind its name
@@ -88,7 +85,7 @@ void ExpectTheProtocolsEvents(const std::vector<ProtocolEventRow>& rows, const c
 class Events : public ::testing::Test {
   protected:
     Events();
-    ~Events() override { EventsUnderTest().deleteInstance(); }
+    ~Events() override { UnderTest().deleteInstance(); }
 
     // One-way events on one connection, and what the receivers noted by the time they were handled.
     std::vector<std::string> Send(const std::vector<std::string>& events) const;

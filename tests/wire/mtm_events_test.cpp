@@ -10,10 +10,11 @@
 
 #include "ipc/src/mtm/tolm_mtm_adaptor_ipc.h"
 #include "log_capture.h"
-#include "protocol_file.h"
 #include "raw_socket.h"
 #include "recording_mtm.h"
+#include "rows.h"
 #include "scratch_directory.h"
+#include "wire/endpoint.h"
 #include "wire_texts.h"
 
 namespace hbbtv::test {
@@ -38,7 +39,7 @@ class MtmCommands : public ::testing::Test {
 
     Mtm& Adaptor() { return *Mtm::GetInstance(); }
 
-    std::string ServedSocket() const { return mDirectory / "service_hbbtv_to_mtm"; }
+    std::string ServedSocket() const { return mDirectory / EventsOf(UnderTest().Wire()).socket; }
 
     // One-way commands on one connection; gives when they were handled.
     void Send(const Lines& commands) const {
@@ -260,7 +261,7 @@ TEST_F(CommandsToABrowser, AreDroppedByAnAdaptorMadeAnew) {
 }
 
 TEST_F(MtmCommands, RegisteringTellsThePlatformNothing) {
-    const FakePlatform platform("service_mtm_to_hbbtv", R"({"ret": 0})");
+    const FakePlatform platform(UnderTest().Socket(), R"({"ret": 0})");
     Adaptor().RegisterCallback(&mBrowser);
     Adaptor().UnRegisterCallback();
     EXPECT_TRUE(platform.Frames().empty());
@@ -413,7 +414,7 @@ TEST_F(CommandsToABrowser, GetFilesOfEveryKind) {
 }
 
 TEST_F(CommandsToABrowser, AreThoseOfTheProtocol) {
-    const Json::Value protocol = ReadProtocolFile("mtm");
+    const Json::Value& protocol = UnderTest().Wire().protocol;
     EXPECT_EQ(protocol["event_envelope"]["type"]["key"].asString(), "type");
     EXPECT_EQ(protocol["event_envelope"]["type"]["value"].asInt(), 0);
     EXPECT_EQ(protocol["event_envelope"]["code"]["key"].asString(), "method");

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "ipc/src/plugin/tolm_parental_control_manager_adaptor_ipc.h"
-#include "protocol_file.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
 
 namespace hbbtv::test {
@@ -22,7 +22,7 @@ class ParentalControlManagerRequests : public ::testing::Test {
     Manager& Adaptor() { return *Manager::GetInstance(); }
 
     ScratchDirectory mDirectory;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_pcm", "{\"ret\": 0}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0}"};
 };
 
 struct Bits {
@@ -79,7 +79,7 @@ TEST_F(ParentalControlManagerRequests, ANullObjectIsAnEmptyText) {
 }
 
 TEST_F(ParentalControlManagerRequests, TheUnusedCodesAreNamedByTheProtocol) {
-    const Json::Value protocol = ReadProtocolFile("parental_control_manager");
+    const Json::Value& protocol = UnderTest().Wire().protocol;
     std::vector<int> codes;
     for (const Json::Value& entry : protocol["unused_codes"]) {
         for (int code = entry["from"].asInt(); code <= entry["to"].asInt(); ++code) codes.push_back(code);

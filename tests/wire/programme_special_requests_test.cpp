@@ -5,6 +5,7 @@
 #include "ipc/src/plugin/tolm_programme_adaptor_ipc.h"
 #include "lenient_readings.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
 #include "written_json.h"
 
@@ -29,7 +30,7 @@ class SIDescriptor : public ::testing::Test {
     }
 
     ScratchDirectory mDirectory;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_program", "{\"ret\": 0}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0}"};
 };
 
 // A reply with so many members "k0", "k1", ..., each the low 8 bits of its number.

@@ -67,16 +67,8 @@ const EventMemberRow kMembers[] = {
 }  // namespace
 
 const EventFamily& EventsUnderTest() {
-    static const EventFamily family{"search_manager",
-                                    "[ipc_search_manager]",
-                                    "tolm_search_manager_adaptor_ipc.cpp",
-                                    [] { Adaptor::GetInstance(); },
-                                    &Adaptor::DeleteInstance,
-                                    &Register,
-                                    kProtocol[0].event,
-                                    kProtocol[0].received,
-                                    "",
-                                    "Should not be called here",
+    static const EventFamily family{[] { Adaptor::GetInstance(); }, &Register, kProtocol[0].event,
+                                    kProtocol[0].received,          "",        "Should not be called here",
                                     "0 0 0x9d20 0x80c0ffee"};
     return family;
 }

@@ -5,8 +5,8 @@
 #include <set>
 
 #include "ipc/src/plugin/tolm_search_manager_adaptor_ipc.h"
-#include "protocol_file.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
 
 namespace hbbtv::test {
@@ -24,7 +24,7 @@ class SearchManagerRequests : public ::testing::Test {
     ~SearchManagerRequests() override { Adaptor::DeleteInstance(); }
 
     ScratchDirectory mDirectory;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_sm", "{\"ret\": 0}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0}"};
 };
 
 }  // namespace
@@ -78,7 +78,7 @@ TEST_F(SearchManagerRequests, OfTwoOperandsKeepTheirOrder) {
 }
 
 TEST(SearchManagerProtocol, KeepsTheCodeBehindEachOperationWithAResultFree) {
-    const Json::Value protocol = ReadProtocolFile("search_manager");
+    const Json::Value& protocol = UnderTest().Wire().protocol;
     std::set<int> used;
     for (const Json::Value& operation : protocol["operations"]) used.insert(operation["code"].asInt());
     std::set<int> unused;

@@ -1,7 +1,7 @@
 // Video/broadcast events that the platform sends as requests: whom they reach, and the bytes of the reply.
 
 #include "lenient_readings.h"
-#include "protocol_file.h"
+#include "rows.h"
 #include "video_broadcast_events_fixture.h"
 #include "written_json.h"
 
@@ -55,7 +55,7 @@ TEST_F(VideoBroadcastEventRequests, OfAnyCodeAreTaken) {
 }
 
 TEST_F(VideoBroadcastEventRequests, WithoutARowAreNamedByTheProtocol) {
-    const Json::Value protocol = ReadProtocolFile("video_broadcast");
+    const Json::Value& protocol = UnderTest().Wire().protocol;
     std::vector<int> codes;
     for (const Json::Value& event : protocol["events"]) {
         if (event["forms"][0] == "request") codes.push_back(event["code"].asInt());

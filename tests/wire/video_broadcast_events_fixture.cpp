@@ -1,9 +1,11 @@
 #include "video_broadcast_events_fixture.h"
+#include "rows.h"
 
 #include <cstring>
 #include <mutex>
 
 #include "lenient_readings.h"
+#include "wire/endpoint.h"
 
 namespace hbbtv::test {
 
@@ -262,7 +264,7 @@ std::string PayloadOf(const EventRow& row, const std::map<std::string, std::stri
 
 EventsFixture::EventsFixture(int leastPriority)
     : mLog(leastPriority),
-      mConnection((Vb::GetInstance(), RawConnection::To(mDirectory / "service_hbbtv_to_plugin_vb"))) {
+      mConnection((Vb::GetInstance(), RawConnection::To(mDirectory / EventsOf(UnderTest().Wire()).socket))) {
     std::lock_guard<std::mutex> lock(gMutex);
     gReceived.clear();
 }

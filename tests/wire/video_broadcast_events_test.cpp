@@ -4,8 +4,9 @@
 #include <cstring>
 
 #include "lenient_readings.h"
-#include "protocol_file.h"
+#include "rows.h"
 #include "video_broadcast_events_fixture.h"
+#include "wire/endpoint.h"
 #include "written_json.h"
 
 namespace hbbtv::test {
@@ -22,7 +23,7 @@ class VideoBroadcastEvents : public EventsFixture {};
 }  // namespace
 
 TEST_P(VideoBroadcastEvent, IsARowOfTheProtocol) {
-    const Json::Value protocol = ReadProtocolFile("video_broadcast");
+    const Json::Value& protocol = UnderTest().Wire().protocol;
     for (const Json::Value& event : protocol["events"]) {
         if (event["object"] != GetParam().object || event["code"] != GetParam().code) continue;
         EXPECT_EQ(event["name"].asString(), GetParam().name);
@@ -116,7 +117,7 @@ TEST_P(VideoBroadcastEvent, IsDroppedWithoutAReceiver) {
 INSTANTIATE_TEST_SUITE_P(Each, VideoBroadcastEvent, ::testing::ValuesIn(EventRows()), NameOfEvent);
 
 TEST_F(VideoBroadcastEvents, OfTheProtocolAreTheRowsOfThisTest) {
-    const Json::Value protocol = ReadProtocolFile("video_broadcast");
+    const Json::Value& protocol = UnderTest().Wire().protocol;
     std::vector<std::string> expected;
     for (const Json::Value& event : protocol["events"]) {
         if (event["forms"][0] == "one-way") expected.push_back(event["object"].asString() + event["code"].asString());
@@ -264,7 +265,7 @@ TEST_F(VideoBroadcastEvents, OfSeveralConnectionsAllArrive) {
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([this] {
-            RawConnection connection = RawConnection::To(mDirectory / "service_hbbtv_to_plugin_vb");
+            RawConnection connection = RawConnection::To(mDirectory / EventsOf(UnderTest().Wire()).socket);
             for (int i = 0; i < 25; ++i) {
                 connection.Write(FrameBytes(kOneWay, 7, "{\"type\": \"videobroadcast\", \"event\": 5}"));
             }
@@ -330,7 +331,7 @@ TEST_F(VideoBroadcastEvents, OfChangedContentShowOnlyWhatTheirFlagsName) {
 
 TEST_F(VideoBroadcastEvents, LikeTheProtocolsExampleArrive) {
     Register(Pointer(1));
-    SendEvent(ReadProtocolFile("video_broadcast")["examples"]["event"]["document"].toStyledString());
+    SendEvent(UnderTest().Wire().protocol["examples"]["event"]["document"].toStyledString());
     const std::vector<ReceivedEvent> received = Received();
     ASSERT_EQ(received.size(), 1u);
     EXPECT_EQ(received[0].code, 2);

@@ -9,7 +9,9 @@
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
 #include "log_capture.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
+#include "wire/endpoint.h"
 
 namespace hbbtv::test {
 
@@ -52,11 +54,11 @@ class VideoBroadcastInstance : public ::testing::Test {
   protected:
     ~VideoBroadcastInstance() override { Vb::DeleteInstance(); }
 
-    std::string ServedSocket() const { return mDirectory / "service_hbbtv_to_plugin_vb"; }
+    std::string ServedSocket() const { return mDirectory / EventsOf(UnderTest().Wire()).socket; }
 
     ScratchDirectory mDirectory;
     LogCapture mLog;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_vb", "{\"ret\": 0, \"state\": 2}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0, \"state\": 2}"};
 };
 
 }  // namespace

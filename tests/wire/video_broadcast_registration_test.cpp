@@ -2,7 +2,9 @@
 
 #include <future>
 
+#include "rows.h"
 #include "video_broadcast_events_fixture.h"
+#include "wire/endpoint.h"
 
 namespace hbbtv::test {
 
@@ -41,7 +43,7 @@ class VideoBroadcastRegistration : public EventsFixture {
   protected:
     // For the platform's threads.
     std::string AskOverAnotherConnection() const {
-        RawConnection connection = RawConnection::To(mDirectory / "service_hbbtv_to_plugin_vb");
+        RawConnection connection = RawConnection::To(mDirectory / EventsOf(UnderTest().Wire()).socket);
         connection.Write(FrameBytes(kRequest, 7, kEvent));
         const std::optional<Frame> reply = connection.ReadFrame();
         return reply ? reply->payload : "no reply";
@@ -156,7 +158,7 @@ TEST_F(VideoBroadcastRegistration, LetsAReceiverMakeRequests) {
 TEST_F(VideoBroadcastRegistration, MayChangeWhileEventsCome) {
     std::atomic<bool> stop{false};
     std::thread sender([&] {
-        RawConnection connection = RawConnection::To(mDirectory / "service_hbbtv_to_plugin_vb");
+        RawConnection connection = RawConnection::To(mDirectory / EventsOf(UnderTest().Wire()).socket);
         while (!stop) {
             connection.Write(FrameBytes(kOneWay, 7, kEvent));
             connection.Write(FrameBytes(kRequest, 7, kEvent));

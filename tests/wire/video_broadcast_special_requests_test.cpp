@@ -5,8 +5,8 @@
 
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
 #include "log_capture.h"
-#include "protocol_file.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
 
 namespace hbbtv::test {
@@ -41,7 +41,7 @@ class VideoBroadcastRequests : public ::testing::Test {
 
     ScratchDirectory mDirectory;
     LogCapture mLog;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_vb", "{\"ret\": 0}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0}"};
 };
 
 }  // namespace
@@ -73,7 +73,7 @@ TEST_F(VideoBroadcastRequests, RegisterMediaSyncCallbackSendsNothing) {
 }
 
 TEST_F(VideoBroadcastRequests, SilentOperationsAreNamedByTheProtocol) {
-    const Json::Value protocol = ReadProtocolFile("video_broadcast");
+    const Json::Value& protocol = UnderTest().Wire().protocol;
     std::vector<std::string> names;
     for (const Json::Value& operation : protocol["silent_operations"]) names.push_back(operation["name"].asString());
     EXPECT_EQ(names,

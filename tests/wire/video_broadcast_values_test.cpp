@@ -8,6 +8,7 @@
 
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
 #include "raw_socket.h"
+#include "rows.h"
 #include "scratch_directory.h"
 
 namespace hbbtv::test {
@@ -33,7 +34,7 @@ class VideoBroadcastValues : public ::testing::Test {
     }
 
     ScratchDirectory mDirectory;
-    FakePlatform mPlatform{"service_plugin_to_hbbtv_vb", "{\"ret\": 0}"};
+    FakePlatform mPlatform{UnderTest().Socket(), "{\"ret\": 0}"};
 };
 
 }  // namespace
