@@ -20,6 +20,10 @@ struct Registration {
     const char* unregister;  // what the platform is sent when the client has ended; null: nothing
 };
 
+void PrintTo(const Registration& registration, std::ostream* out) {
+    *out << registration.family;
+}
+
 class KilledClients : public testing::TestWithParam<Registration> {};
 
 TEST_P(KilledClients, AreCalledUntilTheyEndAndTheNextOneIsServed) {

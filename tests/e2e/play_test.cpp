@@ -17,7 +17,6 @@
 #include "package/description.h"
 #include "scratch_directory.h"
 #include "system.h"
-#include "wire/values.h"
 
 namespace hbbtv::test {
 

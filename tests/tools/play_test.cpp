@@ -277,6 +277,12 @@ struct WrongPlay {
     const char* error;  // behind the name of the file
 };
 
+// For the name of the test: the place.
+void PrintTo(const WrongPlay& play, std::ostream* out) {
+    const std::string error = play.error;
+    *out << error.substr(0, error.find(' '));
+}
+
 class PlaySyntax : public Alone, public testing::WithParamInterface<WrongPlay> {};
 
 TEST_P(PlaySyntax, ErrorsAreReportedWithTheirPlaceBeforeAnythingRuns) {
