@@ -4,7 +4,7 @@
 #include <deque>
 #include <mutex>
 
-#include "thread_pool.h"
+#include "connection/thread_pool.h"
 
 namespace android::hardware::details {
 

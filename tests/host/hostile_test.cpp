@@ -12,8 +12,8 @@
 #include <cstring>
 #include <random>
 
+#include "connection/frame.h"
 #include "fixtures.h"
-#include "frame.h"
 #include "session.h"
 
 // While it is set, this program cannot start threads.

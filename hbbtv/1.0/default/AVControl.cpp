@@ -13,7 +13,7 @@ using Adaptor = TolmAVControlAdaptorIpc;
 
 namespace {
 
-TolmRegisteredClient<IAVControlCallback> gClient;
+TolmRegisteredClient<IAVControlCallback> mAVControlCallback;
 
 TolmAVCtrlComponentData ToAdaptorComponent(const TolmAvComponentData& component) {
     return {component.actived,
@@ -28,14 +28,14 @@ TolmAVCtrlComponentData ToAdaptorComponent(const TolmAvComponentData& component)
 
 }  // namespace
 
-AVControl::AVControl() : TolmHidlClientMonitor(tolm::kAVControlTag, gClient) {}
+AVControl::AVControl() : TolmHidlClientMonitor(tolm::kAVControlTag, mAVControlCallback) {}
 
 Return<int32_t> AVControl::RegisterCallback(const sp<IAVControlCallback>& cb, int64_t) {
-    return gClient.Register(this, cb, &Adaptor::RegisterCallback, TolmAVControlComponentCallback);
+    return mAVControlCallback.Register(this, cb, &Adaptor::RegisterCallback, TolmAVControlComponentCallback);
 }
 
 Return<int32_t> AVControl::UnregisterCallback() {
-    return gClient.Unregister(this, &Adaptor::UnregisterCallback);
+    return mAVControlCallback.Unregister(this, &Adaptor::UnregisterCallback);
 }
 
 Return<int32_t> AVControl::ComponentUpdate(V1_0::TolmHbbtvAVCtrlEvent event, V1_0::TolmHbbtvAVComponentType type,
@@ -49,11 +49,11 @@ Return<int32_t> AVControl::ComponentUpdate(V1_0::TolmHbbtvAVCtrlEvent event, V1_
 }
 
 void AVControl::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    gClient.OnDied(this, who, &Adaptor::UnregisterCallback);
+    mAVControlCallback.OnDied(this, who, &Adaptor::UnregisterCallback);
 }
 
 TOLM_ERR TolmAVControlComponentCallback(TolmPluginIPCAvContrl event, ::TolmHbbtvAVComponentType type, int index) {
-    const sp<IAVControlCallback> client = gClient.Get();
+    const sp<IAVControlCallback> client = mAVControlCallback.Get();
     if (client == nullptr) {
         TOLM_LOG(ANDROID_LOG_INFO, tolm::kAVControlTag, "TolmAVControlComponentCallback callback null");
         return -1;

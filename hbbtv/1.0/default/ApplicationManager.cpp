@@ -129,11 +129,11 @@ class RegisteredClients : public TolmServiceInstances {
     std::map<::TolmAIPEvent, Client> mClients;  // guarded by mMutex
 };
 
-RegisteredClients gClients;
+RegisteredClients mApmCallback;
 
 }  // namespace
 
-ApplicationManager::ApplicationManager() : TolmHidlClientMonitor(tolm::kApplicationManagerTag, gClients) {}
+ApplicationManager::ApplicationManager() : TolmHidlClientMonitor(tolm::kApplicationManagerTag, mApmCallback) {}
 
 Return<void> ApplicationManager::GetOwnerApp(int32_t appId, int32_t orgId, GetOwnerApp_cb _hidl_cb) {
     return AnswerFrom(std::tuple(appId, orgId), _hidl_cb, &Adaptor::GetOwnerApp);
@@ -231,15 +231,15 @@ Return<int32_t> ApplicationManager::SetDeviceResolution(uint32_t width, uint32_t
 
 Return<int32_t> ApplicationManager::RegisterCallback(V1_0::TolmAIPEvent event, const sp<IAIPEventCallback>& callback,
                                                      int64_t context) {
-    return gClients.Register(this, static_cast<::TolmAIPEvent>(event), callback, Handle(context));
+    return mApmCallback.Register(this, static_cast<::TolmAIPEvent>(event), callback, Handle(context));
 }
 
 Return<int32_t> ApplicationManager::UnregisterCallback(V1_0::TolmAIPEvent event, int64_t context) {
-    return gClients.Unregister(this, static_cast<::TolmAIPEvent>(event), Handle(context));
+    return mApmCallback.Unregister(this, static_cast<::TolmAIPEvent>(event), Handle(context));
 }
 
 void ApplicationManager::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    gClients.OnDied(this, who);
+    mApmCallback.OnDied(this, who);
 }
 
 namespace {
@@ -254,7 +254,7 @@ hidl_string Text(const char* text) {
 template <typename... Parameters, typename... Arguments>
 void Forward(::TolmAIPEvent event, Return<void> (IAIPEventCallback::*method)(Parameters...),
              const Arguments&... arguments) {
-    const sp<IAIPEventCallback> client = gClients.GetLiving(event);
+    const sp<IAIPEventCallback> client = mApmCallback.GetLiving(event);
     if (client == nullptr) return;
     // If the client has just died, the call fails, and the event is dropped.
     (void)((*client).*method)(arguments...).isOk();

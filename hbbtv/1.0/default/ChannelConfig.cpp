@@ -12,18 +12,18 @@ using Adaptor = TolmChannelConfigAdaptorIpc;
 
 namespace {
 
-TolmRegisteredClient<IChannelConfigCallback> gClient;
+TolmRegisteredClient<IChannelConfigCallback> mConfigCallback;
 
 }  // namespace
 
-ChannelConfig::ChannelConfig() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, gClient) {}
+ChannelConfig::ChannelConfig() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, mConfigCallback) {}
 
 Return<int32_t> ChannelConfig::RegisterCallback(const sp<IChannelConfigCallback>& cb, int64_t context) {
-    return gClient.Register(this, cb, &Adaptor::RegisterCallback, TolmChannelConfigCallback, Handle(context));
+    return mConfigCallback.Register(this, cb, &Adaptor::RegisterCallback, TolmChannelConfigCallback, Handle(context));
 }
 
 Return<int32_t> ChannelConfig::UnregisterCallback() {
-    return gClient.Unregister(this, &Adaptor::UnregisterCallback);
+    return mConfigCallback.Unregister(this, &Adaptor::UnregisterCallback);
 }
 
 Return<void> ChannelConfig::CreateFilteredList(bool blocked, bool favourite, bool hidden,
@@ -62,12 +62,12 @@ Return<void> ChannelConfig::CreateChannelList(const hidl_vec<int64_t>& channels,
 }
 
 void ChannelConfig::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    gClient.OnDied(this, who, &Adaptor::UnregisterCallback);
+    mConfigCallback.OnDied(this, who, &Adaptor::UnregisterCallback);
 }
 
 void TolmChannelConfigCallback(const TolmChannelConfigEvent& event, const ::TolmChannelConfigEventInfo& info,
                                const void* context) {
-    const sp<IChannelConfigCallback> client = gClient.Get();
+    const sp<IChannelConfigCallback> client = mConfigCallback.Get();
     if (client == nullptr) return;
     // If the client has just died, the call fails, and the event is dropped.
     (void)client->OnChannelConfigEvent(event, {static_cast<uint8_t>(info.reserved)}, ToHandle(context)).isOk();

@@ -107,11 +107,11 @@ class RegisteredClients : public TolmServiceInstances {
     std::vector<Client> mClients;  // guarded by mMutex
 };
 
-RegisteredClients gClients;
+RegisteredClients mConfigurationCallback;
 
 }  // namespace
 
-Configuration::Configuration() : TolmHidlClientMonitor(tolm::kConfigurationTag, gClients) {}
+Configuration::Configuration() : TolmHidlClientMonitor(tolm::kConfigurationTag, mConfigurationCallback) {}
 
 Return<void> Configuration::GetPreferredAudioLanguage(GetPreferredAudioLanguage_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::GetPreferredAudioLanguage);
@@ -186,19 +186,19 @@ Return<void> Configuration::GetDNTPolicy(GetDNTPolicy_cb _hidl_cb) {
 }
 
 Return<int32_t> Configuration::RegisterCallback(const sp<IConfigurationCallback>& callback) {
-    return gClients.Register(this, callback);
+    return mConfigurationCallback.Register(this, callback);
 }
 
 Return<int32_t> Configuration::UnregisterCallback(const sp<IConfigurationCallback>& callback) {
-    return gClients.Unregister(this, callback);
+    return mConfigurationCallback.Unregister(this, callback);
 }
 
 void Configuration::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    gClients.OnDied(this, who);
+    mConfigurationCallback.OnDied(this, who);
 }
 
 void TolmConfigurationCallback(const TolmConfigurationEvent& event, ::TolmConfigurationEventInfo info, const void*) {
-    const std::vector<sp<IConfigurationCallback>> clients = gClients.AllLiving();
+    const std::vector<sp<IConfigurationCallback>> clients = mConfigurationCallback.AllLiving();
     if (clients.empty()) return;
     const V1_0::TolmConfigurationEventInfo hidlInfo{info.width,
                                                     info.height,

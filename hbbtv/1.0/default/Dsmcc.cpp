@@ -10,22 +10,22 @@ using Adaptor = TolmDsmccAdaptorIpc;
 
 namespace {
 
-TolmRegisteredClient<IDsmccCallback> gClient;
+TolmRegisteredClient<IDsmccCallback> mDsmccCallback;
 
 }  // namespace
 
-Dsmcc::Dsmcc() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, gClient) {}
+Dsmcc::Dsmcc() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, mDsmccCallback) {}
 
 // The client is held even without an adaptor.
 Return<int32_t> Dsmcc::RegisterCallback(const sp<IDsmccCallback>& cb) {
-    return gClient.Replace(this, cb)
+    return mDsmccCallback.Replace(this, cb)
                ? TolmCallAdaptor(&Adaptor::BrowserRegisterCallback, TolmBacBrowserDSMCCFileCallback)
                : -1;
 }
 
 // The adaptor keeps the forwarding function, which logs that there is no client.
 Return<int32_t> Dsmcc::UnregisterCallback() {
-    gClient.Drop(this);
+    mDsmccCallback.Drop(this);
     return 0;
 }
 
@@ -38,11 +38,11 @@ Return<int32_t> Dsmcc::OnReleaseFile(const hidl_string& url, int64_t context) {
 }
 
 void Dsmcc::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    gClient.OnDied(this, who);
+    mDsmccCallback.OnDied(this, who);
 }
 
 void TolmBacBrowserDSMCCFileCallback(TolmDSMCCFileEventType type, const char* filePath, const void* context) {
-    const sp<IDsmccCallback> client = gClient.GetLiving();
+    const sp<IDsmccCallback> client = mDsmccCallback.GetLiving();
     if (client == nullptr) {
         TOLM_LOG(ANDROID_LOG_ERROR, tolm::kDsmccTag, "IDsmccCallback callback is null");
         return;

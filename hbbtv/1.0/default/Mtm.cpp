@@ -10,12 +10,12 @@ using Adaptor = TolmMtmAdaptorIpc;
 
 namespace {
 
-TolmRegisteredClient<IMtmCallback> gClient;
-MtmCallback gBridge(gClient);  // what the adaptor calls, whichever client is registered
+TolmRegisteredClient<IMtmCallback> mMtmCallback;
+MtmCallback gBridge(mMtmCallback);  // what the adaptor calls, whichever client is registered
 
 }  // namespace
 
-Mtm::Mtm() : TolmHidlClientMonitor(tolm::kMtmTag, gClient) {}
+Mtm::Mtm() : TolmHidlClientMonitor(tolm::kMtmTag, mMtmCallback) {}
 
 Return<int32_t> Mtm::OnTabCreated(int32_t tabId) {
     return Status(&Adaptor::OnTabCreated, tabId);
@@ -91,22 +91,22 @@ Return<int32_t> Mtm::OnTabDocumentLoadedInFrame(int32_t tabId) {
 }
 
 Return<void> Mtm::RegisterCallback(const sp<IMtmCallback>& callback) {
-    gClient.Register(this, callback, &Adaptor::RegisterCallback, &gBridge);
+    mMtmCallback.Register(this, callback, &Adaptor::RegisterCallback, &gBridge);
     return ::android::hardware::Void();
 }
 
 // Unlike in the other services, the client stays if there is no adaptor.
 Return<void> Mtm::UnregisterCallback() {
-    if (Adaptor::GetInstance() != nullptr) gClient.Unregister(this, &Adaptor::UnRegisterCallback);
+    if (Adaptor::GetInstance() != nullptr) mMtmCallback.Unregister(this, &Adaptor::UnRegisterCallback);
     return ::android::hardware::Void();
 }
 
 void Mtm::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    gClient.OnDied(this, who, &Adaptor::UnRegisterCallback);
+    mMtmCallback.OnDied(this, who, &Adaptor::UnRegisterCallback);
 }
 
 const TolmRegisteredClient<IMtmCallback>& Mtm::RegisteredClient() {
-    return gClient;
+    return mMtmCallback;
 }
 
 IMtm* HIDL_FETCH_IMtm(const char*) {

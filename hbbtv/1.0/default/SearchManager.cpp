@@ -10,11 +10,11 @@ using Adaptor = TolmSearchManagerAdaptor;
 
 namespace {
 
-TolmRegisteredClient<ISearchManagerCallback> gClient;  // of all search managers
+TolmRegisteredClient<ISearchManagerCallback> mSearchCallback;  // of all search managers
 
 }  // namespace
 
-SearchManager::SearchManager() : TolmHidlClientMonitor(tolm::kSearchManagerTag, gClient) {}
+SearchManager::SearchManager() : TolmHidlClientMonitor(tolm::kSearchManagerTag, mSearchCallback) {}
 
 Return<void> SearchManager::SearchManager_Create(SearchManager_Create_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::SearchManager_Create);
@@ -27,8 +27,8 @@ Return<int32_t> SearchManager::SearchManager_Destroy(int64_t manager) {
 Return<int32_t> SearchManager::SearchManager_RegisterCallback(int64_t manager,
                                                               const sp<ISearchManagerCallback>& callback,
                                                               int64_t context) {
-    return gClient.Register(this, callback, &Adaptor::SearchManager_RegisterCallback, Handle(manager),
-                            TolmSearchManagerCallback, Handle(context));
+    return mSearchCallback.Register(this, callback, &Adaptor::SearchManager_RegisterCallback, Handle(manager),
+                                    TolmSearchManagerCallback, Handle(context));
 }
 
 Return<void> SearchManager::SearchManager_CreateSearch(int64_t manager, uint32_t target,
@@ -116,12 +116,12 @@ Return<void> SearchManager::Query_Not(int64_t query, Query_Not_cb _hidl_cb) {
 
 // The adaptor keeps the forwarding function, which drops further events.
 void SearchManager::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    gClient.OnDied(this, who);
+    mSearchCallback.OnDied(this, who);
 }
 
 void TolmSearchManagerCallback(const TolmSearchManagerEvent& event, const ::TolmSearchManagerEventInfo& info,
                                const void* context) {
-    const sp<ISearchManagerCallback> client = gClient.GetLiving();
+    const sp<ISearchManagerCallback> client = mSearchCallback.GetLiving();
     if (client == nullptr) return;
     // If the client has just died, the call fails, and the event is dropped.
     (void)client->OnSearchManagerEvent(event, {info.state, ToHandle(info.searchHandle)}, ToHandle(context)).isOk();

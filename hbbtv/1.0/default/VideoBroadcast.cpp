@@ -11,11 +11,11 @@ using Adaptor = TolmVideoBroadcastAdaptorIpc;
 
 namespace {
 
-TolmRegisteredClient<IVideoBroadcastCallback> gClient;  // of all video/broadcast objects
+TolmRegisteredClient<IVideoBroadcastCallback> mVBCallback;  // of all video/broadcast objects
 
 }  // namespace
 
-VideoBroadcast::VideoBroadcast() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, gClient) {}
+VideoBroadcast::VideoBroadcast() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, mVBCallback) {}
 
 Return<void> VideoBroadcast::Create(int64_t context, Create_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::Create, Handle(context));
@@ -30,12 +30,12 @@ Return<int32_t> VideoBroadcast::Release(int64_t vb) {
 }
 
 Return<int32_t> VideoBroadcast::RegisterCallback(int64_t vb, const sp<IVideoBroadcastCallback>& cb, int64_t context) {
-    return gClient.Register(this, cb, &Adaptor::RegisterCallback, Handle(vb), TolmVideoBroadcastHidlCallback,
-                            Handle(context));
+    return mVBCallback.Register(this, cb, &Adaptor::RegisterCallback, Handle(vb), TolmVideoBroadcastHidlCallback,
+                                Handle(context));
 }
 
 Return<int32_t> VideoBroadcast::UnregisterCallback(int64_t vb) {
-    return gClient.Unregister(this, &Adaptor::UnregisterCallback, Handle(vb));
+    return mVBCallback.Unregister(this, &Adaptor::UnregisterCallback, Handle(vb));
 }
 
 Return<int32_t> VideoBroadcast::SetWindow(int64_t vb, const TolmRect& rect) {
@@ -189,7 +189,7 @@ Return<int32_t> VideoBroadcast::ChangeDisplaySource(int32_t source) {
 }
 
 void VideoBroadcast::OnHidlClientDied(uint64_t, const wp<::android::hidl::base::V1_0::IBase>& who) {
-    gClient.OnDied(this, who, &Adaptor::ClearCallback);
+    mVBCallback.OnDied(this, who, &Adaptor::ClearCallback);
 }
 
 namespace {
@@ -267,7 +267,7 @@ Return<void> Forward(IVideoBroadcastCallback& client, TolmVideoBroadcastEvent ev
 void TolmVideoBroadcastHidlCallback(const TolmVideoBroadcastEvent& event, const TolmVideoBroadcastEventInfo& info,
                                     const void*) {
     TolmVideoBroadcastEventInfo owned = info;
-    if (const sp<IVideoBroadcastCallback> client = gClient.Get()) {
+    if (const sp<IVideoBroadcastCallback> client = mVBCallback.Get()) {
         // If the client has just died, the call fails, and the event is dropped.
         (void)Forward(*client, event, owned).isOk();
     }

@@ -1,10 +1,10 @@
 // The client that has registered its callback with a service. There is one for the whole process: a further
 // registration replaces it. Its callback, the watch over its process and the adaptor's receiver change together.
 //
-//     TolmRegisteredClient<IAVControlCallback> gClient;
+//     TolmRegisteredClient<IAVControlCallback> mAVControlCallback;
 //
 //     Return<int32_t> AVControl::RegisterCallback(const sp<IAVControlCallback>& cb, int64_t) {
-//         return gClient.Register(this, cb, &Adaptor::RegisterCallback, TolmAVControlComponentCallback);
+//         return mAVControlCallback.Register(this, cb, &Adaptor::RegisterCallback, TolmAVControlComponentCallback);
 //     }
 #pragma once
 

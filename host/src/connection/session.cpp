@@ -1,4 +1,4 @@
-#include "session.h"
+#include "connection/session.h"
 
 #define LOG_TAG "hidl_host"
 #include <log/log.h>
@@ -6,7 +6,7 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
-#include "socket_reader.h"
+#include "connection/socket_reader.h"
 
 namespace android::hardware::host {
 

@@ -1,4 +1,4 @@
-#include "outbox.h"
+#include "connection/outbox.h"
 
 #define LOG_TAG "hidl_host"
 #include <hwbinder/Parcel.h>
@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <chrono>
 
-#include "thread_pool.h"
+#include "connection/thread_pool.h"
 
 namespace android::hardware::host {
 

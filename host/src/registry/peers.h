@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "service_directory.h"
-#include "session.h"
+#include "connection/session.h"
+#include "registry/service_directory.h"
 
 namespace android::hardware::host {
 

@@ -16,10 +16,10 @@
 #include <unordered_map>
 #include <vector>
 
-#include "frame.h"
-#include "node.h"
-#include "node_table.h"
-#include "outbox.h"
+#include "connection/frame.h"
+#include "connection/node.h"
+#include "connection/node_table.h"
+#include "connection/outbox.h"
 
 namespace android::hardware::host {
 

@@ -8,9 +8,9 @@
 #include <chrono>
 #include <thread>
 
-#include "passthrough.h"
-#include "peers.h"
-#include "server.h"
+#include "registry/passthrough.h"
+#include "registry/peers.h"
+#include "registry/server.h"
 
 namespace android::hardware {
 

@@ -1,11 +1,11 @@
-#include "node.h"
+#include "connection/node.h"
 
 #define LOG_TAG "hidl_host"
 #include <log/log.h>
 
 #include <algorithm>
 
-#include "session.h"
+#include "connection/session.h"
 
 namespace android::hardware {
 

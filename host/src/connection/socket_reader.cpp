@@ -1,4 +1,4 @@
-#include "socket_reader.h"
+#include "connection/socket_reader.h"
 
 #include <sys/socket.h>
 

@@ -10,7 +10,7 @@
 #include <mutex>
 #include <vector>
 
-#include "thread_pool.h"
+#include "connection/thread_pool.h"
 
 namespace android::hardware::host {
 

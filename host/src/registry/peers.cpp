@@ -1,4 +1,4 @@
-#include "peers.h"
+#include "registry/peers.h"
 
 #include <map>
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "service_directory.h"
+#include "registry/service_directory.h"
 
 #define LOG_TAG "hidl_host"
 #include <dirent.h>

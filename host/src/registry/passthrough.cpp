@@ -1,4 +1,4 @@
-#include "passthrough.h"
+#include "registry/passthrough.h"
 
 #define LOG_TAG "hidl_host"
 #include <dirent.h>

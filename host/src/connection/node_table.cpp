@@ -1,6 +1,6 @@
-#include "node_table.h"
+#include "connection/node_table.h"
 
-#include "node.h"
+#include "connection/node.h"
 
 namespace android::hardware::host {
 

@@ -1,4 +1,4 @@
-#include "server.h"
+#include "registry/server.h"
 
 #define LOG_TAG "hidl_host"
 #include <fcntl.h>

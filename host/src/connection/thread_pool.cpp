@@ -1,4 +1,4 @@
-#include "thread_pool.h"
+#include "connection/thread_pool.h"
 
 #define LOG_TAG "hidl_host"
 #include <hidl/HidlTransportSupport.h>

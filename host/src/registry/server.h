@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "service_directory.h"
-#include "session.h"
+#include "connection/session.h"
+#include "registry/service_directory.h"
 
 namespace android::hardware::host {
 
