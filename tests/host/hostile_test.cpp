@@ -13,8 +13,8 @@
 #include <random>
 
 #include "connection/frame.h"
+#include "connection/session.h"
 #include "fixtures.h"
-#include "session.h"
 
 // While it is set, this program cannot start threads.
 static std::atomic<bool> gNoThreads{false};
