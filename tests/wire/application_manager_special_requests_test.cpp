@@ -236,50 +236,6 @@ TEST_F(ApplicationManagerRequests, CreateAppWithoutAUrlIsRefused) {
     EXPECT_EQ(Lines(), (std::vector<std::string>{"2 CreateApp ENTER", "5 CreateApp TRACE", "2 CreateApp LEAVE"}));
 }
 
-TEST_F(ApplicationManagerRequests, CreateAppWritesItsFlagsAsNumbers) {
-    for (const bool child : {false, true}) {
-        for (const bool opapp : {false, true}) {
-            mPlatform.ForgetFrames();
-            int appId = 0;
-            int orgId = 0;
-            EXPECT_EQ(Adaptor().CreateApp(1, 2, "u", child, opapp, appId, orgId), 0);
-            EXPECT_EQ(mPlatform.Frames().at(0).payload,
-                      std::string("{\n\t\"appid\" : 1,\n\t\"child\" : ") + (child ? "1" : "0") + ",\n\t\"opapp\" : " +
-                          (opapp ? "1" : "0") + ",\n\t\"orgid\" : 2,\n\t\"t\" : 207,\n\t\"url\" : \"u\"\n}\n");
-        }
-    }
-}
-
-// A URL ends at its first zero byte.
-TEST_F(ApplicationManagerRequests, CreateAppTakesUrlsOfEveryKind) {
-    for (const WireText& text : WireTexts()) {
-        SCOPED_TRACE(text.name);
-        mPlatform.ForgetFrames();
-        int appId = 0;
-        int orgId = 0;
-        EXPECT_EQ(Adaptor().CreateApp(1, 2, text.text.c_str(), false, false, appId, orgId), 0);
-        const bool cut = std::string(text.name) == "ZeroByte";
-        EXPECT_EQ(
-            mPlatform.Frames().at(0).payload,
-            "{\n\t\"appid\" : 1,\n\t\"child\" : 0,\n\t\"opapp\" : 0,\n\t\"orgid\" : 2,\n\t\"t\" : 207,\n\t\"url\" : " +
-                (cut ? "\"a\"" : text.onTheWire) + "\n}\n");
-    }
-}
-
-TEST_F(ApplicationManagerRequests, GetOwnerAppDoesNotSendTheOrganisation) {
-    int appId = 5;
-    int orgId = 6;
-    mPlatform.SetReply(R"({"ret": 4, "appid": 1, "orgid": 2})");
-    EXPECT_EQ(Adaptor().GetOwnerApp(appId, orgId), 4);
-    EXPECT_EQ(appId, 5);
-    EXPECT_EQ(orgId, 6);
-    EXPECT_EQ(mPlatform.Frames().at(0).payload, "{\n\t\"appid\" : 5,\n\t\"t\" : 201\n}\n");
-    mPlatform.SetReply(R"({"ret": 0, "appid": 1})");
-    EXPECT_EQ(Adaptor().GetOwnerApp(appId, orgId), 0);
-    EXPECT_EQ(appId, 1);
-    EXPECT_EQ(orgId, 0);
-}
-
 TEST(ApplicationManagerWithoutPlatform, SaysWhereItCouldNotTellTheResolutionOrAFile) {
     const ScratchDirectory directory;
     const LogCapture log;

@@ -25,19 +25,6 @@ class AVComponentRequests : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(AVComponentRequests, GetTypeGivesTheTypeOfTheReply) {
-    for (const int type : {0, 1, 2, 11}) {
-        mPlatform.SetReply("{\"ret\": 0, \"type\": " + std::to_string(type) + "}");
-        int result = -1;
-        EXPECT_EQ(Adaptor::GetInstance()->GetType(kComponent, result), 0);
-        EXPECT_EQ(result, type);
-    }
-    mPlatform.SetReply("{\"ret\": 0}");
-    int result = -1;
-    EXPECT_EQ(Adaptor::GetInstance()->GetType(kComponent, result), 0);
-    EXPECT_EQ(result, 0);
-}
-
 TEST_F(AVComponentRequests, GetAudioChannelNumGivesANegativeNumberAsAnUnsignedOne) {
     const std::pair<const char*, unsigned> numbers[] = {
         {"-1", 4294967295u}, {"-2147483648", 2147483648u}, {"2", 2}, {"2147483647", 2147483647}, {"2147483648", 0},

@@ -93,15 +93,6 @@ TEST_F(ConfigurationRequests, NetworkIdsAreRefusedWhenThereAreTooManyToBeTrue) {
     for (const char* num : {"65537", "1000000", "2147483647"}) EXPECT_EQ(NetworkIdsOf(Numbered(num, 3)), Ids{-1});
 }
 
-TEST_F(ConfigurationRequests, SetTextHasTheCodeOfGetTextAndNoKey) {
-    std::string text;
-    EXPECT_EQ(Adaptor::GetInstance()->GetText(5, text), 0);
-    EXPECT_EQ(Adaptor::GetInstance()->SetText(5, "no title"), 0);
-    ASSERT_EQ(mPlatform.Frames().size(), 2u);
-    EXPECT_EQ(mPlatform.Frames()[0].payload, "{\n\t\"key_type\" : 5,\n\t\"method\" : 22,\n\t\"type\" : 9\n}\n");
-    EXPECT_EQ(mPlatform.Frames()[1].payload, "{\n\t\"info\" : \"no title\",\n\t\"method\" : 22,\n\t\"type\" : 9\n}\n");
-}
-
 TEST_F(ConfigurationRequests, TheTimeShiftModeIsReadAsAnUnsignedNumber) {
     const std::pair<const char*, int> modes[] = {
         {"3", 3}, {"-1", 0}, {"2147483647", 2147483647}, {"2147483648", -2147483647 - 1}, {"4294967295", -1},
@@ -132,13 +123,6 @@ TEST_F(ConfigurationRequests, FunctionsThatNoEventCallsAreKeptInSilence) {
     }
     ASSERT_TRUE(events.Write(FrameBytes(kRequest, 12, "{}")));
     ASSERT_TRUE(events.ReadFrame().has_value());
-}
-
-TEST_F(ConfigurationRequests, SilentOperationsAreNamedByTheProtocol) {
-    const Json::Value& protocol = UnderTest().Wire().protocol;
-    std::vector<std::string> names;
-    for (const Json::Value& operation : protocol["silent_operations"]) names.push_back(operation["name"].asString());
-    EXPECT_EQ(names, (std::vector<std::string>{"SetDeviceResolutionCallback", "SetDNTValueCallback"}));
 }
 
 }  // namespace hbbtv::test

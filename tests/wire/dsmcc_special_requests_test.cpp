@@ -41,14 +41,6 @@ const std::vector<std::string> kEnterAndLeave = {"2 RequestFile ENTER", "2 Reque
 
 }  // namespace
 
-TEST_F(FileRequest, WithoutAContextHasAnEmptyOne) {
-    FakePlatform platform(UnderTest().Socket(), "");
-    EXPECT_EQ(Ask("u", nullptr), 0);
-    ASSERT_TRUE(platform.WaitForFrames(1));
-    EXPECT_EQ(platform.Frames()[0].payload,
-              "{\n\t\"context\" : \"\",\n\t\"method\" : 0,\n\t\"type\" : 20,\n\t\"url\" : \"u\"\n}\n");
-}
-
 TEST_F(FileRequest, FailsWithoutALineOfTheAdaptorWhileThePlatformIsDown) {
     EXPECT_EQ(Ask("u", Handle(7)), -1);
     EXPECT_EQ(Lines(), kEnterAndLeave);

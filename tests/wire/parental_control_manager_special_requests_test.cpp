@@ -72,20 +72,4 @@ TEST_F(ParentalControlManagerRequests, CountsAndLabelsAreTheBitsOfAnInt) {
     }
 }
 
-TEST_F(ParentalControlManagerRequests, ANullObjectIsAnEmptyText) {
-    EXPECT_EQ(Adaptor().Destroy(nullptr), 0);
-    ASSERT_EQ(mPlatform.Frames().size(), 1u);
-    EXPECT_EQ(mPlatform.Frames()[0].payload, "{\n\t\"in_handle\" : \"\",\n\t\"method\" : 2,\n\t\"type\" : 13\n}\n");
-}
-
-TEST_F(ParentalControlManagerRequests, TheUnusedCodesAreNamedByTheProtocol) {
-    const Json::Value& protocol = UnderTest().Wire().protocol;
-    std::vector<int> codes;
-    for (const Json::Value& entry : protocol["unused_codes"]) {
-        for (int code = entry["from"].asInt(); code <= entry["to"].asInt(); ++code) codes.push_back(code);
-    }
-    EXPECT_EQ(codes, (std::vector<int>{1,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15, 16, 17,
-                                       18, 19, 20, 22, 24, 26, 29, 31, 32, 34, 37, 39, 41, 43, 45}));
-}
-
 }  // namespace hbbtv::test

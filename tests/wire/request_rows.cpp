@@ -134,9 +134,19 @@ TEST_P(Request, IsARowOfTheProtocol) {
 
 TEST_P(Request, IsWhatTheProtocolSays) {
     FakePlatform platform(mSocket, ReplyText());
+    const Json::Value& members = GetParam().Operation()["request"];
+    std::vector<Json::Value> requests;
     // Each bool is true by itself once, so that no two can be exchanged.
-    for (int trueBool = kNoBool; trueBool < CountBools(GetParam().Operation()["request"]); ++trueBool) {
-        const Json::Value values = GetParam().Request(trueBool);
+    for (int trueBool = kNoBool; trueBool < CountBools(members); ++trueBool) {
+        requests.push_back(GetParam().Request(trueBool));
+    }
+    // A null handle is an empty string.
+    Json::Value nulls = requests.back();
+    for (const Json::Value& member : members) {
+        if (member["type"] == "pointer" && !member.isMember("repeat")) nulls[member["key"].asString()] = 0;
+    }
+    requests.push_back(nulls);
+    for (const Json::Value& values : requests) {
         platform.ForgetFrames();
         GetParam().Call(values);
         ASSERT_TRUE(platform.WaitForFrames(1));
@@ -374,6 +384,16 @@ TEST(Protocol, HasTheRowsOfThisTest) {
     }
     ASSERT_EQ(UnderTest().rows.size(), names.size());
     for (size_t i = 0; i < names.size(); ++i) EXPECT_EQ(UnderTest().rows[i].Name(), names[i]);
+}
+
+TEST(Protocol, NamesNoCodeOfAnOperationAsUnused) {
+    const Json::Value& protocol = UnderTest().Wire().protocol;
+    for (const Json::Value& operation : protocol["operations"]) {
+        for (const Json::Value& codes : protocol["unused_codes"]) {
+            const int code = operation["code"].asInt();
+            EXPECT_FALSE(codes["from"].asInt() <= code && code <= codes["to"].asInt()) << code;
+        }
+    }
 }
 
 TEST(Protocol, NamesTheSocketsOfItsKeys) {

@@ -72,27 +72,6 @@ TEST_F(VideoBroadcastRequests, RegisterMediaSyncCallbackSendsNothing) {
     EXPECT_EQ(mPlatform.Frames().size(), 1u);
 }
 
-TEST_F(VideoBroadcastRequests, SilentOperationsAreNamedByTheProtocol) {
-    const Json::Value& protocol = UnderTest().Wire().protocol;
-    std::vector<std::string> names;
-    for (const Json::Value& operation : protocol["silent_operations"]) names.push_back(operation["name"].asString());
-    EXPECT_EQ(names,
-              (std::vector<std::string>{"ClearCallback", "RecordNow", "SetChannel_Ext", "RegisterMediaSyncCallback"}));
-}
-
-TEST_F(VideoBroadcastRequests, TheActiveComponentByIndexIsAskedForWithoutItsType) {
-    void* component = nullptr;
-    for (const int comType : {-1, 0, 1, 2, 99}) {
-        Adaptor().GetSpecificTypeCurrentActiveAVComponentByIndex(kVb, comType, 4, component);
-        EXPECT_EQ(mPlatform.Frames().back().payload,
-                  "{\n\t\"index\" : 4,\n\t\"method\" : 42,\n\t\"type\" : 3,\n\t\"vb_handle\" : \"0x8000a1b2\"\n}\n");
-    }
-    Adaptor().GetSpecificTypeAVComponentByIndex(kVb, 1, 4, component);
-    EXPECT_EQ(mPlatform.Frames().back().payload,
-              "{\n\t\"comType\" : 1,\n\t\"index\" : 4,\n\t\"method\" : 40,\n\t\"type\" : 3,\n"
-              "\t\"vb_handle\" : \"0x8000a1b2\"\n}\n");
-}
-
 TEST_F(VideoBroadcastRequests, AFailureIsNotLoggedByTheAdaptor) {
     mPlatform.SetReply("nonsense");
     int state = 0;
