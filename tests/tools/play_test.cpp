@@ -257,7 +257,7 @@ class PlayAlone : public Alone {
   protected:
     FinishedRun Run(const std::string& text) const {
         WriteFile(mDirectory / "a.play", text);
-        return Ctl({"play", mDirectory / "a.play", "--timeout", "100ms"});
+        return Ctl({"play", mDirectory / "a.play", "--timeout", "2s"});
     }
 };
 
