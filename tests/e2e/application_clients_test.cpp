@@ -43,9 +43,9 @@ TEST(ApplicationClients, TellARegisteredClientOfEventsUntilItsProcessEnds) {
         ASSERT_TRUE(client.Registered()) << client.Output();
         RawConnection events = RawConnection::To(socket);
         ASSERT_TRUE(events.Write(FrameBytes(kOneWay, 1, R"({"t": 237, "appid": 17, "orgid": 19})")));
-        EXPECT_TRUE(client.WaitForOutput("application event 1 17 19 2748\n")) << client.Output();
+        EXPECT_TRUE(client.WaitForOutput(R"(onApplicationEvent [1,{"appId":17,"orgId":19},2748])")) << client.Output();
         EXPECT_EQ("{\n\t\"parentalRating\" : 0,\n\t\"ret\" : 0\n}\n", Ask(socket, kQuestion));
-        EXPECT_TRUE(client.WaitForOutput("rating asked DEU 0\n")) << client.Output();
+        EXPECT_TRUE(client.WaitForOutput(R"(onGetLocalParantalRating ["DEU",0])")) << client.Output();
         client.Kill();
         // All registrations go with it, whatever the number of notices, and the events are free for the next client.
         EXPECT_TRUE(WaitFor([&] { return Ask(socket, kQuestion) == kFailed; }));
@@ -64,7 +64,7 @@ TEST(ApplicationClients, TheParentalRatingQuestionIsAnsweredWhileTheClientStands
     const std::string socket = directory / "service_hbbtv_to_plugin_apm";
     EXPECT_EQ("{\n\t\"parentalRating\" : 0,\n\t\"ret\" : 0\n}\n", Ask(socket, kQuestion));
     client.Signal(SIGCONT);
-    EXPECT_TRUE(client.WaitForOutput("rating asked DEU 0\n")) << client.Output();
+    EXPECT_TRUE(client.WaitForOutput(R"(onGetLocalParantalRating ["DEU",0])")) << client.Output();
 }
 
 class BrowserTabs : public ::testing::Test {
@@ -80,7 +80,7 @@ TEST_F(BrowserTabs, AreCommandedInTheBrowsersProcessUntilItEnds) {
         RegisteredClient browser("mtm");
         ASSERT_TRUE(browser.Registered()) << browser.Output();
         EXPECT_EQ(kPinged, Ping());
-        EXPECT_TRUE(browser.WaitForOutput("ping\n")) << browser.Output();
+        EXPECT_TRUE(browser.WaitForOutput("Ping []\n")) << browser.Output();
         browser.Kill();
         EXPECT_TRUE(WaitFor([&] { return Ping() == kNobody; }));
     }
@@ -98,7 +98,7 @@ TEST_F(BrowserTabs, OfABrowserThatIsKilledDuringACommandGetAReply) {
     RegisteredClient browser("mtm_hanging");
     ASSERT_TRUE(browser.Registered()) << browser.Output();
     std::future<std::string> reply = std::async(std::launch::async, [this] { return Ping(); });
-    ASSERT_TRUE(browser.WaitForOutput("ping\n"));
+    ASSERT_TRUE(browser.WaitForOutput("Ping []\n"));
     browser.Kill();
     EXPECT_EQ(kFailed, reply.get());
     EXPECT_TRUE(WaitFor([&] { return Ping() == kNobody; }));

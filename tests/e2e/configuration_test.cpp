@@ -46,15 +46,15 @@ TEST_F(ConfigurationProcesses, TellSeveralClientsUntilEachIsTakenBack) {
     RegisteredClient second("further_configuration");
     ASSERT_TRUE(second.Registered()) << second.Output();
     Send(kAge16);
-    EXPECT_TRUE(first.WaitForOutput("configuration 8 '' 16\n")) << first.Output();
-    EXPECT_TRUE(second.WaitForOutput("configuration 8 '' 16\n")) << second.Output();
+    EXPECT_TRUE(first.WaitForOutput(R"("ratingAge":16)")) << first.Output();
+    EXPECT_TRUE(second.WaitForOutput(R"("ratingAge":16)")) << second.Output();
 
     // Its callback is known again, although it comes with another call.
     first.Write("unregister\n");
     ASSERT_TRUE(first.WaitForOutput("unregistered\n"));
     Send(kAge18);
-    EXPECT_TRUE(second.WaitForOutput("configuration 8 '' 18\n")) << second.Output();
-    EXPECT_EQ(std::string::npos, first.Output().find("18")) << first.Output();
+    EXPECT_TRUE(second.WaitForOutput(R"("ratingAge":18)")) << second.Output();
+    EXPECT_EQ(std::string::npos, first.Output().find(R"("ratingAge":18)")) << first.Output();
     EXPECT_EQ("1 {\n\t\"method\" : 33,\n\t\"type\" : 9\n}\n", Requests());
 
     second.Write("unregister\n");
@@ -75,12 +75,12 @@ TEST_F(ConfigurationProcesses, TellNobodyAfterOneClientsProcessHasEnded) {
     ASSERT_TRUE(mPlatform.WaitForFrames(2));
     EXPECT_EQ(std::string("2 ") + kUnregister, Requests());
     Send(kAge16);
-    EXPECT_EQ(std::string::npos, first.Output().find("16")) << first.Output();
+    EXPECT_EQ(std::string::npos, first.Output().find(R"("ratingAge":16)")) << first.Output();
 
     RegisteredClient third("configuration");
     ASSERT_TRUE(third.Registered()) << third.Output();
     Send(R"({"event": 2, "audLang": "deu"})");
-    EXPECT_TRUE(third.WaitForOutput("configuration 2 'deu' 0\n")) << third.Output();
+    EXPECT_TRUE(third.WaitForOutput(R"("audioLanguage":"deu")")) << third.Output();
 }
 
 }  // namespace

@@ -56,12 +56,14 @@ TEST_P(KilledClients, AreCalledUntilTheyEndAndTheNextOneIsServed) {
 }
 
 const Registration kRegistrations[] = {
-    {"av_control", R"({"method": 1, "component_type": 1, "component_index": 5})", "component 1 1 5\n", nullptr},
-    {"channel_config", R"({"event": 0, "reserved": "A"})", "channel configuration 0 65 2748\n",
+    {"av_control", R"({"method": 1, "component_type": 1, "component_index": 5})", "onComponentSelect [1,1,5]\n",
+     nullptr},
+    {"channel_config", R"({"event": 0, "reserved": "A"})", R"(OnChannelConfigEvent [0,{"reserved":65},2748])",
      "{\n\t\"method\" : 1,\n\t\"type\" : 19\n}\n"},
     {"dsmcc", R"({"method": 4, "event": 3, "context": "0xabc", "url": "dvb://1", "filePath": "/f"})",
-     "file 1 '' /f 2748\n", nullptr},
-    {"search_manager", R"({"event": 0, "state": 3, "searchHandle": "0x9d20"})", "search 0 3 40224 2748\n", nullptr},
+     R"(OnDsmccFileEvent [1,"","/f",2748])", nullptr},
+    {"search_manager", R"({"event": 0, "state": 3, "searchHandle": "0x9d20"})",
+     R"(OnSearchManagerEvent [0,{"searchHandle":40224,"state":3},2748])", nullptr},
 };
 
 INSTANTIATE_TEST_SUITE_P(Of, KilledClients, testing::ValuesIn(kRegistrations),

@@ -77,7 +77,7 @@ TEST(Processes, AClientKilledWhileEventsFlowIsNoticedAndTheNextOneIsServed) {
         for (int i = 0; i < kKilledClients; ++i) {
             RegisteredClient client;
             ASSERT_TRUE(client.Registered()) << client.Output();
-            ASSERT_TRUE(client.WaitForOutput("position ")) << "client " << i << " got no event";
+            ASSERT_TRUE(client.WaitForOutput("onPlayPositionChanged ")) << "client " << i << " got no event";
             client.Kill();
         }
     }
@@ -86,7 +86,7 @@ TEST(Processes, AClientKilledWhileEventsFlowIsNoticedAndTheNextOneIsServed) {
     ASSERT_TRUE(last.Registered()) << last.Output();
     RawConnection connection = RawConnection::To(directory / "service_hbbtv_to_plugin_vb");
     ASSERT_TRUE(connection.Write(PositionEvent(123456789)));
-    EXPECT_TRUE(last.WaitForOutput("position 123456789\n"));
+    EXPECT_TRUE(last.WaitForOutput("onPlayPositionChanged [123456789]\n"));
     EXPECT_FALSE(service.WaitForExit(std::chrono::milliseconds(0)).has_value());
 }
 
@@ -131,9 +131,9 @@ TEST(Processes, EventsReachTheClientInTheirOrderAndNoneIsLost) {
     std::string expected = "registered\n";
     for (int i = 1; i <= kEvents; ++i) {
         ASSERT_TRUE(connection.Write(PositionEvent(i)));
-        expected += "position " + std::to_string(i) + "\n";
+        expected += "onPlayPositionChanged [" + std::to_string(i) + "]\n";
     }
-    ASSERT_TRUE(client.WaitForOutput("position " + std::to_string(kEvents) + "\n"));
+    ASSERT_TRUE(client.WaitForOutput("onPlayPositionChanged [" + std::to_string(kEvents) + "]\n"));
     EXPECT_EQ(expected, client.Output());
 }
 

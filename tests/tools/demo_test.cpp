@@ -132,7 +132,7 @@ TEST_F(Demo, ShowsByTheStatusThatThePlatformIsDown) {
 
 TEST(DemoAlone, ReportsThatNoServiceIsThere) {
     ScratchDirectory directory;
-    const FinishedRun demo = Ctl({"play", "--timeout", "100ms", kDemo});
+    const FinishedRun demo = Ctl({"play", "--timeout", "2s", kDemo});
     EXPECT_EQ(demo.exit, 3);
     EXPECT_THAT(demo.errors, testing::HasSubstr("start the service"));
 }

@@ -257,7 +257,7 @@ class PlayAlone : public Alone {
   protected:
     FinishedRun Run(const std::string& text) const {
         WriteFile(mDirectory / "a.play", text);
-        return Ctl({"play", mDirectory / "a.play", "--timeout", "100ms"});
+        return Ctl({"play", mDirectory / "a.play", "--timeout", "2s"});
     }
 };
 
@@ -321,7 +321,7 @@ const WrongPlay kWrong[] = {
     {"let x = 1", "2:5: expected a name such as $channel, not \"x\""},
     {"let $x = 1 %", "2:12: unexpected character \"%\""},
     {"let $x = 99999999999999999999", "2:10: the number does not fit into 64 bits"},
-    {"let $x = {a: 1, a: 2}", "2:17: the member \"a\" stands there twice"},
+    {"let $x = {a: 1, a: 2}", "2:17: duplicate member \"a\""},
     {"let $x = TolmVBPlayState.PRESENT", "2:10: TolmVBPlayState has no enumerator \"PRESENT\""},
     {"wait 3", "2:6: expected a time such as 300ms or 2s, not \"3\""},
     {"wait 3m", "2:6: \"3m\" is neither a number nor a time"},

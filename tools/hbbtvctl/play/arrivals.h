@@ -1,4 +1,4 @@
-// What arrives at the callback objects of this process while a play runs.
+// The calls that arrive at the callback objects of this process while a play runs.
 #pragma once
 
 #include <hidl/HidlSupport.h>

@@ -1,4 +1,4 @@
-// Which methods of the package and which events of the wire a play has come by.
+// The methods of the package that plays have called, and the events of the wire that they have seen.
 #pragma once
 
 #include <set>

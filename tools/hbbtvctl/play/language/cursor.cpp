@@ -176,7 +176,7 @@ Expression Cursor::ReadObject(bool pattern) {
         const Token key =
             Peek().kind == Token::Kind::Word ? mTokens[mAt++] : Next(Token::Kind::Text, "a member's name");
         if (std::count(expression.keys.begin(), expression.keys.end(), key.text) != 0) {
-            throw SyntaxError{key.place, "the member " + Quoted(key.text) + " stands there twice"};
+            throw SyntaxError{key.place, "duplicate member " + Quoted(key.text)};
         }
         Expect(":", "a member's name");
         expression.keys.push_back(key.text);

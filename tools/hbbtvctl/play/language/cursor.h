@@ -1,4 +1,4 @@
-// A walk along the tokens of one statement, and the expressions that it meets.
+// Reads the tokens of one statement from left to right, and the expressions in them.
 #pragma once
 
 #include <functional>
