@@ -1,11 +1,13 @@
 #include "wire/protocol.h"
 
 #include <cctype>
-#include <sstream>
+#include <memory>
+#include <mutex>
 
 #include "common/failure.h"
 #include "common/nearest_name.h"
 #include "common/text/json.h"
+#include "wire/protocol_files.h"
 
 namespace hbbtv {
 
@@ -18,14 +20,34 @@ void ShareObject(Json::Value& protocol) {
     for (Json::Value& operation : protocol["operations"]) operation["request"].insert(0, object);
 }
 
-std::vector<WireFamily> ReadFamilies() {
-    std::vector<WireFamily> families;
-    std::istringstream lines(kProtocol);
-    for (std::string line; std::getline(lines, line);) {
-        Json::Value protocol = ParseJson(line);
-        ShareObject(protocol);
-        families.push_back({protocol["family"].asString(), protocol});
+// Parses a file when its family is first used: most programs use few families, and parsing all takes milliseconds.
+class Families {
+  public:
+    Families() : mParsed(std::make_unique<std::once_flag[]>(ProtocolFiles().size())) {
+        for (const ProtocolFile& file : ProtocolFiles()) mFamilies.push_back({file.family, {}});
     }
+
+    const WireFamily& Parsed(size_t index) {
+        WireFamily& family = mFamilies[index];
+        std::call_once(mParsed[index], [&] {
+            family.protocol = ParseJson(ProtocolFiles()[index].json);
+            ShareObject(family.protocol);
+        });
+        return family;
+    }
+
+    const std::vector<WireFamily>& AllParsed() {
+        for (size_t i = 0; i < mFamilies.size(); ++i) Parsed(i);
+        return mFamilies;
+    }
+
+  private:
+    std::vector<WireFamily> mFamilies;
+    const std::unique_ptr<std::once_flag[]> mParsed;
+};
+
+Families& TheFamilies() {
+    static Families families;
     return families;
 }
 
@@ -90,15 +112,15 @@ const Json::Value& WireFamily::FindEvent(const std::string& wanted) const {
 }
 
 const std::vector<WireFamily>& WireFamilies() {
-    static const std::vector<WireFamily> families = ReadFamilies();
-    return families;
+    return TheFamilies().AllParsed();
 }
 
 const WireFamily& FindFamily(const std::string& wanted) {
     std::set<std::string> known;
-    for (const WireFamily& family : WireFamilies()) {
-        if (IsInterfaceOf(wanted, family.name)) return family;
-        known.insert(family.name);
+    for (size_t i = 0; i < ProtocolFiles().size(); ++i) {
+        const char* const family = ProtocolFiles()[i].family;
+        if (IsInterfaceOf(wanted, family)) return TheFamilies().Parsed(i);
+        known.insert(family);
     }
     throw Failure(
         kUsage, "unknown family \"" + wanted + "\"" + DidYouMean(wanted, known, kShortList) + " (see `hbbtvctl list`)");

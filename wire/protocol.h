@@ -40,7 +40,4 @@ bool IsInterfaceOf(const std::string& interface, const std::string& family);
 // Returns the name in lower case, without underscores.
 std::string FoldedName(const std::string& name);
 
-// The files of protocol/, one line each.
-extern const char* const kProtocol;
-
 }  // namespace hbbtv
