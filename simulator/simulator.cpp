@@ -75,11 +75,11 @@ std::string Simulator::Summary() const {
 }
 
 void Simulator::AddCommands() {
-    mCommands["stop-answering"] = {"stop-answering FAMILY", "its requests are read and otherwise left alone",
+    mCommands["stop-answering"] = {"stop-answering FAMILY", "ignore the requests of a family, as a platform that hangs",
                                    [this](const Words& words) { return SetAnswering(words, false); }};
-    mCommands["answer"] = {"answer FAMILY", "its requests are answered again",
+    mCommands["answer"] = {"answer FAMILY", "answer the requests of a family again",
                            [this](const Words& words) { return SetAnswering(words, true); }};
-    mCommands["help"] = {"help [COMMAND]", "what a command is for, or how all are written",
+    mCommands["help"] = {"help [COMMAND]", "describe a command, or list all",
                          [this](const Words& words) { return Help(words); }};
 }
 

@@ -25,7 +25,7 @@ void EventLoop::Run() {
         try {
             mContext->run();
         } catch (const std::exception& e) {
-            Journal::Log(std::string("internal error, carrying on: ") + e.what());
+            Journal::Log(std::string("internal error, continuing: ") + e.what());
         }
     }
 }

@@ -42,7 +42,7 @@ class HandleTable {
         if (!object) return 0;
         const auto known = mHandles.find(object.get());
         if (known != mHandles.end()) return known->second;
-        if (mObjects.size() >= kMost) throw Refused("too many handles of one kind, release some");
+        if (mObjects.size() >= kMost) throw Refused("too many handles of one kind; release some");
         Handle handle = mSource.New();
         while (mObjects.count(handle) != 0) handle = mSource.New();
         mHandles[object.get()] = handle;

@@ -28,7 +28,7 @@ ApplicationPrivateDataFamily::ApplicationPrivateDataFamily(const FamilySetup& se
     using F = ApplicationPrivateDataFamily;
     Row("getFreeMem", &F::GetFreeMem);
     Row("getCurrentChannel", &F::GetCurrentChannel);
-    AddCommand("free-memory BYTES|unknown", "so much memory is free for applications", &F::SetFreeMemory);
+    AddCommand("free-memory BYTES|unknown", "set the memory that is free for applications", &F::SetFreeMemory);
 }
 
 // --- At the television

@@ -72,8 +72,8 @@ AvControlFamily::AvControlFamily(const FamilySetup& setup)
     : Family("av_control"), mSink(Sends(setup.makeSink, {"select"})) {
     using F = AvControlFamily;
     Row("ComponentUpdate", &F::ComponentUpdate);
-    AddCommand("components", "the components of the browser's media, as the browser told of them", &F::Components);
-    AddCommand("select video|audio|subtitle INDEX", "the viewer asks for one of them", &F::Select);
+    AddCommand("components", "show the components of the browser's media", &F::Components);
+    AddCommand("select video|audio|subtitle INDEX", "select a component of the browser's media", &F::Select);
 }
 
 // An update holds all components of its type, so it takes the place of the one before.
@@ -112,7 +112,7 @@ std::string AvControlFamily::Components(const Words& words) {
             if (told.current == static_cast<int>(i)) text += " current";
         }
     }
-    if (text.empty()) throw Refused("the browser has not told of any");
+    if (text.empty()) throw Refused("the browser has not reported any components");
     return text;
 }
 
@@ -122,7 +122,8 @@ std::string AvControlFamily::Select(const Words& words) {
     size_t type = 0;
     while (index && type < kTypes.size() && words[0] != kTypes[type]) ++type;
     if (!index || type == kTypes.size()) throw WrongWords();
-    if (!mComponents[type]) throw Refused(std::string("the browser has told of no ") + kTypes[type] + " components");
+    if (!mComponents[type])
+        throw Refused(std::string("the browser has not reported any ") + kTypes[type] + " components");
     const MediaComponent& media = At(mComponents[type]->list, *index);
     Json::Value event;
     event["component_type"] = static_cast<int>(type);

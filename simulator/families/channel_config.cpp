@@ -58,12 +58,14 @@ ChannelConfigFamily::ChannelConfigFamily(const FamilySetup& setup)
     Row("SetChannelList", &F::SetChannelList);
     Row("CreateChannelList", &F::CreateChannelList);
     Row("CreateFilteredList", &F::CreateFilteredList);
-    AddCommand("hide NUMBER", "a channel is not shown to the viewer any more",
+    AddCommand("hide NUMBER", "hide a channel from the viewer",
                [this](const Words& words) { return SetHidden(words, true); });
-    AddCommand("show NUMBER", "it is shown again", [this](const Words& words) { return SetHidden(words, false); });
-    AddCommand("remove NUMBER", "a channel is taken out of the channel list",
+    AddCommand("show NUMBER", "show a hidden channel again",
+               [this](const Words& words) { return SetHidden(words, false); });
+    AddCommand("remove NUMBER", "remove a channel from the channel list",
                [this](const Words& words) { return SetListed(words, false); });
-    AddCommand("restore NUMBER", "it is put back", [this](const Words& words) { return SetListed(words, true); });
+    AddCommand("restore NUMBER", "put a removed channel back",
+               [this](const Words& words) { return SetListed(words, true); });
     mTv.channelList.changed.Watch([this] { Notify(ConfigChange::ChannelList); });
     mTv.favourites->changed.Watch([this] { Notify(ConfigChange::FavouriteList); });
 }
@@ -92,7 +94,7 @@ void ChannelConfigFamily::SetChannelList(In in, Out) {
 std::string ChannelConfigFamily::Add(ChannelVector channels) {
     size_t entries = channels.size();
     for (const auto& entry : mTv.channelLists.All()) entries += entry.second->Channels().size();
-    if (entries > kMostEntries) throw Refused("too many channels in lists, release some");
+    if (entries > kMostEntries) throw Refused("too many channels in lists; release some");
     return Text(mTv.channelLists, std::make_shared<ChannelList>(std::move(channels)));
 }
 
@@ -143,7 +145,7 @@ std::string ChannelConfigFamily::SetHidden(const Words& words, bool hidden) {
     const auto channel = mTv.channelList.KnownWithNumber(*number);
     if (!channel) throw Refused("there is no such channel in the list");
     if (!mTv.channelList.SetHidden(*number, hidden)) {
-        throw Refused(hidden ? "the channel is hidden" : "the channel is not hidden");
+        throw Refused(hidden ? "the channel is already hidden" : "the channel is not hidden");
     }
     return channel->name;
 }
@@ -152,7 +154,7 @@ std::string ChannelConfigFamily::SetListed(const Words& words, bool listed) {
     const auto number = Number(Word(words));
     if (!number) throw WrongWords();
     const auto channel = listed ? mTv.channelList.PutBack(*number) : mTv.channelList.TakeOut(*number);
-    if (!channel) throw Refused(listed ? "no such channel was removed" : "there is no such channel in the list");
+    if (!channel) throw Refused(listed ? "no removed channel has this number" : "there is no such channel in the list");
     return channel->name;
 }
 

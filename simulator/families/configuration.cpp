@@ -135,8 +135,8 @@ ConfigurationFamily::ConfigurationFamily(const FamilySetup& setup)
     Row("UnregisterCallback", &F::UnregisterCallback);
     Gives("GetRatingAge", P::RatingAge, "age");
     Gives("GetDNTPolicy", P::DoNotTrack, "dnt");
-    AddCommand("set PREFERENCE VALUE", "the viewer changes a preference", &F::Set);
-    AddCommand("get [PREFERENCE]", "what a preference is, or all", &F::Get);
+    AddCommand("set PREFERENCE VALUE", "change a preference", &F::Set);
+    AddCommand("get [PREFERENCE]", "show a preference, or all", &F::Get);
     mPreferences.changed.Watch([this](Preference preference) { Tell(preference); });
 }
 

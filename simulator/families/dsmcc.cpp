@@ -89,7 +89,7 @@ DsmccFamily::DsmccFamily(const FamilySetup& setup)
     using F = DsmccFamily;
     Row("RequestFile", &F::RequestFile);
     Row("ReleaseFile", &F::ReleaseFile);
-    AddCommand("carousel-change PATH", "the carousel sends the file as a new version", &F::Change);
+    AddCommand("carousel-change PATH", "send a file of the carousel as a new version", &F::Change);
     mTv.tuner.changed.Watch([this] { CarouselLeft(); });
     if (setup.settings.carousel.empty()) return;
     mCarousel = std::make_unique<Carousel>(setup.settings.carousel);
@@ -129,7 +129,7 @@ void DsmccFamily::RequestFile(In in, Out) {
         throw;
     }
     mUses.erase(key);
-    if (mUses.size() >= kMostUses) throw Refused("too many files are in use, release some");
+    if (mUses.size() >= kMostUses) throw Refused("too many files are in use; release some");
     Use& use = mUses.try_emplace(key, mLoop, path.value_or(CarouselPath())).first->second;
     use.lost = !path;
     use.lost ? Send(FileEvent::CarouselLost, key) : Load(key, use);
@@ -137,7 +137,7 @@ void DsmccFamily::RequestFile(In in, Out) {
 
 void DsmccFamily::ReleaseFile(In in, Out) {
     const Key key(in.ShortText("url"), in.Pointer("context"));
-    if (mUses.erase(key) == 0) throw Refused("no such file is in use");
+    if (mUses.erase(key) == 0) throw Refused("this file is not in use");
 }
 
 // --- Files
@@ -216,7 +216,7 @@ void DsmccFamily::Send(FileEvent event, const Key& key, const File& file) {
 
 std::string DsmccFamily::Change(const Words& words) {
     const std::string& word = Word(words);
-    if (!mCarousel) throw Refused("there is no carousel, see --carousel");
+    if (!mCarousel) throw Refused("there is no carousel (see --carousel)");
     const CarouselPath path = ReadCarouselPath(word);
     const int version = mCarousel->NextVersion(path);
     Changed(path);

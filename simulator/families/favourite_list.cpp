@@ -56,7 +56,7 @@ void FavouriteListFamily::InsertBefore(In in, Out) {
     }
     if (length >= kMostChannels) throw Refused("a favourite list holds at most 20000 channels");
     const auto channel = mTv.serviceChannels.WithCcid(in.Text("ccid"));
-    if (!channel) throw Refused("\"ccid\" names no channel of the line-up");
+    if (!channel) throw Refused("\"ccid\" does not name a channel of the line-up");
     list->Insert(static_cast<size_t>(index), channel);
 }
 

@@ -40,11 +40,11 @@ LocalSystemFamily::LocalSystemFamily(const FamilySetup& setup) : Family("local_s
     Row("GetSerialNumber", &F::GetSerialNumber);
     Row("GetPvrEnabled", &F::GetPvrEnabled);
     Row("GetCiplusEnabled", &F::GetCiplusEnabled);
-    AddCommand("pvr on|off", "the disk for recordings is plugged in, or pulled out",
+    AddCommand("pvr on|off", "plug the disk for recordings in, or pull it out",
                [this](const Words& words) { return Switch(words, &DeviceDescription::pvr); });
-    AddCommand("ci-plus on|off", "a CI Plus module is plugged in, or pulled out",
+    AddCommand("ci-plus on|off", "plug a CI Plus module in, or pull it out",
                [this](const Words& words) { return Switch(words, &DeviceDescription::ciPlus); });
-    AddCommand("software-update VERSION", "the television's software becomes this version", &F::UpdateSoftware);
+    AddCommand("software-update VERSION", "set the version of the television's software", &F::UpdateSoftware);
 }
 
 // --- At the television

@@ -20,7 +20,7 @@ int Bits(uint32_t number) {
 
 std::string Region(const std::string& region) {
     const bool letters = region.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ") == std::string::npos;
-    if (!region.empty() && (region.size() != 2 || !letters)) throw Refused("a region is two capital letters, or none");
+    if (!region.empty() && (region.size() != 2 || !letters)) throw Refused("a region is two capital letters or empty");
     return region;
 }
 
@@ -80,7 +80,7 @@ ParentalControlManagerFamily::ParentalControlManagerFamily(const FamilySetup& se
       mRatings(setup.tv.handleSource) {
     AddManagerRows();
     AddRatingRows();
-    AddCommand("parental-threshold SCHEME RATING|none", "the parents block from this rating on, or nothing",
+    AddCommand("parental-threshold SCHEME RATING|none", "block from this rating on, or nothing",
                &ParentalControlManagerFamily::SetThreshold);
 }
 
@@ -154,7 +154,7 @@ void ParentalControlManagerFamily::AddParentalRating(In in, Out) {
     const auto scheme = mTv.parentalControl.Find(rating.scheme);
     if (!scheme) throw Refused("there is no such rating scheme");
     if (!scheme->RatingOf(rating.name)) throw Refused("the scheme has no such rating");
-    if (collection.size() >= kMostRatings) throw Refused("the collection has 1000 ratings already");
+    if (collection.size() >= kMostRatings) throw Refused("the collection already has 1000 ratings");
     collection.push_back(std::make_shared<Rating>(std::move(rating)));
 }
 

@@ -188,7 +188,7 @@ void SearchManagerFamily::FindProgrammesFromStream(In in, Out) {
     const double time = in.Real("time");
     const int count = in.Int("count");
     if (!(time >= 0 && time <= UINT32_MAX) || time != std::floor(time)) {
-        throw Refused("\"time\" is no whole number of 32 bits");
+        throw Refused("\"time\" is not a 32-bit whole number");
     }
     if (count < 0) throw Refused("\"count\" is negative");
     search->search->FindFrom(channel->service, static_cast<std::time_t>(time), static_cast<size_t>(count));
@@ -215,7 +215,7 @@ void SearchManagerFamily::GetResults(In in, Out) {
     const auto search = Find(mResults, in, "in_handle", "result set");
     const unsigned offset = in.UInt("offset");
     const unsigned count = in.UInt("count");
-    if (search->destroyed) throw Refused("the search of this result set is gone");
+    if (search->destroyed) throw Refused("the search of this result set was destroyed");
     search->search->Ask(offset, count, std::time(nullptr));
     mRunner.Run(search->search);
 }

@@ -36,7 +36,7 @@ double Arguments::Real(const char* name) const {
 }
 
 std::string Arguments::Text(const char* name) const {
-    return Member(name, &Json::Value::isString, "a text").asString();
+    return Member(name, &Json::Value::isString, "a string").asString();
 }
 
 std::string Arguments::ShortText(const char* name) const {
@@ -57,8 +57,8 @@ const Json::Value& Arguments::Objects(const char* name) const {
 }
 
 uint64_t Arguments::Pointer(const char* name) const {
-    const auto pointer = ParsePointer(Member(name, &Json::Value::isString, "a handle's text").asString());
-    if (!pointer) throw Refused(std::string("member \"") + name + "\" is not a handle's text");
+    const auto pointer = ParsePointer(Member(name, &Json::Value::isString, "a handle string").asString());
+    if (!pointer) throw Refused(std::string("member \"") + name + "\" is not a handle string");
     return *pointer;
 }
 

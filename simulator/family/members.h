@@ -21,7 +21,7 @@ namespace hbbtv::sim {
 template <typename T>
 std::shared_ptr<T> Find(const HandleTable<T>& table, const Arguments& in, const char* member, const char* kind) {
     const auto object = table.Find(in.Pointer(member));
-    if (!object) throw Refused("\"" + std::string(member) + "\" names no " + kind);
+    if (!object) throw Refused("\"" + std::string(member) + "\" does not name a " + kind);
     return object;
 }
 

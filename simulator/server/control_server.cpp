@@ -64,7 +64,7 @@ std::string Tell(const std::string& path, const std::string& line) {
     asio::write(socket, asio::buffer(line + "\n"), error);
     std::string answer;
     if (!error) asio::read_until(socket, asio::dynamic_buffer(answer), '\n', error);
-    if (error) throw Fatal(kTellFailed, "the simulator on " + path + " gave no answer: " + error.message());
+    if (error) throw Fatal(kTellFailed, "the simulator on " + path + " did not answer: " + error.message());
     answer.pop_back();
     return answer;
 }

@@ -66,7 +66,7 @@ Json::Value Dispatcher::Answer(const std::string& text, std::string& operation, 
 std::optional<Frame> Dispatcher::Handle(const Frame& message) {
     if (message.type != kOneWay && message.type != kRequest) return std::nullopt;
     if (mSilent) {
-        mJournal.Request(mFamily->Address().name, "", "not answered, as told", {});
+        mJournal.Request(mFamily->Address().name, "", "not answered (stop-answering)", {});
         return std::nullopt;
     }
     const auto start = std::chrono::steady_clock::now();

@@ -58,14 +58,14 @@ void EventSender::Send(const std::string& event, const Json::Value& members) {
 
 void EventSender::SendAndWait(const std::string& event, const Json::Value& members,
                               std::function<void(const Json::Value&)> onReply) {
-    if (mJournal.Tracing()) mJournal.Event(event, Readable(members), "waits for a reply");
+    if (mJournal.Tracing()) mJournal.Event(event, Readable(members), "waiting for a reply");
     Enqueue({event, Message(kRequest, event, members), std::move(onReply)});
 }
 
 // The work is posted: an event that a request caused leaves after the reply to that request.
 void EventSender::Enqueue(Waiting event) {
     if (mQueue.size() >= kLongestQueue) {
-        if (!mSaidSo) Journal::Log(mPath + ": nobody reads the events, further ones are dropped");
+        if (!mSaidSo) Journal::Log(mPath + ": nobody reads the events; further ones are dropped");
         mSaidSo = true;
         Answer(event, Json::Value());
         return;

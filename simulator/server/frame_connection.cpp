@@ -36,7 +36,7 @@ class FrameConnection : public std::enable_shared_from_this<FrameConnection> {
             if (const auto reply = mHandler(*message)) mReplies += Encode(*reply);
         }
         if (const auto size = mReader.Oversized()) {
-            Journal::Log(mName + ": a message announces " + std::to_string(*size) + " bytes, connection closed");
+            Journal::Log(mName + ": a message header announces " + std::to_string(*size) + " bytes; connection closed");
             return;
         }
         if (mReplies.empty()) return Read();
@@ -49,7 +49,7 @@ class FrameConnection : public std::enable_shared_from_this<FrameConnection> {
     }
 
     void Ended() const {
-        if (mReader.InMessage()) Journal::Log(mName + ": the peer left in the middle of a message");
+        if (mReader.InMessage()) Journal::Log(mName + ": the peer disconnected in the middle of a message");
     }
 
     Socket mSocket;

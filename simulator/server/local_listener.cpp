@@ -26,10 +26,10 @@ constexpr std::chrono::milliseconds kPauseAfterError{100};
 void ClearPath(const std::string& path) {
     struct stat file {};
     if (lstat(path.c_str(), &file) != 0) return;  // nothing there, or nothing to be done about it: bind will say
-    if (!S_ISSOCK(file.st_mode)) Fail(path, "the file is there and is not a socket");
+    if (!S_ISSOCK(file.st_mode)) Fail(path, "the file is not a socket");
     const Descriptor probe(ConnectTo(path));
     if (probe.Get() >= 0 || errno == EAGAIN) {
-        Fail(path, "another process answers there; end it, or choose another directory with --directory");
+        Fail(path, "another process serves it; end it or choose another directory with --directory");
     }
     if (unlink(path.c_str()) != 0 && errno != ENOENT) Fail(path, std::strerror(errno));
 }

@@ -42,7 +42,7 @@ Json::Value JsonSource::Parse() const {
 JsonObject::JsonObject(const JsonSource& source, const Json::Value& value, std::string what,
                        const std::set<std::string>& known)
     : mSource(source), mValue(value), mWhat(std::move(what)) {
-    if (!value.isObject()) source.Refuse(value, "a " + mWhat + " is written as an object, in { }");
+    if (!value.isObject()) source.Refuse(value, "a " + mWhat + " is not an object");
     for (const std::string& name : value.getMemberNames()) {
         if (known.count(name) == 0) {
             source.Refuse(value[name], "a " + mWhat + " has no member " + Quoted(name) + DidYouMean(name, known));
@@ -57,7 +57,7 @@ const Json::Value& JsonObject::Member(const char* name) const {
 
 std::string JsonObject::Text(const char* name) const {
     const Json::Value& member = Member(name);
-    if (!member.isString()) Refuse(name, "is not a text");
+    if (!member.isString()) Refuse(name, "is not a string");
     if (member.asString().empty()) Refuse(name, "is empty");
     return member.asString();
 }
@@ -67,7 +67,7 @@ int JsonObject::Int(const char* name, int least, int most) const {
     const std::string range = std::to_string(least) + " to " + std::to_string(most);
     if (!member.isInt()) Refuse(name, "is not a whole number from " + range);
     if (member.asInt() < least || member.asInt() > most) {
-        Refuse(name, "is " + std::to_string(member.asInt()) + ", it has to be from " + range);
+        Refuse(name, "is " + std::to_string(member.asInt()) + " but must be from " + range);
     }
     return member.asInt();
 }
@@ -101,17 +101,17 @@ int JsonObject::OneOf(const char* name, const JsonNames& names) const {
     if (found != names.end()) return found->second;
     std::set<std::string> known;
     for (const auto& entry : names) known.insert(entry.first);
-    Refuse(name, "is " + Quoted(text) + ", which is not known" + DidYouMean(text, known));
+    Refuse(name, "is " + Quoted(text) + ", which is unknown" + DidYouMean(text, known));
 }
 
 const Json::Value& JsonObject::List(const char* name) const {
     const Json::Value& member = Member(name);
-    if (!member.isArray()) Refuse(name, "is written as a list, in [ ]");
+    if (!member.isArray()) Refuse(name, "is not a list");
     return member;
 }
 
 void JsonObject::Only(bool allowed, const char* name, const std::string& whose) const {
-    if (!allowed && Has(name)) Refuse(name, "belongs to " + whose + " only");
+    if (!allowed && Has(name)) Refuse(name, "is allowed only in " + whose + "");
 }
 
 void JsonObject::Refuse(const char* name, const std::string& reason) const {

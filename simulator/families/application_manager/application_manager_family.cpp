@@ -156,9 +156,9 @@ void ApplicationManagerFamily::AddRows() {
 
 void ApplicationManagerFamily::AddCommands() {
     using F = ApplicationManagerFamily;
-    AddCommand("apps", "the table of applications", &F::ApplicationTable);
-    AddCommand("start ORGANISATION.APPLICATION", "an application of the service starts", &F::Start);
-    AddCommand("stop ORGANISATION.APPLICATION", "an application ends", &F::Stop);
+    AddCommand("apps", "show the table of applications", &F::ApplicationTable);
+    AddCommand("start ORGANISATION.APPLICATION", "start an application of the service", &F::Start);
+    AddCommand("stop ORGANISATION.APPLICATION", "end an application", &F::Stop);
 }
 
 // --- Which one is meant
@@ -166,7 +166,7 @@ void ApplicationManagerFamily::AddCommands() {
 ApplicationPointer ApplicationManagerFamily::Named(In in) const {
     const ApplicationId id{in.Int("appid"), in.Int("orgid")};
     const ApplicationPointer application = mTv.applications.Find(id);
-    if (!application) throw Refused("no application " + IdText(id) + " runs");
+    if (!application) throw Refused("no application " + IdText(id) + " is running");
     return application;
 }
 
@@ -191,14 +191,14 @@ const RemoteKey& ApplicationManagerFamily::NamedKey(In in) const {
 void ApplicationManagerFamily::GetOwnerApp(In in, Out out) {
     const int number = in.Int("appid");
     const ApplicationPointer application = mTv.applications.FindNumber(number);
-    if (!application) throw Refused("no application of the number " + std::to_string(number) + " runs");
+    if (!application) throw Refused("no application with the number " + std::to_string(number) + " is running");
     const bool child = !(application->parent == kNoApplication);
     PutId(out, child ? application->parent : application->id);
 }
 
 void ApplicationManagerFamily::GetCurrentApp(In, Out out) {
     const ApplicationPointer current = mTv.applications.Current();
-    if (!current) throw Refused("no application runs");
+    if (!current) throw Refused("no application is running");
     PutId(out, current->id);
 }
 
@@ -277,7 +277,7 @@ void ApplicationManagerFamily::NotifyDSMCCResponseToAPM(In in, Out) {
 void ApplicationManagerFamily::SetDeviceResolution(In in, Out) {
     const unsigned width = in.UInt("width");
     const unsigned height = in.UInt("heigth");
-    if (width == 0 || height == 0) throw Refused("the screen has no size");
+    if (width == 0 || height == 0) throw Refused("the width or height of the screen is 0");
     mTv.resolution = {width, height};
 }
 
@@ -304,7 +304,7 @@ std::string ApplicationManagerFamily::Start(const Words& words) {
 std::string ApplicationManagerFamily::Stop(const Words& words) {
     const ApplicationId id = IdIn(words);
     const ApplicationPointer application = mTv.applications.Find(id);
-    if (!application) throw Refused("no application " + IdText(id) + " runs");
+    if (!application) throw Refused("no application " + IdText(id) + " is running");
     mTv.applications.End(application);
     return application->name;
 }

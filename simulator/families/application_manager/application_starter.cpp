@@ -90,7 +90,7 @@ ApplicationPointer ApplicationStarter::StartAnnounced(const ApplicationId& id, c
 
 ApplicationPointer ApplicationStarter::Create(const ApplicationPointer& creator, const std::string& url, bool child,
                                               bool operatorApp) {
-    if (child && !creator) throw Refused("a child needs the application that makes it");
+    if (child && !creator) throw Refused("a child needs the application that creates it");
     if (url.size() > kLongestUrl)
         throw Refused("the URL is longer than " + std::to_string(kLongestUrl) + " characters");
     Application application;
@@ -99,11 +99,11 @@ ApplicationPointer ApplicationStarter::Create(const ApplicationPointer& creator,
     const std::string query = question < url.size() ? url.substr(question + 1) : "";
     if (url.rfind(signalled, 0) == 0) {
         const auto id = ReadApplicationId(url.substr(signalled.size(), question - signalled.size()));
-        if (!id) throw Refused("\"" + Excerpt(url) + "\" names no application");
+        if (!id) throw Refused("\"" + Excerpt(url) + "\" does not name an application");
         application = Announced(*id, query);
     } else {
         const size_t scheme = url.find("://");
-        if (scheme == std::string::npos || scheme == 0) throw Refused("\"" + Excerpt(url) + "\" is no URL");
+        if (scheme == std::string::npos || scheme == 0) throw Refused("\"" + Excerpt(url) + "\" is not a URL");
         const int organisation = creator ? creator->id.organisation : 0;
         application.id = {mTv.applications.NewNumber(organisation), organisation};
         application.name = Excerpt(url);

@@ -65,7 +65,8 @@ void Browser::AskForSignalling(const ApplicationPointer& application) {
 void Browser::SignallingCame(const ApplicationPointer& application, const Json::Value& reply) {
     const bool text = WentWell(reply) && reply["xmlFile"].isString();
     const auto location = text ? LocationIn(reply["xmlFile"].asString()) : std::nullopt;
-    if (!location) return NoTab(application, reply, "it gives no application's place for " + Excerpt(application->url));
+    if (!location)
+        return NoTab(application, reply, "it returns no application location for " + Excerpt(application->url));
     mTv.applications.FoundDocument(application, *location);
 }
 
@@ -85,10 +86,10 @@ void Browser::TabCame(const ApplicationPointer& application, const Json::Value& 
         if (Tab* tab = id ? mTv.tabs.Find(*id) : nullptr) tab->state = TabState::Closing;
         return;
     }
-    if (!id) return NoTab(application, reply, "it makes none");
+    if (!id) return NoTab(application, reply, "it did not create a tab");
     const Tab* known = mTv.tabs.Find(*id);
     const bool taken = known != nullptr && !known->Going() && known->application.lock();
-    if (taken) return NoTab(application, reply, "tab " + std::to_string(*id) + " is another application's");
+    if (taken) return NoTab(application, reply, "tab " + std::to_string(*id) + " is used by another application");
     try {
         Tab& tab = mTv.tabs.Add(*id);
         tab.application = application;
@@ -126,7 +127,7 @@ void Browser::NoTab(const ApplicationPointer& application, const Json::Value& re
     if (nobody) mSaidNobody = true;
     if (said) return;
     Journal::Log("mtm: no tab for " + application->name + ": " +
-                 (nobody ? "no browser answers" : "the browser answers, but " + what));
+                 (nobody ? "no browser responds" : "the browser responds, but " + what));
 }
 
 void Browser::Show(int tab, const Application& application) {
@@ -216,7 +217,7 @@ void Browser::Ponged(const Json::Value& reply) {
 // Who does not answer has no tabs either: a new one does not know those of the old one.
 void Browser::Lost() {
     if (!mTv.tabs.All().empty()) {
-        Journal::Log("mtm: the browser does not answer, its tabs are gone");
+        Journal::Log("mtm: the browser does not respond; its tabs are removed");
         mLeftovers = true;
     }
     mTv.tabs.Clear();

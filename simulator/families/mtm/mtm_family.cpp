@@ -142,10 +142,10 @@ void MtmFamily::AddRows() {
 
 void MtmFamily::AddCommands() {
     using F = MtmFamily;
-    AddCommand("key NAME", "the viewer presses a key", &F::Key);
-    AddCommand("tabs", "the table of tabs", &F::TabTable);
-    AddCommand("crash TAB", "the tab's page brings its process down", &F::Crash);
-    AddCommand("close-tabs", "all tabs go, and their applications with them", &F::CloseTabs);
+    AddCommand("key NAME", "press a key of the remote control", &F::Key);
+    AddCommand("tabs", "show the table of tabs", &F::TabTable);
+    AddCommand("crash TAB", "crash the process of the tab", &F::Crash);
+    AddCommand("close-tabs", "close all tabs and end their applications", &F::CloseTabs);
 }
 
 // --- Life of tabs

@@ -30,7 +30,7 @@ std::string Digits(const JsonObject& object) {
     std::string digits = object.Text("data");
     for (char& c : digits) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     const bool good = digits.size() % 2 == 0 && digits.find_first_not_of("0123456789abcdef") == std::string::npos;
-    if (!good) object.Refuse("data", "is not bytes in hexadecimal, two digits each");
+    if (!good) object.Refuse("data", "is not a string of hexadecimal bytes, two digits each");
     return digits;
 }
 
@@ -84,7 +84,7 @@ std::string Hexadecimal(const std::string& bytes) {
 StreamEventScript ParseStreamEventScript(const std::string& text, const std::string& name) {
     const JsonSource source(text, name);
     const Json::Value root = source.Parse();
-    if (!root.isArray()) source.Refuse(root, "the stream events are written as a list, in [ ]");
+    if (!root.isArray()) source.Refuse(root, "the stream events are not a list");
     if (root.size() > kMostEvents) source.Refuse(root, "there are more than 1000 stream events");
     StreamEventScript script;
     for (const Json::Value& value : root) script.push_back(ReadEvent(source, value));

@@ -223,13 +223,13 @@ void VideoBroadcastFamily::AddStreamEvents() {
 
 void VideoBroadcastFamily::AddCommands() {
     using F = VideoBroadcastFamily;
-    AddCommand("zap next|previous|NUMBER", "the viewer changes the channel", &F::Zap);
-    AddCommand("signal lost|back", "a disturbance that passes", &F::Signal);
-    AddCommand("parental-lock on|pin", "the parents' lock falls, or its PIN is entered", &F::ParentalLock);
-    AddCommand("parental-rating SCHEME RATING", "what is presented is rated so from now on", &F::Rate);
-    AddCommand("fail [ERROR]", "presenting fails for good, with this error (100)", &F::Fail);
-    AddCommand("tuner taken|free", "something else needs the tuner", &F::TakeTuner);
-    AddCommand("record", "what is presented is recorded from now on", &F::Record);
+    AddCommand("zap next|previous|NUMBER", "change the channel", &F::Zap);
+    AddCommand("signal lost|back", "lose the signal for a while, or get it back", &F::Signal);
+    AddCommand("parental-lock on|pin", "block what is presented, or enter the PIN", &F::ParentalLock);
+    AddCommand("parental-rating SCHEME RATING", "change the rating of what is presented", &F::Rate);
+    AddCommand("fail [ERROR]", "fail permanently with this error (default: 100)", &F::Fail);
+    AddCommand("tuner taken|free", "take the tuner away, or free it", &F::TakeTuner);
+    AddCommand("record", "start to record what is presented", &F::Record);
 }
 
 // --- Which one is meant
@@ -282,7 +282,7 @@ Handle VideoBroadcastFamily::Supervisor() {
 
 void VideoBroadcastFamily::Destroy(In in, Out) {
     Object& object = *Named(in);
-    if (&object == mSupervisor.get()) throw Refused("the broadcast supervisor is the television's own");
+    if (&object == mSupervisor.get()) throw Refused("the broadcast supervisor belongs to the television");
     object.Events().Unregister();  // an object that is gone says nothing
     object.Release();
     mInOrder.erase(std::remove(mInOrder.begin(), mInOrder.end(), &object), mInOrder.end());
@@ -411,7 +411,7 @@ std::string VideoBroadcastFamily::Zap(const Words& words) {
 std::string VideoBroadcastFamily::Signal(const Words& words) {
     const bool lost = IsFirst(words, "lost", "back");
     if (lost && !InFront().TransientProblem(ChannelError::CannotTune)) throw Refused("nothing is presented");
-    if (!lost && !InFront().ProblemEnded()) throw Refused("there was no disturbance");
+    if (!lost && !InFront().ProblemEnded()) throw Refused("there is no disturbance to end");
     return "";
 }
 
@@ -440,7 +440,7 @@ std::string VideoBroadcastFamily::Rate(const Words& words) {
 std::string VideoBroadcastFamily::Fail(const Words& words) {
     const auto error = words.empty() ? static_cast<int>(ChannelError::Unidentified) : Number(Word(words));
     if (!error) throw WrongWords();
-    if (!InFront().PermanentProblem(static_cast<ChannelError>(*error))) throw Refused("nothing is tuned");
+    if (!InFront().PermanentProblem(static_cast<ChannelError>(*error))) throw Refused("no channel is tuned");
     return "";
 }
 
@@ -451,8 +451,8 @@ std::string VideoBroadcastFamily::TakeTuner(const Words& words) {
 
 std::string VideoBroadcastFamily::Record(const Words& words) {
     RequireNone(words);
-    if (!mTv.device.Description().pvr) throw Refused("there is no disk to record on");
-    if (!InFront().StartRecording()) throw Refused("nothing is presented, or it is already recorded");
+    if (!mTv.device.Description().pvr) throw Refused("there is no disk for recordings");
+    if (!InFront().StartRecording()) throw Refused("nothing is presented, or it is already being recorded");
     return "";
 }
 

@@ -193,7 +193,7 @@ void VideoBroadcastObject::RequirePresenting() const {
 void VideoBroadcastObject::SetSpeed(double speed) {
     RequirePresenting();
     const auto& speeds = TimeShift::Speeds();
-    if (std::find(speeds.begin(), speeds.end(), speed) == speeds.end()) throw Refused("no such play speed");
+    if (std::find(speeds.begin(), speeds.end(), speed) == speeds.end()) throw Refused("unsupported play speed");
     const bool begins = !mShift.Active();
     if (begins && speed == 1.0) return;
     if (begins && mShift.mode == TimeShiftMode::Off) throw Refused("the time-shift mode is 0, off");
@@ -204,18 +204,18 @@ void VideoBroadcastObject::SetSpeed(double speed) {
 }
 
 void VideoBroadcastObject::Resume() {
-    if (!mShift.Active()) throw Refused("there is no time shift");
+    if (!mShift.Active()) throw Refused("time shift is not active");
     SetSpeed(1.0);
 }
 
 void VideoBroadcastObject::Seek(int offset, SeekReference reference) {
-    if (!mShift.Active()) throw Refused("there is no time shift");
-    if (!mShift.Seek(offset, reference)) throw Refused("the place is outside the time-shift buffer");
+    if (!mShift.Active()) throw Refused("time shift is not active");
+    if (!mShift.Seek(offset, reference)) throw Refused("the position is outside the time-shift buffer");
     mEvents.PlayPosition(static_cast<int>(mShift.Position()));
 }
 
 void VideoBroadcastObject::StopTimeShift() {
-    if (!mShift.Active()) throw Refused("there is no time shift");
+    if (!mShift.Active()) throw Refused("time shift is not active");
     const bool changes = mShift.Speed() != 1.0;
     mShift.Stop();
     if (changes) mEvents.PlaySpeed(1.0);

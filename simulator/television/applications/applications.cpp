@@ -120,8 +120,8 @@ int Applications::NewNumber(int organisation) {
 }
 
 ApplicationPointer Applications::Start(Application application) {
-    if (Find(application.id)) throw Refused("the application " + IdText(application.id) + " runs already");
-    if (mRunning.size() >= kMost) throw Refused("too many applications run");
+    if (Find(application.id)) throw Refused("the application " + IdText(application.id) + " is already running");
+    if (mRunning.size() >= kMost) throw Refused("too many applications are running");
     mRunning.push_back(std::make_shared<Application>(std::move(application)));
     return mRunning.back();
 }

@@ -11,7 +11,7 @@ constexpr size_t kMost = 256;
 }  // namespace
 
 Tab& Tabs::Add(int id) {
-    if (id < 0) throw Refused("a tab cannot have the number " + std::to_string(id));
+    if (id < 0) throw Refused("invalid tab number " + std::to_string(id));
     const Tab* known = Find(id);
     if (known != nullptr && known->Going()) Remove(id);
     if (mTabs.size() >= kMost && mTabs.count(id) == 0) throw Refused("the browser has too many tabs");

@@ -22,7 +22,7 @@ KeptFavourites KeptFormOf(const FavouriteList& list) {
 KeptFavourites ReadList(const Json::Value& object) {
     KeptFavourites list{TextIn(object, "id"), TextIn(object, "name"), {}};
     for (const Json::Value& ccid : ListIn(object, "channels")) {
-        if (!ccid.isString()) throw Refused("a channel that is no text");
+        if (!ccid.isString()) throw Refused("a channel is not a string");
         list.ccids.push_back(ccid.asString());
     }
     return list;
@@ -77,11 +77,11 @@ void Favourites::Take(const Json::Value& document) {
     std::set<std::string> ids{""};
     for (const Json::Value& object : ListIn(document, "lists")) {
         lists.push_back(ReadList(object));
-        if (lists.back().id.empty()) throw Refused("a list without id");
-        if (!ids.insert(lists.back().id).second) throw Refused("two lists with one id");
+        if (lists.back().id.empty()) throw Refused("a list has no id");
+        if (!ids.insert(lists.back().id).second) throw Refused("two lists have the same id");
     }
     const std::string inUse = TextIn(document, "inUse");
-    if (ids.count(inUse) == 0) throw Refused("the list in use is not there");
+    if (ids.count(inUse) == 0) throw Refused("the list in use is missing");
     mKept = std::move(lists);
     mKeptInUse = inUse;
 }
@@ -116,7 +116,7 @@ std::vector<Favourites::List> Favourites::Holding(const Channel& channel) const 
 }
 
 Favourites::List Favourites::Create(const std::string& name) {
-    if (mLists.size() >= kMostLists) throw Refused("there are 1000 favourite lists already");
+    if (mLists.size() >= kMostLists) throw Refused("there are already 1000 favourite lists");
     std::string id;
     do {
         id = "fav:" + std::to_string(++mCreated);
@@ -143,7 +143,7 @@ const KeptFavourites* Favourites::Kept(const std::string& id) const {
 }
 
 void Favourites::Commit(const FavouriteList& list) {
-    if (Find(list.Id()).get() != &list) throw Refused("the list is not in the collection any more");
+    if (Find(list.Id()).get() != &list) throw Refused("the list is no longer in the collection");
     std::vector<KeptFavourites> lists = mKept;
     const auto same = std::find_if(lists.begin(), lists.end(), [&](const auto& kept) { return kept.id == list.Id(); });
     same == lists.end() ? lists.push_back(KeptFormOf(list)) : void(*same = KeptFormOf(list));

@@ -39,11 +39,11 @@ Device::Device(const StateStore& store, std::optional<uint32_t> seed) : mStore(s
 
 // All or nothing. What the document does not say stays as it is, so one that was written by hand may be short.
 void Device::Take(const Json::Value& document) {
-    if (!document.isObject()) throw Refused("no object");
+    if (!document.isObject()) throw Refused("not an object");
     DeviceDescription description;
     for (const TextMember& text : kTexts) {
         if (!document.isMember(text.name)) continue;
-        if (!document[text.name].isString()) throw Refused(std::string(text.name) + " is no text");
+        if (!document[text.name].isString()) throw Refused(std::string(text.name) + " is not a string");
         description.*text.member = document[text.name].asString();
     }
     for (const BoolMember& flag : kBools) {

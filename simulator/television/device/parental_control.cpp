@@ -37,14 +37,14 @@ std::vector<RatingScheme> OwnSchemes() {
 void CheckName(const std::string& name) {
     const auto bad = [](unsigned char c) { return c <= 0x20 || c >= 0x7f; };
     if (name.empty() || name.size() > kLongestName || std::any_of(name.begin(), name.end(), bad)) {
-        throw Refused("a scheme's name has 1 to 256 ASCII characters and no blank");
+        throw Refused("the name of a scheme has 1 to 256 ASCII characters without spaces");
     }
 }
 
 void CheckValues(const std::vector<std::string>& values) {
     const std::set<std::string> different(values.begin(), values.end());
-    if (different.count("") != 0) throw Refused("a scheme has no empty value");
-    if (different.size() != values.size()) throw Refused("a scheme has each value once");
+    if (different.count("") != 0) throw Refused("a value of a scheme is empty");
+    if (different.size() != values.size()) throw Refused("a value of a scheme occurs twice");
     if (values.size() > kMostValues) throw Refused("a scheme has at most 256 values");
 }
 
@@ -67,8 +67,8 @@ ParentalControl::Scheme MakeScheme(const SchemeVector& schemes, const std::strin
                                    std::vector<std::string> values) {
     CheckName(name);
     CheckValues(values);
-    if (FindIn(schemes, name)) throw Refused("there is another scheme with this name");
-    if (schemes.size() >= kMostSchemes) throw Refused("there are 100 schemes already");
+    if (FindIn(schemes, name)) throw Refused("another scheme has this name");
+    if (schemes.size() >= kMostSchemes) throw Refused("there are already 100 schemes");
     return std::make_shared<RatingScheme>(RatingScheme{name, std::move(values), "", "", nullptr});
 }
 
@@ -112,7 +112,7 @@ void ParentalControl::Take(const Json::Value& document) {
     for (const Json::Value& added : ListIn(document, "schemes")) {
         std::vector<std::string> values;
         for (const Json::Value& value : ListIn(added, "values")) {
-            if (!value.isString()) throw Refused("a value that is no text");
+            if (!value.isString()) throw Refused("a value is not a string");
             values.push_back(value.asString());
         }
         schemes.push_back(MakeScheme(schemes, TextIn(added, "name"), std::move(values)));
@@ -120,7 +120,7 @@ void ParentalControl::Take(const Json::Value& document) {
     std::vector<std::pair<Scheme, std::shared_ptr<Rating>>> thresholds;
     for (const Json::Value& kept : ListIn(document, "thresholds")) {
         const Scheme scheme = FindIn(schemes, TextIn(kept, "scheme"));
-        if (!scheme) throw Refused("a threshold of no scheme");
+        if (!scheme) throw Refused("a threshold is for an unknown scheme");
         thresholds.emplace_back(scheme, Threshold(*scheme, TextIn(kept, "rating")));
     }
     for (const auto& [scheme, threshold] : thresholds) scheme->threshold = threshold;

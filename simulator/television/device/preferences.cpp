@@ -94,7 +94,7 @@ bool IsResolution(const Json::Value& value) {
 
 const std::vector<Rule>& Rules() {
     using P = Preference;
-    static const char* const languages = "languages of three small letters (ISO 639-2) with commas between them";
+    static const char* const languages = "languages of three lower-case letters (ISO 639-2) with commas between them";
     static const char* const onOff = "on or off";
     static const char* const shortText = "a text of at most 1024 bytes";
     static const std::vector<Rule> rules{
@@ -205,7 +205,7 @@ Preferences::Preferences(const StateStore& store, const std::vector<int>& networ
 
 // All or nothing: it throws before anything has changed.
 void Preferences::Take(const Json::Value& document) {
-    if (!document.isObject()) throw Refused("no object");
+    if (!document.isObject()) throw Refused("not an object");
     std::map<Preference, Json::Value> values = mValues;
     for (const std::string& name : document.getMemberNames()) {
         const Rule& rule = RuleNamed(name);

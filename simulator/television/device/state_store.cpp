@@ -36,7 +36,7 @@ bool WriteAll(int fd, const std::string& text) {
 
 std::string TextIn(const Json::Value& object, const char* member) {
     if (!object.isObject() || !object[member].isString()) {
-        throw Refused(std::string("no text \"") + member + "\"");
+        throw Refused(std::string("no string \"") + member + "\"");
     }
     return object[member].asString();
 }
@@ -76,7 +76,8 @@ bool StateStore::Read(const std::string& file, std::string& text) const {
     if (in.Get() < 0 && errno == ENOENT) return false;
     if (in.Get() < 0) Fail(file, std::string("cannot be read: ") + std::strerror(errno));
     struct stat status {};
-    if (fstat(in.Get(), &status) != 0 || !S_ISREG(status.st_mode)) Fail(file, "cannot be read: it is no file");
+    if (fstat(in.Get(), &status) != 0 || !S_ISREG(status.st_mode))
+        Fail(file, "cannot be read: it is not a regular file");
     char chunk[65536];
     while (text.size() <= kLargestDocument) {
         const ssize_t count = read(in.Get(), chunk, sizeof(chunk));

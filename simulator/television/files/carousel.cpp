@@ -28,7 +28,7 @@ CarouselPath PathIn(const JsonObject& object, const char* name) {
     try {
         return ReadCarouselPath(object.Text(name));
     } catch (const Refused& e) {
-        object.Refuse(name, std::string("is no path in the carousel: ") + e.what());
+        object.Refuse(name, std::string("is not a path in the carousel: ") + e.what());
     }
 }
 
@@ -45,7 +45,7 @@ CarouselFile ReadFile(const JsonObject& object, CarouselFile file) {
 
 [[noreturn]] void FailBy(int error) {
     if (error == ENOENT || error == ENOTDIR) throw Refused("there is no such file");
-    if (error == ELOOP) throw Refused("there is a link, and a carousel has none");
+    if (error == ELOOP) throw Refused("it is a symbolic link");
     throw Refused(std::strerror(error));
 }
 
@@ -79,7 +79,7 @@ std::string ReadUpTo(const Descriptor& file, size_t largest) {
 Carousel::Carousel(std::string directory) : mDirectory(std::move(directory)) {
     struct stat status {};
     if (stat(mDirectory.c_str(), &status) != 0) throw Fatal(kFileRefused, mDirectory + ": " + std::strerror(errno));
-    if (!S_ISDIR(status.st_mode)) throw Fatal(kFileRefused, mDirectory + ": a carousel is a directory");
+    if (!S_ISDIR(status.st_mode)) throw Fatal(kFileRefused, mDirectory + ": is not a directory");
     const std::string file = mDirectory + "/" + kSideFile;
     if (lstat(file.c_str(), &status) == 0) ReadSideFile(file);
 }
@@ -105,7 +105,7 @@ void Carousel::ReadFiles(const JsonSource& source, const Json::Value& list) {
     for (const Json::Value& value : list) {
         const JsonObject object(source, value, "file", {"path", "delay", "version", "sizeLimit", "newVersionEvery"});
         const bool fresh = mFiles.emplace(PathIn(object, "path"), ReadFile(object, mUsual)).second;
-        if (!fresh) object.Refuse("path", "is that of another file");
+        if (!fresh) object.Refuse("path", "is the path of another file");
     }
 }
 
@@ -144,7 +144,7 @@ int Carousel::NextVersion(const CarouselPath& path) {
 }
 
 std::string Carousel::Read(const CarouselPath& path) const {
-    if (path == CarouselPath{kSideFile}) throw Refused("it says what is sent, and is not sent");
+    if (path == CarouselPath{kSideFile}) throw Refused("it describes the carousel and is not part of it");
     auto at = std::make_unique<Descriptor>(open(mDirectory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (at->Get() < 0) FailBy(errno);
     for (size_t i = 0; i < path.size(); ++i) {
@@ -153,7 +153,7 @@ std::string Carousel::Read(const CarouselPath& path) const {
     }
     struct stat status {};
     if (fstat(at->Get(), &status) != 0) FailBy(errno);
-    if (!S_ISREG(status.st_mode)) throw Refused("it is no file");
+    if (!S_ISREG(status.st_mode)) throw Refused("it is not a regular file");
     return ReadUpTo(*at, About(path).largest);
 }
 

@@ -46,7 +46,7 @@ std::string Name(std::string_view written) {
 
 uint32_t HexNumber(std::string_view word, uint32_t largest) {
     const auto number = ReadNumber(word, 16, largest);
-    if (!number) throw Refused("the URL has " + Quotation(word) + " where a hexadecimal number has to be");
+    if (!number) throw Refused("the URL has " + Quotation(word) + " where a hexadecimal number is expected");
     return *number;
 }
 
@@ -64,17 +64,17 @@ CarouselUrl ReadCarouselUrl(const std::string& text) {
     if (!StartsWith(url, kScheme)) throw Refused("the URL does not begin with dvb://");
     url = url.substr(kScheme.size(), url.find_first_of("?#") - kScheme.size());
     const size_t slash = url.find('/');
-    if (slash == std::string_view::npos) throw Refused("the URL names no file");
+    if (slash == std::string_view::npos) throw Refused("the URL does not name a file");
     const std::string_view place = url.substr(0, slash);
     const std::string_view rest = url.substr(slash + 1);
     CarouselUrl read;
     if (place == kCurrentAit) {
         read.application = ReadApplicationId(std::string(rest));
-        if (!read.application) throw Refused("the URL names no application: dvb://current.ait/13.1f5");
+        if (!read.application) throw Refused("the URL does not name an application: dvb://current.ait/13.1f5");
         return read;
     }
     const auto words = Split(place, '.');
-    if (words.size() != 4) throw Refused("the URL names no carousel: dvb://onid.tsid.sid.component/path");
+    if (words.size() != 4) throw Refused("the URL does not name a carousel: dvb://onid.tsid.sid.component/path");
     read.onid = static_cast<int>(HexNumber(words[0], kLargestId));
     read.tsid = static_cast<int>(HexNumber(words[1], kLargestId));
     read.sid = static_cast<int>(HexNumber(words[2], kLargestId));

@@ -18,7 +18,7 @@ namespace {
 constexpr size_t kRoom = 256u << 20;
 
 [[noreturn]] void Fail(const std::string& path) {
-    throw Refused(path + " cannot be made: " + std::strerror(errno));
+    throw Refused(path + " cannot be created: " + std::strerror(errno));
 }
 
 void Write(const std::string& path, const std::string& bytes) {
@@ -68,7 +68,7 @@ void LocalFiles::MakeDirectory() {
 }
 
 std::shared_ptr<const LocalFiles::File> LocalFiles::Put(const std::string& name, const std::string& bytes) {
-    if (bytes.size() > *mRoom) throw Refused("there is no more room for received files");
+    if (bytes.size() > *mRoom) throw Refused("there is no space for more received files");
     MakeDirectory();
     const std::string directory = mDirectory + "/" + std::to_string(++mCount);
     if (mkdir(directory.c_str(), 0755) != 0) Fail(directory);

@@ -110,11 +110,11 @@ class BouquetReader {
     void ReadListed(const Lines& lines, std::string_view reference) {
         const std::string file(NamedFile(reference));
         const auto entry = ReadEntry(reference);
-        if (!entry || file.empty()) return lines.Warn(Quotation(reference) + " names no bouquet; it is skipped");
+        if (!entry || file.empty()) return lines.Warn(Quotation(reference) + " does not name a bouquet; it is skipped");
         const std::string bouquet = "the bouquet " + Quotation(file);
-        if (file.find('/') != std::string::npos) return lines.Warn(bouquet + " lies elsewhere; it is skipped");
+        if (file.find('/') != std::string::npos) return lines.Warn(bouquet + " is in another directory; it is skipped");
         if ((entry->flags & kHidden) != 0) return lines.Warn(bouquet + " is hidden on the receiver; it is skipped");
-        if (!mFiles.insert(file).second) return lines.Warn(bouquet + " was named before; it is skipped");
+        if (!mFiles.insert(file).second) return lines.Warn(bouquet + " is listed twice; it is skipped");
         ReadBouquet(file);
     }
 
@@ -137,7 +137,7 @@ class BouquetReader {
                 latest = ReadMember(lines, *reference);
                 if (!latest) continue;
                 const bool twice = !members.insert(latest.get()).second;
-                if (twice) lines.Warn(Quotation(*reference) + " stands in this bouquet twice; it is skipped");
+                if (twice) lines.Warn(Quotation(*reference) + " is in this bouquet twice; it is skipped");
                 if (!twice) list.services.push_back(latest);
                 if (mPlaced.insert(latest.get()).second) mBouquets.order.push_back(latest);
             } else if (!line.empty() && line[0] != '#') {
@@ -154,18 +154,18 @@ class BouquetReader {
             return nullptr;
         };
         const auto entry = ReadEntry(reference);
-        if (!entry) return skipped("is no reference of a service");
-        if (!entry->broadcast) return skipped("is a stream and not broadcast");
+        if (!entry) return skipped("is not a reference to a service");
+        if (!entry->broadcast) return skipped("is a stream, not a broadcast service");
         if ((entry->flags & kMarker) != 0) {
             if ((entry->flags & kNumbered) != 0) mBouquets.order.push_back(nullptr);
             return nullptr;
         }
         if ((entry->flags & kDirectory) != 0) return skipped("is a list inside a bouquet");
-        if (entry->flags != 0) return skipped("is a reference of a kind that is not known");
-        if (!Trimmed(entry->path).empty()) return skipped("is a stream and not broadcast");
-        if (!entry->service) return skipped("is no reference of a service");
+        if (entry->flags != 0) return skipped("is an unknown kind of reference");
+        if (!Trimmed(entry->path).empty()) return skipped("is a stream, not a broadcast service");
+        if (!entry->service) return skipped("is not a reference to a service");
         const auto service = mFind(*entry->service);
-        return service ? service : skipped("is a service that the lamedb does not have");
+        return service ? service : skipped("is not a service of the lamedb");
     }
 
     std::string mDirectory;  // with its slash

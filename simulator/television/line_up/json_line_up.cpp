@@ -72,7 +72,7 @@ std::string Language(const Object& object) {
     const std::string language = object.Text("language");
     const bool good =
         language.size() == 3 && language.find_first_not_of("abcdefghijklmnopqrstuvwxyz") == std::string::npos;
-    if (!good) object.Refuse("language", "is not an ISO 639-2 code of three small letters");
+    if (!good) object.Refuse("language", "is not an ISO 639-2 code of three lower-case letters");
     return language;
 }
 
@@ -131,7 +131,7 @@ Names OtherKeyNames() {
 std::string Url(const Source& source, const Json::Value& value) {
     const std::string text = value.isString() ? value.asString() : "";
     const size_t scheme = text.find("://");
-    if (scheme == std::string::npos || scheme == 0) source.Refuse(value, Quoted(text) + " is no URL");
+    if (scheme == std::string::npos || scheme == 0) source.Refuse(value, Quoted(text) + " is not a URL");
     return text;
 }
 
@@ -172,7 +172,7 @@ class LineUpReader {
         const Object object(mSource, root, "line-up", {"networks", "services", "favouriteLists"});
         for (const Json::Value& value : object.List("networks")) AddNetwork(value);
         for (const Json::Value& value : object.List("services")) AddService(value);
-        if (mLastNumber == 0) object.Refuse("services", "holds no service that is in the channel list");
+        if (mLastNumber == 0) object.Refuse("services", "has no service that is in the channel list");
         if (!object.Has("favouriteLists")) return std::move(mLineUp);
         for (const Json::Value& value : object.List("favouriteLists")) AddFavouriteList(value);
         return std::move(mLineUp);
@@ -270,11 +270,12 @@ class LineUpReader {
         service.programmeId = object.Text("programmeId", "");
         if (!object.Has("genres")) return;
         for (const Json::Value& genre : object.List("genres")) {
-            if (!genre.isString() || genre.asString().empty()) mSource.Refuse(genre, "a genre is a text, not empty");
+            if (!genre.isString() || genre.asString().empty())
+                mSource.Refuse(genre, "a genre is not a string, or is empty");
             service.genres.push_back(genre.asString());
         }
         const std::string most = std::to_string(kMostGenres);
-        if (service.genres.size() > kMostGenres) object.Refuse("genres", "holds more than " + most + " genres");
+        if (service.genres.size() > kMostGenres) object.Refuse("genres", "has more than " + most + " genres");
     }
 
     void AddFavouriteList(const Json::Value& value) {

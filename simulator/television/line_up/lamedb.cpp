@@ -106,7 +106,7 @@ class LamedbReader {
         } else if (version == "eDVB services /5/") {
             ReadLines();
         } else {
-            mLines.Refuse("the version of the lamedb is not known; known are \"eDVB services /4/\" and /5/");
+            mLines.Refuse("unknown version of the lamedb; known are \"eDVB services /4/\" and /5/");
         }
         Arrange();
         return std::move(mLineUp);
@@ -125,7 +125,7 @@ class LamedbReader {
             std::string tuning;
             while (NextBefore("services") && Trimmed(mLines.Line()) != "/") {
                 if (!tuning.empty())
-                    mLines.Warn(Quotation(mLines.Line()) + " stands where \"/\" is expected; it is skipped");
+                    mLines.Warn(Quotation(mLines.Line()) + " is where \"/\" is expected; it is skipped");
                 if (tuning.empty()) tuning = Trimmed(mLines.Line());
             }
             AddTransponder(number, ids, tuning);
@@ -161,7 +161,7 @@ class LamedbReader {
                             "next one");
             }
         }
-        mLines.Warn("the list of services has no end; the file seems to be cut off");
+        mLines.Warn("the list of services has no end; the file is probably truncated");
     }
 
     // Name and properties behind a header. Either may be missing, and then the next service begins.
@@ -173,7 +173,7 @@ class LamedbReader {
         if (named && mLines.Next()) name = mLines.Line();
         const bool told = IsProperties(mLines.Ahead(1)) || !ends(mLines.Ahead(1));
         if (told && mLines.Next()) properties = mLines.Line();
-        if (!named || !told) mLines.Warn(number, "the service lacks its line with the name or the provider");
+        if (!named || !told) mLines.Warn(number, "the service has no name line or no provider line");
         AddService(number, header, name, properties);
     }
 
@@ -198,10 +198,10 @@ class LamedbReader {
     // `"name",p:provider,...`; a name may hold quotes.
     void ReadServiceLine(std::string_view ids, std::string_view rest) {
         const auto header = ReadHeader(ids);
-        if (!header) return mLines.Warn(Quotation(ids) + " names no service; it is skipped");
+        if (!header) return mLines.Warn(Quotation(ids) + " does not name a service; it is skipped");
         size_t end = rest.rfind("\",p:");
         if (end == std::string_view::npos) end = rest.rfind('"');
-        if (!StartsWith(rest, "\"") || end == 0) return mLines.Warn("the service has no name in quotes; it is skipped");
+        if (!StartsWith(rest, "\"") || end == 0) return mLines.Warn("the service has no quoted name; it is skipped");
         AddService(mLines.Number(), *header, rest.substr(1, end - 1), rest.substr(std::min(end + 2, rest.size())));
     }
 
@@ -216,14 +216,15 @@ class LamedbReader {
         const auto onid = complete ? ReadNumber(id[2], 16, 0xffff) : std::nullopt;
         if (!nameSpace || !tsid || !onid) {
             return mLines.Warn(
-                number, Quotation(ids) + " names no transponder (namespace:tsid:onid); the transponder is skipped");
+                number,
+                Quotation(ids) + " does not name a transponder (namespace:tsid:onid); the transponder is skipped");
         }
         const char kind = tuning.empty() ? '?' : tuning[0];
         const auto numbers = Split(Trimmed(tuning.substr(std::min<size_t>(2, tuning.size()))), ':');
         const auto frequency = ReadNumber(numbers[0], 10, INT32_MAX);
         if ((kind != 's' && kind != 'c' && kind != 't') || !frequency) {
             return mLines.Warn(number, Quotation(tuning) +
-                                           " is no tuning by satellite (s), cable (c) or aerial (t); "
+                                           " is not a satellite (s), cable (c) or terrestrial (t) tuning; "
                                            "the transponder is skipped");
         }
         const size_t system = kind == 's' ? 7 : 10;
@@ -288,7 +289,7 @@ class LamedbReader {
             if (!keyed && text) {
                 text->append(",").append(word);
             } else if (!keyed && !Trimmed(word).empty()) {
-                mLines.Warn(number, Quotation(word) + " is no property of a service; it is skipped");
+                mLines.Warn(number, Quotation(word) + " is not a property of a service; it is skipped");
             } else if (keyed) {
                 text = word[0] == 'p' ? &properties.provider : nullptr;
                 if (text) *text = value;
@@ -304,7 +305,8 @@ class LamedbReader {
     void ReadCached(int number, std::string_view value, Properties& properties) const {
         const auto id = ReadNumber(value.substr(0, 2), 10, 99);
         const auto pid = value.size() < 3 ? std::nullopt : ReadNumber(value.substr(2), 16, UINT32_MAX);
-        if (!id || !pid) return mLines.Warn(number, Quotation("c:" + std::string(value)) + " is no PID; it is skipped");
+        if (!id || !pid)
+            return mLines.Warn(number, Quotation("c:" + std::string(value)) + " is not a PID; it is skipped");
         bool used = *id == kCachedVideo || *id == kCachedTeletext;
         for (const CachedSound& sound : kCachedSounds) used = used || sound.id == *id;
         if (!used) return;
@@ -375,7 +377,7 @@ class LamedbReader {
         }
         mLineUp.services = std::move(services);
         mLineUp.favouriteLists = std::move(bouquets.lists);
-        if (!mLineUp.First()) mLines.Refuse("the lamedb holds no service for the channel list");
+        if (!mLineUp.First()) mLines.Refuse("the lamedb has no service for the channel list");
     }
 
     struct Known {

@@ -38,9 +38,9 @@ LineUp ParseAnyLineUp(const std::string& text, const std::string& path, const Fi
     const auto line = 1 + std::count(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(first), '\n');
     const std::string place = path + ":" + std::to_string(line);
     if (StartsWith(start, "#NAME"))
-        throw Fatal(kFileRefused, place + ": this is a bouquet; the line-up is the lamedb beside it");
+        throw Fatal(kFileRefused, place + ": this is a bouquet; the line-up is the lamedb in the same directory");
     throw Fatal(kFileRefused, place + ": " + Quotation(start) +
-                                  " begins no line-up: neither JSON ({) nor M3U (#EXTM3U) nor lamedb (eDVB services)");
+                                  " is not the start of a line-up: JSON ({), M3U (#EXTM3U) or lamedb (eDVB services)");
 }
 
 LineUp ReadLineUp(const std::string& path, const FileWarning& warn) {

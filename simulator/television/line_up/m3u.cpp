@@ -75,7 +75,7 @@ class M3uReader {
     LineUp Read() {
         while (mLines.Next()) ReadLine(Trimmed(mLines.Line()));
         DropEntry();
-        if (mLineUp.services.empty()) mLines.Refuse("the playlist holds no service");
+        if (mLineUp.services.empty()) mLines.Refuse("the playlist has no service");
         return std::move(mLineUp);
     }
 
@@ -85,7 +85,7 @@ class M3uReader {
         if (line[0] != '#') return AddService(line);
         // The segments and variants of one stream, and no list of streams.
         for (const char* directive : {"#EXT-X-TARGETDURATION", "#EXT-X-STREAM-INF"}) {
-            if (StartsWith(line, directive)) mLines.Refuse("the playlist is a stream of its own, no list of services");
+            if (StartsWith(line, directive)) mLines.Refuse("the playlist is a stream, not a list of services");
         }
         if (StartsWith(line, "#EXTINF:")) BeginEntry(line.substr(8));
         if (StartsWith(line, "#EXTGRP:")) mEntry.group = ReadableText(line.substr(8));
@@ -99,7 +99,7 @@ class M3uReader {
         mEntry.line = mLines.Number();
         size_t comma = ReadAttributes(text, mEntry);
         if (comma == std::string_view::npos && (comma = text.rfind(',')) != std::string_view::npos) {
-            mLines.Warn("the attributes cannot be read; the name is taken from behind the last comma");
+            mLines.Warn("the attributes cannot be read; the name is what follows the last comma");
         }
         if (comma != std::string_view::npos) mEntry.name = ReadableText(text.substr(comma + 1));
     }
@@ -113,7 +113,7 @@ class M3uReader {
     void AddService(std::string_view uri) {
         const Entry entry = std::move(mEntry);
         mEntry = Entry();
-        if (!IsUri(uri)) return mLines.Warn(Quotation(uri) + " is no URI; the service is skipped");
+        if (!IsUri(uri)) return mLines.Warn(Quotation(uri) + " is not a URI; the service is skipped");
         const auto known = mLineOfUri.emplace(uri, mLines.Number());
         if (!known.second) {
             return mLines.Warn("the URI is that of line " + std::to_string(known.first->second) +
@@ -149,7 +149,7 @@ class M3uReader {
         const std::string wanted = entry.Attribute("tvg-chno");
         const int number = static_cast<int>(ReadNumber(wanted, 10, kLargestNumber).value_or(0));
         if (!wanted.empty() && number <= mLastNumber) {
-            mLines.Warn(entry.line, "the number " + Quotation(wanted) + " is no whole number above " +
+            mLines.Warn(entry.line, "the number " + Quotation(wanted) + " is not a whole number above " +
                                         std::to_string(mLastNumber) + " and up to " + std::to_string(kLargestNumber) +
                                         "; the service gets " + std::to_string(mLastNumber + 1));
         }

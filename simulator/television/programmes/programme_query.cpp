@@ -222,13 +222,13 @@ class Negation : public ProgrammeQuery {
 }  // namespace
 
 ProgrammeQuery::ProgrammeQuery(size_t size) : mSize(size) {
-    if (size > kLargest) throw Refused("a query of more than 1000 comparisons and operators");
+    if (size > kLargest) throw Refused("the query has more than 1000 comparisons and operators");
 }
 
 ProgrammeQuery::Shared Compare(const std::string& field, int comparison, const std::string& value) {
     const Property& property = PropertyOf(field);
     const Comparison compared = ComparisonOf(comparison);
-    if (value.size() > kLongestValue) throw Refused("a value of more than 1024 bytes");
+    if (value.size() > kLongestValue) throw Refused("the value is longer than 1024 bytes");
     const auto number = NumberIn(value);
     const bool contains = compared == Comparison::Contains;
     if (property.numbers != nullptr && number && !contains) {
@@ -236,7 +236,7 @@ ProgrammeQuery::Shared Compare(const std::string& field, int comparison, const s
     }
     if (property.texts != nullptr) return std::make_shared<TextComparison>(property, compared, value);
     if (contains) return std::make_shared<DigitsComparison>(property, value);
-    throw Refused("\"" + field + "\" is a number, \"" + Excerpt(value) + "\" is none");
+    throw Refused("\"" + field + "\" is a number, and \"" + Excerpt(value) + "\" is not");
 }
 
 ProgrammeQuery::Shared And(ProgrammeQuery::Shared first, ProgrammeQuery::Shared second) {

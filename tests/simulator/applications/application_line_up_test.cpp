@@ -72,19 +72,19 @@ TEST(ApplicationsOfALineUp, AServiceMayHaveNone) {
 TEST(ApplicationsOfALineUp, AreRefusedWithASentenceWhenSomethingIsWrong) {
     const std::string good = std::string("{") + kGood;
     const std::map<std::string, std::string> wrong{
-        {"3", "the member \"applications\" of the service is written as a list, in [ ]"},
-        {"[3]", "a signalled application is written as an object, in { }"},
+        {"3", "the member \"applications\" of the service is not a list"},
+        {"[3]", "a signalled application is not an object"},
         {"[{}]", "the signalled application lacks the member \"name\""},
         {"[" + good + R"(, "keyset": 3}])",
          "a signalled application has no member \"keyset\"; did you mean \"keySets\"?"},
         {R"([{"name": "A", "organisation": 0, "application": 1, "url": "http://a", "control": "present"}])",
-         "the member \"organisation\" of the signalled application is 0, it has to be from 1 to 2147483647"},
+         "the member \"organisation\" of the signalled application is 0 but must be from 1 to 2147483647"},
         {R"([{"name": "A", "organisation": 1, "application": 65536, "url": "http://a", "control": "present"}])",
-         "the member \"application\" of the signalled application is 65536, it has to be from 0 to 65535"},
+         "the member \"application\" of the signalled application is 65536 but must be from 0 to 65535"},
         {R"([{"name": "A", "organisation": 1, "application": 1, "url": "a.html", "control": "present"}])",
-         "\"a.html\" is no URL"},
+         "\"a.html\" is not a URL"},
         {R"([{"name": "A", "organisation": 1, "application": 1, "url": "http://a", "control": "prefetch"}])",
-         "the member \"control\" of the signalled application is \"prefetch\", which is not known; did you mean "
+         "the member \"control\" of the signalled application is \"prefetch\", which is unknown; did you mean "
          "\"present\"?"},
         {"[" + good + R"(, "boundToService": 1}])",
          "the member \"boundToService\" of the signalled application is neither true nor false"},
@@ -94,9 +94,9 @@ TEST(ApplicationsOfALineUp, AreRefusedWithASentenceWhenSomethingIsWrong) {
          "\"NUMERIC\", \"OTHER\", \"RED\", \"SCROLL\", \"VCR\", \"YELLOW\""},
         {"[" + good + R"(, "otherKeys": ["TELETEX"]}])",
          "\"TELETEX\" is not the name of one of the other keys; did you mean \"TELETEXT\"?"},
-        {"[" + good + R"(, "boundaries": ["a"]}])", "\"a\" is no URL"},
+        {"[" + good + R"(, "boundaries": ["a"]}])", "\"a\" is not a URL"},
         {"[" + good + R"(, "minimumAge": 3}])",
-         "the member \"minimumAge\" of the signalled application is 3, it has to be from 4 to 18"},
+         "the member \"minimumAge\" of the signalled application is 3 but must be from 4 to 18"},
         {"[" + good + "}, " + good + "}]", "\"One\" has another application with the ids of \"A\""}};
     for (const auto& entry : wrong) EXPECT_EQ(Refusal(entry.first), entry.second) << entry.first;
 }

@@ -52,10 +52,10 @@ TEST_F(ApplicationManager, RefusesUnknownIdsInOneWayRequestsWithALogLineAndNoRep
     Send("NotifyDSMCCResponseToAPM", {{"url", "dvb://1.1.5.17/index.html"}, {"path", "/tmp/x"}});
     Send("SetDeviceResolution", {{"width", 0u}, {"heigth", 0u}});
     EXPECT_EQ(Current(), "none") << "the next reply is that of the next request";
-    ExpectSaid("no application 11.1 runs", 4);
+    ExpectSaid("no application 11.1 is running", 4);
     ExpectSaid("there is no tab 3", 2);
     ExpectSaid("no application waits for \"dvb://1.1.5.17/index.html\"", 1);
-    ExpectSaid("the screen has no size", 1);
+    ExpectSaid("the width or height of the screen is 0", 1);
 }
 
 TEST_F(ApplicationManager, StartsWhatTheServiceAnnouncesAndEndsItWithTheService) {
@@ -167,7 +167,7 @@ TEST_F(ApplicationManager, CreateAppFindsAnnouncedApplicationsByTheirSignalledUr
               "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true "
               "url=\"http://red.test/text?a=b&autoshow=1\"");
     Reply(R"({"ret": 0, "tabid": 4})");
-    EXPECT_EQ(Create(kStart, "dvb://current.ait/11.2")["ret"], -1) << "it runs already";
+    EXPECT_EQ(Create(kStart, "dvb://current.ait/11.2")["ret"], -1) << "it is already running";
 }
 
 TEST_F(ApplicationManager, CreateAppRefusesInvalidUrlsAndCreators) {
@@ -188,7 +188,7 @@ TEST_F(ApplicationManager, CreateAppRefusesTheSixtyFifthApplication) {
     StartRed();
     for (int i = 0; i < 63; ++i) ASSERT_EQ(Create(kStart, "http://red.test/")["ret"], 0) << i;
     EXPECT_EQ(Create(kStart, "http://red.test/")["ret"], -1);
-    ExpectSaid("too many applications run", 1);
+    ExpectSaid("too many applications are running", 1);
 }
 
 TEST_F(ApplicationManager, DestroyAppEndsTheChildrenToo) {
@@ -432,11 +432,11 @@ TEST_F(ApplicationManager, AnApplicationThatEndedBeforeItsRatingCameStaysEnded) 
 TEST_F(ApplicationManager, ObeysTheCommandsOfTheViewer) {
     StartRed();
     const std::map<std::string, std::string> answers{{"start 11.2", "ok Text"},
-                                                     {"start 11.1", "error: the application 11.1 runs already"},
+                                                     {"start 11.1", "error: the application 11.1 is already running"},
                                                      {"start 99.1", "error: the service announces no application 99.1"},
                                                      {"start", "error: usage: start ORGANISATION.APPLICATION"},
                                                      {"start 11", "error: usage: start ORGANISATION.APPLICATION"},
-                                                     {"stop 99.1", "error: no application 99.1 runs"},
+                                                     {"stop 99.1", "error: no application 99.1 is running"},
                                                      {"stop x.y", "error: usage: stop ORGANISATION.APPLICATION"},
                                                      {"apps now", "error: usage: apps"}};
     for (const auto& entry : answers) EXPECT_EQ(Tell(entry.first), entry.second);

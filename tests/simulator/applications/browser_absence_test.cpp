@@ -23,7 +23,7 @@ TEST_F(Absence, LeavesTheApplicationWithoutATabAndIsLoggedOnce) {
     Start();
     StopServingEvents("mtm");
     for (const char* zap : {"zap 2", "zap 1", "zap 2", "zap 3"}) Tell(zap);
-    ExpectSaid("mtm: no tab for Start: no browser answers", 1);
+    ExpectSaid("mtm: no tab for Start: no browser responds", 1);
     ExpectSaid("mtm: ", 1);
     EXPECT_EQ(AppEntry("12.1f5"), "12.1f5 Library, broadcast-independent, shown, keys 0x1f");
     EXPECT_EQ(Tell("tabs"), "ok browser not there, status 0, memory 0");
@@ -40,7 +40,7 @@ TEST_F(Absence, IsLoggedOnOneLineWhateverTheNamesAre) {
                            "control": "autostart", "url": "http://a.test/"}]}]})";
     SimulatorFixture::Start();
     EXPECT_NE(mSimulator->Output().find(", on: K\xc3\xb6ln  [2J !\n"), std::string::npos) << mSimulator->Output();
-    ExpectSaid("mtm: no tab for A  ready [2J: no browser answers\n", 1);
+    ExpectSaid("mtm: no tab for A  ready [2J: no browser responds\n", 1);
     EXPECT_EQ(Tell("zap 1"), "ok K\xc3\xb6ln  [2J !");
 }
 
@@ -48,7 +48,7 @@ TEST_F(Absence, EndsWithTheNextTuning) {
     Start();
     StopServingEvents("mtm");
     Tell("zap 2");
-    ExpectSaid("no browser answers", 1);
+    ExpectSaid("no browser responds", 1);
     ServeEvents("mtm");
     Tell("zap 1");
     TuneToTab(2, 3);
@@ -58,7 +58,7 @@ TEST_F(Absence, EndsForOtherApplicationsTooWhenATabIsMade) {
     Start();
     StopServingEvents("mtm");
     Tell("zap 3");
-    ExpectSaid("no browser answers", 1);
+    ExpectSaid("no browser responds", 1);
     ServeEvents("mtm");
     TuneToTab(2, 3);
     EXPECT_NE(NextCommand().find("https://free.test/"), std::string::npos);
@@ -68,7 +68,7 @@ TEST_F(Absence, EndsWithAnyNotificationOfTheBrowser) {
     Start();
     StopServingEvents("mtm");
     Tell("zap 2");
-    ExpectSaid("no browser answers", 1);
+    ExpectSaid("no browser responds", 1);
     ServeEvents("mtm");
     EXPECT_EQ(Ret("mtm.OnMemoryWarningDetected", {{"mem_status", 0}}), 0);
     EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);
@@ -78,7 +78,7 @@ TEST_F(Absence, EndsWithAPing) {
     Start("20ms");
     StopServingEvents("mtm");
     Tell("zap 2");
-    ExpectSaid("no browser answers", 1);
+    ExpectSaid("no browser responds", 1);
     ServeEvents("mtm");
     EXPECT_EQ(NextCommand(), "Ping");
     Reply(R"({"ret": 0, "status": 5})");
@@ -91,7 +91,7 @@ TEST_F(Absence, IsWhatAReplyOfNullMeans) {
     Tell("zap 2");
     EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
     Reply("null\n");  // nobody has registered
-    ExpectSaid("mtm: no tab for Start: no browser answers", 1);
+    ExpectSaid("mtm: no tab for Start: no browser responds", 1);
     EXPECT_EQ(Tell("tabs"), "ok browser not there, status 0, memory 0");
 }
 
@@ -114,7 +114,7 @@ TEST_F(Absence, OfAnAnswerForTooLongGivesNoTabAndALateAnswerIsHarmless) {
     Start();
     Tell("zap 2");
     EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
-    ExpectSaid("mtm: no tab for Start: no browser answers", 1);
+    ExpectSaid("mtm: no tab for Start: no browser responds", 1);
     Reply(R"({"ret": 0, "tabid": 3})");
     ExpectAlive();
     EXPECT_EQ(TabEntry(3), "");
@@ -130,7 +130,7 @@ TEST_F(Absence, OfAnAnswerToAPingTakesTheTabsAwayUntilABrowserAnswersAgain) {
     Reply(R"({"ret": 0, "render_id": 1})");
     EXPECT_EQ(NextCommand(), "Ping");
     Reply(R"({"ret": -1})");  // as for a client that has died
-    ExpectSaid("mtm: the browser does not answer, its tabs are gone", 1);
+    ExpectSaid("mtm: the browser does not respond; its tabs are removed", 1);
     EXPECT_EQ(Tell("tabs"), "ok browser not there, status 0, memory 0");
     EXPECT_EQ(AppEntry("11.1"), "11.1 Start, broadcast-related, shown, keys 0x1f");
     EXPECT_EQ(NextCommand(), "Ping");
@@ -167,7 +167,7 @@ TEST_F(Absence, OfABrowserWithATabOfItsOwnIsWatchedForToo) {
     EXPECT_EQ(NextCommand(), "Ping");
     EXPECT_EQ(Tell("tabs"), "ok browser there, status 5, memory 0; tab 7: no application, empty, hidden");
     Reply("null");
-    ExpectSaid("mtm: the browser does not answer, its tabs are gone", 1);
+    ExpectSaid("mtm: the browser does not respond; its tabs are removed", 1);
 }
 
 TEST_F(Absence, OfPingsIsWhatAnIntervalOf0Means) {

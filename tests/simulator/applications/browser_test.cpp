@@ -124,7 +124,7 @@ TEST_P(BadSignalling, GivesNoTabAndOneLogLine) {
     Tell("zap 6");
     EXPECT_EQ(NextCommand().rfind("GetXmlFile ", 0), 0u);
     Reply(GetParam());
-    ExpectSaid("no tab for Signalled: the browser answers, but it gives no application's place", 1);
+    ExpectSaid("no tab for Signalled: the browser responds, but it returns no application location", 1);
     Tell("zap 2");
     EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);
 }
@@ -144,7 +144,7 @@ TEST_P(BadTab, GivesNoTabAndOneLogLineAndTheNextTuningTriesAgain) {
     Tell("zap 2");
     EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
     Reply(GetParam());
-    ExpectSaid("mtm: no tab for Start: the browser answers, but ", 1);
+    ExpectSaid("mtm: no tab for Start: the browser responds, but ", 1);
     EXPECT_EQ(AppEntry("11.1"), "11.1 Start, broadcast-related, shown, keys 0x1f") << "it runs anyway";
     EXPECT_EQ(Tell("key RED"), "ok no application takes it");
     EXPECT_EQ(Ret("mtm.OnMemoryWarningDetected", {{"mem_status", 1}}), 0);
@@ -163,7 +163,7 @@ TEST_F(Commands, ATabThatBelongsToAnotherApplicationIsNotTaken) {
     Tell("start 11.2");
     EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
     Reply(R"({"ret": 0, "tabid": 3})");
-    ExpectSaid("no tab for Text: the browser answers, but tab 3 is another application's", 1);
+    ExpectSaid("no tab for Text: the browser responds, but tab 3 is used by another application", 1);
     EXPECT_EQ(TabEntry(3).find("tab 3: Start (11.1)"), 0u);
 }
 
@@ -223,7 +223,7 @@ TEST_F(AtTheStart, TheFirstServicesApplicationStartsToo) {
               "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true url=\"http://first.test/\"");
     Reply(R"({"ret": 0, "tabid": 3})");
     EXPECT_TRUE(mSimulator->WaitForOutput("* CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true"));
-    EXPECT_TRUE(mSimulator->WaitForOutput("url=\"http://first.test/\" | waits for a reply\n"));
+    EXPECT_TRUE(mSimulator->WaitForOutput("url=\"http://first.test/\" | waiting for a reply\n"));
     EXPECT_TRUE(mSimulator->WaitForOutput("* CreateApp | < ret=0 tabid=3\n")) << mSimulator->Output();
 }
 

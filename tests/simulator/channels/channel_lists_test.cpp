@@ -266,12 +266,12 @@ TEST_F(ChannelLists, SendAnEventForEveryChangeAtTheTelevision) {
     EXPECT_EQ(Tell("restore 2"), "ok Two");
     EXPECT_EQ(NextChange(), "L");
     EXPECT_EQ(Names(all), "One Two Scrambled Dark Locked Shy Wave");
-    EXPECT_EQ(Tell("restore 2"), "error: no such channel was removed");
+    EXPECT_EQ(Tell("restore 2"), "error: no removed channel has this number");
 
     EXPECT_EQ(Tell("hide 7"), "ok Wave");
     EXPECT_EQ(NextChange(), "L");
     EXPECT_EQ(Names(Filtered(false, false, true)), "Wave");
-    EXPECT_EQ(Tell("hide 7"), "error: the channel is hidden");
+    EXPECT_EQ(Tell("hide 7"), "error: the channel is already hidden");
     EXPECT_EQ(Tell("show 7"), "ok Wave");
     EXPECT_EQ(NextChange(), "L");
     EXPECT_EQ(Tell("show 7"), "error: the channel is not hidden");

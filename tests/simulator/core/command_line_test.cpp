@@ -57,7 +57,7 @@ TEST_F(CommandLine, ASecondSimulatorInTheSameDirectoryExitsWithCode4AndDoesNotDi
     Start();
     const Outcome second = Run({});
     EXPECT_EQ(second.exitCode, 4);
-    EXPECT_NE(second.output.find("another process answers there"), std::string::npos) << second.output;
+    EXPECT_NE(second.output.find("another process serves it"), std::string::npos) << second.output;
     EXPECT_EQ(RetOf("0x1", "Create"), 0);
     EXPECT_TRUE(SocketExists());
 }
@@ -107,7 +107,7 @@ TEST_F(CommandLine, WrongOptionsExitWithCode2AndAMessage) {
         {{"--carousel", ""}, "the name is empty"},
         {{"--stream-events", ""}, "the name is empty"},
         {{"--permanent-error", "none"}, "channel-changed"},
-        {{"--fault", "smoke"}, "\"smoke\" is no fault"},
+        {{"--fault", "smoke"}, "\"smoke\" is not a fault"},
         {{"--fault", "stop-answering:video"}, "did you mean \"video_broadcast\"?"}};
     for (const auto& entry : wrong) {
         const Outcome outcome = Run(entry.first);
@@ -199,7 +199,7 @@ TEST_F(CommandLine, ARefusedTellPrintsTheReasonAndExitsWithCode1) {
         EXPECT_EQ(outcome.output, entry.second);
     }
     EXPECT_EQ(Run({"--tell", "help"}).exitCode, 0);
-    EXPECT_EQ(Run({"--tell", "help zap"}).output, "ok zap next|previous|NUMBER: the viewer changes the channel\n");
+    EXPECT_EQ(Run({"--tell", "help zap"}).output, "ok zap next|previous|NUMBER: change the channel\n");
     EXPECT_EQ(Run({"--tell", "help zup"}).output, "error: there is no command \"zup\"; did you mean \"zap\"?\n");
     EXPECT_EQ(Run({"--tell", "zap 2"}).output, "ok Two\n");
     EXPECT_EQ(Run({"--tell", "zap previous"}).output, "ok One\n");

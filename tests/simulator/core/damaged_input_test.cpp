@@ -157,7 +157,7 @@ TEST_F(DamagedInput, APeerThatLeavesInTheMiddleOfAFrameIsLogged) {
         RawClient client(RequestSocket());
         client.SendBytes((HeaderBytes(100, kRequest, RequestPort()) + std::string(50, ' ')).substr(0, length));
     }
-    EXPECT_TRUE(mSimulator->WaitForOutput("left in the middle of a message"));
+    EXPECT_TRUE(mSimulator->WaitForOutput("disconnected in the middle of a message"));
 }
 
 TEST_F(DamagedInput, APeerThatStopsSendingStillGetsItsReplies) {

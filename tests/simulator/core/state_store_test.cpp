@@ -126,16 +126,16 @@ TEST_F(StateOption, ThatCannotBeUsedExitsWithCode5AndTheReason) {
     WriteFile(file, "precious");
     ExpectRefused(file, 5, "/file cannot be used: Not a directory");
     EXPECT_EQ(std::filesystem::file_size(file), 8u);
-    ExpectRefused("", 2, "the state directory has no name");
+    ExpectRefused("", 2, "the state directory is empty");
 }
 
 TEST_F(StateOption, WithADocumentThatIsNotAFileExitsWithCode5) {
     const std::string state = mDirectory / "state";
     std::filesystem::create_directories(state + "/favourites.json");
-    ExpectRefused(state, 5, "favourites.json cannot be read: it is no file");
+    ExpectRefused(state, 5, "favourites.json cannot be read: it is not a regular file");
     std::filesystem::remove(state + "/favourites.json");
     ASSERT_EQ(mkfifo((state + "/favourites.json").c_str(), 0600), 0);
-    ExpectRefused(state, 5, "favourites.json cannot be read: it is no file");
+    ExpectRefused(state, 5, "favourites.json cannot be read: it is not a regular file");
 }
 
 }  // namespace

@@ -181,7 +181,7 @@ TEST_F(Terminal, RecordsOnlyWithADisk) {
     Start();
     ObjectIn("presenting");
     EXPECT_EQ(Tell("pvr off"), "ok");
-    EXPECT_EQ(Tell("record"), "error: there is no disk to record on");
+    EXPECT_EQ(Tell("record"), "error: there is no disk for recordings");
     EXPECT_EQ(Tell("pvr on"), "ok");
     EXPECT_EQ(Tell("record"), "ok");
     EXPECT_EQ(Tell("pvr"), "error: usage: pvr on|off");

@@ -233,7 +233,7 @@ TEST_F(Dsmcc, WithoutACarouselNothingIsReceived) {
     ServeEvents("dsmcc");
     Request(kIndex);
     Expect(kLost, kIndex);
-    EXPECT_EQ(Tell("carousel-change index.html"), "error: there is no carousel, see --carousel");
+    EXPECT_EQ(Tell("carousel-change index.html"), "error: there is no carousel (see --carousel)");
 }
 
 TEST_F(Dsmcc, ASideFileCanGiveTheCarouselToOneServiceUnderAnotherTag) {
@@ -352,14 +352,14 @@ TEST_F(Dsmcc, AnInvalidSideFileExitsWithCode3AndThePlace) {
     const std::map<std::string, std::string> rows{
         {R"({"delays": "1s"})", "1:12: a carousel has no member \"delays\"; did you mean \"delay\"?"},
         {R"({"delay": "soon"})", "is \"soon\", which is not a duration: write 300ms or 2s"},
-        {R"({"files": [{"path": "../x"}]})", "is no path in the carousel: the path has the name \"..\""},
-        {R"({"files": [{"path": "a"}, {"path": "a"}]})", "is that of another file"},
-        {R"({"files": [{"path": "a", "version": 256}]})", "is 256, it has to be from 0 to 255"},
+        {R"({"files": [{"path": "../x"}]})", "is not a path in the carousel: the path has the name \"..\""},
+        {R"({"files": [{"path": "a"}, {"path": "a"}]})", "is the path of another file"},
+        {R"({"files": [{"path": "a", "version": 256}]})", "is 256 but must be from 0 to 255"},
         {R"({"files": [{"path": "a", "newVersionEvery": "1ms"}]})", "is shorter than 10ms"},
         {R"({"files": [{}]})", "the file lacks the member \"path\""},
-        {R"({"sizeLimit": -1})", "is -1, it has to be from 0 to 16777216"},
+        {R"({"sizeLimit": -1})", "is -1 but must be from 0 to 16777216"},
         {R"({"applications": [{"organisation": 1, "application": 1, "start": "/"}]})", "has an empty name"},
-        {"[]", "a carousel is written as an object"},
+        {"[]", "a carousel is not an object"},
         {"", "the file is empty"}};
     for (const auto& [text, sentence] : rows) {
         WriteFile(Carousel() + "/carousel.json", text);

@@ -96,7 +96,7 @@ TEST(LineUpFormat, MayHaveNamesOf64KibibytesInEveryForm) {
 }
 
 TEST(LineUpFormat, ThatIsUnknownIsRefusedWithAMessage) {
-    const std::string forms = " begins no line-up: neither JSON ({) nor M3U (#EXTM3U) nor lamedb (eDVB services)";
+    const std::string forms = " is not the start of a line-up: JSON ({), M3U (#EXTM3U) or lamedb (eDVB services)";
     const std::map<std::string, std::string> refused{
         {"", "/nowhere/f:1:1: the file is empty"},
         {" \r\n\n", "/nowhere/f:1:1: the file is empty"},
@@ -104,7 +104,7 @@ TEST(LineUpFormat, ThatIsUnknownIsRefusedWithAMessage) {
         {"\xff\xfe#\x01", "/nowhere/f:1: \"..#.\"" + forms},
         {"udp://a\n", "/nowhere/f:1: \"udp://a\"" + forms},
         {"#NAME Favourites (TV)\n#SERVICE 1:0:19:283D:3FB:1:C00000:0:0:0:\n",
-         "/nowhere/f:1: this is a bouquet; the line-up is the lamedb beside it"},
+         "/nowhere/f:1: this is a bouquet; the line-up is the lamedb in the same directory"},
         {"[", "/nowhere/f:1:2: not valid JSON: Syntax error: value, object or array expected"}};
     for (const auto& entry : refused) {
         const Reading reading = ReadingOfText(entry.first);
@@ -271,7 +271,7 @@ TEST_F(ForeignLineUp, ReceiversServicesStandInTheOrderOfTheBouquets) {
     const std::string output = mSimulator->Output();
     EXPECT_NE(output.find("line-up: 3 channels, on: Dlf\n"), std::string::npos) << output;
     const std::string warning = "hbbtv-sim: " + (mDirectory / "userbouquet.a.tv:4: ") +
-                                "\"1:0:19:283E:3FB:1:C00000:0:0:0:\" is a service that the lamedb does not have; it is "
+                                "\"1:0:19:283E:3FB:1:C00000:0:0:0:\" is not a service of the lamedb; it is "
                                 "skipped\n";
     EXPECT_NE(output.find(warning), std::string::npos) << output;
     EXPECT_EQ(Tell("zap next"), "ok Das Erste HD");
@@ -294,7 +294,7 @@ TEST_F(ForeignLineUp, ThatCannotBeUsedIsRefusedWithItsPlaceAndCode3) {
     const std::string place = "hbbtv-sim: cannot read " + mDirectory.Path();
     const std::map<std::string, std::string> outputs{
         {mDirectory / "list.m3u", "hbbtv-sim: " + (mDirectory / "list.m3u:2: \"A\" has no URI; it is skipped\n") +
-                                      place + "/list.m3u:2: the playlist holds no service\n"},
+                                      place + "/list.m3u:2: the playlist has no service\n"},
         {mDirectory.Path(), place + "/lamedb:3: the list of services is missing\n"}};
     for (const auto& entry : outputs) {
         const Outcome outcome = Run({"--line-up", entry.first});

@@ -233,8 +233,8 @@ TEST(Lamedb, OfVersion5HasOneLineAnItem) {
     EXPECT_EQ(ComponentsOf(*reading.lineUp.services[0]),
               (Texts{"video 1 5101 AVC_HD_25", "audio 2 5102 MPEG1_L2 und"}));
     EXPECT_EQ(reading.lineUp.services[1]->provider, "BBC, One");
-    EXPECT_EQ(reading.warnings, (Texts{"/nowhere/f:7: the service has no name in quotes; it is skipped",
-                                       "/nowhere/f:8: \"zz:00c00000\" names no service; it is skipped",
+    EXPECT_EQ(reading.warnings, (Texts{"/nowhere/f:7: the service has no quoted name; it is skipped",
+                                       "/nowhere/f:8: \"zz:00c00000\" does not name a service; it is skipped",
                                        "/nowhere/f:9: \"x:1\" is neither a transponder nor a service; it is skipped"}));
 }
 
@@ -282,16 +282,16 @@ INSTANTIATE_TEST_SUITE_P(
         Odd{"NoNameLine",
             "3:00c00000:1:1:1:0\np:X\n" + kA + "end\n",
             {"Service 3", "A"},
-            {"/nowhere/f:17: the service lacks its line with the name or the provider"}},
+            {"/nowhere/f:17: the service has no name line or no provider line"}},
         Odd{"NoProviderLine",
             "3:00c00000:1:1:1:0\nX\n" + kA + "end\n",
             {"X", "A"},
-            {"/nowhere/f:17: the service lacks its line with the name or the provider"}},
+            {"/nowhere/f:17: the service has no name line or no provider line"}},
         Odd{"NeitherLine",
             "3:00c00000:1:1:1:0\n" + kA + "4:00c00000:1:1:1:0\nend\n",
             {"Service 3", "A", "Service 4"},
-            {"/nowhere/f:17: the service lacks its line with the name or the provider",
-             "/nowhere/f:21: the service lacks its line with the name or the provider"}},
+            {"/nowhere/f:17: the service has no name line or no provider line",
+             "/nowhere/f:21: the service has no name line or no provider line"}},
         Odd{"ANameLikeAWord", "3:00c00000:1:1:1:0\nend\np:\n4:00c00000:1:1:1:0\np:\np:\nend\n", {"end", "p:"}, {}},
         Odd{"TheSameNumbers",
             kA + "1:00820000:1:1:1:0\nB\np:\nend\n",
@@ -300,14 +300,14 @@ INSTANTIATE_TEST_SUITE_P(
         Odd{"NoEnd",
             kA + "3:00c00000:1:1:1:0\nX\n",
             {"A", "X"},
-            {"/nowhere/f:21: the list of services has no end; the file seems to be cut off"}},
+            {"/nowhere/f:21: the list of services has no end; the file is probably truncated"}},
         Odd{"OddProperties",
             "3:00c00000:1:1:1:0\nX\nnone,p:,c:0a0100,c:001fff,c:,c:0090000,f:,q:1\nend\n",
             {"X"},
-            {"/nowhere/f:17: \"none\" is no property of a service; it is skipped",
-             "/nowhere/f:17: \"c:0a0100\" is no PID; it is skipped",
+            {"/nowhere/f:17: \"none\" is not a property of a service; it is skipped",
+             "/nowhere/f:17: \"c:0a0100\" is not a PID; it is skipped",
              "/nowhere/f:17: \"c:001fff\" is above 8190; it is skipped",
-             "/nowhere/f:17: \"c:\" is no PID; it is skipped",
+             "/nowhere/f:17: \"c:\" is not a PID; it is skipped",
              "/nowhere/f:17: \"c:0090000\" is above 8190; it is skipped"}},
         Odd{"AnEndlessLine",
             kA + std::string(270000, '1') + "\n" + kB + "end\n",
@@ -322,26 +322,27 @@ TEST(Lamedb, WarnsOfOddTransponders) {
         kA + "end\n");
     EXPECT_EQ(reading.refusal, "");
     EXPECT_EQ(reading.Names(), Texts{"A"});
-    const std::string tuning = " is no tuning by satellite (s), cable (c) or aerial (t); the transponder is skipped";
-    EXPECT_EQ(reading.warnings,
-              (Texts{"/nowhere/f:3: \"zz:1:1\" names no transponder (namespace:tsid:onid); the transponder is skipped",
-                     "/nowhere/f:6: \"a 1:1\"" + tuning, "/nowhere/f:9: \"\"" + tuning,
-                     "/nowhere/f:13: \".x\" stands where \"/\" is expected; it is skipped",
-                     "/nowhere/f:15: \"s fast\"" + tuning}));
+    const std::string tuning =
+        " is not a satellite (s), cable (c) or terrestrial (t) tuning; the transponder is skipped";
+    EXPECT_EQ(
+        reading.warnings,
+        (Texts{"/nowhere/f:3: \"zz:1:1\" does not name a transponder (namespace:tsid:onid); the transponder is skipped",
+               "/nowhere/f:6: \"a 1:1\"" + tuning, "/nowhere/f:9: \"\"" + tuning,
+               "/nowhere/f:13: \".x\" is where \"/\" is expected; it is skipped",
+               "/nowhere/f:15: \"s fast\"" + tuning}));
 }
 
 TEST(Lamedb, ThatCannotBeUsedIsRefused) {
     const std::map<std::string, std::string> refused{
-        {"eDVB services /3/\n",
-         "/nowhere/f:1: the version of the lamedb is not known; known are \"eDVB services /4/\" and /5/"},
+        {"eDVB services /3/\n", "/nowhere/f:1: unknown version of the lamedb; known are \"eDVB services /4/\" and /5/"},
         {"eDVB services /4/\n", "/nowhere/f:1: the list of transponders is missing"},
         {"eDVB services /4/\nservices\n", "/nowhere/f:2: the list of transponders is missing"},
         {"eDVB services /4/\ntransponders\nend\n", "/nowhere/f:3: the list of services is missing"},
         {"eDVB services /4/\ntransponders\nend\nservices\nend\n",
-         "/nowhere/f:5: the lamedb holds no service for the channel list"},
+         "/nowhere/f:5: the lamedb has no service for the channel list"},
         {"eDVB services /4/\ntransponders\nend\nservices\n1:00c00000:1:1:12:0\nData\np:\nend\n",
-         "/nowhere/f:8: the lamedb holds no service for the channel list"},
-        {"eDVB services /5/\n", "/nowhere/f:1: the lamedb holds no service for the channel list"}};
+         "/nowhere/f:8: the lamedb has no service for the channel list"},
+        {"eDVB services /5/\n", "/nowhere/f:1: the lamedb has no service for the channel list"}};
     for (const auto& entry : refused) EXPECT_EQ(ReadingOfText(entry.first).refusal, entry.second);
 }
 
@@ -426,19 +427,21 @@ TEST_F(Receiver, WhatABouquetNamesWithoutReasonIsSkippedWithItsPlace) {
     EXPECT_EQ(
         reading.warnings,
         (Texts{
-            AtLine(3, "\"1:0:19:283E:3FB:1:C00000:0:0:0:\" is a service that the lamedb does not have; it is skipped"),
-            AtLine(4, "\"1:0:19:283D:3FB:1:820000:0:0:0:\" is a service that the lamedb does not have; it is skipped"),
+            AtLine(3, "\"1:0:19:283E:3FB:1:C00000:0:0:0:\" is not a service of the lamedb; it is skipped"),
+            AtLine(4, "\"1:0:19:283D:3FB:1:820000:0:0:0:\" is not a service of the lamedb; it is skipped"),
             AtLine(5,
-                   "\"4097:0:1:0:0:0:0:0:0:0:http%3a//tv.example/a:A\" is a stream and not broadcast; it is skipped"),
+                   "\"4097:0:1:0:0:0:0:0:0:0:http%3a//tv.example/a:A\" is a stream, not a broadcast service; it is "
+                   "skipped"),
             AtLine(6,
-                   "\"1:0:1:1:1:1:C00000:0:0:0:http%3a//tv.example/b:B\" is a stream and not broadcast; it is skipped"),
+                   "\"1:0:1:1:1:1:C00000:0:0:0:http%3a//tv.example/b:B\" is a stream, not a broadcast service; it is "
+                   "skipped"),
             AtLine(7,
                    "\"1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"userbouquet.b.tv\" ORDER BY...\" is a list inside a bouquet; "
                    "it is skipped"),
-            AtLine(8, "\"1:32:1:0:0:0:0:0:0:0:\" is a reference of a kind that is not known; it is skipped"),
-            AtLine(9, "\"1:0:19:283D\" is no reference of a service; it is skipped"),
-            AtLine(10, "\"one\" is no reference of a service; it is skipped"),
-            AtLine(11, "\"1:0:19:283D:3FB:1:C00000:0:0:0:\" stands in this bouquet twice; it is skipped"),
+            AtLine(8, "\"1:32:1:0:0:0:0:0:0:0:\" is an unknown kind of reference; it is skipped"),
+            AtLine(9, "\"1:0:19:283D\" is not a reference to a service; it is skipped"),
+            AtLine(10, "\"one\" is not a reference to a service; it is skipped"),
+            AtLine(11, "\"1:0:19:283D:3FB:1:C00000:0:0:0:\" is in this bouquet twice; it is skipped"),
             AtLine(13, "\"what?\" is not understood; it is skipped")}));
 }
 
@@ -457,11 +460,11 @@ TEST_F(Receiver, BouquetsThatCannotBeReadAreSkippedWithTheirPlace) {
     EXPECT_EQ(
         reading.warnings,
         (Texts{mDirectory / "userbouquet.none.tv: cannot be opened: No such file or directory; the bouquet is skipped",
-               list + ":2: the bouquet \"../secret.tv\" lies elsewhere; it is skipped",
+               list + ":2: the bouquet \"../secret.tv\" is in another directory; it is skipped",
                mDirectory / "folder: is not a regular file; the bouquet is skipped",
                list + ":4: the bouquet \"userbouquet.hidden.tv\" is hidden on the receiver; it is skipped",
-               list + ":5: \"1:0:19:283D:3FB:1:C00000:0:0:0:\" names no bouquet; it is skipped",
-               list + ":6: the bouquet \"userbouquet.none.tv\" was named before; it is skipped",
+               list + ":5: \"1:0:19:283D:3FB:1:C00000:0:0:0:\" does not name a bouquet; it is skipped",
+               list + ":6: the bouquet \"userbouquet.none.tv\" is listed twice; it is skipped",
                list + ":7: \"what?\" is not understood; it is skipped",
                mDirectory / "bouquets.radio: is not a regular file; the bouquet is skipped"}));
 }

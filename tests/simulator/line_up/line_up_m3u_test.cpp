@@ -134,28 +134,28 @@ INSTANTIATE_TEST_SUITE_P(
         Odd{"APathForAUri",
             "#EXTM3U\n#EXTINF:-1,A\nfilm.ts\n#EXTINF:-1,B\nC:\\film.ts\nudp://c\n",
             {"udp://c"},
-            {"/nowhere/f:3: \"film.ts\" is no URI; the service is skipped",
-             "/nowhere/f:5: \"C:\\film.ts\" is no URI; the service is skipped"}},
+            {"/nowhere/f:3: \"film.ts\" is not a URI; the service is skipped",
+             "/nowhere/f:5: \"C:\\film.ts\" is not a URI; the service is skipped"}},
         Odd{"AUriThatIsNoText",
             "#EXTM3U\nudp://a\xff\nudp://b\n",
             {"udp://b"},
-            {"/nowhere/f:2: \"udp://a.\" is no URI; the service is skipped"}},
+            {"/nowhere/f:2: \"udp://a.\" is not a URI; the service is skipped"}},
         Odd{"NumbersThatFall",
             "#EXTM3U\n#EXTINF:-1 tvg-chno=\"5\",A\nudp://a\n#EXTINF:-1 tvg-chno=\"3\",B\nudp://b\n",
             {"A", "B"},
-            {"/nowhere/f:4: the number \"3\" is no whole number above 5 and up to 9999; the service gets 6"}},
+            {"/nowhere/f:4: the number \"3\" is not a whole number above 5 and up to 9999; the service gets 6"}},
         Odd{"ANumberThatIsNone",
             "#EXTM3U\n#EXTINF:-1 tvg-chno=\"1.2\",A\nudp://a\n",
             {"A"},
-            {"/nowhere/f:2: the number \"1.2\" is no whole number above 0 and up to 9999; the service gets 1"}},
+            {"/nowhere/f:2: the number \"1.2\" is not a whole number above 0 and up to 9999; the service gets 1"}},
         Odd{"ANumberThatIsTooLarge",
             "#EXTM3U\n#EXTINF:-1 tvg-chno=\"10000\",A\nudp://a\n",
             {"A"},
-            {"/nowhere/f:2: the number \"10000\" is no whole number above 0 and up to 9999; the service gets 1"}},
+            {"/nowhere/f:2: the number \"10000\" is not a whole number above 0 and up to 9999; the service gets 1"}},
         Odd{"AnOpenQuotationMark",
             "#EXTM3U\n#EXTINF:-1 tvg-id=\"a,A\nudp://a\n",
             {"A"},
-            {"/nowhere/f:2: the attributes cannot be read; the name is taken from behind the last comma"}},
+            {"/nowhere/f:2: the attributes cannot be read; the name is what follows the last comma"}},
         Odd{"QuotationMarksInAValue", "#EXTM3U\n#EXTINF:-1 tvg-name=\"The \"A\" Team\" x,A\nudp://a\n", {"A"}, {}},
         Odd{"AnEndlessLine",
             "#EXTM3U\n#EXTINF:-1," + std::string(270000, 'x') + "\nudp://a\n",
@@ -164,12 +164,12 @@ INSTANTIATE_TEST_SUITE_P(
     OddName);
 
 TEST(M3u, WithoutAServiceIsRefused) {
-    EXPECT_EQ(ReadingOfText("#EXTM3U\n").refusal, "/nowhere/f:1: the playlist holds no service");
-    EXPECT_EQ(ReadingOfText("#EXTM3U\n#EXTINF:-1,A\nfilm.ts\n").refusal, "/nowhere/f:3: the playlist holds no service");
+    EXPECT_EQ(ReadingOfText("#EXTM3U\n").refusal, "/nowhere/f:1: the playlist has no service");
+    EXPECT_EQ(ReadingOfText("#EXTM3U\n#EXTINF:-1,A\nfilm.ts\n").refusal, "/nowhere/f:3: the playlist has no service");
 }
 
 TEST(M3u, ThatIsOneStreamIsRefused) {
-    const std::string refusal = "/nowhere/f:3: the playlist is a stream of its own, no list of services";
+    const std::string refusal = "/nowhere/f:3: the playlist is a stream, not a list of services";
     EXPECT_EQ(ReadingOfText("#EXTM3U\n#EXT-X-VERSION:3\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\nhttp://a/1.ts\n").refusal,
               refusal);
     EXPECT_EQ(ReadingOfText("#EXTM3U\n\n#EXT-X-STREAM-INF:BANDWIDTH=1\nhttp://a/low.m3u8\n").refusal, refusal);

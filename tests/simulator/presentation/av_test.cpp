@@ -122,7 +122,7 @@ class AvControl : public SimulatorFixture {
 };
 
 TEST_F(AvControl, StoresWhatTheBrowserReportsForEachTypeInEitherForm) {
-    EXPECT_EQ(Tell("components"), "error: the browser has not told of any");
+    EXPECT_EQ(Tell("components"), "error: the browser has not reported any components");
     EXPECT_EQ(Ret("ComponentUpdate", Update(1, {Item(1, "HEAAC", "deu", 3, true), Item(1, "AC3", "fra", 4, false)}, 0)),
               0);
     EXPECT_EQ(Tell("components"),
@@ -141,7 +141,7 @@ TEST_F(AvControl, StoresWhatTheBrowserReportsForEachTypeInEitherForm) {
 }
 
 TEST_F(AvControl, AsksTheBrowserForTheComponentThatTheViewerSelects) {
-    EXPECT_EQ(Tell("select audio 0"), "error: the browser has told of no audio components");
+    EXPECT_EQ(Tell("select audio 0"), "error: the browser has not reported any audio components");
     EXPECT_EQ(Ret("ComponentUpdate", Update(1, {Item(1, "HEAAC", "deu", 3, true), Item(1, "AC3", "fra", 4, false)}, 0)),
               0);
     EXPECT_EQ(Tell("select audio 1"), "ok tag 4 AC3 fra 2 channels");
@@ -150,7 +150,7 @@ TEST_F(AvControl, AsksTheBrowserForTheComponentThatTheViewerSelects) {
               "ok audio 0: tag 3 HEAAC deu 2 channels active current; audio 1: tag 4 AC3 fra 2 channels")
         << "until the browser has done it";
     EXPECT_EQ(Tell("select audio 2"), "error: index 2 of 2");
-    EXPECT_EQ(Tell("select video 0"), "error: the browser has told of no video components");
+    EXPECT_EQ(Tell("select video 0"), "error: the browser has not reported any video components");
     for (const char* wrong : {"select", "select audio", "select audio x", "select teletext 0", "select audio 1 1"}) {
         EXPECT_EQ(Tell(wrong), "error: usage: select video|audio|subtitle INDEX") << wrong;
     }

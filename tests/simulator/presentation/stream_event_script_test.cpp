@@ -95,21 +95,22 @@ TEST_F(StreamEventScripts, EndWithTheServiceAndBeginAgainWithTheNextListener) {
 TEST_F(StreamEventScripts, ThatAreInvalidExitWithCode3AndThePlace) {
     const std::string path = mDirectory / "events.json";
     const std::map<std::string, std::string> rows{
-        {"{}", ":1:1: the stream events are written as a list"},
+        {"{}", ":1:1: the stream events are not a list"},
         {"", ":1:1: the file is empty"},
         {"[", ":1:2: not valid JSON"},
-        {"[1]", ":1:2: a stream event is written as an object"},
+        {"[1]", ":1:2: a stream event is not an object"},
         {R"([{}])", ":1:2: a stream event has either \"at\" or \"every\""},
         {R"([{"at": "1s", "every": "1s"}])", "has either \"at\" or \"every\""},
         {R"([{"at": "1s", "nam": "x"}])", "has no member \"nam\"; did you mean \"name\"?"},
-        {R"([{"at": 5}])", "the member \"at\" of the stream event is not a text"},
+        {R"([{"at": 5}])", "the member \"at\" of the stream event is not a string"},
         {R"([{"at": "-1s"}])", "is \"-1s\", which is not a duration"},
         {R"([{"every": "9ms"}])", "is shorter than 10ms"},
-        {R"([{"at": "1s", "data": "123"}])", "is not bytes in hexadecimal"},
-        {R"([{"at": "1s", "data": "0g"}])", "is not bytes in hexadecimal"},
+        {R"([{"at": "1s", "data": "123"}])", "is not a string of hexadecimal bytes"},
+        {R"([{"at": "1s", "data": "0g"}])", "is not a string of hexadecimal bytes"},
         {"[{\"at\": \"1s\", \"text\": \"\xff\"}]", "is not UTF-8"},
-        {R"([{"at": "1s", "status": "failed"}])", "is \"failed\", which is not known"},
-        {R"([{"at": "1s", "status": "error", "text": "x"}])", "belongs to stream events with the status trigger only"},
+        {R"([{"at": "1s", "status": "failed"}])", "is \"failed\", which is unknown"},
+        {R"([{"at": "1s", "status": "error", "text": "x"}])",
+         "is allowed only in stream events with the status trigger"},
         {"[{\"at\": \"1s\", \"text\": \"" + std::string(4097, 'x') + "\"}]", "is longer than 4096 bytes"}};
     for (const auto& [text, sentence] : rows) {
         WriteFile(path, text);

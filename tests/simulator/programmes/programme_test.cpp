@@ -238,7 +238,7 @@ class ProgrammeFiles : public SimulatorFixture {
 TEST_F(ProgrammeFiles, ThatAreBrokenEndTheProgramWithCode3AndAReason) {
     const std::string path = mDirectory / "guide.xml";
     WriteFile(path, "<tv>\n<programme>\n</tv>\n");
-    EXPECT_EQ(Refusal(path), "hbbtv-sim: cannot read " + path + ":3: is no XML: Start-end tags mismatch\n");
+    EXPECT_EQ(Refusal(path), "hbbtv-sim: cannot read " + path + ":3: is not valid XML: Start-end tags mismatch\n");
     EXPECT_EQ(Refusal(mDirectory / "none.xml"), "hbbtv-sim: cannot read " + (mDirectory / "none.xml") +
                                                     ": cannot be opened: No such file or directory\n");
 }

@@ -82,7 +82,7 @@ TEST_F(Xmltv, FindsServicesByTheirNameInProgrammeDataOrElseByTheirDisplayName) {
     EXPECT_EQ(Of(1), Texts{"C 60+60"}) << "its name there is one.tv, whatever is shown to people";
     EXPECT_EQ(Of(2), Texts{"A 60+60"});
     EXPECT_EQ(Of(3), Texts{"D 60+60"});
-    EXPECT_EQ(mWarnings, Texts{"f: channels that are no service of the line-up, 1: \"y\""});
+    EXPECT_EQ(mWarnings, Texts{"f: channels that are not in the line-up, 1: \"y\""});
     EXPECT_EQ(mGuide->Known(0).from, 60);
     EXPECT_EQ(mGuide->Known(0).to, 120);
 }
@@ -145,7 +145,7 @@ TEST_F(Xmltv, CountsEpisodesFrom1) {
     for (const std::string text : {"5", "a.b.c", "1.2.3.4", "1.2/3/4.", "-1.0.0", "999999.0.0"}) {
         const auto p = Only("<episode-num system=\"xmltv_ns\">" + text + "</episode-num>");
         EXPECT_EQ(p->season + p->episode + p->totalEpisodes, 0) << text;
-        EXPECT_EQ(mWarnings, Texts{"f:1: the episode \"" + text + "\" is not like 0.4/10.0; it is left out"});
+        EXPECT_EQ(mWarnings, Texts{"f:1: the episode \"" + text + "\" is not like 0.4/10.0; it is ignored"});
     }
 }
 
@@ -217,9 +217,9 @@ TEST(XmltvTimes, AreReadWithTheirZones) {
 }
 
 TEST(XmltvTimes, ThatAreInvalidAreRefused) {
-    const std::string form = "is no time like 20260131201500 +0100";
+    const std::string form = "is not a time like 20260131201500 +0100";
     const std::string range = "is not within the years 1970 to 2038";
-    const std::string none = "is no date and time that exists";
+    const std::string none = "is not a date and time that exists";
     const std::string zone = "has a time zone that is not known";
     for (const auto& [text, reason] : std::map<std::string, std::string>{{"", form},
                                                                          {"now", form},
@@ -277,8 +277,8 @@ TEST_F(Xmltv, ShortensAProgrammeThatGoesOnWhenTheNextOneStarts) {
     Read("<tv>\n" + Row("A", "19700101000100", "19700101010000") + Row("B", "19700101000300", "19700101000400") +
          Row("B again", "19700101000300") + Row("C", "19700101000500", "19700101000600") + "</tv>");
     EXPECT_EQ(Of(1), (Texts{"A 60+120", "B 180+60", "C 300+60"}));
-    EXPECT_EQ(mWarnings, (Texts{"f:2: the programme goes on when the next one starts; it is shortened",
-                                "f:4: the channel has another programme with this start; this one is skipped"}));
+    EXPECT_EQ(mWarnings, (Texts{"f:2: the programme overlaps the next one; it is shortened",
+                                "f:4: the channel has another programme with this start; it is skipped"}));
 }
 
 TEST_F(Xmltv, GivesProgrammesThatStartInTheSameMinuteDifferentIds) {
@@ -301,9 +301,9 @@ TEST_F(Xmltv, SkipsWhatCannotBeUsedAndReportsWhere) {
              {"<programme channel=\"one.tv\" start=\"19700101\"/>", "the programme has no title; it is skipped"},
              {"<programme channel=\"one.tv\" start=\"19700101\"><title> \n</title></programme>",
               "the programme has no title; it is skipped"},
-             {Row("T", "noon"), "the start \"noon\" is no time like 20260131201500 +0100; the programme is skipped"},
+             {Row("T", "noon"), "the start \"noon\" is not a time like 20260131201500 +0100; the programme is skipped"},
              {Row("T", "19700101", "19700133"),
-              "the stop \"19700133\" is no date and time that exists; the programme is skipped"},
+              "the stop \"19700133\" is not a date and time that exists; the programme is skipped"},
              {Row("T", "19700102", "19700101"), "the programme ends before it begins; it is skipped"},
              {Row("T", "19700102", "19700102"), "the programme ends before it begins; it is skipped"},
              {"<channel><display-name>Two</display-name></channel>", "the channel has no id; it is skipped"}}) {
@@ -318,7 +318,7 @@ TEST_F(Xmltv, NamesAFewOfTheChannelsThatAreNotReceived) {
     for (int i = 1; i <= 7; ++i) text += "<programme channel=\"c" + std::to_string(i) + "\" start=\"x\"/>";
     Read(text + "</tv>");
     EXPECT_EQ(mWarnings,
-              Texts{"f: channels that are no service of the line-up, 7: \"c1\", \"c2\", \"c3\", \"c4\", \"c5\", ..."});
+              Texts{"f: channels that are not in the line-up, 7: \"c1\", \"c2\", \"c3\", \"c4\", \"c5\", ..."});
 }
 
 TEST_F(Xmltv, ReportsAThousandWarningsAndCountsTheOthers) {
@@ -343,21 +343,21 @@ TEST_F(Xmltv, LeavesEntitiesOfADocumentTypeAsTheyStand) {
 // --- Files that cannot be used
 
 TEST_F(Xmltv, RefusesWhatIsNotXmltv) {
-    const std::string nothing = "f: no programme is on a service of the line-up";
+    const std::string nothing = "f: no programme belongs to a service of the line-up";
     for (const auto& [text, refusal] : std::map<std::string, std::string>{
-             {"", "f:1: is no XML: No document element found"},
-             {"\n\nno", "f:3: is no XML: No document element found"},
-             {"{\"services\": []}", "f:1: is no XML: No document element found"},
-             {"<tv>\n<programme>\n</tv>", "f:3: is no XML: Start-end tags mismatch"},
-             {"<tv>\n\n<channel id=\"a>", "f:3: is no XML: Error parsing element attribute"},
-             {"<tv>\n<!-- ", "f:2: is no XML: Error parsing comment"},
-             {"<tv>", "f:1: is no XML: Start-end tags mismatch"},
+             {"", "f:1: is not valid XML: No document element found"},
+             {"\n\nno", "f:3: is not valid XML: No document element found"},
+             {"{\"services\": []}", "f:1: is not valid XML: No document element found"},
+             {"<tv>\n<programme>\n</tv>", "f:3: is not valid XML: Start-end tags mismatch"},
+             {"<tv>\n\n<channel id=\"a>", "f:3: is not valid XML: Error parsing element attribute"},
+             {"<tv>\n<!-- ", "f:2: is not valid XML: Error parsing comment"},
+             {"<tv>", "f:1: is not valid XML: Start-end tags mismatch"},
              {"\n<html></html>", "f:2: begins with <html>, where XMLTV has <tv>"},
              {"<tv/>", nothing},
              {"<tv><programme channel=\"x\" start=\"19700101\"><title>T</title></programme></tv>", nothing},
              {"<tv>" + Row("T", "never") + "</tv>", nothing},
              {std::string("\xff\xfe<\0t\0v\0", 8), "f:1: is UTF-16, not UTF-8"},
-             {std::string("<tv>\0</tv>", 10), "f:1: is no XML: Start-end tags mismatch"}}) {
+             {std::string("<tv>\0</tv>", 10), "f:1: is not valid XML: Start-end tags mismatch"}}) {
         Read(text);
         EXPECT_EQ(mRefusal, refusal) << text;
     }

@@ -174,11 +174,11 @@ void XmltvReader::Arrange(std::vector<Entry>& entries) const {
         if (!arranged.empty()) {
             TimeRange& before = arranged.back().time;
             if (before.from == entry.time.from) {
-                mPlaces.Warn(entry.node, "the channel has another programme with this start; this one is skipped");
+                mPlaces.Warn(entry.node, "the channel has another programme with this start; it is skipped");
                 continue;
             }
             if (before.to > entry.time.from) {
-                mPlaces.Warn(arranged.back().node, "the programme goes on when the next one starts; it is shortened");
+                mPlaces.Warn(arranged.back().node, "the programme overlaps the next one; it is shortened");
                 before.to = entry.time.from;
             }
             if (before.to == 0) before.to = std::min(entry.time.from, before.from + kLongestGuess);
@@ -214,7 +214,7 @@ void XmltvReader::WarnOfOthers() const {
         names += (count == 1 ? "" : ", ") + Quotation(id);
     }
     if (mOthers.size() > kMostNames) names += ", ...";
-    mPlaces.Warn("channels that are no service of the line-up, " + std::to_string(mOthers.size()) + ": " + names);
+    mPlaces.Warn("channels that are not in the line-up, " + std::to_string(mOthers.size()) + ": " + names);
 }
 
 std::unique_ptr<ListedGuide> XmltvReader::Read(const pugi::xml_node& tv) {
@@ -230,7 +230,8 @@ std::unique_ptr<ListedGuide> XmltvReader::Read(const pugi::xml_node& tv) {
             first = false;
         }
     }
-    if (guide->Size() == 0) throw Fatal(kFileRefused, mPlaces.Name() + ": no programme is on a service of the line-up");
+    if (guide->Size() == 0)
+        throw Fatal(kFileRefused, mPlaces.Name() + ": no programme belongs to a service of the line-up");
     return guide;
 }
 
@@ -245,7 +246,7 @@ std::unique_ptr<ListedGuide> ParseXmltv(std::string text, const std::string& nam
     pugi::xml_document document;
     const pugi::xml_parse_result result =
         document.load_buffer_inplace(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
-    if (!result) places.Refuse(result.offset, std::string("is no XML: ") + result.description());
+    if (!result) places.Refuse(result.offset, std::string("is not valid XML: ") + result.description());
     const pugi::xml_node tv = document.document_element();
     if (std::string(tv.name()) != "tv") {
         places.Refuse(tv.offset_debug(), "begins with <" + Excerpt(tv.name()) + ">, where XMLTV has <tv>");

@@ -103,7 +103,7 @@ void FillEpisode(Programme& programme, const pugi::xml_node& node, const Warn& w
                       ReadPart(parts[2], part, ofParts);
     if (!read) {
         programme.season = programme.episode = programme.totalEpisodes = 0;
-        warn("the episode " + Quotation(text) + " is not like 0.4/10.0; it is left out");
+        warn("the episode " + Quotation(text) + " is not like 0.4/10.0; it is ignored");
         return;
     }
     programme.seriesId = ShownText(node, "title");

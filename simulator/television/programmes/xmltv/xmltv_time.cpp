@@ -61,7 +61,7 @@ std::time_t ReadXmltvTime(std::string_view text) {
     text = Trimmed(text);
     const std::string_view digits = text.substr(0, text.find_first_not_of("0123456789"));
     if (digits.size() < 8 || digits.size() > 14 || digits.size() % 2 != 0) {
-        throw std::invalid_argument("is no time like 20260131201500 +0100");
+        throw std::invalid_argument("is not a time like 20260131201500 +0100");
     }
     const int year = Two(digits, 0) * 100 + Two(digits, 2);
     const int month = Two(digits, 4);
@@ -72,7 +72,7 @@ std::time_t ReadXmltvTime(std::string_view text) {
     if (year < 1970 || year > 2038) throw std::invalid_argument("is not within the years 1970 to 2038");
     const bool date = month >= 1 && month <= 12 && day >= 1 && day <= DaysIn(year, month);
     if (!date || hour > 23 || minute > 59 || second > 59)
-        throw std::invalid_argument("is no date and time that exists");
+        throw std::invalid_argument("is not a date and time that exists");
     const std::time_t local = (DaysBefore(year, month) + day - 1) * kDay + hour * kHour + minute * kMinute + second;
     const std::time_t time = local - Offset(Trimmed(text.substr(digits.size())));
     if (time < 0 || time > kLastTime) throw std::invalid_argument("is not within the years 1970 to 2038");
