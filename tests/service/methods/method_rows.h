@@ -1,6 +1,6 @@
 // The methods of a HIDL interface: the request that each sends to the platform, and what its caller receives. The
 // service runs in the test's process, the platform is at the other end of a real socket. The rows are those of the
-// family (tests/rows); the methods, with their arguments and results, are known from the package.
+// family (tests/rows/families); the methods, with their arguments and results, are known from the package.
 #pragma once
 
 #include <android/hidl/base/1.0/IBase.h>
