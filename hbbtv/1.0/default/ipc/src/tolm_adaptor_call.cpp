@@ -236,8 +236,9 @@ TolmAdaptorClient::TolmAdaptorClient(const Family& family)
 int TolmAdaptorClient::Call(const Method& method, std::initializer_list<Member> request,
                             std::initializer_list<Target> results) {
     LogScope scope(mFamily.tag, method.place);
+    MemoryClaim claim;
     Json::Value reply;
-    const int status = SendIpc(Request(mFamily, method, request), reply);
+    const int status = SendIpc(Request(mFamily, method, request), reply, claim);
     return status == 0 && !Read(reply, results) ? -1 : status;
 }
 
