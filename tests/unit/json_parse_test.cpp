@@ -240,12 +240,23 @@ TEST(ParseJson, ReadsNoByteAfterTheLast) {
     }
 }
 
-TEST(ParseJson, AcceptsExactly64MiBAndRefusesOneByteMore) {
+TEST(ParseJson, AcceptsExactly16MiBAndRefusesOneByteMore) {
     std::string text = "{\"a\":1}";
-    text.resize(size_t{64} << 20, ' ');
+    text.resize(size_t{16} << 20, ' ');
     EXPECT_TRUE(Parses(text));
     text += ' ';
     EXPECT_FALSE(Parses(text));
+}
+
+TEST(ParseJson, DoesNotCollectTheCommentsOfALongDocument) {
+    Json::Value document;
+    ASSERT_TRUE(Parses("// before\n{\"a\": \"" + std::string(16 << 10, 'x') + "\"}", document));
+    EXPECT_FALSE(document.hasComment(Json::commentBefore));
+}
+
+// With comments collected, this one would take an hour.
+TEST(ParseJson, AcceptsAMillionCommentsAfterAValue) {
+    EXPECT_TRUE(Parses("{\"a\":1" + Times(1000000, "/**/") + "}"));
 }
 
 TEST(ParseJson, WorksAfterAFailure) {

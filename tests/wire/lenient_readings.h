@@ -13,8 +13,7 @@ struct Reading {
 };
 
 // For a type of the protocol files, or "flag", an int of which only zero matters: one reading for each kind of JSON
-// value, and for the limits of the type. An unchanged pointer is shown as `unchanged`. A uint of at most 65536 is a
-// "few", which fails above that.
+// value, and for the limits of the type. An unchanged pointer is shown as `unchanged`.
 std::vector<Reading> ReadingsOf(const std::string& type, const char* unchanged);
 
 // Values as text.

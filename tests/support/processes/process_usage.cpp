@@ -1,5 +1,7 @@
 #include "process_usage.h"
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -16,18 +18,24 @@ long NumberBehind(const std::string& status, const std::string& name) {
 
 }  // namespace
 
+ProcessUsage UsageOf(pid_t pid) {
+    const std::string directory = "/proc/" + std::to_string(pid);
+    std::ifstream file(directory + "/status");
+    const std::string status{std::istreambuf_iterator<char>(file), {}};
+    file.close();
+    const std::filesystem::directory_iterator descriptors(directory + "/fd");
+    const auto open = std::distance(begin(descriptors), end(descriptors));
+    return {NumberBehind(status, "VmRSS"), NumberBehind(status, "VmSize"), static_cast<int>(open),
+            static_cast<int>(NumberBehind(status, "Threads"))};
+}
+
 ProcessUsage UsageOfThisProcess() {
     // A sanitizer starts a thread of its own with the first one, which counts from then on.
     static const bool kThreadsSeen = (std::thread([] {}).join(), true);
     static_cast<void>(kThreadsSeen);
-    std::ifstream file("/proc/self/status");
-    const std::string status{std::istreambuf_iterator<char>(file), {}};
-    file.close();
-    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
-    // Includes the descriptor of the directory itself.
-    const auto open = std::distance(begin(descriptors), end(descriptors)) - 1;
-    return {NumberBehind(status, "VmRSS"), NumberBehind(status, "VmSize"), static_cast<int>(open),
-            static_cast<int>(NumberBehind(status, "Threads"))};
+    ProcessUsage usage = UsageOf(getpid());
+    --usage.descriptors;  // that of the directory in which they are counted
+    return usage;
 }
 
 std::string ToText(const ProcessUsage& usage) {

@@ -1,6 +1,8 @@
 // What a process uses, as the kernel counts it.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 
 namespace hbbtv::test {
@@ -12,6 +14,7 @@ struct ProcessUsage {
     int threads;
 };
 
+ProcessUsage UsageOf(pid_t pid);
 ProcessUsage UsageOfThisProcess();
 
 // For the message of a failed assertion.

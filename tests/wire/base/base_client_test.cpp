@@ -123,6 +123,13 @@ TEST_F(BaseClient, FailsWhenTheReplyIsNoJson) {
     }
 }
 
+TEST_F(BaseClient, FailsWhenTheReplyHasMoreThan16MiBAndKeepsTheConnection) {
+    EXPECT_EQ(StatusOf("{\"ret\":0}" + std::string(16 << 20, ' ')), -1);
+    EXPECT_EQ(Lines(), Texts{"5 SendIpc failed 1 0 1"});
+    EXPECT_EQ(StatusOf("{\"ret\":4}"), 4);
+    EXPECT_EQ(mPlatform.Connections(), 1);
+}
+
 TEST_F(BaseClient, FailsWhenTheReplyIsEmptyAndConnectsAgain) {
     EXPECT_EQ(-1, StatusOf(""));
     EXPECT_EQ(Texts{"5 SendIpc failed 0 1 1"}, Lines());

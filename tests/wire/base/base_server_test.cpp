@@ -119,6 +119,18 @@ TEST_F(BaseServer, DropsAnEventThatIsNoObjectWithOneLine) {
     EXPECT_EQ(NoObjects().size(), mReceiver.Count());  // the requests alone
 }
 
+TEST_F(BaseServer, DropsAnEventOfMoreThan16MiBAndKeepsTheConnection) {
+    const std::string text = "{}" + std::string(16 << 20, ' ');
+    RawConnection connection = Connect();
+    ASSERT_TRUE(connection.Write(FrameBytes(1, 7, text)));
+    ASSERT_TRUE(mLog.WaitForLine(ANDROID_LOG_WARN, kTag, "Ipc2Json failed")) << mLog.Text();
+    ASSERT_TRUE(connection.Write(FrameBytes(2, 7, text)));
+    EXPECT_EQ(connection.Read(12), HeaderBytes(0, 3, 7));
+    EXPECT_EQ(mReceiver.Count(), 0u);
+    ASSERT_TRUE(connection.Write(FrameBytes(2, 7, "{}")));
+    EXPECT_TRUE(connection.ReadFrame().has_value());
+}
+
 TEST_F(BaseServer, SendsAnEmptyReplyToARequestThatIsNoObject) {
     for (const std::string& text : NoObjects()) {
         mLog.Clear();

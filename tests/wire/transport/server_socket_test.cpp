@@ -16,8 +16,10 @@
 #include <thread>
 #include <vector>
 
+#include "build_kind.h"
 #include "ipc/socket/tolm_ipc_server_socket.h"
 #include "log_capture.h"
+#include "process_usage.h"
 #include "raw_listener.h"
 #include "raw_socket.h"
 #include "recording_delegate.h"
@@ -112,6 +114,22 @@ TEST_F(ServerSocket, SendsTheReplyWithTheRequestsPort) {
     // Nothing of one message is left in the next.
     ASSERT_TRUE(connection.Write(FrameBytes(2, 8, "s")));
     ExpectReply(connection, 8, "s");
+}
+
+TEST_F(ServerSocket, KeepsNothingOfTheLargeMessagesOfIdleConnections) {
+    if (kSanitized) return;  // a sanitizer keeps what is freed
+    RecordingDelegate silent([](const Frame&) { return "x"; });
+    TolmIpcServerSocket server(kKey, &silent);
+    server.Start();
+    const long before = UsageOfThisProcess().residentKiB;
+    std::vector<RawConnection> connections;
+    for (int i = 0; i < 8; ++i) {
+        connections.push_back(Connect());
+        ASSERT_TRUE(connections.back().Write(FrameBytes(0, 7, std::string(15 << 20, 'x')) + FrameBytes(2, 7, "done")));
+        ASSERT_TRUE(connections.back().ReadFrame().has_value());
+    }
+    EXPECT_TRUE(WaitFor([&] { return UsageOfThisProcess().residentKiB < before + (32 << 10); }))
+        << ToText(UsageOfThisProcess());
 }
 
 TEST_F(ServerSocket, SendsAnEmptyReplyAsSize0AndKeepsTheConnection) {

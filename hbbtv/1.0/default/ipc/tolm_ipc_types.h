@@ -82,3 +82,10 @@ enum TolmIpcMessageType : int32_t {
     TOLM_IPC_MSG_SYNC = 2,   // a request: exactly one reply follows on the same connection
     TOLM_IPC_MSG_REPLY = 3,  // the reply to a request, with the request's port
 };
+
+namespace tolm {
+
+// A longer payload is read but not stored, and the message is treated like one that is not JSON.
+constexpr uint32_t kMaxPayloadBytes = 16u << 20;
+
+}  // namespace tolm

@@ -8,9 +8,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <mutex>
 
 #include "ipc/tolm_log.h"
+#include "ipc/tolm_memory_claim.h"
 
 namespace tolm {
 
@@ -36,40 +36,21 @@ void PeerClosed(bool& alive) {
     TOLM_SOCKET_LOG(ANDROID_LOG_WARN, "peer closed!");
 }
 
-// A vector that cannot grow ends the process, so malloc is tried first; volatile, because compilers remove an unused
-// allocation. One thread at a time: otherwise two could count on the same memory.
-std::mutex gMemoryMutex;
-
-bool AvailableLocked(size_t size) {
-    void* volatile probe = malloc(size);
-    const bool available = probe != nullptr;
-    free(probe);
-    return available;
-}
-
-bool Reserve(std::vector<unsigned char>& payload, size_t capacity) {
-    if (payload.capacity() >= capacity) return true;
-    std::lock_guard<std::mutex> lock(gMemoryMutex);
-    if (!AvailableLocked(capacity)) return false;
-    payload.reserve(capacity);
-    return true;
-}
-
 // The announced size is not trusted. A size that could not be stored is refused immediately. For a large one, only the
 // first part is reserved, and the rest as its bytes arrive.
 bool ReserveAhead(std::vector<unsigned char>& payload, size_t size) {
     constexpr size_t kAhead = 1u << 20;
-    if (size > payload.max_size() - payload.size()) return false;
-    if (size <= kAhead) return Reserve(payload, payload.size() + size);
-    std::lock_guard<std::mutex> lock(gMemoryMutex);
-    if (!AvailableLocked(payload.size() + size)) return false;
-    payload.reserve(payload.size() + kAhead);
-    return true;
+    const size_t total = payload.size() + size;
+    const size_t ahead = payload.size() + std::min(size, kAhead);
+    return payload.capacity() >= total || Reserve(payload, ahead, total);
 }
 
-bool Append(const unsigned char* bytes, size_t size, std::vector<unsigned char>& payload) {
-    const size_t needed = payload.size() + size;
-    if (needed > payload.capacity() && !Reserve(payload, std::max(needed, 2 * payload.capacity()))) return false;
+// `total` is the final size of the payload.
+bool Append(const unsigned char* bytes, size_t size, size_t total, std::vector<unsigned char>& payload) {
+    if (payload.size() + size > payload.capacity()) {
+        const size_t capacity = std::min(total, std::max(payload.size() + size, 2 * payload.capacity()));
+        if (!Reserve(payload, capacity, capacity)) return false;
+    }
     payload.insert(payload.end(), bytes, bytes + size);
     return true;
 }
@@ -139,7 +120,9 @@ bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsi
         PeerClosed(alive);
         return false;
     }
-    if (!ReserveAhead(payload, header.size)) return CannotStore(alive);
+    const bool stored = header.size <= kMaxPayloadBytes;
+    if (stored && !ReserveAhead(payload, header.size)) return CannotStore(alive);
+    const size_t total = payload.size() + header.size;
     unsigned char chunk[kChunk] = {};
     size_t remaining = header.size;
     while (remaining > 0) {
@@ -152,7 +135,7 @@ bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsi
             TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Recv Error: %s", strerror(errno));
             return false;
         }
-        if (!Append(chunk, static_cast<size_t>(n), payload)) return CannotStore(alive);
+        if (stored && !Append(chunk, static_cast<size_t>(n), total, payload)) return CannotStore(alive);
         remaining -= static_cast<size_t>(n);
     }
     return true;

@@ -25,9 +25,9 @@ static_assert(sizeof(TolmIpcSocketMsgHeader) == 12, "the header is 12 bytes on t
 bool SendInternalSocket(int fd, int port, TolmIpcMessageType type, const std::vector<unsigned char>& payload,
                         bool& alive);
 
-// Reads one message and appends its payload to `payload`. Returns whether it was complete. Sets `alive` to false if the
-// peer has closed the connection, if the payload cannot be stored, or if the message is empty, which is how a peer
-// sends no reply.
+// Reads one message and appends its payload to `payload`. Returns whether it was complete. A payload of more than
+// kMaxPayloadBytes is read but not stored. Sets `alive` to false if the peer has closed the connection, if there is not
+// enough memory for the payload, or if the message is empty, which is how a peer sends no reply.
 bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsigned char>& payload, bool& alive);
 
 // Returns the address of a socket file, truncated to the 107 characters that fit into an address.

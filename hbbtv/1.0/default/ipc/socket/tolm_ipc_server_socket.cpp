@@ -14,12 +14,24 @@
 #include "ipc/socket/tolm_ipc_internal_socket.h"
 #include "ipc/tolm_ipc_key_converter.h"
 #include "ipc/tolm_log.h"
+#include "ipc/tolm_memory_claim.h"
 
 namespace tolm {
 
 namespace {
 
 constexpr int kBacklog = 100;
+
+// What a connection keeps of its largest message for the next.
+constexpr size_t kMaxKeptBytes = 64u << 10;
+
+void Empty(std::vector<unsigned char>& payload) {
+    payload.clear();
+    const size_t kept = payload.capacity();
+    if (kept <= kMaxKeptBytes) return;
+    std::vector<unsigned char>().swap(payload);  // without exceptions, shrink_to_fit() does nothing
+    ReturnFreedMemory(kept);
+}
 
 }  // namespace
 
@@ -153,7 +165,7 @@ void TolmIpcServerSocket::OnRecv(int fd, sockaddr_un) {
         } else if (header.type == TOLM_IPC_MSG_ASYNC) {
             mDelegate->OnRecv(payload, header.port);
         }
-        payload.clear();
+        Empty(payload);
     }
 }
 

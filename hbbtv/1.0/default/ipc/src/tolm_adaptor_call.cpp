@@ -156,15 +156,6 @@ Target ToIntBits(const char* key, unsigned& to) {
             }};
 }
 
-Target ToCount(const char* key, unsigned& to) {
-    return {key, &to, [](const Json::Value& object, const char* k, void* out) {
-                const unsigned count = ReadUInt(object, k);
-                if (count > kMostNumbered) return false;
-                *static_cast<unsigned*>(out) = count;
-                return true;
-            }};
-}
-
 Target ToInt64(const char* key, int64_t& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
                 *static_cast<int64_t*>(out) = ReadInt64(object, k);
@@ -236,8 +227,9 @@ TolmAdaptorClient::TolmAdaptorClient(const Family& family)
 int TolmAdaptorClient::Call(const Method& method, std::initializer_list<Member> request,
                             std::initializer_list<Target> results) {
     LogScope scope(mFamily.tag, method.place);
+    MemoryClaim claim;
     Json::Value reply;
-    const int status = SendIpc(Request(mFamily, method, request), reply);
+    const int status = SendIpc(Request(mFamily, method, request), reply, claim);
     return status == 0 && !Read(reply, results) ? -1 : status;
 }
 

@@ -73,7 +73,7 @@ Json::Value Object(std::initializer_list<Member> members);
 
 // A member of a reply or an event and the variable that it is read into. A member that is missing or cannot be
 // converted reads as 0, false or "". Two kinds can fail, and leave the variable unchanged: a pointer that is not a
-// string (the empty string is null), and a count above kMostNumbered.
+// string (the empty string is null), and numbered ints of which there are more than kMostNumbered.
 struct Target {
     const char* key;
     void* to;
@@ -83,7 +83,6 @@ struct Target {
 Target ToInt(const char* key, int& to);
 Target ToUInt(const char* key, unsigned& to);
 Target ToIntBits(const char* key, unsigned& to);  // an int on the wire: -1 reads as 4294967295
-Target ToCount(const char* key, unsigned& to);
 Target ToInt64(const char* key, int64_t& to);
 Target ToUInt64(const char* key, uint64_t& to);
 Target ToBool(const char* key, bool& to);

@@ -26,19 +26,20 @@ int TolmBaseClient::SendIpcWithNoRet(const Json::Value& req) {
     return 0;
 }
 
-TolmBaseClient::Outcome TolmBaseClient::ExchangeLocked(const std::vector<unsigned char>& request, Json::Value& reply) {
+TolmBaseClient::Outcome TolmBaseClient::ExchangeLocked(const std::vector<unsigned char>& request, Json::Value& reply,
+                                                       tolm::MemoryClaim& claim) {
     if (mClient == nullptr) return Outcome::kNoClient;
     std::vector<unsigned char> bytes;
     if (!mClient->SendSync(request, bytes)) return Outcome::kNoReply;
-    if (!tolm::ParseJson(bytes, reply)) return Outcome::kNotJson;
+    if (!tolm::ParseJson(bytes, reply, claim)) return Outcome::kNotJson;
     if (!reply.isObject() || !reply["ret"].isInt()) return Outcome::kNoStatus;
     return Outcome::kComplete;
 }
 
-int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply) {
+int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply, tolm::MemoryClaim& claim) {
     const std::vector<unsigned char> bytes = tolm::ToStyledBytes(req);
     std::lock_guard<std::mutex> lock(mMutex);
-    const Outcome outcome = ExchangeLocked(bytes, reply);
+    const Outcome outcome = ExchangeLocked(bytes, reply, claim);
     if (outcome != Outcome::kComplete) {
         // One flag per step; 0 marks the step that failed.
         TOLM_LOG(ANDROID_LOG_WARN, tolm::kIpcBaseTag, "SendIpc failed %d %d %d", outcome != Outcome::kNoReply,
@@ -50,6 +51,11 @@ int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply) {
                  reply.toStyledString().c_str());
     }
     return reply["ret"].asInt();
+}
+
+int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply) {
+    tolm::MemoryClaim claim;
+    return SendIpc(req, reply, claim);
 }
 
 int TolmBaseClient::SendIpc(const Json::Value& req) {

@@ -9,6 +9,7 @@
 
 #include "ipc/tolm_ipc_client.h"
 #include "ipc/tolm_ipc_types.h"
+#include "ipc/tolm_memory_claim.h"
 
 // Thread-safe.
 class TolmBaseClient {
@@ -23,6 +24,9 @@ class TolmBaseClient {
     // the reply is not a JSON object, or "ret" is not an integer. One request at a time; others wait.
     int SendIpc(const Json::Value& req, Json::Value& reply);
 
+    // As above. `claim` must outlive the use of the reply.
+    int SendIpc(const Json::Value& req, Json::Value& reply, tolm::MemoryClaim& claim);
+
     // As above, without access to the reply's other members.
     int SendIpc(const Json::Value& req);
 
@@ -34,7 +38,7 @@ class TolmBaseClient {
     enum class Outcome { kNoClient, kNoReply, kNotJson, kNoStatus, kComplete };
 
     // mMutex is held.
-    Outcome ExchangeLocked(const std::vector<unsigned char>& request, Json::Value& reply);
+    Outcome ExchangeLocked(const std::vector<unsigned char>& request, Json::Value& reply, tolm::MemoryClaim& claim);
 
     std::shared_ptr<tolm::TolmIpcClient> mClient;
     std::mutex mMutex;  // held from a request to its reply, which is how they are matched

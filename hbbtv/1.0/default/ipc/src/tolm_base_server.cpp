@@ -9,8 +9,8 @@
 namespace {
 
 // Parses a message. Returns whether it is a JSON object, and logs a warning if not.
-bool ParseMessage(const std::vector<unsigned char>& msg, Json::Value& document) {
-    if (tolm::ParseJson(msg, document) && document.isObject()) return true;
+bool ParseMessage(const std::vector<unsigned char>& msg, Json::Value& document, tolm::MemoryClaim& claim) {
+    if (tolm::ParseJson(msg, document, claim) && document.isObject()) return true;
     TOLM_LOG(ANDROID_LOG_WARN, tolm::kIpcBaseTag, "Ipc2Json failed");
     return false;
 }
@@ -33,8 +33,9 @@ void TolmBaseServer::Stop() {
 }
 
 void TolmBaseServer::OnRecv(const std::vector<unsigned char>& msg, int port) {
+    tolm::MemoryClaim claim;
     Json::Value document;
-    if (!ParseMessage(msg, document)) return;
+    if (!ParseMessage(msg, document, claim)) return;
     if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
         TOLM_LOG(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "recv msg:%s in m_ipc_id(%x) port(%d)",
                  document.toStyledString().c_str(), mKey, port);
@@ -43,8 +44,9 @@ void TolmBaseServer::OnRecv(const std::vector<unsigned char>& msg, int port) {
 }
 
 void TolmBaseServer::OnRecvSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply, int port) {
+    tolm::MemoryClaim claim;
     Json::Value document;
-    if (!ParseMessage(msg, document)) return;
+    if (!ParseMessage(msg, document, claim)) return;
     Json::Value out;
     ReceiveIpc(document, out);
     reply = tolm::ToStyledBytes(out);

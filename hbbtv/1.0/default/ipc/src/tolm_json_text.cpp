@@ -1,8 +1,8 @@
 #include "ipc/src/tolm_json_text.h"
 
-#include <algorithm>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <streambuf>
 
@@ -47,55 +47,11 @@ class StyledWriter {
     std::ostream mStream;
 };
 
-const char* EndOfString(const char* c, const char* end) {
-    for (++c; c != end && *c != '"'; ++c) {
-        if (*c == '\\' && c + 1 != end) ++c;
-    }
-    return c;
-}
-
-bool BeginsComment(const char* c, const char* end) {
-    return *c == '/' && end - c > 1 && (c[1] == '/' || c[1] == '*');
-}
-
-const char* EndOfComment(const char* c, const char* end) {
-    const bool block = c[1] == '*';
-    for (c += 2; c != end; ++c) {
-        if (!block && (*c == '\n' || *c == '\r')) return c;
-        if (block && *c == '*' && c + 1 != end && c[1] == '/') return c + 1;
-    }
-    return end;
-}
-
-bool ClosesAtOnce(const char* array, const char* end) {
-    const char* next =
-        std::find_if(array + 1, end, [](char c) { return c != ' ' && c != '\t' && c != '\r' && c != '\n'; });
-    return next != end && *next == ']';
-}
-
-// Returns whether jsoncpp's reader can parse the text without reading a value that is nested too deeply. The text need
-// not be valid JSON. In the innermost array, the reader reads a value if anything but the closing bracket follows, even
-// a comment or the end of the text; in the innermost object, it does so after a member's name.
-bool WithinDepth(const char* begin, const char* end) {
-    // Almost every text has too few brackets to be too deep.
-    if (std::count(begin, end, '[') + std::count(begin, end, '{') < kMaxJsonDepth) return true;
-    int depth = 0;
-    for (const char* c = begin; c != end; ++c) {
-        if (*c == '"') {
-            if (depth == kMaxJsonDepth) return false;
-            c = EndOfString(c, end);
-        } else if (BeginsComment(c, end)) {
-            c = EndOfComment(c, end);
-        } else if (*c == '[' || *c == '{') {
-            if (++depth > kMaxJsonDepth) return false;
-            if (depth == kMaxJsonDepth && *c == '[' && !ClosesAtOnce(c, end)) return false;
-        } else if (*c == ']' || *c == '}') {
-            if (--depth <= 0) return true;  // the document ends here; the rest is not read
-        }
-        if (c == end) return true;
-    }
-    return true;
-}
+// The memory of a long document: a value has a node in its array or object (160 bytes) and a name (32). A string exists
+// in up to six copies: as jsoncpp decodes it, in the document, as it is read, in the event, as a HIDL string and in a
+// transaction.
+constexpr size_t kBytesPerValue = 192;
+constexpr size_t kCopies = 6;
 
 const Json::Value& Member(const Json::Value& object, const char* key) {
     const Json::Value* member = object.isObject() ? object.find(key, key + strlen(key)) : nullptr;
@@ -115,11 +71,22 @@ std::vector<unsigned char> ToStyledBytes(const Json::Value& document) {
     return bytes;
 }
 
-bool ParseJson(const std::vector<unsigned char>& bytes, Json::Value& document) {
+bool ParseJson(const std::vector<unsigned char>& bytes, Json::Value& document, MemoryClaim& claim) {
     static thread_local Json::Reader reader;
     if (bytes.size() > kMaxJsonBytes) return false;
-    const char* text = reinterpret_cast<const char*>(bytes.data());
-    return WithinDepth(text, text + bytes.size()) && reader.parse(text, text + bytes.size(), document, true);
+    const char* begin = reinterpret_cast<const char*>(bytes.data());
+    const char* end = begin + bytes.size();
+    const std::optional<size_t> values = CountJsonValues(begin, end);
+    const bool isShort = bytes.size() <= kMaxShortJsonBytes;
+    // Also for a document that is refused: the end of the claim returns the memory of the message.
+    if (!isShort && !claim.Take(values.value_or(0) * kBytesPerValue + bytes.size() * kCopies)) return false;
+    if (!values) return false;
+    return reader.parse(begin, end, document, isShort);
+}
+
+bool ParseJson(const std::vector<unsigned char>& bytes, Json::Value& document) {
+    MemoryClaim claim;
+    return ParseJson(bytes, document, claim);
 }
 
 int ReadInt(const Json::Value& object, const char* key) {

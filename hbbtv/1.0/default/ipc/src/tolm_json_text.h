@@ -7,19 +7,23 @@
 #include <string>
 #include <vector>
 
+#include "ipc/src/tolm_json_limits.h"
+#include "ipc/tolm_memory_claim.h"
+
 namespace tolm {
 
-// The limit of a document. The largest one of the platform, a stream event with 1 MiB in numbered members, has about
-// 24 MiB.
-constexpr size_t kMaxJsonBytes = 64u << 20;
-
-// The limit of nesting: a value is within at most this many arrays and objects. jsoncpp throws on deeper documents.
-constexpr int kMaxJsonDepth = 1000;
+// Comments are collected only from documents up to this size: for each comment after a value, jsoncpp scans all of
+// those before it, which takes 10 s for a document of 200 KiB.
+constexpr size_t kMaxShortJsonBytes = 16u << 10;
 
 // Returns the document in styled form, byte for byte that of Json::Value::toStyledString().
 std::vector<unsigned char> ToStyledBytes(const Json::Value& document);
 
-// Parses bytes. Returns whether they are a JSON document within the limits above. Comments are collected.
+// Parses bytes. Returns whether they are a JSON document within the limits of tolm_json_limits.h and, if it is long,
+// whether there is enough memory for it and for what is read from it. `claim` must outlive the use of the document.
+bool ParseJson(const std::vector<unsigned char>& bytes, Json::Value& document, MemoryClaim& claim);
+
+// As above, with a claim that ends on return.
 bool ParseJson(const std::vector<unsigned char>& bytes, Json::Value& document);
 
 // Return a member of an object. A member that is missing or cannot be converted (a string instead of a number, a number

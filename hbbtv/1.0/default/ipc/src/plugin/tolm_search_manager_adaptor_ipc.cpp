@@ -82,11 +82,11 @@ int TolmSearchManagerAdaptor::SearchResults_GetOffset(const void* results, unsig
 }
 
 int TolmSearchManagerAdaptor::SearchResults_GetLength(const void* results, unsigned& length) {
-    return Call(20, {Pointer("in_handle", results)}, {ToCount("length", length)});
+    return Call(20, {Pointer("in_handle", results)}, {ToUInt("length", length)});
 }
 
 int TolmSearchManagerAdaptor::SearchResults_GetTotalSize(const void* results, unsigned& size) {
-    return Call(22, {Pointer("in_handle", results)}, {ToCount("size", size)});
+    return Call(22, {Pointer("in_handle", results)}, {ToUInt("size", size)});
 }
 
 int TolmSearchManagerAdaptor::SearchResults_GetProgramme(const void* results, unsigned index, void*& programme) {

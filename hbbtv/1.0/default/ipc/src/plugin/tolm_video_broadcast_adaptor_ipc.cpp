@@ -196,7 +196,7 @@ int TolmVideoBroadcastAdaptorIpc::SetChannel_Quiet(const void* vb, const void* c
 }
 
 int TolmVideoBroadcastAdaptorIpc::GetProgrammeNum(const void* vb, unsigned& num) {
-    return Call(36, {Pointer("vb_handle", vb)}, {ToCount("num", num)});
+    return Call(36, {Pointer("vb_handle", vb)}, {ToUInt("num", num)});
 }
 
 int TolmVideoBroadcastAdaptorIpc::GetProgrammeByIndex(const void* vb, unsigned index, void*& programme) {
