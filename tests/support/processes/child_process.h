@@ -30,7 +30,7 @@ class ChildProcess {
     // Waits until its output holds the text; false when it does not in time.
     bool WaitForOutput(const std::string& text, std::chrono::milliseconds patience = kPatience) const;
 
-    // Writes to its standard input; false when nobody reads it.
+    // Writes to its standard input; returns false if no process reads it.
     bool Write(const std::string& text);
     void CloseInput();
 

@@ -45,7 +45,7 @@ class LogScope {
     LogScope(const LogScope&) = delete;
     LogScope& operator=(const LogScope&) = delete;
 
-    // Omits LEAVE: a message that is dropped halfway leaves without it, and log filters rely on that.
+    // Omits LEAVE: a message that is dropped halfway ends without it, and log filters rely on that.
     void Abandon() { mLeaves = false; }
 
   private:
