@@ -97,7 +97,7 @@ class ApplicationManagerEvent : public ApplicationManagerEvents, public testing:
 TEST_P(ApplicationManagerEvent, ReachesTheClientThatHasRegisteredForIt) {
     const sp<Client> other = new Client;
     for (const EventCase& row : kEvents) {
-        EXPECT_EQ(0, Register(row.event, row.event == GetParam().event ? mClient : other));
+        EXPECT_EQ(Register(row.event, row.event == GetParam().event ? mClient : other), 0);
     }
     GetParam().happen();
     EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
@@ -107,30 +107,30 @@ TEST_P(ApplicationManagerEvent, ReachesTheClientThatHasRegisteredForIt) {
 TEST_P(ApplicationManagerEvent, IsDroppedSilentlyWithoutAClientOfItsOwn) {
     for (const EventCase& row : kEvents) {
         if (row.event == GetParam().event) continue;
-        EXPECT_EQ(0, Register(row.event, mClient));
+        EXPECT_EQ(Register(row.event, mClient), 0);
     }
     mLog.Clear();
     GetParam().happen();
     EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_EQ("", mLog.Text());
+    EXPECT_EQ(mLog.Text(), "");
 }
 
 TEST_P(ApplicationManagerEvent, IsHeldBackByTheEndOfAnotherRegistration) {
     const int other = GetParam().event == 5 ? 6 : 5;
-    EXPECT_EQ(0, Register(GetParam().event, mClient));
-    EXPECT_EQ(0, Register(other, mClient));
-    EXPECT_EQ(0, Unregister(other));
+    EXPECT_EQ(Register(GetParam().event, mClient), 0);
+    EXPECT_EQ(Register(other, mClient), 0);
+    EXPECT_EQ(Unregister(other), 0);
     mLog.Clear();
     GetParam().happen();
     EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_EQ("", mLog.Text());
-    EXPECT_EQ(0, Register(other, new Client));
+    EXPECT_EQ(mLog.Text(), "");
+    EXPECT_EQ(Register(other, new Client), 0);
     GetParam().happen();
     EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
 }
 
 TEST_P(ApplicationManagerEvent, IsDroppedWhenThereIsNoService) {
-    EXPECT_EQ(0, Register(GetParam().event, mClient));
+    EXPECT_EQ(Register(GetParam().event, mClient), 0);
     mService.clear();
     GetParam().happen();
     EXPECT_THAT(mClient->Calls(), IsEmpty());
@@ -142,14 +142,14 @@ TEST_P(ApplicationManagerEvent, IsDroppedWhenThereIsNoService) {
 
 TEST_P(ApplicationManagerEvent, MayBeRegisteredOnceUntilItIsUnregistered) {
     const sp<Client> second = new Client;
-    EXPECT_EQ(0, Register(GetParam().event, mClient));
-    EXPECT_EQ(-1, Register(GetParam().event, second));
+    EXPECT_EQ(Register(GetParam().event, mClient), 0);
+    EXPECT_EQ(Register(GetParam().event, second), -1);
     EXPECT_THAT(second->Linked(), IsEmpty());
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStarted));
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStarted), 1);
     GetParam().happen();
     EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
-    EXPECT_EQ(0, Unregister(GetParam().event));
-    EXPECT_EQ(0, Register(GetParam().event, second));
+    EXPECT_EQ(Unregister(GetParam().event), 0);
+    EXPECT_EQ(Register(GetParam().event, second), 0);
     GetParam().happen();
     EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
     EXPECT_THAT(second->Calls(), ElementsAre(GetParam().call));
@@ -159,7 +159,7 @@ INSTANTIATE_TEST_SUITE_P(Each, ApplicationManagerEvent, testing::ValuesIn(kEvent
                          [](const auto& row) { return "Event" + std::to_string(row.param.event); });
 
 TEST_F(ApplicationManagerEvents, ReachTheClientFromThePlatformWithItsContext) {
-    EXPECT_EQ(0, Register(1, mClient, 0x7777777780000abc));
+    EXPECT_EQ(Register(1, mClient, 0x7777777780000abc), 0);
     Send(kEvent);
     Send(R"({"t": 237})");
     EXPECT_THAT(mClient->Calls(),
@@ -167,14 +167,14 @@ TEST_F(ApplicationManagerEvents, ReachTheClientFromThePlatformWithItsContext) {
 }
 
 TEST_F(ApplicationManagerEvents, OfTheFullScreenAreForNobody) {
-    EXPECT_EQ(0, Register(26, mClient));
-    EXPECT_EQ(0, Register(1, mClient));
+    EXPECT_EQ(Register(26, mClient), 0);
+    EXPECT_EQ(Register(1, mClient), 0);
     Send(R"({"t": 270, "bValue": 1, "isDestroy": 0})");
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
 TEST_F(ApplicationManagerEvents, ThatAreQuestionsLeaveTheAskersValuesAlone) {
-    for (const int event : {4, 11, 21}) EXPECT_EQ(0, Register(event, mClient));
+    for (const int event : {4, 11, 21}) EXPECT_EQ(Register(event, mClient), 0);
     bool blocked = true;
     bool supported = false;
     int32_t rating = 9;
@@ -183,28 +183,28 @@ TEST_F(ApplicationManagerEvents, ThatAreQuestionsLeaveTheAskersValuesAlone) {
     onGetLocalParantalRating("AUT", &rating);
     EXPECT_TRUE(blocked);
     EXPECT_FALSE(supported);
-    EXPECT_EQ(9, rating);
+    EXPECT_EQ(rating, 9);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onIsParentalratingBlocked 1 2 1", "onIsObjectSupported t 0",
                                               "onGetLocalParantalRating AUT 9"));
 }
 
 TEST_F(ApplicationManagerEvents, TheQuestionForTheRatingIsAlwaysAnsweredByZero) {
     TolmApmAdaptorIpc::GetInstance();  // so that its socket is there
-    EXPECT_EQ(kRefused, Ask(kQuestion));
-    EXPECT_EQ(0, Register(4, mClient));
-    EXPECT_EQ(kRatedZero, Ask(kQuestion));
+    EXPECT_EQ(Ask(kQuestion), kRefused);
+    EXPECT_EQ(Register(4, mClient), 0);
+    EXPECT_EQ(Ask(kQuestion), kRatedZero);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onGetLocalParantalRating DEU 0"));
     // Also while events are held back: the adaptor still has its function.
-    EXPECT_EQ(0, Register(5, mClient));
-    EXPECT_EQ(0, Unregister(5));
-    EXPECT_EQ(kRatedZero, Ask(kQuestion));
+    EXPECT_EQ(Register(5, mClient), 0);
+    EXPECT_EQ(Unregister(5), 0);
+    EXPECT_EQ(Ask(kQuestion), kRatedZero);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onGetLocalParantalRating DEU 0"));
-    EXPECT_EQ(0, Unregister(4));
-    EXPECT_EQ(kRefused, Ask(kQuestion));
+    EXPECT_EQ(Unregister(4), 0);
+    EXPECT_EQ(Ask(kQuestion), kRefused);
 }
 
 TEST_F(ApplicationManagerEvents, NullTextsAreEmpty) {
-    for (const int event : {4, 18, 27}) EXPECT_EQ(0, Register(event, mClient));
+    for (const int event : {4, 18, 27}) EXPECT_EQ(Register(event, mClient), 0);
     int32_t rating = 0;
     onGetLocalParantalRating(nullptr, &rating);
     onRequestDsmccFile(nullptr, nullptr);
@@ -218,204 +218,204 @@ TEST_F(ApplicationManagerEvents, WithoutAFunctionAreRefusedAndTakenAllTheSame) {
         SCOPED_TRACE(event);
         const sp<Client> client = new Client;
         mLog.Clear();
-        EXPECT_EQ(-1, Register(event, client));
-        EXPECT_EQ(1u, client->Linked().size());
-        EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStarted));
+        EXPECT_EQ(Register(event, client), -1);
+        EXPECT_EQ(client->Linked().size(), 1u);
+        EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStarted), 1);
         // Taken: a second one is not even watched.
-        EXPECT_EQ(-1, Register(event, mClient));
+        EXPECT_EQ(Register(event, mClient), -1);
         EXPECT_THAT(mClient->Linked(), IsEmpty());
-        EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStarted));
-        EXPECT_EQ(0, Unregister(event));
+        EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStarted), 1);
+        EXPECT_EQ(Unregister(event), 0);
         EXPECT_THAT(client->Linked(), IsEmpty());
-        EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
-        EXPECT_EQ(-1, Register(event, mClient));
-        EXPECT_EQ(1u, mClient->Linked().size());
-        EXPECT_EQ(0, Unregister(event));
+        EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStopped), 1);
+        EXPECT_EQ(Register(event, mClient), -1);
+        EXPECT_EQ(mClient->Linked().size(), 1u);
+        EXPECT_EQ(Unregister(event), 0);
     }
 }
 
 TEST_F(ApplicationManagerEvents, AreDeliveredAgainAfterARefusedRegistrationOfEvent12) {
-    EXPECT_EQ(0, Register(8, mClient));
-    EXPECT_EQ(0, Register(5, mClient));
-    EXPECT_EQ(0, Unregister(5));
+    EXPECT_EQ(Register(8, mClient), 0);
+    EXPECT_EQ(Register(5, mClient), 0);
+    EXPECT_EQ(Unregister(5), 0);
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_EQ(-1, Register(12, mClient));
+    EXPECT_EQ(Register(12, mClient), -1);
     onKeyPress(3, 4, nullptr);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 3 4 0"));
 }
 
 TEST_F(ApplicationManagerEvents, StayHeldBackWhenARegistrationIsRefusedBeforeItIsWatched) {
-    EXPECT_EQ(0, Register(8, mClient));
-    EXPECT_EQ(0, Register(5, mClient));
-    EXPECT_EQ(0, Unregister(5));
-    EXPECT_EQ(-1, Register(8, new Client));
-    EXPECT_EQ(-1, Register(9, nullptr));
+    EXPECT_EQ(Register(8, mClient), 0);
+    EXPECT_EQ(Register(5, mClient), 0);
+    EXPECT_EQ(Unregister(5), 0);
+    EXPECT_EQ(Register(8, new Client), -1);
+    EXPECT_EQ(Register(9, nullptr), -1);
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
 TEST_F(ApplicationManagerEvents, AreNotHeldBackByTheEndOfARegistrationThatWasNotThere) {
-    EXPECT_EQ(0, Register(8, mClient));
+    EXPECT_EQ(Register(8, mClient), 0);
     mLog.Clear();
-    EXPECT_EQ(0, Unregister(5));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kStopped));
+    EXPECT_EQ(Unregister(5), 0);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStopped), 0);
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 1 2 0"));
 }
 
 TEST_F(ApplicationManagerEvents, ANullCallbackIsRefused) {
-    EXPECT_EQ(-1, Register(8, nullptr));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_ERROR, kNoCallback));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kStarted));
+    EXPECT_EQ(Register(8, nullptr), -1);
+    EXPECT_EQ(Logged(ANDROID_LOG_ERROR, kNoCallback), 1);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStarted), 0);
     // The event is still free.
-    EXPECT_EQ(0, Register(8, mClient));
+    EXPECT_EQ(Register(8, mClient), 0);
 }
 
 TEST_F(ApplicationManagerEvents, RegistrationWatchesTheClientUntilItIsTakenBack) {
-    EXPECT_EQ(0, Register(8, mClient));
-    EXPECT_EQ(1u, mClient->Linked().size());
-    EXPECT_EQ(0u, mClient->Cookie());
-    EXPECT_EQ(0, Register(9, mClient));
-    EXPECT_EQ(2u, mClient->Linked().size());
-    EXPECT_EQ(2, Logged(ANDROID_LOG_INFO, kStarted));
-    EXPECT_EQ(0, Unregister(8));
-    EXPECT_EQ(1u, mClient->Linked().size());
-    EXPECT_EQ(0, Unregister(9));
+    EXPECT_EQ(Register(8, mClient), 0);
+    EXPECT_EQ(mClient->Linked().size(), 1u);
+    EXPECT_EQ(mClient->Cookie(), 0u);
+    EXPECT_EQ(Register(9, mClient), 0);
+    EXPECT_EQ(mClient->Linked().size(), 2u);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStarted), 2);
+    EXPECT_EQ(Unregister(8), 0);
+    EXPECT_EQ(mClient->Linked().size(), 1u);
+    EXPECT_EQ(Unregister(9), 0);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
-    EXPECT_EQ(2, Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, kNoCallback));
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStopped), 2);
+    EXPECT_EQ(Logged(ANDROID_LOG_ERROR, kNoCallback), 0);
 }
 
 TEST_F(ApplicationManagerEvents, AClientThatIsTakenBackIsNotKept) {
     sp<Client> client = new Client;
     const wp<Client> watched = client;
-    EXPECT_EQ(0, Register(8, client));
+    EXPECT_EQ(Register(8, client), 0);
     client.clear();
-    EXPECT_NE(nullptr, watched.promote().get());
-    EXPECT_EQ(0, Unregister(8));
-    EXPECT_EQ(nullptr, watched.promote().get());
+    EXPECT_NE(watched.promote().get(), nullptr);
+    EXPECT_EQ(Unregister(8), 0);
+    EXPECT_EQ(watched.promote().get(), nullptr);
 }
 
 TEST_F(ApplicationManagerEvents, AContextGoesWithItsRegistration) {
-    EXPECT_EQ(0, Register(1, mClient, 5));
-    EXPECT_EQ(0, Unregister(1, 6));  // of another context, which ends the registration but leaves the context
-    EXPECT_EQ(0, Register(1, mClient, 7));
+    EXPECT_EQ(Register(1, mClient, 5), 0);
+    EXPECT_EQ(Unregister(1, 6), 0);  // of another context, which ends the registration but leaves the context
+    EXPECT_EQ(Register(1, mClient, 7), 0);
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onApplicationEvent 1 17 -19 5", "onApplicationEvent 1 17 -19 7"));
 }
 
 TEST_F(ApplicationManagerEvents, TheDeathOfTheClientEndsAllDeliveries) {
     const sp<Client> other = new Client;
-    EXPECT_EQ(0, Register(1, mClient));
-    EXPECT_EQ(0, Register(4, mClient));
-    EXPECT_EQ(0, Register(8, other));
+    EXPECT_EQ(Register(1, mClient), 0);
+    EXPECT_EQ(Register(4, mClient), 0);
+    EXPECT_EQ(Register(8, other), 0);
     mLog.Clear();
     mClient->Die();
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, kNoCallback));
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[ipc_apm]", "ENTER"));
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kDied), 1);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStopped), 1);
+    EXPECT_EQ(Logged(ANDROID_LOG_ERROR, kNoCallback), 0);
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_VERBOSE, "[ipc_apm]", "ENTER"), 1);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     EXPECT_THAT(other->Linked(), IsEmpty());
     Send(kEvent);
     onKeyPress(1, 2, nullptr);
-    EXPECT_EQ(kRefused, Ask(kQuestion));
+    EXPECT_EQ(Ask(kQuestion), kRefused);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
     EXPECT_THAT(other->Calls(), IsEmpty());
 
     // Every registration is made anew, without what was left of the old ones.
-    EXPECT_EQ(0, Register(8, other));
+    EXPECT_EQ(Register(8, other), 0);
     onKeyPress(3, 4, nullptr);
-    EXPECT_EQ(0, Register(1, other, 9));
+    EXPECT_EQ(Register(1, other, 9), 0);
     Send(kEvent);
     EXPECT_THAT(other->Calls(), ElementsAre("onKeyPress 3 4 0", "onApplicationEvent 1 17 -19 9"));
 }
 
 TEST_F(ApplicationManagerEvents, TheDeathOfAClientWithManyRegistrationsIsHandledOnceOrOften) {
-    EXPECT_EQ(0, Register(1, mClient));
-    EXPECT_EQ(0, Register(8, mClient));
-    EXPECT_EQ(0, Register(12, mClient) + 1);
+    EXPECT_EQ(Register(1, mClient), 0);
+    EXPECT_EQ(Register(8, mClient), 0);
+    EXPECT_EQ(Register(12, mClient) + 1, 0);
     const auto recipients = mClient->Linked();
-    ASSERT_EQ(3u, recipients.size());
+    ASSERT_EQ(recipients.size(), 3u);
     recipients[0]->serviceDied(0, wp<IBase>(mClient.get()));
     const sp<Client> next = new Client;
-    EXPECT_EQ(0, Register(8, next));
+    EXPECT_EQ(Register(8, next), 0);
     recipients[1]->serviceDied(0, wp<IBase>(mClient.get()));
     recipients[2]->serviceDied(0, wp<IBase>(mClient.get()));
     // Who has registered in the meantime is left alone.
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kDied), 1);
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(next->Calls(), ElementsAre("onKeyPress 1 2 0"));
 }
 
 TEST_F(ApplicationManagerEvents, TheDeathOfAClientThatNobodyHoldsAnyMoreIsBorne) {
-    EXPECT_EQ(0, Register(8, mClient));
+    EXPECT_EQ(Register(8, mClient), 0);
     sp<Client> gone = new Client;
     const wp<IBase> who(gone.get());
     gone.clear();
-    ASSERT_EQ(nullptr, who.promote().get());
+    ASSERT_EQ(who.promote().get(), nullptr);
     mLog.Clear();
     mService->OnHidlClientDied(0, who);
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_ERROR, kNoCallback));
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kDied), 1);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStopped), 1);
+    EXPECT_EQ(Logged(ANDROID_LOG_ERROR, kNoCallback), 1);
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     mService->OnHidlClientDied(0, wp<IBase>());
-    EXPECT_EQ(0, Register(8, mClient));
+    EXPECT_EQ(Register(8, mClient), 0);
     onKeyPress(3, 4, nullptr);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 3 4 0"));
 }
 
 TEST_F(ApplicationManagerEvents, TheLateDeathNoticeOfAClientThatWasTakenBackIsNobodys) {
-    EXPECT_EQ(0, Register(8, mClient));
+    EXPECT_EQ(Register(8, mClient), 0);
     const auto recipient = mClient->Linked().at(0);
-    EXPECT_EQ(0, Unregister(8));
+    EXPECT_EQ(Unregister(8), 0);
     const sp<Client> next = new Client;
-    EXPECT_EQ(0, Register(8, next));
+    EXPECT_EQ(Register(8, next), 0);
     recipient->serviceDied(0, wp<IBase>(mClient.get()));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kDied));
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kDied), 0);
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(next->Calls(), ElementsAre("onKeyPress 1 2 0"));
 }
 
 TEST_F(ApplicationManagerEvents, ReachAClientThatRegistersWhileAnotherDies) {
     const sp<Client> next = new Client;
-    Beside registration([&] { EXPECT_EQ(0, Register(1, next, 9)); });
-    EXPECT_EQ(0, Register(8, mClient));
+    Beside registration([&] { EXPECT_EQ(Register(1, next, 9), 0); });
+    EXPECT_EQ(Register(8, mClient), 0);
     mClient->WhenUnlinked([&] { registration.Begin(); });
     mClient->Die();
     registration.End();
-    EXPECT_EQ(1u, next->Linked().size());
+    EXPECT_EQ(next->Linked().size(), 1u);
     Send(kEvent);
     EXPECT_THAT(next->Calls(), ElementsAre("onApplicationEvent 1 17 -19 9"));
 }
 
 TEST_F(ApplicationManagerEvents, ReachAClientThatRegistersWhileAnotherLeaves) {
     const sp<Client> next = new Client;
-    Beside registration([&] { EXPECT_EQ(0, Register(1, next, 9)); });
-    EXPECT_EQ(0, Register(1, mClient));
+    Beside registration([&] { EXPECT_EQ(Register(1, next, 9), 0); });
+    EXPECT_EQ(Register(1, mClient), 0);
     mClient->WhenUnlinked([&] { registration.Begin(); });
-    EXPECT_EQ(0, Unregister(1));
+    EXPECT_EQ(Unregister(1), 0);
     registration.End();
-    EXPECT_EQ(1u, next->Linked().size());
+    EXPECT_EQ(next->Linked().size(), 1u);
     Send(kEvent);
     EXPECT_THAT(next->Calls(), ElementsAre("onApplicationEvent 1 17 -19 9"));
 }
 
 TEST_F(ApplicationManagerEvents, WithoutAnAdaptorNothingIsTakenBack) {
-    EXPECT_EQ(0, Register(8, mClient));
+    EXPECT_EQ(Register(8, mClient), 0);
     TolmApmAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
-    EXPECT_EQ(-1, Unregister(8));
-    EXPECT_EQ(-1, Register(9, mClient));
-    EXPECT_EQ(1u, mClient->Linked().size());
+    EXPECT_EQ(Unregister(8), -1);
+    EXPECT_EQ(Register(9, mClient), -1);
+    EXPECT_EQ(mClient->Linked().size(), 1u);
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 1 2 0"));
     mClient->Die();
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kDied), 1);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     onKeyPress(3, 4, nullptr);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 1 2 0"));
@@ -424,8 +424,9 @@ TEST_F(ApplicationManagerEvents, WithoutAnAdaptorNothingIsTakenBack) {
 TEST_F(ApplicationManagerEvents, AServiceThatGoesDoesNotTakeItsSuccessorsPlace) {
     sp<ApplicationManager> second = new ApplicationManager;
     mService.clear();
-    EXPECT_EQ(0, static_cast<int32_t>(
-                     second->RegisterCallback(vantorel::hardware::hbbtv::V1_0::TolmAIPEvent::KEY_PRESS, mClient, 1)));
+    EXPECT_EQ(static_cast<int32_t>(
+                  second->RegisterCallback(vantorel::hardware::hbbtv::V1_0::TolmAIPEvent::KEY_PRESS, mClient, 1)),
+              0);
     onKeyPress(1, 2, nullptr);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 1 2 0"));
 }
@@ -436,27 +437,27 @@ TEST_F(ApplicationManagerEvents, RegistrationsAndDeathsBesideEventsDoNotDisturbE
     std::thread registrations([&] {
         for (int i = 0; i < kTurns; ++i) {
             const sp<Client> client = new Client;
-            EXPECT_EQ(0, Register(1, client));
-            EXPECT_EQ(0, Register(4, client));
+            EXPECT_EQ(Register(1, client), 0);
+            EXPECT_EQ(Register(4, client), 0);
             client->Die();
         }
     });
     std::thread others([&] {
         while (!stop) {
             const sp<Client> client = new Client;
-            EXPECT_EQ(0, Register(8, client));
+            EXPECT_EQ(Register(8, client), 0);
             onKeyPress(1, 2, nullptr);
-            EXPECT_EQ(0, Unregister(8));
+            EXPECT_EQ(Unregister(8), 0);
         }
     });
     for (int i = 0; i < kTurns; ++i) {
         Send(kEvent);
-        EXPECT_NE("no reply", Ask(kQuestion));
+        EXPECT_NE(Ask(kQuestion), "no reply");
     }
     registrations.join();
     stop = true;
     others.join();
-    EXPECT_EQ(0, Register(1, mClient, 5));
+    EXPECT_EQ(Register(1, mClient, 5), 0);
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onApplicationEvent 1 17 -19 5"));
 }

@@ -29,11 +29,11 @@ class AVControlEvents : public ServiceEvents<AVControl, RecordingCallback> {
     AVControlEvents() : ServiceEvents("[hidl_av_control_wrapper_client]") {}
 
     void Register(const sp<Client>& client) {
-        ASSERT_EQ(0, static_cast<int32_t>(mService->RegisterCallback(client, 9)));
+        ASSERT_EQ(static_cast<int32_t>(mService->RegisterCallback(client, 9)), 0);
     }
 
-    void RefuseNull() { EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(nullptr, 9))); }
-    void Unregister() { ASSERT_EQ(0, static_cast<int32_t>(mService->UnregisterCallback())); }
+    void RefuseNull() { EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(nullptr, 9)), -1); }
+    void Unregister() { ASSERT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), 0); }
 
     int DroppedByTheAdaptor() const { return mLog.Count(ANDROID_LOG_DEBUG, "[ipc_avcontrol]", "callback is null"); }
 };
@@ -51,15 +51,15 @@ TEST_F(AVControlEvents, ReachTheRegisteredClientAndThePlatformIsNotTold) {
     Send(R"({"method": 1})");
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, "onComponentSelect 1 -7 -1", "onComponentSelect 1 0 0"));
     Unregister();
-    EXPECT_EQ(0, mPlatform.Connections());
+    EXPECT_EQ(mPlatform.Connections(), 0);
 }
 
 TEST_F(AVControlEvents, GiveMinusOneWithALineInTheLogWithoutAClient) {
-    EXPECT_EQ(-1, TolmAVControlComponentCallback(1, 2, 5));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kNoClient));
+    EXPECT_EQ(TolmAVControlComponentCallback(1, 2, 5), -1);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kNoClient), 1);
     Register(mClient);
-    EXPECT_EQ(0, TolmAVControlComponentCallback(3, 2, 5));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kNoClient));
+    EXPECT_EQ(TolmAVControlComponentCallback(3, 2, 5), 0);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kNoClient), 1);
     EXPECT_THAT(mClient->Calls(), ElementsAre("onComponentSelect 3 2 5"));
 }
 
@@ -67,17 +67,17 @@ TEST_F(AVControlEvents, AreDroppedByTheAdaptorAfterTheRegistrationsEnd) {
     Register(mClient);
     Unregister();
     Send(kEvent);
-    EXPECT_EQ(1, DroppedByTheAdaptor());
-    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kNoClient));
+    EXPECT_EQ(DroppedByTheAdaptor(), 1);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kNoClient), 0);
 }
 
 TEST_F(AVControlEvents, AreDroppedByTheAdaptorAfterADeathThatThePlatformIsNotToldOf) {
     Register(mClient);
     mClient->Die();
     Send(kEvent);
-    EXPECT_EQ(1, DroppedByTheAdaptor());
-    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kNoClient));
-    EXPECT_EQ(0, mPlatform.Connections());
+    EXPECT_EQ(DroppedByTheAdaptor(), 1);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kNoClient), 0);
+    EXPECT_EQ(mPlatform.Connections(), 0);
 }
 
 TEST_F(AVControlEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierClientStays) {
@@ -85,10 +85,10 @@ TEST_F(AVControlEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierClientSt
     TolmAVControlAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
     const sp<Client> second = new Client;
-    EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(second, 5)));
+    EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(second, 5)), -1);
     EXPECT_THAT(second->Linked(), IsEmpty());
-    EXPECT_EQ(1u, mClient->Linked().size());
-    EXPECT_EQ(0, TolmAVControlComponentCallback(1, 2, 5));
+    EXPECT_EQ(mClient->Linked().size(), 1u);
+    EXPECT_EQ(TolmAVControlComponentCallback(1, 2, 5), 0);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
 
@@ -96,9 +96,9 @@ TEST_F(AVControlEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
     Register(mClient);
     TolmAVControlAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
-    EXPECT_EQ(-1, static_cast<int32_t>(mService->UnregisterCallback()));
+    EXPECT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), -1);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
-    EXPECT_EQ(-1, TolmAVControlComponentCallback(1, 2, 5));
+    EXPECT_EQ(TolmAVControlComponentCallback(1, 2, 5), -1);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 

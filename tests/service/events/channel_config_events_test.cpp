@@ -32,11 +32,11 @@ class ChannelConfigEvents : public ServiceEvents<ChannelConfig, RecordingCallbac
     ChannelConfigEvents() : ServiceEvents(kTag) {}
 
     void Register(const sp<Client>& client, int64_t context = kContext) {
-        ASSERT_EQ(0, static_cast<int32_t>(mService->RegisterCallback(client, context)));
+        ASSERT_EQ(static_cast<int32_t>(mService->RegisterCallback(client, context)), 0);
     }
 
-    void RefuseNull() { EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(nullptr, kContext))); }
-    void Unregister() { ASSERT_EQ(0, static_cast<int32_t>(mService->UnregisterCallback())); }
+    void RefuseNull() { EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(nullptr, kContext)), -1); }
+    void Unregister() { ASSERT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), 0); }
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(ChannelConfigClient, OneClient, ChannelConfigEvents);
@@ -68,7 +68,7 @@ TEST_F(ChannelConfigEvents, AreDroppedSilentlyWithoutAClient) {
     mLog.Clear();
     Send(kEvent);
     TolmChannelConfigCallback(0, {'A'}, nullptr);
-    EXPECT_EQ(0, Logged(ANDROID_LOG_WARN, "reserved is empty"));
+    EXPECT_EQ(Logged(ANDROID_LOG_WARN, "reserved is empty"), 0);
     for (const LogLine& line : mLog.Lines()) EXPECT_NE(line.tag, kTag) << line.text;
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
@@ -99,10 +99,10 @@ TEST_F(ChannelConfigEvents, AreTakenBackFromThePlatformByEachEndAndByADeath) {
 
 TEST_F(ChannelConfigEvents, ThePlatformsRefusalIsPassedOnAndTheClientRegisteredAllTheSame) {
     mPlatform.SetReply(R"({"ret": 6})");
-    EXPECT_EQ(6, static_cast<int32_t>(mService->RegisterCallback(mClient, kContext)));
+    EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(mClient, kContext)), 6);
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
-    EXPECT_EQ(6, static_cast<int32_t>(mService->UnregisterCallback()));
+    EXPECT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), 6);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
@@ -113,9 +113,9 @@ TEST_F(ChannelConfigEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierClie
     TolmChannelConfigAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
     const sp<Client> second = new Client;
-    EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(second, 5)));
+    EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(second, 5)), -1);
     EXPECT_THAT(second->Linked(), IsEmpty());
-    EXPECT_EQ(1u, mClient->Linked().size());
+    EXPECT_EQ(mClient->Linked().size(), 1u);
     TolmChannelConfigCallback(0, {'A'}, nullptr);
     EXPECT_THAT(mClient->Calls(), ElementsAre("OnChannelConfigEvent 0 65 0"));
 }
@@ -124,7 +124,7 @@ TEST_F(ChannelConfigEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
     Register(mClient);
     TolmChannelConfigAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
-    EXPECT_EQ(-1, static_cast<int32_t>(mService->UnregisterCallback()));
+    EXPECT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), -1);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     TolmChannelConfigCallback(0, {'A'}, nullptr);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
@@ -135,9 +135,9 @@ TEST(ChannelConfigWithoutPlatform, ForgetsItsClientAllTheSame) {
     LogCapture log;
     const sp<ChannelConfig> service = new ChannelConfig;
     const sp<RecordingCallback> client = new RecordingCallback;
-    EXPECT_EQ(-1, static_cast<int32_t>(service->RegisterCallback(client, 5)));
-    EXPECT_EQ(1u, client->Linked().size());
-    EXPECT_EQ(-1, static_cast<int32_t>(service->UnregisterCallback()));
+    EXPECT_EQ(static_cast<int32_t>(service->RegisterCallback(client, 5)), -1);
+    EXPECT_EQ(client->Linked().size(), 1u);
+    EXPECT_EQ(static_cast<int32_t>(service->UnregisterCallback()), -1);
     EXPECT_THAT(client->Linked(), IsEmpty());
     TolmChannelConfigCallback(0, {'A'}, nullptr);
     EXPECT_THAT(client->Calls(), IsEmpty());

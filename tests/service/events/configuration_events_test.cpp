@@ -74,8 +74,8 @@ class ConfigurationEvent : public ConfigurationEvents, public testing::WithParam
 }  // namespace
 
 TEST_P(ConfigurationEvent, ReachesAllClients) {
-    EXPECT_EQ(0, Register(mClient));
-    EXPECT_EQ(-1, Register(mSecond));
+    EXPECT_EQ(Register(mClient), 0);
+    EXPECT_EQ(Register(mSecond), -1);
     Send(GetParam().event);
     const std::string call = std::string("onConfigurationEvent ") + GetParam().call;
     EXPECT_THAT(mClient->Calls(), ElementsAre(call));
@@ -87,9 +87,9 @@ INSTANTIATE_TEST_SUITE_P(Each, ConfigurationEvent, testing::ValuesIn(kEvents),
 
 TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationIsToldThePlatformAndGivesItsStatus) {
     mPlatform.SetReply(R"({"ret": 6})");
-    EXPECT_EQ(6, Register(mClient));
-    EXPECT_EQ(-1, Register(mSecond));
-    EXPECT_EQ(-1, Register(mThird));
+    EXPECT_EQ(Register(mClient), 6);
+    EXPECT_EQ(Register(mSecond), -1);
+    EXPECT_EQ(Register(mThird), -1);
     EXPECT_THAT(Requests(), ElementsAre(kRegister));
     Send(kEvent);
     for (const sp<Client>& client : {mClient, mSecond, mThird}) EXPECT_THAT(client->Calls(), ElementsAre(kCall));
@@ -117,15 +117,15 @@ TEST_F(ConfigurationEvents, ReachTheClientsInTheOrderOfTheirRegistrations) {
     Register(b);
     Register(new NamedClient("a", &told));
     Send(kEvent);
-    EXPECT_EQ("cba", told);
+    EXPECT_EQ(told, "cba");
     Unregister(b);
     Register(b);
     Send(kEvent);
-    EXPECT_EQ("cbacab", told);
+    EXPECT_EQ(told, "cbacab");
 }
 
 TEST_F(ConfigurationEvents, ReachAClientInTheOrderOfTheEvents) {
-    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(Register(mClient), 0);
     Send(R"({"event": 4, "isSubEnabled": true})");
     Send(kEvent);
     Send(R"({"event": 7, "region": "DE"})");
@@ -139,59 +139,59 @@ TEST_F(ConfigurationEvents, AreDroppedSilentlyWithoutAClient) {
 }
 
 TEST_F(ConfigurationEvents, AreDroppedWhenTheServiceHasGone) {
-    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(Register(mClient), 0);
     mService.clear();
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
 TEST_F(ConfigurationEvents, ANullCallbackIsRefusedAndTheEarlierOneStays) {
-    EXPECT_EQ(-1, Register(nullptr));
+    EXPECT_EQ(Register(nullptr), -1);
     EXPECT_THAT(Requests(), IsEmpty());
-    EXPECT_EQ(0, Register(mClient));
-    EXPECT_EQ(-1, Register(nullptr));
-    EXPECT_EQ(2, Logged(ANDROID_LOG_ERROR, kNoCallback));
+    EXPECT_EQ(Register(mClient), 0);
+    EXPECT_EQ(Register(nullptr), -1);
+    EXPECT_EQ(Logged(ANDROID_LOG_ERROR, kNoCallback), 2);
     EXPECT_THAT(Requests(), ElementsAre(kRegister));
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
 
 TEST_F(ConfigurationEvents, RegistrationWatchesTheClientUntilItIsTakenBack) {
-    EXPECT_EQ(0, Register(mClient));
-    EXPECT_EQ(1u, mClient->Linked().size());
-    EXPECT_EQ(0u, mClient->Cookie());
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStarted));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kStopped));
+    EXPECT_EQ(Register(mClient), 0);
+    EXPECT_EQ(mClient->Linked().size(), 1u);
+    EXPECT_EQ(mClient->Cookie(), 0u);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStarted), 1);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStopped), 0);
 
     mPlatform.ForgetFrames();
-    EXPECT_EQ(0, Unregister(mClient));
+    EXPECT_EQ(Unregister(mClient), 0);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStopped), 1);
     EXPECT_THAT(Requests(), ElementsAre(kUnregister));
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, "[ipc_configure]", "callback is null"));
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_configure]", "callback is null"), 1);
 }
 
 TEST_F(ConfigurationEvents, TakingBackOneOfSeveralLeavesTheOthersServedAndThePlatformUntold) {
-    EXPECT_EQ(0, Register(mClient));
-    EXPECT_EQ(-1, Register(mSecond));
-    EXPECT_EQ(-1, Register(mThird));
+    EXPECT_EQ(Register(mClient), 0);
+    EXPECT_EQ(Register(mSecond), -1);
+    EXPECT_EQ(Register(mThird), -1);
     mPlatform.ForgetFrames();
-    EXPECT_EQ(-1, Unregister(mSecond));
+    EXPECT_EQ(Unregister(mSecond), -1);
     EXPECT_THAT(mSecond->Linked(), IsEmpty());
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kStopped));
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStopped), 1);
     Send(kEvent);
-    EXPECT_EQ(-1, Unregister(mClient));
+    EXPECT_EQ(Unregister(mClient), -1);
     Send(kEvent);
     EXPECT_THAT(Requests(), IsEmpty());
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
     EXPECT_THAT(mSecond->Calls(), IsEmpty());
     EXPECT_THAT(mThird->Calls(), ElementsAre(kCall, kCall));
-    EXPECT_EQ(1u, mThird->Linked().size());
+    EXPECT_EQ(mThird->Linked().size(), 1u);
 
     mPlatform.SetReply(R"({"ret": 6})");
-    EXPECT_EQ(6, Unregister(mThird));
+    EXPECT_EQ(Unregister(mThird), 6);
     EXPECT_THAT(Requests(), ElementsAre(kUnregister));
     EXPECT_THAT(mThird->Linked(), IsEmpty());
     Send(kEvent);
@@ -199,11 +199,11 @@ TEST_F(ConfigurationEvents, TakingBackOneOfSeveralLeavesTheOthersServedAndThePla
 }
 
 TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredLeavesTheOthersServed) {
-    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(Register(mClient), 0);
     mPlatform.ForgetFrames();
-    EXPECT_EQ(-1, Unregister(mSecond));
-    EXPECT_EQ(-1, Unregister(nullptr));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_INFO, kStopped));
+    EXPECT_EQ(Unregister(mSecond), -1);
+    EXPECT_EQ(Unregister(nullptr), -1);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStopped), 0);
     EXPECT_THAT(Requests(), IsEmpty());
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
@@ -211,91 +211,91 @@ TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredLeavesTheOthersServed)
 
 TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredAsksThePlatformWhenThereIsNobody) {
     mPlatform.SetReply(R"({"ret": 6})");
-    EXPECT_EQ(6, Unregister(mClient));
-    EXPECT_EQ(6, Unregister(nullptr));
+    EXPECT_EQ(Unregister(mClient), 6);
+    EXPECT_EQ(Unregister(nullptr), 6);
     EXPECT_THAT(Requests(), ElementsAre(kUnregister, kUnregister));
 }
 
 TEST_F(ConfigurationEvents, AClientThatRegistersTwiceIsToldTwiceUntilItIsTakenBackTwice) {
-    EXPECT_EQ(0, Register(mClient));
-    EXPECT_EQ(-1, Register(mClient));
+    EXPECT_EQ(Register(mClient), 0);
+    EXPECT_EQ(Register(mClient), -1);
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, kCall));
-    EXPECT_EQ(-1, Unregister(mClient));
-    EXPECT_EQ(1u, mClient->Linked().size());
+    EXPECT_EQ(Unregister(mClient), -1);
+    EXPECT_EQ(mClient->Linked().size(), 1u);
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, kCall, kCall));
-    EXPECT_EQ(0, Unregister(mClient));
+    EXPECT_EQ(Unregister(mClient), 0);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, kCall, kCall));
 }
 
 TEST_F(ConfigurationEvents, TheDeathOfOneClientEndsTheDeliveryToAllAndTellsThePlatform) {
-    EXPECT_EQ(0, Register(mClient));
-    EXPECT_EQ(-1, Register(mSecond));
+    EXPECT_EQ(Register(mClient), 0);
+    EXPECT_EQ(Register(mSecond), -1);
     mPlatform.ForgetFrames();
     mSecond->Die();
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "ENTER"));
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "LEAVE"));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
-    EXPECT_EQ(2, Logged(ANDROID_LOG_INFO, kStopped));
-    EXPECT_EQ(0, Logged(ANDROID_LOG_ERROR, kNoCallback));
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "ENTER"), 1);
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_VERBOSE, "[hidl_base]", "LEAVE"), 1);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kDied), 1);
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kStopped), 2);
+    EXPECT_EQ(Logged(ANDROID_LOG_ERROR, kNoCallback), 0);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     EXPECT_THAT(mSecond->Linked(), IsEmpty());
     EXPECT_THAT(Requests(), ElementsAre(kUnregister));
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
     EXPECT_THAT(mSecond->Calls(), IsEmpty());
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, "[ipc_configure]", "callback is null"));
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_configure]", "callback is null"), 1);
 
     mPlatform.ForgetFrames();
-    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(Register(mClient), 0);
     EXPECT_THAT(Requests(), ElementsAre(kRegister));
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
 
 TEST_F(ConfigurationEvents, TwoClientsThatDieTogetherAreOneDeath) {
-    EXPECT_EQ(0, Register(mClient));
-    EXPECT_EQ(-1, Register(mSecond));
+    EXPECT_EQ(Register(mClient), 0);
+    EXPECT_EQ(Register(mSecond), -1);
     const auto recipient = mClient->Linked().at(0);
     mPlatform.ForgetFrames();
     recipient->serviceDied(0, android::wp<IBase>(mClient.get()));
     recipient->serviceDied(0, android::wp<IBase>(mSecond.get()));
-    EXPECT_EQ(1, Logged(ANDROID_LOG_INFO, kDied));
+    EXPECT_EQ(Logged(ANDROID_LOG_INFO, kDied), 1);
     EXPECT_THAT(Requests(), ElementsAre(kUnregister));
 }
 
 TEST_F(ConfigurationEvents, TheLateDeathNoticeOfAClientThatWasTakenBackLeavesTheOthersServed) {
-    EXPECT_EQ(0, Register(mClient));
-    EXPECT_EQ(-1, Register(mSecond));
+    EXPECT_EQ(Register(mClient), 0);
+    EXPECT_EQ(Register(mSecond), -1);
     const auto recipient = mClient->Linked().at(0);
-    EXPECT_EQ(-1, Unregister(mClient));
+    EXPECT_EQ(Unregister(mClient), -1);
     mPlatform.ForgetFrames();
     recipient->serviceDied(0, android::wp<IBase>(mClient.get()));
     // Also when the notice had passed the recipient already, and set its flag.
     static_cast<TolmHidlClientDeathRecipient&>(*recipient).SetDied(true);
     mService->OnHidlClientDied(0, android::wp<IBase>(mClient.get()));
     EXPECT_THAT(Requests(), IsEmpty());
-    EXPECT_EQ(1u, mSecond->Linked().size());
+    EXPECT_EQ(mSecond->Linked().size(), 1u);
     Send(kEvent);
     EXPECT_THAT(mSecond->Calls(), ElementsAre(kCall));
 }
 
 TEST_F(ConfigurationEvents, WithoutAnAdaptorNothingIsRegistered) {
     const NoMemoryForAdaptors noMemory;
-    EXPECT_EQ(-1, Register(mClient));
+    EXPECT_EQ(Register(mClient), -1);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     TolmConfigurationCallback(8, {}, nullptr);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
 TEST_F(ConfigurationEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
-    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(Register(mClient), 0);
     TolmConfigurationAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
-    EXPECT_EQ(-1, Unregister(mClient));
+    EXPECT_EQ(Unregister(mClient), -1);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     TolmConfigurationCallback(8, {}, nullptr);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
@@ -315,7 +315,7 @@ TEST_F(ConfigurationEvents, RegistrationsAndDeathsBesideEventsDoNotDisturbEachOt
     });
     for (int i = 0; i < kTurns; ++i) Send(kEvent);
     registrations.join();
-    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(Register(mClient), 0);
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
@@ -323,38 +323,38 @@ TEST_F(ConfigurationEvents, RegistrationsAndDeathsBesideEventsDoNotDisturbEachOt
 // No event may be lost to a client because another one comes and goes.
 TEST_F(ConfigurationEvents, ReachAClientWhileAnotherComesAndGoes) {
     constexpr int kTimes = 300;
-    EXPECT_EQ(0, Register(mClient));
+    EXPECT_EQ(Register(mClient), 0);
     std::atomic<bool> stop{false};
     std::thread other([&] {
         while (!stop) {
-            EXPECT_EQ(-1, Register(mSecond));
-            EXPECT_EQ(-1, Unregister(mSecond));
+            EXPECT_EQ(Register(mSecond), -1);
+            EXPECT_EQ(Unregister(mSecond), -1);
         }
     });
     for (int i = 0; i < kTimes; ++i) Send(kEvent);
     stop = true;
     other.join();
-    EXPECT_EQ(static_cast<size_t>(kTimes), mClient->Calls().size());
+    EXPECT_EQ(mClient->Calls().size(), static_cast<size_t>(kTimes));
 }
 
 TEST_F(ConfigurationEvents, ReachAClientThatRegistersWhileTheLastOneDies) {
-    Beside registration([this] { EXPECT_EQ(0, Register(mSecond)); });
-    EXPECT_EQ(0, Register(mClient));
+    Beside registration([this] { EXPECT_EQ(Register(mSecond), 0); });
+    EXPECT_EQ(Register(mClient), 0);
     mClient->WhenUnlinked([&] { registration.Begin(); });
     mClient->Die();
     registration.End();
-    EXPECT_EQ(1u, mSecond->Linked().size());
+    EXPECT_EQ(mSecond->Linked().size(), 1u);
     Send(kEvent);
     EXPECT_THAT(mSecond->Calls(), ElementsAre(kCall));
 }
 
 TEST_F(ConfigurationEvents, ReachAClientThatRegistersWhileTheLastOneLeaves) {
-    Beside registration([this] { EXPECT_EQ(0, Register(mSecond)); });
-    EXPECT_EQ(0, Register(mClient));
+    Beside registration([this] { EXPECT_EQ(Register(mSecond), 0); });
+    EXPECT_EQ(Register(mClient), 0);
     mClient->WhenUnlinked([&] { registration.Begin(); });
-    EXPECT_EQ(0, Unregister(mClient));
+    EXPECT_EQ(Unregister(mClient), 0);
     registration.End();
-    EXPECT_EQ(1u, mSecond->Linked().size());
+    EXPECT_EQ(mSecond->Linked().size(), 1u);
     Send(kEvent);
     EXPECT_THAT(mSecond->Calls(), ElementsAre(kCall));
 }
@@ -364,8 +364,8 @@ TEST_F(ConfigurationEvents, ADeathBesideTheEndOfItsClientDropsAllOrNone) {
     for (int i = 0; i < 200; ++i) {
         const sp<Client> staying = new Client;
         const sp<Client> dying = new Client;
-        EXPECT_EQ(0, Register(staying));
-        EXPECT_EQ(-1, Register(dying));
+        EXPECT_EQ(Register(staying), 0);
+        EXPECT_EQ(Register(dying), -1);
         mPlatform.ForgetFrames();
         std::thread death([&] { dying->Die(); });
         const int status = Unregister(dying);
@@ -373,7 +373,7 @@ TEST_F(ConfigurationEvents, ADeathBesideTheEndOfItsClientDropsAllOrNone) {
         Send(kEvent);
         if (status == -1 && Requests().empty()) {
             EXPECT_THAT(staying->Calls(), ElementsAre(kCall));
-            EXPECT_EQ(0, Unregister(staying));
+            EXPECT_EQ(Unregister(staying), 0);
         } else {
             EXPECT_THAT(staying->Calls(), IsEmpty());
         }
@@ -384,11 +384,11 @@ TEST(ConfigurationWithoutPlatform, ForgetsItsClientAllTheSame) {
     const ScratchDirectory directory;
     const sp<Configuration> service = new Configuration;
     const sp<RecordingCallback> client = new RecordingCallback;
-    EXPECT_EQ(-1, static_cast<int32_t>(service->RegisterCallback(client)));
-    EXPECT_EQ(1u, client->Linked().size());
+    EXPECT_EQ(static_cast<int32_t>(service->RegisterCallback(client)), -1);
+    EXPECT_EQ(client->Linked().size(), 1u);
     TolmConfigurationCallback(8, {}, nullptr);
     EXPECT_THAT(client->Calls(), ElementsAre("onConfigurationEvent 8 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0"));
-    EXPECT_EQ(-1, static_cast<int32_t>(service->UnregisterCallback(client)));
+    EXPECT_EQ(static_cast<int32_t>(service->UnregisterCallback(client)), -1);
     EXPECT_THAT(client->Linked(), IsEmpty());
 }
 

@@ -27,10 +27,10 @@ class DsmccEvents : public ServiceEvents<Dsmcc, RecordingCallback> {
 
     DsmccEvents() : ServiceEvents("[hidl_video_broadcast_wrapper_client]") {}
 
-    void Register(const sp<Client>& client) { ASSERT_EQ(0, static_cast<int32_t>(mService->RegisterCallback(client))); }
+    void Register(const sp<Client>& client) { ASSERT_EQ(static_cast<int32_t>(mService->RegisterCallback(client)), 0); }
 
-    void RefuseNull() { EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(nullptr))); }
-    void Unregister() { ASSERT_EQ(0, static_cast<int32_t>(mService->UnregisterCallback())); }
+    void RefuseNull() { EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(nullptr)), -1); }
+    void Unregister() { ASSERT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), 0); }
 
     int NoClient() const {
         return mLog.Count(ANDROID_LOG_ERROR, "[hidl_dsmcc_wrapper_client]", "IDsmccCallback callback is null");
@@ -51,7 +51,7 @@ TEST_F(DsmccEvents, ReachTheRegisteredClientWithoutTheirUrl) {
     Send(R"({"method": 4, "event": 3, "context": "0xffffffff", "filePath": ""})");
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, "OnDsmccFileEvent 0  /g 1", "OnDsmccFileEvent 4  /h 0",
                                               "OnDsmccFileEvent 1   4294967295"));
-    EXPECT_EQ(0, NoClient());
+    EXPECT_EQ(NoClient(), 0);
 }
 
 TEST_F(DsmccEvents, GiveTheContextWithAZeroHighHalf) {
@@ -67,37 +67,37 @@ TEST_F(DsmccEvents, ThatTheAdaptorDropsReachNobody) {
     Send(R"({"method": 3, "event": 1, "context": "0x1", "filePath": "/f"})");
     Send(R"({"method": 4, "event": 1, "context": 1, "filePath": "/f"})");
     EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_EQ(0, NoClient());
+    EXPECT_EQ(NoClient(), 0);
 }
 
 TEST_F(DsmccEvents, AreLoggedAsAnErrorWhenThereIsNobodyToTell) {
     TolmBacBrowserDSMCCFileCallback(TOLM_DSMCC_FILE_EVENT_1, "/f", nullptr);
-    EXPECT_EQ(1, NoClient());
+    EXPECT_EQ(NoClient(), 1);
     Register(mClient);
     Unregister();
     Send(kEvent);
-    EXPECT_EQ(2, NoClient());
+    EXPECT_EQ(NoClient(), 2);
     Register(mClient);
     mClient->Die();
     Send(kEvent);
-    EXPECT_EQ(3, NoClient());
+    EXPECT_EQ(NoClient(), 3);
     Register(mClient);
     mService->StopMonitor(mClient);
     Send(kEvent);
-    EXPECT_EQ(4, NoClient());
+    EXPECT_EQ(NoClient(), 4);
     Register(mClient);
     mService.clear();
     Send(kEvent);
-    EXPECT_EQ(5, NoClient());
-    EXPECT_EQ(0, mLog.Count(ANDROID_LOG_WARN, "[ipc_dsmcc]", "m_browserCb is null"));
+    EXPECT_EQ(NoClient(), 5);
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_dsmcc]", "m_browserCb is null"), 0);
 }
 
 TEST_F(DsmccEvents, AreNotTakenBackFromThePlatformByADeath) {
     Register(mClient);
     mClient->Die();
     // A request that is answered comes after anything that was sent before.
-    EXPECT_EQ(0, static_cast<int32_t>(mService->OnReleaseFile("u", 1)));
-    EXPECT_EQ(1u, mPlatform.Frames().size());
+    EXPECT_EQ(static_cast<int32_t>(mService->OnReleaseFile("u", 1)), 0);
+    EXPECT_EQ(mPlatform.Frames().size(), 1u);
 }
 
 TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsHeldAllTheSame) {
@@ -105,9 +105,9 @@ TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsHeldAllTheSame) {
     TolmDsmccAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
     const sp<Client> second = new Client;
-    EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(second)));
+    EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(second)), -1);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
-    EXPECT_EQ(1u, second->Linked().size());
+    EXPECT_EQ(second->Linked().size(), 1u);
     TolmBacBrowserDSMCCFileCallback(TOLM_DSMCC_FILE_EVENT_4, "/f", reinterpret_cast<const void*>(7));
     EXPECT_THAT(mClient->Calls(), IsEmpty());
     EXPECT_THAT(second->Calls(), ElementsAre("OnDsmccFileEvent 4  /f 7"));
@@ -117,11 +117,11 @@ TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
     Register(mClient);
     TolmDsmccAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
-    EXPECT_EQ(0, static_cast<int32_t>(mService->UnregisterCallback()));
+    EXPECT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), 0);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     TolmBacBrowserDSMCCFileCallback(TOLM_DSMCC_FILE_EVENT_4, "/f", nullptr);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_EQ(1, NoClient());
+    EXPECT_EQ(NoClient(), 1);
 }
 
 }  // namespace hbbtv::test

@@ -121,57 +121,57 @@ class BridgeOperation : public MtmCommands, public testing::WithParamInterface<O
 
 TEST_P(BridgeOperation, CallsTheBrowserAndGivesWhatItGives) {
     Register(mClient);
-    EXPECT_EQ(std::string("0") + GetParam().result, GetParam().run(mBridge));
+    EXPECT_EQ(GetParam().run(mBridge), std::string("0") + GetParam().result);
     EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
     mClient->status = 6;
-    EXPECT_EQ(std::string("6") + GetParam().before, GetParam().run(mBridge));
+    EXPECT_EQ(GetParam().run(mBridge), std::string("6") + GetParam().before);
 }
 
 TEST_P(BridgeOperation, FailsWithoutABrowser) {
-    EXPECT_EQ(Failure(), GetParam().run(mBridge));
+    EXPECT_EQ(GetParam().run(mBridge), Failure());
     Register(mClient);
     Unregister();
-    EXPECT_EQ(Failure(), GetParam().run(mBridge));
+    EXPECT_EQ(GetParam().run(mBridge), Failure());
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
 TEST_P(BridgeOperation, FailsWithoutAService) {
     Register(mClient);
     mService.clear();
-    EXPECT_EQ(Failure(), GetParam().run(mBridge));
+    EXPECT_EQ(GetParam().run(mBridge), Failure());
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
 TEST_P(BridgeOperation, FailsWhenTheBrowserIsNoLongerWatched) {
     Register(mClient);
     mService->StopMonitor(mClient);
-    EXPECT_EQ(Failure(), GetParam().run(mBridge));
+    EXPECT_EQ(GetParam().run(mBridge), Failure());
     EXPECT_THAT(mClient->Calls(), IsEmpty());
     mService->StartMonitor(mClient);
-    EXPECT_EQ(std::string("0") + GetParam().result, GetParam().run(mBridge));
+    EXPECT_EQ(GetParam().run(mBridge), std::string("0") + GetParam().result);
 }
 
 TEST_P(BridgeOperation, FailsWhenTheBrowserHasJustDied) {
     Register(mClient);
     mClient->dead = true;
-    EXPECT_EQ(Failure(), GetParam().run(mBridge));
+    EXPECT_EQ(GetParam().run(mBridge), Failure());
 }
 
 TEST_P(BridgeOperation, FailsWhenTheBrowserCallsNoResultCallback) {
     Register(mClient);
     mClient->silent = true;
-    EXPECT_EQ(HasResult() ? Failure() : "0", GetParam().run(mBridge));
+    EXPECT_EQ(GetParam().run(mBridge), HasResult() ? Failure() : "0");
     EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
 }
 
 TEST_P(BridgeOperation, FailsWhenTheBrowserDoesNotReturn) {
     Register(mClient);
     mClient->Hang();
-    EXPECT_EQ(Failure(), GetParam().run(mImpatient));
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, "[hidl_base]", "the client does not return")) << mLog.Text();
+    EXPECT_EQ(GetParam().run(mImpatient), Failure());
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[hidl_base]", "the client does not return"), 1) << mLog.Text();
     // It has its hands full: nothing more is asked of it, and nobody waits.
-    EXPECT_EQ(Failure(), GetParam().run(mImpatient));
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, "[hidl_base]", "the client does not return"));
+    EXPECT_EQ(GetParam().run(mImpatient), Failure());
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[hidl_base]", "the client does not return"), 1);
     EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
     // Once it has returned, it is asked again.
     mClient->Release();
@@ -186,41 +186,41 @@ TEST_F(MtmCommands, ReachTheBrowserFromThePlatform) {
     Send(R"({"type": 0, "method": 21, "tabid": 5, "isBR": true})");
     Send(R"({"type": 0, "method": 30, "tabid": 5, "url": "u", "boundaries": ["a", "b"]})");
     Send(kEvent);
-    EXPECT_EQ("{\n\t\"ret\" : 0,\n\t\"tabid\" : -11\n}\n", Ask(R"({"type": 0, "method": 23, "url": "u"})"));
-    EXPECT_EQ("{\n\t\"ret\" : 0,\n\t\"xmlFile\" : \"<a/>\"\n}\n", Ask(R"({"type": 0, "method": 28, "url": "u"})"));
-    EXPECT_EQ("{\n\t\"render_id\" : -12,\n\t\"ret\" : 0\n}\n", Ask(R"({"type": 0, "method": 32, "tabid": 5})"));
-    EXPECT_EQ(kPinged, Ask(kPing));
+    EXPECT_EQ(Ask(R"({"type": 0, "method": 23, "url": "u"})"), "{\n\t\"ret\" : 0,\n\t\"tabid\" : -11\n}\n");
+    EXPECT_EQ(Ask(R"({"type": 0, "method": 28, "url": "u"})"), "{\n\t\"ret\" : 0,\n\t\"xmlFile\" : \"<a/>\"\n}\n");
+    EXPECT_EQ(Ask(R"({"type": 0, "method": 32, "tabid": 5})"), "{\n\t\"render_id\" : -12,\n\t\"ret\" : 0\n}\n");
+    EXPECT_EQ(Ask(kPing), kPinged);
     EXPECT_THAT(mClient->Calls(), ElementsAre("SetAppConfig 5 1", "LoadURLInTab 5 u 0 0  [a b]", "DestroyApp 5",
                                               "CreateApp u 0 0  []", "GetXmlFile u ", "GetRenderProcessId 5", "Ping"));
 }
 
 TEST_F(MtmCommands, GetNullBeforeAndAfterTheRegistration) {
     Unregister();
-    EXPECT_EQ(kNobody, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kNobody);
     Register(mClient);
-    EXPECT_EQ(kPinged, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kPinged);
     Unregister();
-    EXPECT_EQ(kNobody, Ask(kPing));
-    EXPECT_EQ(2, mLog.Count(ANDROID_LOG_WARN, "[ipc_mtm]", "callback is null"));
+    EXPECT_EQ(Ask(kPing), kNobody);
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_mtm]", "callback is null"), 2);
     Register(mClient);
-    EXPECT_EQ(kPinged, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kPinged);
 }
 
 TEST_F(MtmCommands, AreAnsweredWhenTheBrowserIsGoneFailsOrKeepsSilent) {
     Register(mClient);
     mClient->silent = true;
-    EXPECT_EQ(kFailed, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kFailed);
     mClient->silent = false;
     mClient->status = 4;
-    EXPECT_EQ(kFailed, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kFailed);
     mClient->status = 0;
     mClient->dead = true;
-    EXPECT_EQ(kFailed, Ask(kPing));
-    EXPECT_EQ("{\n\t\"ret\" : -1,\n\t\"xmlFile\" : \"\"\n}\n", Ask(R"({"type": 0, "method": 28})"));
+    EXPECT_EQ(Ask(kPing), kFailed);
+    EXPECT_EQ(Ask(R"({"type": 0, "method": 28})"), "{\n\t\"ret\" : -1,\n\t\"xmlFile\" : \"\"\n}\n");
     mClient->dead = false;
-    EXPECT_EQ(kPinged, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kPinged);
     mService->StopMonitor(mClient);
-    EXPECT_EQ(kFailed, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kFailed);
 }
 
 TEST_F(MtmCommands, AreAnsweredWhenTheBrowserHangs) {
@@ -229,8 +229,8 @@ TEST_F(MtmCommands, AreAnsweredWhenTheBrowserHangs) {
     mClient->Hang();
     Send(kEvent);
     for (int i = 0; i < 100; ++i) Send(kEvent);
-    EXPECT_EQ(kFailed, Ask(kPing));
-    EXPECT_EQ("{\n\t\"ret\" : -1,\n\t\"xmlFile\" : \"\"\n}\n", Ask(R"({"type": 0, "method": 28})"));
+    EXPECT_EQ(Ask(kPing), kFailed);
+    EXPECT_EQ(Ask(R"({"type": 0, "method": 28})"), "{\n\t\"ret\" : -1,\n\t\"xmlFile\" : \"\"\n}\n");
     EXPECT_THAT(mClient->Calls(), ElementsAre("DestroyApp 5"));
 }
 
@@ -238,11 +238,11 @@ TEST_F(MtmCommands, ReachTheNextBrowserAlthoughTheFirstHangs) {
     Register(mClient);
     BeImpatient();
     mClient->Hang();
-    EXPECT_EQ(kFailed, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kFailed);
     const sp<Client> second = new Client;
     Register(second);
     BeImpatient();
-    EXPECT_EQ(kPinged, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kPinged);
     EXPECT_THAT(second->Calls(), ElementsAre("Ping"));
 }
 
@@ -253,9 +253,9 @@ TEST_F(MtmCommands, TakeNoMoreThanAFewThreadsForBrowsersThatHang) {
         browsers.emplace_back(new Client);
         browsers.back()->Hang();
         Register(browsers.back());
-        EXPECT_EQ(-1, bridge.DestroyApp(i));
+        EXPECT_EQ(bridge.DestroyApp(i), -1);
     }
-    EXPECT_EQ(4, mLog.Count(ANDROID_LOG_ERROR, "[hidl_base]", "no thread for a call of the client")) << mLog.Text();
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_ERROR, "[hidl_base]", "no thread for a call of the client"), 4) << mLog.Text();
     for (const auto& browser : browsers) browser->Release();
     Register(mClient);
     EXPECT_TRUE(WaitFor([&] { return mImpatient.DestroyApp(5) == 0; }));
@@ -268,32 +268,32 @@ TEST_F(MtmCommands, AreNotDisturbedByAnAnswerThatComesTooLate) {
     {
         MtmCallback passing(Mtm::RegisteredClient(), std::chrono::milliseconds(10));
         std::string xmlFile = "before";
-        EXPECT_EQ(-1, passing.GetXmlFile("u", "i", xmlFile));
-        EXPECT_EQ("before", xmlFile);
+        EXPECT_EQ(passing.GetXmlFile("u", "i", xmlFile), -1);
+        EXPECT_EQ(xmlFile, "before");
     }
     mClient->Release();
-    EXPECT_EQ(kPinged, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kPinged);
 }
 
 TEST_F(MtmCommands, LetTheBrowserTellThePlatformSomethingBeforeItReturns) {
     Register(mClient);
     mClient->SetBeforeReturning([&] {
-        EXPECT_EQ(0, static_cast<int32_t>(mService->OnTabCreated(3)));
+        EXPECT_EQ(static_cast<int32_t>(mService->OnTabCreated(3)), 0);
         mService->UnregisterCallback();
     });
-    EXPECT_EQ(kPinged, Ask(kPing));
-    EXPECT_EQ(1u, mPlatform.Frames().size());
-    EXPECT_EQ(kNobody, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kPinged);
+    EXPECT_EQ(mPlatform.Frames().size(), 1u);
+    EXPECT_EQ(Ask(kPing), kNobody);
 }
 
 TEST_F(MtmCommands, AreRefusedAfterTheDeathOfTheBrowser) {
     Register(mClient);
     mClient->Die();
-    EXPECT_EQ(kNobody, Ask(kPing));
-    EXPECT_EQ(-1, mBridge.DestroyApp(5));
+    EXPECT_EQ(Ask(kPing), kNobody);
+    EXPECT_EQ(mBridge.DestroyApp(5), -1);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
     Register(mClient);
-    EXPECT_EQ(kPinged, Ask(kPing));
+    EXPECT_EQ(Ask(kPing), kPinged);
 }
 
 TEST_F(MtmCommands, WithoutAnAdaptorNothingIsRegisteredOrTakenBack) {
@@ -304,8 +304,8 @@ TEST_F(MtmCommands, WithoutAnAdaptorNothingIsRegisteredOrTakenBack) {
     Register(second);
     EXPECT_THAT(second->Linked(), IsEmpty());
     Unregister();
-    EXPECT_EQ(1u, mClient->Linked().size());
-    EXPECT_EQ(0, mBridge.DestroyApp(5));
+    EXPECT_EQ(mClient->Linked().size(), 1u);
+    EXPECT_EQ(mBridge.DestroyApp(5), 0);
     EXPECT_THAT(mClient->Calls(), ElementsAre("DestroyApp 5"));
 }
 

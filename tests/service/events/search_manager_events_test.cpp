@@ -29,11 +29,11 @@ class SearchManagerEvents : public ServiceEvents<SearchManager, RecordingCallbac
     SearchManagerEvents() : ServiceEvents("[hidl_search_manager_wrapper_client]") {}
 
     void Register(const sp<Client>& client, int64_t context = kContext) {
-        ASSERT_EQ(0, static_cast<int32_t>(mService->SearchManager_RegisterCallback(0x100001000, client, context)));
+        ASSERT_EQ(static_cast<int32_t>(mService->SearchManager_RegisterCallback(0x100001000, client, context)), 0);
     }
 
     void RefuseNull() {
-        EXPECT_EQ(-1, static_cast<int32_t>(mService->SearchManager_RegisterCallback(1, nullptr, kContext)));
+        EXPECT_EQ(static_cast<int32_t>(mService->SearchManager_RegisterCallback(1, nullptr, kContext)), -1);
     }
 };
 
@@ -44,10 +44,10 @@ INSTANTIATE_TYPED_TEST_SUITE_P(SearchManagerClient, OneClientOfAService, SearchM
 
 TEST_F(SearchManagerEvents, ReachTheRegisteredClientWithItsContext) {
     Register(mClient);
-    ASSERT_EQ(1u, mPlatform.Frames().size());
+    ASSERT_EQ(mPlatform.Frames().size(), 1u);
     EXPECT_EQ(
-        "{\n\t\"context\" : \"0x80000abc\",\n\t\"in_handle\" : \"0x1000\",\n\t\"method\" : 4,\n\t\"type\" : 0\n}\n",
-        mPlatform.Frames()[0].payload);
+        mPlatform.Frames()[0].payload,
+        "{\n\t\"context\" : \"0x80000abc\",\n\t\"in_handle\" : \"0x1000\",\n\t\"method\" : 4,\n\t\"type\" : 0\n}\n");
     Send(kEvent);
     Send(R"({"event": 0, "state": 2})");
     Send(R"({"event": 0, "state": -1, "searchHandle": "0xffffffff"})");
@@ -71,7 +71,7 @@ TEST_F(SearchManagerEvents, AreDroppedSilentlyWithoutAClient) {
 TEST_F(SearchManagerEvents, GoToTheLastClientWhateverItsSearchManager) {
     const sp<Client> second = new Client;
     Register(mClient);
-    EXPECT_EQ(0, static_cast<int32_t>(mService->SearchManager_RegisterCallback(0x2000, second, 5)));
+    EXPECT_EQ(static_cast<int32_t>(mService->SearchManager_RegisterCallback(0x2000, second, 5)), 0);
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), IsEmpty());
     EXPECT_THAT(second->Calls(), ElementsAre("OnSearchManagerEvent 0 3 4026572064 5"));
@@ -97,7 +97,7 @@ TEST_F(SearchManagerEvents, AreNotTakenBackFromThePlatformByADeath) {
 
 TEST_F(SearchManagerEvents, ThePlatformsRefusalIsPassedOnAndTheClientRegisteredAllTheSame) {
     mPlatform.SetReply(R"({"ret": 6})");
-    EXPECT_EQ(6, static_cast<int32_t>(mService->SearchManager_RegisterCallback(1, mClient, kContext)));
+    EXPECT_EQ(static_cast<int32_t>(mService->SearchManager_RegisterCallback(1, mClient, kContext)), 6);
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
@@ -107,9 +107,9 @@ TEST_F(SearchManagerEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierClie
     TolmSearchManagerAdaptor::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
     const sp<Client> second = new Client;
-    EXPECT_EQ(-1, static_cast<int32_t>(mService->SearchManager_RegisterCallback(1, second, 5)));
+    EXPECT_EQ(static_cast<int32_t>(mService->SearchManager_RegisterCallback(1, second, 5)), -1);
     EXPECT_THAT(second->Linked(), IsEmpty());
-    EXPECT_EQ(1u, mClient->Linked().size());
+    EXPECT_EQ(mClient->Linked().size(), 1u);
     TolmSearchManagerCallback(0, {3, nullptr}, nullptr);
     EXPECT_THAT(mClient->Calls(), ElementsAre("OnSearchManagerEvent 0 3 0 0"));
 }
@@ -118,8 +118,8 @@ TEST(SearchManagerWithoutPlatform, RegistersItsClientAllTheSame) {
     const ScratchDirectory directory;
     const sp<SearchManager> service = new SearchManager;
     const sp<RecordingCallback> client = new RecordingCallback;
-    EXPECT_EQ(-1, static_cast<int32_t>(service->SearchManager_RegisterCallback(1, client, 5)));
-    EXPECT_EQ(1u, client->Linked().size());
+    EXPECT_EQ(static_cast<int32_t>(service->SearchManager_RegisterCallback(1, client, 5)), -1);
+    EXPECT_EQ(client->Linked().size(), 1u);
     TolmSearchManagerCallback(0, {3, nullptr}, nullptr);
     EXPECT_THAT(client->Calls(), ElementsAre("OnSearchManagerEvent 0 3 0 0"));
 }

@@ -34,11 +34,11 @@ class VideoBroadcastEvents : public ServiceEvents<VideoBroadcast, RecordingCallb
     VideoBroadcastEvents() : ServiceEvents(kTag) {}
 
     void Register(const sp<Client>& client) {
-        ASSERT_EQ(0, static_cast<int32_t>(mService->RegisterCallback(kVb, client, kContext)));
+        ASSERT_EQ(static_cast<int32_t>(mService->RegisterCallback(kVb, client, kContext)), 0);
     }
 
-    void RefuseNull() { EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(kVb, nullptr, kContext))); }
-    void Unregister() { ASSERT_EQ(0, static_cast<int32_t>(mService->UnregisterCallback(kVb))); }
+    void RefuseNull() { EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(kVb, nullptr, kContext)), -1); }
+    void Unregister() { ASSERT_EQ(static_cast<int32_t>(mService->UnregisterCallback(kVb)), 0); }
 
     int DroppedByTheAdaptor() const { return mLog.Count(ANDROID_LOG_WARN, "[ipc_vb]", "m_cb is null"); }
 };
@@ -107,7 +107,7 @@ TEST_F(VideoBroadcastEvents, CodesThatNoClientKnowsAreWarnedAboutAndReachNoMetho
     Register(mClient);
     for (const int code : {20, 23, -1, 2147483647}) {
         Send(R"({"type": "videobroadcast", "event": )" + std::to_string(code) + "}");
-        EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, kTag, "wrong event type " + std::to_string(code))) << mLog.Text();
+        EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, kTag, "wrong event type " + std::to_string(code)), 1) << mLog.Text();
     }
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
@@ -116,12 +116,12 @@ TEST_F(VideoBroadcastEvents, CodesWithoutValuesAlsoComeByTheReplyingPath) {
     Register(mClient);
     const std::string ok = "{\n\t\"ret\" : 0\n}\n";
     for (const int code : {17, 18, 19, 20, 21, 22}) {
-        EXPECT_EQ(ok, Ask(R"({"type": "videobroadcast", "context": "0xabc", "event": )" + std::to_string(code) + "}"));
+        EXPECT_EQ(Ask(R"({"type": "videobroadcast", "context": "0xabc", "event": )" + std::to_string(code) + "}"), ok);
     }
     EXPECT_THAT(mClient->Calls(),
                 ElementsAre("onVideoBroadcastEvent 17", "onVideoBroadcastEvent 18", "onVideoBroadcastEvent 19",
                             "onVideoBroadcastEvent 21", "onVideoBroadcastEvent 22"));
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_WARN, kTag, "wrong event type 20"));
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, kTag, "wrong event type 20"), 1);
 }
 
 TEST_F(VideoBroadcastEvents, TextsWithZeroBytesArriveWhole) {
@@ -164,24 +164,24 @@ TEST_F(VideoBroadcastEvents, AreDroppedByTheAdaptorAfterTheRegistrationsEnd) {
     Register(mClient);
     Unregister();
     Send(kEvent);
-    EXPECT_EQ(1, DroppedByTheAdaptor());
+    EXPECT_EQ(DroppedByTheAdaptor(), 1);
 }
 
 TEST_F(VideoBroadcastEvents, AreDroppedByTheAdaptorAfterADeath) {
     Register(mClient);
     mLog.Clear();
     mClient->Die();
-    EXPECT_EQ(1, mLog.Count(ANDROID_LOG_VERBOSE, "[ipc_vb]", "ENTER"));  // ClearCallback
+    EXPECT_EQ(mLog.Count(ANDROID_LOG_VERBOSE, "[ipc_vb]", "ENTER"), 1);  // ClearCallback
     Send(kEvent);
-    EXPECT_EQ(1, DroppedByTheAdaptor());
+    EXPECT_EQ(DroppedByTheAdaptor(), 1);
 }
 
 TEST_F(VideoBroadcastEvents, ThePlatformsRefusalIsPassedOnAndTheClientRegisteredAllTheSame) {
     mPlatform.SetReply(R"({"ret": 6})");
-    EXPECT_EQ(6, static_cast<int32_t>(mService->RegisterCallback(kVb, mClient, kContext)));
+    EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(kVb, mClient, kContext)), 6);
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
-    EXPECT_EQ(6, static_cast<int32_t>(mService->UnregisterCallback(kVb)));
+    EXPECT_EQ(static_cast<int32_t>(mService->UnregisterCallback(kVb)), 6);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
@@ -192,9 +192,9 @@ TEST_F(VideoBroadcastEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierCli
     TolmVideoBroadcastAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
     const sp<Client> second = new Client;
-    EXPECT_EQ(-1, static_cast<int32_t>(mService->RegisterCallback(kVb, second, kContext)));
+    EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(kVb, second, kContext)), -1);
     EXPECT_THAT(second->Linked(), IsEmpty());
-    EXPECT_EQ(1u, mClient->Linked().size());
+    EXPECT_EQ(mClient->Linked().size(), 1u);
     TolmVideoBroadcastHidlCallback(TOLM_VB_EVENT_PLAIN_4, {}, nullptr);
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
@@ -203,7 +203,7 @@ TEST_F(VideoBroadcastEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
     Register(mClient);
     TolmVideoBroadcastAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
-    EXPECT_EQ(-1, static_cast<int32_t>(mService->UnregisterCallback(kVb)));
+    EXPECT_EQ(static_cast<int32_t>(mService->UnregisterCallback(kVb)), -1);
     EXPECT_THAT(mClient->Linked(), IsEmpty());
     TolmVideoBroadcastHidlCallback(TOLM_VB_EVENT_PLAIN_4, {}, nullptr);
     EXPECT_THAT(mClient->Calls(), IsEmpty());

@@ -23,7 +23,7 @@ TEST(SearchManager, NarrowsTheStartTimeTo32Bits) {
         Json::Value arguments = Parsed("[1, 2, 0, 3]");
         arguments[2] = Json::UInt64{time};
         EXPECT_EQ(Answer("MetaSearch_FindProgrammesFromStream", arguments), "[0]");
-        ASSERT_EQ(1u, platform.Frames().size());
+        ASSERT_EQ(platform.Frames().size(), 1u);
         EXPECT_EQ(platform.Frames()[0].payload,
                   std::string("{\n\t\"channel_handle\" : \"0x2\",\n\t\"count\" : 3,\n\t\"method\" : 15,\n"
                               "\t\"search_handle\" : \"0x1\",\n\t\"time\" : ") +

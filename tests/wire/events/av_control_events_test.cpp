@@ -40,9 +40,16 @@ int Unregister() {
     return Adaptor::GetInstance()->UnregisterCallback();
 }
 
-const ProtocolEventRow kProtocol[] = {
-    {"Select", R"({"method": 1, "component_type": 2, "component_index": 5})", "1 2 5"},
-};
+const std::vector<std::string> kEvents = {"select"};
+
+std::string Noted(const Json::Value& event, const ShownMembers& shown) {
+    return event["code"].asString() + " " + shown.at("component_type") + " " + shown.at("component_index");
+}
+
+const ProtocolEventRow& Selected() {
+    static const std::vector<ProtocolEventRow> rows = RowsOf(kEvents, &Noted);
+    return rows[0];
+}
 
 const EventRow kForms[] = {
     {"KindAlone", R"({"method": 1, "component_type": 2})", "1 2 0"},
@@ -62,36 +69,32 @@ const EventRow kForms[] = {
     {"Nothing", "{}", nullptr, "5 wrong event type 0"},
 };
 
-const EventMemberRow kMembers[] = {
-    {"ComponentType", R"({"method": 1, "component_type": 2, "component_index": 5})", "component_type", "int", "1 % 5"},
-    {"ComponentIndex", R"({"method": 1, "component_type": 2, "component_index": 5})", "component_index", "int",
-     "1 2 %"},
-};
-
 }  // namespace
 
 const EventFamily& EventsUnderTest() {
     static const EventFamily family{
-        [] { Adaptor::GetInstance(); }, &Register, kProtocol[0].event, kProtocol[0].received, "3 callback is null",
+        [] { Adaptor::GetInstance(); }, &Register, Selected().event, Selected().received, "3 callback is null",
         "Could not be called here",     "1 1 1"};
     return family;
 }
 
-INSTANTIATE_TEST_SUITE_P(AVControl, ProtocolEvents, ::testing::ValuesIn(kProtocol), NameOfEventRow<ProtocolEventRow>);
+INSTANTIATE_TEST_SUITE_P(AVControl, ProtocolEvents, ::testing::ValuesIn(RowsOf(kEvents, &Noted)),
+                         NameOfEventRow<ProtocolEventRow>);
 INSTANTIATE_TEST_SUITE_P(AVControl, EventForms, ::testing::ValuesIn(kForms), NameOfEventRow<EventRow>);
-INSTANTIATE_TEST_SUITE_P(AVControl, EventMembers, ::testing::ValuesIn(kMembers), NameOfEventRow<EventMemberRow>);
+INSTANTIATE_TEST_SUITE_P(AVControl, EventMembers, ::testing::ValuesIn(MemberRowsOf(kEvents, &Noted)),
+                         NameOfEventRow<EventMemberRow>);
 INSTANTIATE_TEST_SUITE_P(AVControl, EndOfEvents, ::testing::Values(EventsEnd{&Unregister}));
 
 TEST(AVControlEvents, AreThoseOfTheProtocol) {
-    ExpectTheProtocolsEvents({std::begin(kProtocol), std::end(kProtocol)}, "method", "onComponentSelect");
+    ExpectTheProtocolsEvents(kEvents, "method", "onComponentSelect");
 }
 
 TEST_F(Events, ThePlatformIsNotToldWhoReceivesThem) {
     // Nobody is there to be told, and that is no failure.
     EXPECT_EQ(Register(Receiver::kFirst), 0);
-    EXPECT_EQ(Send({kProtocol[0].event}), (std::vector<std::string>{"first 1 2 5"}));
+    EXPECT_EQ(Send({Selected().event}), (std::vector<std::string>{"first " + Selected().received}));
     EXPECT_EQ(Unregister(), 0);
-    EXPECT_EQ(Send({kProtocol[0].event}), std::vector<std::string>{});
+    EXPECT_EQ(Send({Selected().event}), std::vector<std::string>{});
     FakePlatform platform(UnderTest().Socket(), "{\"ret\": 0}");
     EXPECT_EQ(Register(Receiver::kFirst), 0);
     EXPECT_EQ(Unregister(), 0);

@@ -39,9 +39,17 @@ int Unregister() {
     return Adaptor::GetInstance()->UnregisterCallback();
 }
 
-const ProtocolEventRow kProtocol[] = {
-    {"Changed", R"({"event": 0, "reserved": "A"})", "0 65 0x80c0ffee"},
-};
+const std::vector<std::string> kEvents = {"changed"};
+
+std::string Noted(const Json::Value& event, const ShownMembers& shown) {
+    const int byte = shown.at("reserved")[1];  // behind the quote
+    return event["code"].asString() + " " + Show(byte) + " 0x80c0ffee";
+}
+
+const ProtocolEventRow& Changed() {
+    static const std::vector<ProtocolEventRow> rows = RowsOf(kEvents, &Noted);
+    return rows[0];
+}
 
 constexpr char kEmpty[] = "5 reserved is empty";
 
@@ -73,12 +81,12 @@ const EventRow kForms[] = {
 
 const EventFamily& EventsUnderTest() {
     static const EventFamily family{
-        [] { Adaptor::GetInstance(); }, &Register,        kProtocol[0].event, kProtocol[0].received, "",
+        [] { Adaptor::GetInstance(); }, &Register,        Changed().event, Changed().received, "",
         "Could not be called here",     "0 65 0x80c0ffee"};
     return family;
 }
 
-INSTANTIATE_TEST_SUITE_P(ChannelConfig, ProtocolEvents, ::testing::ValuesIn(kProtocol),
+INSTANTIATE_TEST_SUITE_P(ChannelConfig, ProtocolEvents, ::testing::ValuesIn(RowsOf(kEvents, &Noted)),
                          NameOfEventRow<ProtocolEventRow>);
 INSTANTIATE_TEST_SUITE_P(ChannelConfig, EventForms, ::testing::ValuesIn(kForms), NameOfEventRow<EventRow>);
 INSTANTIATE_TEST_SUITE_P(ChannelConfig, EndOfEvents, ::testing::Values(EventsEnd{&Unregister}));
@@ -88,21 +96,22 @@ INSTANTIATE_TEST_SUITE_P(ChannelConfig, EndRequest,
                          ::testing::Values(EventRequests{"\"method\" : 0,", &Unregister, "\"method\" : 1,"}));
 
 TEST(ChannelConfigEvents, AreThoseOfTheProtocol) {
-    ExpectTheProtocolsEvents({std::begin(kProtocol), std::end(kProtocol)}, "event", "OnChannelConfigEvent");
+    ExpectTheProtocolsEvents(kEvents, "event", "OnChannelConfigEvent");
 }
 
 TEST_F(EventsOfAPlatform, ComeWithTheContextOfTheLastRegistration) {
     Adaptor& adaptor = *Adaptor::GetInstance();
     ASSERT_EQ(adaptor.RegisterCallback(&First, Pointer(7)), 0);
     ASSERT_EQ(adaptor.RegisterCallback(&First, Pointer(0xffffffff)), 0);
-    EXPECT_EQ(Send({kProtocol[0].event}), (std::vector<std::string>{"first 0 65 0xffffffff"}));
+    const std::string received = Changed().received.substr(0, Changed().received.rfind(' '));
+    EXPECT_EQ(Send({Changed().event}), (std::vector<std::string>{"first " + received + " 0xffffffff"}));
 }
 
 TEST_F(Events, NeedNoPlatformThatAnswersToBeginAndEnd) {
     EXPECT_EQ(Register(Receiver::kFirst), -1);
-    EXPECT_EQ(Send({kProtocol[0].event}), (std::vector<std::string>{"first 0 65 0x80c0ffee"}));
+    EXPECT_EQ(Send({Changed().event}), (std::vector<std::string>{"first " + Changed().received}));
     EXPECT_EQ(Unregister(), -1);
-    EXPECT_EQ(Send({kProtocol[0].event}), std::vector<std::string>{});
+    EXPECT_EQ(Send({Changed().event}), std::vector<std::string>{});
 }
 
 }  // namespace hbbtv::test

@@ -12,6 +12,7 @@
 
 #include "event_connection.h"
 #include "log_capture.h"
+#include "protocol_events.h"
 #include "raw_socket.h"
 #include "rows.h"
 #include "scratch_directory.h"
@@ -24,8 +25,8 @@ enum class Receiver { kNone, kFirst, kSecond, kAsking };
 struct EventFamily {
     void (*makeInstance)();
     int (*registerReceiver)(Receiver receiver);
-    const char* event;             // one of the family's events
-    const char* received;          // what its receiver notes behind its name
+    std::string event;             // one of the family's events
+    std::string received;          // what its receiver notes behind its name
     const char* withoutReceiver;   // "priority message" in the log when there is no receiver, or empty
     const char* refusal;           // message in the log for an event that asks for a reply
     const char* protocolsExample;  // what is noted of the protocol file's example
@@ -62,25 +63,33 @@ struct EventRequests {
     const char* unregistering;
 };
 
-// An event of the protocol file, with all its members and in their order.
+// An event of the protocol file, with all its members.
 struct ProtocolEventRow {
-    const char* name;
-    const char* event;
-    const char* received;
+    std::string name;
+    std::string event;
+    std::string received;
 };
 
 // A member of an event, read in all ways that its type has.
 struct EventMemberRow {
-    const char* name;
-    const char* event;
-    const char* key;
-    const char* type;
-    const char* received;             // with % in place of the member's value
+    std::string name;
+    std::string event;
+    std::string key;
+    std::string type;
+    std::string received;             // with % in place of the member's value
     const char* unchanged = nullptr;  // for a pointer: what is noted when it is not read
 };
 
-// That each event of the protocol file has a row, in the same order, and the row its members.
-void ExpectTheProtocolsEvents(const std::vector<ProtocolEventRow>& rows, const char* codeKey, const char* callback);
+// What a family's receiver notes of an event behind its name.
+using NotedAs = std::string (*)(const Json::Value& event, const ShownMembers& shown);
+
+// Return the rows of the events with these names, and of their members.
+std::vector<ProtocolEventRow> RowsOf(const std::vector<std::string>& events, NotedAs noted);
+std::vector<EventMemberRow> MemberRowsOf(const std::vector<std::string>& events, NotedAs noted,
+                                         const char* unchanged = nullptr);
+
+// That these are the names of the protocol file's events, in the same order.
+void ExpectTheProtocolsEvents(const std::vector<std::string>& events, const char* codeKey, const char* callback);
 
 class Events : public ::testing::Test {
   protected:

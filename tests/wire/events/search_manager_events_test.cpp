@@ -37,9 +37,16 @@ int Register(Receiver receiver) {
                                                                   Pointer(0x80c0ffee));
 }
 
-const ProtocolEventRow kProtocol[] = {
-    {"State", R"({"event": 0, "state": 3, "searchHandle": "0x9d20"})", "0 3 0x9d20 0x80c0ffee"},
-};
+const std::vector<std::string> kEvents = {"state"};
+
+std::string Noted(const Json::Value& event, const ShownMembers& shown) {
+    return event["code"].asString() + " " + shown.at("state") + " " + shown.at("searchHandle") + " 0x80c0ffee";
+}
+
+const ProtocolEventRow& State() {
+    static const std::vector<ProtocolEventRow> rows = RowsOf(kEvents, &Noted);
+    return rows[0];
+}
 
 const EventRow kForms[] = {
     {"StateAlone", R"({"event": 0, "state": 2})", "0 2 0x0 0x80c0ffee"},
@@ -58,44 +65,40 @@ const EventRow kForms[] = {
     {"Nothing", "{}", "0 0 0x0 0x80c0ffee"},
 };
 
-const EventMemberRow kMembers[] = {
-    {"State", R"({"event": 0, "state": 3, "searchHandle": "0x9d20"})", "state", "int", "0 % 0x9d20 0x80c0ffee"},
-    {"SearchHandle", R"({"event": 0, "state": 3, "searchHandle": "0x9d20"})", "searchHandle", "pointer",
-     "0 3 % 0x80c0ffee", "0x0"},
-};
-
 }  // namespace
 
 const EventFamily& EventsUnderTest() {
-    static const EventFamily family{[] { Adaptor::GetInstance(); }, &Register, kProtocol[0].event,
-                                    kProtocol[0].received,          "",        "Should not be called here",
-                                    "0 0 0x9d20 0x80c0ffee"};
+    static const EventFamily family{
+        [] { Adaptor::GetInstance(); }, &Register, State().event, State().received, "", "Should not be called here",
+        "0 0 0x9d20 0x80c0ffee"};
     return family;
 }
 
-INSTANTIATE_TEST_SUITE_P(SearchManager, ProtocolEvents, ::testing::ValuesIn(kProtocol),
+INSTANTIATE_TEST_SUITE_P(SearchManager, ProtocolEvents, ::testing::ValuesIn(RowsOf(kEvents, &Noted)),
                          NameOfEventRow<ProtocolEventRow>);
 INSTANTIATE_TEST_SUITE_P(SearchManager, EventForms, ::testing::ValuesIn(kForms), NameOfEventRow<EventRow>);
-INSTANTIATE_TEST_SUITE_P(SearchManager, EventMembers, ::testing::ValuesIn(kMembers), NameOfEventRow<EventMemberRow>);
+INSTANTIATE_TEST_SUITE_P(SearchManager, EventMembers, ::testing::ValuesIn(MemberRowsOf(kEvents, &Noted, "0x0")),
+                         NameOfEventRow<EventMemberRow>);
 INSTANTIATE_TEST_SUITE_P(SearchManager, RegistrationRequest,
                          ::testing::Values(EventRequests{"\"method\" : 4,", nullptr, nullptr}));
 
 TEST(SearchManagerEvents, AreThoseOfTheProtocol) {
-    ExpectTheProtocolsEvents({std::begin(kProtocol), std::end(kProtocol)}, "event", "OnSearchManagerEvent");
+    ExpectTheProtocolsEvents(kEvents, "event", "OnSearchManagerEvent");
 }
 
 TEST_F(EventsOfAPlatform, ComeWithTheContextOfTheLastRegistration) {
     Adaptor& adaptor = *Adaptor::GetInstance();
     ASSERT_EQ(adaptor.SearchManager_RegisterCallback(Pointer(1), &First, Pointer(7)), 0);
     ASSERT_EQ(adaptor.SearchManager_RegisterCallback(Pointer(2), &First, nullptr), 0);
-    EXPECT_EQ(Send({kProtocol[0].event}), (std::vector<std::string>{"first 0 3 0x9d20 0x0"}));
+    const std::string received = State().received.substr(0, State().received.rfind(' '));
+    EXPECT_EQ(Send({State().event}), (std::vector<std::string>{"first " + received + " 0x0"}));
 }
 
 TEST_F(EventsOfAPlatform, StandBetweenEnterAndLeaveInTheLog) {
-    const char* events[] = {kProtocol[0].event, R"({"event": 3})"};
+    const std::string events[] = {State().event, R"({"event": 3})"};
     for (const Receiver receiver : {Receiver::kNone, Receiver::kFirst}) {
         ASSERT_EQ(Register(receiver), 0);
-        for (const char* event : events) {
+        for (const std::string& event : events) {
             mLog.Clear();
             Send({event});
             std::vector<std::string> lines;

@@ -25,8 +25,8 @@ class VideoBroadcastEventRequests : public EventsFixture {};
 TEST_P(VideoBroadcastEventAsARequest, IsTakenWithoutItsPayload) {
     Register(Pointer(0xabcd));
     RegisterMediaSync(Pointer(0xabcd));
-    const bool mediaSync = std::string(GetParam().object) == "mediasync";
-    EXPECT_EQ(Ask(EventOf(GetParam())), kTaken);
+    const bool mediaSync = GetParam().object == "mediasync";
+    EXPECT_EQ(Ask(GetParam().event), kTaken);
     EXPECT_EQ(AdaptorLines(), kHandled);
     const std::vector<ReceivedEvent> received = Received();
     ASSERT_EQ(received.size(), mediaSync ? 0u : 1u);

@@ -5,6 +5,7 @@
 #include <mutex>
 
 #include "lenient_readings.h"
+#include "protocol_events.h"
 #include "wire/endpoint.h"
 
 namespace hbbtv::test {
@@ -141,92 +142,34 @@ void ReceiveMediaSync(const TolmMediaSyncEvent& event, const TolmMediaSyncEventI
     gReceived.push_back({"mediasync", event, ShowPayload(event, info), AllZero(info), context});
 }
 
+std::string ComplaintOf(int code, const std::string& handle) {
+    if (code == 0) return "parse channelHandle fail";
+    if (code == 12) return "channelHandle fail";
+    return handle + " fail";
+}
+
+EventRow RowOf(const std::string& object, int code) {
+    const ProtocolEvent event(object + ":" + std::to_string(code));
+    ShownMembers shown = event.Shown();
+    EventRow row{object, code, event.Definition()["name"].asString(), event.Text(), {}};
+    for (const Json::Value& member : event.Definition()["members"]) {
+        const std::string key = member["key"].asString();
+        row.members.push_back({key, member["type"].asString(), shown[key], member["when"].asString()});
+        if (member["type"] == "pointer") row.members.back().complaint = ComplaintOf(code, key);
+    }
+    return row;
+}
+
 }  // namespace
 
 const std::vector<EventRow>& EventRows() {
-    static const auto* const rows = new std::vector<EventRow>{
-        {"videobroadcast",
-         0,
-         "TOLM_VB_EVENT_CHANNEL_ERROR",
-         {{"channelHandle", "pointer", R"("0x80001111")", "0x80001111", "parse channelHandle fail"},
-          {"errorState", "int", "100", "100"}}},
-        {"videobroadcast", 1, "TOLM_VB_EVENT_PLAY_STATE", {{"state", "int", "2", "2"}, {"error", "int", "-11", "-11"}}},
-        {"videobroadcast",
-         2,
-         "TOLM_VB_EVENT_CHANNEL_CHANGED",
-         {{"channelHandle", "pointer", R"("0x80002222")", "0x80002222", "channelHandle fail"},
-          {"viewerChannelHandle", "pointer", R"("0x90002222")", "0x90002222", "viewerChannelHandle fail"},
-          {"quiet", "int", "1", "1"}}},
-        {"videobroadcast", 3, "TOLM_VB_EVENT_FULL_SCREEN", {{"isFullScreen", "int", "1", "1"}}},
-        {"videobroadcast", 4, "TOLM_VB_EVENT_PLAIN_4", {}},
-        {"videobroadcast", 5, "TOLM_VB_EVENT_PLAIN_5", {}},
-        {"videobroadcast", 6, "TOLM_VB_EVENT_PLAY_SPEED", {{"speed", "double", "-16.25", "-16.25"}}},
-        {"videobroadcast", 7, "TOLM_VB_EVENT_PLAY_POSITION", {{"position", "int", "3600000", "3600000"}}},
-        {"videobroadcast",
-         8,
-         "TOLM_VB_EVENT_RECORDING",
-         {{"state", "int", "4", "4"},
-          {"error", "int", "3", "3"},
-          {"recordingId", "string", R"("rec\u0000\u00e9 \"1\"")", "\"rec\\0\xc3\xa9 \"1\"\""}}},
-        {"videobroadcast", 9, "TOLM_VB_EVENT_PLAIN_9", {}},
-        {"videobroadcast", 10, "TOLM_VB_EVENT_PLAIN_10", {}},
-        {"videobroadcast", 11, "TOLM_VB_EVENT_COMPONENT_TYPE_11", {{"componentType", "int", "2", "2"}}},
-        {"videobroadcast",
-         12,
-         "TOLM_VB_EVENT_PARENTAL_RATING",
-         {{"contentID", "string", R"("content 12")", R"("content 12")"},
-          {"PRCollectionHandle", "pointer", R"("0x8000cccc")", "0x8000cccc", "channelHandle fail"},
-          {"drmSystemID", "string", R"("urn:dvb:casystemid:19188")", R"("urn:dvb:casystemid:19188")"}}},
-        {"videobroadcast",
-         13,
-         "TOLM_VB_EVENT_PARENTAL_RATING_BLOCKED",
-         {{"contentID", "string", R"("content 13")", R"("content 13")"},
-          {"PRCollectionHandle", "pointer", R"("0x8000dddd")", "0x8000dddd", "PRCollectionHandle fail"},
-          {"drmSystemID", "string", R"("urn:dvb:casystemid:1")", R"("urn:dvb:casystemid:1")"},
-          {"blocked", "bool", "true", "true"}}},
-        {"videobroadcast",
-         14,
-         "TOLM_VB_EVENT_DRM_RIGHTS_ERROR",
-         {{"error", "int", "1", "1"},
-          {"contentID", "string", R"("content 14")", R"("content 14")"},
-          {"drmSystemId", "string", R"("urn:dvb:casystemid:2")", R"("urn:dvb:casystemid:2")"},
-          {"rightsIssuerUrl", "string", R"("https://rights.example/")", R"("https://rights.example/")"}}},
-        {"videobroadcast", 15, "TOLM_VB_EVENT_COMPONENT_TYPE_15", {{"componentType", "int", "-1", "-1"}}},
-        {"videobroadcast",
-         16,
-         "TOLM_VB_EVENT_STREAM_EVENT",
-         {{"url", "string", R"("dvb://1.2.3.17/sevent")", R"("dvb://1.2.3.17/sevent")"},
-          {"eventName", "string", R"("now")", R"("now")"},
-          {"data", "string", R"("48656c6c6f")", R"("48656c6c6f")"},
-          {"textLen", "uint", "0", "0"},
-          {"text%d", "uint", "", ""},
-          {"status", "string", R"("trigger")", R"("trigger")"}}},
-        {"mediasync",
-         0,
-         "timing",
-         {{"available", "bool", "true", "true"},
-          {"unitsPerTick", "uint64", "4294967297", "4294967297"},
-          {"unitsPerSecond", "uint64", "90000", "90000"},
-          {"contentTime", "uint64", "18446744073709551615", "18446744073709551615"},
-          {"wallClockTime", "uint64", "9223372036854775808", "9223372036854775808"}}},
-        {"mediasync", 1, "speed", {{"speed", "double", "0.5", "0.5"}}},
-        {"mediasync",
-         2,
-         "content",
-         {{"bTimelineOptionsChange", "bool", "true", "true"},
-          {"timelineSelector", "string", R"("urn:a:timeline")", R"("urn:a:timeline")", "", "bTimelineOptionsChange"},
-          {"unitsPerTick", "uint64", "4294967298", "4294967298", "", "bTimelineOptionsChange"},
-          {"unitsPerSecond", "uint64", "4294967299", "4294967299", "", "bTimelineOptionsChange"},
-          {"bContentIdChange", "bool", "true", "true"},
-          {"contentId", "string", R"("dvb://1.2.3;4")", R"("dvb://1.2.3;4")", "", "bContentIdChange"},
-          {"contentIdStatus", "int", "-5", "-5", "", "bContentIdChange"},
-          {"bMrsUrlChange", "bool", "true", "true"},
-          {"mrsUrl", "string", R"("https://mrs.example/")", R"("https://mrs.example/")", "", "bMrsUrlChange"}}},
-        {"mediasync", 3, "state", {{"state", "int", "1", "1"}, {"error", "int", "-3", "-3"}}},
-        {"mediasync", 4, "event 4", {}},
-        {"mediasync", 5, "event 5", {}},
-    };
-    return *rows;
+    static const std::vector<EventRow> rows = [] {
+        std::vector<EventRow> all;
+        for (int code = 0; code <= 16; ++code) all.push_back(RowOf("videobroadcast", code));
+        for (int code = 0; code <= 5; ++code) all.push_back(RowOf("mediasync", code));
+        return all;
+    }();
+    return rows;
 }
 
 void PrintTo(const EventRow& row, std::ostream* out) {
@@ -234,17 +177,8 @@ void PrintTo(const EventRow& row, std::ostream* out) {
 }
 
 std::string NameOfEvent(const ::testing::TestParamInfo<EventRow>& row) {
-    const bool named = std::string(row.param.object) == "videobroadcast";
+    const bool named = row.param.object == "videobroadcast";
     return named ? row.param.name : "MEDIASYNC_" + std::to_string(row.param.code);
-}
-
-std::string EventOf(const EventRow& row) {
-    std::string text = "{\"type\": \"" + std::string(row.object) + "\", \"event\": " + std::to_string(row.code) +
-                       ", \"context\": \"0xabcd\"";
-    for (const EventMember& member : row.members) {
-        if (member.json[0] != '\0') text += std::string(", \"") + member.key + "\": " + member.json;
-    }
-    return text + "}";
 }
 
 std::string PayloadOf(const EventRow& row, const std::map<std::string, std::string>& shown) {
@@ -255,8 +189,8 @@ std::string PayloadOf(const EventRow& row, const std::map<std::string, std::stri
     }
     Shown members;
     for (const EventMember& member : row.members) {
-        const bool there = member.when[0] == '\0' || values[member.when] == "true";
-        const std::string absent = std::string(member.type) == "string" ? "null" : "0";
+        const bool there = member.when.empty() || values[member.when] == "true";
+        const std::string absent = member.type == "string" ? "null" : "0";
         members.emplace_back(member.key, there ? values[member.key] : absent);
     }
     return Joined(members);
@@ -323,7 +257,7 @@ std::vector<std::string> EventsFixture::LinesOf(const std::string& tag) {
 }
 
 void EventRowTest::RegisterForRow(const void* context) {
-    if (std::string(GetParam().object) == "mediasync") {
+    if (GetParam().object == "mediasync") {
         RegisterMediaSync(context);
     } else {
         Register(context);

@@ -25,20 +25,20 @@ struct ReceivedEvent {
     const void* context;
 };
 
-// An event of the platform, written out.
 struct EventMember {
-    const char* key;
-    const char* type;            // as in the protocol file
-    const char* json;            // a value that makes sense
-    const char* shown;           // and what the receiver gets for it, as text
-    const char* complaint = "";  // of the log, when a pointer cannot be read
-    const char* when = "";       // the flag without which it is not read
+    std::string key;
+    std::string type;            // as in the protocol file
+    std::string shown;           // what the receiver gets, as text
+    std::string when;            // the flag without which it is not read
+    std::string complaint = {};  // of the log, when a pointer cannot be read
 };
 
+// An event of the platform, with a value for each member.
 struct EventRow {
-    const char* object;
+    std::string object;
     int code;
-    const char* name;
+    std::string name;
+    std::string event;  // on one line
     std::vector<EventMember> members;
 };
 
@@ -47,8 +47,7 @@ const std::vector<EventRow>& EventRows();
 void PrintTo(const EventRow& row, std::ostream* out);
 std::string NameOfEvent(const ::testing::TestParamInfo<EventRow>& row);
 
-// The event as a line of JSON, and as the receiver shows it. `shown` replaces what members show.
-std::string EventOf(const EventRow& row);
+// The event as the receiver shows it. `shown` replaces what members show.
 std::string PayloadOf(const EventRow& row, const std::map<std::string, std::string>& shown = {});
 
 class EventsFixture : public ::testing::Test {
