@@ -1,4 +1,4 @@
-// All families that the simulator serves. A new one is a line in all_families.cpp and a file in families/.
+// All families that the simulator serves. To add one, add a line to all_families.cpp and a file to families/.
 #pragma once
 
 #include <memory>

@@ -48,7 +48,7 @@ std::string DefaultDirectory() {
     return directory != nullptr ? directory : "/tmp";
 }
 
-// Options as they are written.
+// The options as written.
 struct Written {
     Options options;
     std::string tuneTime = "300ms";

@@ -13,14 +13,13 @@ struct Options {
     Settings settings;
     std::string directory;
     std::string lineUp;      // empty: the built-in one
-    std::string programmes;  // a file of them; empty: they are made up
+    std::string programmes;  // an XMLTV file; empty: they are generated
     bool trace = false;
     std::vector<std::string> faults;  // as commands: "stop-answering video_broadcast"
-    std::optional<std::string> tell;  // a line for a simulator that already runs
+    std::optional<std::string> tell;  // a command for a running simulator
 };
 
-// Nothing when there is nothing to run: help or the version was printed, or what is wrong with the options. The program
-// ends with the code then.
+// Returns nothing if the program has to end with the code: help, the version or an error message has been printed.
 std::optional<Options> ReadCommandLine(int argc, char** argv, int& exitCode);
 
 }  // namespace hbbtv::sim

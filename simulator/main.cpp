@@ -1,4 +1,4 @@
-// hbbtv-sim: options, line-up, sockets, and then the loop until a signal comes.
+// hbbtv-sim: options, line-up, sockets, then the loop until a signal arrives.
 #include <csignal>
 #include <cstdio>
 

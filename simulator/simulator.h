@@ -20,17 +20,17 @@ extern const char* const kControlSocket;
 
 class Simulator {
   public:
-    // Without a guide programmes are made up. Throws Fatal.
+    // Without a guide programmes are generated. Throws Fatal.
     Simulator(EventLoop& loop, const Journal& journal, LineUp lineUp, const Settings& settings, std::string directory,
               std::unique_ptr<Guide> guide);
     ~Simulator();
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
 
-    // What the control socket does with a line: "ok", "ok ..." or "error: ...".
+    // Executes a line of the control socket and returns "ok", "ok ..." or "error: ...".
     std::string Execute(const std::string& line);
 
-    // The block that is printed at the start.
+    // Returns the lines that are printed at the start.
     std::string Summary() const;
 
   private:

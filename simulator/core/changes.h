@@ -1,4 +1,4 @@
-// Notification of changes: a member of the data that changes, so that whoever changes it cannot forget to notify.
+// Notification of changes: a member of the data that changes, so that notifying cannot be forgotten.
 #pragma once
 
 #include <functional>
@@ -9,11 +9,11 @@ namespace hbbtv::sim {
 template <typename... What>
 class Changes {
   public:
-    // The function is called at every change from now on, after those that were added before, for as long as the data
-    // exists. It must not add functions.
+    // Calls the function on every later change, after those added before it, as long as the data exists. The function
+    // must not add functions.
     void Watch(std::function<void(What...)> function) { mFunctions.push_back(std::move(function)); }
 
-    // For the data itself.
+    // Called by the data itself.
     void Notify(What... what) const {
         for (const auto& function : mFunctions) function(what...);
     }

@@ -1,4 +1,4 @@
-// The two ways in which something fails.
+// The two types of error.
 #pragma once
 
 #include <stdexcept>
@@ -6,14 +6,14 @@
 
 namespace hbbtv::sim {
 
-// A request, a command of the viewer or a file's content that is refused. The reply's "ret" becomes -1, the reason goes
-// to the log, and everything else continues.
+// A request, a command of the viewer or a file's content that is refused. The reply's "ret" becomes -1, the reason is
+// logged, and the simulator continues.
 class Refused : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-// A command whose words do not match its usage, which is then the reason.
+// A command that does not match its usage; the reason is the usage.
 inline Refused WrongWords() {
     return Refused("");
 }

@@ -1,5 +1,5 @@
-// The one thread on which everything in the simulator happens: posted functions, timers, and the signals that end it.
-// The networking library stays behind this header; only the socket files of the core look inside.
+// The simulator's only thread: runs posted functions, timers, and the signals that end it. The networking library is
+// hidden behind this header; only the files of server/ use it.
 #pragma once
 
 #include <chrono>
@@ -20,14 +20,14 @@ class EventLoop {
     EventLoop(const EventLoop&) = delete;
     EventLoop& operator=(const EventLoop&) = delete;
 
-    // Runs until Stop. A function that throws is logged; the loop goes on.
+    // Runs until Stop. A function that throws is logged, and the loop continues.
     void Run();
     void Stop();
 
-    // Runs the function after what is running now.
+    // Runs the function after the current one.
     void Post(std::function<void()> function);
 
-    // Ends Run when one of the signals comes.
+    // Ends Run when one of the signals arrives.
     void StopOnSignals(const std::vector<int>& signals);
 
     asio::io_context& Context() { return *mContext; }
@@ -38,8 +38,8 @@ class EventLoop {
     std::unique_ptr<Signals> mSignals;
 };
 
-// Calls a function once, later. A new start, Cancel and the end of the timer all make sure that the earlier function is
-// not called any more, also when its time had already come.
+// Calls a function once, later. After a new start, Cancel or destruction the earlier function is not called, even if
+// its time has already come.
 class Timer {
   public:
     explicit Timer(EventLoop& loop);

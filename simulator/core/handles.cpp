@@ -4,7 +4,7 @@ namespace hbbtv::sim {
 
 namespace {
 
-// More than all tables together hold in any use that was ever seen, so a live handle is never drawn again.
+// More than all tables together hold in practice, so a live handle is never drawn again.
 constexpr size_t kRemembered = 200000;
 
 std::mt19937 Generator(std::optional<uint32_t> seed) {

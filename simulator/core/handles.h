@@ -1,5 +1,5 @@
-// Handles of platform objects: 32-bit numbers that nobody can guess or confuse. All tables draw from one source, so a
-// handle names at most one object of one kind, and a table of another kind simply does not know it.
+// Handles of platform objects: unpredictable 32-bit numbers. All tables draw from one source, so a handle names at most
+// one object of one type, and is unknown to the tables of other types.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@ class HandleSource {
   public:
     explicit HandleSource(std::optional<uint32_t> seed);
 
-    // A number that is in no table and was not given out in a long while. About half have the top bit set.
+    // Returns a number that is not in any table and has not been returned recently. About half have the top bit set.
     Handle New();
 
   private:
@@ -31,8 +31,8 @@ class HandleSource {
     std::deque<Handle> mOrder;
 };
 
-// The objects of one kind that have a handle. An object has one handle for as long as it has any: whoever asks for it
-// again gets the same one, until it is removed.
+// The objects of one type that have a handle. An object has at most one handle: asking again returns the same one until
+// it is removed.
 template <typename T>
 class HandleTable {
   public:
@@ -50,7 +50,7 @@ class HandleTable {
         return handle;
     }
 
-    // Null for a handle that is unknown, of another kind, or removed.
+    // Returns null for a handle that is unknown, of another type, or removed.
     std::shared_ptr<T> Find(uint64_t handle) const {
         const auto found = handle > UINT32_MAX ? mObjects.end() : mObjects.find(static_cast<Handle>(handle));
         return found == mObjects.end() ? nullptr : found->second;
@@ -67,7 +67,7 @@ class HandleTable {
     const std::map<Handle, std::shared_ptr<T>>& All() const { return mObjects; }
 
   private:
-    static constexpr size_t kMost = 20000;  // a client that never releases anything finds an end here
+    static constexpr size_t kMost = 20000;  // the limit for a client that never releases anything
 
     HandleSource& mSource;
     std::unordered_map<const T*, Handle> mHandles;

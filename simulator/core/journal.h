@@ -1,5 +1,5 @@
-// What the simulator tells the person in front of it: log lines on standard error when something is not as it should
-// be, and, when asked for, a trace on standard output with one line per request (with its reply) and per event.
+// The simulator's output: log lines on standard error about problems and, optionally, a trace on standard output with
+// one line per request (with its reply) and per event.
 #pragma once
 
 #include <json/value.h>
@@ -27,13 +27,13 @@ class Journal {
 };
 
 // The members as "name=value name=value". Strings are in quotes, except handles. `codeMember` is that of a request: it
-// and "type" are left out, since they say only which operation it is.
+// and "type" are left out, because they only identify the operation.
 std::string Readable(const Json::Value& object, const std::string& codeMember = "");
 
-// The text in one line, with blanks in place of control characters.
+// The string in one line, with control characters replaced by spaces.
 std::string OneLine(std::string text);
 
-// The start of something that came from outside, in one line, fit to be printed.
+// The start of untrusted input, in one line, safe to print.
 std::string Excerpt(const std::string& text);
 
 }  // namespace hbbtv::sim

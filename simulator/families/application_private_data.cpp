@@ -1,4 +1,4 @@
-// What an application learns about itself and the television that it runs on.
+// Information for an application about itself and the television.
 #include "family/family_setup.h"
 
 #include "family/members.h"

@@ -1,4 +1,4 @@
-// Requests to components: those of services and those that clients describe.
+// Requests to components: those of services and those described by clients.
 #include "family/family_setup.h"
 
 #include "family/object_family.h"

@@ -16,7 +16,7 @@ namespace {
 constexpr size_t kMostComponents = 1000;  // of a type
 const std::array<const char*, 3> kTypes{"video", "audio", "subtitle"};
 
-// One of the browser's media, as the browser tells of it.
+// One component of the browser's media, as reported by the browser.
 struct MediaComponent {
     bool active = false;
     Component component;
@@ -24,7 +24,7 @@ struct MediaComponent {
 
 struct MediaComponents {
     std::vector<MediaComponent> list;
-    int current = 0;  // as it was told; negative or 0 when there is none
+    int current = 0;  // as reported; negative or 0 if there is none
 };
 
 MediaComponent ReadComponent(const Arguments& in) {
@@ -65,7 +65,7 @@ class AvControlFamily : public Family {
     std::string Select(const Words& words);
 
     EventSink& mSink;
-    std::array<std::optional<MediaComponents>, 3> mComponents;  // by type; nothing until the browser told
+    std::array<std::optional<MediaComponents>, 3> mComponents;  // by type; nothing until the browser has reported it
 };
 
 AvControlFamily::AvControlFamily(const FamilySetup& setup)
@@ -76,7 +76,7 @@ AvControlFamily::AvControlFamily(const FamilySetup& setup)
     AddCommand("select video|audio|subtitle INDEX", "select a component of the browser's media", &F::Select);
 }
 
-// An update holds all components of its type, so it takes the place of the one before.
+// An update has all components of its type, so it replaces the previous one.
 void AvControlFamily::ComponentUpdate(In in, Out) {
     const ComponentType type = ReadComponentType(in.Int("component_type"));
     const unsigned count = in.UInt("component_count");
@@ -116,7 +116,7 @@ std::string AvControlFamily::Components(const Words& words) {
     return text;
 }
 
-// What comes of it, the browser tells with its next update.
+// The browser's next update has the result.
 std::string AvControlFamily::Select(const Words& words) {
     const auto index = words.size() == 2 ? Number(words[1]) : std::nullopt;
     size_t type = 0;

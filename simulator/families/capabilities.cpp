@@ -1,4 +1,3 @@
-// What the television can do.
 #include "family/family_setup.h"
 
 #include "television/capabilities.h"

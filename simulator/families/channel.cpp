@@ -1,4 +1,4 @@
-// What is known of a channel, and what clients may change of it.
+// The properties of a channel, and those that clients may change.
 #include "family/family_setup.h"
 
 #include <map>
@@ -17,7 +17,7 @@ constexpr unsigned kMostGenres = 256;
 
 using FieldReader = std::string (*)(const Service&);
 
-// What no operation of its own gives.
+// Properties without an operation of their own.
 const std::map<std::string, FieldReader> kFields{
     {"definition", [](const Service& service) -> std::string { return service.highDefinition ? "HD" : "SD"; }},
     {"network", [](const Service& service) { return service.network->name; }},
@@ -33,7 +33,7 @@ std::string Field(const Channel& channel, const std::string& fieldId) {
     throw Refused("there is no field \"" + Excerpt(fieldId) + "\"" + DidYouMean(fieldId.substr(0, 100), known));
 }
 
-// There is one logo, of a size that nobody knows.
+// There is one logo, of unknown size.
 std::string Logo(const Channel& channel, int width, int height) {
     if (width < 0 || height < 0) throw Refused("the logo has a negative size");
     return channel.logoUrl;
@@ -68,7 +68,7 @@ ChannelFamily::ChannelFamily(const FamilySetup& setup)
     AddTexts();
 }
 
-// What nothing that is received has (an ATSC source, an analogue carrier, a minor number) is 0.
+// Properties that no received service has (ATSC source, analogue carrier, minor number) are 0.
 void ChannelFamily::AddIdentity() {
     Row("Release", &ChannelFamily::Release);
     Get("GetChannelType", "channelType", [](const Channel& c) { return static_cast<int>(c.Type()); });
@@ -89,7 +89,7 @@ void ChannelFamily::AddIdentity() {
     Get("GetTerminalChannel", "terminalChannel", [](const Channel& c) { return c.Number(); });
 }
 
-// Bit rate and rebuffering time are those of streams over IP, of which the line-up says neither.
+// Bit rate and rebuffering time are those of IP streams and not in the line-up.
 void ChannelFamily::AddState() {
     Get("GetFavourite", "favourite", [this](const Channel& c) { return !mTv.favourites->Holding(c).empty(); });
     Get("GetFavIDsNum", "num",

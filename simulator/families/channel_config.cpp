@@ -11,7 +11,7 @@ namespace hbbtv::sim {
 
 namespace {
 
-// What has changed; the letter goes with the event.
+// What has changed; the letter is part of the event.
 enum class ConfigChange : char { ChannelList = 'L', FavouriteList = 'F' };
 
 constexpr size_t kMostEntries = 1000000;  // in all lists that have a handle
@@ -70,7 +70,7 @@ ChannelConfigFamily::ChannelConfigFamily(const FamilySetup& setup)
     mTv.favourites->changed.Watch([this] { Notify(ConfigChange::FavouriteList); });
 }
 
-// The event carries no context, so the caller's mark is only looked at.
+// The event has no context, so the caller's is only checked.
 void ChannelConfigFamily::RegisterCallback(In in, Out) {
     in.Pointer("context");
     mRegistered = true;
@@ -98,7 +98,7 @@ std::string ChannelConfigFamily::Add(ChannelVector channels) {
     return Text(mTv.channelLists, std::make_shared<ChannelList>(std::move(channels)));
 }
 
-// The announced size costs nothing: the first member that is missing ends it.
+// The announced size does not allocate anything: the first missing member ends the loop.
 void ChannelConfigFamily::CreateChannelList(In in, Out out) {
     const unsigned size = in.UInt("size");
     ChannelVector channels;
@@ -108,7 +108,7 @@ void ChannelConfigFamily::CreateChannelList(In in, Out out) {
     out["list"] = Add(std::move(channels));
 }
 
-// Of one list, or of all when it has no name.
+// In one list, or in all if the id is empty.
 std::unordered_set<const Channel*> ChannelConfigFamily::Favourites(const std::string& listId) const {
     if (!listId.empty() && !mTv.favourites->Find(listId)) throw Refused("there is no favourite list with this id");
     std::unordered_set<const Channel*> favourites;
@@ -119,8 +119,8 @@ std::unordered_set<const Channel*> ChannelConfigFamily::Favourites(const std::st
     return favourites;
 }
 
-// OIPF DAE volume 5: a channel is added when each of its three properties is as the flag says. The list of favourites
-// counts only when favourites are asked for.
+// OIPF DAE volume 5: a channel is added when each of its three properties is as the flag says. The favourite list is
+// used only if favourites are requested.
 void ChannelConfigFamily::CreateFilteredList(In in, Out out) {
     const bool blocked = in.Bool("blocked");
     const bool favourite = in.Bool("favourite");

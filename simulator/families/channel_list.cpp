@@ -1,4 +1,4 @@
-// Lists of channels: walking and searching them.
+// Lists of channels: iterating and searching.
 #include "family/family_setup.h"
 
 #include "family/object_family.h"

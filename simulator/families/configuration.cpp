@@ -15,7 +15,7 @@ struct PreferenceEvent {
     const char* member;
 };
 
-// Null for what changes without an event.
+// Returns null for preferences without an event.
 const PreferenceEvent* EventOf(Preference preference) {
     static const std::map<Preference, PreferenceEvent> events{
         {P::Resolution, {"resolution", "w"}},
@@ -88,7 +88,7 @@ class ConfigurationFamily : public Family {
     EventSink& mSink;
     bool mRegistered = false;
     unsigned mReplacedOf = 0;           // the announced number of user interface elements
-    std::map<unsigned, int> mReplaced;  // those that came, by their place
+    std::map<unsigned, int> mReplaced;  // those received, by index
 };
 
 ConfigurationFamily::ConfigurationFamily(const FamilySetup& setup)
@@ -164,9 +164,9 @@ void ConfigurationFamily::Tell(Preference preference) {
     mSink.Send(told->name, event);
 }
 
-// --- Requests that are more than one value
+// --- Requests with more than one value
 
-// The library sends no key of the text, and a key that is missing is 0 to everybody on this wire.
+// The library does not send the string's key, and a missing key is 0 on this wire.
 void ConfigurationFamily::SetText(In in, Out) {
     mPreferences.Set(TextWith(in.Has("key_type") ? in.Int("key_type") : 0), in.ShortText("info"));
 }
@@ -178,7 +178,7 @@ void ConfigurationFamily::GetDeviceIdContent(In, Out out) {
     out["request_time"] = there ? mPreferences.Get(P::DeviceIdTime).asString() : "";
 }
 
-// The elements come one by one and count when all of them are there. Another size begins anew.
+// The elements arrive one by one and take effect when all have arrived. A different size starts again.
 void ConfigurationFamily::ReplaceUIElement(In in, Out) {
     const unsigned size = in.UInt("size");
     const unsigned index = in.UInt("index");

@@ -41,15 +41,15 @@ class DsmccFamily : public Family {
   private:
     using File = std::shared_ptr<const LocalFiles::File>;
 
-    // What one caller asked for and has not released: the URL together with the caller's mark.
+    // A file requested by a caller and not released yet: the URL and the caller's context.
     struct Use {
         Use(EventLoop& loop, CarouselPath thePath) : path(std::move(thePath)), loading(loop) {}
 
         CarouselPath path;
-        bool lost = false;  // its carousel was left, so it only waits for its release
-        bool told = false;  // the file was there before
+        bool lost = false;  // its carousel was left; it waits for its release
+        bool told = false;  // an event has reported the file before
         File file;
-        File before;  // the version before, which somebody may just be reading
+        File before;  // the previous version, which a client may still be reading
         Timer loading;
     };
 
@@ -76,7 +76,7 @@ class DsmccFamily : public Family {
     std::unique_ptr<Carousel> mCarousel;  // null without one
     LocalFiles mLocalFiles;
     std::map<Key, Use> mUses;
-    std::map<CarouselPath, std::weak_ptr<const LocalFiles::File>> mCopies;  // of the versions that are sent now
+    std::map<CarouselPath, std::weak_ptr<const LocalFiles::File>> mCopies;  // of the current versions
     std::map<CarouselPath, Timer> mChanges;
 };
 
@@ -102,7 +102,7 @@ DsmccFamily::DsmccFamily(const FamilySetup& setup)
 
 // --- Requests
 
-// Nothing when what is on carries no such carousel. Throws Refused for a URL that can never name a file.
+// Returns nothing if the current service does not carry this carousel. Throws Refused for an invalid URL.
 std::optional<CarouselPath> DsmccFamily::Locate(const std::string& text) const {
     const CarouselUrl url = ReadCarouselUrl(text);
     const Service* service = mTv.tuner.On()->service.get();
@@ -118,7 +118,7 @@ std::optional<CarouselPath> DsmccFamily::Locate(const std::string& text) const {
     return url.path;
 }
 
-// Asking once more begins anew: the file comes again, with its event.
+// Repeating a request restarts it: the file is sent again, with its event.
 void DsmccFamily::RequestFile(In in, Out) {
     const Key key(in.ShortText("url"), in.Pointer("context"));
     std::optional<CarouselPath> path;
@@ -164,7 +164,7 @@ void DsmccFamily::LoadingEnds(const Key& key, Use& use) {
     use.told = true;
 }
 
-// All who use the same version share it.
+// All requests for a version share its copy.
 DsmccFamily::File DsmccFamily::LocalCopy(const CarouselPath& path) {
     const auto known = mCopies.find(path);
     if (known != mCopies.end()) {
@@ -176,7 +176,7 @@ DsmccFamily::File DsmccFamily::LocalCopy(const CarouselPath& path) {
     return copy;
 }
 
-// Another service is on, and with it another carousel, even when the files in it are the same ones.
+// Another service has another carousel, even if its files are the same.
 void DsmccFamily::CarouselLeft() {
     for (auto& [key, use] : mUses) {
         if (use.lost) continue;

@@ -22,7 +22,7 @@ class FavouriteListFamily : public ObjectFamily<FavouriteList> {
     Tv& mTv;
 };
 
-// Its code numbers end where those of the collection begin: both have the same type.
+// Its codes end where those of the collection begin: both have the same type.
 FavouriteListFamily::FavouriteListFamily(const FamilySetup& setup)
     : ObjectFamily("favourite_list", setup.tv.favouriteLists, "favourite list"), mTv(setup.tv) {
     using F = FavouriteListFamily;

@@ -1,4 +1,4 @@
-// What this television is, and what is enabled on it.
+// The device's properties, and which of its features are enabled.
 #include "family/family_setup.h"
 
 #include "family/members.h"

@@ -10,10 +10,10 @@ namespace {
 
 constexpr size_t kMostRatings = 1000;  // in one collection
 
-// One client's access to what there is once.
+// One client's access to the television's parental control.
 struct Manager {};
 
-// Counts and labels are ints on the wire and unsigned in the interface: the bits stay.
+// Counts and labels are ints on the wire and unsigned in the interface, with the same bits.
 int Bits(uint32_t number) {
     return static_cast<int>(number);
 }

@@ -1,4 +1,4 @@
-// Programmes: what is broadcast of them, what clients set, and their descriptors.
+// Programmes: broadcast values, values set by clients, and descriptors.
 #include "family/family_setup.h"
 
 #include <map>
@@ -28,7 +28,7 @@ class ProgrammeFamily : public ObjectFamily<Programme> {
     explicit ProgrammeFamily(const FamilySetup& setup);
 
   private:
-    // What a client has set shows in the programme.
+    // Marks the programme as changed by a client.
     template <typename Change>
     void Set(const char* name, Change change) {
         ObjectFamily::Set(name, [change](Programme& programme, In in) {
@@ -47,7 +47,7 @@ class ProgrammeFamily : public ObjectFamily<Programme> {
     void GetSIDescriptorByEventId(In in, Out);
 
     Tv& mTv;
-    std::map<const Programme*, int> mWantedTags;  // of the programmes for which a tag was asked
+    std::map<const Programme*, int> mWantedTags;  // of the programmes with a requested tag
 };
 
 ProgrammeFamily::ProgrammeFamily(const FamilySetup& setup)
@@ -89,7 +89,7 @@ void ProgrammeFamily::Release(In in, Out out) {
     ObjectFamily::Release(in, out);
 }
 
-// Clients may add to the collection, so a programme whose collection was given out counts as changed.
+// Clients may add to the collection, so a programme whose collection has a handle counts as changed.
 void ProgrammeFamily::GetParentalRatings(In in, Out out) {
     const auto programme = Named(in);
     if (!programme->ratings) programme->ratings = std::make_shared<RatingCollection>();
@@ -97,7 +97,7 @@ void ProgrammeFamily::GetParentalRatings(In in, Out out) {
     programme->changed = true;
 }
 
-// All of them, or those that are wanted.
+// Returns all descriptors, or those with the requested tag.
 std::vector<std::string> ProgrammeFamily::Descriptors(In in) const {
     const auto programme = Named(in);
     std::vector<std::string> all = DescriptorsOf(*programme);
@@ -118,7 +118,7 @@ void ProgrammeFamily::GetSIDescriptorByIndex(In in, Out out) {
     }
 }
 
-// Extension and private data specifier tell descriptors of extended and private tags apart, and here there are none.
+// Extension and private data specifier are for extended and private tags, of which there are none here.
 void ProgrammeFamily::GetSIDescriptorByEventId(In in, Out) {
     const auto programme = Named(in);
     const int tag = in.Int("in_descTag");

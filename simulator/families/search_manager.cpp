@@ -15,7 +15,7 @@ struct Manager {
     bool registered = false;
 };
 
-// A search and its result set, which is one for the whole life of the search and can outlive it.
+// A search and its only result set, which can outlive it.
 struct Search {
     std::shared_ptr<ProgrammeSearch> search;
     std::shared_ptr<Manager> manager;
@@ -123,7 +123,7 @@ void SearchManagerFamily::Destroy(In in, Out) {
     }
 }
 
-// The event carries no context, so the caller's mark is only looked at.
+// The event has no context, so the caller's is only checked.
 void SearchManagerFamily::RegisterCallback(In in, Out) {
     const auto manager = Find(mManagers, in, "in_handle", "search manager");
     in.Pointer("context");
@@ -165,7 +165,7 @@ void SearchManagerFamily::DestroySearch(In in, Out) {
     Destroy(FindSearch(in, "in_handle"), static_cast<Handle>(in.Pointer("in_handle")));
 }
 
-// What it has found can still be read by who holds the result set; what is under way ends. Nobody is told.
+// Ends the search without an event. Its results can be read until the result set is released.
 void SearchManagerFamily::Destroy(const std::shared_ptr<Search>& search, Handle handle) {
     search->destroyed = true;
     if (search->search->State() == SearchState::Searching) search->search->Abort();
@@ -194,7 +194,7 @@ void SearchManagerFamily::FindProgrammesFromStream(In in, Out) {
     search->search->FindFrom(channel->service, static_cast<std::time_t>(time), static_cast<size_t>(count));
 }
 
-// OIPF DAE volume 5: without a channel there is no constraint any more.
+// OIPF DAE volume 5: the null channel removes the constraints.
 void SearchManagerFamily::AddChannelConstraint(In in, Out) {
     const auto search = FindSearch(in, "search_handle");
     if (in.Pointer("channel_handle") == 0) return search->search->RemoveConstraints();

@@ -1,5 +1,5 @@
-// The members of one request, read as strictly as a platform's developer would wish while looking for a mistake: a
-// member that is missing or of the wrong type refuses the request and says so.
+// The members of one request, read strictly: a member that is missing or of the wrong type refuses the request, with
+// the reason.
 #pragma once
 
 #include <json/value.h>
@@ -19,10 +19,10 @@ class Arguments {
     bool Bool(const char* name) const;
     double Real(const char* name) const;
     std::string Text(const char* name) const;
-    std::string ShortText(const char* name) const;  // one that is kept: at most 256 KiB
+    std::string ShortText(const char* name) const;  // a string that is stored: at most 256 KiB
     uint64_t Pointer(const char* name) const;       // 0 for the null pointer
 
-    // A list whose items are objects; null stands for the empty one.
+    // A list whose items are objects; null is the empty list.
     const Json::Value& Objects(const char* name) const;
 
     bool Has(const char* name) const { return mRequest.isMember(name); }

@@ -1,6 +1,6 @@
-// One family of platform objects as the server sees it: where it is served, the operations that it answers, the events
-// that it sends, and the commands that the person at the television has for it. Addresses, codes and names are those of
-// protocol/. A family is a class derived from Family whose constructor lists its rows.
+// One family of platform objects as the server sees it: its address, its operations, its events, and the viewer's
+// commands for it. Addresses, codes and names are those of protocol/. A family is a class derived from Family whose
+// constructor lists its rows.
 #pragma once
 
 #include <json/value.h>
@@ -20,7 +20,7 @@ namespace hbbtv::sim {
 struct FamilyAddress {
     std::string name;           // as in --fault and in commands
     std::string requestSocket;  // served by the simulator
-    std::string eventSocket;    // served by the library; empty when the family sends no events
+    std::string eventSocket;    // served by the library; empty if the family does not send events
     int eventPort = 0;          // in the header of its events
     std::string codeMember;     // the member that holds the operation's code: "method", or "t"
     std::optional<int> type;    // the member "type" of its requests, for the families that have one
@@ -31,15 +31,15 @@ using Handler = std::function<void(const Arguments&, Json::Value& reply)>;
 
 struct Operation {
     std::string name;
-    std::string mark;  // the member that only this one of two operations with the same code has; otherwise empty
+    std::string mark;  // of two operations with the same code, the member that only this one has; otherwise empty
     Handler handler;
 };
 
-// The words behind a command's name.
+// The words after a command's name.
 using Words = std::vector<std::string>;
 
-// Something that happens at the television and not by a request: the viewer zaps, the signal is lost. The function
-// returns the answer; it throws WrongWords(), or Refused when the command makes no sense now.
+// An action at the television rather than a request: the viewer zaps, the signal is lost. The function returns the
+// answer; it throws WrongWords(), or Refused if the command is not possible now.
 struct Command {
     std::string usage;  // "zap next|previous|NUMBER"
     std::string purpose;
@@ -51,15 +51,15 @@ class EventSink {
   public:
     virtual ~EventSink() = default;
 
-    // The members go without those that name the event: they are added.
+    // The members that name the event are added.
     virtual void Send(const std::string& event, const Json::Value& members) = 0;
 
-    // The same with a reply, which the function gets later: null when there was none. The function must not throw.
+    // The same with a reply, which the function gets later: null if there was none. The function must not throw.
     virtual void SendAndWait(const std::string& event, const Json::Value& members,
                              std::function<void(const Json::Value& reply)> onReply) = 0;
 };
 
-// By name, the members that say which event it is.
+// The members that identify each event, by name.
 using EventTable = std::map<std::string, Json::Value>;
 
 using MakeSink = std::function<EventSink&(const FamilyAddress&, const EventTable&)>;
@@ -74,20 +74,20 @@ class Family {
     const EventTable& Events() const { return mEvents; }
     const std::map<std::string, Command>& Commands() const { return mCommands; }
 
-    // Every operation that it answers, by code. Two may share a code.
+    // All operations, by code. Two may share a code.
     const std::multimap<int, Operation>& Operations() const { return mOperations; }
 
   protected:
     using In = const Arguments&;
     using Out = Json::Value&;
 
-    // A name that protocol/ does not have ends the program: this and the functions below throw Fatal.
+    // This and the functions below throw Fatal for a name that is not in protocol/.
     explicit Family(const std::string& name);
 
-    // The member that names the object of a request, for the families whose requests all have one.
+    // Returns the member that names the object of a request, for families whose requests all have one.
     std::string ObjectMember() const;
 
-    // One row of the family's table.
+    // Adds a row to the family's table.
     void Row(const std::string& name, Handler handler, const std::string& mark = "");
 
     template <typename F>
@@ -96,7 +96,7 @@ class Family {
             name, [self = static_cast<F*>(this), method](In in, Out out) { (self->*method)(in, out); }, mark);
     }
 
-    // Declares the events that the family sends, and returns where they go.
+    // Declares the events that the family sends, and returns their sink.
     EventSink& Sends(const MakeSink& makeSink, std::initializer_list<const char*> events);
 
     // The usage begins with the command's name.

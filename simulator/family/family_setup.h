@@ -15,7 +15,7 @@ struct FamilySetup {
     Tv& tv;
     const Settings& settings;
     MakeSink makeSink;
-    const std::string& directory;  // of the sockets, and of what is put beside them
+    const std::string& directory;  // of the sockets and the files next to them
 };
 
 }  // namespace hbbtv::sim

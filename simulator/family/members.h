@@ -1,5 +1,5 @@
-// How families read the handles, positions and numbered values of a request and write the handles of a reply; the words
-// of a command; and the replies to what they have asked.
+// Helpers of families: handles, positions and enumerations in requests, handles in replies, words of commands, and
+// replies to the families' own requests.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@
 
 namespace hbbtv::sim {
 
-// The object that the member names. `kind` ends the sentence that refuses any other handle.
+// Returns the object that the member names. `kind` ends the message that refuses any other handle.
 template <typename T>
 std::shared_ptr<T> Find(const HandleTable<T>& table, const Arguments& in, const char* member, const char* kind) {
     const auto object = table.Find(in.Pointer(member));
@@ -42,7 +42,7 @@ const typename List::value_type& At(const List& list, int64_t index) {
     throw Refused("index " + std::to_string(index) + " of " + std::to_string(list.size()));
 }
 
-// A value of an enumeration that begins with 0 and ends with `last`. `kind` ends the sentence that refuses any other.
+// Returns a value of an enumeration from 0 to `last`. `kind` is part of the message that refuses any other.
 template <typename Enum>
 Enum Choice(int number, Enum last, const char* kind) {
     if (number >= 0 && number <= static_cast<int>(last)) return static_cast<Enum>(number);
@@ -53,13 +53,13 @@ inline ComponentType ReadComponentType(int number) {
     return Choice(number, ComponentType::Subtitle, "component type");
 }
 
-// The one word of a command.
+// Returns the only word of a command.
 inline const std::string& Word(const Words& words) {
     if (words.size() != 1) throw WrongWords();
     return words[0];
 }
 
-// Whether a command has this one of the two words.
+// Returns whether the command has the first of the two words.
 inline bool IsFirst(const Words& words, const char* first, const char* second) {
     if (Word(words) != first && Word(words) != second) throw WrongWords();
     return Word(words) == first;
@@ -74,7 +74,7 @@ inline std::optional<int> Number(const std::string& word, uint32_t largest = 999
     return number ? std::optional<int>(static_cast<int>(*number)) : std::nullopt;
 }
 
-// A reply counts when it says that all went well.
+// Returns whether the reply reports success.
 inline bool WentWell(const Json::Value& reply) {
     return reply.isObject() && reply["ret"].isInt() && reply["ret"].asInt() == 0;
 }

@@ -1,5 +1,5 @@
-// A family whose requests are about objects of one kind, which a member of the request names: rows that read such an
-// object, change it, or give its handle back.
+// A family whose requests are about objects of one type, named by a member of the request: rows that read such an
+// object, change it, or release its handle.
 #pragma once
 
 #include <memory>
@@ -13,7 +13,7 @@ namespace hbbtv::sim {
 template <typename T>
 class ObjectFamily : public Family {
   protected:
-    // `kind` is what refusals call such an object. `member` names it in the families that have requests without one.
+    // `kind` is the name of such an object in messages. `member` names it in families that have requests without one.
     ObjectFamily(const char* name, HandleTable<T>& table, const char* kind, const char* member = nullptr)
         : Family(name), mTable(table), mMember(member != nullptr ? member : ObjectMember()), mKind(kind) {}
 
@@ -21,7 +21,7 @@ class ObjectFamily : public Family {
 
     void Release(In in, Out) { Remove(mTable, in, mMember.c_str(), mKind); }
 
-    // Reads the object, or the object with members of the request, into one member of the reply.
+    // Adds a row that writes a value of the object, given members of the request, into one member of the reply.
     template <typename Read>
     void Get(const char* name, const char* member, Read read) {
         Row(name, [this, member, read](In in, Out out) {
@@ -33,14 +33,14 @@ class ObjectFamily : public Family {
         });
     }
 
-    // Finds another object by members of the request; the reply has its handle, or the null handle.
+    // Adds a row that finds another object by members of the request; the reply has its handle, or the null handle.
     template <typename U, typename Search>
     void Look(const char* name, const char* member, HandleTable<U>& table, Search search) {
         Row(name,
             [this, member, &table, search](In in, Out out) { out[member] = Text(table, search(*Named(in), in)); });
     }
 
-    // Changes the object as members of the request say.
+    // Adds a row that changes the object according to members of the request.
     template <typename Change>
     void Set(const char* name, Change change) {
         Row(name, [this, change](In in, Out) { change(*Named(in), in); });

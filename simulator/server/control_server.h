@@ -1,5 +1,5 @@
-// The control socket: one line of text in, one line out. It is how a person or a test plays the viewer and the weather
-// while the simulator runs, and the program itself is the client (--tell).
+// The control socket: one line in, one line out. A person or a test acts as the viewer, or disturbs the signal, while
+// the simulator runs. The program itself is the client (--tell).
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ class EventLoop;
 
 class ControlServer {
   public:
-    // `answer` turns a line into its answer. Throws Fatal.
+    // `answer` returns the answer to a line. Throws Fatal.
     ControlServer(EventLoop& loop, const std::string& path, std::function<std::string(const std::string&)> answer);
 
     const std::string& Path() const { return mListener.Path(); }
@@ -23,7 +23,7 @@ class ControlServer {
     LocalListener mListener;
 };
 
-// Sends the line to a running simulator and returns its answer. Throws Fatal when there is none.
+// Sends the line to a running simulator and returns its answer. Throws Fatal if no simulator answers.
 std::string Tell(const std::string& path, const std::string& line);
 
 }  // namespace hbbtv::sim

@@ -10,7 +10,7 @@ namespace hbbtv::sim {
 
 namespace {
 
-// No message of the interface nests deeper than two levels.
+// Messages of the interface nest at most two levels deep.
 constexpr int kDeepestNesting = 32;
 
 }  // namespace
@@ -42,7 +42,7 @@ Json::Value Dispatcher::Parsed(const std::string& text) {
     }
 }
 
-// A message may have any content, so this is where everything that it can cause ends.
+// A message may have any content, so every exception that it can cause is caught here.
 Json::Value Dispatcher::Answer(const std::string& text, std::string& operation, std::string& arguments) {
     Json::Value reply(Json::objectValue);
     operation = "?";

@@ -1,5 +1,5 @@
-// One message of a family's socket to the operation that it names, and the operation's reply to text. Whatever the
-// message is, there is a reply or a log line, and nothing gets out of here but text.
+// Passes a message of a family's socket to its operation, and writes the operation's reply as JSON. Every message
+// causes a reply or a log line; exceptions do not leave this class.
 #pragma once
 
 #include <memory>
@@ -20,7 +20,7 @@ class Dispatcher {
     // The reply, for messages that get one.
     std::optional<Frame> Handle(const Frame& message);
 
-    // While true, messages are read and otherwise left alone, as by a platform that hangs.
+    // While true, messages are read and ignored, as by a platform that hangs.
     void StopAnswering(bool stop) { mSilent = stop; }
 
     const Family& Served() const { return *mFamily; }

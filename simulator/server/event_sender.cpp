@@ -21,7 +21,7 @@ constexpr std::chrono::seconds kReplyPatience{5};
 
 }  // namespace
 
-// Handlers keep it alive; one that fires after the sender let go of it finds `owner` null and does nothing.
+// Handlers keep it alive; one that runs after the sender has dropped it finds `owner` null and does nothing.
 struct EventSender::Connection {
     Connection(EventLoop& loop, int fd, EventSender* sender)
         : socket(loop.Context(), asio::local::stream_protocol(), fd), owner(sender) {}
@@ -62,7 +62,7 @@ void EventSender::SendAndWait(const std::string& event, const Json::Value& membe
     Enqueue({event, Message(kRequest, event, members), std::move(onReply)});
 }
 
-// The work is posted: an event that a request caused leaves after the reply to that request.
+// The work is posted, so that an event caused by a request is sent after the reply to that request.
 void EventSender::Enqueue(Waiting event) {
     if (mQueue.size() >= kLongestQueue) {
         if (!mSaidSo) Journal::Log(mPath + ": nobody reads the events; further ones are dropped");
@@ -97,7 +97,7 @@ bool EventSender::Connect() {
     return true;
 }
 
-// Reads replies, and notices at once when the other side goes.
+// Reads replies, and notices at once when the peer disconnects.
 void EventSender::ReadFrom(const std::shared_ptr<Connection>& connection) {
     connection->socket.async_read_some(asio::buffer(connection->chunk),
                                        [connection](const asio::error_code& error, size_t count) {
@@ -136,7 +136,7 @@ void EventSender::Replied(const Frame& frame) {
     try {
         reply = ParseJson(frame.payload);
     } catch (const BadJson&) {
-        // As if there was none.
+        // An invalid reply counts as none.
     }
     FinishFront(reply);
 }
@@ -155,7 +155,7 @@ void EventSender::Answer(const Waiting& event, const Json::Value& reply) const {
     event.onReply(reply);
 }
 
-// The other side went. The event that was on its way is sent once more to whoever serves the socket now.
+// The peer disconnected. The event that was being sent is sent once more, on a new connection.
 void EventSender::Lost() {
     mConnection->owner = nullptr;
     mConnection.reset();
@@ -167,7 +167,7 @@ void EventSender::Lost() {
     mAgain.Start(std::chrono::milliseconds(0), [this] { Work(); });
 }
 
-// Who waits for a reply is told that there is none; of the others a line says so.
+// Events with a reply get null; the others are logged.
 void EventSender::DropAll(const std::string& reason) {
     mAttempts = 0;
     std::deque<Waiting> dropped;

@@ -1,6 +1,6 @@
-// Events to one socket that the library serves. Never in the way: events wait in order while the connection is made or
-// busy, and are dropped when nobody serves the socket: with one log line, or, where a reply is waited for, with the
-// news that there is none. The library may go and come back.
+// Sends events to one socket that the library serves. Never blocks: events are queued in order while the connection is
+// being made or busy, and dropped while the socket is not served. A drop is logged once, or, for an event with a reply,
+// passed to its function. The library may stop and start again.
 #pragma once
 
 #include <deque>
@@ -29,7 +29,7 @@ class EventSender : public EventSink {
         std::string name;
         std::string bytes;
         std::function<void(const Json::Value&)> onReply;  // empty for one-way events
-        bool triedBefore = false;                         // the connection went while it was on its way
+        bool triedBefore = false;                         // the connection was lost while it was being sent
     };
 
     std::string Message(int type, const std::string& event, const Json::Value& members) const;
@@ -50,11 +50,11 @@ class EventSender : public EventSink {
     std::string mPath;
     int mPort;
     EventTable mEvents;
-    std::deque<Waiting> mQueue;               // the front one is on its way when mBusy
+    std::deque<Waiting> mQueue;               // the front one is being sent when mBusy
     std::shared_ptr<Connection> mConnection;  // null when there is none
     bool mBusy = false;
     int mAttempts = 0;     // connection attempts that found the other side too busy
-    bool mSaidSo = false;  // that nobody is there, or that too many events wait
+    bool mSaidSo = false;  // logged that the socket is not served or the queue is full
     Timer mAgain;
     Timer mReplyDeadline;
 };

@@ -1,5 +1,5 @@
-// One connection to a served family socket: reads messages, hands each to the handler, writes the replies. It lives
-// until the peer leaves or sends what cannot be a message; no more is read while replies wait to be written.
+// One connection to a served family socket: reads messages, passes each to the handler, writes the replies. It exists
+// until the peer disconnects or sends an invalid header; it does not read while replies wait to be written.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ class EventLoop;
 
 using FrameHandler = std::function<std::optional<Frame>(const Frame&)>;
 
-// Takes the descriptor. `name` is for log lines. The handler must stay valid for as long as the loop runs.
+// Takes ownership of the descriptor. `name` is for log lines. The handler must outlive the loop's run.
 void ServeFrames(EventLoop& loop, int fd, const std::string& name, FrameHandler handler);
 
 }  // namespace hbbtv::sim

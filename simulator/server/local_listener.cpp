@@ -16,7 +16,7 @@ namespace hbbtv::sim {
 
 namespace {
 
-// For example when no descriptor is free; those who wait are accepted afterwards.
+// For example when no descriptor is free; waiting peers are accepted later.
 constexpr std::chrono::milliseconds kPauseAfterError{100};
 
 [[noreturn]] void Fail(const std::string& path, const std::string& reason) {
@@ -25,7 +25,7 @@ constexpr std::chrono::milliseconds kPauseAfterError{100};
 
 void ClearPath(const std::string& path) {
     struct stat file {};
-    if (lstat(path.c_str(), &file) != 0) return;  // nothing there, or nothing to be done about it: bind will say
+    if (lstat(path.c_str(), &file) != 0) return;  // not there, or not accessible: bind reports the error
     if (!S_ISSOCK(file.st_mode)) Fail(path, "the file is not a socket");
     const Descriptor probe(ConnectTo(path));
     if (probe.Get() >= 0 || errno == EAGAIN) {

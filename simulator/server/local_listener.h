@@ -11,8 +11,8 @@ class EventLoop;
 
 class LocalListener {
   public:
-    // `onAccept` gets the descriptor of every new connection and owns it. A stale file at the path is replaced; a path
-    // on which somebody answers, or that is no socket, is left alone. Throws Fatal.
+    // `onAccept` gets and owns the descriptor of every new connection. A stale file at the path is replaced. Throws
+    // Fatal, among others if a process answers on the path or the file is not a socket.
     LocalListener(EventLoop& loop, const std::string& path, std::function<void(int)> onAccept);
     ~LocalListener();
     LocalListener(const LocalListener&) = delete;

@@ -7,7 +7,7 @@ namespace hbbtv::sim {
 
 namespace {
 
-// The position is the number by which a capability is asked for.
+// The position is the number of a capability in requests.
 const char* const kNumbered[] = {
     "OITF_HD_UIPROF", "META_SI", "META_EIT", "TRICKMODE", "RTSP",   "AVCAD",  "DRM",      "PVR",
     "DVB_C",          "DVB_S",   "DVB_T",    "DVB_C2",    "DVB_S2", "DVB_T2", "IPTV_SDS", "IPTV_URI"};
@@ -110,7 +110,7 @@ bool Capabilities::Has(int number) const {
     return std::find(mFragments.begin(), mFragments.end(), kNumbered[number]) != mFragments.end();
 }
 
-// A picture of standard definition takes the lesser decoder.
+// Standard definition uses the smaller decoder.
 unsigned ExtraVideoDecodes(const Tv& tv, bool highDefinition) {
     const auto& service = tv.tuner.On()->service;
     const bool decoding = tv.tuner.Used() && service && ShowsVideo(*service);

@@ -1,5 +1,5 @@
-// What the television can do, as the document that browsers ask for (OIPF DAE volume 5, HbbTV), and what its decoders
-// are still free for.
+// The television's capabilities as the document that browsers request (OIPF DAE volume 5, HbbTV), and its free
+// decoders.
 #pragma once
 
 #include <string>
@@ -18,7 +18,7 @@ class Capabilities {
 
     std::string Xml() const;
 
-    // By the numbers of docs/simulator.md: whether the profile has the base or the fragment.
+    // Returns whether the profile has the base or fragment of this number, see docs/simulator.md.
     bool Has(int number) const;
 
   private:
@@ -29,7 +29,7 @@ class Capabilities {
     std::vector<std::string> mBroadcasts;
 };
 
-// How many videos more can be decoded while what is on is presented.
+// Returns how many more videos can be decoded while the current service is presented.
 unsigned ExtraVideoDecodes(const Tv& tv, bool highDefinition);
 
 }  // namespace hbbtv::sim

@@ -8,7 +8,7 @@ namespace hbbtv::sim {
 
 namespace {
 
-// Reception by the same aerial or cable: the second generations of the standards need no other one.
+// Reception by the same aerial or cable: the second generations of the standards do not need another one.
 int Medium(int idType) {
     switch (static_cast<IdType>(idType)) {
         case IdType::DvbC2:

@@ -1,6 +1,5 @@
-// The television that the families share: its line-up, its channel and favourite lists, its one tuner, its guide of
-// programmes, its applications and their tabs, its parental control, what it is and remembers, and the handles of the
-// objects that more than one family knows.
+// The television that the families share: line-up, channel and favourite lists, tuner, programme guide, applications
+// and their tabs, parental control, device, preferences, and the handles of objects that several families use.
 #pragma once
 
 #include <functional>
@@ -45,21 +44,21 @@ enum class ChannelError {
 
 class Tv {
   public:
-    // Without a seed the handles differ from run to run; the schedule is the same for everybody who gives none. The
-    // store lives longer. Without a guide programmes are made up.
+    // Without a seed the handles differ from run to run, but the schedule does not. The store must outlive the object.
+    // Without a guide programmes are generated.
     Tv(LineUp theLineUp, std::optional<uint32_t> seed, const StateStore& theState,
        std::unique_ptr<Guide> theGuide = nullptr);
     Tv(const Tv&) = delete;
     Tv& operator=(const Tv&) = delete;
 
-    // A channel from numbers, or by IP from its broadcast id, which is the service's URI. When they name a service of
-    // the line-up, it is that service's channel.
+    // Creates a channel from numbers, or for IP from its broadcast id, which is the service's URI. If they name a
+    // service of the line-up, it returns that service's channel.
     std::shared_ptr<Channel> MakeChannel(Channel numbers);
 
-    // Why the tuner cannot even try.
+    // Returns why tuning is impossible.
     std::optional<ChannelError> Refusal(const Channel& channel) const;
 
-    // What is found once it is tuned: nothing when it can be presented.
+    // Returns the problem found after tuning; nothing if the channel can be presented.
     static std::optional<ChannelError> Obstacle(const Channel& channel);
 
     const StateStore& state;
@@ -89,7 +88,7 @@ class Tv {
         unsigned width = 1920, height = 1080;
     } resolution;
 
-    // Set by the video/broadcast family, for those that give its handle.
+    // Set by the video/broadcast family, for families that return its handle.
     std::function<Handle()> broadcastSupervisor = [] { return Handle{0}; };
 
   private:

@@ -1,5 +1,5 @@
-// The files that people write for the simulator in JSON, read strictly: whatever is wrong gets one sentence with its
-// line and column, and a name that nobody knows gets the nearest one that is known.
+// Strict reading of JSON files written by people: every error has a line, a column and a reason, and an unknown name
+// has a "did you mean".
 #pragma once
 
 #include <json/value.h>
@@ -11,10 +11,10 @@
 
 namespace hbbtv::sim {
 
-// Words that a member may be, with their values.
+// The words allowed for a member, with their values.
 using JsonNames = std::map<std::string, int>;
 
-// Text and name of the file, and the one way in which it is refused: Fatal. The text has to outlive the object.
+// Contents and name of the file. An invalid file is refused with Fatal. The string must outlive the object.
 class JsonSource {
   public:
     JsonSource(const std::string& text, std::string name) : mText(text), mName(std::move(name)) {}
@@ -30,7 +30,7 @@ class JsonSource {
     std::string mName;
 };
 
-// One JSON object of the file with the members that it may have. What it is called ("service") opens every sentence.
+// One JSON object of the file with its allowed members. Messages call it by its name ("service").
 class JsonObject {
   public:
     JsonObject(const JsonSource& source, const Json::Value& value, std::string what,

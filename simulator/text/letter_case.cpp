@@ -10,14 +10,14 @@ bool Within(unsigned c, unsigned first, unsigned last) {
     return c >= first && c <= last;
 }
 
-// Of a letter of two bytes. Each small letter has two bytes as well, so a text keeps its length.
+// For a letter of two bytes. Each lower-case letter has two bytes as well, so a string keeps its length.
 unsigned Small(unsigned c) {
     const bool latin1 = Within(c, 0xC0, 0xDE) && c != 0xD7;
     const bool greek = Within(c, 0x391, 0x3A9) && c != 0x3A2;
     if (latin1 || greek || Within(c, 0x410, 0x42F)) return c + 0x20;
     if (Within(c, 0x400, 0x40F)) return c + 0x50;
     if (c == 0x178) return 0xFF;
-    // Capital and small letters take turns, the capital ones on even or on odd numbers. The dotted I has no such pair.
+    // Upper and lower case alternate, with upper case on even or on odd numbers. The dotted I has no such pair.
     const bool evenCapitals = Within(c, 0x100, 0x12F) || Within(c, 0x132, 0x137) || Within(c, 0x14A, 0x177) ||
                               Within(c, 0x218, 0x21B) || Within(c, 0x490, 0x491);
     const bool oddCapitals = Within(c, 0x139, 0x148) || Within(c, 0x179, 0x17E);
@@ -44,7 +44,7 @@ std::string SmallLetters(const std::string& text) {
     return small;
 }
 
-// memmem needs no more steps than there are bytes, whatever is looked for in whatever.
+// memmem runs in linear time for any input.
 bool Contains(const std::string& text, const std::string& small) {
     if (small.size() > text.size()) return false;
     const std::string within = SmallLetters(text);

@@ -1,14 +1,14 @@
-// Letters without regard to their case, for searching.
+// Case-insensitive search.
 #pragma once
 
 #include <string>
 
 namespace hbbtv::sim {
 
-// UTF-8 with the Latin, Greek and Cyrillic capital letters made small. Anything else stays, also what is no UTF-8.
+// Returns UTF-8 with Latin, Greek and Cyrillic letters in lower case. Anything else is unchanged, also invalid UTF-8.
 std::string SmallLetters(const std::string& text);
 
-// Whether `small`, already of small letters, stands anywhere in the text.
+// Returns whether the string contains `small`, which is in lower case.
 bool Contains(const std::string& text, const std::string& small);
 
 }  // namespace hbbtv::sim

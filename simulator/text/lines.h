@@ -1,4 +1,4 @@
-// The lines of files that people write, with their numbers, and warnings about them.
+// The lines of files written by people, with their numbers, and warnings about them.
 #pragma once
 
 #include <functional>
@@ -8,23 +8,22 @@
 
 namespace hbbtv::sim {
 
-// Called with a sentence that begins with its place ("file:line: ") for each part of a file that is skipped.
+// Called for each part of a file that is skipped, with a message that begins with its place ("file:line: ").
 using FileWarning = std::function<void(const std::string&)>;
 
-// The lines of a text one after the other, without their ends (LF or CRLF) and without a byte order mark. Whatever is
-// said about the text is said with its name and the number of a line. The text has to outlive the object.
+// Iterates over the lines of a string, without line ends (LF or CRLF) and byte order mark. Messages have the name and a
+// line number. The string must outlive the object.
 class Lines {
   public:
     Lines(std::string_view text, std::string name, FileWarning warn);
 
-    // On to the next line; false when there is none. One that is too long to mean anything reads as an empty one, with
-    // a warning.
+    // Moves to the next line; returns false at the end. A line that is too long reads as an empty one, with a warning.
     bool Next();
 
     std::string_view Line() const { return mLine; }
     int Number() const { return mNumber; }
 
-    // The line that stands so many lines further on; empty behind the end.
+    // Returns the line that many lines ahead; empty after the end.
     std::string_view Ahead(int count) const;
 
     void Warn(const std::string& what) const { Warn(mNumber, what); }
@@ -42,7 +41,7 @@ class Lines {
     int mNumber = 0;
 };
 
-// Passes the first thousand warnings about a file on, and at its own end tells how many more there were.
+// Passes on the first thousand warnings about a file; the destructor reports how many more there were.
 class FewWarnings {
   public:
     FewWarnings(std::string name, FileWarning warn) : mName(std::move(name)), mWarn(std::move(warn)) {}
@@ -58,7 +57,8 @@ class FewWarnings {
     int mCount = 0;
 };
 
-// The bytes of a file; nothing and the reason, with the path, when it cannot be read or is larger than so many MiB.
+// Returns the bytes of a file; nothing and the reason, with the path, if it cannot be read or is larger than that many
+// MiB.
 std::optional<std::string> ReadIfPossible(const std::string& path, std::string& reason, size_t mostMebibytes = 16);
 
 // The same; throws Fatal with the reason.

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 
-// C0 and C1, and the place in the private use area where DVB's two-byte tables have their own C1.
+// C0 and C1, and the range of the private use area in which DVB's two-byte tables have their own C1.
 bool IsControl(uint32_t code) {
     return code < 0x20 || (code >= 0x7f && code < 0xa0) || (code >= 0xe080 && code < 0xe0a0);
 }

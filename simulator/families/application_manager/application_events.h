@@ -1,4 +1,4 @@
-// What the application manager tells and asks the library.
+// The application manager's events and queries to the library.
 #pragma once
 
 #include <functional>
@@ -16,10 +16,10 @@ class ApplicationEvents {
 
     void ApplicationLoaded(const ApplicationId& id);
 
-    // Whether the picture has the whole screen, and whether that is because an application ended.
+    // Reports whether the picture has the whole screen, and whether because an application ended.
     void BroadcastFullScreen(bool full, bool destroyed);
 
-    // The function gets the rating; nothing when nobody answers it.
+    // The function gets the rating, or nothing if there is no reply.
     void AskParentalRating(const std::string& country, std::function<void(std::optional<int>)> onRating);
 
   private:

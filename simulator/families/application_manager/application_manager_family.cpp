@@ -17,12 +17,12 @@ namespace {
 
 constexpr int kMostOtherKeys = 256;
 
-// The names of numbered members have three characters, so that 100 to 109 are k10 again, and so on.
+// The names of numbered members are cut to three characters, so that 100 to 109 are k10, and so on.
 std::string Numbered(int index) {
     return ("k" + std::to_string(index)).substr(0, 3);
 }
 
-// Ids that travel side by side in one text: 16 characters each.
+// Ids in one string, 16 characters each.
 std::string Field(int number) {
     char text[17];
     std::snprintf(text, sizeof(text), "%16d", number);
@@ -161,7 +161,7 @@ void ApplicationManagerFamily::AddCommands() {
     AddCommand("stop ORGANISATION.APPLICATION", "end an application", &F::Stop);
 }
 
-// --- Which one is meant
+// --- Lookup
 
 ApplicationPointer ApplicationManagerFamily::Named(In in) const {
     const ApplicationId id{in.Int("appid"), in.Int("orgid")};
@@ -187,7 +187,7 @@ const RemoteKey& ApplicationManagerFamily::NamedKey(In in) const {
 
 // --- Applications
 
-// A child is owned by the application that made it, any other one by itself.
+// A child is owned by the application that created it, any other application by itself.
 void ApplicationManagerFamily::GetOwnerApp(In in, Out out) {
     const int number = in.Int("appid");
     const ApplicationPointer application = mTv.applications.FindNumber(number);
@@ -255,7 +255,7 @@ void ApplicationManagerFamily::GetKeyLabel(In in, Out out) {
 
 // --- For the browser and its tabs
 
-// Who does not belong to the service that is on has no part in its picture, and nobody has without a tuner.
+// Applications that are not bound to the current service may not use its picture, and none may without a tuner.
 void ApplicationManagerFamily::GetVBResouceAllowed(In in, Out out) {
     const bool belongs = OfTab(in)->Type() != ApplicationType::BroadcastIndependent;
     out["allowed"] = belongs && !mTv.tuner.TakenAway() ? 1 : 0;

@@ -14,7 +14,7 @@ const char* const kSignalled = "dvb://current.ait/";
 
 constexpr size_t kLongestUrl = 4096;
 
-constexpr int kHighestRating = 15;  // of the rating descriptor; from there on, and at 0, nothing is said
+constexpr int kHighestRating = 15;  // of the rating descriptor; higher values and 0 mean no limit
 constexpr int kAgeOfRating0 = 3;
 
 bool HasAutoshow(const std::string& query) {
@@ -39,7 +39,7 @@ ApplicationStarter::ApplicationStarter(EventLoop& loop, Tv& tv, const Settings& 
     ServiceChanged();
 }
 
-// The announcements come with the service, so they are there when its picture is.
+// Announcements are received with the service, so they are known when its picture is.
 void ApplicationStarter::ServiceChanged() {
     mTv.applications.LeaveFor(mTv.tuner.On()->service);
     mReception.Start(mSettings.tuneTime, [this] { SignallingReceived(); });

@@ -1,5 +1,5 @@
-// Which applications start and end: with the services that are tuned, or because somebody asks for one. One with a
-// minimum age runs only when the parental rating allows it.
+// Starts and ends applications, with the tuned service or on request. One with a minimum age runs only if the parental
+// rating allows it.
 #pragma once
 
 #include "core/event_loop.h"
@@ -13,10 +13,10 @@ class ApplicationStarter {
   public:
     ApplicationStarter(EventLoop& loop, Tv& tv, const Settings& settings, ApplicationEvents& events);
 
-    // One that the tuned service announces. `query` is appended to its URL. Throws Refused.
+    // Starts one that the tuned service announces. `query` is appended to its URL. Throws Refused.
     ApplicationPointer StartAnnounced(const ApplicationId& id, const std::string& query, bool shown);
 
-    // By an application, or, when the creator is null, by the television's own software. Throws Refused.
+    // Creates one for an application or, if the creator is null, for the television's own software. Throws Refused.
     ApplicationPointer Create(const ApplicationPointer& creator, const std::string& url, bool child, bool operatorApp);
 
   private:

@@ -36,7 +36,7 @@ const char* Browser::Presence() const {
     return mKnown == Known::There ? "there" : "not there";
 }
 
-// --- From the application to its tab
+// --- Tabs of applications
 
 void Browser::Ready(const ApplicationPointer& application) {
     KeepPinging();
@@ -119,7 +119,7 @@ void Browser::AskForRenderProcess(int id) {
     });
 }
 
-// One line for a browser that is not there, and one for each application that it refuses.
+// Logs the absence of the browser once, and a refusal once per application.
 void Browser::NoTab(const ApplicationPointer& application, const Json::Value& reply, const std::string& what) {
     const bool nobody = reply.isNull();
     const bool said = nobody ? mSaidNobody : !mSaidRefused.insert(application.get()).second;
@@ -176,7 +176,7 @@ ApplicationPointer Browser::SendKey(const RemoteKey& key) {
     return nullptr;
 }
 
-// --- Whether somebody is there
+// --- Presence of the browser
 
 void Browser::FoundThere() {
     const bool wasAway = mKnown == Known::NotThere;
@@ -214,7 +214,7 @@ void Browser::Ponged(const Json::Value& reply) {
     OpenAll();
 }
 
-// Who does not answer has no tabs either: a new one does not know those of the old one.
+// A browser that does not reply has no tabs: a new one does not know those of the old one.
 void Browser::Lost() {
     if (!mTv.tabs.All().empty()) {
         Journal::Log("mtm: the browser does not respond; its tabs are removed");

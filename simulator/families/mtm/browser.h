@@ -1,6 +1,5 @@
-// The browser as the television sees it: gives every application that runs a tab, follows it with what becomes of the
-// application, and looks from time to time whether somebody is still there. Without a browser everything else goes on;
-// the tabs are made when it comes.
+// The browser as the television sees it: opens a tab for every running application, updates it with the application's
+// state, and pings the browser. Without a browser the rest works; tabs are created when it starts.
 #pragma once
 
 #include <set>
@@ -22,22 +21,22 @@ class Browser {
     Browser(const Browser&) = delete;
     Browser& operator=(const Browser&) = delete;
 
-    // Something came from the browser: what waited for it gets its tab now.
+    // A message from the browser has arrived: opens tabs for applications that waited for it.
     void FoundThere();
 
-    // Starts the pings when there is anything to ask about.
+    // Starts the pings if there are applications or tabs.
     void KeepPinging();
 
-    // To the topmost application that takes the key. Null, and nothing is sent, when none does.
+    // Sends the key to the topmost application that takes it. Returns null and does not send it if none does.
     ApplicationPointer SendKey(const RemoteKey& key);
 
-    // Destroys the tab, which is Closing or Crashed then, and ends its application.
+    // Destroys the tab, which becomes Closing or Crashed, and ends its application.
     void GiveUp(Tab& tab, TabState state);
 
-    // All applications end with their tabs.
+    // Ends all applications with their tabs.
     void DestroyAll();
 
-    // For the table: "there", "not there", "not asked".
+    // "there", "not there" or "not asked", for the table.
     const char* Presence() const;
 
   private:
@@ -68,10 +67,10 @@ class Browser {
     Timer mPing;
     bool mPinging = false;
     Known mKnown = Known::Nothing;
-    bool mLeftovers = false;                    // it was away, and may still have tabs that nobody knows
-    std::set<const Application*> mAsked;        // those for which it was asked something and has not answered
-    bool mSaidNobody = false;                   // the log line about a browser that is not there
-    std::set<const Application*> mSaidRefused;  // likewise about an application that it refuses
+    bool mLeftovers = false;                    // it was absent, and may still have unknown tabs
+    std::set<const Application*> mAsked;        // those with a request that it has not replied to yet
+    bool mSaidNobody = false;                   // the absence of the browser has been logged
+    std::set<const Application*> mSaidRefused;  // those whose refusal has been logged
     int mKeyEvents = 0;
 };
 

@@ -10,7 +10,7 @@ Json::Value OfTab(int tab) {
     return members;
 }
 
-// The flag that says whether a page is broadcast-related has another spelling in the command that waits for its reply.
+// The flag for broadcast-related pages has another spelling in the command with a reply.
 void Add(Json::Value& members, const BrowserCommands::Page& page, const char* broadcastRelatedMember) {
     members["url"] = page.url;
     members["auto_show"] = page.autoShow;

@@ -1,5 +1,4 @@
-// The platform's commands to the browser, as the library reads them. Those with a reply hand it to the function, null
-// when there was none.
+// The platform's commands to the browser. Those with a reply pass it to the function, or null if there was none.
 #pragma once
 
 #include <functional>
@@ -14,7 +13,7 @@ class BrowserCommands {
   public:
     using OnReply = std::function<void(const Json::Value& reply)>;
 
-    // What a page is loaded with.
+    // The parameters of loading a page.
     struct Page {
         std::string url;
         bool autoShow;

@@ -1,4 +1,4 @@
-// What the browser reports about its tabs, and the viewer's commands for them. browser.h is the other direction.
+// The browser's reports about its tabs, and the viewer's commands for them. browser.h has the other direction.
 #include "family/family_setup.h"
 
 #include "common/nearest_name.h"
@@ -12,7 +12,7 @@ namespace hbbtv::sim {
 
 namespace {
 
-constexpr size_t kLongestKept = 4096;  // of a text from the browser
+constexpr size_t kLongestKept = 4096;  // of a string from the browser
 
 const char* NameOf(TabState state) {
     switch (state) {
@@ -58,14 +58,14 @@ class MtmFamily : public Family {
     void AddCommands();
     void AddNotification(const char* name, void (MtmFamily::*method)(In), const char* mark = "");
 
-    // Life of tabs.
+    // Lifecycle of tabs.
     void OnTabCreated(In in) { mTv.tabs.Add(in.Int("tabid")); }
     void OnTabDestroyed(In in);
     void OnRenderRequestCloseTab(In in) { mBrowser.GiveUp(Named(in), TabState::Closing); }
     void OnAllTabsDestroyed(In);
     void OnBlinkOutOfMemory(In in);
 
-    // What is seen of them.
+    // Visibility.
     void OnTabFocus(In in) { mTv.tabs.Focus(in.Int("tabid")); }
     void OnTabHide(In in) { Named(in).shown = false; }
     void OnTabShow(In in) { Named(in).shown = true; }
@@ -148,7 +148,7 @@ void MtmFamily::AddCommands() {
     AddCommand("close-tabs", "close all tabs and end their applications", &F::CloseTabs);
 }
 
-// --- Life of tabs
+// --- Lifecycle of tabs
 
 void MtmFamily::OnTabDestroyed(In in) {
     const Tab tab = Named(in);
@@ -178,9 +178,9 @@ void MtmFamily::OnBlinkOutOfMemory(In in) {
     Crashed(Named(in));
 }
 
-// --- What is seen of them
+// --- Visibility
 
-// It is about the browser and names no tab.
+// The report is about the browser, not a tab.
 void MtmFamily::OnLoadingStateChanged(In in) {
     const bool loading = in.Bool("is_loading");
     const bool canGoBack = in.Bool("can_back");

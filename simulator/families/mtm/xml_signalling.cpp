@@ -17,7 +17,7 @@ std::string WithoutEscapes(std::string text) {
     return text;
 }
 
-// The text between the element's start and whatever tag comes next; empty when there is none of a sensible length.
+// Returns the text between the element's start and the next tag; empty if there is none or it is too long.
 std::string TextOf(const std::string& xml, const std::string& element) {
     size_t at = xml.find('<');
     while (at != std::string::npos) {

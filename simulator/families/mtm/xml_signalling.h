@@ -1,4 +1,4 @@
-// Signalling of an application in an XML file, as far as the television reads it: where the application is.
+// The location of an application in an XML AIT.
 #pragma once
 
 #include <optional>
@@ -6,8 +6,8 @@
 
 namespace hbbtv::sim {
 
-// The text of the first element URLBase followed by that of the first applicationLocation (ETSI TS 102 809), whatever
-// their namespace prefix. Nothing when the file names no location.
+// Returns the text of the first element URLBase followed by that of the first applicationLocation (ETSI TS 102 809),
+// with any namespace prefix. Nothing if the file has no location.
 std::optional<std::string> LocationIn(const std::string& xml);
 
 }  // namespace hbbtv::sim

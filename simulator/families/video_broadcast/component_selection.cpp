@@ -4,7 +4,7 @@ namespace hbbtv::sim {
 
 namespace {
 
-// A description leaves open what is negative, zero or empty; the tag alone decides when it has one.
+// Negative, zero and empty values of a description match anything; if it has a tag, only the tag counts.
 bool Fits(const Component& wanted, const Component& candidate) {
     if (wanted.type != candidate.type) return false;
     if (wanted.tag >= 0) return wanted.tag == candidate.tag;
@@ -26,7 +26,7 @@ bool IsPlain(const Component& component) {
 
 using Condition = bool (*)(const Component&);
 
-// Of the language that comes first in the list, ISO 639-2 with commas between; *** is any.
+// Returns the component whose language is first in the list, comma-separated ISO 639-2; *** is any.
 std::shared_ptr<Component> FirstIn(const std::string& languages, Condition fits, const ComponentList& components) {
     for (size_t at = 0; at < languages.size(); at += 4) {
         const std::string language = languages.substr(at, 3);

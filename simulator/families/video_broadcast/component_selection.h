@@ -12,27 +12,26 @@ class ComponentSelection {
   public:
     explicit ComponentSelection(const Preferences& preferences) : mPreferences(preferences) {}
 
-    // The usual ones of a service; subtitles only when the viewer wants them.
+    // Selects the default ones of a service; subtitles only if the viewer's preferences have them on.
     void Start(std::shared_ptr<const Service> service);
     void Clear();
 
     ComponentList All() const;
     ComponentList All(ComponentType type) const;
 
-    // In the order picture, sound, subtitles.
+    // In the order video, audio, subtitles.
     ComponentList Active() const;
     ComponentList Active(ComponentType type) const;
 
-    // The component of the service that is meant: itself, or, for one that a client made, the first that fits its
-    // description. Null when the service has none.
+    // Returns the component itself or, for one created by a client, the first that matches its description. Null if the
+    // service has none.
     std::shared_ptr<Component> Resolve(const std::shared_ptr<Component>& wanted) const;
 
-    // The one that the viewer's preferences of languages, audio description and subtitles for the hearing impaired
-    // choose. Null when the service has none of the type, and when it has only sound that describes, which nobody wants
-    // unasked.
+    // Returns the component chosen by the viewer's preferences of languages, audio description and subtitles for the
+    // hearing impaired. Null if the service has none of the type, or only audio descriptions that are not preferred.
     std::shared_ptr<Component> Usual(ComponentType type) const;
 
-    // Whether something changed.
+    // Returns whether the selection has changed.
     bool Select(const std::shared_ptr<Component>& component);
     bool Unselect(ComponentType type);
 

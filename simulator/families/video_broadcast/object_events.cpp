@@ -58,14 +58,14 @@ void ObjectEvents::Recording(int state, int error, const std::string& id) {
     Send("TOLM_VB_EVENT_RECORDING", members);
 }
 
-// 11 and 15 both carry a component type, and no published text says which of them is the change of the selection.
+// 11 and 15 both carry a component type; which of them reports a change of the selection is not public.
 void ObjectEvents::SelectedComponent(int componentType) {
     Json::Value members;
     members["componentType"] = componentType;
     Send("TOLM_VB_EVENT_COMPONENT_TYPE_11", members);
 }
 
-// Broadcast content has no id, and no protection of its own.
+// Broadcast content has no id and no DRM of its own.
 void ObjectEvents::ParentalRatingChange(Handle ratings, bool blocked) {
     Json::Value members;
     members["contentID"] = "";

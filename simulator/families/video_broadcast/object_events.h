@@ -1,5 +1,5 @@
-// The events of one video/broadcast object, as the library reads them. They carry the context that was registered for
-// the object; an object without a registration is silent.
+// The events of one video/broadcast object. They carry the context that was registered for the object; an object
+// without a registration does not send events.
 #pragma once
 
 #include <cstdint>

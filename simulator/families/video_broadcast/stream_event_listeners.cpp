@@ -92,7 +92,7 @@ void StreamEventListeners::RemoveThatHear(const ScriptedStreamEvent& event) {
     if (mListeners.empty()) End();
 }
 
-// Nobody hears what is sent while nothing is presented.
+// Events are dropped while nothing is presented.
 void StreamEventListeners::Fire(Waiting& waiting) {
     if (waiting.event.repeats) Wait(waiting);
     VideoBroadcastObject* object = mViewed();

@@ -1,6 +1,5 @@
-// Stream-event listeners of the applications, and the events for them: from the script, or, without one, one for all of
-// them now and then. Listeners belong to the service that is tuned: a change of channel removes them, with one error
-// event each.
+// Stream-event listeners of the applications, and the events for them: from the script or, without one, at an interval
+// for all of them. Listeners belong to the tuned service: a channel change removes them, with one error event each.
 #pragma once
 
 #include <functional>
@@ -16,14 +15,14 @@ namespace hbbtv::sim {
 
 class StreamEventListeners {
   public:
-    // `viewed` gives the object in front of the viewer, null without one. Throws Fatal for the script.
+    // `viewed` returns the object that the viewer sees, or null. Throws Fatal for an invalid script.
     StreamEventListeners(EventLoop& loop, const Settings& settings, std::function<VideoBroadcastObject*()> viewed);
 
     // Throw Refused.
     void Add(const std::string& objectUrl, const std::string& dvbUrl, const std::string& eventName);
     void Remove(const std::string& objectUrl, const std::string& dvbUrl, const std::string& eventName);
 
-    // The events of the errors go to the object that left its service.
+    // The error events are sent to the object that left its service.
     void ServiceLeft(VideoBroadcastObject& object);
 
   private:
@@ -36,7 +35,7 @@ class StreamEventListeners {
         bool Hears(const ScriptedStreamEvent& event) const;
     };
 
-    // An event of the script and the clock that it waits for.
+    // An event of the script and its timer.
     struct Waiting {
         ScriptedStreamEvent event;
         std::unique_ptr<Timer> timer;
@@ -50,7 +49,7 @@ class StreamEventListeners {
     void RemoveThatHear(const ScriptedStreamEvent& event);
     void SendError(VideoBroadcastObject& object, const Listener& listener) const;
 
-    const bool mCounted;  // no script: the one event that there is counts itself
+    const bool mCounted;  // without a script, the event is numbered
     std::function<VideoBroadcastObject*()> mViewed;
     std::vector<Listener> mListeners;
     std::vector<Waiting> mScript;

@@ -12,12 +12,12 @@ namespace hbbtv::sim {
 namespace {
 
 constexpr size_t kMostEvents = 1000;
-constexpr size_t kMostBytes = 4096;  // what fits into the section of a stream descriptor, and some
+constexpr size_t kMostBytes = 4096;  // more than fits into the section of a stream descriptor
 constexpr std::chrono::milliseconds kShortestInterval{10};
 
 const JsonNames kStatuses{{"trigger", 0}, {"error", 1}};
 
-// The bytes that hexadecimal digits stand for; the digits come in small letters.
+// Returns the bytes of hexadecimal digits in lower case.
 std::string BytesOf(const std::string& digits) {
     std::string bytes;
     for (size_t i = 0; i + 1 < digits.size(); i += 2) {
@@ -47,7 +47,7 @@ void ReadTime(const JsonObject& object, ScriptedStreamEvent& event) {
     if (event.repeats && event.time < kShortestInterval) object.Refuse("every", "is shorter than 10ms");
 }
 
-// Data and text are the same bytes in two forms, so one of them gives the other.
+// Data and text are the same bytes in two forms; each is derived from the other.
 void ReadContent(const JsonObject& object, ScriptedStreamEvent& event) {
     event.text = Utf8(object, "text");
     event.data = object.Has("data") ? Digits(object) : Hexadecimal(event.text);

@@ -1,4 +1,4 @@
-// The stream events that a service sends, as a file tells them: which, with what in them, and when.
+// A script of stream events: which are sent, with which data, and when.
 #pragma once
 
 #include <chrono>
@@ -8,20 +8,20 @@
 namespace hbbtv::sim {
 
 struct ScriptedStreamEvent {
-    std::chrono::milliseconds time{0};  // from the first listener on
-    bool repeats = false;               // again after the same time, and again
-    std::string url;                    // of the stream-event object; empty: of all that are listened to
+    std::chrono::milliseconds time{0};  // since the first listener
+    bool repeats = false;               // repeated at this interval
+    std::string url;                    // of the stream-event object; empty: of all
     std::string name;                   // empty: all names
-    std::string data;                   // in hexadecimal, small letters
+    std::string data;                   // in hexadecimal, lower case
     std::string text;                   // the same as UTF-8
-    bool error = false;                 // the event ends the listener
+    bool error = false;                 // the event removes the listener
 };
 
 using StreamEventScript = std::vector<ScriptedStreamEvent>;
 
 std::string Hexadecimal(const std::string& bytes);
 
-// `name` stands for the text in messages. Throws Fatal.
+// `name` is the file's name in messages. Throws Fatal.
 StreamEventScript ParseStreamEventScript(const std::string& text, const std::string& name);
 
 // Throws Fatal.

@@ -50,7 +50,7 @@ void TimeShift::SetSpeed(double speed) {
     WatchEnds();
 }
 
-// Faster than the broadcast it meets the live picture, backwards it meets the start of the buffer.
+// Fast play reaches the live picture, reverse play the start of the buffer.
 void TimeShift::WatchEnds() {
     mEnd.Cancel();
     double wait = 0;

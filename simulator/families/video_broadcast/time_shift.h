@@ -1,5 +1,5 @@
-// Time shift of one video/broadcast object: a buffer that begins when play first leaves the live picture and holds the
-// last half hour. All times to the outside are milliseconds.
+// Time shift of one video/broadcast object: a buffer that starts when play first leaves the live picture and holds the
+// last 30 minutes. All times in the interface are milliseconds.
 #pragma once
 
 #include <chrono>
@@ -20,25 +20,25 @@ class TimeShift {
 
     explicit TimeShift(EventLoop& loop);
 
-    Changes<> endReached;  // of the buffer, and play continues at speed 1
+    Changes<> endReached;  // of the buffer; play continues at speed 1
 
-    // The mode is a preference: it counts when the next time shift begins.
+    // The mode is a preference: it applies to the next time shift.
     TimeShiftMode mode = TimeShiftMode::Local;
 
     bool Active() const { return mActive; }
     TimeShiftMode CurrentMode() const;
 
     double Speed() const { return mSpeed; }
-    void SetSpeed(double speed);  // begins the time shift; `mode` is not Off
+    void SetSpeed(double speed);  // starts the time shift; `mode` is not Off
 
-    // False, and nothing moved, when the place is outside the buffer.
+    // Returns false and does not move if the position is outside the buffer.
     bool Seek(int offset, SeekReference reference);
 
     void Stop();
 
     unsigned Position() const;   // from the start of the buffer
     unsigned Offset() const;     // behind the live picture
-    unsigned MaxOffset() const;  // the most that Offset can become
+    unsigned MaxOffset() const;  // the largest possible Offset
 
   private:
     using Clock = std::chrono::steady_clock;
@@ -50,8 +50,8 @@ class TimeShift {
     bool mActive = false;
     TimeShiftMode mCurrent = TimeShiftMode::Off;
     double mSpeed = 1.0;
-    Clock::time_point mBegin;   // when the buffer began
-    Clock::time_point mAnchor;  // when play was at mPlace, the broadcast of that time
+    Clock::time_point mBegin;   // the start of the buffer
+    Clock::time_point mAnchor;  // the time at which play was at mPlace
     Clock::time_point mPlace;
     Timer mEnd;
 };

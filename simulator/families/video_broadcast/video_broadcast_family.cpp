@@ -1,4 +1,4 @@
-// The operations of video/broadcast objects, each a call of the object that it names.
+// The operations of video/broadcast objects, each a call of the object.
 #include "family/family_setup.h"
 
 #include <algorithm>
@@ -193,7 +193,7 @@ void VideoBroadcastFamily::AddProgrammes() {
     Row("CreateProgrammeList", &VideoBroadcastFamily::CreateProgrammeList);
 }
 
-// Operation 42 comes without a type, so its index counts the active components of all types.
+// Operation 42 does not have a type, so its index counts the active components of all types.
 void VideoBroadcastFamily::AddComponents() {
     using F = VideoBroadcastFamily;
     Get("GetAVComponentNumByType", "num",
@@ -232,9 +232,9 @@ void VideoBroadcastFamily::AddCommands() {
     AddCommand("record", "start to record what is presented", &F::Record);
 }
 
-// --- Which one is meant
+// --- Lookup
 
-// The one that used the tuner last; when it is gone, the newest.
+// Returns the object that used the tuner last or, if it is gone, the newest one.
 Object* VideoBroadcastFamily::Viewed() const {
     for (Object* object : mInOrder) {
         if (object == mTv.tuner.LatestUser()) return object;
@@ -263,7 +263,7 @@ std::shared_ptr<Object> VideoBroadcastFamily::NewObject() {
 }
 
 void VideoBroadcastFamily::Create(In in, Out out) {
-    in.Pointer("context");  // events come with the context of the registration, so this one is only looked at
+    in.Pointer("context");  // checked only: events have the context of the registration
     const auto object = NewObject();
     out["vb_handle"] = Text(mObjects, object);
     mInOrder.push_back(object.get());
@@ -283,7 +283,7 @@ Handle VideoBroadcastFamily::Supervisor() {
 void VideoBroadcastFamily::Destroy(In in, Out) {
     Object& object = *Named(in);
     if (&object == mSupervisor.get()) throw Refused("the broadcast supervisor belongs to the television");
-    object.Events().Unregister();  // an object that is gone says nothing
+    object.Events().Unregister();  // a destroyed object does not send events
     object.Release();
     mInOrder.erase(std::remove(mInOrder.begin(), mInOrder.end(), &object), mInOrder.end());
     mObjects.Remove(in.Pointer("vb_handle"));
@@ -297,7 +297,7 @@ void VideoBroadcastFamily::CreateChannel_1(In in, Out out) {
     channel.idType = in.Int("idType");
     channel.dsd = in.ShortText("dsd");
     channel.sid = in.Int("sid");
-    // The descriptor says on which transponder; here the service id alone finds the service.
+    // The descriptor names the transponder; here the service id alone finds the service.
     for (const auto& service : mTv.lineUp.services) {
         if (service->sid != channel.sid) continue;
         channel.onid = service->onid;
@@ -319,7 +319,7 @@ void VideoBroadcastFamily::CreateChannel_2(In in, Out out) {
     out["channel"] = Text(mTv.channels, mTv.MakeChannel(channel));
 }
 
-// The null handle is no channel: the object lets go.
+// The null handle releases the object.
 void VideoBroadcastFamily::SetChannel(Object& object, In in, int quiet) {
     in.Bool("trickPlay");
     in.Text("url");
@@ -422,7 +422,7 @@ std::string VideoBroadcastFamily::ParentalLock(const Words& words) {
     return "";
 }
 
-// The event's collection is the receiver's, who may add to it.
+// The receiver owns the event's collection and may add to it.
 std::string VideoBroadcastFamily::Rate(const Words& words) {
     if (words.size() != 2) throw WrongWords();
     const auto scheme = mTv.parentalControl.Find(words[0]);

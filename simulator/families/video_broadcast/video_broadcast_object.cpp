@@ -35,7 +35,7 @@ VideoBroadcastObject::~VideoBroadcastObject() {
     mTv.tuner.Forget(this);
 }
 
-// Everything that a state brings with it, then its event.
+// Applies the effects of a state, then sends its event.
 void VideoBroadcastObject::Enter(PlayState state, int error) {
     mState = state;
     if (state != PlayState::Presenting) mShift.Stop();
@@ -43,7 +43,7 @@ void VideoBroadcastObject::Enter(PlayState state, int error) {
     mEvents.PlayState(static_cast<int>(state), error);
 }
 
-// To a state without use of the tuner.
+// Changes to a state that does not use the tuner.
 void VideoBroadcastObject::Leave(PlayState state, int error) {
     mTuning.Cancel();
     mProblem = false;

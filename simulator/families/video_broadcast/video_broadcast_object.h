@@ -1,5 +1,5 @@
-// One video/broadcast object: the states and transitions of OIPF DAE volume 5, with their events in order. It knows
-// nothing of messages; the family turns requests into calls of it.
+// One video/broadcast object: the states and transitions of OIPF DAE volume 5, with their events in order. It is
+// independent of messages; the family turns requests into calls.
 #pragma once
 
 #include <memory>
@@ -33,7 +33,7 @@ class VideoBroadcastObject {
     void Stop();
     void Release();
 
-    // From outside: the signal goes or the parents' lock falls, and it passes again. False in other states.
+    // From outside: the signal is lost or the channel is locked, and the problem ends. Return false in other states.
     bool TransientProblem(ChannelError error);
     bool ProblemEnded();
     bool PermanentProblem(ChannelError error);
@@ -42,14 +42,14 @@ class VideoBroadcastObject {
     bool StopRecording();
     int RecordingState() const;
 
-    // Play speed, through time shift. Refused is thrown when the object does not present.
+    // Play speed, through time shift. Throws Refused if the object is not presenting.
     void SetSpeed(double speed);
     void Resume();
     void Seek(int offset, SeekReference reference);
     void StopTimeShift();
     double Speed() const;
 
-    // Components there are none of while nothing is presented.
+    // Empty while nothing is presented.
     ComponentSelection& Components() { return mState == PlayState::Presenting ? mComponents : mNoComponents; }
     const ComponentSelection& Components() const {
         return mState == PlayState::Presenting ? mComponents : mNoComponents;
@@ -61,7 +61,7 @@ class VideoBroadcastObject {
 
     Changes<> serviceLeft;  // the service that was tuned
 
-    // What is only kept.
+    // Values that are only stored.
     struct {
         int x = 0, y = 0, width = 0, height = 0;
     } window;
@@ -88,7 +88,7 @@ class VideoBroadcastObject {
     PlayState mState = PlayState::Unrealized;
     std::shared_ptr<Channel> mChannel;
     int mQuiet = 0;
-    bool mProblem = false;  // connecting because of a problem that may pass
+    bool mProblem = false;  // connecting because of a transient problem
     bool mRecording = false;
 };
 

@@ -17,7 +17,7 @@ constexpr int kFirstNumber = 0x8000;
 
 const char* const kCarousel = "dvb://";
 
-// A number of 31 bits in hexadecimal.
+// Parses a number of 31 bits in hexadecimal.
 std::optional<int> ReadHexadecimal(const std::string& text) {
     const bool digits =
         !text.empty() && text.size() <= 8 && text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;

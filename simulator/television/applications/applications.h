@@ -1,5 +1,5 @@
-// The applications that run, as the television's application manager keeps them: who started whom, which are shown, and
-// which keys they take. What a browser makes of them is in tabs.h.
+// The running applications of the television's application manager: their parents, visibility and keys. Their tabs in
+// the browser are in tabs.h.
 #pragma once
 
 #include <memory>
@@ -26,25 +26,25 @@ struct ApplicationId {
 // Both ids -1: no application.
 constexpr ApplicationId kNoApplication;
 
-// Organisation and application in hexadecimal with a dot between, "13.1f5", as they stand in signalled URLs.
+// Organisation and application in hexadecimal, "13.1f5", as in signalled URLs.
 std::string IdText(const ApplicationId& id);
 std::optional<ApplicationId> ReadApplicationId(const std::string& text);
 
-// Whether the URL names a file of signalling in XML, and not an application itself.
+// Returns whether the URL names an XML AIT rather than an application.
 bool IsXmlSignalling(const std::string& url);
 
 enum class ApplicationType { BroadcastRelated = 0, BroadcastIndependent = 1, Operator = 2 };
 
 struct Application {
     ApplicationId id;
-    ApplicationId parent = kNoApplication;  // that made it as its child
+    ApplicationId parent = kNoApplication;  // the application that created it as its child
     std::string name;
-    std::string url;       // where it is, as announced or asked for
-    std::string document;  // what a tab has to load; empty until that is known
+    std::string url;       // as announced or requested
+    std::string document;  // the page that a tab has to load; empty until known
     std::vector<std::string> boundaries;
-    std::shared_ptr<const Service> service;  // that it is bound to; null: broadcast-independent
+    std::shared_ptr<const Service> service;  // the service that it is bound to; null: broadcast-independent
     bool operatorApplication = false;
-    bool admitted = false;  // the parents have nothing against it
+    bool admitted = false;  // allowed by parental control
     bool running = true;
     bool shown = false;
     int minimumAge = 0;
@@ -53,7 +53,7 @@ struct Application {
 
     ApplicationType Type() const;
 
-    // Asks for keys; what the remote control does not have is left out.
+    // Requests keys; those that the remote control lacks are ignored.
     void AskForKeys(int sets, const std::vector<int>& others);
     bool Takes(const RemoteKey& key) const;
 };
@@ -64,41 +64,42 @@ class Applications {
   public:
     using Event = Changes<const ApplicationPointer&>;
 
-    Event ready;  // admitted, or what it has to load became known
+    Event ready;  // admitted, or its page became known
     Event shown;  // or hidden
-    Event bound;  // to a service, or not any more
+    Event bound;  // to a service, or no longer
     Event loaded;
     Event ended;
 
-    // The one that was started or shown last stands last: it lies on top.
+    // The one started or shown last is the last: it is on top.
     const std::vector<ApplicationPointer>& Running() const { return mRunning; }
 
-    // Null when none of this name runs. An application number alone finds the topmost one of that number.
+    // Returns null if none with these ids is running. An application number alone finds the topmost one with that
+    // number.
     ApplicationPointer Find(const ApplicationId& id) const;
     ApplicationPointer FindNumber(int application) const;
 
-    // The topmost one that is shown; when none is, the topmost one. Null when none runs.
+    // Returns the topmost one that is shown, otherwise the topmost one. Null if none is running.
     ApplicationPointer Current() const;
 
     std::vector<ApplicationPointer> ChildrenOf(const ApplicationId& id) const;
     bool AnyShown() const;
 
-    // An application number that no other application of the organisation has.
+    // Returns an application number that is unused in the organisation.
     int NewNumber(int organisation);
 
-    // Throws Refused when it runs already, or too many do.
+    // Throws Refused if it is already running, or too many are.
     ApplicationPointer Start(Application application);
     void Admit(const ApplicationPointer& application);
     void FoundDocument(const ApplicationPointer& application, const std::string& url);
 
-    // A file of the broadcast is there. False when no application waits for it.
+    // A file of the broadcast has arrived. Returns false if no application waits for it.
     bool FileArrived(const std::string& url, const std::string& path);
 
     void SetShown(const ApplicationPointer& application, bool show);
     void Bind(const ApplicationPointer& application, std::shared_ptr<const Service> service);
     void SayLoaded(const ApplicationPointer& application);
 
-    // With its children.
+    // Ends it and its children.
     void End(const ApplicationPointer& application);
 
     // Ends those that are bound to another service.
@@ -108,7 +109,7 @@ class Applications {
     void ToTop(const ApplicationPointer& application);
 
     std::vector<ApplicationPointer> mRunning;
-    int mNextNumber = 0x8000;  // above those that broadcasters sign or leave unsigned
+    int mNextNumber = 0x8000;  // above the ranges of unsigned and signed applications
 };
 
 }  // namespace hbbtv::sim

@@ -1,4 +1,4 @@
-// The browser's tabs as the browser reports them, and which application each was made for.
+// The browser's tabs as reported by the browser, and the application that each was created for.
 #pragma once
 
 #include <map>
@@ -10,22 +10,22 @@
 
 namespace hbbtv::sim {
 
-// Crashed and Closing: the browser was told to destroy it and has not said yet that it did.
+// Crashed and Closing: the browser was asked to destroy the tab and has not confirmed it yet.
 enum class TabState { Empty, Loading, Loaded, Failed, Crashed, Closing };
 
 struct Tab {
     int id = 0;
-    std::weak_ptr<Application> application;  // empty for a tab that the browser made on its own
-    std::string madeFor;                     // its name and ids, also when it has ended
+    std::weak_ptr<Application> application;  // empty for a tab that the browser created on its own
+    std::string madeFor;                     // its name and ids, also after it has ended
     TabState state = TabState::Empty;
     bool shown = false;
     bool focused = false;
     bool documentLoaded = false;  // of a frame
-    bool saidLoaded = false;      // its application was announced as loaded
+    bool saidLoaded = false;      // its application was reported as loaded
     double progress = 0;
     std::string url;
     std::string title;
-    std::string address;  // as the address bar shows it
+    std::string address;  // as shown in the address bar
     std::string failure;  // of the last load: "-105 name not resolved"
     int memoryLevel = 0;
     std::optional<int> renderProcess;
@@ -35,10 +35,10 @@ struct Tab {
 
 class Tabs {
   public:
-    // The tab of this number, new when there was none or one that was closing. Throws Refused.
+    // Returns the tab with this number, a new one if there was none or one that was closing. Throws Refused.
     Tab& Add(int id);
 
-    // Null when there is none.
+    // Returns null if there is none.
     Tab* Find(int id);
     Tab* Of(const ApplicationPointer& application);
 
@@ -52,8 +52,8 @@ class Tabs {
 
     const std::map<int, Tab>& All() const { return mTabs; }
 
-    // What the browser says of itself and not of a tab.
-    int browserStatus = 0;  // its answer to the last ping
+    // The browser's own state.
+    int browserStatus = 0;  // its reply to the last ping
     int memoryStatus = 0;
     bool loading = false;
     bool canGoBack = false;

@@ -1,4 +1,4 @@
-// A channel as clients know it: a service of the line-up, or what a client made from numbers.
+// A channel as clients see it: a service of the line-up, or one that a client created from numbers.
 #pragma once
 
 #include <memory>
@@ -10,7 +10,7 @@
 
 namespace hbbtv::sim {
 
-// In the latter case `service` is null: the numbers name nothing that is on air.
+// In the latter case `service` is null: the numbers do not name a service on air.
 struct Channel {
     int idType = 0;
     int onid = 0;
@@ -22,7 +22,7 @@ struct Channel {
     std::shared_ptr<const Service> service;
     std::string ccid;
 
-    // What clients may change. It begins as the line-up has it and stays changed for as long as the simulator runs.
+    // Values that clients may change. They start as in the line-up; changes last as long as the simulator runs.
     std::string name;
     std::optional<std::string> longName;  // the name without one
     std::string description;
@@ -38,7 +38,7 @@ struct Channel {
     // By the parents.
     bool Blocked() const { return service && service->access == Access::Locked; }
 
-    // Whether somebody who has the right and the PIN sees a picture.
+    // Whether the channel can be seen, given authorization and PIN.
     bool CanBePresented() const { return service && service->received && service->access != Access::Scrambled; }
 };
 

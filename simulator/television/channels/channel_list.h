@@ -1,4 +1,4 @@
-// Channels in an order, and the ways to find one of them. The first search builds an index, a change drops it.
+// An ordered list of channels, and ways to find one of them. The first search builds an index, a change drops it.
 #pragma once
 
 #include <map>
@@ -22,16 +22,16 @@ class ChannelList {
     void Insert(size_t index, std::shared_ptr<Channel> channel);
     void Remove(size_t index);
 
-    // The first that fits, null without one. An id is a ccid or an IP broadcast id.
+    // Returns the first match, or null. An id is a ccid or an IP broadcast id.
     std::shared_ptr<Channel> WithId(const std::string& id) const;
 
-    // A negative onid, tsid or nid fits every channel.
+    // A negative onid, tsid or nid matches every channel.
     std::shared_ptr<Channel> WithTriplet(int onid, int tsid, int sid, int nid) const;
 
-    // 0 is no source id, so nothing has it.
+    // 0 is not a source id, so it does not match.
     std::shared_ptr<Channel> WithSourceId(int sourceId) const;
 
-    // Where the channel stands first.
+    // Returns the channel's first position.
     std::optional<size_t> Position(const Channel& channel) const;
 
   private:

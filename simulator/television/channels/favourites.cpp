@@ -71,7 +71,7 @@ void Favourites::Add(std::string id, std::string name, ChannelVector channels) {
     });
 }
 
-// All or nothing: it throws before anything has changed.
+// Throws before anything is changed.
 void Favourites::Take(const Json::Value& document) {
     std::vector<KeptFavourites> lists;
     std::set<std::string> ids{""};

@@ -1,5 +1,5 @@
-// The viewer's favourite lists, as they are now and as they are kept. What clients change counts at once and for
-// everybody; it lasts beyond the end of the simulator from the commit on.
+// The viewer's favourite lists, current and saved. Changes by clients take effect at once for all clients; a commit
+// saves them beyond the end of the simulator.
 #pragma once
 
 #include <functional>
@@ -24,7 +24,7 @@ class FavouriteList {
 
     void SetName(const std::string& name);
 
-    // The place of a channel is at most the length of the list, that of one to remove is below it.
+    // The position of a new channel is at most the length of the list, that of one to remove is less.
     void Insert(size_t place, const std::shared_ptr<Channel>& channel);
     void Remove(size_t place);
 
@@ -36,7 +36,7 @@ class FavouriteList {
     ChannelList mChannels;
 };
 
-// A list as it is written down: channels by ccid, also those that are not received any more.
+// A list as saved: channels by ccid, including those that are no longer received.
 struct KeptFavourites {
     std::string id;
     std::string name;
@@ -48,29 +48,28 @@ class Favourites {
     using List = std::shared_ptr<FavouriteList>;
     using ChannelOfCcid = std::function<std::shared_ptr<Channel>(const std::string&)>;
 
-    // The lists that are kept in the store, or, when it has none, those that the line-up brings along, of which the
-    // first is in use.
+    // Loads the lists from the store or, if it has none, from the line-up, whose first list is then in use.
     Favourites(const StateStore& store, std::vector<KeptFavourites> brought, const ChannelOfCcid& channelOf);
 
     const std::vector<List>& Lists() const { return mLists; }
     const List& InUse() const { return mInUse; }  // null when none is
     List Find(const std::string& id) const;       // null without one
 
-    // The lists that hold the channel, in their order.
+    // Returns the lists that contain the channel, in order.
     std::vector<List> Holding(const Channel& channel) const;
 
-    // Throws Refused when there are too many.
+    // Throws Refused if there are too many.
     List Create(const std::string& name);
 
-    // The list that is in use when it is removed is not in use any more.
+    // Removing the list in use leaves none in use.
     void Remove(size_t index);
     void Use(const List& list);
 
-    // Keeps the name and the channels of the list, and the list itself when it is new. Throws Refused when the list is
-    // not in the collection any more or cannot be kept; then nothing has changed.
+    // Saves the name and the channels of the list, and the list itself if it is new. Throws Refused if the list is no
+    // longer in the collection or cannot be saved; then nothing has changed.
     void Commit(const FavouriteList& list);
 
-    // Keeps which lists there are, new ones as they are now, and which of them is in use. Throws Refused.
+    // Saves which lists exist, with the contents of new ones, and which is in use. Throws Refused.
     void Commit();
 
     Changes<> changed;  // another list is in use, or the one in use has changed

@@ -1,5 +1,5 @@
-// The channels of the line-up's services: each service has one, which all families share, and each has a ccid that
-// stays the same from run to run.
+// The channels of the line-up's services: one per service, shared by all families, with a ccid that is the same in
+// every run.
 #pragma once
 
 #include <map>
@@ -23,10 +23,10 @@ class ServiceChannels {
 
     std::shared_ptr<Channel> Of(const std::shared_ptr<const Service>& service) const;
 
-    // Null when no service has this ccid.
+    // Returns null if no service has this ccid.
     std::shared_ptr<Channel> WithCcid(const std::string& ccid) const;
 
-    // Null when no IP service has this address.
+    // Returns null if no IP service has this address.
     std::shared_ptr<Channel> WithUri(const std::string& uri) const;
 
     // The channels of the listed services, in the order of the line-up.

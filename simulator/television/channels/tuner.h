@@ -8,8 +8,8 @@
 
 namespace hbbtv::sim {
 
-// One tuner for the viewer and all applications. Whoever connects or presents uses it; it stays on its channel when
-// the user lets go, so there is always a channel on.
+// One tuner for the viewer and all applications. Objects that connect or present use it; it stays on its channel when
+// released, so a channel is always on.
 class Tuner {
   public:
     const std::shared_ptr<Channel>& On() const { return mOn; }
@@ -23,13 +23,13 @@ class Tuner {
     void Leave(const void* user);
     void Forget(const void* user);
 
-    // By something that is no application: nobody can tune then.
+    // Taken by something other than an application: tuning is impossible.
     void TakeAway(bool taken) { mTaken = taken; }
     bool TakenAway() const { return mTaken; }
 
     Changes<> changed;  // another channel is on
 
-    bool recorded = false;  // what is on is being recorded: no change of channel
+    bool recorded = false;  // the channel is being recorded and cannot be changed
 
   private:
     std::shared_ptr<Channel> mOn;

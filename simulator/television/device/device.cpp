@@ -37,7 +37,7 @@ Device::Device(const StateStore& store, std::optional<uint32_t> seed) : mStore(s
     mStore.Load(kDocument, [this](const Json::Value& document) { Take(document); });
 }
 
-// All or nothing. What the document does not say stays as it is, so one that was written by hand may be short.
+// Throws before anything is changed. Missing members keep their values, so a hand-written document may be short.
 void Device::Take(const Json::Value& document) {
     if (!document.isObject()) throw Refused("not an object");
     DeviceDescription description;

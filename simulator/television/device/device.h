@@ -1,4 +1,4 @@
-// What this television is: its names and numbers, which last, and what is plugged into it.
+// The device: its names and numbers, which are saved, and the hardware plugged into it.
 #pragma once
 
 #include <cstdint>
@@ -16,27 +16,27 @@ struct DeviceDescription {
     std::string familyName = "Simulated";
     std::string softwareVersion = "1.0";
     std::string hardwareVersion = "1.0";
-    std::string serialNumber;  // drawn when somebody asks for it
-    std::string deviceId;      // as the serial number
-    bool pvr = true;           // there is a disk to record on
+    std::string serialNumber;  // generated on first use
+    std::string deviceId;      // likewise
+    bool pvr = true;           // a disk for recordings is present
     bool ciPlus = false;       // a CI Plus module is in its slot
 };
 
 class Device {
   public:
-    // The same numbers are drawn for the same seed.
+    // The same seed gives the same numbers.
     Device(const StateStore& store, std::optional<uint32_t> seed);
 
     const DeviceDescription& Description() const { return mDescription; }
 
-    // Throw Refused when they cannot be kept.
+    // Throw Refused if they cannot be saved.
     std::string SerialNumber();
     std::string Id();
 
-    // Throws Refused when it cannot be kept; then nothing has changed.
+    // Throws Refused if it cannot be saved; then nothing has changed.
     void Change(const std::function<void(DeviceDescription&)>& change);
 
-    // For applications, in bytes; nothing when it is not known. It is not remembered.
+    // For applications, in bytes; nothing if unknown. Not saved.
     std::optional<int> freeMemory = 64 << 20;
 
   private:

@@ -15,7 +15,7 @@ constexpr size_t kMostSchemes = 100;
 constexpr size_t kMostValues = 256;
 constexpr size_t kLongestName = 256;
 
-// The rating byte of DVB goes from 1 to 15 and is the age minus 3 (EN 300 468).
+// The rating byte of DVB is the age minus 3, from 1 to 15 (EN 300 468).
 std::vector<std::string> DvbAges() {
     std::vector<std::string> ages;
     for (int age = 4; age <= 18; ++age) ages.push_back(std::to_string(age));
@@ -33,7 +33,7 @@ std::vector<RatingScheme> OwnSchemes() {
     return schemes;
 }
 
-// It stands in lists with blanks between the names, and in an XML document.
+// Names are used in space-separated lists and in an XML document.
 void CheckName(const std::string& name) {
     const auto bad = [](unsigned char c) { return c <= 0x20 || c >= 0x7f; };
     if (name.empty() || name.size() > kLongestName || std::any_of(name.begin(), name.end(), bad)) {
@@ -106,7 +106,7 @@ void ParentalControl::FollowRatingAge() {
     ages->threshold = ages->RatingOf(mPreferences.Get(Preference::RatingAge).asString());
 }
 
-// All or nothing: it throws before anything has changed.
+// Throws before anything is changed.
 void ParentalControl::Take(const Json::Value& document) {
     SchemeVector schemes = mSchemes;
     for (const Json::Value& added : ListIn(document, "schemes")) {

@@ -1,5 +1,5 @@
-// How programmes are rated for minors, and from which rating on the parents block them: rating schemes with their
-// thresholds. What is set or added lasts. The threshold of dvb-si is an age, and is the rating age of the preferences.
+// Parental control: rating schemes, and the thresholds from which programmes are blocked. Changes are saved. The
+// threshold of dvb-si is an age: the rating age of the preferences.
 #pragma once
 
 #include <memory>
@@ -15,15 +15,15 @@ namespace hbbtv::sim {
 
 struct RatingScheme {
     std::string name;
-    std::vector<std::string> values;    // from the mildest on
+    std::vector<std::string> values;    // from the mildest to the strictest
     std::string region;                 // of its ratings
-    std::string icons;                  // where those of the values are; empty: there are none
+    std::string icons;                  // URL of the values' icons; empty: none
     std::shared_ptr<Rating> threshold;  // null: nothing is blocked
 
-    // Null when the scheme has no such value.
+    // Returns null if the scheme has no such value.
     std::shared_ptr<Rating> RatingOf(const std::string& value) const;
 
-    // Empty without one.
+    // Empty if there is none.
     std::string IconOf(size_t index) const;
 };
 
@@ -31,20 +31,20 @@ class ParentalControl {
   public:
     using Scheme = std::shared_ptr<RatingScheme>;
 
-    // The preferences live longer, and are watched.
+    // The preferences must outlive the object, which watches them.
     ParentalControl(const StateStore& store, Preferences& preferences);
     ParentalControl(const ParentalControl&) = delete;
     ParentalControl& operator=(const ParentalControl&) = delete;
 
-    // Those of the television, and behind them those that were added.
+    // The built-in schemes, then the added ones.
     const std::vector<Scheme>& Schemes() const { return mSchemes; }
     Scheme Find(const std::string& name) const;  // null without one
 
-    // The values with commas between them. A scheme that is there with the same values is the one. Throws Refused;
-    // then nothing has changed.
+    // `values` is comma-separated. Returns an existing scheme with the same values. Throws Refused; then nothing has
+    // changed.
     Scheme Add(const std::string& name, const std::string& values);
 
-    // From this value on; empty: none is blocked. Throws Refused; then nothing has changed.
+    // Blocks from this value on; empty: nothing. Throws Refused; then nothing has changed.
     void SetThreshold(const std::string& scheme, const std::string& value);
 
     bool Blocks(const Rating& rating) const;

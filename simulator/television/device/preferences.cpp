@@ -12,16 +12,16 @@ namespace hbbtv::sim {
 namespace {
 
 const char* const kDocument = "preferences";
-constexpr size_t kMostListed = 100;  // the reply that lists numbers has members of two digits
+constexpr size_t kMostListed = 100;  // the reply's numbered members have two digits
 constexpr size_t kLongestText = 1024;
 constexpr Json::Int64 kEndOfTime = 253402300799;  // the last second of the year 9999
 
 struct Rule {
     Preference preference;
-    const char* name;  // in commands and in what is kept
+    const char* name;  // in commands and in the saved state
     Json::Value initial;
     const char* expected;
-    std::function<bool(const Json::Value&)> fits;  // gets values of the type of the initial one
+    std::function<bool(const Json::Value&)> fits;  // called with values of the initial value's type
 };
 
 bool AllOf(const std::string& text, char first, char last) {
@@ -38,7 +38,7 @@ std::vector<std::string> Parts(const std::string& text) {
     }
 }
 
-// Comma-separated ISO 639-2, the best first (OIPF DAE volume 5).
+// Comma-separated ISO 639-2, most preferred first (OIPF DAE volume 5).
 bool IsLanguageList(const std::string& text, bool anyAllowed) {
     if (text.size() > kLongestText) return false;
     for (const std::string& part : Parts(text)) {
@@ -72,7 +72,7 @@ std::function<bool(const Json::Value&)> From(Json::Int64 first, Json::Int64 last
     return [first, last](const Json::Value& value) { return value.asInt64() >= first && value.asInt64() <= last; };
 }
 
-// The ages that a rating of DVB can say, or none.
+// The ages that a DVB rating can express, or none.
 bool IsRatingAge(const Json::Value& value) {
     return value.asInt64() == 0 || From(4, 18)(value);
 }
@@ -146,7 +146,7 @@ const Rule& RuleNamed(const std::string& name) {
     throw Refused(std::string(rule.name) + " is " + rule.expected);
 }
 
-// One number is one type, whatever it was made from, so that equal values are equal.
+// Normalizes the type of a number, so that equal values compare equal.
 Json::Value Integer(const Rule& rule, const Json::Value& value) {
     if (!value.isInt64()) Refuse(rule);
     return Json::Value(value.asInt64());
@@ -203,7 +203,7 @@ Preferences::Preferences(const StateStore& store, const std::vector<int>& networ
     mStore.Load(kDocument, [this](const Json::Value& document) { Take(document); });
 }
 
-// All or nothing: it throws before anything has changed.
+// Throws before anything is changed.
 void Preferences::Take(const Json::Value& document) {
     if (!document.isObject()) throw Refused("not an object");
     std::map<Preference, Json::Value> values = mValues;

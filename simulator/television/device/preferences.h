@@ -1,5 +1,5 @@
-// What the viewer has set for all applications: languages, accessibility, recording, privacy. There is one set of
-// preferences; each is kept as soon as it is set and is back when the television is switched on again.
+// The viewer's settings for all applications: languages, accessibility, recording, privacy. There is one set of
+// preferences; each change is saved at once and loaded at the next start.
 #pragma once
 
 #include <json/value.h>
@@ -46,29 +46,29 @@ enum class Preference {
 
 class Preferences {
   public:
-    // `networkIds` are those of the terrestrial networks of the line-up, which count until the viewer sets others.
+    // `networkIds` are those of the line-up's terrestrial networks, the default.
     Preferences(const StateStore& store, const std::vector<int>& networkIds);
 
-    // A text, an integer, true or false, or a list of integers: what a preference is does not change.
+    // Returns a string, an integer, a boolean, or a list of integers: the type of a preference is fixed.
     const Json::Value& Get(Preference preference) const { return mValues.at(preference); }
 
-    // Throws Refused when the preference cannot have this value or cannot be kept; then nothing has changed.
+    // Throws Refused if the value is invalid or cannot be saved; then nothing has changed.
     void Set(Preference preference, Json::Value value);
 
-    // The same as people write it: "deu,eng", "7", "on". Refuses names that no preference has.
+    // The same in the form that people write: "deu,eng", "7", "on". Throws Refused for an unknown name.
     void SetFromText(const std::string& name, const std::string& text);
     std::string AsText(const std::string& name) const;
 
     static std::vector<std::string> Names();
 
-    Changes<Preference> changed;  // this one has another value than before
+    Changes<Preference> changed;  // the preference whose value has changed
 
   private:
     void Take(const Json::Value& document);
 
     const StateStore& mStore;
     std::map<Preference, Json::Value> mValues;
-    Json::Value mKept{Json::objectValue};  // by name, what was ever set
+    Json::Value mKept{Json::objectValue};  // by name, all that have been set
 };
 
 }  // namespace hbbtv::sim

@@ -13,13 +13,13 @@ inline constexpr const char* kSchemeDvbSi = "dvb-si";
 inline constexpr const char* kSchemeFsk = "urn:oipf:GermanyFSKCS";
 inline constexpr const char* kSchemeMpaa = "urn:mpeg:mpeg7:cs:MPAAParentalRatingCS:2001";
 
-// OIPF DAE volume 5: of the scheme dvb-si the value is the minimum age, of the others the position in the scheme.
+// OIPF DAE volume 5: for the scheme dvb-si the value is the minimum age, for others the position in the scheme.
 struct Rating {
     std::string scheme;
     std::string name;
     int value = 0;
     uint32_t labels = 0;  // bits, see the protocol
-    std::string region;   // ISO 3166, two letters; empty when it holds everywhere
+    std::string region;   // ISO 3166, two letters; empty: everywhere
 };
 
 using RatingCollection = std::vector<std::shared_ptr<Rating>>;

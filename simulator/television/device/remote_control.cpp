@@ -9,7 +9,7 @@ const std::map<std::string, int>& KeySetNames() {
     return names;
 }
 
-// The numbers are those that most televisions use; the standards leave them to the terminal.
+// The codes that most televisions use; the standards leave them to the terminal.
 const std::vector<RemoteKey>& RemoteKeys() {
     static const std::vector<RemoteKey> keys{{"RED", 403, 0x1, "Red"},
                                              {"GREEN", 404, 0x2, "Green"},

@@ -7,28 +7,28 @@
 
 namespace hbbtv::sim {
 
-// The colours and navigation: what an application gets that asks for nothing else.
+// Colours and navigation: the default of an application.
 constexpr int kUsualKeySets = 0x1f;
 
-constexpr int kOtherKeys = 0x400;  // the set of the keys that are named one by one
+constexpr int kOtherKeys = 0x400;  // the set of keys that are requested one by one
 
 struct RemoteKey {
     std::string name;
     int code;
-    int set;  // the one that it belongs to
+    int set;  // the set that it belongs to
     std::string label;
 };
 
 const std::vector<RemoteKey>& RemoteKeys();
 
-// Null when the remote control has no such key.
+// Returns null if the remote control does not have the key.
 const RemoteKey* FindKey(const std::string& name);
 const RemoteKey* FindKey(int code);
 
-// All sets by name, those too of which this remote control has no key.
+// All sets by name, including those that this remote control lacks.
 const std::map<std::string, int>& KeySetNames();
 
-// What an application can get at most: the sets, and the keys of the set kOtherKeys.
+// The most that an application can get: the sets, and the keys of the set kOtherKeys.
 int AllKeySets();
 const std::vector<int>& AllOtherKeys();
 

@@ -70,7 +70,7 @@ StateStore::StateStore(const std::string& directory) : mDirectory(directory) {
     if (faccessat(mOpen->Get(), ".", R_OK | W_OK | X_OK, AT_EACCESS) != 0) fail(std::strerror(errno));
 }
 
-// False when there is no such file. A text that is too long comes back longer than kLargestDocument.
+// Returns false if there is no such file. A document that is too large is returned with a size above kLargestDocument.
 bool StateStore::Read(const std::string& file, std::string& text) const {
     const Descriptor in(openat(mOpen->Get(), file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (in.Get() < 0 && errno == ENOENT) return false;
@@ -101,7 +101,7 @@ void StateStore::Load(const std::string& name, const std::function<void(const Js
     }
 }
 
-// A link is refused where a name is taken, so no earlier file is lost.
+// link() fails for an existing name, so no earlier file is lost.
 void StateStore::SetAside(const std::string& file, const std::string& reason) const {
     const int directory = mOpen->Get();
     for (int number = 1;; ++number) {
@@ -119,7 +119,7 @@ void StateStore::SetAside(const std::string& file, const std::string& reason) co
 void StateStore::Save(const std::string& name, const Json::Value& document) const {
     if (!mOpen) return;
     const std::string file = FileOf(name);
-    const std::string fresh = file + ".new";  // what an earlier run may have left there was never finished
+    const std::string fresh = file + ".new";  // a file left by an earlier run is incomplete
     const std::string text = document.toStyledString();
     if (text.size() > kLargestDocument) throw Refused(About(file, "would be larger than 64 MiB"));
     const int directory = mOpen->Get();
@@ -130,7 +130,7 @@ void StateStore::Save(const std::string& name, const Json::Value& document) cons
         good = out.Get() >= 0 && WriteAll(out.Get(), text) && fsync(out.Get()) == 0;
     }
     if (good && renameat(directory, fresh.c_str(), directory, file.c_str()) == 0) {
-        fsync(directory);  // the new document stands under its name either way; this makes the name last
+        fsync(directory);  // the new document has its name either way; this makes the name durable
         return;
     }
     const std::string reason = std::strerror(errno);

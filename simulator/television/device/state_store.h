@@ -1,5 +1,5 @@
-// What the television remembers when it is switched off: one JSON document per name, in a directory of its own. A
-// document is replaced as a whole or not at all, and one that makes no sense is set aside, never written over.
+// The television's saved state: one JSON document per name, in its own directory. Documents are replaced atomically; an
+// invalid one is renamed, never overwritten.
 #pragma once
 
 #include <json/value.h>
@@ -12,22 +12,22 @@
 
 namespace hbbtv::sim {
 
-// Members of a document that is loaded; Refused is thrown when there is none of the type.
+// Members of a loaded document; throw Refused if there is none of the type.
 std::string TextIn(const Json::Value& object, const char* member);
 const Json::Value& ListIn(const Json::Value& object, const char* member);
 
 class StateStore {
   public:
-    // The directory is made when it is missing, and is this store's alone for as long as the store lives. Empty: there
-    // is none, nothing is read and what is saved is forgotten. Throws Fatal.
+    // Creates the directory if it is missing, and locks it as long as the store exists. If empty, nothing is read and
+    // saved documents are discarded. Throws Fatal.
     explicit StateStore(const std::string& directory);
 
-    // Calls `take` with the document of that name, if there is one. `take` throws any exception to say that it makes no
-    // sense. Such a document, and one that is no JSON, is reported and set aside under another name; what follows is as
-    // if it had never been there. Throws Fatal when the document can be neither read nor set aside.
+    // Calls `take` with the document of that name, if there is one. `take` throws any exception if the document is
+    // invalid. Such a document, and one that is not valid JSON, is reported and renamed, and counts as missing. Throws
+    // Fatal if the document can be neither read nor renamed.
     void Load(const std::string& name, const std::function<void(const Json::Value&)>& take) const;
 
-    // On disk when it returns. Throws Refused; the earlier document is then still there.
+    // The document is on disk when this returns. Throws Refused; the earlier document is then unchanged.
     void Save(const std::string& name, const Json::Value& document) const;
 
   private:
@@ -38,7 +38,7 @@ class StateStore {
     [[noreturn]] void Fail(const std::string& file, const std::string& what) const;
 
     std::string mDirectory;
-    std::unique_ptr<Descriptor> mOpen;  // the directory, locked; null without one
+    std::unique_ptr<Descriptor> mOpen;  // the directory, locked; null if there is none
 };
 
 }  // namespace hbbtv::sim

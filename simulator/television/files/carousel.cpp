@@ -49,8 +49,8 @@ CarouselFile ReadFile(const JsonObject& object, CarouselFile file) {
     throw Refused(std::strerror(error));
 }
 
-// One name below an open directory. O_NOFOLLOW: what the directory links to is not in the carousel. O_NONBLOCK: a pipe
-// keeps nobody waiting.
+// Opens one name below an open directory. O_NOFOLLOW: targets of links are not in the carousel. O_NONBLOCK: a pipe does
+// not block.
 std::unique_ptr<Descriptor> OpenBelow(const Descriptor& directory, const std::string& name, int flags) {
     auto opened = std::make_unique<Descriptor>(
         openat(directory.Get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | flags));

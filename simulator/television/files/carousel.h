@@ -1,5 +1,5 @@
-// The object carousel that services broadcast: the files of a directory, and what the file carousel.json in it says
-// about them. It is documented in docs/simulator.md.
+// The object carousel that services broadcast: the files of a directory, with the settings of the file carousel.json in
+// it. See docs/simulator.md.
 #pragma once
 
 #include <chrono>
@@ -14,36 +14,36 @@
 namespace hbbtv::sim {
 
 struct CarouselFile {
-    std::chrono::milliseconds delay{0};                        // until a file that was asked for is there
-    std::optional<std::chrono::milliseconds> newVersionEvery;  // without: when the viewer says so
+    std::chrono::milliseconds delay{0};                        // from the request to the file
+    std::optional<std::chrono::milliseconds> newVersionEvery;  // default: only when the viewer changes it
     int version = 0;                                           // 0 to 255
-    size_t largest = 16u << 20;                                // what is larger cannot be received
+    size_t largest = 16u << 20;                                // larger files cannot be received
 };
 
 class Carousel {
   public:
-    // Throws Fatal when the directory or the file in it makes no sense.
+    // Throws Fatal if the directory or carousel.json is invalid.
     explicit Carousel(std::string directory);
 
-    // Whether the service carries it.
+    // Returns whether the service carries it.
     bool IsIn(const Service& service) const;
 
     int ComponentTag() const { return mComponentTag; }
 
-    // The file that an application begins with; nothing for an application that is not signalled.
+    // Returns the start file of an application; nothing for an application that is not signalled.
     std::optional<CarouselPath> StartOf(const ApplicationId& application) const;
 
-    // What is said about a file, also one that is not there.
+    // Returns the settings of a file, which may be missing.
     CarouselFile About(const CarouselPath& path) const;
 
-    // Those about which something is said.
+    // Returns the files that have settings.
     const std::map<CarouselPath, CarouselFile>& Described() const { return mFiles; }
 
-    // From now on the file is sent as another version, which is returned: 0 follows 255.
+    // Moves the file to the next version, and returns it: 255 is followed by 0.
     int NextVersion(const CarouselPath& path);
 
-    // What the file holds now. Throws Refused with the reason when it cannot be received; links lead
-    // nowhere.
+    // Returns the contents of the file. Throws Refused with the reason if it cannot be received; links are not
+    // followed.
     std::string Read(const CarouselPath& path) const;
 
   private:
@@ -56,10 +56,10 @@ class Carousel {
     struct Triplet {
         int onid, tsid, sid;
     };
-    std::optional<Triplet> mService;  // without: every service
+    std::optional<Triplet> mService;  // default: every service
     CarouselFile mUsual;
     std::map<CarouselPath, CarouselFile> mFiles;
-    std::map<std::string, CarouselPath> mApplications;  // by the text of their ids
+    std::map<std::string, CarouselPath> mApplications;  // by their ids as a string
 };
 
 }  // namespace hbbtv::sim

@@ -15,7 +15,7 @@ constexpr size_t kLongestName = 255;
 constexpr uint32_t kLargestId = 0xffff;
 constexpr uint32_t kLargestTag = 0xff;
 
-// A name as it is, from how it is written in a URL.
+// Decodes a percent-encoded name.
 std::string Decoded(std::string_view written) {
     std::string name;
     for (size_t i = 0; i < written.size(); ++i) {

@@ -11,11 +11,11 @@
 
 namespace hbbtv::sim {
 
-// Names from the root of the carousel downwards, none of which leads out of it: no ".", "..", empty name, slash or NUL.
+// Names from the root of the carousel, none of which leads out of it: no ".", "..", empty name, slash or NUL.
 using CarouselPath = std::vector<std::string>;
 
 struct CarouselUrl {
-    std::optional<ApplicationId> application;  // then there is nothing else
+    std::optional<ApplicationId> application;  // the other members are then unused
     int onid = 0;
     int tsid = 0;
     int sid = 0;
@@ -23,11 +23,11 @@ struct CarouselUrl {
     CarouselPath path;
 };
 
-// Query and fragment are the application's own and left out. Throws Refused, also for a path that climbs, in whatever
-// way it is written.
+// Query and fragment belong to the application and are left out. Throws Refused, also for a path with "..", however it
+// is encoded.
 CarouselUrl ReadCarouselUrl(const std::string& url);
 
-// The path behind the first slash of such a URL, or of a file in the carousel's directory. Throws Refused.
+// Parses the path after the first slash of such a URL, or of a file in the carousel's directory. Throws Refused.
 CarouselPath ReadCarouselPath(const std::string& text);
 
 std::string PathText(const CarouselPath& path);

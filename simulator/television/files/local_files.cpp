@@ -52,8 +52,8 @@ LocalFiles::~LocalFiles() {
     if (mMade) std::filesystem::remove_all(mDirectory, ignored);
 }
 
-// The sockets beside it are served by this process, so what is there is nobody's any more. A directory of another user
-// or a link is left alone.
+// This process serves the sockets next to it, so existing files are stale. A directory of another user or a link is not
+// touched.
 void LocalFiles::MakeDirectory() {
     if (mMade) return;
     struct stat status {};

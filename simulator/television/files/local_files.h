@@ -1,5 +1,5 @@
-// Where the television puts files that it has received for applications: a directory of its own beside its sockets. A
-// file is there for as long as somebody holds it, the directory until the end.
+// Files received for applications, in a directory next to the sockets. A file exists as long as it is referenced, the
+// directory until the end.
 #pragma once
 
 #include <memory>
@@ -9,7 +9,7 @@ namespace hbbtv::sim {
 
 class LocalFiles {
   public:
-    // What is in it is removed when it goes.
+    // The destructor removes the file.
     struct File {
         File(std::string theDirectory, std::string thePath, size_t theSize, std::shared_ptr<size_t> theRoom);
         ~File();
@@ -24,20 +24,20 @@ class LocalFiles {
         std::shared_ptr<size_t> mRoom;
     };
 
-    // The directory is made with the first file. What an earlier simulator left in it is removed then.
+    // The directory is created with the first file; files of an earlier simulator are then removed.
     explicit LocalFiles(const std::string& directory);
     ~LocalFiles();
     LocalFiles(const LocalFiles&) = delete;
     LocalFiles& operator=(const LocalFiles&) = delete;
 
-    // Under a name of its own that ends in `name`. Throws Refused.
+    // Creates a file with a unique name that ends in `name`. Throws Refused.
     std::shared_ptr<const File> Put(const std::string& name, const std::string& bytes);
 
   private:
     void MakeDirectory();
 
     std::string mDirectory;
-    std::shared_ptr<size_t> mRoom;  // bytes that may still come
+    std::shared_ptr<size_t> mRoom;  // bytes that may still be stored
     bool mMade = false;
     unsigned mCount = 0;
 };

@@ -19,7 +19,7 @@ constexpr uint32_t kHidden = 512;
 
 // The reference of a `#SERVICE` line: ten fields, the path, and the rest.
 struct Entry {
-    bool broadcast = false;  // not a stream that a player of the receiver fetches
+    bool broadcast = false;  // not a stream played from the network
     uint32_t flags = 0;
     std::string_view path;
     std::optional<ServiceReference> service;
@@ -48,7 +48,7 @@ std::optional<Entry> ReadEntry(std::string_view text) {
     return entry;
 }
 
-// What stands behind `#NAME`, `#SERVICE` and so on, with or without a colon there; nothing when the line is another.
+// Returns the rest of a line after `#NAME`, `#SERVICE` and so on, with or without a colon; nothing for other lines.
 std::optional<std::string_view> Behind(std::string_view line, std::string_view word) {
     if (!StartsWith(line, word)) return std::nullopt;
     line.remove_prefix(word.size());
@@ -79,7 +79,7 @@ class BouquetReader {
     }
 
   private:
-    // The text of a file beside the lamedb; nothing, and a warning, when there is none.
+    // Returns the contents of a file next to the lamedb; nothing, with a warning, if there is none.
     std::optional<std::string> TextOf(const std::string& path) const {
         std::error_code error;
         std::string reason;
@@ -147,7 +147,7 @@ class BouquetReader {
         mBouquets.lists.push_back(std::move(list));
     }
 
-    // The service of a bouquet's line; null for what is none.
+    // Returns the service of a bouquet's line; null if the line is not a service.
     std::shared_ptr<Service> ReadMember(const Lines& lines, std::string_view reference) {
         const auto skipped = [&](const char* why) {
             lines.Warn(Quotation(reference) + " " + why + "; it is skipped");

@@ -1,4 +1,4 @@
-// The bouquets beside an enigma2 lamedb: in which order its services stand, and which lists their owner has made.
+// The bouquets next to an enigma2 lamedb: the order of its services, and the favourite lists of its owner.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace hbbtv::sim {
 
-// How the receiver's files name a service. The upper half of the name space says where it is received: a satellite's
+// The name of a service in the receiver's files. The upper half of the namespace is the reception: a satellite's
 // position in tenths of a degree east, 0xeeee terrestrial, 0xffff cable.
 struct ServiceReference {
     uint32_t nameSpace = 0;
@@ -24,15 +24,15 @@ struct ServiceReference {
 };
 
 struct Bouquets {
-    std::vector<std::shared_ptr<Service>> order;  // each service where it comes first; null where a marker has a number
+    std::vector<std::shared_ptr<Service>> order;  // each service at its first position; null for a numbered marker
     std::vector<FavouriteServices> lists;
 };
 
-// Null for a service that the lamedb does not have.
+// Returns null for a service that is not in the lamedb.
 using FindService = std::function<std::shared_ptr<Service>(const ServiceReference&)>;
 
-// Reads `bouquets.tv` and `bouquets.radio` in the directory and the files that they name. Without them there are no
-// bouquets; what cannot be used is skipped with a warning. A service without a name gets that of a bouquet.
+// Reads `bouquets.tv` and `bouquets.radio` in the directory and the files that they name. If they are missing there are
+// no bouquets; unusable lines are skipped with a warning. A service without a name gets that of a bouquet.
 Bouquets ReadBouquets(const std::string& directory, const FindService& find, const FileWarning& warn);
 
 }  // namespace hbbtv::sim

@@ -1,4 +1,4 @@
-// Components of services of which a line-up says little.
+// Components of services for line-up formats without details.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace hbbtv::sim {
 
-// Adds a component with the next free tag. The PID is 0 when it is not known, and so the language is "und".
+// Adds a component with the next free tag. An unknown PID is 0; the language is "und".
 void AddPicture(Service& service, const std::string& encoding, int pid);
 void AddSound(Service& service, const std::string& encoding, int pid);
 void AddSubtitle(Service& service, const std::string& encoding, int pid);

@@ -1,4 +1,4 @@
-// simulator/data/lineup.json, put into the program at build time.
+// simulator/data/lineup.json, embedded in the program at build time.
 #pragma once
 
 namespace hbbtv::sim {

@@ -1,4 +1,4 @@
-// The line-up file from text to services.
+// The reader of the simulator's own line-up format.
 #include <cctype>
 #include <map>
 #include <set>
@@ -104,7 +104,7 @@ Component ReadComponent(const Source& source, const Json::Value& value) {
     return component;
 }
 
-// The numbers behind names in a list of texts. What the names are ("a key set") goes into the sentence.
+// Returns the numbers of the names in a list of strings. `what` ("a key set") is part of the message.
 std::vector<int> Numbers(const Source& source, const Json::Value& list, const std::string& what, const Names& names) {
     std::vector<int> numbers;
     for (const Json::Value& value : list) {

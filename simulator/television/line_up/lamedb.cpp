@@ -1,5 +1,5 @@
-// The services of an enigma2 receiver: its lamedb tells what they are, its bouquets in which order they stand. What the
-// two do not tell gets the values of the tables in docs/simulator.md.
+// The services of an enigma2 receiver from its lamedb, in the order of its bouquets. Values that neither has are those
+// of the tables in docs/simulator.md.
 #include <filesystem>
 #include <map>
 #include <tuple>
@@ -19,7 +19,7 @@ constexpr uint32_t kCable = 0xffff;
 constexpr uint32_t kWholeCircle = 3600;  // tenths of a degree
 constexpr uint32_t kLargestPid = 8190;
 
-// What a service is by its type of EN 300 468; the sounds are those that usually go with the picture.
+// A service by its type in EN 300 468; the audio encoding is the one usual with the video encoding.
 struct Kind {
     int serviceType;
     ChannelType type;
@@ -37,7 +37,7 @@ constexpr Kind kKinds[] = {
 
 constexpr Kind kOther{0, ChannelType::Other, false, nullptr, nullptr};
 
-// Which PID a cached number is: what stands behind `c:`.
+// The meaning of a cached PID after `c:`.
 enum Cache { kCachedVideo = 0, kCachedTeletext = 2 };
 
 struct CachedSound {
@@ -52,7 +52,7 @@ struct Transponder {
     int frequency = 0;  // kHz
 };
 
-// `sid:namespace:tsid:onid:type:number`; the rest of the line, if any, says nothing here.
+// `sid:namespace:tsid:onid:type:number`; the rest of the line, if any, is ignored.
 struct Header {
     ServiceReference reference;
     int type = 0;
@@ -82,7 +82,7 @@ bool IsProperties(std::string_view line) {
     return StartsWith(line, "p:");
 }
 
-// "19.2E", "5W"; empty for what is no place on the circle.
+// "19.2E", "5W"; empty if it is not an orbital position.
 std::string Position(uint32_t place) {
     if (place >= kWholeCircle) return "";
     const bool west = place > kWholeCircle / 2;
@@ -133,8 +133,8 @@ class LamedbReader {
         if (Trimmed(mLines.Line()) != "services") mLines.Refuse("the list of services is missing");
     }
 
-    // On to the next line that says something; false at the end of the file and at this word. The "end" of a list is
-    // passed over, as the word behind it tells the same.
+    // Moves to the next line that is not empty; returns false at the end of the file and at this word. The "end" of a
+    // list is skipped, because the next word implies it.
     bool NextBefore(std::string_view word) {
         if (Trimmed(mLines.Line()) == word) return false;
         while (mLines.Next()) {
@@ -146,7 +146,7 @@ class LamedbReader {
     }
 
     void ReadServices() {
-        bool strange = false;  // and said so
+        bool strange = false;  // and reported
         while (mLines.Next()) {
             const std::string_view line = mLines.Line();
             const int number = mLines.Number();
@@ -177,7 +177,7 @@ class LamedbReader {
         AddService(number, header, name, properties);
     }
 
-    // --- Version 5: one line an item
+    // --- Version 5: one line per item
 
     void ReadLines() {
         while (mLines.Next()) {
@@ -195,7 +195,7 @@ class LamedbReader {
         }
     }
 
-    // `"name",p:provider,...`; a name may hold quotes.
+    // `"name",p:provider,...`; a name may contain quotes.
     void ReadServiceLine(std::string_view ids, std::string_view rest) {
         const auto header = ReadHeader(ids);
         if (!header) return mLines.Warn(Quotation(ids) + " does not name a service; it is skipped");
@@ -282,7 +282,7 @@ class LamedbReader {
 
     Properties ReadProperties(int number, std::string_view line) const {
         Properties properties;
-        std::string* text = nullptr;  // what a comma that is none of the separators goes on with
+        std::string* text = nullptr;  // the property that a comma inside it continues
         for (const std::string_view word : Split(line, ',')) {
             const bool keyed = word.size() >= 2 && word[1] == ':' && word[0] != ' ';
             const std::string_view value = keyed ? word.substr(2) : word;
@@ -301,7 +301,7 @@ class LamedbReader {
         return properties;
     }
 
-    // Two digits for the meaning and the rest for the PID; numbers that are no PIDs stand there as well.
+    // Two digits for the meaning, the rest for the PID; values that are not PIDs occur as well.
     void ReadCached(int number, std::string_view value, Properties& properties) const {
         const auto id = ReadNumber(value.substr(0, 2), 10, 99);
         const auto pid = value.size() < 3 ? std::nullopt : ReadNumber(value.substr(2), 16, UINT32_MAX);

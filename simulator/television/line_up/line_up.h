@@ -1,5 +1,4 @@
-// The services that the simulated television receives, as the line-up file describes them. The formats that it may have
-// are documented in docs/simulator.md.
+// The services that the simulated television receives, from the line-up file. docs/simulator.md documents its formats.
 #pragma once
 
 #include <map>
@@ -40,22 +39,22 @@ struct Component {
     int audioChannels = 0;          // audio
     bool hearingImpaired = false;   // subtitles
     std::string label;
-    bool description = false;  // made by a client: no component of a service, but a description of one
+    bool description = false;  // created by a client: not a component of a service, but a description of one
 };
 
 using ComponentList = std::vector<std::shared_ptr<Component>>;
 
-// An application as a service's signalling announces it.
+// An application as announced by a service.
 struct SignalledApplication {
     std::string name;
     int organisation = 0;
     int application = 0;
     std::string url;
-    bool autostart = false;      // otherwise it is only present: started when somebody asks for it
+    bool autostart = false;      // otherwise it is present: started on request only
     bool boundToService = true;  // broadcast-related: it ends with the service
     int keySets = 0;
     std::vector<int> otherKeys;
-    std::vector<std::string> boundaries;  // URLs below which its pages are
+    std::vector<std::string> boundaries;  // URL prefixes of its pages
     int minimumAge = 0;
 };
 
@@ -66,7 +65,7 @@ constexpr bool IsIp(IdType type) {
 struct Network {
     std::string id;
     std::string name;
-    std::string position;  // of a satellite, as people write it: "19.2E"; empty otherwise
+    std::string position;  // of a satellite: "19.2E"; otherwise empty
     IdType delivery = IdType::DvbS;
     int networkId = 0;
 };
@@ -75,7 +74,7 @@ enum class Access {
     Free,
     Scrambled,
     Locked
-};  // Scrambled: no key or module for it; Locked: by the parents, with a PIN
+};  // Scrambled: no key or module for it; Locked: by parental control, with a PIN
 
 struct Service {
     std::string name;
@@ -87,7 +86,7 @@ struct Service {
     ChannelType type = ChannelType::Tv;
     bool highDefinition = false;
     int number = 0;      // on the remote control; 0 for a service that is not in the channel list
-    bool listed = true;  // on air without being in the channel list when false
+    bool listed = true;  // if false, on air but not in the channel list
     Access access = Access::Free;
     bool received = true;
     std::string longName;  // empty: the name
@@ -95,14 +94,14 @@ struct Service {
     std::vector<std::string> genres;
     std::string logoUrl;
     bool hidden = false;      // in the list, but not shown to the viewer
-    int frequency = 0;        // kHz, 0 when not known
+    int frequency = 0;        // kHz, 0 if unknown
     std::string uri;          // of an IP service; its onid, tsid and sid are 0
-    std::string programmeId;  // how programme data in XMLTV names the service; empty when it does not
+    std::string programmeId;  // the service's id in XMLTV files; empty: none
     ComponentList components;
     std::vector<std::shared_ptr<const SignalledApplication>> applications;
 };
 
-// A list of favourites as the line-up brings it along.
+// A favourite list from the line-up.
 struct FavouriteServices {
     std::string id;
     std::string name;
@@ -113,21 +112,21 @@ struct LineUp {
     std::vector<FavouriteServices> favouriteLists;
     std::vector<std::shared_ptr<Service>> services;  // in the order of the file, which is the order of zapping
 
-    // Null without one. Services are only ever added, with their numbers in place. IP services have no such numbers.
+    // Returns null if there is none. Services are only added, with their numbers set. IP services have no such numbers.
     std::shared_ptr<Service> Find(int onid, int tsid, int sid) const;
 
     std::shared_ptr<Service> First() const;
 
   private:
-    // Grows behind `services`, so that looking up while reading is no walk through what was read.
+    // Index of `services`, updated on lookup, so that lookups while reading are not linear.
     mutable std::map<std::tuple<int, int, int>, std::shared_ptr<Service>> mByTriplet;
     mutable size_t mIndexed = 0;
 };
 
-// The simulator's own format. `name` stands for the text in messages. Throws Fatal, as all that read a line-up do.
+// Reads the simulator's own format. `name` is the file's name in messages. Throws Fatal, like all readers of line-ups.
 LineUp ParseLineUp(const std::string& text, const std::string& name);
 
-// A file in any of the formats, told apart by what is in it; of a directory, its lamedb.
+// Reads a file in any of the formats, detected from its contents; for a directory, its lamedb.
 LineUp ReadLineUp(const std::string& path, const FileWarning& warn);
 
 // The line-up that is built into the program.

@@ -1,5 +1,5 @@
-// M3U playlists to services that are received by their URIs. A playlist tells names, numbers, logos and groups; what it
-// does not tell gets the values of the table in docs/simulator.md.
+// M3U playlists to services over IP. A playlist has names, numbers, logos and groups; other values are those of the
+// table in docs/simulator.md.
 #include <algorithm>
 #include <map>
 
@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint32_t kLargestNumber = 9999;
 
-// What stands in front of a URI.
+// The lines before a URI.
 struct Entry {
     int line = 0;
     std::string name;
@@ -27,8 +27,8 @@ struct Entry {
     }
 };
 
-// A scheme of two letters or more (one is a drive of a path), a colon and something behind it, and nothing that could
-// not be shown.
+// A scheme of two letters or more (one is a drive letter), a colon, and at least one more character, all of them
+// printable.
 bool IsUri(std::string_view text) {
     const size_t colon = text.find(':');
     if (colon == std::string_view::npos || colon < 2 || colon + 1 == text.size()) return false;
@@ -38,7 +38,8 @@ bool IsUri(std::string_view text) {
     return letterFirst && scheme.find_first_not_of(letters) == std::string_view::npos && ReadableText(text) == text;
 }
 
-// The value at `at`, in quotes or up to the next blank or comma; `at` is moved behind it. False when a quote is open.
+// Reads the value at `at`, in quotes or up to the next space or comma, and moves `at` after it. Returns false for an
+// unclosed quote.
 bool ReadValue(std::string_view text, size_t& at, std::string& value) {
     const bool quoted = at < text.size() && text[at] == '"';
     const size_t begin = quoted ? at + 1 : at;
@@ -49,8 +50,8 @@ bool ReadValue(std::string_view text, size_t& at, std::string& value) {
     return true;
 }
 
-// `-1 tvg-id="a" radio=true`, up to the comma in front of the name. The place of the comma; npos when the attributes
-// are such that none is found.
+// Reads `-1 tvg-id="a" radio=true`, up to the comma before the name. Returns the position of the comma, or npos if
+// there is none.
 size_t ReadAttributes(std::string_view text, Entry& entry) {
     size_t at = text.find_first_of(" \t,");
     while ((at = text.find_first_not_of(" \t", at)) != std::string_view::npos) {
@@ -83,7 +84,7 @@ class M3uReader {
     void ReadLine(std::string_view line) {
         if (line.empty()) return;
         if (line[0] != '#') return AddService(line);
-        // The segments and variants of one stream, and no list of streams.
+        // The segments and variants of one stream, not a list of streams.
         for (const char* directive : {"#EXT-X-TARGETDURATION", "#EXT-X-STREAM-INF"}) {
             if (StartsWith(line, directive)) mLines.Refuse("the playlist is a stream, not a list of services");
         }
@@ -144,7 +145,7 @@ class M3uReader {
         AddSound(service, "HEAAC", 0);
     }
 
-    // Numbers rise, so that zapping and numbers go the same way.
+    // Numbers rise, so that zapping follows the numbers.
     int NumberOf(const Entry& entry) {
         const std::string wanted = entry.Attribute("tvg-chno");
         const int number = static_cast<int>(ReadNumber(wanted, 10, kLargestNumber).value_or(0));
@@ -159,7 +160,7 @@ class M3uReader {
 
     Lines mLines;
     std::shared_ptr<Network> mNetwork = std::make_shared<Network>();
-    Entry mEntry;  // its line is 0 as long as there is no #EXTINF
+    Entry mEntry;  // its line is 0 before an #EXTINF
     std::map<std::string, int, std::less<>> mLineOfUri;
     LineUp mLineUp;
     int mLastNumber = 0;

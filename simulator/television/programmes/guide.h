@@ -1,5 +1,5 @@
-// The programmes of all services, wherever they come from: a file, or made up. The guide owns them; whoever holds one
-// for longer (a handle, a result) shares it, and asking again gives the same object with what clients have set.
+// The programmes of all services, from a file or generated. The guide owns them; handles and results share ownership.
+// Later calls return the same object, with the values that clients have set.
 #pragma once
 
 #include <functional>
@@ -10,7 +10,7 @@ namespace hbbtv::sim {
 
 class Guide {
   public:
-    // Gets a programme; false ends the walk.
+    // Called with a programme; returning false ends the iteration.
     using Visitor = std::function<bool(const std::shared_ptr<Programme>&)>;
 
     Guide() = default;
@@ -18,14 +18,14 @@ class Guide {
     Guide(const Guide&) = delete;
     Guide& operator=(const Guide&) = delete;
 
-    // Through the programmes of a service that are on air at any time within the range, in order of time. They do not
-    // overlap. Nothing is copied.
+    // Visits the programmes of a service that are on air at any time within the range, sorted by time. They do not
+    // overlap and are not copied.
     virtual void Walk(const std::shared_ptr<const Service>& service, TimeRange range, const Visitor& visit) = 0;
 
-    // The time of which programmes are known, for whoever wants all there are.
+    // Returns the range of time with known programmes.
     virtual TimeRange Known(std::time_t now) const = 0;
 
-    // The programme that runs at that time and the one behind it. Less when there is less.
+    // Returns the programme on air at that time and the next one, as far as they exist.
     ProgrammeList NowAndNext(const std::shared_ptr<const Service>& service, std::time_t time);
 };
 

@@ -1,4 +1,4 @@
-// A guide of programmes that are all there from the start.
+// A guide whose programmes are all known from the start.
 #pragma once
 
 #include <unordered_map>
@@ -9,7 +9,7 @@ namespace hbbtv::sim {
 
 class ListedGuide : public Guide {
   public:
-    // In order of time and without overlap, once for each service.
+    // Sorted by time and without overlap; called once per service.
     void Add(const Service& service, ProgrammeList programmes);
 
     size_t Size() const { return mSize; }

@@ -16,7 +16,7 @@ std::string DvbEventUrl(const Service& service, int eventId) {
     return DvbUrl(service) + event;
 }
 
-// Characters that may not stand in an address as they are become their number.
+// Percent-encodes characters that are not allowed in a URL.
 std::string Escaped(const std::string& text) {
     std::string escaped;
     for (const char c : text) {

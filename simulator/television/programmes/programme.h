@@ -1,4 +1,4 @@
-// One programme of a service: what the broadcast says of it, and what clients have made of that.
+// One programme of a service: the broadcast values, and those that clients have set.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 namespace hbbtv::sim {
 
-// From a time on and up to another one, which is no longer in it; UTC.
+// A half-open range of time, UTC.
 struct TimeRange {
     std::time_t from = 0;
     std::time_t to = 0;
@@ -20,7 +20,7 @@ struct TimeRange {
     bool Meets(const TimeRange& other) const { return std::max(from, other.from) < std::min(to, other.to); }
 };
 
-// The last second that the interface can say.
+// The last second that the interface can express.
 constexpr std::time_t kLastTime = INT32_MAX;
 
 // Values of OIPF DAE volume 5.
@@ -31,7 +31,7 @@ struct Programme {
     TimeRange onAir;
     int eventId = 0;  // 0 to 65535, unique within the service for a month and more
 
-    // What clients may change. Where the programme stands among the others stays as `onAir` says.
+    // Values that clients may change. The order of programmes depends on `onAir` only.
     std::string name;
     std::string description;  // short
     std::string longDescription;
@@ -42,10 +42,10 @@ struct Programme {
     int idType = static_cast<int>(ProgrammeIdType::DvbEvent);
     bool changed = false;  // by a client
 
-    std::string language = "und";  // of the texts, ISO 639-2
+    std::string language = "und";  // of name and descriptions, ISO 639-2
     std::vector<std::string> genres;
     std::shared_ptr<RatingCollection> ratings;  // null: none
-    int season = 0;                             // 0 when not known, like the next two
+    int season = 0;                             // 0 if unknown, like the next two
     int episode = 0;
     int totalEpisodes = 0;
     std::string seriesId;
@@ -58,11 +58,11 @@ struct Programme {
 
 using ProgrammeList = std::vector<std::shared_ptr<Programme>>;
 
-// With this time and this number, and what follows from them: times, channel and identifier. The identifier is the
-// same in every run: the address of the DVB event, and for services over IP a CRID.
+// Creates a programme with this time and number, and the values derived from them: times, channel and identifier. The
+// identifier is the same in every run: the URL of the DVB event, or a CRID for IP services.
 std::shared_ptr<Programme> MakeProgramme(std::shared_ptr<const Service> service, TimeRange onAir, int eventId);
 
-// The years of which a rating speaks, by its scheme; 0 when it speaks of none.
+// Returns the minimum age of a rating, by its scheme; 0 if it has none.
 int AgeOf(const Rating& rating);
 
 void AddRating(Programme& programme, Rating rating);

@@ -24,7 +24,7 @@ enum class Comparison { Equal = 0, NotEqual, Greater, GreaterOrEqual, Less, Less
 using Texts = std::vector<const std::string*>;
 using Numbers = std::vector<int64_t>;
 
-// A property has texts, numbers, or both: a rating has an age and a name.
+// A property has strings, numbers, or both: a rating has an age and a name.
 struct Property {
     const char* name;
     void (*texts)(const Programme&, Texts&);
@@ -41,7 +41,7 @@ void NumberOf(const Programme& programme, Numbers& numbers) {
     numbers.push_back(programme.*member);
 }
 
-// A number that is 0 when it is not known.
+// A number that is 0 if unknown.
 template <int Programme::*member>
 void KnownNumberOf(const Programme& programme, Numbers& numbers) {
     if (programme.*member != 0) numbers.push_back(programme.*member);
@@ -99,7 +99,7 @@ Comparison ComparisonOf(int number) {
     throw Refused("there is no comparison " + std::to_string(number));
 }
 
-// A whole number and nothing else.
+// Parses an integer and nothing else.
 std::optional<int64_t> NumberIn(const std::string& text) {
     int64_t number = 0;
     const char* end = text.data() + text.size();
@@ -108,7 +108,8 @@ std::optional<int64_t> NumberIn(const std::string& text) {
     return number;
 }
 
-// `order` is below, at or above 0 when the programme's value is less than, equal to or greater than the wanted one.
+// `order` is less than, equal to or greater than 0 if the programme's value is less than, equal to or greater than the
+// other.
 bool Holds(Comparison comparison, int order) {
     switch (comparison) {
         case Comparison::Greater:
@@ -124,7 +125,7 @@ bool Holds(Comparison comparison, int order) {
     }
 }
 
-// Of several values one must do. None may be equal when it is to be another one.
+// Of several values one must match. For "not equal" none may be equal.
 template <typename Values, typename OrderOf>
 bool AnyHolds(Comparison comparison, const Values& values, const OrderOf& orderOf) {
     const bool other = comparison == Comparison::NotEqual;
@@ -173,7 +174,7 @@ class NumberComparison : public ProgrammeQuery {
     int64_t mValue;
 };
 
-// Digits anywhere in a number as it is written.
+// Digits anywhere in the decimal form of a number.
 class DigitsComparison : public ProgrammeQuery {
   public:
     DigitsComparison(const Property& property, std::string value)

@@ -1,5 +1,5 @@
-// What a programme must be to be found: a property compared with a value, and And, Or and Not of such queries. A query
-// never changes, so queries can share others, and none can be within itself.
+// A query: the comparison of a property with a value, or And, Or and Not of queries. Queries are immutable, so they can
+// share others and cannot contain themselves.
 #pragma once
 
 #include <memory>
@@ -17,11 +17,11 @@ class ProgrammeQuery {
 
     virtual bool Fits(const Programme& programme) const = 0;
 
-    // How many comparisons and operators there are when it is written out.
+    // The number of comparisons and operators when expanded.
     size_t Size() const { return mSize; }
 
   protected:
-    // Throws Refused when that is too many.
+    // Throws Refused if that is too large.
     explicit ProgrammeQuery(size_t size);
 
   private:

@@ -7,14 +7,14 @@ namespace hbbtv::sim {
 namespace {
 
 constexpr unsigned kScheduledContent = 1;
-constexpr size_t kMostResults = 65536;  // more cannot be said on the wire
+constexpr size_t kMostResults = 65536;  // the limit of the wire
 
 }  // namespace
 
 ProgrammeSearch::ProgrammeSearch(Guide& guide, ResultRoom& room, std::function<Services()> listed, unsigned target)
     : mGuide(guide), mRoom(room), mListed(std::move(listed)), mTarget(target) {}
 
-// --- What is looked for
+// --- The query and the constraints
 
 void ProgrammeSearch::SetQuery(ProgrammeQuery::Shared query) {
     mWanted = Wanted();
@@ -92,8 +92,8 @@ ProgrammeSearch::Progress ProgrammeSearch::Look(const std::shared_ptr<Programme>
     return Progress::Goes;
 }
 
-// Services are gone through one after the other, and where it stopped is remembered by time: the guide may have more by
-// then, or less.
+// Services are searched one after the other. The position is stored as a time, because the guide may change between
+// steps.
 ProgrammeSearch::Progress ProgrammeSearch::Walk(std::chrono::steady_clock::time_point deadline) {
     while (mService < mServices.size()) {
         Progress progress = Progress::Goes;
@@ -112,7 +112,7 @@ ProgrammeSearch::Progress ProgrammeSearch::Walk(std::chrono::steady_clock::time_
     return Progress::Complete;
 }
 
-// Results come service by service and are told in the order of time, those of one time in the order of the services.
+// Results are found service by service and returned sorted by time, then by service.
 void ProgrammeSearch::Step(std::chrono::steady_clock::time_point deadline) {
     if (mState != SearchState::Searching) return;
     const bool before = mProgress == Progress::Complete;

@@ -1,5 +1,5 @@
-// One search among the programmes of the guide: what is looked for, how far it has come, and the page of results that
-// was asked for last. It goes on in steps, so that everything else goes on between them.
+// One search among the programmes of the guide: query and constraints, progress, and the page of results requested
+// last. It runs in steps, so that requests are served between them.
 #pragma once
 
 #include <chrono>
@@ -12,7 +12,7 @@
 
 namespace hbbtv::sim {
 
-// How many results all searches hold together.
+// The number of results that all searches have together.
 class ResultRoom {
   public:
     bool Take() { return mTaken < kMost && ++mTaken > 0; }
@@ -33,7 +33,7 @@ class ProgrammeSearch {
   public:
     using Services = std::vector<std::shared_ptr<const Service>>;
 
-    // `listed` gives the services of the channel list. A target that is not scheduled content has no programmes.
+    // `listed` returns the services of the channel list. A target other than scheduled content has no programmes.
     ProgrammeSearch(Guide& guide, ResultRoom& room, std::function<Services()> listed, unsigned target);
     ~ProgrammeSearch() { Empty(); }
     ProgrammeSearch(const ProgrammeSearch&) = delete;
@@ -42,26 +42,26 @@ class ProgrammeSearch {
     unsigned Target() const { return mTarget; }
     SearchState State() const { return mState; }
 
-    // What is looked for. Each of them makes a search that is under way or has found something idle again, and tells.
-    // A query and FindFrom take the place of all that was set before.
+    // Query and constraints. Each of these makes a search that is running or has found something idle, and notifies. A
+    // query and FindFrom replace everything set before.
     void SetQuery(ProgrammeQuery::Shared query);
     void FindFrom(std::shared_ptr<const Service> service, std::time_t start, size_t most);
-    void AddConstraint(std::shared_ptr<const Service> service);  // null: what is not on air has no programmes
+    void AddConstraint(std::shared_ptr<const Service> service);  // null: a channel that is not on air has no programmes
     void RemoveConstraints();
 
-    // Asks for a page. What was found before stays found as long as nobody changes what is looked for.
+    // Requests a page. Results are kept until the query or the constraints change.
     void Ask(size_t offset, size_t count, std::time_t now);
 
-    // Ends it, and what was looked for and found is forgotten.
+    // Ends the search and discards query, constraints and results.
     void Abort();
 
-    // Ends it for want of time or memory.
+    // Ends the search for lack of resources.
     void GiveUp() { End(SearchState::Idle, SearchEvent::NoResources); }
 
-    // Goes on until the deadline, and tells when it comes to an end.
+    // Continues until the deadline, and notifies at the end.
     void Step(std::chrono::steady_clock::time_point deadline);
 
-    // The page: empty unless the search is in the state Found. The offset is where it was asked for.
+    // The page: empty unless the search is in the state Found. The offset is the requested one.
     size_t Offset() const { return mState == SearchState::Found ? mOffset : 0; }
     size_t Total() const { return mState == SearchState::Found ? mResults.size() : 0; }
     size_t Length() const;
@@ -72,7 +72,7 @@ class ProgrammeSearch {
   private:
     struct Wanted {
         ProgrammeQuery::Shared query;  // null: every programme
-        bool constrained = false;      // to the services; otherwise those of the channel list
+        bool constrained = false;      // to `services`; otherwise those of the channel list
         Services services;
         std::time_t from = 0;
         size_t most = SIZE_MAX;
@@ -96,10 +96,10 @@ class ProgrammeSearch {
     size_t mOffset = 0;
     size_t mCount = 0;
 
-    // How far it has come.
+    // Progress.
     Services mServices;
-    size_t mService = 0;    // the one that it is at
-    std::time_t mNext = 0;  // from where on in that service
+    size_t mService = 0;    // the current one
+    std::time_t mNext = 0;  // the position in that service
     TimeRange mRange;
     Progress mProgress = Progress::Goes;
     ProgrammeList mResults;

@@ -9,16 +9,17 @@ namespace {
 
 constexpr std::time_t kDay = 24 * 60 * 60;
 constexpr int kMinute = 60;
-constexpr int kShortest = 10 * kMinute;  // what is left of a day is joined to its last programme when it is shorter
+constexpr int kShortest = 10 * kMinute;  // a shorter rest of the day extends its last programme
 constexpr std::time_t kLongestWalk = 62 * kDay;
-constexpr int kLargestNumber = 127;  // of a programme in its day: 9 bits of its event id say which day, 7 which one
+constexpr int kLargestNumber =
+    127;  // of a programme in its day: an event id has 9 bits for the day and 7 for the programme
 
 struct Kind {
     const char* name;
     const char* genre;
     const char* description;
     int minutes;  // usual length
-    int age;      // from which it is meant for; 0 for everybody
+    int age;      // minimum age; 0: none
 };
 
 const Kind kTelevision[] = {
@@ -58,7 +59,7 @@ std::mt19937 Generator(uint32_t seed, const Service& service, std::time_t day) {
     return std::mt19937(sequence);
 }
 
-// The library's distributions differ between systems; this does not.
+// The standard library's distributions differ between systems; this does not.
 template <size_t N>
 size_t Draw(std::mt19937& random, const Kind (&)[N]) {
     return random() % N;
@@ -99,7 +100,7 @@ Schedule::Day Schedule::MakeDay(const std::shared_ptr<const Service>& service, s
     return std::make_shared<const ProgrammeList>(std::move(programmes));
 }
 
-// Programmes that somebody holds or has changed stay, so that they are the same when they are asked for again.
+// Programmes that are referenced or changed are kept, so that the same ones are returned again.
 void Schedule::ForgetDays() {
     for (auto day = mDays.begin(); day != mDays.end();) {
         const ProgrammeList& programmes = *day->second;
@@ -123,7 +124,7 @@ void Schedule::Walk(const std::shared_ptr<const Service>& service, TimeRange ran
     range.from = std::clamp<std::time_t>(range.from, 0, kLastTime);
     range.to = std::clamp<std::time_t>(range.to, 0, std::min(kLastTime, range.from + kLongestWalk));
     for (std::time_t start = StartOfDay(range.from); start < range.to; start += kDay) {
-        const Day day = DayOf(service, start);  // held, whatever the visitor makes of the guide
+        const Day day = DayOf(service, start);  // keeps the day even if the visitor changes the guide
         for (const auto& programme : *day) {
             if (programme->onAir.Meets(range) && !visit(programme)) return;
         }

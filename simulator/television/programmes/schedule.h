@@ -1,5 +1,5 @@
-// Made-up programmes for every service and every time, always the same for the same seed: a day's programmes follow
-// from the service and the date.
+// Generated programmes for every service and time, the same for the same seed: a day's programmes depend on the service
+// and the date.
 #pragma once
 
 #include <cstdint>
@@ -14,10 +14,10 @@ class Schedule : public Guide {
   public:
     explicit Schedule(uint32_t seed) : mSeed(seed) {}
 
-    // Ends after two months at the latest, as there would be no end of it.
+    // Ends after two months at the latest, because the schedule is unlimited.
     void Walk(const std::shared_ptr<const Service>& service, TimeRange range, const Visitor& visit) override;
 
-    // A broadcaster announces a week; yesterday is still known.
+    // A broadcaster announces a week; yesterday is kept.
     TimeRange Known(std::time_t now) const override;
 
   private:
@@ -29,7 +29,7 @@ class Schedule : public Guide {
 
     uint32_t mSeed;
     std::map<std::tuple<int, int, int, std::string, std::time_t>, Day> mDays;
-    size_t mMostDays = 4096;  // then those go that nobody uses; they can be made again
+    size_t mMostDays = 4096;  // then unused ones are discarded; they can be generated again
 };
 
 }  // namespace hbbtv::sim

@@ -1,5 +1,4 @@
-// Lets searches go on: a few milliseconds for one, then for the next, and whatever else the television has to do in
-// between.
+// Runs searches in turns of a few milliseconds, with the simulator's other work in between.
 #pragma once
 
 #include <deque>
@@ -14,14 +13,14 @@ class SearchRunner {
   public:
     explicit SearchRunner(EventLoop& loop) : mNext(loop) {}
 
-    // Until it is not searching any more, or gone. Never before the caller returns. Gives it up when too many are
-    // under way.
+    // Runs the search until it ends or is destroyed, but not before the caller returns. Aborts it if too many are
+    // running.
     void Run(const std::shared_ptr<ProgrammeSearch>& search);
 
   private:
     void Step();
 
-    std::deque<std::weak_ptr<ProgrammeSearch>> mUnderWay;  // the next one in front
+    std::deque<std::weak_ptr<ProgrammeSearch>> mUnderWay;  // the next one first
     Timer mNext;
 };
 

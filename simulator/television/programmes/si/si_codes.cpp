@@ -7,7 +7,7 @@ namespace hbbtv::sim {
 
 namespace {
 
-// Small letters, without blanks.
+// Lower case, without spaces.
 const std::map<std::string, uint8_t> kContents{{"action", 0x12},
                                                {"adventure", 0x12},
                                                {"adventure/western/war", 0x12},
@@ -106,7 +106,7 @@ std::optional<StreamCode> PictureCode(const Component& component) {
     const std::string& encoding = component.encoding;
     const bool high = encoding.find("_HD_") != std::string::npos;
     const bool wide = component.aspectRatio <= 0 || component.aspectRatio > 1.5;
-    const int rate = EndsWith(encoding, "_30") ? 4 : 0;  // 25 Hz, and behind these the same ones with 30 Hz
+    const int rate = EndsWith(encoding, "_30") ? 4 : 0;  // 25 Hz, followed by the same ones with 30 Hz
     const auto type = [&](int step) { return static_cast<uint8_t>((wide ? 3 : 1) + step + rate); };
     if (StartsWith(encoding, "MPEG2_")) return StreamCode{0xf1, type(high ? 8 : 0)};
     if (StartsWith(encoding, "AVC_3D_")) return StreamCode{0xf5, static_cast<uint8_t>(rate == 0 ? 0x80 : 0x82)};

@@ -1,4 +1,4 @@
-// The numbers of EN 300 468 for what is text elsewhere: genres and encodings.
+// The codes of EN 300 468 for genres and encodings.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace hbbtv::sim {
 
-// Both content nibbles (table 28), for a genre by its name in the standard or in everyday English or German.
+// Returns both content nibbles (table 28) of a genre by its name in the standard or a common English or German one.
 std::optional<uint8_t> ContentOf(const std::string& genre);
 
 // stream_content_ext and stream_content in one byte as in the descriptor, and component_type (table 26).
@@ -18,7 +18,7 @@ struct StreamCode {
     uint8_t type = 0;
 };
 
-// Nothing for encodings that the table does not have.
+// Returns nothing for encodings that are not in the table.
 std::optional<StreamCode> StreamCodeOf(const Component& component);
 
 }  // namespace hbbtv::sim

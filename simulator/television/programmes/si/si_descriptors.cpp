@@ -11,10 +11,10 @@ namespace hbbtv::sim {
 
 namespace {
 
-constexpr size_t kLongestBody = kLongestDescriptor - 2;  // behind tag and length
-constexpr size_t kMostExtended = 16;                     // the number of one has four bits
-constexpr char kUtf8 = 0x15;                             // in front of a text: it is UTF-8 (annex A)
-const char* const kHome = "DEU";                         // where the television stands
+constexpr size_t kLongestBody = kLongestDescriptor - 2;  // after tag and length
+constexpr size_t kMostExtended = 16;                     // its number has four bits
+constexpr char kUtf8 = 0x15;                             // prefix of a UTF-8 string (annex A)
+const char* const kHome = "DEU";                         // the television's country
 
 char Byte(size_t value) {
     return static_cast<char>(static_cast<unsigned char>(value));
@@ -24,7 +24,7 @@ std::string Descriptor(int tag, const std::string& body) {
     return std::string{Byte(static_cast<size_t>(tag)), Byte(body.size())} + body;
 }
 
-// Exactly three letters, as every descriptor with a language has.
+// Returns exactly three letters, as in every descriptor with a language.
 std::string Language(const std::string& code) {
     return code.size() == 3 ? code : "und";
 }
@@ -33,8 +33,8 @@ bool IsAscii(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
 }
 
-// Takes as much from the front of the text as has room and returns it in the standard's coding: the default table has
-// ASCII at its place, anything else is sent as UTF-8.
+// Removes as much from the front of the string as fits and returns it in the standard's coding: ASCII in the default
+// table, anything else as UTF-8.
 std::string TakeText(std::string_view& text, size_t room) {
     const bool ascii = IsAscii(text);
     const std::string_view taken = StartOf(text, ascii || room == 0 ? room : room - 1);
@@ -99,7 +99,7 @@ std::string CountryOf(const Rating& rating) {
     return found == kCountries.end() ? kHome : found->second;
 }
 
-// A minimum age is sent as the years above 3, from 4 to 18.
+// A minimum age from 4 to 18 is sent as the age minus 3.
 std::string Ratings(const Programme& programme) {
     std::string body;
     if (!programme.ratings) return body;

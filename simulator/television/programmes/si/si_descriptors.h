@@ -1,4 +1,4 @@
-// The descriptors of EN 300 468 that the service information would have for a programme, byte by byte.
+// The descriptors of EN 300 468 for a programme, as in service information.
 #pragma once
 
 #include <string>
@@ -14,10 +14,11 @@ constexpr int kComponent = 0x50;
 constexpr int kContent = 0x54;
 constexpr int kParentalRating = 0x55;
 
-// What a descriptor has on the wire of this interface; the standard would allow one byte more.
+// The limit on the wire of this interface; the standard allows one byte more.
 constexpr size_t kLongestDescriptor = 256;
 
-// In the order short event, extended events, components, content, parental rating; without those that would be empty.
+// Returns short event, extended events, components, content and parental rating, in this order; empty ones are left
+// out.
 std::vector<std::string> DescriptorsOf(const Programme& programme);
 
 }  // namespace hbbtv::sim

@@ -20,13 +20,13 @@ namespace {
 
 constexpr size_t kLargestMebibytes = 256;
 constexpr size_t kMostOfAService = 65535;   // event ids have 16 bits
-constexpr std::time_t kUsualEnd = 60 * 60;  // of a last programme that says none
+constexpr std::time_t kUsualEnd = 60 * 60;  // of a last programme without one
 constexpr std::time_t kLongestGuess = 6 * kUsualEnd;
 constexpr size_t kMostNames = 5;  // in one warning
 
 using Services = std::vector<std::shared_ptr<const Service>>;
 
-// Where in the text something stands, and sentences about it.
+// Places in the file, and messages about them.
 class Places {
   public:
     Places(const std::string& text, std::string name, const FileWarning& warn) : mName(std::move(name)), mWarn(warn) {
@@ -54,13 +54,12 @@ class Places {
     std::vector<size_t> mEnds;
 };
 
-// Event ids of one service, each given once. Taken ones lead to the next that is free, so that finding it is no walk
-// through all of them.
+// Unique event ids of one service. Used ids link to the next free one, so that finding it is not a linear search.
 class EventIds {
   public:
     EventIds() { std::iota(mNext.begin(), mNext.end(), 0u); }
 
-    // This one, or the first free one behind it. There are more than programmes.
+    // Returns this one, or the next free one. There are more ids than programmes.
     int Take(size_t id) {
         id %= mNext.size();
         while (mNext[id] != id) {
@@ -77,7 +76,7 @@ class EventIds {
 
 struct Entry {
     pugi::xml_node node;
-    TimeRange time;  // the end is 0 when the file has none
+    TimeRange time;  // the end is 0 if the file has none
 };
 
 class XmltvReader {
@@ -99,10 +98,10 @@ class XmltvReader {
     const LineUp& mLineUp;
     std::map<std::string, Services> mServices;           // by the channel's id in the file
     std::map<std::string, std::vector<Entry>> mEntries;  // the same
-    std::set<std::string> mOthers;                       // channels that are no service here
+    std::set<std::string> mOthers;                       // channels that are not in the line-up
 };
 
-// By the name that the line-up has for programme data; a service without one by what the file shows to people.
+// By the service's programmeId; for a service without one, by the display names in the file.
 void XmltvReader::FindServices(const pugi::xml_node& tv) {
     std::map<std::string, Services> byName;
     for (const auto& service : mLineUp.services) {
@@ -161,7 +160,7 @@ void XmltvReader::ReadProgramme(const pugi::xml_node& node) {
     mEntries[channel].push_back(entry);
 }
 
-// In order of time, none twice, each with an end that is not behind the next one's start.
+// Sorted by time, without duplicates, each ending at or before the start of the next.
 void XmltvReader::Arrange(std::vector<Entry>& entries) const {
     std::stable_sort(entries.begin(), entries.end(),
                      [](const Entry& one, const Entry& other) { return one.time.from < other.time.from; });
@@ -190,7 +189,7 @@ void XmltvReader::Arrange(std::vector<Entry>& entries) const {
     entries = std::move(arranged);
 }
 
-// Event ids come from the minute of the start, so that a newer file gives a programme the same one.
+// Event ids are derived from the minute of the start, so that a newer file gives a programme the same one.
 ProgrammeList XmltvReader::Make(const std::shared_ptr<const Service>& service, const std::vector<Entry>& entries,
                                 bool first) const {
     ProgrammeList programmes;

@@ -1,4 +1,4 @@
-// Programmes from an XMLTV file: what of it is used, and how, is documented in docs/simulator.md.
+// Programmes from an XMLTV file; docs/simulator.md documents the elements that are used.
 #pragma once
 
 #include <memory>
@@ -10,8 +10,8 @@
 
 namespace hbbtv::sim {
 
-// For the services of the line-up. `name` stands for the text in messages. What cannot be used by itself is skipped
-// with a warning; a text that cannot be used at all throws Fatal.
+// Reads the programmes of the line-up's services. `name` is the file's name in messages. Unusable parts are skipped
+// with a warning; an unusable file throws Fatal.
 std::unique_ptr<ListedGuide> ParseXmltv(std::string text, const std::string& name, const LineUp& lineUp,
                                         const FileWarning& warn);
 

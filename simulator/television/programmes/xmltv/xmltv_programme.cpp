@@ -23,7 +23,7 @@ const std::map<std::string, std::string> kLanguages{
     {"nl", "nld"}, {"no", "nor"}, {"pl", "pol"}, {"pt", "por"}, {"ro", "ron"}, {"ru", "rus"}, {"sk", "slk"},
     {"sl", "slv"}, {"sr", "srp"}, {"sv", "swe"}, {"tr", "tur"}, {"uk", "ukr"}, {"zh", "zho"}};
 
-// "de", "de_AT" and "deu" to "deu"; "und" for anything else.
+// Returns "deu" for "de", "de_AT" and "deu"; "und" for unknown languages.
 std::string Language(const std::string& code) {
     const std::string word = code.substr(0, code.find_first_of("_-"));
     const auto known = kLanguages.find(word);
@@ -32,7 +32,7 @@ std::string Language(const std::string& code) {
     return word.size() == 3 && letters ? word : "und";
 }
 
-// Runs of blanks and line ends are one blank.
+// Replaces runs of spaces and line ends by one space.
 std::string Shown(const std::string& raw) {
     std::string line;
     for (const char c : raw) {
@@ -43,7 +43,7 @@ std::string Shown(const std::string& raw) {
     return std::string(StartOf(ReadableText(line), kLongestText));
 }
 
-// Comments and sections cut the text of an element into pieces.
+// Comments and CDATA sections split the text of an element.
 std::string TextOf(const pugi::xml_node& element) {
     std::string text;
     for (const pugi::xml_node& piece : element.children()) text += piece.value();
@@ -77,7 +77,7 @@ void FillTexts(Programme& programme, const pugi::xml_node& node) {
 
 // --- Episode
 
-// "4" or "4/10", counted from 0, or nothing.
+// "4" or "4/10", counted from 0, or empty.
 bool ReadPart(std::string_view part, int& number, int& total) {
     part = Trimmed(part);
     if (part.empty()) return true;
@@ -146,7 +146,7 @@ void FillRating(Programme& programme, const std::string& system, const std::stri
 const std::map<std::string, int> kChannels{{"mono", 1},      {"stereo", 2},   {"dolby", 2},
                                            {"bilingual", 2}, {"surround", 5}, {"dolby digital", 5}};
 
-// The programme has components of its own from now on.
+// Gives the programme its own components.
 ComponentList& OwnComponents(Programme& programme) {
     if (programme.components.empty()) programme.components = programme.service->components;
     return programme.components;
@@ -169,7 +169,7 @@ int FreeTag(const ComponentList& components) {
     return std::min(tag + 1, 255);
 }
 
-// Those of the service go; each new one takes the tag of one of them as long as there is any.
+// Replaces those of the service; new ones reuse their tags as long as there are any.
 void FillSubtitles(Programme& programme, const pugi::xml_node& node) {
     if (node.child("subtitles").empty()) return;
     ComponentList& components = OwnComponents(programme);

@@ -1,4 +1,4 @@
-// What one <programme> says of itself, beside its time and its channel.
+// The contents of one <programme>, except its time and channel.
 #pragma once
 
 #include <functional>
@@ -9,10 +9,10 @@
 
 namespace hbbtv::sim {
 
-// The text of an element's first child of that name, fit to be shown.
+// The text of an element's first child of that name, printable.
 std::string ShownText(const pugi::xml_node& parent, const char* child);
 
-// `warn` gets a sentence about whatever is left out.
+// `warn` is called with a message for each value that is left out.
 void FillProgramme(Programme& programme, const pugi::xml_node& node,
                    const std::function<void(const std::string&)>& warn);
 

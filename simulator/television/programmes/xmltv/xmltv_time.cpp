@@ -14,7 +14,7 @@ constexpr std::time_t kMinute = 60;
 constexpr std::time_t kHour = 60 * kMinute;
 constexpr std::time_t kDay = 24 * kHour;
 
-// Summer time has names of its own, so each name is one offset. In hours.
+// Summer time has its own names, so each name is one offset. In hours.
 const std::map<std::string_view, int> kZones{
     {"", 0},     {"UTC", 0},  {"UT", 0},   {"GMT", 0},  {"Z", 0},    {"WET", 0},  {"BST", 1},  {"WEST", 1}, {"CET", 1},
     {"MET", 1},  {"CEST", 2}, {"MEST", 2}, {"EET", 2},  {"EEST", 3}, {"MSK", 3},  {"AST", -4}, {"ADT", -3}, {"EST", -5},
@@ -36,7 +36,7 @@ std::time_t DaysBefore(int year, int month) {
     return days;
 }
 
-// Two digits of the text, or 0 behind its end.
+// Two digits of the string, or 0 after its end.
 int Two(std::string_view digits, size_t at) {
     return at < digits.size() ? static_cast<int>(*ReadNumber(digits.substr(at, 2), 10, 99)) : 0;
 }

@@ -1,4 +1,4 @@
-// Times as XMLTV writes them: YYYYMMDDhhmmss, without what is zero at the end, and a time zone behind a blank.
+// Times in XMLTV: YYYYMMDDhhmmss, possibly without trailing zero fields, and a time zone after a space.
 #pragma once
 
 #include <ctime>
@@ -6,8 +6,8 @@
 
 namespace hbbtv::sim {
 
-// UTC. Throws std::invalid_argument with what is wrong, as the end of a sentence that begins with the text. Times
-// without a zone are UTC.
+// Returns UTC. Throws std::invalid_argument with a reason that follows the string in a message. Times without a zone
+// are UTC.
 std::time_t ReadXmltvTime(std::string_view text);
 
 }  // namespace hbbtv::sim
