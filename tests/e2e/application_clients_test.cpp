@@ -1,5 +1,5 @@
-// Events of applications and commands for tabs reach the client's process, and whatever becomes of that process, the
-// platform is answered.
+// Events of applications and commands for tabs reach the client's process, and the platform gets a reply even if that
+// process ends or hangs.
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -24,7 +24,7 @@ constexpr char kFailed[] = "{\n\t\"ret\" : -1\n}\n";
 constexpr char kNobody[] = "null\n";
 constexpr char kQuestion[] = R"({"t": 271, "countryCode": "DEU"})";
 
-// The reply to a message of the platform.
+// Returns the reply to a message of the platform.
 std::string Ask(const std::string& socket, const std::string& json) {
     RawConnection connection = RawConnection::To(socket);
     EXPECT_TRUE(connection.Write(FrameBytes(kRequest, 1, json)));
@@ -47,14 +47,14 @@ TEST(ApplicationClients, TellARegisteredClientOfEventsUntilItsProcessEnds) {
         EXPECT_EQ("{\n\t\"parentalRating\" : 0,\n\t\"ret\" : 0\n}\n", Ask(socket, kQuestion));
         EXPECT_TRUE(client.WaitForOutput(R"(onGetLocalParantalRating ["DEU",0])")) << client.Output();
         client.Kill();
-        // All registrations go with it, whatever the number of notices, and the events are free for the next client.
+        // All its registrations end, for any number of notices, and the next client can register.
         EXPECT_TRUE(WaitFor([&] { return Ask(socket, kQuestion) == kFailed; }));
     }
     EXPECT_NE(std::string::npos, service.Output().find(died));
     EXPECT_FALSE(service.WaitForExit(std::chrono::milliseconds(0)).has_value());
 }
 
-// The question does not wait for the client, which may have stopped.
+// The query does not wait for the client, which may hang.
 TEST(ApplicationClients, TheParentalRatingQuestionIsAnsweredWhileTheClientStandsStill) {
     ScratchDirectory directory;
     ServiceProcess service;
@@ -104,7 +104,7 @@ TEST_F(BrowserTabs, OfABrowserThatIsKilledDuringACommandGetAReply) {
     EXPECT_TRUE(WaitFor([&] { return Ping() == kNobody; }));
 }
 
-// Its process ends for that: the stub does not let it pass.
+// The stub rejects it by ending the process.
 TEST_F(BrowserTabs, OfABrowserThatDoesNotAnswerGetAReply) {
     RegisteredClient browser("mtm_silent");
     ASSERT_TRUE(browser.Registered()) << browser.Output();

@@ -29,7 +29,7 @@ class ConfigurationProcesses : public testing::Test {
         ASSERT_TRUE(connection.Send({event}));
     }
 
-    // The last request and how many there were.
+    // The last request and the number of requests.
     std::string Requests() const {
         const std::vector<Frame> frames = mPlatform.Frames();
         return std::to_string(frames.size()) + " " + (frames.empty() ? "" : frames.back().payload);
@@ -49,7 +49,7 @@ TEST_F(ConfigurationProcesses, TellSeveralClientsUntilEachIsTakenBack) {
     EXPECT_TRUE(first.WaitForOutput(R"("ratingAge":16)")) << first.Output();
     EXPECT_TRUE(second.WaitForOutput(R"("ratingAge":16)")) << second.Output();
 
-    // Its callback is known again, although it comes with another call.
+    // Its callback is recognized although it is passed with another call.
     first.Write("unregister\n");
     ASSERT_TRUE(first.WaitForOutput("unregistered\n"));
     Send(kAge18);
@@ -60,7 +60,7 @@ TEST_F(ConfigurationProcesses, TellSeveralClientsUntilEachIsTakenBack) {
     second.Write("unregister\n");
     ASSERT_TRUE(second.WaitForOutput("unregistered\n"));
     EXPECT_EQ(std::string("2 ") + kUnregister, Requests());
-    // No living process is linked any more.
+    // No running process is linked any more.
     first.Kill();
     Send(kAge16);
     EXPECT_EQ(std::string("2 ") + kUnregister, Requests());

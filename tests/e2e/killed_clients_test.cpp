@@ -45,7 +45,7 @@ TEST_P(KilledClients, AreCalledUntilTheyEndAndTheNextOneIsServed) {
         ASSERT_TRUE(platform.WaitForFrames(requests + 1));
         EXPECT_EQ(platform.Frames().back().payload, unregister);
     }
-    // It is dropped.
+    // The event is dropped.
     ASSERT_TRUE(events.Send({event}));
     EXPECT_EQ(platform.Frames().size(), requests + (unregister != nullptr ? 1 : 0));
 

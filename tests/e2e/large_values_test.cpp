@@ -1,4 +1,4 @@
-// Long lists and long names, from a client's process through the service to the simulated platform and back.
+// Long lists and names, from a client's process through the service to the simulated platform and back.
 
 #include <gtest/gtest.h>
 #include <vantorel/hardware/hbbtv/1.0/IChannel.h>
@@ -27,7 +27,7 @@ class LargeValues : public testing::Test {
         ASSERT_NE(FindVideoBroadcast(), nullptr);
     }
 
-    // The one result of a method that succeeds.
+    // The only result of a successful call.
     template <typename Value, typename Interface, typename Method, typename... Arguments>
     static Value Get(const sp<Interface>& service, Method method, const Arguments&... arguments) {
         Value value{};

@@ -1,7 +1,6 @@
-// The plays of tests/e2e/plays, each in front of a service and a simulated platform of its own. A line
-// "# platform: OPTIONS" says how the platform is started: {plays} is the folder of the plays, {directory} that of the
-// test. Where there is NAME.again.play, the platform is killed and started again for it; what NAME.play prints as
-// NAME=VALUE is known there.
+// Runs the plays of tests/e2e/plays, each with its own service and simulated platform. A line "# platform: OPTIONS"
+// says how the platform is started: {plays} is the folder of the plays, {directory} that of the test. For
+// NAME.again.play the platform is killed and started again; it gets the values that NAME.play prints as NAME=VALUE.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -55,7 +54,7 @@ class Stage : public testing::Test {
         }
         mPlatform = std::make_unique<SimulatedPlatform>(options);
         ASSERT_TRUE(mPlatform->Ready()) << mPlatform->Output();
-        // The service publishes it last.
+        // The service registers it last.
         ASSERT_NE(FindVideoBroadcast(), nullptr) << mService.Output();
     }
 
@@ -100,8 +99,8 @@ INSTANTIATE_TEST_SUITE_P(All, Plays, testing::ValuesIn(NamesOfPlays()), [](const
 
 class WholePackage : public Stage {
   protected:
-    // The operations of the requests in the platform's trace, which names all that share a code:
-    // "> OnTabShow/OnLoadingStateChanged tabid=7 | ...".
+    // The operations of the requests in the platform's trace, which names all operations with the same code: ">
+    // OnTabShow/OnLoadingStateChanged tabid=7 | ...".
     std::map<std::string, int> Requests() const {
         std::map<std::string, int> requests;
         for (const std::string& line : Lines(mPlatform->Output())) {
@@ -113,7 +112,7 @@ class WholePackage : public Stage {
     }
 };
 
-// What the method sends; empty when it does not go to the platform.
+// Returns the operation that the method sends; empty if it does not send any.
 std::string OperationOf(const std::string& name) {
     const auto [interface, method] = Package::Get().FindMethod(name);
     const Json::Value* operation = Package::Get().FamilyOf(*interface)->OperationOf(method->name);

@@ -1,4 +1,4 @@
-// Client, service and platform as processes that come and go: nothing hangs, and whoever stays goes on.
+// Client, service and platform as processes that start and end: nothing hangs, and the others continue.
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -21,7 +21,7 @@ using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
 using vantorel::hardware::hbbtv::V1_0::TolmVBPlayState;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int kKilledClients = 50;  // a process takes ten times as long to start
+constexpr int kKilledClients = 50;  // processes take ten times as long to start
 #else
 constexpr int kKilledClients = 500;
 #endif
@@ -42,7 +42,7 @@ std::string PositionEvent(int position) {
                       R"({"type": "videobroadcast", "event": 7, "position": )" + std::to_string(position) + "}");
 }
 
-// Sends an event without end from a thread of its own.
+// Sends an event repeatedly from its own thread.
 class EventStream {
   public:
     explicit EventStream(const std::string& socket)
@@ -71,7 +71,7 @@ TEST(Processes, AClientKilledWhileEventsFlowIsNoticedAndTheNextOneIsServed) {
     ServiceProcess service;
     ASSERT_NE(nullptr, FindVideoBroadcast());
     {
-        RegisteredClient first;  // the family's socket is served from its first call on
+        RegisteredClient first;  // the family's socket is served after its first call
         ASSERT_TRUE(first.Registered()) << first.Output();
         EventStream events(directory / "service_hbbtv_to_plugin_vb");
         for (int i = 0; i < kKilledClients; ++i) {
@@ -115,7 +115,7 @@ TEST(Processes, AClientThatUnregistersGetsNoEventsAndItsEndIsNoDeath) {
     client.Write("unregister\n");
     ASSERT_TRUE(client.WaitForOutput("unregistered"));
     client.Kill();
-    RegisteredClient next;  // its registration comes after any notice of the first one's end
+    RegisteredClient next;  // registered after any notice of the first one's death
     ASSERT_TRUE(next.Registered());
     EXPECT_EQ(std::string::npos, service.Output().find("client died"));
 }
@@ -197,7 +197,7 @@ TEST(Processes, ClientsThatAllWaitForASilentFamilyLeaveTheServiceAnswering) {
         waiting.emplace_back([&] { EXPECT_FALSE(vb->NextChannel(kVb).isOk()); });
     }
     ASSERT_TRUE(WaitFor([&] { return ThreadsOf(service.Pid()) >= 60; }));
-    // This one asks no platform.
+    // This method does not use the platform.
     EXPECT_EQ(0, StatusOf(vb->SetChannel_Ext(kVb, 0, false, "", 0)));
     EXPECT_TRUE(vb->ping().isOk());
     service.Kill();

@@ -1,5 +1,5 @@
-// A client process for the tests: registers a callback with the family that it is given, prints "registered", then a
-// line for each event, "METHOD ARGUMENTS", until it is killed. "unregister" on standard input takes the callback back.
+// A client process for the tests: registers a callback with the given family, prints "registered", then a line for each
+// event, "METHOD ARGUMENTS", until it is killed. "unregister" on standard input unregisters the callback.
 
 #include <unistd.h>
 
@@ -58,8 +58,7 @@ const Registration kRegistrations[] = {
      {"IVideoBroadcast", "UnregisterCallback", "[4096]"}},
 };
 
-// A browser answers with status 0 and -13, unless it is one that does not return ("mtm_hanging") or does not answer
-// ("mtm_silent").
+// A browser replies with status 0 and -13, unless it does not return ("mtm_hanging") or does not reply ("mtm_silent").
 class Printer : public hbbtv::EventSink {
   public:
     explicit Printer(const std::string& kind) : mHangs(kind == "mtm_hanging"), mSilent(kind == "mtm_silent") {}
@@ -82,14 +81,14 @@ class Printer : public hbbtv::EventSink {
 
 using Service = android::sp<android::hidl::base::V1_0::IBase>;
 
-// The service may still be starting; the test ends this process when it takes too long.
+// The service may still be starting; the test kills this process after its timeout.
 Service Find(const hbbtv::InterfaceBinding& binding) {
     Service service = binding.find();
     for (; service == nullptr; service = binding.find()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return service;
 }
 
-// Returns the status, 0 for a method without one, or -1000 when the call fails.
+// Returns the status, 0 for a method without one, or -1000 if the call fails.
 int Run(const Call& call, hbbtv::EventSink& sink) {
     const hbbtv::InterfaceBinding& binding = *hbbtv::AllBindings().at(call.interface);
     static const Service service = Find(binding);
@@ -101,7 +100,7 @@ int Run(const Call& call, hbbtv::EventSink& sink) {
     return -1000;
 }
 
-// "mtm_hanging" is a browser, too. Without a name, a video/broadcast object.
+// "mtm_hanging" is a browser as well. Without a name, a video/broadcast object.
 const Registration& RegistrationOf(const std::string& kind) {
     for (const Registration& registration : kRegistrations) {
         const std::string family = registration.family;

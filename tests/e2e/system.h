@@ -31,7 +31,7 @@ class SimulatedPlatform : public ChildProcess {
     }
 };
 
-// A client that registers a callback and then waits until it is ended: see registered_client.cpp.
+// A client that registers a callback and then waits until it is killed: see registered_client.cpp.
 class RegisteredClient : public ChildProcess {
   public:
     explicit RegisteredClient(const std::string& family = "video_broadcast")
@@ -40,7 +40,7 @@ class RegisteredClient : public ChildProcess {
     bool Registered() { return WaitForOutput("registered\n"); }
 };
 
-// An interface of the service, waiting for the service to start; null when it does not in time.
+// Waits for the service to start and returns its interface; null after the timeout.
 template <typename Interface>
 android::sp<Interface> Find() {
     android::sp<Interface> service;

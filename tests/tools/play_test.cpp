@@ -43,7 +43,7 @@ class Play : public InFrontOfTheSystem {
         const auto lines = std::count(text.begin(), text.end(), '\n') + 1;
         const std::string last = text.substr(text.rfind('\n') + 1);
         EXPECT_EQ(run.errors, "hbbtvctl: " + mDirectory / "a.play" + ":" + std::to_string(lines) + ": " + last +
-                                  "\n  expected: " + expected + "\n  came:     " + came + "\n");
+                                  "\n  expected: " + expected + "\n  got:      " + came + "\n");
     }
 };
 
@@ -145,7 +145,7 @@ end
 print "{$sum}")",
                 "a   0|a   ||0x0\nb   2|b   |yes|0x2\nCONNECTING\nPRESENTING\nb2\n");
     EXPECT_THAT(Run("let $list = 1\nfor $x in $list\nend").errors,
-                HasSubstr(":2: for $x in $list\n  expected: a list\n  came:     1\n"));
+                HasSubstr(":2: for $x in $list\n  expected: a list\n  got:      1\n"));
 }
 
 TEST_F(Play, ShowsNamesOfEveryKindOnOneLineOfATable) {
@@ -210,7 +210,7 @@ TEST_F(Play, WritesOneObjectForEachStep) {
     EXPECT_EQ(steps[1]["outcome"], "failed");
     EXPECT_EQ(steps[1]["method"], "IChannel.GetSid");
     EXPECT_EQ(steps[1]["results"]["status"], -1);
-    EXPECT_EQ(steps[1]["problem"], "expected: 0, 1\n  came:     -1, 0");
+    EXPECT_EQ(steps[1]["problem"], "expected: 0, 1\n  got:      -1, 0");
     EXPECT_TRUE(steps[1]["ms"].isInt());
 }
 
@@ -328,7 +328,7 @@ const WrongPlay kWrong[] = {
     {"for $i in [1]\nprint \"{$i}\"", "3:1: the block has no \"end\""},
     {"for $i in [1]\nend\nprint \"{$i}\"", "4:7: unknown name \"$i\""},
     {"end", "2:1: \"end\" without"},
-    {"quiet\nfinally\nend", "3:1: \"finally\" cannot stand inside a block"},
+    {"quiet\nfinally\nend", "3:1: \"finally\" is not allowed inside a block"},
     {"finally\nfinally", "3:1: there can be one \"finally\" only"},
     {"show IMtmCallback.Ping \"{$tab}\"", "2:6: IMtmCallback.Ping has no \"tab\""},
     {"answer IMtmCallback.CreateApp -> 0", "2:8: results of CreateApp: expected 2, not 1"},

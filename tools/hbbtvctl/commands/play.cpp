@@ -1,4 +1,4 @@
-// hbbtvctl play: runs conversations that are written down in files.
+// hbbtvctl play: runs the plays in files.
 #include <hidl/HidlTransportSupport.h>
 
 #include <cstdio>
@@ -62,7 +62,7 @@ std::vector<Script> ReadScripts(const PlayOptions& options, const std::map<std::
 int Run(const std::string& directory, const PlayOptions& options) {
     const std::map<std::string, Json::Value> names = NamesOf(directory, options);
     const std::vector<Script> scripts = ReadScripts(options, names);
-    // Callbacks may come as long as the process lives, one after the other.
+    // Callbacks may arrive as long as the process runs, one at a time.
     static Interruption interruption;
     android::hardware::configureRpcThreadpool(1, false);
     static Transcript transcript(options.json      ? Transcript::Mode::Json
@@ -91,20 +91,19 @@ int Run(const std::string& directory, const PlayOptions& options) {
 
 void AddPlay(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<PlayOptions>();
-    CLI::App* command = app.add_subcommand("play", "Run a conversation from a file, and check what comes back");
-    command->add_option("FILE", options->files, "What to play; - for standard input")->type_name("FILE")->required();
+    CLI::App* command = app.add_subcommand("play", "Run plays: calls, events and commands with expected results");
+    command->add_option("FILE", options->files, "A play; - for standard input")->type_name("FILE")->required();
     AddJson(*command, options->json);
     command->add_flag("--verbose", options->verbose, "Show each step, its outcome and the events as they arrive");
-    command->add_flag("--coverage", options->coverage, "Afterwards list the methods and events that did not occur");
+    command->add_flag("--coverage", options->coverage, "At the end, list the methods and events that did not occur");
     command->add_option("--set", options->set, "Give $NAME a value, as in number=2")
         ->type_name("NAME=VALUE")
         ->expected(1)
         ->take_all();
-    AddTime(*command, "--timeout", options->timeout, "Longest wait for an answer or an event");
+    AddTime(*command, "--timeout", options->timeout, "Longest wait for a reply or an event");
     command->footer(
-        "A line of a file is a call with what has to come back, an event that has to arrive, a message of the wire, or "
-        "a\n"
-        "command to the simulated platform; docs/play.md explains all of them. The first line that does not hold ends\n"
+        "A line of a file is a call with its expected results, an expected event, a message of the wire, or a\n"
+        "command to the simulated platform; docs/play.md explains them. The first line that fails ends\n"
         "the file.\n\n"
         "Examples:\n"
         "  echo 'IChannelConfig.GetCurrentChannel() -> 0, $channel' | hbbtvctl play --verbose -\n"

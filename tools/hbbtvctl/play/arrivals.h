@@ -1,4 +1,4 @@
-// The calls that arrive at the callback objects of this process while a play runs.
+// The calls of this process's callback objects while a play runs.
 #pragma once
 
 #include <hidl/HidlSupport.h>
@@ -24,7 +24,7 @@ struct Arrival {
     Json::Value arguments;
 };
 
-// Has to exist as long as the process: callbacks may come at any time.
+// Must exist as long as the process: callbacks may arrive at any time.
 class Arrivals : public EventSink {
   public:
     Arrivals(Transcript& transcript, const Display& display);
@@ -32,25 +32,25 @@ class Arrivals : public EventSink {
     // Sets the results of a method from now on; default: zeros and empty strings.
     void Answer(const std::string& method, const Json::Value& results);
 
-    // Arrivals of the method are not kept, nor shown.
+    // Calls of the method are neither stored nor shown.
     void Ignore(const std::string& method);
 
-    // Takes the first arrival of the method, or of any method when it is empty, that nobody has taken.
+    // Removes and returns the first arrival of the method, or of any method if it is empty.
     std::optional<Arrival> Take(const std::string& method);
 
-    // Returns the first that nobody has taken, without taking it.
+    // Returns the first arrival without removing it.
     std::optional<Arrival> First(const std::string& method) const;
 
-    // Waits until something arrives, a service dies, or the time is over. Throws Interrupted, and Failure(kPeerLost)
-    // when a service has died.
+    // Waits until something arrives, a service dies, or the time is over. Throws Interrupted, and Failure(kPeerLost) if
+    // a service has died.
     void Wait(Milliseconds limit);
 
     void ServiceDied();
 
-    // Forgets arrivals, answers and what is ignored.
+    // Discards arrivals, answers and the list of ignored methods.
     void Forget();
 
-    // EventSink: on the threads that serve this process's callbacks.
+    // EventSink; called on the threads that serve this process's callbacks.
     Json::Value Take(const char* interface, const char* method, Json::Value arguments) override;
 
   private:

@@ -1,4 +1,4 @@
-// The methods of the package that plays have called, and the events of the wire that they have seen.
+// The methods that plays have called, and the wire events that they have seen.
 #pragma once
 
 #include <set>
@@ -12,10 +12,10 @@ class Coverage {
   public:
     void Called(const Package::QualifiedMethod& method);
 
-    // An event that was written to the library, or that a line of the play names.
+    // Records an event that was written to the library, or is named by a line of the play.
     void Saw(const WireFamily& family, const Json::Value& event);
 
-    // Prints how many there were, and each that was not; for programs as one JSON document.
+    // Prints the numbers, and lists what is missing; for programs as one JSON document.
     void Print(bool json) const;
 
   private:

@@ -93,7 +93,7 @@ bool Display::InItsOwnWords(const Package::QualifiedMethod& method, const std::v
         text = Filled(format, valueOf, [this](int64_t handle) { return NameOf(handle); });
         return true;
     } catch (const BadValue&) {
-        return false;  // a member that the struct does not have
+        return false;  // not a member of the struct
     }
 }
 

@@ -1,4 +1,4 @@
-// How a play shows values to people: handles by the names that they were given, methods as the play wants it.
+// Values of a play as shown to people: handles by the names set with `name`, methods as set with `show`.
 #pragma once
 
 #include <json/value.h>
@@ -14,7 +14,7 @@
 
 namespace hbbtv::ctl {
 
-// Thread-safe: events are shown on the threads that take them.
+// Thread-safe: events are shown on the threads that receive them.
 class Display {
   public:
     void Name(int64_t handle, const std::string& name);
@@ -27,7 +27,7 @@ class Display {
     // Returns "IChannel.GetName(arte HD)".
     std::string Call(const CallStep& step, const Json::Value& arguments) const;
 
-    // Returns the results without a status of 0, or "done" when there are no others.
+    // Returns the results without a status of 0, or "done" if there are no others.
     std::string Results(const Package::QualifiedMethod& method, const Json::Value& results) const;
 
     // Returns the arguments of an event.

@@ -20,7 +20,7 @@ namespace hbbtv::ctl {
 
 namespace {
 
-// The wait for a peer's own time-out, which explains itself better.
+// A little longer than the peer's own timeout, whose message is more precise.
 constexpr Milliseconds kMargin{1000};
 
 const char* const kControlSocket = "/hbbtv_sim_control";
@@ -36,7 +36,7 @@ class DeathOfService : public android::hardware::hidl_death_recipient {
     Arrivals& mArrivals;
 };
 
-// Runs `work` on a thread of its own, so that a signal ends the wait for it. What it refers to has to outlive it.
+// Runs `work` on its own thread, so that a signal ends the wait. Everything that it refers to must outlive it.
 template <typename Result>
 Result Interruptibly(Milliseconds limit, const std::string& what, const std::function<Result()>& work) {
     struct Outcome {
@@ -55,7 +55,7 @@ Result Interruptibly(Milliseconds limit, const std::string& what, const std::fun
     return outcome->result;
 }
 
-// The answer to the line, without its end.
+// Returns the answer to the line, without its line end.
 std::string Converse(const std::string& path, const std::string& line, Milliseconds limit) {
     const Descriptor socket(ConnectTo(path));
     if (socket.Get() < 0) {
@@ -115,7 +115,7 @@ Json::Value Peers::Exchange(const std::string& socket, int port, const Json::Val
     const std::string path = mDirectory + "/" + socket;
     std::shared_ptr<WireConnection> connection = mConnections[path];
     if (connection == nullptr) connection = std::make_shared<WireConnection>(path);
-    mConnections.erase(path);  // it is kept when the exchange goes well
+    mConnections.erase(path);  // stored again if the exchange succeeds
     const std::string bytes = Encode({withReply ? kRequest : kOneWay, port, WireText(message)});
     const auto reply = Interruptibly<std::string>(mTimeout, path, [connection, bytes, withReply, limit = mTimeout] {
         connection->Send(bytes, limit);

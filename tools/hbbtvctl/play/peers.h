@@ -1,5 +1,5 @@
-// Those whom a play speaks with: the service's interfaces, the sockets of the wire, and the simulated platform's
-// control socket. Ctrl-C ends every wait by Interrupted.
+// The peers of a play: the service's interfaces, the sockets of the wire, and the simulated platform's control socket.
+// Ctrl-C ends every wait with Interrupted.
 #pragma once
 
 #include <json/value.h>
@@ -21,7 +21,7 @@ class Peers {
     // Calls a method of the service. Throws Failure.
     Json::Value Call(const Package::QualifiedMethod& method, const Json::Value& arguments);
 
-    // Whether somebody has registered the interface.
+    // Returns whether the interface is registered.
     bool Has(const Interface& interface) const;
 
     // Writes a message to the socket and returns its reply; null for one without a reply.

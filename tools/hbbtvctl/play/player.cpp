@@ -19,14 +19,14 @@ using Clock = std::chrono::steady_clock;
 
 constexpr Milliseconds kBetweenAttempts{5};
 
-// A failure whose text begins with its place already.
+// A failure whose message already begins with its place.
 class PlacedFailure : public Failure {
   public:
     using Failure::Failure;
 };
 
 [[noreturn]] void Unexpected(const std::string& expected, const std::string& came) {
-    throw Failure(kUnexpected, "expected: " + expected + "\n  came:     " + came);
+    throw Failure(kUnexpected, "expected: " + expected + "\n  got:      " + came);
 }
 
 Milliseconds Left(Clock::time_point deadline) {
@@ -46,7 +46,7 @@ Json::Value ByName(const std::vector<Parameter>& parameters, const Json::Value& 
     return named;
 }
 
-// The values of a call as they would stand in the play.
+// The values of a call, in the syntax of plays.
 std::string Listed(const std::vector<Parameter>& parameters, const Json::Value& values) {
     std::string text;
     for (Json::ArrayIndex i = 0; i < parameters.size(); ++i) {
@@ -77,7 +77,7 @@ void Player::Run(const Script& script) {
     if (failure) throw PlacedFailure(*failure);
 }
 
-// After a failure some names may lack their values, so lines that do not hold are passed over.
+// After a failure some names may be unbound, so lines that fail are skipped.
 void Player::RunFinally(const Script& script, bool failed) {
     for (const Statement& statement : script.finally) {
         try {
@@ -96,7 +96,7 @@ void Player::RunBlock(const std::vector<Statement>& statements) {
 void Player::RunStatement(const Statement& statement) {
     const std::string place = mFile + ":" + std::to_string(statement.line) + ": ";
     try {
-        // The statements of a block are steps of their own.
+        // The statements of a block are separate steps.
         StepReport report;
         if (const auto* loop = std::get_if<ForStep>(&statement.action)) return Do(*loop, report);
         if (const auto* quiet = std::get_if<QuietStep>(&statement.action)) return Do(*quiet, report);
@@ -310,8 +310,7 @@ void Player::Do(const ForStep& step, StepReport&) {
     }
     const Json::Value from = Evaluate(step.from, mNames);
     const Json::Value below = Evaluate(step.below, mNames);
-    if (!from.isIntegral() || !below.isIntegral())
-        Unexpected("whole numbers", WriteJson(from) + ", " + WriteJson(below));
+    if (!from.isIntegral() || !below.isIntegral()) Unexpected("integers", WriteJson(from) + ", " + WriteJson(below));
     for (int64_t i = from.asInt64(); i < below.asInt64(); ++i) once(static_cast<Json::Int64>(i));
 }
 

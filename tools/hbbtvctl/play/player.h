@@ -1,4 +1,4 @@
-// Runs a play: one statement after the other, until one does not hold.
+// Runs a play: one statement after the other, until one fails.
 #pragma once
 
 #include <map>
@@ -28,7 +28,7 @@ class Player {
 
     Player(const Stage& stage, const std::map<std::string, Json::Value>& names);
 
-    // Throws Failure that begins with "FILE:LINE: " for the statement that does not hold, after the script's finally.
+    // Throws a Failure that begins with "FILE:LINE: " for the statement that fails, after the script's finally.
     void Run(const Script& script);
 
   private:

@@ -11,7 +11,7 @@ namespace {
 
 using FractionalMilliseconds = std::chrono::duration<double, std::milli>;
 
-// What was asked, what came back, how long it took.
+// Prints request, result and duration.
 std::string Line(const std::string& asked, const std::string& answered, double milliseconds) {
     char duration[40];
     std::snprintf(duration, sizeof(duration), "%7.2f ms", milliseconds);

@@ -1,5 +1,4 @@
-// What a play prints: its own lines, each step with its outcome, and the events in between, in the order in which they
-// happened.
+// The output of a play: its own lines, each step with its outcome, and the events in between, in order.
 #pragma once
 
 #include <json/value.h>
@@ -15,7 +14,7 @@
 
 namespace hbbtv::ctl {
 
-// A step that is over.
+// A finished step.
 struct StepReport {
     std::string file;
     int line = 0;
@@ -32,21 +31,21 @@ class Transcript {
 
     explicit Transcript(Mode mode) : mMode(mode) {}
 
-    // A heading between steps.
+    // Prints a heading between steps.
     void Title(const std::string& title);
 
-    // A line of the play's own.
+    // Prints a line of the play's own.
     void Print(const std::string& line);
 
-    // A step begins. Events that come before its end are shown behind it.
+    // Starts a step. Events that arrive before its end are shown after it.
     void Begin();
     void End(const StepReport& report);
 
-    // From here to EndQuiet() steps are counted and not shown.
+    // Until EndQuiet(), steps are counted but not shown.
     void BeginQuiet();
     void EndQuiet();
 
-    // An event. Any thread.
+    // Prints an event. Thread-safe.
     void Event(const std::string& method, const std::string& arguments);
 
   private:

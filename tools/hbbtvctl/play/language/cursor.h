@@ -11,7 +11,7 @@
 
 namespace hbbtv::ctl {
 
-// The names that are known at a place of the play: those of blocks that are over are unknown again.
+// The names in scope at a place of the play.
 class KnownNames {
   public:
     explicit KnownNames(const std::set<std::string>& names) : mScopes{names} {}
@@ -38,26 +38,26 @@ class Cursor {
     const Token& Peek(size_t ahead = 0) const { return mTokens[std::min(mAt + ahead, mTokens.size() - 1)]; }
     bool AtEnd() const { return Peek().kind == Token::Kind::End; }
 
-    // Takes the next token if it is this one.
+    // Consumes the next token if it is this one.
     bool Take(const std::string& sign);
 
-    // These throw SyntaxError when the next token is something else.
+    // These throw SyntaxError if the next token is a different one.
     Token Next(Token::Kind kind, const std::string& what);
     void Expect(const std::string& sign, const std::string& after);
     void ExpectEnd();
 
     Expression Value() { return Read(false); }
 
-    // A pattern may also be "_" or "~TEXT", and its unknown names become known.
+    // A pattern may also be "_" or "~TEXT", and declares its unknown names.
     Expression Pattern() { return Read(true); }
 
-    // Expressions with commas between, up to `close` or, when it is empty, to the end or a "within".
+    // Comma-separated expressions, up to `close` or, if it is empty, to the end or a "within".
     Expressions List(bool pattern, const std::string& close);
 
     Format Text(const std::string& what);
     Milliseconds Time();
 
-    // Fails at the next token, or at a place.
+    // Throws SyntaxError for the next token, or a place.
     [[noreturn]] void Fail(const std::string& reason) const { throw SyntaxError{Peek().place, reason}; }
 
   private:
@@ -73,7 +73,7 @@ class Cursor {
     size_t mAt = 0;
 };
 
-// Runs `work`; what it reports by Failure or BadValue becomes an error at the place.
+// Runs `work`, and turns its Failure or BadValue into a SyntaxError at the place.
 void At(const Place& place, const std::function<void()>& work);
 
 }  // namespace hbbtv::ctl

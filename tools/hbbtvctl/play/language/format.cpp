@@ -82,7 +82,7 @@ Json::Value MemberOf(const Json::Value& value, const std::string& member) {
     return value[member];
 }
 
-// The value as the form writes it; forms after the first find a text.
+// Formats a value; forms after the first get a string.
 Json::Value InForm(const Json::Value& value, const std::string& form,
                    const std::function<std::string(int64_t)>& nameOf) {
     if (form[0] == '?') return IsNothing(value) ? "" : form.substr(1);

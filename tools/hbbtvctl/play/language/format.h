@@ -1,4 +1,4 @@
-// Text with values in it: "{$name}", "{$start:time}", "{$name:26}".
+// Strings with values: "{$name}", "{$start:time}", "{$name:26}".
 #pragma once
 
 #include <json/value.h>
@@ -11,10 +11,10 @@ namespace hbbtv::ctl {
 
 struct Format {
     struct Piece {
-        std::string text;                  // in front of the value
+        std::string text;                  // before the value
         std::string name;                  // of the value, without its "$"; empty: no value
-        std::vector<std::string> members;  // of the value, from the outside to the inside: "info.appId"
-        std::vector<std::string> forms;    // how it is written
+        std::vector<std::string> members;  // of the value, outermost first: "info.appId"
+        std::vector<std::string> forms;    // how it is formatted
     };
 
     std::vector<Piece> pieces;
@@ -25,11 +25,11 @@ struct Format {
 // Throws BadValue for an open brace or an unknown form.
 Format ReadFormat(const std::string& text);
 
-// Returns the text with the values that `valueOf` gives for names. `nameOf` returns the name that a handle was given.
+// Returns the string with the values that `valueOf` returns for names. `nameOf` returns the name of a handle.
 std::string Filled(const Format& format, const std::function<Json::Value(const std::string&)>& valueOf,
                    const std::function<std::string(int64_t)>& nameOf);
 
-// Returns the text as one cell of a table: control characters become dots, and what is too long is cut.
+// Returns the string as one cell of a table: control characters become dots, and a longer string is cut.
 std::string OneLine(const std::string& text);
 
 }  // namespace hbbtv::ctl

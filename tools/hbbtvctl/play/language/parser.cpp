@@ -44,7 +44,7 @@ void CheckNumber(const Place& place, const std::string& what, size_t given, cons
                                  ": " + Listed(wanted)};
 }
 
-// Only what is constant: the other values are known when the line runs.
+// Checks constants only: other values are known when the line runs.
 void CheckTypes(const Expressions& given, const std::vector<Parameter>& parameters) {
     const Names none;
     for (size_t i = 0; i < given.size(); ++i) {
@@ -66,7 +66,7 @@ class Parser {
   private:
     using Rule = Action (Parser::*)(Cursor&);
 
-    // Up to the block's "end"; at the outermost level to "finally" or the end of the file.
+    // Parses up to the block's "end"; at the outermost level to "finally" or the end of the file.
     std::vector<Statement> Block(bool inside) {
         std::vector<Statement> statements;
         mEndedBy = "";
@@ -81,7 +81,7 @@ class Parser {
             if (line == "end" || line == "finally") {
                 ++mNext;
                 if ((line == "end") != inside) {
-                    throw SyntaxError{mEndPlace, inside ? "\"finally\" cannot stand inside a block"
+                    throw SyntaxError{mEndPlace, inside ? "\"finally\" is not allowed inside a block"
                                                         : "\"end\" without the \"for\" or \"quiet\" that it ends"};
                 }
                 mEndedBy = line;
@@ -117,7 +117,7 @@ class Parser {
         }
         statement.action = (this->*rule->second)(cursor);
         cursor.ExpectEnd();
-        // What belongs to the loop is known in it only.
+        // Names of the loop are known only in it.
         if (std::holds_alternative<ForStep>(statement.action)) {
             std::get<ForStep>(statement.action).body = Block(true);
             mNames.End();
@@ -209,7 +209,7 @@ class Parser {
     Action Title(Cursor& cursor) { return TitleStep{cursor.Text("a string")}; }
     Action Print(Cursor& cursor) { return PrintStep{cursor.Text("a string")}; }
 
-    // The command goes to the end of the line, or to " -> ".
+    // The command extends to the end of the line, or to " -> ".
     Action Tell(const std::string& line) {
         TellStep step;
         step.until = line.rfind("until ", 0) == 0;
@@ -349,7 +349,7 @@ class Parser {
 
     Action Ignore(Cursor& cursor) { return IgnoreStep{AnyMethod(cursor)}; }
 
-    // The names in the text are the method's own: the arguments of an event, the results of a call.
+    // The names in the string are the method's: the arguments of an event, the results of a call.
     Action Show(Cursor& cursor) {
         const Place place = cursor.Peek().place;
         ShowStep step;
@@ -402,7 +402,7 @@ class Parser {
         return step;
     }
 
-    // What a loop runs over may be 0 or empty.
+    // The values of a loop may be 0 or empty.
     static void TakeNothingToo(Expression& pattern) {
         pattern.orNothing = true;
         for (Expression& element : pattern.elements) TakeNothingToo(element);

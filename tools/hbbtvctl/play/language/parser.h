@@ -1,5 +1,5 @@
-// From the text of a play to its statements. Everything that can be known before it runs is checked here: names,
-// methods, operations, events, the number of arguments and the types of those that are constant.
+// Parses a play into statements, and checks what can be checked before it runs: names, methods, operations, events, the
+// number of arguments and the types of constant ones.
 #pragma once
 
 #include <set>
@@ -9,8 +9,7 @@
 
 namespace hbbtv::ctl {
 
-// `names` are known from the beginning, without their "$". Throws Failure(kUsage) that begins with "FILE:LINE:COLUMN:
-// ".
+// `names`, without their "$", are known from the start. Throws a Failure(kUsage) that begins with "FILE:LINE:COLUMN: ".
 Script ParseScript(const std::string& file, const std::string& text, const std::set<std::string>& names);
 
 }  // namespace hbbtv::ctl

@@ -1,4 +1,4 @@
-// A play as the parser reads it: statements with their places, and the expressions in them.
+// A parsed play: statements with their places, and their expressions.
 #pragma once
 
 #include <json/value.h>
@@ -28,7 +28,7 @@ struct Expression {
     Json::Value literal;               // Literal
     Format text;                       // Text: with names in it; Containing
     std::string name;                  // Name, without its "$"
-    bool orNothing = false;            // Name: "$x?", which is also bound to 0, false and ""
+    bool orNothing = false;            // Name: "$x?", which also binds 0, false and ""
     std::vector<std::string> keys;     // Object
     std::vector<Expression> elements;  // List, and Object in the order of its keys
 };
@@ -48,7 +48,7 @@ struct PrintStep {
 struct CallStep {
     Package::QualifiedMethod called;
     Expressions arguments;
-    std::optional<Expressions> results;  // without them, a status of 0
+    std::optional<Expressions> results;  // default: a status of 0
     bool until = false;
     std::optional<Milliseconds> within;
 };
@@ -61,7 +61,7 @@ struct ServiceStep {
 
 struct TellStep {
     Format command;
-    std::optional<Format> answer;  // without it, one that begins with "ok"
+    std::optional<Format> answer;  // default: one that begins with "ok"
     bool until = false;
 };
 
@@ -69,14 +69,14 @@ struct SendStep {
     const WireFamily* family;
     const Json::Value* operation;
     Expression members;
-    std::optional<Expression> reply;  // without it, "ret" has to be 0
+    std::optional<Expression> reply;  // default: "ret" is 0
 };
 
 struct EmitStep {
     const WireFamily* family;
     const Json::Value* event;
     Expression members;
-    std::optional<Expression> reply;  // one-way without it
+    std::optional<Expression> reply;  // none: one-way
 };
 
 struct AnswerStep {
@@ -88,7 +88,7 @@ struct EventStep {
     enum class Which { NextOfItsMethod, AmongOthers, NextOfAll };
 
     Which which = Which::NextOfItsMethod;
-    const WireFamily* family = nullptr;  // where the line names the event of the wire
+    const WireFamily* family = nullptr;  // if the line names the wire event
     const Json::Value* event = nullptr;
     Package::QualifiedMethod method;
     Expressions arguments;
@@ -96,7 +96,7 @@ struct EventStep {
 };
 
 struct NoEventStep {
-    std::string method;  // empty: of any
+    std::string method;  // empty: any
 };
 
 struct IgnoreStep {
@@ -125,7 +125,7 @@ struct WaitStep {
 struct ForStep {
     Expression pattern;
     std::optional<Expression> list;
-    Expression from;  // without a list
+    Expression from;  // if there is no list
     Expression below;
     std::vector<Statement> body;
 };
@@ -141,14 +141,14 @@ using Action =
 struct Statement {
     int line = 0;
     std::string keyword;  // "call", "until", "tell", ...
-    std::string text;     // as it is written
+    std::string text;     // as written
     Action action;
 };
 
 struct Script {
     std::string file;
     std::vector<Statement> body;
-    std::vector<Statement> finally;  // runs also when the body fails
+    std::vector<Statement> finally;  // runs even if the body fails
 };
 
 }  // namespace hbbtv::ctl

@@ -30,13 +30,13 @@ void AppendUtf8(std::string& text, unsigned code) {
     }
 }
 
-// One line; brackets may stay open.
+// Reads one line; brackets may remain open.
 class LineReader {
   public:
     LineReader(const std::string& line, int number, std::vector<Token>& tokens)
         : mLine(line), mNumber(number), mTokens(tokens) {}
 
-    // Returns how many more brackets are open than before.
+    // Returns the change of the number of open brackets.
     int Read() {
         while (true) {
             while (mAt < mLine.size() && std::isspace(static_cast<unsigned char>(mLine[mAt])) != 0) ++mAt;

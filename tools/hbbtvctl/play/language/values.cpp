@@ -12,7 +12,7 @@ namespace hbbtv::ctl {
 
 namespace {
 
-// A handle of the wire, "0x1000", as the number that clients know.
+// Converts a handle of the wire, "0x1000", to the number that clients use.
 Json::Value Number(const Json::Value& value) {
     if (!value.isString() || value.asString().rfind("0x", 0) != 0) return value;
     return static_cast<Json::UInt64>(std::strtoull(value.asString().c_str(), nullptr, 16));
@@ -46,7 +46,7 @@ const Type* FieldOf(const Type* type, const std::string& name) {
     return nullptr;
 }
 
-// One comparison; its new names are bound when all of it fits.
+// One comparison; its new names are bound if all of it matches.
 class Comparison {
   public:
     explicit Comparison(Names& names) : mNames(names) {}
@@ -98,7 +98,7 @@ class Comparison {
         return true;
     }
 
-    // What the pattern does not name has to be nothing.
+    // Members that the pattern does not name must be 0, false or empty.
     bool FitsObject(const Expression& pattern, const Json::Value& value, const Type* type) {
         if (!value.isObject()) return false;
         for (size_t i = 0; i < pattern.keys.size(); ++i) {

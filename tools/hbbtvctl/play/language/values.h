@@ -1,4 +1,4 @@
-// Values of a play: names and what they stand for, expressions, and patterns.
+// Values of a play: names, expressions and patterns.
 #pragma once
 
 #include <json/value.h>
@@ -12,16 +12,16 @@
 
 namespace hbbtv::ctl {
 
-// The names that are bound. A block forgets what was first bound in it.
+// The bound names. Names first bound in a block are unbound at its end.
 class Names {
   public:
     void Begin() { mScopes.emplace_back(); }
     void End() { mScopes.pop_back(); }
 
-    // Returns null when the name is not bound.
+    // Returns null if the name is not bound.
     const Json::Value* Find(const std::string& name) const;
 
-    // Changes the name where it is bound, or binds it in the innermost block.
+    // Changes the value of a bound name, or binds the name in the innermost block.
     void Set(const std::string& name, const Json::Value& value);
 
   private:
@@ -30,25 +30,25 @@ class Names {
 
 bool IsConstant(const Expression& expression);
 
-// Throws Failure for a name that is not bound, since what would have bound it failed.
+// Throws Failure for a name that is not bound because the line that binds it failed.
 Json::Value Evaluate(const Expression& expression, const Names& names);
 
-// Compares the value with the pattern and, when it fits, binds the pattern's new names. `type` is that of the value,
-// null on the wire: enumerators go by name where it is known.
+// Compares the value with the pattern and, if it matches, binds the pattern's new names. `type` is that of the value,
+// null on the wire: it is needed for the names of enumerators.
 bool Match(const Expression& pattern, const Json::Value& value, const Type* type, Names& names);
 
-// The same for several values, of which either all names are bound or none.
+// The same for several values; binds either all names or none.
 bool Match(const Expressions& patterns, const Json::Value& values, const std::vector<Parameter>& parameters,
            Names& names);
 
-// Returns the pattern with the values of its names: what was expected.
+// Returns the pattern with the values of its names, for messages.
 std::string Shown(const Expression& pattern, const Names& names);
 std::string Shown(const Expressions& patterns, const Names& names);
 
-// Whether the value is not 0, false or empty.
+// Returns whether the value is not 0, false or empty.
 bool IsSomething(const Json::Value& value);
 
-// Whether the text is the pattern's, in which "..." stands for any characters.
+// Returns whether the string matches the pattern, in which "..." matches any characters.
 bool MatchText(const std::string& pattern, const std::string& text);
 
 }  // namespace hbbtv::ctl
