@@ -65,7 +65,7 @@ void EventSender::SendAndWait(const std::string& event, const Json::Value& membe
 // The work is posted, so that an event caused by a request is sent after the reply to that request.
 void EventSender::Enqueue(Waiting event) {
     if (mQueue.size() >= kLongestQueue) {
-        if (!mSaidSo) Journal::Log(mPath + ": nobody reads the events; further ones are dropped");
+        if (!mSaidSo) Journal::Log(mPath + ": no process reads the events; further ones are dropped");
         mSaidSo = true;
         Answer(event, Json::Value());
         return;

@@ -32,7 +32,7 @@ class ChannelLists {
     // The same among all channels, including removed ones.
     std::shared_ptr<Channel> KnownWithNumber(int number) const;
 
-    // The viewer removes a channel from the list of all channels, or puts it back in its place. By number; returns null
+    // The viewer removes a channel from the list of all channels, or puts it back where it was. By number; returns null
     // if there is no such channel or nothing to do.
     std::shared_ptr<Channel> TakeOut(int number);
     std::shared_ptr<Channel> PutBack(int number);

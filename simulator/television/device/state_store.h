@@ -12,7 +12,7 @@
 
 namespace hbbtv::sim {
 
-// Members of a loaded document; throw Refused if there is none of the type.
+// Members of a loaded document; throw Refused if no member has the type.
 std::string TextIn(const Json::Value& object, const char* member);
 const Json::Value& ListIn(const Json::Value& object, const char* member);
 

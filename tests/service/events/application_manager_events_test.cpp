@@ -324,7 +324,7 @@ TEST_F(ApplicationManagerEvents, TheDeathOfTheClientEndsAllDeliveries) {
     EXPECT_THAT(mClient->Calls(), IsEmpty());
     EXPECT_THAT(other->Calls(), IsEmpty());
 
-    // Every registration is made anew, without what was left of the old ones.
+    // Every registration is new and does not depend on the old ones.
     EXPECT_EQ(Register(8, other), 0);
     onKeyPress(3, 4, nullptr);
     EXPECT_EQ(Register(1, other, 9), 0);

@@ -1,4 +1,4 @@
-// Values of a channel that nobody knows, and strings of any size.
+// Unknown values of a channel, and strings of any size.
 #include <gtest/gtest.h>
 
 #include "method_rows.h"

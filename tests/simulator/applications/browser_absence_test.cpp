@@ -90,7 +90,7 @@ TEST_F(Absence, IsWhatAReplyOfNullMeans) {
     Start();
     Tell("zap 2");
     EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
-    Reply("null\n");  // nobody has registered
+    Reply("null\n");  // no client has registered
     ExpectSaid("mtm: no tab for Start: no browser responds", 1);
     EXPECT_EQ(Tell("tabs"), "ok browser not there, status 0, memory 0");
 }
@@ -135,7 +135,7 @@ TEST_F(Absence, OfAnAnswerToAPingTakesTheTabsAwayUntilABrowserAnswersAgain) {
     EXPECT_EQ(AppEntry("11.1"), "11.1 Start, broadcast-related, shown, keys 0x1f");
     EXPECT_EQ(NextCommand(), "Ping");
     Reply(R"({"ret": 0, "status": 0})");
-    EXPECT_EQ(NextCommand(), "DestroyAllApps") << "it may still have tabs that nobody knows";
+    EXPECT_EQ(NextCommand(), "DestroyAllApps") << "it may still have unknown tabs";
     EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);
 }
 

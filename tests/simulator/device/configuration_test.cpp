@@ -269,7 +269,7 @@ TEST_F(Configuration, IsWhatItWasAfterARestart) {
     EXPECT_EQ(Get("GetPreferredUILanguage"), "eng") << "what was never set is as at first";
     EXPECT_EQ(Tell("set rating-age 9"), "ok");
     EXPECT_EQ(Ret("RegisterCallback"), 0) << "a registration does not outlast the television";
-    EXPECT_EQ(SetAudio("fra,ita"), 0) << "what was set before is no change";
+    EXPECT_EQ(SetAudio("fra,ita"), 0) << "the same value is not a change";
     EXPECT_EQ(Tell("set rating-age 10"), "ok");
     EXPECT_EQ(NextChange(), "rating age age=10");
 }

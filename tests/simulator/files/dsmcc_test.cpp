@@ -148,7 +148,7 @@ TEST_F(Dsmcc, ANewVersionIsReportedToThoseWhoHaveTheFile) {
     const std::string after = Expect(kChanged, kIndex);
     EXPECT_NE(after, before);
     EXPECT_EQ(ContentOf(after), "hello again");
-    EXPECT_EQ(ContentOf(before), "hello") << "somebody may be reading it";
+    EXPECT_EQ(ContentOf(before), "hello") << "a client may be reading it";
     EXPECT_EQ(ReleaseFile(kIndex), 0);
     EXPECT_FALSE(std::filesystem::exists(before));
     EXPECT_FALSE(std::filesystem::exists(after));

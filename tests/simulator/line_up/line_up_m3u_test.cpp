@@ -198,7 +198,7 @@ TEST(IpServices, AreChannelsByTheirBroadcastId) {
     EXPECT_EQ(tv.Refusal(*channel), std::nullopt);
     EXPECT_EQ(tv.MakeChannel(numbers), channel);
     numbers.idType = static_cast<int>(IdType::IptvSds);
-    EXPECT_EQ(tv.MakeChannel(numbers)->service, nullptr) << "a URI is no name of a service provider's";
+    EXPECT_EQ(tv.MakeChannel(numbers)->service, nullptr) << "a URI is not a service provider's name";
     numbers.ipBroadcastId = "";
     numbers.idType = static_cast<int>(IdType::DvbS);
     EXPECT_EQ(tv.MakeChannel(numbers)->service, nullptr);

@@ -94,7 +94,7 @@ TEST_F(Programmes, KeepWhatClientsSetAndStayWhereTheyAre) {
     EXPECT_EQ(GetOf(again, "GetProgramIDType"), 2);
 }
 
-// Programmes that nobody has changed are discarded in the meantime and generated again when they are requested.
+// Unchanged programmes are discarded in the meantime and generated again when they are requested.
 TEST_F(Programmes, KeepWhatClientsSetWhenThousandsOfDaysAreMadeUp) {
     constexpr int kServices = 500;
     mLineUp = LineUpOf(kServices);

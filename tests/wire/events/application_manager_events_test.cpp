@@ -247,7 +247,7 @@ TEST_F(ApplicationManagerEvents, ForgetEveryRegistrationOfAContextThatIsTakenBac
     Unregister(1, 7);
     Register(1, kFirst, 9);
     EXPECT_EQ(Send({kEvent}), (Lines{"first 1 17 19 0x8", "first 1 17 19 0x9"}));
-    // One that was never registered takes the function back all the same.
+    // One that was never registered also removes the function.
     Unregister(1, 0x1234);
     EXPECT_EQ(Send({kEvent}), Lines{});
 }

@@ -90,7 +90,7 @@ TEST(AVControlEvents, AreThoseOfTheProtocol) {
 }
 
 TEST_F(Events, ThePlatformIsNotToldWhoReceivesThem) {
-    // Nobody is there to be told, and that is no failure.
+    // There is no receiver to call, and that is not a failure.
     EXPECT_EQ(Register(Receiver::kFirst), 0);
     EXPECT_EQ(Send({Selected().event}), (std::vector<std::string>{"first " + Selected().received}));
     EXPECT_EQ(Unregister(), 0);

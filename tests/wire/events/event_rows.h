@@ -56,7 +56,7 @@ struct EventsEnd {
     int (*unregister)();
 };
 
-// The requests by which the platform is told of that, in a family where it is.
+// The requests that report this to the platform, in a family that has them.
 struct EventRequests {
     const char* registering;  // a member of the request, as in "method" : 0
     int (*unregister)();      // null when registrations do not end

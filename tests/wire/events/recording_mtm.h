@@ -1,4 +1,4 @@
-// A browser as the tab manager's adaptor sees it: keeps what it is told, and gives what the test says.
+// A browser as the tab manager's adaptor sees it: records its calls, and returns what the test sets.
 #pragma once
 
 #include <mutex>

@@ -342,7 +342,7 @@ TEST_P(Texts, StandOnTheWireAsJsonStrings) {
     }
 }
 
-// What nobody waits for fails without a line of the JSON base.
+// A one-way message fails without a line of the JSON base.
 TEST_P(PlatformProcess, MayBeDownAndComeBack) {
     LogCapture log;
     ExpectUntouched(GetParam().Call(), -1);

@@ -1,4 +1,4 @@
-// A server's delegate that keeps what it is given and answers as it is told.
+// A server's delegate that records its messages and sends the reply that the test sets.
 #pragma once
 
 #include <functional>

@@ -238,7 +238,7 @@ TEST_F(ServerSocket, ReportsAReplyThatNobodyTakes) {
     EXPECT_TRUE(mLog.WaitForLine(ANDROID_LOG_WARN, "tolm_IPC", "peer closed!")) << mLog.Text();
 }
 
-// An address that cannot be bound: the server can be started all the same, and its accept calls fail.
+// An address that cannot be bound: the server can still be started, and its accept calls fail.
 TEST_F(ServerSocket, SaysWhyItCannotBeReached) {
     std::filesystem::create_directories(mDirectory / kName + "/inside");
     Start();

@@ -231,7 +231,7 @@ std::string EventsFixture::Ask(const std::string& text, int port) {
 }
 
 // Messages of a connection are handled in order, so the reply to this one comes after all before it. It goes to a port
-// that nobody receives, which leaves no lines of the adaptor.
+// without a receiver, which leaves no lines of the adaptor.
 std::vector<ReceivedEvent> EventsFixture::Received() {
     EXPECT_EQ(Ask("{}", 4711), "");
     std::lock_guard<std::mutex> lock(gMutex);

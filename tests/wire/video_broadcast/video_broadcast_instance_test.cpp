@@ -154,7 +154,7 @@ TEST_F(VideoBroadcastInstance, GoesPromptlyWhileEventsCome) {
     for (int i = 0; i < 3; ++i) {
         senders.emplace_back([&] {
             while (!stop) {
-                // Between two instances nobody listens.
+                // Between two instances there is no receiver.
                 if (!gExists) {
                     std::this_thread::yield();
                     continue;

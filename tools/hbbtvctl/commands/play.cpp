@@ -102,8 +102,7 @@ void AddPlay(CLI::App& app, Invocation& invocation) {
         ->take_all();
     AddTime(*command, "--timeout", options->timeout, "Longest wait for a reply or an event");
     command->footer(
-        "A line of a file is a call with its expected results, an expected event, a message of the wire, or "
-        "a\n"
+        "A line of a file is a call with its expected results, an expected event, a message of the wire, or a\n"
         "command to the simulated platform; docs/play.md explains them. The first line that fails ends\n"
         "the file.\n\n"
         "Examples:\n"

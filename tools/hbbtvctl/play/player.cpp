@@ -310,8 +310,7 @@ void Player::Do(const ForStep& step, StepReport&) {
     }
     const Json::Value from = Evaluate(step.from, mNames);
     const Json::Value below = Evaluate(step.below, mNames);
-    if (!from.isIntegral() || !below.isIntegral())
-        Unexpected("integers", WriteJson(from) + ", " + WriteJson(below));
+    if (!from.isIntegral() || !below.isIntegral()) Unexpected("integers", WriteJson(from) + ", " + WriteJson(below));
     for (int64_t i = from.asInt64(); i < below.asInt64(); ++i) once(static_cast<Json::Int64>(i));
 }
 

@@ -12,7 +12,7 @@ namespace {
 std::mutex gMutex;
 size_t gClaimed = 0;  // guarded by gMutex
 
-// Kept free for what nobody claims (log lines, results, a thread's stack) and for short messages.
+// Kept free for memory that is not claimed (log lines, results, a thread's stack) and for short messages.
 constexpr size_t kReserve = 16u << 20;
 constexpr size_t kShort = 64u << 10;
 
