@@ -29,11 +29,14 @@ using tolm::TolmIpcServerSocket;
 
 constexpr char kTag[] = "tolm_IPC";
 
+// Before the first thread starts: an arena of its own would hold memory in reserve that the limit does not cover.
+const bool kOneArena = mallopt(M_ARENA_MAX, 1) == 1;
+
 // No allocation of more than 24 MiB succeeds while it exists; smaller ones, and one more thread, do.
 class MemoryLimit {
   public:
     MemoryLimit() {
-        mallopt(M_ARENA_MAX, 1);  // each other one would take its part of what is left
+        EXPECT_TRUE(kOneArena);
         getrlimit(RLIMIT_AS, &mBefore);
         if (kSanitized) return;
         rlimit limit = mBefore;
