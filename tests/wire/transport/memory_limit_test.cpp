@@ -36,9 +36,9 @@ const bool kOneArena = mallopt(M_ARENA_MAX, 1) == 1;
 class MemoryLimit {
   public:
     MemoryLimit() {
-        EXPECT_TRUE(kOneArena);
         getrlimit(RLIMIT_AS, &mBefore);
         if (kSanitized) return;
+        EXPECT_TRUE(kOneArena);
         rlimit limit = mBefore;
         limit.rlim_cur = static_cast<rlim_t>(UsageOfThisProcess().addressSpaceKiB) * 1024 + (24u << 20);
         EXPECT_EQ(0, setrlimit(RLIMIT_AS, &limit));
