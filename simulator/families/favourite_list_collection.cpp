@@ -15,13 +15,10 @@ class FavouriteListCollectionFamily : public ObjectFamily<Favourites> {
   private:
     void RemoveAt(In in, Out);
     void ActivateFavouriteList(In in, Out);
-
-    Tv& mTv;
 };
 
 FavouriteListCollectionFamily::FavouriteListCollectionFamily(const FamilySetup& setup)
-    : ObjectFamily("favourite_list_collection", setup.tv.favouriteCollections, "collection of favourite lists"),
-      mTv(setup.tv) {
+    : ObjectFamily("favourite_list_collection", setup.tv.favouriteCollections, "collection of favourite lists") {
     using F = FavouriteListCollectionFamily;
     const auto look = [&](const char* name, auto search) { Look(name, "list", setup.tv.favouriteLists, search); };
     Row("Release", &F::Release);
