@@ -23,4 +23,9 @@ ScratchDirectory::~ScratchDirectory() {
     std::filesystem::remove_all(mPath, ignored);
 }
 
+const ScratchDirectory& DirectoryOfThisProgram() {
+    static const ScratchDirectory directory;
+    return directory;
+}
+
 }  // namespace hbbtv::test

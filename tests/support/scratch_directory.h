@@ -22,4 +22,7 @@ class ScratchDirectory {
     std::string mPath;
 };
 
+// Returns one for all tests of this program, for tests that share the library's instances: these find their sockets once.
+const ScratchDirectory& DirectoryOfThisProgram();
+
 }  // namespace hbbtv::test

@@ -217,7 +217,7 @@ class Method : public testing::TestWithParam<MethodRow> {
         EXPECT_EQ(platform.Frames()[0].port, UnderTest().Port());
     }
 
-    ScratchDirectory mDirectory;
+    const ScratchDirectory& mDirectory = DirectoryOfThisProgram();
 };
 
 // Of the methods whose result is a handle.

@@ -106,7 +106,7 @@ class RowTest : public ::testing::TestWithParam<Row> {
     std::string ReplyWith(const std::string& ret) const { return WithMember(ReplyText(), "ret", ret); }
     int Lines() const { return GetParam().IsOneWay() ? 0 : 1; }
 
-    ScratchDirectory mDirectory;
+    const ScratchDirectory& mDirectory = DirectoryOfThisProgram();
     const std::string mSocket = UnderTest().Socket();
 };
 
@@ -403,7 +403,7 @@ TEST(Protocol, NamesTheSocketsOfItsKeys) {
 }
 
 TEST(Protocol, HasAnExampleThatIsWhatTravels) {
-    const ScratchDirectory directory;
+    DirectoryOfThisProgram();
     const Json::Value& example = UnderTest().Wire().protocol["examples"]["request"];
     const Row& row = UnderTest().RowOf(example["operation"].asString());
     FakePlatform platform(UnderTest().Socket(), example["reply"].toStyledString());
