@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include <fstream>
-#include <iterator>
+#include <climits>
 #include <list>
 #include <string>
 #include <thread>
@@ -25,6 +24,7 @@ using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
 constexpr int64_t kVb = 0x1000;
 constexpr size_t kMaxBytes = 16u << 20;
 constexpr size_t kMaxValues = 100000;
+constexpr size_t kMaxNumberBytes = 64u << 10;
 
 struct Family {
     const char* name;
@@ -124,10 +124,19 @@ class LimitedService : public testing::Test {
         ASSERT_EQ(mService.WaitForExit(std::chrono::milliseconds(0)), std::nullopt) << mService.Output();
     }
 
-    // Less than one of the messages takes when it is parsed.
+    // Sends a message by `send`. Returns by how much the memory of the service grows meanwhile, at most.
+    template <typename Function>
+    long Peak(const Function& send) {
+        const long before = UsageOf(mService.Pid()).residentKiB;
+        ForgetPeak(mService.Pid());
+        send();
+        return PeakResidentKiB(mService.Pid()) - before;
+    }
+
+    // Allows for what the log, the heap's metadata and the stacks of threads keep.
     void ExpectNothingStays() const {
         if (kSanitized) return;
-        EXPECT_TRUE(WaitFor([&] { return UsageOf(mService.Pid()).residentKiB < mIdle.residentKiB + (48 << 10); },
+        EXPECT_TRUE(WaitFor([&] { return UsageOf(mService.Pid()).residentKiB < mIdle.residentKiB + (4 << 10); },
                             std::chrono::seconds(5)))
             << ToText(mIdle) << "\n"
             << ToText(UsageOf(mService.Pid()));
@@ -159,6 +168,35 @@ TEST_F(LimitedService, SurvivesEveryReplyWith128MiB) {
         EXPECT_TRUE(service->SetVolume(kVb, 20).isOk()) << shape.substr(0, 200);
         ASSERT_NO_FATAL_FAILURE(ExpectServed()) << shape.substr(0, 200);
     }
+    ExpectNothingStays();
+}
+
+// Too many values, too long a number, too deep, closed in the wrong order, unfinished: found at the end of the text.
+std::vector<std::string> RefusedTexts() {
+    const std::string text(15u << 20, ' ');
+    return {Filled("{\"list\": [", "[],", "1]}"), text + "{\"n\": " + std::string(kMaxNumberBytes + 1, '1') + "}",
+            text + std::string(1100, '['), text + "{]", text + "{\"name\": \"x"};
+}
+
+TEST_F(LimitedService, TakesAtMostTwiceTheTextOfAMessageThatItRefuses) {
+    const android::sp<IVideoBroadcast> service = FindVideoBroadcast();
+    for (const std::string& text : RefusedTexts()) {
+        const long twice = static_cast<long>(2 * text.size() / 1024);
+        const std::string end = text.substr(text.size() - 20);
+        const long event = Peak([&] { EXPECT_TRUE(Send(kFamilies[0], text)); });
+        EXPECT_LT(event, kSanitized ? LONG_MAX : twice) << end;
+        mPlatforms.front().SetReply(text);
+        const long reply = Peak([&] { EXPECT_EQ(service->SetVolume(kVb, 20).withDefault(0), -1); });
+        EXPECT_LT(reply, kSanitized ? LONG_MAX : twice) << end;
+    }
+    // A text over the limit is not stored.
+    constexpr long kWithoutText = 2 << 10;
+    const std::string tooLong(kMaxBytes + 1, ' ');
+    EXPECT_LT(Peak([&] { EXPECT_TRUE(Send(kFamilies[0], tooLong)); }), kSanitized ? LONG_MAX : kWithoutText);
+    mPlatforms.front().SetReply(tooLong);
+    EXPECT_LT(Peak([&] { EXPECT_EQ(service->SetVolume(kVb, 20).withDefault(0), -1); }),
+              kSanitized ? LONG_MAX : kWithoutText);
+    ExpectServed();
     ExpectNothingStays();
 }
 

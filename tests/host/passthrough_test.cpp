@@ -1,6 +1,7 @@
 // Implementations from libraries, and the wrapper of local objects.
 #include <hidl/HidlPassthroughSupport.h>
 
+#include "detour.h"
 #include "fixtures.h"
 
 namespace hbbtv::test {
@@ -24,6 +25,14 @@ TEST_F(Passthrough, ImplementationsAreLoadedFromTheirLibrary) {
     EXPECT_FALSE(service->isRemote());
     EXPECT_EQ(Echo(service, "text"), "text");
     EXPECT_EQ(service->pid().withDefault(0), getpid());
+}
+
+TEST_F(Passthrough, LibrariesAreCalledByTheTypeOfTheirFunction) {
+    const sp<IDetour> detour =
+        ::android::hardware::details::getServiceInternal<BpDetour>("passthrough", true, true /* getStub */);
+    ASSERT_NE(detour, nullptr);
+    EXPECT_EQ(detour->weight, UINT64_MAX);
+    EXPECT_TRUE(detour->ping().isOk());
 }
 
 TEST_F(Passthrough, MissingImplementationsAreNull) {

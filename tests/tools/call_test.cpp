@@ -67,6 +67,20 @@ TEST_F(Call, TakesStringsThatLookLikeOtherValues) {
     EXPECT_EQ(Ctl({"call", "IChannel.GetName", channel}).output, "status  0\nname    \"a\\u001b[31m\\u009b\\u007f\"\n");
 }
 
+TEST_F(Call, TakesEachWordAsOneArgument) {
+    const FinishedRun surplus = Ctl({"call", "IAVControl.ComponentUpdate", "7", "0", "[]", "0", "[1,2]"});
+    EXPECT_EQ(surplus.exit, 2);
+    EXPECT_THAT(surplus.errors, HasSubstr("unexpected argument \"[1,2]\""));
+    EXPECT_EQ(Ctl({"call", "IAVControl.ComponentUpdate", "7", "0", "[]", "0"}).output, "status  0\n");
+    EXPECT_EQ(Ctl({"call", "--", "IAVControl.ComponentUpdate", "7", "0", "[]", "0"}).output, "status  0\n");
+    const std::string channel = CurrentChannel();
+    for (const std::string name : {"[a,b]", "[]", "[", "\x01", "\x01[]"}) {
+        EXPECT_EQ(Ctl({"call", "IChannel.SetName", channel, name}).output, "status  0\n") << name;
+        const Json::Value document = Document(Ctl({"call", "IChannel.GetName", channel, "--json"}));
+        EXPECT_EQ(document["results"]["name"].asString(), name);
+    }
+}
+
 TEST_F(Call, CarriesLongStringsAndAnyBytes) {
     const std::string channel = CurrentChannel();
     const std::string file = mDirectory / "text";
@@ -99,6 +113,14 @@ TEST_F(Call, TakesAndPrintsVectorsAndStructs) {
         const std::string handle = made["results"]["list"].asString();
         EXPECT_EQ(Ctl({"call", "IChannelList.GetLength", handle}).output, "status  0\nlength  3\n");
     }
+    const auto lengthOf = [&](const std::string& list) {
+        const FinishedRun run = Ctl({"call", "IChannelConfig.CreateChannelList", list, "--json"});
+        const std::string handle = Document(run)["results"]["list"].asString();
+        return run.errors + Ctl({"call", "IChannelList.GetLength", handle}).output;
+    };
+    EXPECT_EQ(lengthOf("[\"" + channel + "\", \"" + channel + "\"]"), "status  0\nlength  2\n");
+    EXPECT_EQ(lengthOf("[\"" + channel + "\"]"), "status  0\nlength  1\n");
+    EXPECT_EQ(lengthOf("[]"), "status  0\nlength  0\n");
     const std::vector<std::string> getIds{"call", "IConfiguration.GetDttNetworkIds"};
     EXPECT_THAT(Ctl(getIds).output, MatchesRegex("status      0\nnetworkIds  \\[[0-9]+, [0-9]+\\]\n"));
     const Json::Value ids = Document(Ctl({getIds[0], getIds[1], "--json"}))["results"]["networkIds"];

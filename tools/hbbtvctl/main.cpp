@@ -123,7 +123,7 @@ int Main(int argc, char** argv) {
     AddCommands(app, invocation);
     SetHelp(app);
     if (argc > 1 && std::string(argv[1]) == "complete") return Complete(app, {argv + std::min(argc, 3), argv + argc});
-    const std::vector<std::string> words = SplitJsonOption(app, argc, argv);
+    const std::vector<std::string> words = PreparedWords(app, argc, argv);
     try {
         app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     } catch (const CLI::CallForHelp& e) {

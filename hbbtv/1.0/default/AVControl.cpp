@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_hidl_transaction.h"
 #include "utils/include/tolm_registered_client.h"
 #include "utils/include/tolm_service_tags.h"
 
@@ -58,8 +59,8 @@ TOLM_ERR TolmAVControlComponentCallback(TolmPluginIPCAvContrl event, ::TolmHbbtv
         TOLM_LOG(ANDROID_LOG_INFO, tolm::kAVControlTag, "TolmAVControlComponentCallback callback null");
         return -1;
     }
-    // If the client has just died, the call fails, and the event is dropped.
-    (void)client->onComponentSelect(event, static_cast<V1_0::TolmHbbtvAVComponentType>(type), index).isOk();
+    tolm::Received(client->onComponentSelect(event, static_cast<V1_0::TolmHbbtvAVComponentType>(type), index),
+                   tolm::kAVControlTag);
     return 0;
 }
 

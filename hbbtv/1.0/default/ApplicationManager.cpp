@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_hidl_transaction.h"
 #include "utils/include/tolm_registered_client.h"
 #include "utils/include/tolm_service_tags.h"
 
@@ -250,14 +251,22 @@ hidl_string Text(const char* text) {
     return result;
 }
 
+// An event, and the function that forwards it, for the log line. A bare event converts to it.
+struct Forwarded {
+    Forwarded(::TolmAIPEvent theEvent, const char* theFunction = __builtin_FUNCTION())
+        : event(theEvent), function(theFunction) {}
+
+    ::TolmAIPEvent event;
+    const char* function;
+};
+
 // Calls the client of an event.
 template <typename... Parameters, typename... Arguments>
-void Forward(::TolmAIPEvent event, Return<void> (IAIPEventCallback::*method)(Parameters...),
+void Forward(const Forwarded& forwarded, Return<void> (IAIPEventCallback::*method)(Parameters...),
              const Arguments&... arguments) {
-    const sp<IAIPEventCallback> client = mApmCallback.GetLiving(event);
+    const sp<IAIPEventCallback> client = mApmCallback.GetLiving(forwarded.event);
     if (client == nullptr) return;
-    // If the client has just died, the call fails, and the event is dropped.
-    (void)((*client).*method)(arguments...).isOk();
+    tolm::Received(((*client).*method)(arguments...), tolm::kApplicationManagerTag, forwarded.function);
 }
 
 }  // namespace

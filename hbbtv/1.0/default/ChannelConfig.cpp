@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_hidl_transaction.h"
 #include "utils/include/tolm_registered_client.h"
 #include "utils/include/tolm_service_tags.h"
 
@@ -69,8 +70,8 @@ void TolmChannelConfigCallback(const TolmChannelConfigEvent& event, const ::Tolm
                                const void* context) {
     const sp<IChannelConfigCallback> client = mConfigCallback.Get();
     if (client == nullptr) return;
-    // If the client has just died, the call fails, and the event is dropped.
-    (void)client->OnChannelConfigEvent(event, {static_cast<uint8_t>(info.reserved)}, ToHandle(context)).isOk();
+    tolm::Received(client->OnChannelConfigEvent(event, {static_cast<uint8_t>(info.reserved)}, ToHandle(context)),
+                   tolm::kVideoBroadcastTag);
 }
 
 IChannelConfig* HIDL_FETCH_IChannelConfig(const char*) {

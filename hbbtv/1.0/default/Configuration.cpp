@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_hidl_transaction.h"
 #include "utils/include/tolm_registered_client.h"
 #include "utils/include/tolm_service_tags.h"
 
@@ -217,8 +218,7 @@ void TolmConfigurationCallback(const TolmConfigurationEvent& event, ::TolmConfig
                                                     info.deviceId,
                                                     info.deviceIdTimestamp};
     for (const sp<IConfigurationCallback>& client : clients) {
-        // If the client has just died, the call fails, and the event is dropped.
-        (void)client->onConfigurationEvent(event, hidlInfo).isOk();
+        tolm::Received(client->onConfigurationEvent(event, hidlInfo), tolm::kConfigurationTag);
     }
 }
 

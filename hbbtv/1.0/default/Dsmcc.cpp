@@ -1,6 +1,7 @@
 #include "Dsmcc.h"
 
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_hidl_transaction.h"
 #include "utils/include/tolm_registered_client.h"
 #include "utils/include/tolm_service_tags.h"
 
@@ -47,8 +48,7 @@ void TolmBacBrowserDSMCCFileCallback(TolmDSMCCFileEventType type, const char* fi
         TOLM_LOG(ANDROID_LOG_ERROR, tolm::kDsmccTag, "IDsmccCallback callback is null");
         return;
     }
-    // If the client has just died, the call fails, and the event is dropped.
-    (void)client->OnDsmccFileEvent(type, "", filePath, ToHandle(context)).isOk();
+    tolm::Received(client->OnDsmccFileEvent(type, "", filePath, ToHandle(context)), tolm::kDsmccTag);
 }
 
 IDsmcc* HIDL_FETCH_IDsmcc(const char*) {

@@ -3,6 +3,9 @@
 #include <memory>
 #include <utility>
 
+#include "utils/include/tolm_hidl_transaction.h"
+#include "utils/include/tolm_service_tags.h"
+
 namespace vantorel::hardware::hbbtv::implementation {
 
 using ::android::sp;
@@ -18,22 +21,22 @@ hidl_vec<hidl_string> ToHidl(const std::vector<std::string>& strings) {
 
 }  // namespace
 
-int MtmCallback::Call(std::function<Return<int32_t>(Client&)> call) {
+int MtmCallback::Call(std::function<Return<int32_t>(Client&)> call, const char* function) {
     const sp<Client> client = mClient.GetLiving();
     if (client == nullptr) return -1;
-    return mCalls.Run(client.get(), [client, call = std::move(call)] {
+    return mCalls.Run(client.get(), [client, call = std::move(call), function] {
         const Return<int32_t> status = call(*client);
-        return status.isOk() ? static_cast<int32_t>(status) : -1;
+        return tolm::Received(status, tolm::kMtmTag, function) ? static_cast<int32_t>(status) : -1;
     });
 }
 
 template <typename Result>
-int MtmCallback::CallForResult(Result& result, std::function<Return<void>(Client&, int&, Result&)> call) {
+int MtmCallback::CallForResult(Result& result, std::function<Return<void>(Client&, int&, Result&)> call,
+                               const char* function) {
     const auto owned = std::make_shared<Result>(result);
-    const int status = Call([owned, call = std::move(call)](Client& client) -> Return<int32_t> {
+    const int status = Call([owned, call = std::move(call), function](Client& client) -> Return<int32_t> {
         int answered = -1;
-        const bool isOk = call(client, answered, *owned).isOk();
-        return isOk ? answered : -1;
+        return tolm::Received(call(client, answered, *owned), tolm::kMtmTag, function) ? answered : -1;
     });
     if (status == 0) result = *owned;
     return status;

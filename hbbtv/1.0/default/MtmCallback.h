@@ -44,13 +44,15 @@ class MtmCallback : public TolmMtmCallback {
     using Client = V1_0::IMtmCallback;
 
     // `call` may continue after this has returned, so it owns what it uses.
-    int Call(std::function<::android::hardware::Return<int32_t>(Client& client)> call);
+    int Call(std::function<::android::hardware::Return<int32_t>(Client& client)> call,
+             const char* function = __builtin_FUNCTION());
 
     // As above, for a call with a result. `call` sets the status (-1 at first) and the result.
     template <typename Result>
     int CallForResult(
         Result& result,
-        std::function<::android::hardware::Return<void>(Client& client, int& status, Result& result)> call);
+        std::function<::android::hardware::Return<void>(Client& client, int& status, Result& result)> call,
+        const char* function = __builtin_FUNCTION());
 
     const RegisteredClient& mClient;
     TolmBoundedCalls mCalls;

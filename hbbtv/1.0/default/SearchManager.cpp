@@ -1,6 +1,7 @@
 #include "SearchManager.h"
 
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_hidl_transaction.h"
 #include "utils/include/tolm_registered_client.h"
 #include "utils/include/tolm_service_tags.h"
 
@@ -123,8 +124,8 @@ void TolmSearchManagerCallback(const TolmSearchManagerEvent& event, const ::Tolm
                                const void* context) {
     const sp<ISearchManagerCallback> client = mSearchCallback.GetLiving();
     if (client == nullptr) return;
-    // If the client has just died, the call fails, and the event is dropped.
-    (void)client->OnSearchManagerEvent(event, {info.state, ToHandle(info.searchHandle)}, ToHandle(context)).isOk();
+    tolm::Received(client->OnSearchManagerEvent(event, {info.state, ToHandle(info.searchHandle)}, ToHandle(context)),
+                   tolm::kSearchManagerTag);
 }
 
 ISearchManager* HIDL_FETCH_ISearchManager(const char*) {

@@ -2,6 +2,7 @@
 
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
 #include "utils/include/tolm_hidl_answer.h"
+#include "utils/include/tolm_hidl_transaction.h"
 #include "utils/include/tolm_registered_client.h"
 #include "utils/include/tolm_service_tags.h"
 
@@ -268,8 +269,7 @@ void TolmVideoBroadcastHidlCallback(const TolmVideoBroadcastEvent& event, const 
                                     const void*) {
     TolmVideoBroadcastEventInfo owned = info;
     if (const sp<IVideoBroadcastCallback> client = mVBCallback.Get()) {
-        // If the client has just died, the call fails, and the event is dropped.
-        (void)Forward(*client, event, owned).isOk();
+        tolm::Received(Forward(*client, event, owned), tolm::kVideoBroadcastTag);
     }
     TolmFreeVideoBroadcastEventInfo(event, owned);
 }

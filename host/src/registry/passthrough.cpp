@@ -41,22 +41,23 @@ std::vector<std::string> LibrariesIn(const std::string& directory, const std::st
 
 // Returns null if the library does not implement the interface or this instance of it. A library that has returned an
 // object stays loaded.
-sp<IBase> FetchFrom(const std::string& library, const std::string& function, const std::string& instance) {
+sp<IBase> FetchFrom(const std::string& library, const std::string& function, const std::string& instance,
+                    details::CallFetch callFetch) {
     void* const handle = dlopen(library.c_str(), RTLD_LAZY);
     if (handle == nullptr) {
         ALOGE("cannot load %s: %s", library.c_str(), dlerror());
         return nullptr;
     }
-    using Fetch = IBase* (*)(const char* name);
-    const Fetch fetch = reinterpret_cast<Fetch>(dlsym(handle, function.c_str()));
-    const sp<IBase> object = fetch == nullptr ? nullptr : fetch(instance.c_str());
+    void* const fetch = dlsym(handle, function.c_str());
+    const sp<IBase> object = fetch == nullptr ? nullptr : callFetch(fetch, instance.c_str());
     if (object == nullptr) dlclose(handle);
     return object;
 }
 
 }  // namespace
 
-sp<IBase> LoadPassthrough(const std::string& descriptor, const std::string& instance) {
+sp<IBase> LoadPassthrough(const std::string& descriptor, const std::string& instance,
+                          details::CallFetch callFetch) {
     const size_t colons = descriptor.find("::");
     const char* const path = getenv("HIDL_HOST_PASSTHROUGH_PATH");
     if (colons != std::string::npos && path != nullptr) {
@@ -65,7 +66,7 @@ sp<IBase> LoadPassthrough(const std::string& descriptor, const std::string& inst
         std::istringstream directories(path);
         for (std::string directory; std::getline(directories, directory, ':');) {
             for (const std::string& library : LibrariesIn(directory, prefix)) {
-                const sp<IBase> object = FetchFrom(library, function, instance);
+                const sp<IBase> object = FetchFrom(library, function, instance, callFetch);
                 if (object != nullptr) return object;
             }
         }

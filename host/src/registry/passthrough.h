@@ -2,6 +2,7 @@
 #pragma once
 
 #include <android/hidl/base/1.0/IBase.h>
+#include <hidl/ServiceManagement.h>
 
 #include <string>
 
@@ -9,6 +10,7 @@ namespace android::hardware::host {
 
 // Searches the libraries <package>@<version>-impl*.so in the directories of HIDL_HOST_PASSTHROUGH_PATH (separated by
 // ':') for an instance of the interface. If there is none, logs an error and returns null.
-sp<::android::hidl::base::V1_0::IBase> LoadPassthrough(const std::string& descriptor, const std::string& instance);
+sp<::android::hidl::base::V1_0::IBase> LoadPassthrough(const std::string& descriptor, const std::string& instance,
+                                                       details::CallFetch callFetch);
 
 }  // namespace android::hardware::host

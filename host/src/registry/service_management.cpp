@@ -57,8 +57,8 @@ sp<IBase> FindService(const std::string& descriptor, const std::string& instance
 
 }  // namespace
 
-sp<IBase> getRawServiceInternal(const std::string& descriptor, const std::string& instance, bool retry, bool getStub) {
-    if (getStub) return host::LoadPassthrough(descriptor, instance);
+sp<IBase> getRawServiceInternal(const std::string& descriptor, const std::string& instance, bool retry, CallFetch callFetch) {
+    if (callFetch != nullptr) return host::LoadPassthrough(descriptor, instance, callFetch);
     for (int turn = 1;; ++turn) {
         const sp<IBase> service = FindService(descriptor, instance);
         if (service != nullptr || !retry) return service;

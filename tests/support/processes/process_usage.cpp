@@ -16,17 +16,31 @@ long NumberBehind(const std::string& status, const std::string& name) {
     return at == std::string::npos ? -1 : std::stol(status.substr(at + name.size() + 2));
 }
 
+std::string DirectoryOf(pid_t pid) {
+    return "/proc/" + std::to_string(pid);
+}
+
+std::string StatusOf(pid_t pid) {
+    std::ifstream file(DirectoryOf(pid) + "/status");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 }  // namespace
 
 ProcessUsage UsageOf(pid_t pid) {
-    const std::string directory = "/proc/" + std::to_string(pid);
-    std::ifstream file(directory + "/status");
-    const std::string status{std::istreambuf_iterator<char>(file), {}};
-    file.close();
-    const std::filesystem::directory_iterator descriptors(directory + "/fd");
+    const std::string status = StatusOf(pid);
+    const std::filesystem::directory_iterator descriptors(DirectoryOf(pid) + "/fd");
     const auto open = std::distance(begin(descriptors), end(descriptors));
     return {NumberBehind(status, "VmRSS"), NumberBehind(status, "VmSize"), static_cast<int>(open),
             static_cast<int>(NumberBehind(status, "Threads"))};
+}
+
+long PeakResidentKiB(pid_t pid) {
+    return NumberBehind(StatusOf(pid), "VmHWM");
+}
+
+void ForgetPeak(pid_t pid) {
+    std::ofstream(DirectoryOf(pid) + "/clear_refs") << 5;
 }
 
 ProcessUsage UsageOfThisProcess() {

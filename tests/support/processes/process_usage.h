@@ -15,6 +15,11 @@ struct ProcessUsage {
 };
 
 ProcessUsage UsageOf(pid_t pid);
+
+// Returns the most memory that has been resident since ForgetPeak(), or since the process started.
+long PeakResidentKiB(pid_t pid);
+void ForgetPeak(pid_t pid);
+
 ProcessUsage UsageOfThisProcess();
 
 // For the message of a failed assertion.

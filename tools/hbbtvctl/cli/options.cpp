@@ -11,6 +11,18 @@ namespace hbbtv::ctl {
 namespace {
 
 constexpr const char* kJsonArguments = "--json-arguments";
+
+// Precedes an argument that CLI11 would take for a list of its own, and split at the commas: "[...]".
+constexpr char kWhole = '\x01';
+
+std::string Marked(const std::string& word) {
+    return !word.empty() && (word[0] == '[' || word[0] == kWhole) ? kWhole + word : word;
+}
+
+std::string Unmarked(const std::string& word) {
+    return !word.empty() && word[0] == kWhole ? word.substr(1) : word;
+}
+
 // Returns whether the word is "{...}", or refers to a file or standard input.
 bool IsObject(const std::string& word) {
     return word == "-" || (!word.empty() && (word[0] == '{' || word[0] == '@'));
@@ -47,7 +59,8 @@ void AddArguments(CLI::App& command, ArgumentOptions& options) {
     command
         .add_option("ARGUMENT", options.given.words,
                     "NAME=VALUE, or values in order; a value can be @FILE, or - for standard input")
-        ->type_name("ARGUMENT");
+        ->type_name("ARGUMENT")
+        ->transform(Unmarked, "");
     command.add_flag("--json", options.json,
                      "Print JSON; if an object follows ('{...}', @FILE or -), take the arguments from it");
     command.add_option(kJsonArguments, options.given.json)->group("");
@@ -57,7 +70,7 @@ void AddJson(CLI::App& command, bool& json) {
     command.add_flag("--json", json, "Print JSON");
 }
 
-std::vector<std::string> SplitJsonOption(const CLI::App& app, int argc, char** argv) {
+std::vector<std::string> PreparedWords(const CLI::App& app, int argc, char** argv) {
     std::vector<std::string> words(argv + 1, argv + argc);
     const auto command = std::find_if(words.begin(), words.end(), [&app](const std::string& word) {
         return !app.get_subcommands([&word](const CLI::App* named) {
@@ -65,6 +78,7 @@ std::vector<std::string> SplitJsonOption(const CLI::App& app, int argc, char** a
                    })
                     .empty();
     });
+    std::transform(command, words.end(), command, Marked);
     for (auto word = command; word != words.end() && *word != "--"; ++word) {
         if (word->rfind("--json=", 0) == 0) {
             const std::string object = word->substr(sizeof("--json=") - 1);

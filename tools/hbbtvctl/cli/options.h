@@ -42,8 +42,9 @@ void AddArguments(CLI::App& command, ArgumentOptions& options);
 // Adds --json for the output only.
 void AddJson(CLI::App& command, bool& json);
 
-// Returns the words of the command line. In commands that take arguments, "--json {...}" becomes
-// "--json --json-arguments={...}", so that --json takes a value only if the next word looks like one.
-std::vector<std::string> SplitJsonOption(const CLI::App& app, int argc, char** argv);
+// Returns the words of the command line as the parser needs them. In commands that take arguments, "--json {...}"
+// becomes "--json --json-arguments={...}", so that --json takes a value only if the next word looks like one, and
+// "[...]" is marked as one argument.
+std::vector<std::string> PreparedWords(const CLI::App& app, int argc, char** argv);
 
 }  // namespace hbbtv::ctl

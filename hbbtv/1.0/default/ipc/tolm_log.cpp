@@ -5,12 +5,23 @@
 
 namespace tolm {
 
+namespace {
+
+thread_local Place tLastPlace{"", 0, ""};
+
+}  // namespace
+
+const Place& LastPlace() {
+    return tLastPlace;
+}
+
 void LogAt(const Place& place, int priority, const char* tag, const char* message) {
     __android_log_print(priority, tag, "[tolm](%s:%d) %s: %s", LogFileName(place.file), place.line, place.function,
                         message);
 }
 
 LogScope::LogScope(const char* tag, const Place& place) : mTag(tag), mPlace(place) {
+    tLastPlace = place;
     LogAt(mPlace, ANDROID_LOG_VERBOSE, mTag, "ENTER");
 }
 

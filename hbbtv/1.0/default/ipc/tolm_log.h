@@ -34,6 +34,9 @@ struct Place {
 // Writes a line that names `place`.
 void LogAt(const Place& place, int priority, const char* tag, const char* message);
 
+// Returns the place of the LogScope that this thread has created last: that of the operation that it has just called.
+const Place& LastPlace();
+
 // Writes ENTER when it is created and LEAVE at the end of its scope.
 class LogScope {
   public:

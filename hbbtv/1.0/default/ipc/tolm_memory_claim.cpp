@@ -27,15 +27,16 @@ bool AvailableLocked(size_t size) {
 }  // namespace
 
 MemoryClaim::~MemoryClaim() {
-    if (mSize == 0) return;
+    if (mAsked == 0) return;
     {
         std::lock_guard<std::mutex> lock(gMutex);
         gClaimed -= mSize;
     }
-    ReturnFreedMemory(mSize);
+    ReturnFreedMemory(mAsked);
 }
 
 bool MemoryClaim::Take(size_t size) {
+    mAsked = size;
     std::lock_guard<std::mutex> lock(gMutex);
     if (!AvailableLocked(size)) return false;
     gClaimed += size;

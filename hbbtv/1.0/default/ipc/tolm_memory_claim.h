@@ -12,7 +12,7 @@ class MemoryClaim {
   public:
     MemoryClaim() = default;
 
-    // The memory itself has been freed before.
+    // The memory itself has been freed before, also that of a message that was refused.
     ~MemoryClaim();
 
     MemoryClaim(const MemoryClaim&) = delete;
@@ -22,7 +22,8 @@ class MemoryClaim {
     bool Take(size_t size);
 
   private:
-    size_t mSize = 0;
+    size_t mAsked = 0;
+    size_t mSize = 0;  // 0 if it was refused
 };
 
 // Makes room for `capacity` bytes. Returns false if there is not enough memory for `total` in addition to all claims.

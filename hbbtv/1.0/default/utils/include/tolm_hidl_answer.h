@@ -5,7 +5,8 @@
 //     }
 //
 // It calls the adaptor operation with the arguments and with value-initialised results, then answers the caller exactly
-// once: the HIDL stub ends the process if the answer is missing or repeated.
+// once: the HIDL stub ends the process if the answer is missing or repeated. Results that HIDL does not carry are
+// dropped, and the status is -1.
 #pragma once
 
 #include <hidl/HidlSupport.h>
@@ -18,6 +19,8 @@
 #include <type_traits>
 #include <utility>
 #include <vector>
+
+#include "utils/include/tolm_hidl_transaction.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
 
@@ -83,11 +86,22 @@ void SetArguments(Values& values, std::index_sequence<Index...>, const Arguments
     ((std::get<Index>(values) = ToAdaptor<std::tuple_element_t<Index, Values>>(arguments)), ...);
 }
 
+// Answers the caller: with -1 and empty results if HIDL does not carry these results.
+template <typename... Results>
+void AnswerOnce(const std::function<void(int32_t, Results...)>& callback, int status,
+                const std::decay_t<Results>&... results) {
+    if (::tolm::HidlCarries((size_t{0} + ... + ::tolm::HidlSize(results)))) {
+        callback(status, results...);
+    } else {
+        callback(-1, std::decay_t<Results>()...);
+    }
+}
+
 // Answers with the values after the first `kFirst` of `values`.
 template <size_t kFirst, typename... Results, typename Values, size_t... Index>
 void AnswerWith(const std::function<void(int32_t, Results...)>& callback, int status, Values& values,
                 std::index_sequence<Index...>) {
-    callback(status, ToHidl<std::decay_t<Results>>(std::get<kFirst + Index>(values))...);
+    AnswerOnce(callback, status, ToHidl<std::decay_t<Results>>(std::get<kFirst + Index>(values))...);
 }
 
 // Sets the results, which follow the first `kFirst` of `values`.
@@ -130,7 +144,7 @@ template <typename Adaptor, typename... Results, typename Operation>
     Adaptor* adaptor = Adaptor::GetInstance();
     const int status =
         adaptor == nullptr ? -1 : std::apply([&](auto&... result) { return operation(*adaptor, result...); }, results);
-    std::apply([&](const auto&... result) { callback(status, result...); }, results);
+    std::apply([&](const auto&... result) { details::AnswerOnce(callback, status, result...); }, results);
     return ::android::hardware::Void();
 }
 
