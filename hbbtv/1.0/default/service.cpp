@@ -22,6 +22,7 @@
 #include <vantorel/hardware/hbbtv/1.0/ISearchManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
+#include <csignal>
 #include <cstdio>
 
 using ::android::OK;
@@ -78,6 +79,8 @@ bool PublishAll() {
 }  // namespace
 
 int main() {
+    // The reader of the output may end; clients must not notice.
+    signal(SIGPIPE, SIG_IGN);
     configureRpcThreadpool(kThreads, true /* callerWillJoin */);
     const bool published = PublishAll();
     fflush(stdout);

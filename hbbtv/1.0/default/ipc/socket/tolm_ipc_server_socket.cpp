@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "ipc/socket/tolm_ipc_connection_limits.h"
 #include "ipc/socket/tolm_ipc_internal_socket.h"
 #include "ipc/tolm_ipc_key_converter.h"
 #include "ipc/tolm_log.h"
@@ -98,20 +99,34 @@ bool TolmIpcServerSocket::Running() {
     return mRunning;
 }
 
+void TolmIpcServerSocket::Pause(std::chrono::milliseconds time) {
+    std::unique_lock<std::mutex> lock(mMutex);
+    mChanged.wait_for(lock, time, [this] { return !mRunning; });
+}
+
+// Peers wait in the backlog until other connections have ended.
+void TolmIpcServerSocket::WaitForDescriptor() {
+    constexpr std::chrono::milliseconds kPause{10};
+    static OncePerSecond line;
+    while (Running() && !HasDescriptorForConnection(mListenFd)) {
+        if (line.Due()) TOLM_SOCKET_LOG(ANDROID_LOG_WARN, "too many descriptors in use, accepting pauses");
+        Pause(kPause);
+    }
+}
+
 // A platform that connects for every event may do so faster than the connections' threads end; threads would accumulate
-// until no more can be started. So with many connections, the next one is accepted when one has ended, or after a
-// pause.
-bool TolmIpcServerSocket::RunningWithRoom() {
+// until no more can be started. So with many connections, the next one is started when one has ended, or after a pause.
+void TolmIpcServerSocket::WaitForRoom() {
     constexpr size_t kMany = 64;
     constexpr std::chrono::milliseconds kPause{10};
     std::unique_lock<std::mutex> lock(mMutex);
     mChanged.wait_for(lock, kPause, [this] { return !mRunning || mConnections.size() < kMany; });
-    return mRunning;
 }
 
 void TolmIpcServerSocket::Run() {
     int failures = 0;
-    while (RunningWithRoom()) {
+    while (Running()) {
+        WaitForDescriptor();
         sockaddr_un peer{};
         socklen_t length = sizeof(peer);
         const int fd = accept4(mListenFd, reinterpret_cast<sockaddr*>(&peer), &length, SOCK_CLOEXEC);
@@ -130,12 +145,12 @@ void TolmIpcServerSocket::Run() {
 void TolmIpcServerSocket::PauseAfterFailures(int failures) {
     constexpr int kWithoutPause = 100;
     constexpr std::chrono::milliseconds kPause{100};
-    if (failures < kWithoutPause) return;
-    std::unique_lock<std::mutex> lock(mMutex);
-    mChanged.wait_for(lock, kPause, [this] { return !mRunning; });
+    if (failures >= kWithoutPause) Pause(kPause);
 }
 
 void TolmIpcServerSocket::StartConnection(int fd, const sockaddr_un& peer) {
+    if (!PeerConnections::Get().Add(fd)) return CloseSocket(fd);
+    WaitForRoom();
     std::lock_guard<std::mutex> lock(mMutex);
     const auto connection = mConnections.insert(mConnections.end(), Connection{fd, {}});
     // The new thread cannot end before its handle is stored, because it needs the mutex to end.
@@ -145,6 +160,7 @@ void TolmIpcServerSocket::StartConnection(int fd, const sockaddr_un& peer) {
     });
     if (started) return;
     if (mRunning) TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "thread error");
+    PeerConnections::Get().Remove(fd);
     CloseSocket(fd);
     mConnections.erase(connection);
 }
@@ -172,6 +188,7 @@ void TolmIpcServerSocket::OnRecv(int fd, sockaddr_un) {
 // The thread joins the one that ended before it and is itself joined by the next one, so that at most one is unjoined
 // when all have ended. It counts as a connection until it no longer waits for anything.
 void TolmIpcServerSocket::EndConnection(Connections::iterator connection) {
+    PeerConnections::Get().Remove(connection->fd);
     std::unique_lock<std::mutex> lock(mMutex);
     CloseSocket(std::exchange(connection->fd, -1));
     while (mEnded.Joinable()) {

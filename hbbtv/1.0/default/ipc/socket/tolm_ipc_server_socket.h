@@ -3,6 +3,7 @@
 
 #include <sys/un.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <list>
 #include <mutex>
@@ -36,9 +37,11 @@ class TolmIpcServerSocket : public TolmIpcServer {
 
     // On the accept thread.
     void Run();
-    bool RunningWithRoom();
+    void WaitForDescriptor();
     void StartConnection(int fd, const sockaddr_un& peer);
+    void WaitForRoom();
     void PauseAfterFailures(int failures);
+    void Pause(std::chrono::milliseconds time);
 
     // On a connection's thread. The peer's address is not used.
     void OnRecv(int fd, sockaddr_un peer);
