@@ -1,5 +1,7 @@
 // Calls between two processes: data, threads and failures.
+#include <hwbinder/IPCThreadState.h>
 #include <hwbinder/Parcel.h>
+#include <unistd.h>
 
 #include <limits>
 
@@ -9,6 +11,7 @@ namespace hbbtv::test {
 
 using ::android::sp;
 using ::android::hardware::IBinder;
+using ::android::hardware::IPCThreadState;
 using ::android::hardware::Parcel;
 
 namespace {
@@ -201,6 +204,31 @@ TEST_F(Callbacks, FromOtherThreadsOfTheServiceAreServedByThePool) {
     EXPECT_NE(listener->Threads()[0], std::this_thread::get_id());
 }
 
+// Stores the process that calls.
+class AskedListener : public Listener {
+  public:
+    Return<void> answer(const hidl_string& question, answer_cb callback) override {
+        mCaller = IPCThreadState::self()->getCallingPid();
+        return Listener::answer(question, callback);
+    }
+    std::atomic<pid_t> mCaller{0};
+};
+
+TEST_F(Callbacks, KnowTheProcessThatCallsAsTheServiceDoes) {
+    const sp<AskedListener> listener = new AskedListener;
+    ASSERT_TRUE(mService->setListener(listener).withDefault(false));
+    bool called = false;
+    const Return<void> returned = mService->caller([&](int32_t before, int32_t after) {
+        called = true;
+        EXPECT_EQ(before, getpid());
+        EXPECT_EQ(after, getpid());
+    });
+    EXPECT_TRUE(returned.isOk());
+    EXPECT_TRUE(called);
+    EXPECT_EQ(listener->mCaller, mPeer.Pid());
+    EXPECT_EQ(IPCThreadState::self()->getCallingPid(), getpid());
+}
+
 TEST_F(Callbacks, NestTwentyLevelsDeepOnOneThread) {
     const sp<Bouncer> mine = new Bouncer;
     const sp<IBouncer> theirs = mService->bouncer();
@@ -256,6 +284,12 @@ TEST_F(OnewayCalls, RunInOrder) {
     for (uint32_t i = 0; i < 5000; ++i) ASSERT_TRUE(mService->post(i).isOk());
     EXPECT_TRUE(WaitFor([&] { return Posted(mService).size() == 5000; }));
     EXPECT_EQ(Posted(mService), CountUp(5000));
+}
+
+TEST_F(OnewayCalls, HaveNoCaller) {
+    ASSERT_TRUE(mService->postCaller().isOk());
+    EXPECT_TRUE(WaitFor([&] { return Posted(mService).size() == 1; }));
+    EXPECT_EQ(Posted(mService)[0], 0u);
 }
 
 TEST_F(OnewayCalls, ReturnImmediatelyAndRunOneAtATime) {

@@ -1,12 +1,15 @@
 #include "workshop.h"
 
 #include <hidl/HidlTransportSupport.h>
+#include <hwbinder/IPCThreadState.h>
 #include <signal.h>
 #include <unistd.h>
 
 #include <thread>
 
 namespace hbbtv::test {
+
+using ::android::hardware::IPCThreadState;
 
 namespace {
 
@@ -81,6 +84,19 @@ Return<void> Workshop::summary(const hidl_vec<Item>& items, const hidl_string& t
 
 Return<int32_t> Workshop::pid() {
     return getpid();
+}
+
+Return<void> Workshop::caller(caller_cb callback) {
+    const IPCThreadState* const thread = IPCThreadState::self();
+    const pid_t before = thread->getCallingPid();
+    const sp<IListener> listener = Listener();
+    if (listener != nullptr) listener->answer("", [](const hidl_string&) {}).isOk();
+    callback(before, thread->getCallingPid());
+    return Void();
+}
+
+Return<void> Workshop::postCaller() {
+    return post(static_cast<uint32_t>(IPCThreadState::self()->getCallingPid()));
 }
 
 sp<IListener> Workshop::Listener() {

@@ -48,6 +48,8 @@ class Workshop : public IWorkbench {
     Return<Colour> nextColour(Colour colour) override;
     Return<void> summary(const hidl_vec<Item>& items, const hidl_string& title, summary_cb callback) override;
     Return<int32_t> pid() override;
+    Return<void> caller(caller_cb callback) override;
+    Return<void> postCaller() override;
     Return<bool> setListener(const sp<IListener>& listener) override;
     Return<sp<IListener>> listener() override;
     Return<bool> isListener(const sp<IListener>& listener) override;

@@ -25,6 +25,8 @@
 #include <csignal>
 #include <cstdio>
 
+#include "ipc/src/tolm_caller_queue.h"
+
 using ::android::OK;
 using ::android::hardware::configureRpcThreadpool;
 using ::android::hardware::joinRpcThreadpool;
@@ -33,13 +35,11 @@ using namespace ::vantorel::hardware::hbbtv::V1_0;
 
 namespace {
 
-// A family that stops answering blocks every thread that calls it, and the other families must keep working. Each
-// thread of a client can block one thread here: four client processes (the browser, the television's menu, its channel
-// list, a test tool) with 15 threads each, the default of a binder pool. That leaves a thread for each of the 18
-// families. Threads are created only when they are needed.
-constexpr size_t kClientThreads = 4 * 15;
+// A family that stops answering blocks the thread of its open request and those that wait for their turn. The pool has
+// room for all families in that state, and one thread that refuses whoever comes next. Threads are created only when
+// they are needed.
 constexpr size_t kFamilies = 18;
-constexpr size_t kThreads = kClientThreads + kFamilies;
+constexpr size_t kThreads = kFamilies * (1 + tolm::CallerQueue::kMostWaiting) + 1;
 
 template <typename Interface>
 bool Publish() {

@@ -1,7 +1,9 @@
 #include "connection/node.h"
 
 #define LOG_TAG "hidl_host"
+#include <hwbinder/IPCThreadState.h>
 #include <log/log.h>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -109,8 +111,9 @@ struct Serving {
     const Session* session;
     uint64_t id;
     unsigned depth;
+    pid_t caller;  // 0 for a one-way call
 };
-thread_local Serving tServing = {nullptr, 0, 0};
+thread_local Serving tServing = {nullptr, 0, 0, 0};
 
 // The limit of nested calls on one thread. Deeper nesting by a peer would exhaust the thread's stack.
 constexpr unsigned kMaxDepth = 100;
@@ -132,7 +135,8 @@ uint64_t IncomingCall::ServedFor(const Session* session) {
 void IncomingCall::Run() {
     const Serving before = tServing;
     // Nothing waits for a one-way call, so calls made by it do not have a parent.
-    tServing = {mOneway ? nullptr : mSession.get(), mOneway ? 0 : mId, before.depth + 1};
+    tServing = mOneway ? Serving{nullptr, 0, before.depth + 1, 0}
+                       : Serving{mSession.get(), mId, before.depth + 1, mSession->PeerPid()};
     if (before.depth >= kMaxDepth) {
         ALOGE("refusing a call: calls are nested too deeply");
         mSession->Reply(mId, FAILED_TRANSACTION, nullptr);
@@ -153,6 +157,10 @@ status_t IncomingCall::Serve() {
     const status_t status = mTarget->onTransact(mCode, mData, &reply, 0, answer);
     if (!answered) mSession->Reply(mId, status, &reply);
     return status;
+}
+
+pid_t IncomingCall::Caller() {
+    return tServing.depth > 0 ? tServing.caller : getpid();
 }
 
 // ---- OnewayQueue ----
@@ -195,4 +203,14 @@ bool OnewayQueue::FinishTurn() {
 }
 
 }  // namespace host
+
+IPCThreadState* IPCThreadState::self() {
+    static IPCThreadState* const state = new IPCThreadState;
+    return state;
+}
+
+pid_t IPCThreadState::getCallingPid() const {
+    return host::IncomingCall::Caller();
+}
+
 }  // namespace android::hardware

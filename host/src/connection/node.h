@@ -4,6 +4,7 @@
 
 #include <hwbinder/IBinder.h>
 #include <hwbinder/Parcel.h>
+#include <sys/types.h>
 
 #include <deque>
 #include <memory>
@@ -72,6 +73,9 @@ class IncomingCall : public Task {
     // Returns the id of the call that this thread is serving for the session, or 0. It is the parent of calls to the
     // session.
     static uint64_t ServedFor(const Session* session);
+
+    // See IPCThreadState::getCallingPid().
+    static pid_t Caller();
 
   private:
     status_t Serve();

@@ -44,6 +44,9 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
 
     bool IsDead() const { return mDead; }
 
+    // Returns the id of the process that has connected or accepted, or 0 if it is not visible here.
+    pid_t PeerPid() const { return mPeer; }
+
     // Calls a node of the peer. While it waits for the reply, this thread serves the calls that the peer makes on its
     // behalf.
     status_t Transact(uint64_t node, uint32_t code, const Parcel& data, Parcel* reply, bool oneway);

@@ -11,6 +11,7 @@
 #include "ipc/socket/tolm_ipc_internal_socket.h"
 #include "ipc/tolm_ipc_key_converter.h"
 #include "ipc/tolm_log.h"
+#include "ipc/tolm_reply_timeout.h"
 
 namespace tolm {
 
@@ -20,12 +21,29 @@ struct TolmIpcClientSocket::Connection {
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
+    // Ends the connection for both ends. The descriptor stays open for the thread that reads from it.
+    void Abandon() {
+        connected = false;
+        shutdown(fd, SHUT_RDWR);
+    }
+
     const int fd;
     std::atomic<bool> connected{false};
 };
 
+namespace {
+
+// Another thread may be writing to a platform that does not read.
+bool LockForMessage(std::unique_lock<std::timed_mutex>& lock, const Deadline& deadline) {
+    if (deadline.Lock(lock)) return true;
+    TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Send Error: %s", strerror(ETIMEDOUT));
+    return false;
+}
+
+}  // namespace
+
 TolmIpcClientSocket::TolmIpcClientSocket(TolmIpcKeyId key, int port)
-    : mSocketName(TolmIpcKeyConverter::GetInstance()->GetSocketName(key)), mPort(port) {
+    : mSocketName(TolmIpcKeyConverter::GetInstance()->GetSocketName(key)), mPort(port), mTimeout(ReplyTimeout()) {
     Init();
 }
 
@@ -52,11 +70,17 @@ bool TolmIpcClientSocket::Init() {
     return true;
 }
 
-bool TolmIpcClientSocket::Connect() {
+bool TolmIpcClientSocket::Connect(const Deadline& deadline) {
     if (mConnection->connected) return true;
     const std::string path = GetSocketFilePath(mSocketName);
     const sockaddr_un address = SocketAddress(path);
-    if (connect(mConnection->fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+    int failed;
+    do {
+        failed = deadline.Limit(mConnection->fd, SO_SNDTIMEO)
+                     ? connect(mConnection->fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address))
+                     : -1;
+    } while (failed != 0 && errno == EAGAIN && deadline.AllowsAnotherTry());
+    if (failed != 0) {
         TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Connect error:%s server_path:%s", strerror(errno), path.c_str());
         return false;
     }
@@ -64,44 +88,49 @@ bool TolmIpcClientSocket::Connect() {
     return true;
 }
 
-bool TolmIpcClientSocket::ReconnectIfNeeded() {
+bool TolmIpcClientSocket::ReconnectIfNeeded(const Deadline& deadline) {
     if (mConnection->connected) return true;
     TOLM_SOCKET_LOG(ANDROID_LOG_WARN, "Reconnect to server ...");
     mConnection.reset();
     Init();
-    Connect();
+    Connect(deadline);
     return mConnection->connected;
 }
 
-bool TolmIpcClientSocket::SendLocked(TolmIpcMessageType type, const std::vector<unsigned char>& msg) {
-    if (!ReconnectIfNeeded()) return false;
+bool TolmIpcClientSocket::SendLocked(TolmIpcMessageType type, const std::vector<unsigned char>& msg,
+                                     const Deadline& deadline) {
+    if (!ReconnectIfNeeded(deadline)) return false;
     if (msg.empty()) {
         TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Msg is empty");
         return false;
     }
     bool alive = true;
-    const bool sent = SendInternalSocket(mConnection->fd, mPort, type, msg, alive);
+    const bool sent = SendInternalSocket(mConnection->fd, mPort, type, msg, alive, deadline);
     if (!alive) mConnection->connected = false;
+    if (!sent && deadline.HasPassed()) mConnection->Abandon();  // a part of the message may have been written
     return sent;
 }
 
 bool TolmIpcClientSocket::Send(const std::vector<unsigned char>& msg) {
-    std::lock_guard<std::mutex> lock(mMutex);
-    return SendLocked(TOLM_IPC_MSG_ASYNC, msg);
+    const Deadline deadline(mTimeout);
+    std::unique_lock<std::timed_mutex> lock(mMutex, std::defer_lock);
+    return LockForMessage(lock, deadline) && SendLocked(TOLM_IPC_MSG_ASYNC, msg, deadline);
 }
 
 bool TolmIpcClientSocket::SendSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply) {
+    const Deadline deadline(mTimeout);
     std::shared_ptr<Connection> connection;
     {
-        std::lock_guard<std::mutex> lock(mMutex);
-        if (!SendLocked(TOLM_IPC_MSG_SYNC, msg)) return false;
+        std::unique_lock<std::timed_mutex> lock(mMutex, std::defer_lock);
+        if (!LockForMessage(lock, deadline) || !SendLocked(TOLM_IPC_MSG_SYNC, msg, deadline)) return false;
         connection = mConnection;
     }
     // The next message is the reply, whatever its type and port.
     TolmIpcSocketMsgHeader header{};
     bool alive = true;
-    const bool received = RecvInternalSocket(connection->fd, header, reply, alive);
+    const bool received = RecvInternalSocket(connection->fd, header, reply, alive, deadline);
     if (!alive) connection->connected = false;
+    if (!received && deadline.HasPassed()) connection->Abandon();  // the rest of the reply may still come
     return received;
 }
 

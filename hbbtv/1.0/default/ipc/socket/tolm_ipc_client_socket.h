@@ -1,11 +1,14 @@
 // The IPC client over a Unix-domain stream socket. Connects for the first message, and again after the server has
-// closed the connection.
+// closed the connection, or the client has: when ReplyTimeout() passes, an exchange is given up and the connection with
+// it, so that what is still to come cannot be taken for the reply to a later request.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
 
+#include "ipc/socket/tolm_ipc_deadline.h"
 #include "ipc/tolm_ipc_client.h"
 #include "ipc/tolm_ipc_types.h"
 
@@ -28,15 +31,16 @@ class TolmIpcClientSocket : public TolmIpcClient {
 
     // Called with mMutex held, except by the constructor.
     bool Init();
-    bool Connect();
-    bool ReconnectIfNeeded();
-    bool SendLocked(TolmIpcMessageType type, const std::vector<unsigned char>& msg);
+    bool Connect(const Deadline& deadline);
+    bool ReconnectIfNeeded(const Deadline& deadline);
+    bool SendLocked(TolmIpcMessageType type, const std::vector<unsigned char>& msg, const Deadline& deadline);
 
     const std::string mSocketName;
     const int mPort;
+    const std::chrono::milliseconds mTimeout;  // for one message, from connecting to the end of its reply; 0: none
 
     // Held while a message is written, never while waiting for a reply.
-    std::mutex mMutex;
+    std::timed_mutex mMutex;
 
     // Guarded by mMutex. A thread that waits for a reply shares the connection, so that its descriptor is not closed
     // and reused for another file while that thread reads from it.

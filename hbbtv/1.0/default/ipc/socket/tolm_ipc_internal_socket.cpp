@@ -23,12 +23,18 @@ struct Free {
 };
 
 // Continues after a signal, which must not lose the position in the stream.
-ssize_t Receive(int fd, void* to, size_t size) {
+ssize_t Receive(int fd, void* to, size_t size, const Deadline& deadline) {
     ssize_t n;
     do {
+        if (!deadline.Limit(fd, SO_RCVTIMEO)) return -1;
         n = recvfrom(fd, to, size, MSG_WAITALL, nullptr, nullptr);
-    } while (n < 0 && errno == EINTR);
+    } while (n < 0 && deadline.AllowsAnotherTry());
     return n;
+}
+
+ssize_t SendPart(int fd, const void* from, size_t size, const Deadline& deadline) {
+    if (!deadline.Limit(fd, SO_SNDTIMEO)) return -1;
+    return sendto(fd, from, size, MSG_NOSIGNAL, nullptr, 0);
 }
 
 void PeerClosed(bool& alive) {
@@ -62,11 +68,11 @@ bool CannotStore(bool& alive) {
 }
 
 // `header` is set only once it is complete, so that the caller does not act on a part of it.
-bool ReceiveHeader(int fd, TolmIpcSocketMsgHeader& header, bool& alive) {
+bool ReceiveHeader(int fd, TolmIpcSocketMsgHeader& header, bool& alive, const Deadline& deadline) {
     unsigned char bytes[sizeof(header)];
     size_t received = 0;
     while (received < sizeof(bytes)) {
-        const ssize_t n = Receive(fd, bytes + received, sizeof(bytes) - received);
+        const ssize_t n = Receive(fd, bytes + received, sizeof(bytes) - received, deadline);
         if (n == 0) {
             PeerClosed(alive);
             return false;
@@ -85,7 +91,7 @@ bool ReceiveHeader(int fd, TolmIpcSocketMsgHeader& header, bool& alive) {
 }  // namespace
 
 bool SendInternalSocket(int fd, int port, TolmIpcMessageType type, const std::vector<unsigned char>& payload,
-                        bool& alive) {
+                        bool& alive, const Deadline& deadline) {
     const TolmIpcSocketMsgHeader header{static_cast<uint32_t>(payload.size()), type, port};
     size_t remaining = sizeof(header) + payload.size();
     const std::unique_ptr<unsigned char, Free> message(static_cast<unsigned char*>(malloc(remaining)));
@@ -98,9 +104,9 @@ bool SendInternalSocket(int fd, int port, TolmIpcMessageType type, const std::ve
 
     const unsigned char* next = message.get();
     while (remaining > 0) {
-        const ssize_t n = sendto(fd, next, std::min(remaining, kChunk), MSG_NOSIGNAL, nullptr, 0);
+        const ssize_t n = SendPart(fd, next, std::min(remaining, kChunk), deadline);
         if (n < 0) {
-            if (errno == EINTR) continue;
+            if (deadline.AllowsAnotherTry()) continue;
             if (errno == EPIPE) {
                 PeerClosed(alive);
             } else {
@@ -114,8 +120,9 @@ bool SendInternalSocket(int fd, int port, TolmIpcMessageType type, const std::ve
     return true;
 }
 
-bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsigned char>& payload, bool& alive) {
-    if (!ReceiveHeader(fd, header, alive)) return false;
+bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsigned char>& payload, bool& alive,
+                        const Deadline& deadline) {
+    if (!ReceiveHeader(fd, header, alive, deadline)) return false;
     if (header.size == 0) {
         PeerClosed(alive);
         return false;
@@ -126,7 +133,7 @@ bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsi
     unsigned char chunk[kChunk] = {};
     size_t remaining = header.size;
     while (remaining > 0) {
-        const ssize_t n = Receive(fd, chunk, std::min(remaining, kChunk));
+        const ssize_t n = Receive(fd, chunk, std::min(remaining, kChunk), deadline);
         if (n == 0) {
             PeerClosed(alive);
             return false;

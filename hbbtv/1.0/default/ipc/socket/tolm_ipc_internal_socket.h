@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "ipc/socket/tolm_ipc_deadline.h"
 #include "ipc/tolm_ipc_types.h"
 
 namespace tolm {
@@ -21,14 +22,16 @@ struct TolmIpcSocketMsgHeader {
 static_assert(sizeof(TolmIpcSocketMsgHeader) == 12, "the header is 12 bytes on the wire");
 
 // Writes one message. Returns whether it was written completely. Sets `alive` to false if the peer has closed the
-// connection. Not thread-safe for one socket.
+// connection. Not thread-safe for one socket. When the deadline passes, a part of the message may have been written.
 bool SendInternalSocket(int fd, int port, TolmIpcMessageType type, const std::vector<unsigned char>& payload,
-                        bool& alive);
+                        bool& alive, const Deadline& deadline = {});
 
 // Reads one message and appends its payload to `payload`. Returns whether it was complete. A payload of more than
 // kMaxPayloadBytes is read but not stored. Sets `alive` to false if the peer has closed the connection, if there is not
-// enough memory for the payload, or if the message is empty, which is how a peer sends no reply.
-bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsigned char>& payload, bool& alive);
+// enough memory for the payload, or if the message is empty, which is how a peer sends no reply. When the deadline
+// passes, a part of the message may have been read.
+bool RecvInternalSocket(int fd, TolmIpcSocketMsgHeader& header, std::vector<unsigned char>& payload, bool& alive,
+                        const Deadline& deadline = {});
 
 // Returns the address of a socket file, truncated to the 107 characters that fit into an address.
 sockaddr_un SocketAddress(const std::string& path);

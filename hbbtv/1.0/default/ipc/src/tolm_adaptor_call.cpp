@@ -2,7 +2,9 @@
 
 #include "ipc/src/tolm_hbbtv_ipc_tools.h"
 #include "ipc/src/tolm_json_text.h"
+#include "ipc/tolm_ipc_key_converter.h"
 #include "ipc/tolm_log.h"
+#include "ipc/tolm_reply_timeout.h"
 
 namespace tolm {
 
@@ -71,6 +73,13 @@ Json::Value Request(const Family& family, const Method& method, std::initializer
     request[Json::StaticString(family.codeKey)] = method.code;
     for (const Member& member : members) Add(member, request);
     return request;
+}
+
+void LogLate(const Family& family, const Method& method) {
+    const std::string message = "no reply to request " + std::to_string(method.code) + " of " +
+                                TolmIpcKeyConverter::GetInstance()->GetSocketName(family.requests) + " within " +
+                                std::to_string(ReplyTimeout().count()) + " ms, the connection is closed";
+    LogAt(method.place, ANDROID_LOG_WARN, family.tag, message.c_str());
 }
 
 }  // namespace
@@ -229,7 +238,9 @@ int TolmAdaptorClient::Call(const Method& method, std::initializer_list<Member> 
     LogScope scope(mFamily.tag, method.place);
     MemoryClaim claim;
     Json::Value reply;
-    const int status = SendIpc(Request(mFamily, method, request), reply, claim);
+    bool late = false;
+    const int status = SendIpc(Request(mFamily, method, request), reply, claim, late);
+    if (late) LogLate(mFamily, method);
     return status == 0 && !Read(reply, results) ? -1 : status;
 }
 

@@ -1,10 +1,13 @@
 #include "ipc/src/tolm_base_client.h"
 
+#include <chrono>
 #include <string>
 
 #include "ipc/src/tolm_json_text.h"
 #include "ipc/tolm_ipc_factory.h"
+#include "ipc/tolm_ipc_key_converter.h"
 #include "ipc/tolm_log.h"
+#include "ipc/tolm_reply_timeout.h"
 
 namespace {
 
@@ -15,7 +18,8 @@ std::string ToString(const std::vector<unsigned char>& bytes) {
 }  // namespace
 
 TolmBaseClient::TolmBaseClient(TolmIpcKeyId key, int port)
-    : mClient(tolm::TolmIpcFactory::GetInstance()->CreateIpcClient(key, port, TOLM_IPC_TYPE_SOCKET)) {}
+    : mClient(tolm::TolmIpcFactory::GetInstance()->CreateIpcClient(key, port, TOLM_IPC_TYPE_SOCKET)),
+      mQueue(tolm::TolmIpcKeyConverter::GetInstance()->GetSocketName(key), tolm::ReplyTimeout()) {}
 
 int TolmBaseClient::SendIpcWithNoRet(const Json::Value& req) {
     const std::vector<unsigned char> bytes = tolm::ToStyledBytes(req);
@@ -26,8 +30,8 @@ int TolmBaseClient::SendIpcWithNoRet(const Json::Value& req) {
     return 0;
 }
 
-TolmBaseClient::Outcome TolmBaseClient::ExchangeLocked(const std::vector<unsigned char>& request, Json::Value& reply,
-                                                       tolm::MemoryClaim& claim) {
+TolmBaseClient::Outcome TolmBaseClient::Exchange(const std::vector<unsigned char>& request, Json::Value& reply,
+                                                 tolm::MemoryClaim& claim) {
     if (mClient == nullptr) return Outcome::kNoClient;
     std::vector<unsigned char> bytes;
     if (!mClient->SendSync(request, bytes)) return Outcome::kNoReply;
@@ -36,11 +40,16 @@ TolmBaseClient::Outcome TolmBaseClient::ExchangeLocked(const std::vector<unsigne
     return Outcome::kComplete;
 }
 
-int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply, tolm::MemoryClaim& claim) {
+int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply, tolm::MemoryClaim& claim, bool& late) {
     const std::vector<unsigned char> bytes = tolm::ToStyledBytes(req);
-    std::lock_guard<std::mutex> lock(mMutex);
-    const Outcome outcome = ExchangeLocked(bytes, reply, claim);
+    const tolm::CallerQueue::Turn turn(mQueue);
+    if (!turn) return -1;
+    const auto begin = std::chrono::steady_clock::now();
+    const Outcome outcome = Exchange(bytes, reply, claim);
     if (outcome != Outcome::kComplete) {
+        const std::chrono::milliseconds timeout = tolm::ReplyTimeout();
+        late =
+            outcome == Outcome::kNoReply && timeout.count() > 0 && std::chrono::steady_clock::now() - begin >= timeout;
         // One flag per step; 0 marks the step that failed.
         TOLM_LOG(ANDROID_LOG_WARN, tolm::kIpcBaseTag, "SendIpc failed %d %d %d", outcome != Outcome::kNoReply,
                  outcome != Outcome::kNotJson, outcome != Outcome::kNoStatus);
@@ -55,7 +64,8 @@ int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply, tolm::Me
 
 int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply) {
     tolm::MemoryClaim claim;
-    return SendIpc(req, reply, claim);
+    bool late = false;
+    return SendIpc(req, reply, claim, late);
 }
 
 int TolmBaseClient::SendIpc(const Json::Value& req) {

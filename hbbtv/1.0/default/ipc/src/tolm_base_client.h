@@ -4,9 +4,9 @@
 #include <json/json.h>
 
 #include <memory>
-#include <mutex>
 #include <vector>
 
+#include "ipc/src/tolm_caller_queue.h"
 #include "ipc/tolm_ipc_client.h"
 #include "ipc/tolm_ipc_types.h"
 #include "ipc/tolm_memory_claim.h"
@@ -21,11 +21,13 @@ class TolmBaseClient {
     int SendIpcWithNoRet(const Json::Value& req);
 
     // Sends a request and returns the reply's "ret", or -1 if there is none: the request was not sent, no reply came,
-    // the reply is not a JSON object, or "ret" is not an integer. One request at a time; others wait.
+    // the reply is not a JSON object, or "ret" is not an integer. One request at a time; others wait for their turn,
+    // and may be refused.
     int SendIpc(const Json::Value& req, Json::Value& reply);
 
-    // As above. `claim` must outlive the use of the reply.
-    int SendIpc(const Json::Value& req, Json::Value& reply, tolm::MemoryClaim& claim);
+    // As above. `claim` must outlive the use of the reply. Sets `late` if the request was given up because there was no
+    // reply within ReplyTimeout().
+    int SendIpc(const Json::Value& req, Json::Value& reply, tolm::MemoryClaim& claim, bool& late);
 
     // As above, without access to the reply's other members.
     int SendIpc(const Json::Value& req);
@@ -37,9 +39,9 @@ class TolmBaseClient {
     // The first step of an exchange that failed, if any.
     enum class Outcome { kNoClient, kNoReply, kNotJson, kNoStatus, kComplete };
 
-    // mMutex is held.
-    Outcome ExchangeLocked(const std::vector<unsigned char>& request, Json::Value& reply, tolm::MemoryClaim& claim);
+    // Called in a turn of mQueue.
+    Outcome Exchange(const std::vector<unsigned char>& request, Json::Value& reply, tolm::MemoryClaim& claim);
 
     std::shared_ptr<tolm::TolmIpcClient> mClient;
-    std::mutex mMutex;  // held from a request to its reply, which is how they are matched
+    tolm::CallerQueue mQueue;  // a turn is from a request to its reply, which is how they are matched
 };

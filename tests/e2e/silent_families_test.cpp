@@ -1,0 +1,330 @@
+// Families that do not answer, and clients that are killed while they wait: the other families answer as ever, and all
+// is as before when the platform answers again or is restarted.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "family_calls.h"
+#include "raw_socket.h"
+#include "scratch_directory.h"
+#include "system.h"
+#include "wire/endpoint.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kLiving = 90;
+constexpr int kKilledClients = 8;
+constexpr int kCallersOfAClient = 10;
+constexpr int kMostWaiting = 15;
+constexpr milliseconds kPatienceOfTheService{5000};
+constexpr milliseconds kAnswered{50};
+constexpr int kStatus = 5;  // not 0, so that replies need no results
+constexpr char kReply5[] = R"({"ret": 5})";
+
+// The threads of a process that wait: those that call have sent their calls.
+size_t SleepingThreads(pid_t pid) {
+    size_t sleeping = 0;
+    std::error_code ended;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task", ended)) {
+        std::string stat;
+        std::getline(std::ifstream(task.path() / "stat"), stat);
+        const size_t state = stat.rfind(") ");
+        if (state != std::string::npos && stat[state + 2] == 'S') ++sleeping;
+    }
+    return sleeping;
+}
+
+// Calls in turn, on its own thread, what must be answered although families are silent. A call that takes longer than
+// kAnswered is repeated a few times, since the machine may be busy; a service without a free thread fails them all.
+class Probe {
+  public:
+    explicit Probe(std::vector<FamilyCall> calls) : mCalls(std::move(calls)), mThread([this] { Run(); }) {}
+    ~Probe() {
+        mStop = true;
+        mThread.join();
+    }
+
+    int Rounds() const { return mRounds; }
+
+    // Returns whether each call is answered after this.
+    bool Advances() {
+        const int before = mRounds;
+        return WaitFor([&] { return mRounds >= before + 2; });
+    }
+
+    std::set<std::string> Late() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mLate;
+    }
+
+  private:
+    void Run() {
+        for (; !mStop; ++mRounds) {
+            for (const FamilyCall& call : mCalls) {
+                if (IsAnsweredInTime(call) || mStop) continue;
+                std::lock_guard<std::mutex> lock(mMutex);
+                mLate.insert(std::string(call.interface) + "." + call.method);
+            }
+        }
+    }
+
+    bool IsAnsweredInTime(const FamilyCall& call) {
+        for (int attempt = 0; attempt < 20 && !mStop; ++attempt) {
+            const auto begin = Clock::now();
+            const int status = Make(call);
+            if (status != kStatus && status != 0) return false;
+            if (Clock::now() - begin <= kAnswered) return true;
+        }
+        return false;
+    }
+
+    const std::vector<FamilyCall> mCalls;
+    std::atomic<bool> mStop{false};
+    std::atomic<int> mRounds{0};
+    std::mutex mMutex;
+    std::set<std::string> mLate;  // guarded by mMutex
+    std::thread mThread;
+};
+
+// Callers of this process, each on its own thread.
+class LivingCallers {
+  public:
+    struct Left {
+        int status;
+        milliseconds after;  // the begin of the first call
+    };
+
+    ~LivingCallers() {
+        for (std::thread& thread : mThreads) thread.join();
+    }
+
+    void Call(const FamilyCall& call) {
+        mThreads.emplace_back([this, call] {
+            const int status = Make(call);
+            std::lock_guard<std::mutex> lock(mMutex);
+            mLeft.push_back({status, std::chrono::duration_cast<milliseconds>(Clock::now() - mBegin)});
+        });
+    }
+
+    std::vector<Left> AllLeft() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mLeft;
+    }
+
+    bool WaitForLeft(size_t count) {
+        return WaitFor([&] { return AllLeft().size() >= count; });
+    }
+
+    milliseconds Age() const { return std::chrono::duration_cast<milliseconds>(Clock::now() - mBegin); }
+
+  private:
+    const Clock::time_point mBegin = Clock::now();
+    std::mutex mMutex;
+    std::vector<Left> mLeft;  // guarded by mMutex
+    std::list<std::thread> mThreads;
+};
+
+struct Silence {
+    const char* name;
+    int families;
+    bool restarts;  // the platform is restarted; else it answers the open requests in the end
+};
+
+void PrintTo(const Silence& silence, std::ostream* out) {
+    *out << silence.name;
+}
+
+class SilentFamilies : public testing::TestWithParam<Silence> {
+  protected:
+    void SetUp() override {
+        for (const FamilyCall& call : kFamilyCalls) {
+            const bool silent = IsSilent(mPlatforms.size());
+            mPlatforms.push_back(std::make_unique<FakePlatform>(RequestsOf(FindFamily(call.family)).socket, kReply5));
+            if (silent && GetParam().restarts) {
+                mPlatforms.back()->SetAnswer([](const Frame&) { return std::nullopt; });
+            } else if (silent) {
+                mPlatforms.back()->SetAnswer([this](const Frame&) { return AnswerInTheEnd(); });
+            }
+        }
+        mOneWay = std::make_unique<FakePlatform>(RequestsOf(FindFamily(kOneWayCall.family)).socket, kReply5);
+        mService = std::make_unique<ServiceProcess>();
+        ASSERT_NE(Find<vantorel::hardware::hbbtv::V1_0::IVideoBroadcast>(), nullptr);
+    }
+
+    // Ends whatever still waits, also when the test has failed.
+    void TearDown() override {
+        Open();
+        mService->Kill();
+        mProbe.reset();
+        mCallers.reset();
+    }
+
+    bool IsSilent(size_t family) const { return static_cast<int>(family) < GetParam().families; }
+
+    std::string AnswerInTheEnd() {
+        std::unique_lock<std::mutex> lock(mMutex);
+        mOpened.wait(lock, [this] { return mOpen; });
+        return kReply5;
+    }
+
+    void Open() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mOpen = true;
+        mOpened.notify_all();
+    }
+
+    // The callers of this process come first, so that they have the places of those who wait.
+    void CallAll() {
+        std::vector<FamilyCall> answering{kOneWayCall};
+        for (size_t i = 0; i < std::size(kFamilyCalls); ++i) {
+            if (!IsSilent(i)) answering.push_back(kFamilyCalls[i]);
+        }
+        mProbe = std::make_unique<Probe>(answering);
+        ASSERT_TRUE(mProbe->Advances());
+        mCallers = std::make_unique<LivingCallers>();
+        for (int i = 0; i < kLiving; ++i) mCallers->Call(kFamilyCalls[i % GetParam().families]);
+        ASSERT_TRUE(WaitFor([] { return SleepingThreads(getpid()) >= kLiving; }));
+        for (int family = 0; family < GetParam().families; ++family) {
+            ASSERT_TRUE(mPlatforms[family]->WaitForFrames(1)) << kFamilyCalls[family].family;
+        }
+    }
+
+    void KillClients() {
+        for (int i = 0; i < kKilledClients; ++i) {
+            ChildProcess client(
+                {HBBTV_CALLING_CLIENT_PROGRAM, std::to_string(kCallersOfAClient), std::to_string(GetParam().families)});
+            ASSERT_TRUE(WaitFor([&] { return SleepingThreads(client.Pid()) > kCallersOfAClient; })) << i;
+            client.Kill();
+        }
+    }
+
+    // The callers for whom there is no place in a family: one is in its turn.
+    int Surplus() const {
+        int surplus = 0;
+        for (int family = 0; family < GetParam().families; ++family) {
+            const int callers = (kLiving + GetParam().families - 1 - family) / GetParam().families;
+            surplus += std::max(0, callers - 1 - kMostWaiting);
+        }
+        return surplus;
+    }
+
+    size_t Refusals() const {
+        const std::string output = mService->Output();
+        size_t lines = 0;
+        for (size_t at = output.find("is silent for"); at != std::string::npos;
+             at = output.find("is silent for", at + 1)) {
+            ++lines;
+        }
+        return lines;
+    }
+
+    void ExpectSurplusIsRefused() {
+        ASSERT_TRUE(mCallers->WaitForLeft(Surplus()));
+        ASSERT_TRUE(WaitFor([&] { return mCallers->Age() > kPatienceOfTheService + milliseconds(500); }));
+        const std::vector<LivingCallers::Left> refused = mCallers->AllLeft();
+        EXPECT_EQ(refused.size(), static_cast<size_t>(Surplus()));
+        for (const LivingCallers::Left& left : refused) {
+            EXPECT_EQ(left.status, -1);
+            EXPECT_GE(left.after, kPatienceOfTheService);
+        }
+        if (refused.empty()) return;
+        // A further caller does not wait.
+        EXPECT_TRUE(WaitFor([] {
+            const auto begin = Clock::now();
+            return Make(kFamilyCalls[0]) == -1 && Clock::now() - begin <= kAnswered;
+        }));
+        EXPECT_GE(Refusals(), 1u);
+        const auto seconds = static_cast<size_t>(mCallers->Age().count() / 1000 - 5 + 2);
+        EXPECT_LE(Refusals(), seconds * GetParam().families) << mService->Output();
+    }
+
+    // The requests of those who died or were refused are never sent.
+    void ExpectOnlyTheLivingAreServed() {
+        Open();
+        ASSERT_TRUE(mCallers->WaitForLeft(kLiving));
+        const std::vector<LivingCallers::Left> all = mCallers->AllLeft();
+        for (size_t i = Surplus(); i < all.size(); ++i) EXPECT_EQ(all[i].status, kStatus);
+        size_t frames = 0;
+        for (int family = 0; family < GetParam().families; ++family) frames += mPlatforms[family]->Frames().size();
+        EXPECT_EQ(frames, static_cast<size_t>(kLiving - Surplus()));
+    }
+
+    void RestartPlatform() {
+        for (int family = 0; family < GetParam().families; ++family) {
+            EXPECT_EQ(mPlatforms[family]->Frames().size(), 1u);
+            const std::string socket = RequestsOf(FindFamily(kFamilyCalls[family].family)).socket;
+            mPlatforms[family].reset();
+            mPlatforms[family] = std::make_unique<FakePlatform>(socket, kReply5);
+        }
+        ASSERT_TRUE(mCallers->WaitForLeft(kLiving));
+    }
+
+    void ExpectAllIsAsBefore() {
+        for (int family = 0; family < GetParam().families; ++family) {
+            const FamilyCall& call = kFamilyCalls[family];
+            // The first request after a restart may find out that the connection has ended.
+            EXPECT_TRUE(WaitFor([&] { return Make(call) == kStatus; })) << call.family;
+        }
+        LivingCallers again;
+        for (int i = 0; i < kLiving; ++i) again.Call(kFamilyCalls[i % GetParam().families]);
+        EXPECT_TRUE(again.WaitForLeft(kLiving));
+        for (const LivingCallers::Left& left : again.AllLeft()) EXPECT_EQ(left.status, kStatus);
+    }
+
+    const ScratchDirectory mDirectory;
+    std::mutex mMutex;
+    std::condition_variable mOpened;
+    bool mOpen = false;  // guarded by mMutex
+    std::vector<std::unique_ptr<FakePlatform>> mPlatforms;
+    std::unique_ptr<FakePlatform> mOneWay;
+    std::unique_ptr<ServiceProcess> mService;
+    std::unique_ptr<Probe> mProbe;
+    std::unique_ptr<LivingCallers> mCallers;
+};
+
+TEST_P(SilentFamilies, KeepTheirCallersAndNoThreadOfTheOthers) {
+    ASSERT_NO_FATAL_FAILURE(CallAll());
+    ASSERT_NO_FATAL_FAILURE(KillClients());
+    ASSERT_TRUE(mProbe->Advances()) << "no thread is left for the other families";
+    ASSERT_NO_FATAL_FAILURE(ExpectSurplusIsRefused());
+    ASSERT_TRUE(mProbe->Advances());
+    if (GetParam().restarts) {
+        ASSERT_NO_FATAL_FAILURE(RestartPlatform());
+    } else {
+        ASSERT_NO_FATAL_FAILURE(ExpectOnlyTheLivingAreServed());
+    }
+    ExpectAllIsAsBefore();
+    ASSERT_TRUE(mProbe->Advances());
+    EXPECT_EQ(mProbe->Late(), std::set<std::string>());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, SilentFamilies,
+    testing::Values(Silence{"OneThatAnswersAgain", 1, false}, Silence{"OneThatIsRestarted", 1, true},
+                    Silence{"TwoThatAnswerAgain", 2, false},
+                    Silence{"AllThatAnswerAgain", static_cast<int>(std::size(kFamilyCalls)), false},
+                    Silence{"AllThatAreRestarted", static_cast<int>(std::size(kFamilyCalls)), true}),
+    [](const auto& silence) { return std::string(silence.param.name); });
+
+}  // namespace
+
+}  // namespace hbbtv::test
