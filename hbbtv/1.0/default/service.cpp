@@ -1,6 +1,7 @@
 // The process that publishes the HIDL interfaces of this package. Loads their implementations from the library
 // vantorel.hardware.hbbtv@1.0-impl.
 
+#include <android/log.h>
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/LegacySupport.h>
 #include <vantorel/hardware/hbbtv/1.0/IAVComponent.h>
@@ -22,7 +23,10 @@
 #include <vantorel/hardware/hbbtv/1.0/ISearchManager.h>
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
-#include <cstdio>
+#include <optional>
+
+#include "service_arguments.h"
+#include "service_report.h"
 
 using ::android::OK;
 using ::android::hardware::configureRpcThreadpool;
@@ -43,11 +47,10 @@ constexpr size_t kThreads = kClientThreads + kFamilies;
 template <typename Interface>
 bool Publish() {
     if (registerPassthroughServiceImplementation<Interface>() == OK) {
-        printf("serving %s/default\n", Interface::descriptor);
+        Report(ANDROID_LOG_INFO, "serving %s/default", Interface::descriptor);
         return true;
     }
-    fprintf(stderr, "cannot serve %s/default: is vantorel.hardware.hbbtv@1.0-impl.so on the library path?\n",
-            Interface::descriptor);
+    Report(ANDROID_LOG_ERROR, "cannot serve %s/default", Interface::descriptor);
     return false;
 }
 
@@ -77,11 +80,15 @@ bool PublishAll() {
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    if (const std::optional<int> exitCode = TakeArguments(argc, argv)) return *exitCode;
     configureRpcThreadpool(kThreads, true /* callerWillJoin */);
-    const bool published = PublishAll();
-    fflush(stdout);
-    if (!published) return 1;
+    if (!PublishAll()) {
+        Report(ANDROID_LOG_ERROR,
+               "is vantorel.hardware.hbbtv@1.0-impl.so on the library path? On a television, is the "
+               "package in the device's manifest?");
+        return 1;
+    }
     joinRpcThreadpool();
     return 0;
 }
