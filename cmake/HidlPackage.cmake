@@ -7,6 +7,7 @@ find_program(HIDL_GEN hidl-gen REQUIRED)
 #
 # Sets <prefix>_SOURCES and <prefix>_HEADERS, the files that hidl-gen generates for PACKAGE (android.hidl.base@1.0, for
 # example), and <prefix>_INCLUDE_DIR, the directory of the headers. DEPENDS names imported .hal files of other packages.
+# A package root's current.txt freezes its released interfaces, and gives the hashes that getHashChain() returns.
 function(hidl_generate prefix)
     cmake_parse_arguments(HIDL "" "PACKAGE;DIRECTORY" "ROOTS;DEPENDS" ${ARGN})
     string(REGEX MATCH "^([^@]+)@(.+)$" matched ${HIDL_PACKAGE})
@@ -16,6 +17,10 @@ function(hidl_generate prefix)
     set(roots)
     foreach(root IN LISTS HIDL_ROOTS)
         list(APPEND roots -r ${root})
+        string(REGEX REPLACE "^[^:]+:" "" directory ${root})
+        if(EXISTS ${directory}/current.txt)
+            list(APPEND HIDL_DEPENDS ${directory}/current.txt)
+        endif()
     endforeach()
 
     file(GLOB hals CONFIGURE_DEPENDS ${HIDL_DIRECTORY}/*.hal)

@@ -64,6 +64,18 @@ TEST(ParsePointerValue, ReadsHexadecimalOfEitherCaseWithAndWithout0x) {
     EXPECT_EQ(ParsedFrom("0x0"), 0u);
 }
 
+TEST(ParsePointerValue, KeepsTheLowHalfOfANumberThatThePointerCannotHold) {
+    EXPECT_EQ(ParsedFrom("0x123456789abcdef0"), static_cast<uintptr_t>(0x123456789abcdef0));
+    EXPECT_EQ(ParsedFrom("0x100000000"), static_cast<uintptr_t>(0x100000000));
+    EXPECT_EQ(ParsedFrom("ffffffff00000007"), static_cast<uintptr_t>(0xffffffff00000007));
+}
+
+TEST(ParsePointerValue, ReadsNullAsCLibrariesPrintIt) {
+    EXPECT_EQ(ParsedFrom("(nil)"), 0u);
+    EXPECT_EQ(ParsedFrom("  (nil) and more"), 0u);
+    EXPECT_EQ(ParsedFrom("(nil"), 0x5555u);
+}
+
 TEST(ParsePointerValue, OfTheEmptyStringSucceedsAndLeavesThePointerUnchanged) {
     Json::Value object(Json::objectValue);
     TolmHbbtvIpcTools::AddPointerValue(nullptr, "context", object);

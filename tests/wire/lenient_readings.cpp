@@ -196,6 +196,14 @@ std::string Show(long value) {
     return std::to_string(value);
 }
 
+std::string Show(unsigned long long value) {
+    return std::to_string(value);
+}
+
+std::string Show(long long value) {
+    return std::to_string(value);
+}
+
 std::string Show(bool value) {
     return value ? "true" : "false";
 }

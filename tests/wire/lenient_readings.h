@@ -21,6 +21,8 @@ std::string Show(int value);
 std::string Show(unsigned value);
 std::string Show(unsigned long value);
 std::string Show(long value);
+std::string Show(unsigned long long value);
+std::string Show(long long value);
 std::string Show(bool value);
 std::string Show(double value);
 std::string Show(const void* value);

@@ -1,6 +1,7 @@
 // The process that publishes the HIDL interfaces of this package. Loads their implementations from the library
 // vantorel.hardware.hbbtv@1.0-impl.
 
+#include <android/log.h>
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/LegacySupport.h>
 #include <vantorel/hardware/hbbtv/1.0/IAVComponent.h>
@@ -23,9 +24,11 @@
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include <csignal>
-#include <cstdio>
+#include <optional>
 
 #include "ipc/src/tolm_caller_queue.h"
+#include "service_arguments.h"
+#include "service_report.h"
 
 using ::android::OK;
 using ::android::hardware::configureRpcThreadpool;
@@ -44,11 +47,10 @@ constexpr size_t kThreads = kFamilies * (1 + tolm::CallerQueue::kMostWaiting) + 
 template <typename Interface>
 bool Publish() {
     if (registerPassthroughServiceImplementation<Interface>() == OK) {
-        printf("serving %s/default\n", Interface::descriptor);
+        Report(ANDROID_LOG_INFO, "serving %s/default", Interface::descriptor);
         return true;
     }
-    fprintf(stderr, "cannot serve %s/default: is vantorel.hardware.hbbtv@1.0-impl.so on the library path?\n",
-            Interface::descriptor);
+    Report(ANDROID_LOG_ERROR, "cannot serve %s/default", Interface::descriptor);
     return false;
 }
 
@@ -78,13 +80,17 @@ bool PublishAll() {
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
     // The reader of the output may end; clients must not notice.
     signal(SIGPIPE, SIG_IGN);
+    if (const std::optional<int> exitCode = TakeArguments(argc, argv)) return *exitCode;
     configureRpcThreadpool(kThreads, true /* callerWillJoin */);
-    const bool published = PublishAll();
-    fflush(stdout);
-    if (!published) return 1;
+    if (!PublishAll()) {
+        Report(ANDROID_LOG_ERROR,
+               "is vantorel.hardware.hbbtv@1.0-impl.so on the library path? On a television, is the "
+               "package in the device's manifest?");
+        return 1;
+    }
     joinRpcThreadpool();
     return 0;
 }

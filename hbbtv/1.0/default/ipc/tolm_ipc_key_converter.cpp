@@ -113,11 +113,21 @@ size_t TolmIpcKeyConverter::GetNum() {
     return mKeys.size();
 }
 
+namespace {
+
+#ifdef __ANDROID__
+constexpr char kBuiltInDirectory[] = "/dev/socket/hbbtv";
+#else
+constexpr char kBuiltInDirectory[] = "/tmp";
+#endif
+
+}  // namespace
+
 std::string GetSocketFilePath(const std::string& name) {
     // A copy: the environment's own string becomes invalid when the variable changes.
     static const std::string kDirectory = [] {
         const char* directory = getenv("TMPDIR");
-        return std::string(directory != nullptr ? directory : "/tmp");
+        return std::string(directory != nullptr ? directory : kBuiltInDirectory);
     }();
     return kDirectory + "/" + name;
 }

@@ -1,7 +1,8 @@
 // The log lines of this library: "[tolm](file:line) function: message" under one tag per area.
 #pragma once
 
-#include <android/log.h>
+// <android/log.h> declares __android_log_is_loggable only from Android 11 on.
+#include <log/log.h>
 
 #include <cstring>
 

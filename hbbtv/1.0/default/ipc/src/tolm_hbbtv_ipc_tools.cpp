@@ -1,5 +1,6 @@
 #include "ipc/src/tolm_hbbtv_ipc_tools.h"
 
+#include <cstdint>
 #include <cstdio>
 
 void TolmHbbtvIpcTools::AddPointerValue(const void* p, const std::string& key, Json::Value& obj) {
@@ -12,6 +13,14 @@ int TolmHbbtvIpcTools::ParsePointerValue(const Json::Value& obj, const std::stri
     if (out == nullptr || !obj.isObject()) return -1;
     const Json::Value* member = obj.find(key.data(), key.data() + key.size());
     if (member == nullptr || !member->isString()) return -1;
-    sscanf(member->asCString(), "%p", out);
+    // Not "%p": of a number that a 32-bit process cannot hold, C libraries make different pointers. All of them keep
+    // the low half of an integer.
+    unsigned long long number = 0;
+    int end = 0;
+    if (sscanf(member->asCString(), "%llx", &number) == 1) {
+        *out = reinterpret_cast<void*>(static_cast<uintptr_t>(number));
+    } else if (sscanf(member->asCString(), " (nil)%n", &end) == 0 && end > 0) {  // null as some C libraries print it
+        *out = nullptr;
+    }
     return 0;
 }

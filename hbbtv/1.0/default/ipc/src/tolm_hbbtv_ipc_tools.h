@@ -11,6 +11,6 @@ class TolmHbbtvIpcTools {
     static void AddPointerValue(const void* p, const std::string& key, Json::Value& obj);
 
     // Reads obj[key] into *out. Returns -1 if `out` is null or the member is not a string, and 0 otherwise: a string
-    // that is not a pointer leaves *out unchanged.
+    // that is not a pointer leaves *out unchanged. A number that is too large for a pointer loses its high half.
     static int ParsePointerValue(const Json::Value& obj, const std::string& key, void** out);
 };

@@ -1,0 +1,73 @@
+#include "service_arguments.h"
+
+#include <android/log.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "service_report.h"
+
+namespace {
+
+constexpr int kDirectoryUnusable = 1;
+constexpr int kUsage = 2;
+
+constexpr char kHelp[] =
+    "usage: vantorel.hardware.hbbtv@1.0-service [DIRECTORY]\n"
+    "\n"
+    "Serves the interfaces of vantorel.hardware.hbbtv@1.0 and forwards their calls to the platform, over the sockets "
+    "in\n"
+    "DIRECTORY. Without it, their directory is $TMPDIR, or the built-in one: /dev/socket/hbbtv on a television, /tmp\n"
+    "elsewhere. A process that init starts in a domain of its own never sees TMPDIR.\n"
+    "\n"
+    "  --help      print this and exit\n"
+    "  --version   print the version and exit\n"
+    "\n"
+    "Exit codes: 1 an interface cannot be served or the directory cannot be used, 2 wrong arguments.\n";
+
+// The longest path is that of a client of this name.
+constexpr char kLongestSocket[] = "/service_plugin_to_hbbtv_vb_fav_list_collect_port_6";
+constexpr size_t kLongestDirectory = sizeof(sockaddr_un::sun_path) - sizeof(kLongestSocket);
+
+// Returns why sockets cannot be created in the directory, or null.
+const char* ReasonAgainst(const char* directory) {
+    struct stat status = {};
+    if (strlen(directory) > kLongestDirectory) return "its path is too long for the sockets";
+    if (stat(directory, &status) != 0) return strerror(errno);
+    if (!S_ISDIR(status.st_mode)) return strerror(ENOTDIR);
+    return access(directory, W_OK | X_OK) == 0 ? nullptr : strerror(errno);
+}
+
+int WrongArgument(const char* what, const char* argument) {
+    Report(ANDROID_LOG_ERROR, "%s \"%s\"; expected one directory, see --help", what, argument);
+    return kUsage;
+}
+
+}  // namespace
+
+std::optional<int> TakeArguments(int argc, char** argv) {
+    if (argc < 2) return std::nullopt;
+    const char* const directory = argv[1];
+    if (argc > 2) return WrongArgument("unexpected argument", argv[2]);
+    if (strcmp(directory, "--help") == 0) {
+        fputs(kHelp, stdout);
+        return EXIT_SUCCESS;
+    }
+    if (strcmp(directory, "--version") == 0) {
+        puts("vantorel.hardware.hbbtv@1.0-service 1.0");
+        return EXIT_SUCCESS;
+    }
+    if (directory[0] == '-') return WrongArgument("unknown option", directory);
+    if (const char* const reason = ReasonAgainst(directory)) {
+        Report(ANDROID_LOG_ERROR, "cannot use the directory \"%s\" for the sockets: %s; create it for this user",
+               directory, reason);
+        return kDirectoryUnusable;
+    }
+    setenv("TMPDIR", directory, 1);
+    return std::nullopt;
+}
