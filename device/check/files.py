@@ -22,7 +22,7 @@ def soong_sources(module):
 
 def check_sources():
     everything = []
-    for target, module in (("tolm_ipc", "libtolm_ipc"), ("hbbtv_impl", f"{NAME}-impl"),
+    for target, module in (("tolm_ipc", "libtolm_ipc"), ("hbbtv_service_objects", f"{NAME}-impl"),
                            ("hbbtv_service", f"{NAME}-service")):
         must_be_same(f"the sources of {target} in CMakeLists.txt and of {module} in Android.bp",
                      cmake_sources(target), soong_sources(module))
