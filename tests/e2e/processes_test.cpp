@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 #include <vector>
 
@@ -64,6 +67,38 @@ class EventStream {
     std::atomic<int> mSent{0};
     std::thread mThread;
 };
+
+TEST(ServiceAtItsStart, LogsADirectoryInWhichOthersCanReplaceItsSockets) {
+    const ScratchDirectory directory;
+    const std::string line =
+        directory.Path() + "/ has mode 777: without the sticky bit, others can replace the sockets";
+    chmod(directory.Path().c_str(), 0777);
+    {
+        const ServiceProcess service;
+        EXPECT_TRUE(service.WaitForOutput(line)) << service.Output();
+    }
+    chmod(directory.Path().c_str(), 01777);
+    const ServiceProcess service;
+    EXPECT_TRUE(service.WaitForOutput("IVideoBroadcast/default\n"));
+    EXPECT_EQ(service.Output().find("sticky bit"), std::string::npos) << service.Output();
+}
+
+// Needs root, like the other tests with a second user.
+TEST(ServiceAtItsStart, LogsFilesOfItsSocketsThatBelongToAnotherUser) {
+    const ScratchDirectory directory;
+    constexpr uid_t kOther = 4711;
+    for (const char* name : {"service_hbbtv_to_mtm", "service_dsmcc_to_hbbtv_port_2", "service_dsmcc_to_hbbtv"}) {
+        std::ofstream(directory / name).close();
+        ASSERT_EQ(chown((directory / name).c_str(), kOther, kOther), 0);
+    }
+    const ServiceProcess service;
+    EXPECT_TRUE(service.WaitForOutput("IVideoBroadcast/default\n"));
+    const std::string output = service.Output();
+    const std::string belongs = " belongs to user 4711, not to " + std::to_string(geteuid()) + ": ";
+    EXPECT_NE(output.find("/service_hbbtv_to_mtm" + belongs), std::string::npos) << output;
+    EXPECT_NE(output.find("/service_dsmcc_to_hbbtv_port_2" + belongs), std::string::npos) << output;
+    EXPECT_EQ(output.find("/service_dsmcc_to_hbbtv" + belongs), std::string::npos) << "the platform's own\n" << output;
+}
 
 TEST(Processes, AClientKilledWhileEventsFlowIsNoticedAndTheNextOneIsServed) {
     ScratchDirectory directory;

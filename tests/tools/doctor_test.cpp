@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -63,6 +64,39 @@ TEST(Doctor, FindsSocketsThatThisUserMayNotConnectTo) {
     chmod(closed.c_str(), 0700);
     EXPECT_EQ(all.exit, 3) << all.Text();
     EXPECT_THAT(all.output, HasSubstr("PROBLEM  platform     18 of 18 sockets are forbidden; "));
+}
+
+TEST(Doctor, WarnsOfADirectoryInWhichOthersCanReplaceTheSockets) {
+    const ScratchDirectory directory;
+    const std::string path = directory.Path();
+    for (const auto& [mode, text] : {std::pair{0777, "777"}, std::pair{0770, "770"}, std::pair{0702, "702"}}) {
+        chmod(path.c_str(), static_cast<mode_t>(mode));
+        EXPECT_THAT(Ctl({"doctor"}).output,
+                    HasSubstr("warning  sharing      " + path + " has mode " + text +
+                              ": other users can replace the sockets; set the sticky bit: chmod +t\n"));
+    }
+    for (const mode_t mode : {01777, 0755, 0700}) {
+        chmod(path.c_str(), mode);
+        EXPECT_THAT(Ctl({"doctor"}).output, HasSubstr("ok       sharing      other users cannot replace the sockets\n"))
+            << mode;
+    }
+}
+
+// Needs root, as the other tests that change the user.
+TEST(Doctor, WarnsOfFilesOfTheLibraryThatBelongToAnotherUser) {
+    const ScratchDirectory directory;
+    constexpr uid_t kOther = 4711;
+    for (const char* name :
+         {"service_hbbtv_to_plugin_vb", "service_plugin_to_hbbtv_vb_port_7", "service_plugin_to_hbbtv_vb"}) {
+        WriteFile(directory / name, "");
+        ASSERT_EQ(chown((directory / name).c_str(), kOther, kOther), 0);
+    }
+    const FinishedRun run = Ctl({"doctor"});
+    const std::string advice = " belongs to user 4711, not to " + std::to_string(geteuid()) +
+                               "; if the service does not run as that user, remove the file and restart the service\n";
+    EXPECT_THAT(run.output, HasSubstr("warning  owner        service_hbbtv_to_plugin_vb" + advice));
+    EXPECT_THAT(run.output, HasSubstr("warning  owner        service_plugin_to_hbbtv_vb_port_7" + advice));
+    EXPECT_THAT(run.output, Not(HasSubstr("service_plugin_to_hbbtv_vb" + advice))) << "the platform's own";
 }
 
 TEST(Doctor, CountsTheBytesOfTheLongestPath) {

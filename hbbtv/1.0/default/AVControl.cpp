@@ -16,15 +16,22 @@ namespace {
 
 TolmRegisteredClient<IAVControlCallback> mAVControlCallback;
 
+// The memory of a struct arrives as the client has written it, so the byte of a bool may be neither 0 nor 1.
+bool IsSet(const bool& flag) {
+    unsigned char byte = 0;
+    memcpy(&byte, &flag, sizeof(byte));
+    return byte != 0;
+}
+
 TolmAVCtrlComponentData ToAdaptorComponent(const TolmAvComponentData& component) {
-    return {component.actived,
+    return {IsSet(component.actived),
             component.componentTag,
             static_cast<::TolmHbbtvAVComponentType>(component.type),
             TolmHeapText(strdup(component.encoding.c_str())),
             TolmHeapText(strdup(component.language.c_str())),
             component.audioChannels,
-            component.hearingImpaired,
-            component.audioDescription};
+            IsSet(component.hearingImpaired),
+            IsSet(component.audioDescription)};
 }
 
 }  // namespace

@@ -27,6 +27,7 @@
 #include <optional>
 
 #include "ipc/src/tolm_caller_queue.h"
+#include "ipc/src/tolm_socket_directory.h"
 #include "service_arguments.h"
 #include "service_report.h"
 
@@ -84,6 +85,7 @@ int main(int argc, char** argv) {
     // The reader of the output may end; clients must not notice.
     signal(SIGPIPE, SIG_IGN);
     if (const std::optional<int> exitCode = TakeArguments(argc, argv)) return *exitCode;
+    tolm::CheckSocketDirectory();
     configureRpcThreadpool(kThreads, true /* callerWillJoin */);
     if (!PublishAll()) {
         Report(ANDROID_LOG_ERROR,

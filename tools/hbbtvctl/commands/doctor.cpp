@@ -68,6 +68,34 @@ Check CheckDirectory(const std::string& directory) {
     return Good(name, directory + " is writable");
 }
 
+// In a directory that others may write, the sticky bit keeps them from replacing files that are not theirs.
+Check CheckSharing(const std::string& directory) {
+    struct stat status {};
+    const bool found = stat(directory.c_str(), &status) == 0;
+    if (!found || (status.st_mode & (S_IWGRP | S_IWOTH)) == 0 || (status.st_mode & S_ISVTX) != 0) {
+        return Good("sharing", "other users cannot replace the sockets");
+    }
+    char mode[16];
+    std::snprintf(mode, sizeof(mode), "%03o", status.st_mode & 07777);
+    return {"sharing", Check::Level::Warning, directory + " has mode " + mode + ": other users can replace the sockets",
+            "set the sticky bit: chmod +t"};
+}
+
+// The files of the library's sockets: those for events, and its own ends of connections to the platform.
+Checks CheckOwners(const std::string& directory) {
+    Checks checks;
+    for (const Endpoint& endpoint : AllEndpoints()) {
+        const std::string end = endpoint.ofPlatform ? "_port_" + std::to_string(endpoint.port) : "";
+        struct stat status {};
+        if (lstat((PathOf(directory, endpoint) + end).c_str(), &status) != 0 || status.st_uid == geteuid()) continue;
+        checks.push_back({"owner", Check::Level::Warning,
+                          endpoint.socket + end + " belongs to user " + std::to_string(status.st_uid) + ", not to " +
+                              std::to_string(geteuid()),
+                          "if the service does not run as that user, remove the file and restart the service"});
+    }
+    return checks;
+}
+
 Check CheckPathLength(const std::string& directory) {
     const std::string longest = LongestFileName();
     const size_t length = directory.size() + 1 + longest.size();
@@ -258,6 +286,8 @@ int Run(const std::string& directory, const DoctorOptions& options) {
         add(CheckPlatform(directory));
         add(CheckLibrary(directory));
         add(CheckRights(directory));
+        checks.push_back(CheckSharing(directory));
+        add(CheckOwners(directory));
     }
     checks.push_back(CheckHostDirectory(hostDirectory));
     if (checks.back().level == Check::Level::Good) {

@@ -61,6 +61,25 @@ inline constexpr Family kSearchManager{"[ipc_search_manager]", 0, 8, TOLM_IPC_KE
 inline constexpr Family kVideoBroadcast{"[ipc_vb]", 3, 7, TOLM_IPC_KEY_SERVICE_PLUGIN_TO_HBBTV_VB,
                                         TOLM_IPC_KEY_SERVICE_HBBTV_TO_PLUGIN_VB};
 
+inline constexpr const Family* kAll[] = {&kApplicationManager,
+                                         &kApplicationPrivateData,
+                                         &kAVComponent,
+                                         &kAVControl,
+                                         &kCapabilities,
+                                         &kChannel,
+                                         &kChannelConfig,
+                                         &kChannelList,
+                                         &kConfiguration,
+                                         &kDsmcc,
+                                         &kFavouriteList,
+                                         &kFavouriteListCollection,
+                                         &kLocalSystem,
+                                         &kMtm,
+                                         &kParentalControlManager,
+                                         &kProgramme,
+                                         &kSearchManager,
+                                         &kVideoBroadcast};
+
 }  // namespace families
 
 }  // namespace tolm
