@@ -3,7 +3,9 @@
 #include <cstdio>
 
 #include "command_line.h"
+#include "common/text/printable.h"
 #include "core/error.h"
+#include "core/journal.h"
 #include "simulator.h"
 #include "television/programmes/xmltv/xmltv.h"
 
@@ -13,7 +15,7 @@ namespace {
 
 int TellOther(const Options& options) {
     const std::string answer = Tell(options.directory + "/" + kControlSocket, *options.tell);
-    std::printf("%s\n", answer.c_str());
+    std::printf("%s\n", OneLine(answer).c_str());
     return answer.rfind("ok", 0) == 0 ? kEnded : kTellFailed;
 }
 
@@ -28,7 +30,7 @@ int Serve(const Options& options) {
     for (const std::string& fault : options.faults) {
         const std::string answer = simulator.Execute(fault);
         if (answer == "ok") continue;
-        std::fprintf(stderr, "hbbtv-sim: --fault: %s\n", answer.c_str());
+        Journal::Log("--fault: " + answer);
         return kUsage;
     }
     std::printf("%sready\n", simulator.Summary().c_str());
@@ -46,7 +48,7 @@ int Main(int argc, char** argv) {
         return options->tell ? TellOther(*options) : Serve(*options);
     } catch (const Fatal& e) {
         const char* failed = e.Code() == kFileRefused ? "cannot read " : "";
-        std::fprintf(stderr, "hbbtv-sim: %s%s\n", failed, e.what());
+        std::fprintf(stderr, "hbbtv-sim: %s%s\n", failed, Printable(e.what(), LineBreaks::Kept).c_str());
         return e.Code();
     }
 }

@@ -93,7 +93,7 @@ std::string Simulator::Execute(const std::string& line) {
         const std::string answer = OneLine(Run(Find(name), words));
         return answer.empty() ? "ok" : "ok " + answer;
     } catch (const std::exception& e) {
-        return std::string("error: ") + e.what();
+        return "error: " + OneLine(e.what());
     }
 }
 

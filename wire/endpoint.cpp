@@ -12,6 +12,7 @@
 
 #include "common/failure.h"
 #include "common/local_socket.h"
+#include "common/text/printable.h"
 
 namespace hbbtv {
 
@@ -29,7 +30,7 @@ std::string ProcessOf(int fd) {
     std::error_code unknown;  // the process of another user
     const std::filesystem::path program =
         std::filesystem::read_symlink("/proc/" + std::to_string(peer.pid) + "/exe", unknown);
-    return (unknown ? "process" : program.filename().string()) + " (" + std::to_string(peer.pid) + ")";
+    return (unknown ? "process" : Printable(program.filename().string())) + " (" + std::to_string(peer.pid) + ")";
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 // The connection between interfaces and nodes: the registries of generated classes, the stubs of objects, strings and
 // statuses in parcels, death recipients of proxies, and comparing and casting interfaces.
-#define LOG_TAG "hidl_host"
 #include <android/hidl/base/1.0/IBase.h>
 #include <hidl/HidlBinderSupport.h>
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/Static.h>
-#include <log/log.h>
+
+#include "log.h"
 
 namespace android::hardware {
 

@@ -1,11 +1,11 @@
 // Strings, handles and the other data types of hidl/HidlSupport.h.
-#define LOG_TAG "hidl_host"
 #include <hidl/HidlSupport.h>
-#include <log/log.h>
 #include <unistd.h>
 
 #include <cinttypes>
 #include <cstdlib>
+
+#include "log.h"
 
 namespace android::hardware {
 

@@ -1,11 +1,11 @@
 // Writes and reads parcels. Checks input from other processes: every length, offset and index, and that the reader
 // reads exactly what the writer wrote.
-#define LOG_TAG "hidl_host"
 #include <hwbinder/Parcel.h>
-#include <log/log.h>
 #include <sys/uio.h>
 
 #include <cstring>
+
+#include "log.h"
 
 namespace android::hardware {
 

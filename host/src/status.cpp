@@ -1,8 +1,8 @@
-#define LOG_TAG "hidl_host"
 #include <hidl/Status.h>
-#include <log/log.h>
 
 #include <atomic>
+
+#include "log.h"
 
 namespace android::hardware {
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "common/text/json.h"
+#include "common/text/printable.h"
 
 namespace hbbtv::sim {
 
@@ -34,14 +35,14 @@ void Journal::Request(const std::string& operation, const std::string& arguments
                       std::chrono::duration<double, std::milli> time) const {
     if (!mTrace) return;
     const char* blank = arguments.empty() ? "" : " ";
-    std::printf("> %s%s%s | %s (%.1f ms)\n", operation.c_str(), blank, arguments.c_str(), outcome.c_str(),
-                time.count());
+    std::printf("> %s%s%s | %s (%.1f ms)\n", operation.c_str(), blank, OneLine(arguments).c_str(),
+                OneLine(outcome).c_str(), time.count());
 }
 
 void Journal::Event(const std::string& name, const std::string& members, const std::string& outcome) const {
     if (!mTrace) return;
-    std::printf("* %s%s%s%s%s\n", name.c_str(), members.empty() ? "" : " ", members.c_str(),
-                outcome.empty() ? "" : " | ", outcome.c_str());
+    std::printf("* %s%s%s%s%s\n", name.c_str(), members.empty() ? "" : " ", OneLine(members).c_str(),
+                outcome.empty() ? "" : " | ", OneLine(outcome).c_str());
 }
 
 std::string Readable(const Json::Value& object, const std::string& codeMember) {
@@ -59,7 +60,7 @@ std::string Readable(const Json::Value& object, const std::string& codeMember) {
 std::string OneLine(std::string text) {
     std::replace_if(
         text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7f; }, ' ');
-    return text;
+    return Printable(text);
 }
 
 std::string Excerpt(const std::string& text) {

@@ -30,7 +30,8 @@ class Journal {
 // and "type" are left out, because they only identify the operation.
 std::string Readable(const Json::Value& object, const std::string& codeMember = "");
 
-// The string in one line, with control characters replaced by spaces.
+// The string in one line and safe to print: control characters are replaced by spaces, others that a terminal must not
+// get are escaped.
 std::string OneLine(std::string text);
 
 // The start of untrusted input, in one line, safe to print.

@@ -20,6 +20,7 @@
 #include "common/failure.h"
 #include "common/interruption.h"
 #include "common/nearest_name.h"
+#include "common/text/printable.h"
 #include "common/text/quote.h"
 #include "package/description.h"
 #include "wire/endpoint.h"
@@ -133,8 +134,8 @@ int Main(int argc, char** argv) {
     } catch (const CLI::ParseError& e) {
         const auto asked = app.get_subcommands();
         const std::string help = asked.empty() ? "" : asked[0]->get_name() + " ";
-        std::fprintf(stderr, "hbbtvctl: %s\nSee `hbbtvctl %s--help`.\n", Explained(app, e, words).c_str(),
-                     help.c_str());
+        std::fprintf(stderr, "hbbtvctl: %s\nSee `hbbtvctl %s--help`.\n",
+                     Printable(Explained(app, e, words), LineBreaks::Kept).c_str(), help.c_str());
         return kUsage;
     }
     UseDirectory(invocation);
@@ -142,7 +143,7 @@ int Main(int argc, char** argv) {
         return invocation.run();
     } catch (const Failure& e) {
         std::fflush(stdout);
-        std::fprintf(stderr, "hbbtvctl: %s\n", e.what());
+        std::fprintf(stderr, "hbbtvctl: %s\n", Printable(e.what(), LineBreaks::Kept).c_str());
         return e.Code();
     } catch (const Interrupted&) {
         return kDone;

@@ -1,13 +1,12 @@
 #include "connection/node.h"
 
-#define LOG_TAG "hidl_host"
 #include <hwbinder/IPCThreadState.h>
-#include <log/log.h>
 #include <unistd.h>
 
 #include <algorithm>
 
 #include "connection/session.h"
+#include "log.h"
 
 namespace android::hardware {
 

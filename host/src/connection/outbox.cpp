@@ -1,8 +1,6 @@
 #include "connection/outbox.h"
 
-#define LOG_TAG "hidl_host"
 #include <hwbinder/Parcel.h>
-#include <log/log.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
@@ -12,6 +10,7 @@
 #include <chrono>
 
 #include "connection/thread_pool.h"
+#include "log.h"
 
 namespace android::hardware::host {
 

@@ -1,12 +1,11 @@
 #include "connection/session.h"
 
-#define LOG_TAG "hidl_host"
-#include <log/log.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
 #include "connection/socket_reader.h"
+#include "log.h"
 
 namespace android::hardware::host {
 

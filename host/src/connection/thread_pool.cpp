@@ -1,14 +1,14 @@
 #include "connection/thread_pool.h"
 
-#define LOG_TAG "hidl_host"
 #include <hidl/HidlTransportSupport.h>
 #include <hwbinder/ProcessState.h>
-#include <log/log.h>
 #include <pthread.h>
 #include <signal.h>
 
 #include <system_error>
 #include <thread>
+
+#include "log.h"
 
 namespace android::hardware {
 namespace host {

@@ -1,17 +1,17 @@
 #include "registry/passthrough.h"
 
-#define LOG_TAG "hidl_host"
 #include <dirent.h>
 #include <dlfcn.h>
 #include <hidl/HidlPassthroughSupport.h>
 #include <hidl/HidlTransportUtils.h>
 #include <hidl/Static.h>
-#include <log/log.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <sstream>
 #include <vector>
+
+#include "log.h"
 
 namespace android::hardware {
 

@@ -1,8 +1,6 @@
 #include "registry/server.h"
 
-#define LOG_TAG "hidl_host"
 #include <fcntl.h>
-#include <log/log.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <time.h>
@@ -11,6 +9,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+
+#include "log.h"
 
 namespace android::hardware::host {
 

@@ -1,9 +1,7 @@
 #include "registry/service_directory.h"
 
-#define LOG_TAG "hidl_host"
 #include <dirent.h>
 #include <fcntl.h>
-#include <log/log.h>
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/socket.h>
@@ -17,6 +15,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <vector>
+
+#include "log.h"
 
 namespace android::hardware::host {
 

@@ -1,13 +1,12 @@
-#define LOG_TAG "hidl_host"
 #include <hidl/ServiceManagement.h>
 
 #include <android/hidl/base/1.0/BpHwBase.h>
 #include <hwbinder/ProcessState.h>
-#include <log/log.h>
 
 #include <chrono>
 #include <thread>
 
+#include "log.h"
 #include "registry/passthrough.h"
 #include "registry/peers.h"
 #include "registry/server.h"

@@ -14,6 +14,7 @@
 #include "common/failure.h"
 #include "common/local_socket.h"
 #include "common/text/json.h"
+#include "common/text/printable.h"
 #include "package/caller.h"
 #include "terminal/style.h"
 #include "wire/endpoint.h"
@@ -257,7 +258,8 @@ void PrintForPeople(const Checks& checks) {
                                   : check.level == Check::Level::Warning ? Yellow("warning")
                                                                          : Red("PROBLEM");
         const std::string advice = check.advice.empty() ? "" : "; " + check.advice;
-        std::printf("%s  %-11s  %s%s\n", level.c_str(), check.name.c_str(), check.finding.c_str(), advice.c_str());
+        std::printf("%s  %-11s  %s%s\n", level.c_str(), check.name.c_str(), Printable(check.finding).c_str(),
+                    Printable(advice).c_str());
     }
 }
 

@@ -7,6 +7,7 @@
 #include "cli/arguments.h"
 #include "common/failure.h"
 #include "common/text/json.h"
+#include "common/text/printable.h"
 #include "common/text/quote.h"
 #include "terminal/style.h"
 #include "wire/connection.h"
@@ -106,7 +107,8 @@ void AddExchangeOptions(CLI::App& command, ExchangeOptions& options) {
 
 int Exchange(const Message& message, bool json, const ExchangeOptions& options) {
     const std::string text = WireText(message.content);
-    if (options.verbose) std::fprintf(stderr, "to %s, port %d:\n%s", message.path.c_str(), message.port, text.c_str());
+    if (options.verbose)
+        std::fprintf(stderr, "to %s, port %d:\n%s", Printable(message.path).c_str(), message.port, text.c_str());
     WireConnection connection(message.path);
     Reply reply;
     const auto begin = std::chrono::steady_clock::now();

@@ -5,6 +5,7 @@
 #include "commands/commands.h"
 #include "common/failure.h"
 #include "common/text/json.h"
+#include "common/text/printable.h"
 #include "package/caller.h"
 #include "terminal/style.h"
 #include "wire/endpoint.h"
@@ -42,7 +43,7 @@ void PrintEndpoints(const std::string& directory, bool ofPlatform, const std::st
         rows.push_back({std::to_string(endpoint.key), std::to_string(endpoint.port), endpoint.family, endpoint.socket,
                         State(finding), finding.peer});
     }
-    std::printf("\n%s\n%s", Bold(title + " in " + directory).c_str(), Columns(rows, "  ").c_str());
+    std::printf("\n%s\n%s", Bold(title + " in " + Printable(directory)).c_str(), Columns(rows, "  ").c_str());
 }
 
 int RunForPeople(const std::string& directory, const ListOptions& options) {

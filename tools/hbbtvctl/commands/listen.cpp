@@ -9,6 +9,7 @@
 #include "commands/commands.h"
 #include "common/failure.h"
 #include "common/nearest_name.h"
+#include "common/text/printable.h"
 #include "common/text/quote.h"
 #include "events/death_notice.h"
 #include "events/event_printer.h"
@@ -110,7 +111,7 @@ class Listening {
         try {
             Undo();
         } catch (const Failure& e) {
-            std::fprintf(stderr, "hbbtvctl: cannot unregister: %s\n", e.what());
+            std::fprintf(stderr, "hbbtvctl: cannot unregister: %s\n", Printable(e.what(), LineBreaks::Kept).c_str());
         } catch (const Interrupted&) {
             std::fprintf(stderr, "hbbtvctl: interrupted before unregistering from %s\n", mInterface.name.c_str());
         }

@@ -10,6 +10,7 @@
 #include "common/failure.h"
 #include "common/interruption.h"
 #include "common/text/json.h"
+#include "common/text/printable.h"
 #include "common/text/quote.h"
 #include "play/language/parser.h"
 #include "play/player.h"
@@ -78,7 +79,7 @@ int Run(const std::string& directory, const PlayOptions& options) {
             Player({transcript, display, arrivals, peers, coverage, options.timeout.Value()}, names).Run(script);
         } catch (const Failure& e) {
             std::fflush(stdout);
-            std::fprintf(stderr, "hbbtvctl: %s\n", e.what());
+            std::fprintf(stderr, "hbbtvctl: %s\n", Printable(e.what(), LineBreaks::Kept).c_str());
             if (code == kDone) code = e.Code();
             if (e.Code() == kInterrupted) break;
         }

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "common/text/json.h"
+#include "common/text/printable.h"
 #include "wire/values.h"
 
 namespace hbbtv::ctl {
@@ -26,13 +27,13 @@ std::string Line(const std::string& asked, const std::string& answered, double m
 
 void Transcript::Title(const std::string& title) {
     const std::lock_guard<std::mutex> lock(mMutex);
-    if (mMode == Mode::Steps) std::printf("\n%s\n", title.c_str());
+    if (mMode == Mode::Steps) std::printf("\n%s\n", Printable(title).c_str());
     std::fflush(stdout);
 }
 
 void Transcript::Print(const std::string& line) {
     const std::lock_guard<std::mutex> lock(mMutex);
-    if (mMode != Mode::Json) std::printf("%s\n", line.c_str());
+    if (mMode != Mode::Json) std::printf("%s\n", Printable(line).c_str());
     std::fflush(stdout);
 }
 
@@ -86,7 +87,7 @@ void Transcript::Event(const std::string& method, const std::string& arguments) 
 }
 
 void Transcript::WriteLineLocked(Clock::time_point when, const std::string& text) {
-    std::printf("%8.3f s  %s\n", std::chrono::duration<double>(when - mStart).count(), text.c_str());
+    std::printf("%8.3f s  %s\n", std::chrono::duration<double>(when - mStart).count(), Printable(text).c_str());
 }
 
 void Transcript::WriteJsonLocked(const StepReport& report, double milliseconds) {

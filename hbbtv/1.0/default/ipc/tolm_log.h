@@ -1,4 +1,5 @@
-// The log lines of this library: "[tolm](file:line) function: message" under one tag per area.
+// The log lines of this library: "[tolm](file:line) function: message" under one tag per area. Control characters and
+// invalid UTF-8 in a message are written as \n or \x1b, so callers can pass text of peers.
 #pragma once
 
 // <android/log.h> declares __android_log_is_loggable only from Android 11 on.
@@ -35,6 +36,12 @@ struct Place {
 // Writes a line that names `place`.
 void LogAt(const Place& place, int priority, const char* tag, const char* message);
 
+// The same with a format: see TOLM_LOG and TOLM_LOG_DOCUMENTS.
+void LogFormatted(const Place& place, int priority, const char* tag, const char* format, ...)
+    __attribute__((format(printf, 4, 5)));
+void LogDocuments(const Place& place, int priority, const char* tag, const char* format, ...)
+    __attribute__((format(printf, 4, 5)));
+
 // Returns the place of the LogScope that this thread has created last: that of the operation that it has just called.
 const Place& LastPlace();
 
@@ -64,10 +71,14 @@ void LogSocketLine(int priority, const char* file, int line, const char* functio
 
 }  // namespace tolm
 
+#define TOLM_LOG_PLACE (::tolm::Place{__FILE__, __LINE__, static_cast<const char*>(__func__)})
+
 // Writes a line that names this place. `format` is a literal.
-#define TOLM_LOG(priority, tag, format, ...)                                                                 \
-    __android_log_print(priority, tag, "[tolm](%s:%d) %s: " format, ::tolm::LogFileName(__FILE__), __LINE__, \
-                        static_cast<const char*>(__func__), ##__VA_ARGS__)
+#define TOLM_LOG(priority, tag, format, ...) ::tolm::LogFormatted(TOLM_LOG_PLACE, priority, tag, format, ##__VA_ARGS__)
+
+// The same for a message with JSON documents in styled form, whose line breaks are kept.
+#define TOLM_LOG_DOCUMENTS(priority, tag, format, ...) \
+    ::tolm::LogDocuments(TOLM_LOG_PLACE, priority, tag, format, ##__VA_ARGS__)
 
 #define TOLM_SOCKET_LOG(priority, format, ...) \
     ::tolm::LogSocketLine(priority, ::tolm::LogFileName(__FILE__), __LINE__, __func__, format, ##__VA_ARGS__)

@@ -25,7 +25,7 @@ int TolmBaseClient::SendIpcWithNoRet(const Json::Value& req) {
     const std::vector<unsigned char> bytes = tolm::ToStyledBytes(req);
     if (mClient == nullptr || !mClient->Send(bytes)) return -1;
     if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
-        TOLM_LOG(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s", ToString(bytes).c_str());
+        TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s", ToString(bytes).c_str());
     }
     return 0;
 }
@@ -56,8 +56,8 @@ int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply, tolm::Me
         return -1;
     }
     if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
-        TOLM_LOG(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s, out_msg:%s", ToString(bytes).c_str(),
-                 reply.toStyledString().c_str());
+        TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s, out_msg:%s", ToString(bytes).c_str(),
+                           reply.toStyledString().c_str());
     }
     return reply["ret"].asInt();
 }

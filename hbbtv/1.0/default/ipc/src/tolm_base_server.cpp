@@ -37,8 +37,8 @@ void TolmBaseServer::OnRecv(const std::vector<unsigned char>& msg, int port) {
     Json::Value document;
     if (!ParseMessage(msg, document, claim)) return;
     if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
-        TOLM_LOG(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "recv msg:%s in m_ipc_id(%x) port(%d)",
-                 document.toStyledString().c_str(), mKey, port);
+        TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "recv msg:%s in m_ipc_id(%x) port(%d)",
+                           document.toStyledString().c_str(), mKey, port);
     }
     ReceiveIpc(document);
 }
@@ -51,7 +51,8 @@ void TolmBaseServer::OnRecvSync(const std::vector<unsigned char>& msg, std::vect
     ReceiveIpc(document, out);
     reply = tolm::ToStyledBytes(out);
     if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
-        TOLM_LOG(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "recv msg:%s and out_msg:%s in m_ipc_id(%x) port(%d)",
-                 document.toStyledString().c_str(), std::string(reply.begin(), reply.end()).c_str(), mKey, port);
+        TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "recv msg:%s and out_msg:%s in m_ipc_id(%x) port(%d)",
+                           document.toStyledString().c_str(), std::string(reply.begin(), reply.end()).c_str(), mKey,
+                           port);
     }
 }
