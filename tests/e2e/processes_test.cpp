@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "finished_run.h"
 #include "raw_socket.h"
 #include "scratch_directory.h"
 #include "system.h"
@@ -219,6 +220,27 @@ TEST(Processes, ThePlatformKilledAndRestartedInTheMiddleOfRequestsIsUsedAgain) {
     }
     stop = true;
     for (std::thread& client : clients) client.join();
+}
+
+TEST(Processes, APlayHoldsAfterThePlatformHasBeenRestarted) {
+    ScratchDirectory directory;
+    std::ofstream(directory / "restart.play") << "IChannelConfig.GetChannelList() -> 0, $list\n"
+                                                 "IChannelList.GetLength($list) -> 0, $length\n"
+                                                 "ILocalSystem.GetVendorName() -> 0, $vendor\n"
+                                                 "IChannelList.Release($list)\n";
+    ServiceProcess service;
+    ASSERT_NE(FindVideoBroadcast(), nullptr);
+    for (int run = 0; run < 2; ++run) {
+        SimulatedPlatform platform;
+        ASSERT_TRUE(platform.Ready()) << platform.Output();
+        const FinishedRun played = RunToEnd({HBBTVCTL_PROGRAM, "play", directory / "restart.play"});
+        EXPECT_EQ(played.exit, 0) << run << played.Text();
+    }
+    // Other failures are not repeated.
+    std::ofstream(directory / "wrong.play") << "IChannel.GetName(1) -> 0, $name\nIChannel.GetName(1) -> 0, $name\n";
+    SimulatedPlatform platform;
+    ASSERT_TRUE(platform.Ready()) << platform.Output();
+    EXPECT_EQ(RunToEnd({HBBTVCTL_PROGRAM, "play", directory / "wrong.play"}).exit, 7);
 }
 
 TEST(Processes, ClientsThatAllWaitForASilentFamilyLeaveTheServiceAnswering) {

@@ -13,8 +13,10 @@ namespace hbbtv::test {
 // In the directory of the test's ScratchDirectory.
 class ServiceProcess : public ChildProcess {
   public:
-    ServiceProcess()
-        : ChildProcess({HBBTV_SERVICE_PROGRAM}, {std::string("HIDL_HOST_PASSTHROUGH_PATH=") + HBBTV_LIBRARIES}) {}
+    // `variable` is "NAME=value".
+    explicit ServiceProcess(const std::string& variable = "TOLM_REPLY_TIMEOUT_MS=0")
+        : ChildProcess({HBBTV_SERVICE_PROGRAM},
+                       {std::string("HIDL_HOST_PASSTHROUGH_PATH=") + HBBTV_LIBRARIES, variable}) {}
 };
 
 class SimulatedPlatform : public ChildProcess {

@@ -69,7 +69,8 @@ class RegisteredClients : public TolmServiceInstances {
     // function is refused as well, but keeps its client until it is unregistered.
     int Register(const TolmServiceMethod& service, ::TolmAIPEvent event, const Client& client, void* context) {
         if (Adaptor::GetInstance() == nullptr || !service.Accepts(client)) return -1;
-        std::lock_guard<std::mutex> lock(mRegistering);
+        const tolm::CallerQueue::Turn turn(mRegistering);
+        if (!turn) return -1;
         if (!Add(event, client)) return -1;
         service->StartMonitor(client);
         const TolmAIPEventCallback function = FunctionOf(event);
@@ -81,7 +82,8 @@ class RegisteredClients : public TolmServiceInstances {
     // registered again.
     int Unregister(const TolmServiceMethod& service, ::TolmAIPEvent event, void* context) {
         if (Adaptor::GetInstance() == nullptr) return -1;
-        std::lock_guard<std::mutex> lock(mRegistering);
+        const tolm::CallerQueue::Turn turn(mRegistering);
+        if (!turn) return -1;
         if (const Client client = Get(event)) {
             service->StopMonitor(client);
             Remove(event);
@@ -93,7 +95,11 @@ class RegisteredClients : public TolmServiceInstances {
     // clients that register from now on.
     void OnDied(const TolmServiceMethod& service, const wp<IBase>& who) {
         service.LogDeath();
-        std::lock_guard<std::mutex> lock(mRegistering);
+        const tolm::CallerQueue::Turn turn(mRegistering);
+        if (!turn) {
+            RemoveAll();  // without the platform, which does not reply
+            return;
+        }
         service->StopMonitor(who.promote());
         TolmCallAdaptor(&Adaptor::ClearAPIEventCallback);
         for (const auto& [event, client] : RemoveAll()) service->Forget(client);
@@ -124,7 +130,9 @@ class RegisteredClients : public TolmServiceInstances {
         return std::exchange(mClients, {});
     }
 
-    std::mutex mRegistering;  // held while the clients, the watch and the adaptor's functions change; not by events
+    // A turn is while the clients, the watch and the adaptor's functions change, for which the platform may be called;
+    // events need none.
+    tolm::CallerQueue mRegistering{IAIPEventCallback::descriptor, tolm::ReplyTimeout()};
 
     mutable std::mutex mMutex;
     std::map<::TolmAIPEvent, Client> mClients;  // guarded by mMutex

@@ -37,7 +37,8 @@ class RegisteredClients : public TolmServiceInstances {
     // although -1 is returned; clients know that.
     int Register(const TolmServiceMethod& service, const Client& client) {
         if (!service.Accepts(client) || Adaptor::GetInstance() == nullptr) return -1;
-        std::lock_guard<std::mutex> lock(mRegistering);
+        const tolm::CallerQueue::Turn turn(mRegistering);
+        if (!turn) return -1;
         const bool first = All().empty();
         Add(client);
         service->StartMonitor(client);
@@ -46,7 +47,8 @@ class RegisteredClients : public TolmServiceInstances {
 
     // Removes one registration of a client. Returns the platform's status once there is no client, and -1 before.
     int Unregister(const TolmServiceMethod& service, const Client& client) {
-        std::lock_guard<std::mutex> lock(mRegistering);
+        const tolm::CallerQueue::Turn turn(mRegistering);
+        if (!turn) return -1;
         const Client removed = Remove(client);
         if (All().empty()) {
             if (removed != nullptr) service->StopMonitor(removed);
@@ -63,7 +65,11 @@ class RegisteredClients : public TolmServiceInstances {
     // Ends the delivery to all clients when one dies: the others must register again.
     void OnDied(const TolmServiceMethod& service, const wp<IBase>& who) {
         service.LogDeath();
-        std::lock_guard<std::mutex> lock(mRegistering);
+        const tolm::CallerQueue::Turn turn(mRegistering);
+        if (!turn) {
+            if (Has(who)) RemoveAll();  // without the platform, which does not reply
+            return;
+        }
         if (!Has(who)) {
             // The client has just unregistered, and the others are alive.
             service->SetClientDied(All().empty());
@@ -102,7 +108,9 @@ class RegisteredClients : public TolmServiceInstances {
         return std::exchange(mClients, {});
     }
 
-    std::mutex mRegistering;  // held while the clients, the watch and the adaptor's receiver change; not by events
+    // A turn is while the clients, the watch and the adaptor's receiver change, for which the platform may be called;
+    // events need none.
+    tolm::CallerQueue mRegistering{IConfigurationCallback::descriptor, tolm::ReplyTimeout()};
 
     mutable std::mutex mMutex;
     std::vector<Client> mClients;  // guarded by mMutex

@@ -170,7 +170,9 @@ TEST_F(Callers, WhoAreRefusedGetALineASecond) {
     for (const LogLine& line : mLog.Lines()) {
         EXPECT_EQ(line.priority, ANDROID_LOG_WARN);
         EXPECT_EQ(line.tag, "[ipc_base]");
-        EXPECT_EQ(line.message.rfind("SendIpc failed 0 1 1: service_of_a_family is silent for ", 0), 0u)
+        EXPECT_EQ(
+            line.message.rfind("SendIpc failed 0 1 1: no turn for service_of_a_family, the open one has lasted ", 0),
+            0u)
             << line.message;
     }
     const std::string last = mLog.Lines()[1].message;

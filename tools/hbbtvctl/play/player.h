@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 
 #include "play/arrivals.h"
@@ -65,6 +66,7 @@ class Player {
     const Stage mStage;
     Names mNames;
     std::string mFile;
+    std::set<std::string> mCalled;  // interfaces
 };
 
 }  // namespace hbbtv::ctl

@@ -34,10 +34,10 @@ struct TolmIpcClientSocket::Connection {
 namespace {
 
 // Another thread may be writing to a platform that does not read.
-bool LockForMessage(std::unique_lock<std::timed_mutex>& lock, const Deadline& deadline) {
-    if (deadline.Lock(lock)) return true;
+std::unique_lock<DeadlineMutex> LockForMessage(DeadlineMutex& mutex, const Deadline& deadline) {
+    if (mutex.Lock(deadline)) return std::unique_lock<DeadlineMutex>(mutex, std::adopt_lock);
     TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Send Error: %s", strerror(ETIMEDOUT));
-    return false;
+    return {};
 }
 
 }  // namespace
@@ -113,16 +113,16 @@ bool TolmIpcClientSocket::SendLocked(TolmIpcMessageType type, const std::vector<
 
 bool TolmIpcClientSocket::Send(const std::vector<unsigned char>& msg) {
     const Deadline deadline(mTimeout);
-    std::unique_lock<std::timed_mutex> lock(mMutex, std::defer_lock);
-    return LockForMessage(lock, deadline) && SendLocked(TOLM_IPC_MSG_ASYNC, msg, deadline);
+    const std::unique_lock<DeadlineMutex> lock = LockForMessage(mMutex, deadline);
+    return lock && SendLocked(TOLM_IPC_MSG_ASYNC, msg, deadline);
 }
 
 bool TolmIpcClientSocket::SendSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply) {
     const Deadline deadline(mTimeout);
     std::shared_ptr<Connection> connection;
     {
-        std::unique_lock<std::timed_mutex> lock(mMutex, std::defer_lock);
-        if (!LockForMessage(lock, deadline) || !SendLocked(TOLM_IPC_MSG_SYNC, msg, deadline)) return false;
+        const std::unique_lock<DeadlineMutex> lock = LockForMessage(mMutex, deadline);
+        if (!lock || !SendLocked(TOLM_IPC_MSG_SYNC, msg, deadline)) return false;
         connection = mConnection;
     }
     // The next message is the reply, whatever its type and port.

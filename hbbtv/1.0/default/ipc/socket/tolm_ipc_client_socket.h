@@ -40,7 +40,7 @@ class TolmIpcClientSocket : public TolmIpcClient {
     const std::chrono::milliseconds mTimeout;  // for one message, from connecting to the end of its reply; 0: none
 
     // Held while a message is written, never while waiting for a reply.
-    std::timed_mutex mMutex;
+    DeadlineMutex mMutex;
 
     // Guarded by mMutex. A thread that waits for a reply shares the connection, so that its descriptor is not closed
     // and reused for another file while that thread reads from it.

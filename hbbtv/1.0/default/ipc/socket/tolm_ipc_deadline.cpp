@@ -35,10 +35,24 @@ bool Deadline::AllowsAnotherTry() const {
     return errno == EINTR || (mEnd && errno == EAGAIN);
 }
 
-bool Deadline::Lock(std::unique_lock<std::timed_mutex>& lock) const {
-    if (mEnd) return lock.try_lock_until(*mEnd);
-    lock.lock();
+bool DeadlineMutex::Lock(const Deadline& deadline) {
+    std::unique_lock<std::mutex> lock(mMutex);
+    const auto isFree = [this] { return !mLocked; };
+    if (!deadline.mEnd) {
+        mUnlocked.wait(lock, isFree);
+    } else if (!mUnlocked.wait_until(lock, *deadline.mEnd, isFree)) {
+        return false;
+    }
+    mLocked = true;
     return true;
+}
+
+void DeadlineMutex::unlock() {
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mLocked = false;
+    }
+    mUnlocked.notify_one();
 }
 
 }  // namespace tolm

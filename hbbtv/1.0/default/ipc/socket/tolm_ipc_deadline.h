@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <condition_variable>
 #include <mutex>
 #include <optional>
 
@@ -25,11 +26,26 @@ class Deadline {
     // the limit passed before the deadline, since the kernel counts in larger steps.
     bool AllowsAnotherTry() const;
 
-    // Returns false if the deadline passes first.
-    bool Lock(std::unique_lock<std::timed_mutex>& lock) const;
+  private:
+    friend class DeadlineMutex;
+
+    std::optional<std::chrono::steady_clock::time_point> mEnd;
+};
+
+// A mutex for which a thread waits until a deadline at most. Instead of std::timed_mutex, whose wait on a steady clock
+// the thread sanitizer does not know.
+class DeadlineMutex {
+  public:
+    // Returns false if the deadline has passed first.
+    bool Lock(const Deadline& deadline);
+
+    // For std::unique_lock.
+    void unlock();
 
   private:
-    std::optional<std::chrono::steady_clock::time_point> mEnd;
+    std::mutex mMutex;
+    std::condition_variable mUnlocked;
+    bool mLocked = false;  // guarded by mMutex
 };
 
 }  // namespace tolm

@@ -73,9 +73,10 @@ bool CallerQueue::IsSurplusLocked(const Waiter& waiter) const {
 bool CallerQueue::RefuseLocked(Clock::time_point now) {
     ++mRefused;
     if (now < mNextLine) return false;
-    const auto silent = std::chrono::duration_cast<std::chrono::milliseconds>(now - mSince);
-    TOLM_LOG(ANDROID_LOG_WARN, kIpcBaseTag, "SendIpc failed 0 1 1: %s is silent for %lld ms, %zu wait, %zu refused",
-             mName.c_str(), static_cast<long long>(silent.count()), mWaiting.size(), mRefused);
+    const auto lasted = std::chrono::duration_cast<std::chrono::milliseconds>(now - mSince);
+    TOLM_LOG(ANDROID_LOG_WARN, kIpcBaseTag,
+             "SendIpc failed 0 1 1: no turn for %s, the open one has lasted %lld ms, %zu wait, %zu refused",
+             mName.c_str(), static_cast<long long>(lasted.count()), mWaiting.size(), mRefused);
     mRefused = 0;
     mNextLine = now + kLineInterval;
     return false;

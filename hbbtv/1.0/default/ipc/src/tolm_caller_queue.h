@@ -20,7 +20,7 @@ class CallerQueue {
     static constexpr std::chrono::milliseconds kPatience{5000};
     static constexpr size_t kMostWaiting = 15;
 
-    // `name` is what is silent, for the log. A caller waits at most `longestWait`; 0: no limit.
+    // `name` is what the turns are for, in the log. A caller waits at most `longestWait`; 0: no limit.
     explicit CallerQueue(std::string name, std::chrono::milliseconds longestWait = {},
                          std::chrono::milliseconds patience = kPatience);
 

@@ -12,6 +12,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "ipc/src/tolm_caller_queue.h"
+#include "ipc/tolm_reply_timeout.h"
 #include "utils/include/tolm_hidl_client_monitor.h"
 
 // Calls an operation of an adaptor. Returns its status, 0 for an operation without one, or -1 without an adaptor.
@@ -43,12 +45,14 @@ class TolmRegisteredClient : public TolmServiceInstances {
     android::sp<Callback> GetLiving() const { return HasClient() ? Get() : nullptr; }
 
     // Replaces the client, starts watching its process and calls `operation` of the adaptor. Returns its status. A null
-    // callback (an error line) and a missing adaptor change nothing and return -1.
+    // callback (an error line) and a missing adaptor change nothing and return -1, as does a registration that is open
+    // for so long that no more may wait for it.
     template <typename Result, typename Adaptor, typename... Parameters, typename... Arguments>
     int Register(const TolmServiceMethod& service, const android::sp<Callback>& callback,
                  Result (Adaptor::*operation)(Parameters...), const Arguments&... arguments) {
         if (!service.Accepts(callback) || Adaptor::GetInstance() == nullptr) return -1;
-        std::lock_guard<std::mutex> lock(mRegistering);
+        const tolm::CallerQueue::Turn turn(mRegistering);
+        if (!turn) return -1;
         ReplaceLocked(service, callback);
         return TolmCallAdaptor(operation, arguments...);
     }
@@ -56,7 +60,8 @@ class TolmRegisteredClient : public TolmServiceInstances {
     // As above, without the adaptor. Returns whether there is a callback.
     bool Replace(const TolmServiceMethod& service, const android::sp<Callback>& callback) {
         if (!service.Accepts(callback)) return false;
-        std::lock_guard<std::mutex> lock(mRegistering);
+        const tolm::CallerQueue::Turn turn(mRegistering);
+        if (!turn) return false;
         ReplaceLocked(service, callback);
         return true;
     }
@@ -65,14 +70,16 @@ class TolmRegisteredClient : public TolmServiceInstances {
     template <typename Result, typename Adaptor, typename... Parameters, typename... Arguments>
     int Unregister(const TolmServiceMethod& service, Result (Adaptor::*operation)(Parameters...),
                    const Arguments&... arguments) {
-        std::lock_guard<std::mutex> lock(mRegistering);
+        const tolm::CallerQueue::Turn turn(mRegistering);
+        if (!turn) return -1;
         DropLocked(service);
         return TolmCallAdaptor(operation, arguments...);
     }
 
     // As above, without the adaptor.
     void Drop(const TolmServiceMethod& service) {
-        std::lock_guard<std::mutex> lock(mRegistering);
+        const tolm::CallerQueue::Turn turn(mRegistering);
+        if (!turn) return;
         DropLocked(service);
     }
 
@@ -81,7 +88,8 @@ class TolmRegisteredClient : public TolmServiceInstances {
     template <typename... Operation>
     void OnDied(const TolmServiceMethod& service, const android::wp<IBase>& who, Operation... operation) {
         service.LogDeath();
-        std::lock_guard<std::mutex> lock(mRegistering);
+        const tolm::CallerQueue::Turn turn(mRegistering);
+        if (!turn) return DropDead(who);
         if (android::wp<IBase>(android::sp<IBase>(Get())) != who) return;
         DropLocked(service);
         (TolmCallAdaptor(operation), ...);
@@ -103,7 +111,16 @@ class TolmRegisteredClient : public TolmServiceInstances {
         return std::exchange(mCallback, std::move(callback));
     }
 
-    std::mutex mRegistering;  // held while the client, the watch and the adaptor's receiver change; not by events
+    // Without the turn, when the platform does not reply.
+    void DropDead(const android::wp<IBase>& who) {
+        android::sp<Callback> dropped;
+        std::lock_guard<std::mutex> lock(mMutex);
+        if (android::wp<IBase>(android::sp<IBase>(mCallback)) == who) dropped = std::exchange(mCallback, nullptr);
+    }
+
+    // A turn is while the client, the watch and the adaptor's receiver change, for which the platform may be called;
+    // events need none.
+    tolm::CallerQueue mRegistering{Callback::descriptor, tolm::ReplyTimeout()};
 
     mutable std::mutex mMutex;
     android::sp<Callback> mCallback;  // guarded by mMutex

@@ -38,6 +38,9 @@ constexpr int kMostWaiting = 15;
 constexpr milliseconds kPatienceOfTheService{5000};
 constexpr milliseconds kAnswered{50};
 constexpr int kStatus = 5;  // not 0, so that replies need no results
+// One at a time, also apart from the other requests of its family.
+constexpr FamilyCall kRegistration = {"video_broadcast", "IVideoBroadcast", "UnregisterCallback", "[4096]"};
+
 constexpr char kReply5[] = R"({"ret": 5})";
 
 // The threads of a process that wait: those that call have sent their calls.
@@ -146,7 +149,8 @@ class LivingCallers {
 struct Silence {
     const char* name;
     int families;
-    bool restarts;  // the platform is restarted; else it answers the open requests in the end
+    bool restarts;           // the platform is restarted; else it answers the open requests in the end
+    bool registers = false;  // the callers of this process
 };
 
 void PrintTo(const Silence& silence, std::ostream* out) {
@@ -192,6 +196,8 @@ class SilentFamilies : public testing::TestWithParam<Silence> {
         mOpened.notify_all();
     }
 
+    FamilyCall CallOf(int family) const { return GetParam().registers ? kRegistration : kFamilyCalls[family]; }
+
     // The callers of this process come first, so that they have the places of those who wait.
     void CallAll() {
         std::vector<FamilyCall> answering{kOneWayCall};
@@ -201,7 +207,7 @@ class SilentFamilies : public testing::TestWithParam<Silence> {
         mProbe = std::make_unique<Probe>(answering);
         ASSERT_TRUE(mProbe->Advances());
         mCallers = std::make_unique<LivingCallers>();
-        for (int i = 0; i < kLiving; ++i) mCallers->Call(kFamilyCalls[i % GetParam().families]);
+        for (int i = 0; i < kLiving; ++i) mCallers->Call(CallOf(i % GetParam().families));
         ASSERT_TRUE(WaitFor([] { return SleepingThreads(getpid()) >= kLiving; }));
         for (int family = 0; family < GetParam().families; ++family) {
             ASSERT_TRUE(mPlatforms[family]->WaitForFrames(1)) << kFamilyCalls[family].family;
@@ -230,8 +236,8 @@ class SilentFamilies : public testing::TestWithParam<Silence> {
     size_t Refusals() const {
         const std::string output = mService->Output();
         size_t lines = 0;
-        for (size_t at = output.find("is silent for"); at != std::string::npos;
-             at = output.find("is silent for", at + 1)) {
+        for (size_t at = output.find("SendIpc failed 0 1 1: no turn for "); at != std::string::npos;
+             at = output.find("SendIpc failed 0 1 1: no turn for ", at + 1)) {
             ++lines;
         }
         return lines;
@@ -248,9 +254,9 @@ class SilentFamilies : public testing::TestWithParam<Silence> {
         }
         if (refused.empty()) return;
         // A further caller does not wait.
-        EXPECT_TRUE(WaitFor([] {
+        EXPECT_TRUE(WaitFor([this] {
             const auto begin = Clock::now();
-            return Make(kFamilyCalls[0]) == -1 && Clock::now() - begin <= kAnswered;
+            return Make(CallOf(0)) == -1 && Clock::now() - begin <= kAnswered;
         }));
         EXPECT_GE(Refusals(), 1u);
         const auto seconds = static_cast<size_t>(mCallers->Age().count() / 1000 - 5 + 2);
@@ -320,7 +326,7 @@ TEST_P(SilentFamilies, KeepTheirCallersAndNoThreadOfTheOthers) {
 INSTANTIATE_TEST_SUITE_P(
     Of, SilentFamilies,
     testing::Values(Silence{"OneThatAnswersAgain", 1, false}, Silence{"OneThatIsRestarted", 1, true},
-                    Silence{"TwoThatAnswerAgain", 2, false},
+                    Silence{"OneWithWhichClientsRegister", 1, false, true}, Silence{"TwoThatAnswerAgain", 2, false},
                     Silence{"AllThatAnswerAgain", static_cast<int>(std::size(kFamilyCalls)), false},
                     Silence{"AllThatAreRestarted", static_cast<int>(std::size(kFamilyCalls)), true}),
     [](const auto& silence) { return std::string(silence.param.name); });
