@@ -53,7 +53,7 @@ class ServiceEvents : public testing::Test {
 
     int Logged(int priority, const char* message) const { return mLog.Count(priority, mTag, message); }
 
-    const ScratchDirectory& mDirectory = DirectoryOfThisProgram();
+    ScratchDirectory mDirectory;
     LogCapture mLog;
     FakePlatform mPlatform{UnderTest().Socket(), R"({"ret": 0})"};
     android::sp<Service> mService = new Service;
