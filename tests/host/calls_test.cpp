@@ -32,8 +32,6 @@ Status CallByHand(const sp<IBase>& proxy, const char* token, uint32_t method, ui
 
 }  // namespace
 
-// ---- Data ----
-
 TEST_F(DataAcrossProcesses, ScalarsKeepTheirExtremes) {
     bool called = false;
     const Return<void> extremes = mService->scalars(
@@ -140,8 +138,6 @@ TEST_F(DataAcrossProcesses, TheBaseInterfaceAnswers) {
     EXPECT_EQ(pid, mPeer.Pid());
 }
 
-// ---- Objects as arguments ----
-
 TEST_F(Callbacks, ANullInterfaceArrivesAsNull) {
     EXPECT_FALSE(mService->setListener(nullptr).withDefault(true));
     const Return<sp<IListener>> none = mService->listener();
@@ -243,8 +239,6 @@ TEST_F(Callbacks, ThatNestEndlesslyAreRefusedBeforeTheStackOverflows) {
     EXPECT_EQ(Echo(mService, "still here"), "still here");
 }
 
-// ---- Answers ----
-
 TEST_F(Calls, ANullResultCallbackIsRefusedWithoutCalling) {
     const Return<void> refused = mService->echo("text", nullptr);
     EXPECT_FALSE(refused.isOk());
@@ -277,8 +271,6 @@ TEST_F(Calls, ManyThreadsShareOneConnection) {
     }
     EXPECT_EQ(right, 8 * 200);
 }
-
-// ---- One-way ----
 
 TEST_F(OnewayCalls, RunInOrder) {
     for (uint32_t i = 0; i < 5000; ++i) ASSERT_TRUE(mService->post(i).isOk());
@@ -342,8 +334,6 @@ TEST_F(OnewayCalls, ToAStoppedClientAreEventuallyRefusedAndTheServiceSurvives) {
     EXPECT_TRUE(WaitFor([&] { return mService->emit(1).withDefault(1) == 0; }));
 }
 
-// ---- Failures ----
-
 TEST_F(TransportErrors, AnUnknownMethodIsAnUnknownTransaction) {
     const Status status = CallByHand(mService, IWorkshop::descriptor, 12345, 0);
     EXPECT_EQ(status.transactionError(), ::android::UNKNOWN_TRANSACTION);
@@ -402,8 +392,6 @@ TEST_F(TransportErrors, AnObjectOfAThirdProcessIsRefused) {
     EXPECT_NE(bounced.description().find("INVALID_OPERATION"), std::string::npos) << bounced.description();
     EXPECT_EQ(Echo(mService, "alive"), "alive");
 }
-
-// ---- The pool ----
 
 TEST(ThreadPools, HaveOneThreadWhenNotConfigured) {
     const ScratchDirectory scratch;

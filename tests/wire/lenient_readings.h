@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -17,17 +18,26 @@ struct Reading {
 std::vector<Reading> ReadingsOf(const std::string& type, const char* unchanged);
 
 // Values as text.
-std::string Show(int value);
-std::string Show(unsigned value);
-std::string Show(unsigned long value);
-std::string Show(long value);
-std::string Show(unsigned long long value);
-std::string Show(long long value);
-std::string Show(bool value);
 std::string Show(double value);
 std::string Show(const void* value);
-std::string Show(const std::string& value);                        // in quotes, a zero byte as \0
-std::string Show(const std::vector<int>& values);                  // [1 2 3]
-std::string Show(const std::vector<std::pair<int, int>>& values);  // [1/2 3/4]
+std::string Show(const std::string& value);  // in quotes, a zero byte as \0
+
+template <typename T>
+std::enable_if_t<std::is_integral_v<T>, std::string> Show(T value) {
+    if constexpr (std::is_same_v<T, bool>) return value ? "true" : "false";
+    return std::to_string(value);
+}
+
+template <typename T>
+std::string Show(const std::pair<T, T>& values) {
+    return Show(values.first) + "/" + Show(values.second);
+}
+
+template <typename T>
+std::string Show(const std::vector<T>& values) {
+    std::string text;
+    for (const T& value : values) text += (text.empty() ? "" : " ") + Show(value);
+    return "[" + text + "]";
+}
 
 }  // namespace hbbtv::test

@@ -7,6 +7,8 @@
 #include "Configuration.h"
 #include "beside.h"
 #include "ipc/src/plugin/tolm_configuration_adaptor_ipc.h"
+#include "package/description.h"
+#include "protocol_events.h"
 #include "recording_client.h"
 #include "service_events.h"
 
@@ -38,54 +40,37 @@ class ConfigurationEvents : public ServiceEvents<Configuration, RecordingCallbac
     const sp<Client> mThird = new Client;
 };
 
-struct EventCase {
-    const char* name;
-    const char* event;
-    const char* call;  // behind the method's name
-};
-
-void PrintTo(const EventCase& row, std::ostream* out) {
-    *out << row.name;
-}
-
-const EventCase kEvents[] = {
-    {"Resolution", R"({"event": 0, "w": 3840, "h": 2160})", "0 3840 2160 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
-    {"UiLanguage", R"({"event": 1, "uiLang": "deu,eng"})", "1 0 0 'deu,eng' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
-    {"AudioLanguage", R"({"event": 2, "audLang": "fra"})", "2 0 0 '' 'fra' '' 0 0 0 '' 0 0 0 0 0 0 0"},
-    {"SubtitleLanguage", R"({"event": 3, "prefSubLang": "***"})", "3 0 0 '' '' '***' 0 0 0 '' 0 0 0 0 0 0 0"},
-    {"MissingLanguage", R"({"event": 1})", "1 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
-    {"Subtitles", R"({"event": 4, "isSubEnabled": true})", "4 0 0 '' '' '' 1 0 0 '' 0 0 0 0 0 0 0"},
-    {"AudioDescription", R"({"event": 5, "isADEnabled": true})", "5 0 0 '' '' '' 0 1 0 '' 0 0 0 0 0 0 0"},
-    {"HearingImpaired", R"({"event": 6, "aud_hearing_imp": true})", "6 0 0 '' '' '' 0 0 1 '' 0 0 0 0 0 0 0"},
-    {"Region", R"({"event": 7, "region": "DE"})", "7 0 0 '' '' '' 0 0 0 'DE' 0 0 0 0 0 0 0"},
-    {"RatingAge", R"({"event": 8, "age": 16})", "8 0 0 '' '' '' 0 0 0 '' 16 0 0 0 0 0 0"},
-    {"DoNotTrackPolicy", R"({"event": 9, "do_not_track_policy": 1})", "9 0 0 '' '' '' 0 0 0 '' 0 1 0 0 0 0 0"},
-    {"CookiePolicy", R"({"event": 10, "cookie_policy": 2})", "10 0 0 '' '' '' 0 0 0 '' 0 0 2 0 0 0 0"},
-    {"PersistentStorage", R"({"event": 11, "persistent_storage": 3})", "11 0 0 '' '' '' 0 0 0 '' 0 0 0 3 0 0 0"},
-    {"BlockTrackingSites", R"({"event": 12, "block_track_sites": 4})", "12 0 0 '' '' '' 0 0 0 '' 0 0 0 0 4 0 0"},
-    {"DeviceId", R"({"event": 13, "device_id": -5})", "13 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 -5 0"},
-    {"DeviceIdTimestamp", R"({"event": 14, "device_id_ts": 1767225600000})",
-     "14 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 1767225600000"},
-    {"UnknownCode", R"({"event": 15, "age": 16})", "15 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
-};
-
-class ConfigurationEvent : public ConfigurationEvents, public testing::WithParamInterface<EventCase> {};
-
 }  // namespace
 
-TEST_P(ConfigurationEvent, ReachesAllClients) {
+// The fields of the callback's struct are the members of all events, in their order.
+TEST_F(ConfigurationEvents, OfEveryKindReachAllClients) {
+    constexpr char kCallback[] = "IConfigurationCallback";
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(Register(mSecond), -1);
-    Send(GetParam().event);
-    const std::string call = std::string("onConfigurationEvent ") + GetParam().call;
-    EXPECT_THAT(mClient->Calls(), ElementsAre(call));
-    EXPECT_THAT(mSecond->Calls(), ElementsAre(call));
+    const auto& arguments = Package::Get().FindInterface(kCallback).Find("onConfigurationEvent")->arguments;
+    auto field = arguments.at(1).type->fields.begin();
+    std::vector<std::string> calls;
+    for (const Json::Value& definition : UnderTest().Wire().protocol["events"]) {
+        const ProtocolEvent event(definition["name"].asString());
+        Json::Value call(Json::arrayValue);
+        call.append(definition["code"]);
+        for (const Json::Value& member : definition["members"]) {
+            call[1][(field++)->name] = event.Values()[member["key"].asString()];
+        }
+        Send(event.Text());
+        calls.push_back(CallLine(kCallback, "onConfigurationEvent", call));
+    }
+    EXPECT_EQ(field, arguments[1].type->fields.end());
+    Send(R"({"event": 1})");
+    Send(R"({"event": 15, "age": 16})");
+    for (const char* code : {"1", "15"}) {
+        calls.push_back("onConfigurationEvent " + std::string(code) + " 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0");
+    }
+    EXPECT_EQ(mClient->Calls(), calls);
+    EXPECT_EQ(mSecond->Calls(), calls);
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, ConfigurationEvent, testing::ValuesIn(kEvents),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationIsToldThePlatformAndGivesItsStatus) {
+TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationAsksThePlatformAndReturnsItsStatus) {
     mPlatform.SetReply(R"({"ret": 6})");
     EXPECT_EQ(Register(mClient), 6);
     EXPECT_EQ(Register(mSecond), -1);
@@ -98,30 +83,30 @@ TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationIsToldThePlatformAndGivesIts
 // Notes its name in a list that several clients share. Events come on one thread.
 class NamedClient : public RecordingCallback {
   public:
-    NamedClient(const char* name, std::string* told) : mName(name), mTold(told) {}
+    NamedClient(const char* name, std::string* called) : mName(name), mCalled(called) {}
 
     Json::Value Take(const char*, const char*, Json::Value) override {
-        *mTold += mName;
+        *mCalled += mName;
         return Json::Value(Json::arrayValue);
     }
 
   private:
     const char* const mName;
-    std::string* const mTold;
+    std::string* const mCalled;
 };
 
 TEST_F(ConfigurationEvents, ReachTheClientsInTheOrderOfTheirRegistrations) {
-    std::string told;
-    const sp<Client> b = new NamedClient("b", &told);
-    Register(new NamedClient("c", &told));
+    std::string called;
+    const sp<Client> b = new NamedClient("b", &called);
+    Register(new NamedClient("c", &called));
     Register(b);
-    Register(new NamedClient("a", &told));
+    Register(new NamedClient("a", &called));
     Send(kEvent);
-    EXPECT_EQ(told, "cba");
+    EXPECT_EQ(called, "cba");
     Unregister(b);
     Register(b);
     Send(kEvent);
-    EXPECT_EQ(told, "cbacab");
+    EXPECT_EQ(called, "cbacab");
 }
 
 TEST_F(ConfigurationEvents, ReachAClientInTheOrderOfTheEvents) {
@@ -156,7 +141,7 @@ TEST_F(ConfigurationEvents, ANullCallbackIsRefusedAndTheEarlierOneStays) {
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
 
-TEST_F(ConfigurationEvents, RegistrationWatchesTheClientUntilItIsTakenBack) {
+TEST_F(ConfigurationEvents, RegistrationWatchesTheClientUntilItUnregisters) {
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(mClient->Linked().size(), 1u);
     EXPECT_EQ(mClient->Cookie(), 0u);
@@ -173,7 +158,7 @@ TEST_F(ConfigurationEvents, RegistrationWatchesTheClientUntilItIsTakenBack) {
     EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_configure]", "callback is null"), 1);
 }
 
-TEST_F(ConfigurationEvents, TakingBackOneOfSeveralLeavesTheOthersServedAndThePlatformUntold) {
+TEST_F(ConfigurationEvents, UnregisteringOneOfSeveralClientsSendsNoRequest) {
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(Register(mSecond), -1);
     EXPECT_EQ(Register(mThird), -1);
@@ -198,7 +183,7 @@ TEST_F(ConfigurationEvents, TakingBackOneOfSeveralLeavesTheOthersServedAndThePla
     EXPECT_THAT(mThird->Calls(), ElementsAre(kCall, kCall));
 }
 
-TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredLeavesTheOthersServed) {
+TEST_F(ConfigurationEvents, UnregisteringAnUnknownClientDoesNotAffectTheOthers) {
     EXPECT_EQ(Register(mClient), 0);
     mPlatform.ForgetFrames();
     EXPECT_EQ(Unregister(mSecond), -1);
@@ -209,14 +194,14 @@ TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredLeavesTheOthersServed)
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
 
-TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredAsksThePlatformWhenThereIsNobody) {
+TEST_F(ConfigurationEvents, UnregisteringAnUnknownClientAsksThePlatformIfNoneIsRegistered) {
     mPlatform.SetReply(R"({"ret": 6})");
     EXPECT_EQ(Unregister(mClient), 6);
     EXPECT_EQ(Unregister(nullptr), 6);
     EXPECT_THAT(Requests(), ElementsAre(kUnregister, kUnregister));
 }
 
-TEST_F(ConfigurationEvents, AClientThatRegistersTwiceIsToldTwiceUntilItIsTakenBackTwice) {
+TEST_F(ConfigurationEvents, AClientThatRegistersTwiceIsCalledTwiceUntilItUnregistersTwice) {
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(Register(mClient), -1);
     Send(kEvent);
@@ -231,7 +216,7 @@ TEST_F(ConfigurationEvents, AClientThatRegistersTwiceIsToldTwiceUntilItIsTakenBa
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, kCall, kCall));
 }
 
-TEST_F(ConfigurationEvents, TheDeathOfOneClientEndsTheDeliveryToAllAndTellsThePlatform) {
+TEST_F(ConfigurationEvents, TheDeathOfOneClientUnregistersAllAndAsksThePlatform) {
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(Register(mSecond), -1);
     mPlatform.ForgetFrames();
@@ -267,7 +252,7 @@ TEST_F(ConfigurationEvents, TwoClientsThatDieTogetherAreOneDeath) {
     EXPECT_THAT(Requests(), ElementsAre(kUnregister));
 }
 
-TEST_F(ConfigurationEvents, TheLateDeathNoticeOfAClientThatWasTakenBackLeavesTheOthersServed) {
+TEST_F(ConfigurationEvents, ALateDeathNotificationDoesNotAffectTheOthers) {
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(Register(mSecond), -1);
     const auto recipient = mClient->Linked().at(0);
@@ -291,7 +276,7 @@ TEST_F(ConfigurationEvents, WithoutAnAdaptorNothingIsRegistered) {
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
-TEST_F(ConfigurationEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
+TEST_F(ConfigurationEvents, WithoutAnAdaptorTheClientIsReleasedAnyway) {
     EXPECT_EQ(Register(mClient), 0);
     TolmConfigurationAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
@@ -380,7 +365,7 @@ TEST_F(ConfigurationEvents, ADeathBesideTheEndOfItsClientDropsAllOrNone) {
     }
 }
 
-TEST(ConfigurationWithoutPlatform, ForgetsItsClientAllTheSame) {
+TEST(ConfigurationWithoutPlatform, ReleasesItsClientAnyway) {
     const ScratchDirectory directory;
     const sp<Configuration> service = new Configuration;
     const sp<RecordingCallback> client = new RecordingCallback;

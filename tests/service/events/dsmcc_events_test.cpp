@@ -19,18 +19,16 @@ using testing::IsEmpty;
 using vantorel::hardware::hbbtv::implementation::Dsmcc;
 using vantorel::hardware::hbbtv::implementation::TolmBacBrowserDSMCCFileCallback;
 
-class DsmccEvents : public ServiceEvents<Dsmcc, RecordingCallback> {
+class DsmccEvents : public OneClientEvents<Dsmcc, RecordingCallback> {
   protected:
     static constexpr char kEvent[] =
         R"({"method": 4, "event": 1, "context": "0x80000abc", "url": "dvb://1", "filePath": "/f"})";
     static constexpr char kCall[] = "OnDsmccFileEvent 2  /f 2147486396";
 
-    DsmccEvents() : ServiceEvents("[hidl_video_broadcast_wrapper_client]") {}
+    DsmccEvents() : OneClientEvents("[hidl_video_broadcast_wrapper_client]") {}
 
-    void Register(const sp<Client>& client) { ASSERT_EQ(static_cast<int32_t>(mService->RegisterCallback(client)), 0); }
-
-    void RefuseNull() { EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(nullptr)), -1); }
-    void Unregister() { ASSERT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), 0); }
+    int TryRegister(const sp<Client>& client) override { return mService->RegisterCallback(client); }
+    int TryUnregister() override { return mService->UnregisterCallback(); }
 
     int NoClient() const {
         return mLog.Count(ANDROID_LOG_ERROR, "[hidl_dsmcc_wrapper_client]", "IDsmccCallback callback is null");
@@ -60,7 +58,7 @@ TEST_F(DsmccEvents, GiveTheContextWithAZeroHighHalf) {
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
 
-TEST_F(DsmccEvents, ThatTheAdaptorDropsReachNobody) {
+TEST_F(DsmccEvents, DoNotReachTheClientIfTheAdaptorDropsThem) {
     Register(mClient);
     Send(R"({"method": 4, "event": 4, "context": "0x1", "filePath": "/f"})");
     Send(R"({"method": 4, "event": 5, "context": "0x1", "filePath": "/f"})");
@@ -70,7 +68,7 @@ TEST_F(DsmccEvents, ThatTheAdaptorDropsReachNobody) {
     EXPECT_EQ(NoClient(), 0);
 }
 
-TEST_F(DsmccEvents, AreLoggedAsAnErrorWhenThereIsNobodyToTell) {
+TEST_F(DsmccEvents, AreLoggedAsAnErrorWithoutAClient) {
     TolmBacBrowserDSMCCFileCallback(TOLM_DSMCC_FILE_EVENT_1, "/f", nullptr);
     EXPECT_EQ(NoClient(), 1);
     Register(mClient);
@@ -92,7 +90,7 @@ TEST_F(DsmccEvents, AreLoggedAsAnErrorWhenThereIsNobodyToTell) {
     EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_dsmcc]", "m_browserCb is null"), 0);
 }
 
-TEST_F(DsmccEvents, AreNotTakenBackFromThePlatformByADeath) {
+TEST_F(DsmccEvents, AreNotUnregisteredAtThePlatformByADeath) {
     Register(mClient);
     mClient->Die();
     // A request that is answered comes after anything that was sent before.
@@ -100,7 +98,7 @@ TEST_F(DsmccEvents, AreNotTakenBackFromThePlatformByADeath) {
     EXPECT_EQ(mPlatform.Frames().size(), 1u);
 }
 
-TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsHeldAllTheSame) {
+TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsRegisteredAnyway) {
     Register(mClient);
     TolmDsmccAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
@@ -113,7 +111,7 @@ TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsHeldAllTheSame) {
     EXPECT_THAT(second->Calls(), ElementsAre("OnDsmccFileEvent 4  /f 7"));
 }
 
-TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
+TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsReleasedAnyway) {
     Register(mClient);
     TolmDsmccAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
