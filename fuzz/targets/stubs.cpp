@@ -72,7 +72,7 @@ void SetReply(const std::string& name) {
 void CallStub(const Called& called, bool oneWay, const std::string& body) {
     Parcel data;
     if (!Adopt(body, data) || !ResolveNodes(data)) return;
-    BHwBinder* const stub = getOrCreateCachedBinder(called.object->object.get())->localBinder();
+    const android::sp<BHwBinder> stub = getOrCreateCachedBinder(called.object->object.get())->localBinder();
     Parcel reply;
     size_t answers = 0;
     const auto answer = [&](Parcel& results) {
