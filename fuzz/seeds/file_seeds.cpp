@@ -22,7 +22,8 @@ const char* const kM3u =
     "#EXTM3U url-tvg=\"http://guide.example/epg.xml\"\n"
     "#EXTINF:-1 tvg-id=\"DasErste.de\" tvg-name=\"ARD\" tvg-chno=\"1\" tvg-logo=\"http://l.example/a,b.png\" "
     "group-title=\"a;b\",ARD\nrtp://239.0.0.1:5000\n#EXTINF:-1 tvg-chno=\"12\",arte, fran\xc3\xa7\n"
-    "http://s.example/a.m3u8?x=1\n#EXTGRP:Kultur\n#EXTINF:-1 radio=\"true\" tvg-name=\"Dlf\",\nhttp://s.example/r.mp3\n";
+    "http://s.example/a.m3u8?x=1\n#EXTGRP:Kultur\n#EXTINF:-1 radio=\"true\" "
+    "tvg-name=\"Dlf\",\nhttp://s.example/r.mp3\n";
 
 const char* const kBouquet =
     "#NAME Mine (TV)\n#SERVICE 1:0:19:283D:3FB:1:C00000:0:0:0:\n#SERVICE 1:64:0:0:0:0:0:0:0:0::-- News --\n"

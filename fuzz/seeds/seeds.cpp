@@ -114,8 +114,8 @@ void WriteSessions(Folder folder) {
             const bool registers = method.name.find("Register") != std::string::npos;
             if (!registers && id > 5) continue;
             const RecordedCall call = RecordCall(service, method.name);
-            bytes += FrameOf(call.oneWay ? host::FrameType::kOneway : host::FrameType::kCall, 1, call.code, ++id,
-                             call.body);
+            bytes +=
+                FrameOf(call.oneWay ? host::FrameType::kOneway : host::FrameType::kCall, 1, call.code, ++id, call.body);
         }
         bytes += "\nevents\n";
         Parcel results;
@@ -149,9 +149,10 @@ void WriteRequests(Folder folder) {
         }
         folder.Add(requests);
     }
-    folder.Add(prelude + "!zap next\n!zap 5\n!key VK_RED\n!signal lost\n!signal back\n!tuner taken\n"
-                          "!set countryId FRA\n!get\n!apps\n!components\n!select audio 1\n!hide 2\n!remove 3\n"
-                          "!carousel-change a\n!parental-rating dvb-si 12\n!fail 3\n!record\n");
+    folder.Add(prelude +
+               "!zap next\n!zap 5\n!key VK_RED\n!signal lost\n!signal back\n!tuner taken\n"
+               "!set countryId FRA\n!get\n!apps\n!components\n!select audio 1\n!hide 2\n!remove 3\n"
+               "!carousel-change a\n!parental-rating dvb-si 12\n!fail 3\n!record\n");
 }
 
 // The names that messages have, for libFuzzer's own mutations.

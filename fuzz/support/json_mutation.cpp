@@ -17,15 +17,74 @@ namespace {
 
 // Values at the limits of what is read from messages, and handles, as numbers ("@1": the second known one).
 const std::vector<Json::Value>& Interesting() {
-    static const std::vector<Json::Value> values{
-        0, 1, -1, 2, 3, 7, 10, 32, 64, 65, 100, 255, 256, 65535, 65536, 65537, 100000, 2147483647,
-        Json::Int64{-2147483648}, Json::Int64{2147483648}, Json::UInt64{4294967295}, Json::Int64{4294967296},
-        Json::Int64{INT64_MAX}, Json::Int64{INT64_MIN}, Json::UInt64{UINT64_MAX}, 0.5, -0.0, -1.5, 1e19, -1e19, 1e308,
-        9.2233720368547758e18, true, false, Json::Value(), Json::Value(Json::arrayValue),
-        Json::Value(Json::objectValue), "", " ", "0", "1", "-1", "0x1", "0xffffffffffffffff", "0x10000000000000000",
-        "(nil)", "0x", "nan", "inf", "true", "a,b", "deu", "http://a.example/?b#c", "dvb://1.3fb.283d.17/a/b.html",
-        std::string("a\0b", 3), "\xc3\xbc", "\xff\xfe", "\x1b[2J\r\n", std::string(16, ' '), std::string(300, 'x'),
-        "@0", "@1", "@2", "@3", "@4", "@5", "@6", "@7"};
+    static const std::vector<Json::Value> values{0,
+                                                 1,
+                                                 -1,
+                                                 2,
+                                                 3,
+                                                 7,
+                                                 10,
+                                                 32,
+                                                 64,
+                                                 65,
+                                                 100,
+                                                 255,
+                                                 256,
+                                                 65535,
+                                                 65536,
+                                                 65537,
+                                                 100000,
+                                                 2147483647,
+                                                 Json::Int64{-2147483648},
+                                                 Json::Int64{2147483648},
+                                                 Json::UInt64{4294967295},
+                                                 Json::Int64{4294967296},
+                                                 Json::Int64{INT64_MAX},
+                                                 Json::Int64{INT64_MIN},
+                                                 Json::UInt64{UINT64_MAX},
+                                                 0.5,
+                                                 -0.0,
+                                                 -1.5,
+                                                 1e19,
+                                                 -1e19,
+                                                 1e308,
+                                                 9.2233720368547758e18,
+                                                 true,
+                                                 false,
+                                                 Json::Value(),
+                                                 Json::Value(Json::arrayValue),
+                                                 Json::Value(Json::objectValue),
+                                                 "",
+                                                 " ",
+                                                 "0",
+                                                 "1",
+                                                 "-1",
+                                                 "0x1",
+                                                 "0xffffffffffffffff",
+                                                 "0x10000000000000000",
+                                                 "(nil)",
+                                                 "0x",
+                                                 "nan",
+                                                 "inf",
+                                                 "true",
+                                                 "a,b",
+                                                 "deu",
+                                                 "http://a.example/?b#c",
+                                                 "dvb://1.3fb.283d.17/a/b.html",
+                                                 std::string("a\0b", 3),
+                                                 "\xc3\xbc",
+                                                 "\xff\xfe",
+                                                 "\x1b[2J\r\n",
+                                                 std::string(16, ' '),
+                                                 std::string(300, 'x'),
+                                                 "@0",
+                                                 "@1",
+                                                 "@2",
+                                                 "@3",
+                                                 "@4",
+                                                 "@5",
+                                                 "@6",
+                                                 "@7"};
     return values;
 }
 
@@ -82,8 +141,8 @@ void Change(Json::Value& document, Random& random) {
     Collect(document, all);
     // Mostly below the top.
     Json::Value& value = *all[std::max(Below(random, all.size()), Below(random, all.size()))];
-    const Json::Value other = Below(random, 3) == 0 ? *all[Below(random, all.size())]
-                                                     : Interesting()[Below(random, Interesting().size())];
+    const Json::Value other =
+        Below(random, 3) == 0 ? *all[Below(random, all.size())] : Interesting()[Below(random, Interesting().size())];
     if (value.isObject() && Below(random, 4) != 0) return ChangeObject(value, other, random);
     if (value.isArray() && Below(random, 4) != 0) return ChangeArray(value, other, random);
     if (value.isString() && Below(random, 3) == 0) {

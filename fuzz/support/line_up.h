@@ -19,13 +19,13 @@ inline constexpr const char* kLineUp = R"({
         {"name": "B", "organisation": 17, "application": 2, "control": "present", "url": "http://a.example/text.html",
          "keySets": ["NUMERIC", "NAVIGATION"], "otherKeys": ["TELETEXT"]}]},
     {"name": "Scrambled", "network": "sat", "onid": 1, "tsid": 1, "sid": 3, "type": "TV", "number": 3,
-     "access": "scrambled", "components": []},
+     "access": "scrambled", "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "AVC_HD_25"}]},
     {"name": "Dark", "network": "sat", "onid": 1, "tsid": 1, "sid": 4, "type": "TV", "number": 4, "reception": "none",
-     "components": []},
+     "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "AVC_HD_25"}]},
     {"name": "Locked", "network": "sat", "onid": 1, "tsid": 1, "sid": 5, "type": "RADIO", "number": 5,
-     "access": "locked", "components": []},
+     "access": "locked", "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "AVC_HD_25"}]},
     {"name": "Hidden", "network": "sat", "onid": 1, "tsid": 1, "sid": 9, "type": "TV", "listed": false,
-     "components": []}],
+     "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "AVC_HD_25"}]}],
 "favouriteLists": [{"id": "fav:1", "name": "F", "services": [{"onid": 1, "tsid": 1, "sid": 1}]}]})";
 
 }  // namespace hbbtv::fuzz

@@ -45,8 +45,9 @@ void ReadLineUpText(const std::string& text) {
 
 void ReadBouquet(const std::string& text) {
     static const std::string directory = Folder("bouquets");
-    WriteFile(directory + "/bouquets.tv", "#NAME B\n#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"userbouquet.a.tv\" "
-                                          "ORDER BY bouquet\n");
+    WriteFile(directory + "/bouquets.tv",
+              "#NAME B\n#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"userbouquet.a.tv\" "
+              "ORDER BY bouquet\n");
     WriteFile(directory + "/userbouquet.a.tv", text);
     const auto service = std::make_shared<sim::Service>();
     const Bouquets bouquets = ReadBouquets(
@@ -61,7 +62,7 @@ void ReadBouquet(const std::string& text) {
 void ReadGuide(const std::string& text) {
     static const LineUp lineUp = ParseLineUp(
         R"({"networks": [{"id": "s", "name": "S", "delivery": "DVB_S", "nid": 1}], "services": [{"name": "One",
-            "network": "s", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1, "components": []}]})",
+            "network": "s", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1, "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "AVC_HD_25"}]}]})",
         "line-up");
     const std::unique_ptr<ListedGuide> guide = ParseXmltv(text, "guide", lineUp, kIgnore);
     std::time_t last = std::numeric_limits<std::time_t>::min();
@@ -105,8 +106,8 @@ void ReadSignalling(const std::string& text) {
 }
 
 const std::map<std::string, void (*)(const std::string&)> kReaders{
-    {"line-up", ReadLineUpText},    {"bouquet", ReadBouquet},       {"xmltv", ReadGuide},
-    {"carousel", ReadCarousel},     {"carousel-url", ReadUrl},      {"stream-events", ReadScript},
+    {"line-up", ReadLineUpText},       {"bouquet", ReadBouquet},  {"xmltv", ReadGuide},
+    {"carousel", ReadCarousel},        {"carousel-url", ReadUrl}, {"stream-events", ReadScript},
     {"xml-signalling", ReadSignalling}};
 
 }  // namespace

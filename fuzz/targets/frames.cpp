@@ -73,7 +73,8 @@ void Compare(const std::vector<Message>& messages, const uint8_t* data, size_t s
 void SendAndReceive(const Message& message) {
     const Pair pair;
     bool alive = true;
-    FUZZ_CHECK(tolm::SendInternalSocket(pair.ends[0], message.header.port, message.header.type, message.payload, alive));
+    FUZZ_CHECK(
+        tolm::SendInternalSocket(pair.ends[0], message.header.port, message.header.type, message.payload, alive));
     FUZZ_CHECK(alive);
     const Message received = Receive(pair.ends[1]);
     FUZZ_CHECK(received.complete && received.alive && received.payload == message.payload);

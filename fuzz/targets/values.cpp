@@ -1,5 +1,5 @@
-// What people write for hbbtvctl: values, arguments of a method and plays. The first line is the kind, the rest what was
-// written.
+// What people write for hbbtvctl: values, arguments of a method and plays. The first line is the kind, the rest what
+// was written.
 #include <map>
 
 #include "cli/arguments.h"
