@@ -14,10 +14,10 @@ namespace {
 class Directory {
   public:
     Directory() : mOwner(getpid()) {
-        char path[] = "/tmp/hbbtv-fuzz-XXXXXX";
-        FUZZ_CHECK(mkdtemp(path) != nullptr);
-        mPath = path;
-        setenv("TMPDIR", path, 1);
+        const char* const parent = getenv("TMPDIR");
+        mPath = std::string(parent == nullptr ? "/tmp" : parent) + "/hbbtv-fuzz-XXXXXX";
+        FUZZ_CHECK(mkdtemp(mPath.data()) != nullptr);
+        setenv("TMPDIR", mPath.c_str(), 1);
         setenv("HIDL_HOST_DIR", (mPath + "/hidl").c_str(), 1);
     }
     ~Directory() {
