@@ -3,8 +3,12 @@
 #include <json/reader.h>
 #include <json/writer.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <string_view>
+
+#include "common/text/quote.h"
 
 namespace hbbtv {
 
@@ -20,6 +24,50 @@ BadJson FirstError(const std::string& errors) {
         begin == std::string::npos ? "it is empty" : errors.substr(begin, errors.find('\n', begin) - begin);
     while (!reason.empty() && reason.back() == '.') reason.pop_back();
     return BadJson(line, column, reason);
+}
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// Moves past digits. Returns whether there are any.
+bool SkipDigits(std::string_view word, size_t& at) {
+    const size_t begin = at;
+    while (at < word.size() && IsDigit(word[at])) ++at;
+    return at > begin;
+}
+
+bool IsNumber(std::string_view word) {
+    size_t at = word[0] == '-' ? 1 : 0;
+    const size_t first = at;
+    if (!SkipDigits(word, at) || (word[first] == '0' && at > first + 1)) return false;
+    if (at < word.size() && word[at] == '.' && !SkipDigits(word, ++at)) return false;
+    if (at < word.size() && (word[at] == 'e' || word[at] == 'E')) {
+        ++at;
+        if (at < word.size() && (word[at] == '+' || word[at] == '-')) ++at;
+        if (!SkipDigits(word, at)) return false;
+    }
+    return at == word.size();
+}
+
+// jsoncpp also takes numbers that JSON does not have, such as +1 and 01. `text` is a document that it has accepted.
+void CheckNumbers(const std::string& text) {
+    unsigned line = 1;
+    size_t lineBegin = 0;
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '\n') {
+            ++line;
+            lineBegin = at + 1;
+        } else if (text[at] == '"') {
+            for (++at; at < text.size() && text[at] != '"'; ++at) at += text[at] == '\\' ? 1 : 0;
+        } else if (IsDigit(text[at]) || text[at] == '-' || text[at] == '+' || text[at] == '.') {
+            const size_t end = std::min(text.find_first_of(",:]} \t\r\n", at), text.size());
+            const std::string word = text.substr(at, end - at);
+            const auto column = static_cast<unsigned>(at - lineBegin + 1);
+            if (!IsNumber(word)) throw BadJson(line, column, Quoted(word) + " is not a number");
+            at = end - 1;
+        }
+    }
 }
 
 }  // namespace
@@ -50,6 +98,7 @@ Json::Value ParseJson(const std::string& text, int deepest) {
         throw BadJson(1, 1, "it nests deeper than " + std::to_string(deepest) + " levels");
     }
     if (!good) throw FirstError(errors);
+    CheckNumbers(text);
     return root;
 }
 

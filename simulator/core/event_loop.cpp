@@ -30,6 +30,11 @@ void EventLoop::Run() {
     }
 }
 
+void EventLoop::RunReady() {
+    mContext->restart();
+    mContext->poll();
+}
+
 void EventLoop::Stop() {
     mContext->stop();
 }

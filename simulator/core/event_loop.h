@@ -24,6 +24,9 @@ class EventLoop {
     void Run();
     void Stop();
 
+    // Runs what need not wait, and returns. Not to be mixed with Run().
+    void RunReady();
+
     // Runs the function after the current one.
     void Post(std::function<void()> function);
 
