@@ -1,10 +1,12 @@
 // The suites of all services with one client that receives events. The test program of such a service instantiates them
-// for its fixture, a ServiceEvents with:
+// for its fixture, mostly a OneClientEvents, with:
 //
 //     static constexpr char kEvent[], kCall[];      // an event, and the call of the client for it
 //     void Register(const android::sp<Client>&);    // succeeds
 //     void RefuseNull();                            // registers null and checks that this is refused
 //     void Unregister();                            // succeeds; where a client can unregister
+//     static void Receive();                        // calls what the adaptor calls for an event
+//     static constexpr char kReceived[];            // the call of the client for that
 #pragma once
 
 #include <thread>
@@ -13,6 +15,20 @@
 #include "service_events.h"
 
 namespace hbbtv::test {
+
+template <typename TheService, typename TheClient>
+class OneClientEvents : public ServiceEvents<TheService, TheClient> {
+  protected:
+    using ServiceEvents<TheService, TheClient>::ServiceEvents;
+
+    // Return the status of the service.
+    virtual int TryRegister(const android::sp<TheClient>& client) = 0;
+    virtual int TryUnregister() { return -1; }
+
+    void Register(const android::sp<TheClient>& client) { ASSERT_EQ(TryRegister(client), 0); }
+    void RefuseNull() { EXPECT_EQ(TryRegister(nullptr), -1); }
+    void Unregister() { ASSERT_EQ(TryUnregister(), 0); }
+};
 
 template <typename Events>
 class OneClient : public Events {};
@@ -257,5 +273,91 @@ TYPED_TEST_P(OneClientOfAService, IsServedWhenALaterServiceIsDestroyed) {
 REGISTER_TYPED_TEST_SUITE_P(OneClientOfAService, IsNotCalledOnceMonitoringHasStopped,
                             IsNotCalledOnceTheServiceIsDestroyed, IsServedWhenAnEarlierServiceIsDestroyed,
                             IsServedWhenALaterServiceIsDestroyed);
+
+// For services that do nothing without an adaptor.
+template <typename Events>
+class OneClientOfAnAdaptor : public Events {};
+
+TYPED_TEST_SUITE_P(OneClientOfAnAdaptor);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OneClientOfAnAdaptor);  // not for every service
+
+TYPED_TEST_P(OneClientOfAnAdaptor, StaysRegisteredWhenNoAdaptorIsThereForAnother) {
+    this->Register(this->mClient);
+    UnderTest().deleteInstance();
+    const NoMemoryForAdaptors noMemory;
+    const android::sp<typename TestFixture::Client> second = new typename TestFixture::Client;
+    EXPECT_EQ(this->TryRegister(second), -1);
+    EXPECT_THAT(second->Linked(), testing::IsEmpty());
+    EXPECT_EQ(this->mClient->Linked().size(), 1u);
+    this->Receive();
+    EXPECT_THAT(this->mClient->Calls(), testing::ElementsAre(this->kReceived));
+}
+
+REGISTER_TYPED_TEST_SUITE_P(OneClientOfAnAdaptor, StaysRegisteredWhenNoAdaptorIsThereForAnother);
+
+// For those whose client can also unregister.
+template <typename Events>
+class OneClientThatLeavesAnAdaptor : public Events {};
+
+TYPED_TEST_SUITE_P(OneClientThatLeavesAnAdaptor);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OneClientThatLeavesAnAdaptor);  // not for every service
+
+TYPED_TEST_P(OneClientThatLeavesAnAdaptor, IsForgottenAlthoughThereIsNone) {
+    this->Register(this->mClient);
+    UnderTest().deleteInstance();
+    const NoMemoryForAdaptors noMemory;
+    EXPECT_EQ(this->TryUnregister(), -1);
+    EXPECT_THAT(this->mClient->Linked(), testing::IsEmpty());
+    this->Receive();
+    EXPECT_THAT(this->mClient->Calls(), testing::IsEmpty());
+}
+
+TYPED_TEST_P(OneClientThatLeavesAnAdaptor, IsForgottenAlthoughThePlatformRefuses) {
+    this->Register(this->mClient);
+    this->mPlatform.SetReply(R"({"ret": 6})");
+    EXPECT_EQ(this->TryUnregister(), this->kPassesOnTheStatus ? 6 : 0);
+    EXPECT_THAT(this->mClient->Linked(), testing::IsEmpty());
+    this->Send(this->kEvent);
+    EXPECT_THAT(this->mClient->Calls(), testing::IsEmpty());
+}
+
+REGISTER_TYPED_TEST_SUITE_P(OneClientThatLeavesAnAdaptor, IsForgottenAlthoughThereIsNone,
+                            IsForgottenAlthoughThePlatformRefuses);
+
+// For services that register their client with the platform.
+template <typename Events>
+class OneClientOfThePlatform : public Events {};
+
+TYPED_TEST_SUITE_P(OneClientOfThePlatform);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OneClientOfThePlatform);  // not for every service
+
+TYPED_TEST_P(OneClientOfThePlatform, IsRegisteredAlthoughThePlatformRefuses) {
+    this->mPlatform.SetReply(R"({"ret": 6})");
+    EXPECT_EQ(this->TryRegister(this->mClient), 6);
+    this->Send(this->kEvent);
+    EXPECT_THAT(this->mClient->Calls(), testing::ElementsAre(this->kCall));
+}
+
+REGISTER_TYPED_TEST_SUITE_P(OneClientOfThePlatform, IsRegisteredAlthoughThePlatformRefuses);
+
+// For services that keep the context of the registration. kCallWithoutContext is kCall up to it.
+template <typename Events>
+class OneClientWithAContext : public Events {};
+
+TYPED_TEST_SUITE_P(OneClientWithAContext);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OneClientWithAContext);  // not for every service
+
+TYPED_TEST_P(OneClientWithAContext, IsTheLastOfTwoThatRegisterAtOnce) {
+    const android::sp<typename TestFixture::Client> second = new typename TestFixture::Client;
+    Beside registration([&] { EXPECT_EQ(this->TryRegister(second, 2), 0); });
+    this->mClient->WhenLinked([&] { registration.Begin(); });
+    EXPECT_EQ(this->TryRegister(this->mClient, 1), 0);
+    registration.End();
+    this->Send(this->kEvent);
+    EXPECT_THAT(this->mClient->Calls(), testing::IsEmpty());
+    EXPECT_THAT(second->Calls(), testing::ElementsAre(std::string(this->kCallWithoutContext) + "2"));
+}
+
+REGISTER_TYPED_TEST_SUITE_P(OneClientWithAContext, IsTheLastOfTwoThatRegisterAtOnce);
 
 }  // namespace hbbtv::test

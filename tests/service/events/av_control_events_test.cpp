@@ -21,25 +21,28 @@ using vantorel::hardware::hbbtv::implementation::TolmAVControlComponentCallback;
 
 constexpr char kNoClient[] = "TolmAVControlComponentCallback callback null";
 
-class AVControlEvents : public ServiceEvents<AVControl, RecordingCallback> {
+class AVControlEvents : public OneClientEvents<AVControl, RecordingCallback> {
   protected:
     static constexpr char kEvent[] = R"({"method": 1, "component_type": 2, "component_index": 5})";
     static constexpr char kCall[] = "onComponentSelect 1 2 5";
 
-    AVControlEvents() : ServiceEvents("[hidl_av_control_wrapper_client]") {}
+    static constexpr auto& kReceived = kCall;
+    static constexpr bool kPassesOnTheStatus = false;  // the platform is not asked
 
-    void Register(const sp<Client>& client) {
-        ASSERT_EQ(static_cast<int32_t>(mService->RegisterCallback(client, 9)), 0);
-    }
+    AVControlEvents() : OneClientEvents("[hidl_av_control_wrapper_client]") {}
 
-    void RefuseNull() { EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(nullptr, 9)), -1); }
-    void Unregister() { ASSERT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), 0); }
+    int TryRegister(const sp<Client>& client) override { return mService->RegisterCallback(client, 9); }
+    int TryUnregister() override { return mService->UnregisterCallback(); }
+
+    static void Receive() { TolmAVControlComponentCallback(1, 2, 5); }
 
     int DroppedByTheAdaptor() const { return mLog.Count(ANDROID_LOG_DEBUG, "[ipc_avcontrol]", "callback is null"); }
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(AVControlClient, OneClient, AVControlEvents);
 INSTANTIATE_TYPED_TEST_SUITE_P(AVControlClient, OneClientThatCanUnregister, AVControlEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(AVControlClient, OneClientOfAnAdaptor, AVControlEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(AVControlClient, OneClientThatLeavesAnAdaptor, AVControlEvents);
 
 }  // namespace
 
@@ -78,28 +81,6 @@ TEST_F(AVControlEvents, AreDroppedByTheAdaptorAfterADeathThatThePlatformIsNotTol
     EXPECT_EQ(DroppedByTheAdaptor(), 1);
     EXPECT_EQ(Logged(ANDROID_LOG_INFO, kNoClient), 0);
     EXPECT_EQ(mPlatform.Connections(), 0);
-}
-
-TEST_F(AVControlEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierClientStays) {
-    Register(mClient);
-    TolmAVControlAdaptorIpc::DeleteInstance();
-    const NoMemoryForAdaptors noMemory;
-    const sp<Client> second = new Client;
-    EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(second, 5)), -1);
-    EXPECT_THAT(second->Linked(), IsEmpty());
-    EXPECT_EQ(mClient->Linked().size(), 1u);
-    EXPECT_EQ(TolmAVControlComponentCallback(1, 2, 5), 0);
-    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
-}
-
-TEST_F(AVControlEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
-    Register(mClient);
-    TolmAVControlAdaptorIpc::DeleteInstance();
-    const NoMemoryForAdaptors noMemory;
-    EXPECT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), -1);
-    EXPECT_THAT(mClient->Linked(), IsEmpty());
-    EXPECT_EQ(TolmAVControlComponentCallback(1, 2, 5), -1);
-    EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
 }  // namespace hbbtv::test

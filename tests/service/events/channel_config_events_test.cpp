@@ -24,23 +24,30 @@ constexpr char kTag[] = "[hidl_video_broadcast_wrapper_client]";
 constexpr int64_t kContext = 0x7777777780000abc;  // the low half counts
 constexpr char kUnregister[] = "{\n\t\"method\" : 1,\n\t\"type\" : 19\n}\n";
 
-class ChannelConfigEvents : public ServiceEvents<ChannelConfig, RecordingCallback> {
+class ChannelConfigEvents : public OneClientEvents<ChannelConfig, RecordingCallback> {
   protected:
     static constexpr char kEvent[] = R"({"event": 0, "reserved": "A"})";
     static constexpr char kCall[] = "OnChannelConfigEvent 0 65 2147486396";
 
-    ChannelConfigEvents() : ServiceEvents(kTag) {}
+    static constexpr char kCallWithoutContext[] = "OnChannelConfigEvent 0 65 ";
+    static constexpr char kReceived[] = "OnChannelConfigEvent 0 65 0";
+    static constexpr bool kPassesOnTheStatus = true;
 
-    void Register(const sp<Client>& client, int64_t context = kContext) {
-        ASSERT_EQ(static_cast<int32_t>(mService->RegisterCallback(client, context)), 0);
-    }
+    ChannelConfigEvents() : OneClientEvents(kTag) {}
 
-    void RefuseNull() { EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(nullptr, kContext)), -1); }
-    void Unregister() { ASSERT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), 0); }
+    int TryRegister(const sp<Client>& client) override { return TryRegister(client, kContext); }
+    int TryRegister(const sp<Client>& client, int64_t context) { return mService->RegisterCallback(client, context); }
+    int TryUnregister() override { return mService->UnregisterCallback(); }
+
+    static void Receive() { TolmChannelConfigCallback(0, {'A'}, nullptr); }
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(ChannelConfigClient, OneClient, ChannelConfigEvents);
 INSTANTIATE_TYPED_TEST_SUITE_P(ChannelConfigClient, OneClientThatCanUnregister, ChannelConfigEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(ChannelConfigClient, OneClientOfAnAdaptor, ChannelConfigEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(ChannelConfigClient, OneClientThatLeavesAnAdaptor, ChannelConfigEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(ChannelConfigClient, OneClientOfThePlatform, ChannelConfigEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(ChannelConfigClient, OneClientWithAContext, ChannelConfigEvents);
 
 }  // namespace
 
@@ -58,7 +65,7 @@ TEST_F(ChannelConfigEvents, ReachTheRegisteredClientWithItsContext) {
 }
 
 TEST_F(ChannelConfigEvents, GiveTheContextWithAZeroHighHalf) {
-    Register(mClient, -1);
+    ASSERT_EQ(TryRegister(mClient, -1), 0);
     Send(kEvent);
     EXPECT_THAT(mClient->Calls(), ElementsAre("OnChannelConfigEvent 0 65 4294967295"));
 }
@@ -67,21 +74,10 @@ TEST_F(ChannelConfigEvents, AreDroppedSilentlyWithoutAClient) {
     Unregister();
     mLog.Clear();
     Send(kEvent);
-    TolmChannelConfigCallback(0, {'A'}, nullptr);
+    Receive();
     EXPECT_EQ(Logged(ANDROID_LOG_WARN, "reserved is empty"), 0);
     for (const LogLine& line : mLog.Lines()) EXPECT_NE(line.tag, kTag) << line.text;
     EXPECT_THAT(mClient->Calls(), IsEmpty());
-}
-
-TEST_F(ChannelConfigEvents, OfTwoRegistrationsAtOnceComeWithTheContextOfTheLast) {
-    const sp<Client> second = new Client;
-    Beside registration([&] { Register(second, 2); });
-    mClient->WhenLinked([&] { registration.Begin(); });
-    Register(mClient, 1);
-    registration.End();
-    Send(kEvent);
-    EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_THAT(second->Calls(), ElementsAre("OnChannelConfigEvent 0 65 2"));
 }
 
 TEST_F(ChannelConfigEvents, AreTakenBackFromThePlatformByEachEndAndByADeath) {
@@ -95,39 +91,6 @@ TEST_F(ChannelConfigEvents, AreTakenBackFromThePlatformByEachEndAndByADeath) {
     mPlatform.ForgetFrames();
     mClient->Die();
     EXPECT_THAT(Requests(), ElementsAre(kUnregister));
-}
-
-TEST_F(ChannelConfigEvents, ThePlatformsRefusalIsPassedOnAndTheClientRegisteredAllTheSame) {
-    mPlatform.SetReply(R"({"ret": 6})");
-    EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(mClient, kContext)), 6);
-    Send(kEvent);
-    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
-    EXPECT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), 6);
-    EXPECT_THAT(mClient->Linked(), IsEmpty());
-    Send(kEvent);
-    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
-}
-
-TEST_F(ChannelConfigEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierClientStays) {
-    Register(mClient);
-    TolmChannelConfigAdaptorIpc::DeleteInstance();
-    const NoMemoryForAdaptors noMemory;
-    const sp<Client> second = new Client;
-    EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(second, 5)), -1);
-    EXPECT_THAT(second->Linked(), IsEmpty());
-    EXPECT_EQ(mClient->Linked().size(), 1u);
-    TolmChannelConfigCallback(0, {'A'}, nullptr);
-    EXPECT_THAT(mClient->Calls(), ElementsAre("OnChannelConfigEvent 0 65 0"));
-}
-
-TEST_F(ChannelConfigEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
-    Register(mClient);
-    TolmChannelConfigAdaptorIpc::DeleteInstance();
-    const NoMemoryForAdaptors noMemory;
-    EXPECT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), -1);
-    EXPECT_THAT(mClient->Linked(), IsEmpty());
-    TolmChannelConfigCallback(0, {'A'}, nullptr);
-    EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
 TEST(ChannelConfigWithoutPlatform, ForgetsItsClientAllTheSame) {

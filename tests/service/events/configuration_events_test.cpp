@@ -7,6 +7,8 @@
 #include "Configuration.h"
 #include "beside.h"
 #include "ipc/src/plugin/tolm_configuration_adaptor_ipc.h"
+#include "package/description.h"
+#include "protocol_events.h"
 #include "recording_client.h"
 #include "service_events.h"
 
@@ -38,52 +40,35 @@ class ConfigurationEvents : public ServiceEvents<Configuration, RecordingCallbac
     const sp<Client> mThird = new Client;
 };
 
-struct EventCase {
-    const char* name;
-    const char* event;
-    const char* call;  // behind the method's name
-};
-
-void PrintTo(const EventCase& row, std::ostream* out) {
-    *out << row.name;
-}
-
-const EventCase kEvents[] = {
-    {"Resolution", R"({"event": 0, "w": 3840, "h": 2160})", "0 3840 2160 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
-    {"UiLanguage", R"({"event": 1, "uiLang": "deu,eng"})", "1 0 0 'deu,eng' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
-    {"AudioLanguage", R"({"event": 2, "audLang": "fra"})", "2 0 0 '' 'fra' '' 0 0 0 '' 0 0 0 0 0 0 0"},
-    {"SubtitleLanguage", R"({"event": 3, "prefSubLang": "***"})", "3 0 0 '' '' '***' 0 0 0 '' 0 0 0 0 0 0 0"},
-    {"MissingLanguage", R"({"event": 1})", "1 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
-    {"Subtitles", R"({"event": 4, "isSubEnabled": true})", "4 0 0 '' '' '' 1 0 0 '' 0 0 0 0 0 0 0"},
-    {"AudioDescription", R"({"event": 5, "isADEnabled": true})", "5 0 0 '' '' '' 0 1 0 '' 0 0 0 0 0 0 0"},
-    {"HearingImpaired", R"({"event": 6, "aud_hearing_imp": true})", "6 0 0 '' '' '' 0 0 1 '' 0 0 0 0 0 0 0"},
-    {"Region", R"({"event": 7, "region": "DE"})", "7 0 0 '' '' '' 0 0 0 'DE' 0 0 0 0 0 0 0"},
-    {"RatingAge", R"({"event": 8, "age": 16})", "8 0 0 '' '' '' 0 0 0 '' 16 0 0 0 0 0 0"},
-    {"DoNotTrackPolicy", R"({"event": 9, "do_not_track_policy": 1})", "9 0 0 '' '' '' 0 0 0 '' 0 1 0 0 0 0 0"},
-    {"CookiePolicy", R"({"event": 10, "cookie_policy": 2})", "10 0 0 '' '' '' 0 0 0 '' 0 0 2 0 0 0 0"},
-    {"PersistentStorage", R"({"event": 11, "persistent_storage": 3})", "11 0 0 '' '' '' 0 0 0 '' 0 0 0 3 0 0 0"},
-    {"BlockTrackingSites", R"({"event": 12, "block_track_sites": 4})", "12 0 0 '' '' '' 0 0 0 '' 0 0 0 0 4 0 0"},
-    {"DeviceId", R"({"event": 13, "device_id": -5})", "13 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 -5 0"},
-    {"DeviceIdTimestamp", R"({"event": 14, "device_id_ts": 1767225600000})",
-     "14 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 1767225600000"},
-    {"UnknownCode", R"({"event": 15, "age": 16})", "15 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0"},
-};
-
-class ConfigurationEvent : public ConfigurationEvents, public testing::WithParamInterface<EventCase> {};
-
 }  // namespace
 
-TEST_P(ConfigurationEvent, ReachesAllClients) {
+// The fields of the callback's struct are the members of all events, in their order.
+TEST_F(ConfigurationEvents, OfEveryKindReachAllClients) {
+    constexpr char kCallback[] = "IConfigurationCallback";
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(Register(mSecond), -1);
-    Send(GetParam().event);
-    const std::string call = std::string("onConfigurationEvent ") + GetParam().call;
-    EXPECT_THAT(mClient->Calls(), ElementsAre(call));
-    EXPECT_THAT(mSecond->Calls(), ElementsAre(call));
+    const auto& arguments = Package::Get().FindInterface(kCallback).Find("onConfigurationEvent")->arguments;
+    auto field = arguments.at(1).type->fields.begin();
+    std::vector<std::string> calls;
+    for (const Json::Value& definition : UnderTest().Wire().protocol["events"]) {
+        const ProtocolEvent event(definition["name"].asString());
+        Json::Value call(Json::arrayValue);
+        call.append(definition["code"]);
+        for (const Json::Value& member : definition["members"]) {
+            call[1][(field++)->name] = event.Values()[member["key"].asString()];
+        }
+        Send(event.Text());
+        calls.push_back(CallLine(kCallback, "onConfigurationEvent", call));
+    }
+    EXPECT_EQ(field, arguments[1].type->fields.end());
+    Send(R"({"event": 1})");
+    Send(R"({"event": 15, "age": 16})");
+    for (const char* code : {"1", "15"}) {
+        calls.push_back("onConfigurationEvent " + std::string(code) + " 0 0 '' '' '' 0 0 0 '' 0 0 0 0 0 0 0");
+    }
+    EXPECT_EQ(mClient->Calls(), calls);
+    EXPECT_EQ(mSecond->Calls(), calls);
 }
-
-INSTANTIATE_TEST_SUITE_P(Each, ConfigurationEvent, testing::ValuesIn(kEvents),
-                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationIsToldThePlatformAndGivesItsStatus) {
     mPlatform.SetReply(R"({"ret": 6})");

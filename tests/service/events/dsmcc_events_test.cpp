@@ -19,18 +19,16 @@ using testing::IsEmpty;
 using vantorel::hardware::hbbtv::implementation::Dsmcc;
 using vantorel::hardware::hbbtv::implementation::TolmBacBrowserDSMCCFileCallback;
 
-class DsmccEvents : public ServiceEvents<Dsmcc, RecordingCallback> {
+class DsmccEvents : public OneClientEvents<Dsmcc, RecordingCallback> {
   protected:
     static constexpr char kEvent[] =
         R"({"method": 4, "event": 1, "context": "0x80000abc", "url": "dvb://1", "filePath": "/f"})";
     static constexpr char kCall[] = "OnDsmccFileEvent 2  /f 2147486396";
 
-    DsmccEvents() : ServiceEvents("[hidl_video_broadcast_wrapper_client]") {}
+    DsmccEvents() : OneClientEvents("[hidl_video_broadcast_wrapper_client]") {}
 
-    void Register(const sp<Client>& client) { ASSERT_EQ(static_cast<int32_t>(mService->RegisterCallback(client)), 0); }
-
-    void RefuseNull() { EXPECT_EQ(static_cast<int32_t>(mService->RegisterCallback(nullptr)), -1); }
-    void Unregister() { ASSERT_EQ(static_cast<int32_t>(mService->UnregisterCallback()), 0); }
+    int TryRegister(const sp<Client>& client) override { return mService->RegisterCallback(client); }
+    int TryUnregister() override { return mService->UnregisterCallback(); }
 
     int NoClient() const {
         return mLog.Count(ANDROID_LOG_ERROR, "[hidl_dsmcc_wrapper_client]", "IDsmccCallback callback is null");

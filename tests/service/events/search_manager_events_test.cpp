@@ -21,24 +21,29 @@ using vantorel::hardware::hbbtv::implementation::TolmSearchManagerCallback;
 
 constexpr int64_t kContext = 0x7777777780000abc;  // the low half counts
 
-class SearchManagerEvents : public ServiceEvents<SearchManager, RecordingCallback> {
+class SearchManagerEvents : public OneClientEvents<SearchManager, RecordingCallback> {
   protected:
     static constexpr char kEvent[] = R"({"event": 0, "state": 3, "searchHandle": "0xf0009d20"})";
     static constexpr char kCall[] = "OnSearchManagerEvent 0 3 4026572064 2147486396";
 
-    SearchManagerEvents() : ServiceEvents("[hidl_search_manager_wrapper_client]") {}
+    static constexpr char kCallWithoutContext[] = "OnSearchManagerEvent 0 3 4026572064 ";
+    static constexpr char kReceived[] = "OnSearchManagerEvent 0 3 0 0";
 
-    void Register(const sp<Client>& client, int64_t context = kContext) {
-        ASSERT_EQ(static_cast<int32_t>(mService->SearchManager_RegisterCallback(0x100001000, client, context)), 0);
+    SearchManagerEvents() : OneClientEvents("[hidl_search_manager_wrapper_client]") {}
+
+    int TryRegister(const sp<Client>& client) override { return TryRegister(client, kContext); }
+    int TryRegister(const sp<Client>& client, int64_t context) {
+        return mService->SearchManager_RegisterCallback(0x100001000, client, context);
     }
 
-    void RefuseNull() {
-        EXPECT_EQ(static_cast<int32_t>(mService->SearchManager_RegisterCallback(1, nullptr, kContext)), -1);
-    }
+    static void Receive() { TolmSearchManagerCallback(0, {3, nullptr}, nullptr); }
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(SearchManagerClient, OneClient, SearchManagerEvents);
 INSTANTIATE_TYPED_TEST_SUITE_P(SearchManagerClient, OneClientOfAService, SearchManagerEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(SearchManagerClient, OneClientOfAnAdaptor, SearchManagerEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(SearchManagerClient, OneClientOfThePlatform, SearchManagerEvents);
+INSTANTIATE_TYPED_TEST_SUITE_P(SearchManagerClient, OneClientWithAContext, SearchManagerEvents);
 
 }  // namespace
 
@@ -58,7 +63,7 @@ TEST_F(SearchManagerEvents, ReachTheRegisteredClientWithItsContext) {
 }
 
 TEST_F(SearchManagerEvents, GiveHandlesAndContextsWithAZeroHighHalf) {
-    Register(mClient, -1);
+    ASSERT_EQ(TryRegister(mClient, -1), 0);
     Send(R"({"event": 0, "searchHandle": "0x12345678f0000001"})");
     EXPECT_THAT(mClient->Calls(), ElementsAre("OnSearchManagerEvent 0 0 4026531841 4294967295"));
 }
@@ -77,41 +82,11 @@ TEST_F(SearchManagerEvents, GoToTheLastClientWhateverItsSearchManager) {
     EXPECT_THAT(second->Calls(), ElementsAre("OnSearchManagerEvent 0 3 4026572064 5"));
 }
 
-TEST_F(SearchManagerEvents, OfTwoRegistrationsAtOnceComeWithTheContextOfTheLast) {
-    const sp<Client> second = new Client;
-    Beside registration([&] { Register(second, 2); });
-    mClient->WhenLinked([&] { registration.Begin(); });
-    Register(mClient, 1);
-    registration.End();
-    Send(kEvent);
-    EXPECT_THAT(mClient->Calls(), IsEmpty());
-    EXPECT_THAT(second->Calls(), ElementsAre("OnSearchManagerEvent 0 3 4026572064 2"));
-}
-
 TEST_F(SearchManagerEvents, AreNotTakenBackFromThePlatformByADeath) {
     Register(mClient);
     mPlatform.ForgetFrames();
     mClient->Die();
     EXPECT_THAT(Requests(), IsEmpty());
-}
-
-TEST_F(SearchManagerEvents, ThePlatformsRefusalIsPassedOnAndTheClientRegisteredAllTheSame) {
-    mPlatform.SetReply(R"({"ret": 6})");
-    EXPECT_EQ(static_cast<int32_t>(mService->SearchManager_RegisterCallback(1, mClient, kContext)), 6);
-    Send(kEvent);
-    EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
-}
-
-TEST_F(SearchManagerEvents, WithoutAnAdaptorNothingIsRegisteredAndTheEarlierClientStays) {
-    Register(mClient);
-    TolmSearchManagerAdaptor::DeleteInstance();
-    const NoMemoryForAdaptors noMemory;
-    const sp<Client> second = new Client;
-    EXPECT_EQ(static_cast<int32_t>(mService->SearchManager_RegisterCallback(1, second, 5)), -1);
-    EXPECT_THAT(second->Linked(), IsEmpty());
-    EXPECT_EQ(mClient->Linked().size(), 1u);
-    TolmSearchManagerCallback(0, {3, nullptr}, nullptr);
-    EXPECT_THAT(mClient->Calls(), ElementsAre("OnSearchManagerEvent 0 3 0 0"));
 }
 
 TEST(SearchManagerWithoutPlatform, RegistersItsClientAllTheSame) {

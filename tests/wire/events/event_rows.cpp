@@ -63,7 +63,7 @@ std::vector<ProtocolEventRow> RowsOf(const std::vector<std::string>& events, Not
     std::vector<ProtocolEventRow> rows;
     for (const std::string& name : events) {
         const ProtocolEvent event(name);
-        rows.push_back({event.TestName(), event.Text(), noted(event.Definition(), event.Shown())});
+        rows.push_back({event.TestName(), event.Text(), noted(event.Definition(), ShownOf(event))});
     }
     return rows;
 }
@@ -74,7 +74,7 @@ std::vector<EventMemberRow> MemberRowsOf(const std::vector<std::string>& events,
         const ProtocolEvent event(name);
         for (const Json::Value& member : event.Definition()["members"]) {
             const std::string key = member["key"].asString();
-            ShownMembers shown = event.Shown();
+            ShownMembers shown = ShownOf(event);
             shown[key] = "%";
             rows.push_back({TestNameOf(key), event.Text(), key, member["type"].asString(),
                             noted(event.Definition(), shown), unchanged});

@@ -12,10 +12,10 @@
 
 #include "event_connection.h"
 #include "log_capture.h"
-#include "protocol_events.h"
 #include "raw_socket.h"
 #include "rows.h"
 #include "scratch_directory.h"
+#include "shown_event.h"
 
 namespace hbbtv::test {
 

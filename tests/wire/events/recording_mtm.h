@@ -6,13 +6,14 @@
 #include <vector>
 
 #include "ipc/src/mtm/tolm_mtm_callback.h"
+#include "lenient_readings.h"
 
 namespace hbbtv::test {
 
-// Gives tab -11, render process -12, browser status -13 and a file, with the status that was set last.
+// Returns tab -11, render process -12, browser status -13 and a file, with the status that was set last.
 class RecordingMtm : public TolmMtmCallback {
   public:
-    // "name value value ...": numbers in decimal, texts in '', lists in [], and results as they come in.
+    // "name value value ...", the values as Show() returns them, and results as they come in.
     std::vector<std::string> Calls() const {
         std::lock_guard<std::mutex> lock(mMutex);
         return mCalls;
@@ -79,19 +80,10 @@ class RecordingMtm : public TolmMtmCallback {
     }
 
   private:
-    static std::string Text(int value) { return std::to_string(value); }
-    static std::string Text(bool value) { return value ? "true" : "false"; }
-    static std::string Text(const std::string& value) { return "'" + value + "'"; }
-    static std::string Text(const std::vector<std::string>& values) {
-        std::string text;
-        for (const std::string& value : values) text += (text.empty() ? "" : " ") + Text(value);
-        return "[" + text + "]";
-    }
-
     template <typename... Values>
     int Note(const char* name, const Values&... values) {
         std::string line = name;
-        ((line += " " + Text(values)), ...);
+        ((line += " " + Show(values)), ...);
         std::lock_guard<std::mutex> lock(mMutex);
         mCalls.push_back(line);
         return mStatus;

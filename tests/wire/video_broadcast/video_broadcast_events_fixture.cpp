@@ -5,7 +5,7 @@
 #include <mutex>
 
 #include "lenient_readings.h"
-#include "protocol_events.h"
+#include "shown_event.h"
 #include "wire/endpoint.h"
 
 namespace hbbtv::test {
@@ -150,7 +150,7 @@ std::string ComplaintOf(int code, const std::string& handle) {
 
 EventRow RowOf(const std::string& object, int code) {
     const ProtocolEvent event(object + ":" + std::to_string(code));
-    ShownMembers shown = event.Shown();
+    ShownMembers shown = ShownOf(event);
     EventRow row{object, code, event.Definition()["name"].asString(), event.Text(), {}};
     for (const Json::Value& member : event.Definition()["members"]) {
         const std::string key = member["key"].asString();

@@ -3,13 +3,9 @@
 
 #include <json/value.h>
 
-#include <map>
 #include <string>
 
 namespace hbbtv::test {
-
-// What a receiver shows of an event's members, by key: the values as Show() gives them.
-using ShownMembers = std::map<std::string, std::string>;
 
 class ProtocolEvent {
   public:
@@ -21,7 +17,8 @@ class ProtocolEvent {
     // The event on one line. A context of its envelope is 0xabcd.
     std::string Text() const;
 
-    ShownMembers Shown() const;
+    // Values of the members, by argument.
+    const Json::Value& Values() const { return mValues; }
 
     // Returns "UiLanguage" for "UI language".
     std::string TestName() const;
