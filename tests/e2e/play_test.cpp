@@ -40,6 +40,12 @@ std::vector<std::string> Lines(const std::string& text) {
     return lines;
 }
 
+std::string ContentOf(const std::string& path) {
+    std::ostringstream content;
+    content << std::ifstream(path).rdbuf();
+    return content.str();
+}
+
 class Stage : public testing::Test {
   protected:
     void Start(const std::string& name) {
@@ -96,6 +102,14 @@ TEST_P(Plays, Hold) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Plays, testing::ValuesIn(NamesOfPlays()), [](const auto& name) { return name.param; });
+
+TEST_F(Stage, AReceivedFileHasTheContentOfTheCarousel) {
+    Start("carousel");
+    RunToEnd({HBBTVCTL_PROGRAM, "call", "IDsmcc.OnRequestFile", "dvb://1.3fb.283d.17/index.html", "0xabc"});
+    const std::string sent = ContentOf(kPlays + "/television/carousel/index.html");
+    EXPECT_NE(sent, "");
+    EXPECT_TRUE(WaitFor([&] { return ContentOf(mDirectory / "hbbtv_sim_carousel/1/index.html") == sent; }));
+}
 
 class WholePackage : public Stage {
   protected:
