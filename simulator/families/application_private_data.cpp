@@ -31,8 +31,6 @@ ApplicationPrivateDataFamily::ApplicationPrivateDataFamily(const FamilySetup& se
     AddCommand("free-memory BYTES|unknown", "set the memory that is free for applications", &F::SetFreeMemory);
 }
 
-// --- At the television
-
 std::string ApplicationPrivateDataFamily::SetFreeMemory(const Words& words) {
     const auto bytes = Number(Word(words), INT32_MAX);
     if (!bytes && Word(words) != "unknown") throw WrongWords();

@@ -87,29 +87,27 @@ void AvControlFamily::ComponentUpdate(In in, Out) {
     }
     if (count > kMostComponents)
         throw Refused("there are more than " + std::to_string(kMostComponents) + " components");
-    MediaComponents told;
-    told.current = in.Int("current_component_index");
-    for (const Json::Value& item : items) told.list.push_back(ReadComponent(Arguments(item)));
-    const bool outside = told.current >= 0 && static_cast<size_t>(told.current) >= told.list.size();
-    if (outside && !told.list.empty()) {
-        throw Refused("index " + std::to_string(told.current) + " of " + std::to_string(told.list.size()));
+    MediaComponents components;
+    components.current = in.Int("current_component_index");
+    for (const Json::Value& item : items) components.list.push_back(ReadComponent(Arguments(item)));
+    const bool outside = components.current >= 0 && static_cast<size_t>(components.current) >= components.list.size();
+    if (outside && !components.list.empty()) {
+        throw Refused("index " + std::to_string(components.current) + " of " + std::to_string(components.list.size()));
     }
-    mComponents[static_cast<size_t>(type)] = std::move(told);
+    mComponents[static_cast<size_t>(type)] = std::move(components);
 }
-
-// --- At the television
 
 std::string AvControlFamily::Components(const Words& words) {
     RequireNone(words);
     std::string text;
     for (size_t type = 0; type < kTypes.size(); ++type) {
         if (!mComponents[type]) continue;
-        const MediaComponents& told = *mComponents[type];
-        if (told.list.empty()) text += std::string(text.empty() ? "" : "; ") + kTypes[type] + ": none";
-        for (size_t i = 0; i < told.list.size(); ++i) {
+        const MediaComponents& components = *mComponents[type];
+        if (components.list.empty()) text += std::string(text.empty() ? "" : "; ") + kTypes[type] + ": none";
+        for (size_t i = 0; i < components.list.size(); ++i) {
             text += std::string(text.empty() ? "" : "; ") + kTypes[type] + " " + std::to_string(i) + ": ";
-            text += Described(told.list[i]);
-            if (told.current == static_cast<int>(i)) text += " current";
+            text += Described(components.list[i]);
+            if (components.current == static_cast<int>(i)) text += " current";
         }
     }
     if (text.empty()) throw Refused("the browser has not reported any components");

@@ -83,8 +83,6 @@ void ChannelConfigFamily::Notify(ConfigChange change) {
     mSink.Send("changed", event);
 }
 
-// --- Lists
-
 void ChannelConfigFamily::SetChannelList(In in, Out) {
     const bool none = in.Pointer("list") == 0;
     const auto list = none ? nullptr : Find(mTv.channelLists, in, "list", "channel list");
@@ -136,8 +134,6 @@ void ChannelConfigFamily::CreateFilteredList(In in, Out out) {
     }
     out["handle"] = Add(std::move(channels));
 }
-
-// --- At the television
 
 std::string ChannelConfigFamily::SetHidden(const Words& words, bool hidden) {
     const auto number = Number(Word(words));

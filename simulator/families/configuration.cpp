@@ -150,21 +150,19 @@ void ConfigurationFamily::Takes(const char* name, Preference preference, const c
 }
 
 void ConfigurationFamily::Tell(Preference preference) {
-    const PreferenceEvent* told = EventOf(preference);
-    if (!mRegistered || told == nullptr) return;
+    const PreferenceEvent* event = EventOf(preference);
+    if (!mRegistered || event == nullptr) return;
     const Json::Value& value = mPreferences.Get(preference);
-    Json::Value event;
-    event[told->member] = value;
-    if (preference == P::Region) event[told->member] = value.asString();
-    if (preference == P::DeviceId) event[told->member] = value.asBool() ? 1 : 0;
+    Json::Value members;
+    members[event->member] = value;
+    if (preference == P::Region) members[event->member] = value.asString();
+    if (preference == P::DeviceId) members[event->member] = value.asBool() ? 1 : 0;
     if (preference == P::Resolution) {
-        event["w"] = Side(value.asString(), true);
-        event["h"] = Side(value.asString(), false);
+        members["w"] = Side(value.asString(), true);
+        members["h"] = Side(value.asString(), false);
     }
-    mSink.Send(told->name, event);
+    mSink.Send(event->name, members);
 }
-
-// --- Requests with more than one value
 
 // The library does not send the string's key, and a missing key is 0 on this wire.
 void ConfigurationFamily::SetText(In in, Out) {
@@ -200,8 +198,6 @@ void ConfigurationFamily::GetDttNetworkIds(In, Out out) {
     out["num"] = ids.size();
     for (Json::ArrayIndex i = 0; i < ids.size(); ++i) out["k" + std::to_string(i)] = ids[i];
 }
-
-// --- At the television
 
 std::string ConfigurationFamily::Set(const Words& words) {
     if (words.size() < 2) throw WrongWords();

@@ -18,21 +18,7 @@ constexpr size_t kMostUses = 1000;
 // The interface gives the events numbers only; these are the simulator's meanings.
 enum class FileEvent { Arrived, Changed, Missing, CarouselLost, OnItsWay };
 
-const char* NameOf(FileEvent event) {
-    switch (event) {
-        case FileEvent::Arrived:
-            return "file_0";
-        case FileEvent::Changed:
-            return "file_2";
-        case FileEvent::Missing:
-            return "file_4";
-        case FileEvent::CarouselLost:
-            return "file_1";
-        case FileEvent::OnItsWay:
-            break;
-    }
-    return "dropped";
-}
+const char* const kEventNames[] = {"file ready", "file changed", "file not found", "carousel lost", "file pending"};
 
 class DsmccFamily : public Family {
   public:
@@ -46,8 +32,8 @@ class DsmccFamily : public Family {
         Use(EventLoop& loop, CarouselPath thePath) : path(std::move(thePath)), loading(loop) {}
 
         CarouselPath path;
-        bool lost = false;  // its carousel was left; it waits for its release
-        bool told = false;  // an event has reported the file before
+        bool lost = false;      // its carousel was left; it waits for its release
+        bool reported = false;  // an event has reported the file before
         File file;
         File before;  // the previous version, which a client may still be reading
         Timer loading;
@@ -84,7 +70,7 @@ DsmccFamily::DsmccFamily(const FamilySetup& setup)
     : Family("dsmcc"),
       mLoop(setup.loop),
       mTv(setup.tv),
-      mSink(Sends(setup.makeSink, {"file_0", "file_2", "file_4", "file_1", "dropped"})),
+      mSink(Sends(setup.makeSink, {"file ready", "file changed", "file not found", "carousel lost", "file pending"})),
       mLocalFiles(setup.directory + kDirectory) {
     using F = DsmccFamily;
     Row("RequestFile", &F::RequestFile);
@@ -99,8 +85,6 @@ DsmccFamily::DsmccFamily(const FamilySetup& setup)
         ChangeAgain(path, *file.newVersionEvery, timer);
     }
 }
-
-// --- Requests
 
 // Returns nothing if the current service does not carry this carousel. Throws Refused for an invalid URL.
 std::optional<CarouselPath> DsmccFamily::Locate(const std::string& text) const {
@@ -140,8 +124,6 @@ void DsmccFamily::ReleaseFile(In in, Out) {
     if (mUses.erase(key) == 0) throw Refused("this file is not in use");
 }
 
-// --- Files
-
 void DsmccFamily::Load(const Key& key, Use& use) {
     const auto delay = mCarousel->About(use.path).delay;
     if (delay.count() > 0) Send(FileEvent::OnItsWay, key);
@@ -160,8 +142,8 @@ void DsmccFamily::LoadingEnds(const Key& key, Use& use) {
         Send(FileEvent::Missing, key);
         return;
     }
-    Send(use.told ? FileEvent::Changed : FileEvent::Arrived, key, use.file);
-    use.told = true;
+    Send(use.reported ? FileEvent::Changed : FileEvent::Arrived, key, use.file);
+    use.reported = true;
 }
 
 // All requests for a version share its copy.
@@ -209,10 +191,8 @@ void DsmccFamily::Send(FileEvent event, const Key& key, const File& file) {
     members["url"] = key.first;
     members["filePath"] = file ? file->path : "";
     members["context"] = PointerText(key.second);
-    mSink.Send(NameOf(event), members);
+    mSink.Send(kEventNames[static_cast<int>(event)], members);
 }
-
-// --- At the television
 
 std::string DsmccFamily::Change(const Words& words) {
     const std::string& word = Word(words);

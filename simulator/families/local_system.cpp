@@ -47,8 +47,6 @@ LocalSystemFamily::LocalSystemFamily(const FamilySetup& setup) : Family("local_s
     AddCommand("software-update VERSION", "set the version of the television's software", &F::UpdateSoftware);
 }
 
-// --- At the television
-
 std::string LocalSystemFamily::Switch(const Words& words, bool DeviceDescription::*what) {
     const bool on = IsFirst(words, "on", "off");
     mDevice.Change([&](DeviceDescription& description) { description.*what = on; });

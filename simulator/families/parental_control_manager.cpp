@@ -112,8 +112,6 @@ void ParentalControlManagerFamily::AddRatingRows() {
     Row("GetLocalParentalRating", &F::GetLocalParentalRating);
 }
 
-// --- Schemes
-
 void ParentalControlManagerFamily::GetParentalRatingSchemeNum(In in, Out out) {
     RequireManager(in);
     out["num"] = Bits(static_cast<uint32_t>(mTv.parentalControl.Schemes().size()));
@@ -136,8 +134,6 @@ void ParentalControlManagerFamily::GetIconUrl(In in, Out out) {
     At(scheme.values, index);
     out["out_url"] = scheme.IconOf(index);
 }
-
-// --- Ratings
 
 void ParentalControlManagerFamily::GetRatingByIndex(In in, Out out) {
     out["out_handle"] = Text(mRatings, At(Collection(in), in.UInt("in_index")));
@@ -162,8 +158,6 @@ void ParentalControlManagerFamily::GetLocalParentalRating(In, Out out) {
     out["parentRating"] = mTv.preferences.Get(Preference::RatingAge);
     out["countryCode"] = mTv.preferences.Get(Preference::Country);
 }
-
-// --- At the television
 
 std::string ParentalControlManagerFamily::SetThreshold(const Words& words) {
     if (words.size() != 2) throw WrongWords();

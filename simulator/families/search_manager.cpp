@@ -112,8 +112,6 @@ SearchManagerFamily::SearchManagerFamily(const FamilySetup& setup)
     Row("Query_Not", &F::QueryNot);
 }
 
-// --- Search managers
-
 void SearchManagerFamily::Destroy(In in, Out) {
     const auto manager = Find(mManagers, in, "in_handle", "search manager");
     mManagers.Remove(in.Pointer("in_handle"));
@@ -137,8 +135,6 @@ void SearchManagerFamily::Tell(const Manager& manager, const std::string& search
     message["searchHandle"] = search;
     mSink.Send("state", message);
 }
-
-// --- Searches
 
 ProgrammeSearch::Services SearchManagerFamily::Listed() const {
     ProgrammeSearch::Services services;
@@ -200,8 +196,6 @@ void SearchManagerFamily::AddChannelConstraint(In in, Out) {
     if (in.Pointer("channel_handle") == 0) return search->search->RemoveConstraints();
     search->search->AddConstraint(Find(mTv.channels, in, "channel_handle", "channel")->service);
 }
-
-// --- Result sets
 
 void SearchManagerFamily::GetProgramme(In in, Out out) {
     const unsigned index = in.UInt("index");

@@ -86,7 +86,7 @@ TEST_F(BrowserTabs, AreCommandedInTheBrowsersProcessUntilItEnds) {
     }
 }
 
-TEST_F(BrowserTabs, OfABrowserThatUnregistersAreNobodys) {
+TEST_F(BrowserTabs, GetNullAfterTheBrowserHasUnregistered) {
     RegisteredClient browser("mtm");
     ASSERT_TRUE(browser.Registered()) << browser.Output();
     browser.Write("unregister\n");

@@ -40,7 +40,7 @@ class ConfigurationProcesses : public testing::Test {
     ServiceProcess mService;
 };
 
-TEST_F(ConfigurationProcesses, TellSeveralClientsUntilEachIsTakenBack) {
+TEST_F(ConfigurationProcesses, ReachSeveralClientsUntilEachUnregisters) {
     RegisteredClient first("configuration");
     ASSERT_TRUE(first.Registered()) << first.Output();
     RegisteredClient second("further_configuration");
@@ -66,7 +66,7 @@ TEST_F(ConfigurationProcesses, TellSeveralClientsUntilEachIsTakenBack) {
     EXPECT_EQ(std::string("2 ") + kUnregister, Requests());
 }
 
-TEST_F(ConfigurationProcesses, TellNobodyAfterOneClientsProcessHasEnded) {
+TEST_F(ConfigurationProcesses, AreDroppedAfterOneClientsProcessHasEnded) {
     RegisteredClient first("configuration");
     ASSERT_TRUE(first.Registered()) << first.Output();
     RegisteredClient second("further_configuration");

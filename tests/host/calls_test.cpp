@@ -29,8 +29,6 @@ Status CallByHand(const sp<IBase>& proxy, const char* token, uint32_t method, ui
 
 }  // namespace
 
-// ---- Data ----
-
 TEST_F(DataAcrossProcesses, ScalarsKeepTheirExtremes) {
     bool called = false;
     const Return<void> extremes = mService->scalars(
@@ -137,8 +135,6 @@ TEST_F(DataAcrossProcesses, TheBaseInterfaceAnswers) {
     EXPECT_EQ(pid, mPeer.Pid());
 }
 
-// ---- Objects as arguments ----
-
 TEST_F(Callbacks, ANullInterfaceArrivesAsNull) {
     EXPECT_FALSE(mService->setListener(nullptr).withDefault(true));
     const Return<sp<IListener>> none = mService->listener();
@@ -215,8 +211,6 @@ TEST_F(Callbacks, ThatNestEndlesslyAreRefusedBeforeTheStackOverflows) {
     EXPECT_EQ(Echo(mService, "still here"), "still here");
 }
 
-// ---- Answers ----
-
 TEST_F(Calls, ANullResultCallbackIsRefusedWithoutCalling) {
     const Return<void> refused = mService->echo("text", nullptr);
     EXPECT_FALSE(refused.isOk());
@@ -249,8 +243,6 @@ TEST_F(Calls, ManyThreadsShareOneConnection) {
     }
     EXPECT_EQ(right, 8 * 200);
 }
-
-// ---- One-way ----
 
 TEST_F(OnewayCalls, RunInOrder) {
     for (uint32_t i = 0; i < 5000; ++i) ASSERT_TRUE(mService->post(i).isOk());
@@ -307,8 +299,6 @@ TEST_F(OnewayCalls, ToAStoppedClientAreEventuallyRefusedAndTheServiceSurvives) {
     client.Kill();
     EXPECT_TRUE(WaitFor([&] { return mService->emit(1).withDefault(1) == 0; }));
 }
-
-// ---- Failures ----
 
 TEST_F(TransportErrors, AnUnknownMethodIsAnUnknownTransaction) {
     const Status status = CallByHand(mService, IWorkshop::descriptor, 12345, 0);
@@ -368,8 +358,6 @@ TEST_F(TransportErrors, AnObjectOfAThirdProcessIsRefused) {
     EXPECT_NE(bounced.description().find("INVALID_OPERATION"), std::string::npos) << bounced.description();
     EXPECT_EQ(Echo(mService, "alive"), "alive");
 }
-
-// ---- The pool ----
 
 TEST(ThreadPools, HaveOneThreadWhenNotConfigured) {
     const ScratchDirectory scratch;

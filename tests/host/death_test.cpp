@@ -21,8 +21,6 @@ class DeathOfClients : public ::testing::Test {
 
 }  // namespace
 
-// ---- Objects of this process ----
-
 TEST(DeathNoticesAtHome, AreAcceptedAndNeverDelivered) {
     const sp<Workshop> local = new Workshop;
     const sp<Recipient> recipient = new Recipient;
@@ -34,8 +32,6 @@ TEST(DeathNoticesAtHome, AreAcceptedAndNeverDelivered) {
     EXPECT_FALSE(wrapped->unlinkToDeath(nullptr).withDefault(true));
     EXPECT_EQ(recipient->Notices(), 0u);
 }
-
-// ---- Notifications ----
 
 TEST_F(DeathNotices, ReachTheRecipientWhenTheServerIsKilled) {
     sp<IBase> promoted;
@@ -140,8 +136,6 @@ TEST_F(DeathNotices, AreAlsoDeliveredWhenTheServerExits) {
     EXPECT_TRUE(WaitFor([&] { return recipient->Notices() == 1; }));
     EXPECT_EQ(mPeer.WaitForExit(), 0);
 }
-
-// ---- Pending calls ----
 
 TEST_F(PendingCalls, FailImmediatelyWhenTheServerIsKilled) {
     const sp<Recipient> recipient = new Recipient;

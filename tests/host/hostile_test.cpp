@@ -466,8 +466,6 @@ TEST_F(HostilePeers, DoNoHarmWithRandomDamage) {
     }
 }
 
-// ---- Exhaustion ----
-
 TEST(Exhaustion, OfDescriptorsRefusesConnectionsButKeepsTheServiceAlive) {
     const ScratchDirectory scratch;
     Peer peer({"serve", "default", "2"});

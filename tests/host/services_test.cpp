@@ -30,8 +30,6 @@ class Services : public ::testing::Test {
 
 }  // namespace
 
-// ---- Finding ----
-
 TEST_F(Services, OfTheSameProcessAreTheObjectItself) {
     const sp<Workshop> own = new Workshop;
     ASSERT_EQ(own->registerAsService("own"), ::android::OK);
@@ -91,8 +89,6 @@ TEST_F(Services, MayHaveAnyName) {
     EXPECT_EQ(Echo(service, "text"), "text");
 }
 
-// ---- Registering ----
-
 TEST_F(Services, ThatAreNullOrHaveATooLongNameAreNotRegistered) {
     EXPECT_EQ(::android::hardware::details::registerAsServiceInternal(nullptr, "default"), ::android::UNEXPECTED_NULL);
     const sp<Workshop> own = new Workshop;
@@ -131,8 +127,6 @@ TEST_F(Services, OfTwoProcessesMayCallEachOther) {
     peer.Kill();
     EXPECT_EQ(IWorkshop::getService("own").get(), own.get());
 }
-
-// ---- On disk ----
 
 TEST_F(Services, AreInADirectoryThatOnlyTheirUserCanEnter) {
     Peer peer({"serve", "default"});
@@ -199,8 +193,6 @@ TEST_F(Services, DoNotNotifyOfRegistrations) {
     EXPECT_EQ(::android::hardware::defaultServiceManager(), nullptr);
     EXPECT_FALSE(IWorkshop::registerForNotifications("default", nullptr));
 }
-
-// ---- Casting ----
 
 TEST_F(Casting, ReturnsAProxyOfTheSameObject) {
     const Return<sp<IWorkbench>> cast = IWorkbench::castFrom(mService);

@@ -57,7 +57,6 @@ class SimulatorFixture : public testing::Test {
     // Expects that the program has written the text so many times, waiting for the last one.
     void ExpectSaid(const std::string& text, int times) const;
 
-    // --- Requests. An operation is named as in "channel.GetName"; without a family, it is one of mFamily. The second
     // form is for an operation about an object, whose handle is the operation's first member.
 
     // Returns the reply, which is either complete or a failure.
@@ -117,8 +116,6 @@ class SimulatorFixture : public testing::Test {
     // Returns the connection for a family's requests, which is made when it is first used.
     RawClient& ClientOf(const std::string& family = "video_broadcast");
     void CloseConnections() { mClients.clear(); }
-
-    // --- Events.
 
     void ServeEvents(const std::string& family = "video_broadcast");
     void StopServingEvents(const std::string& family = "video_broadcast") { mLibraries.erase(family); }

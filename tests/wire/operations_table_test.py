@@ -1,4 +1,4 @@
-"""Whether docs/operations.md has a row for every operation.
+"""Whether docs/operations.md has a row for every operation, and every family its tests in wire/ and service/.
 
     operations_table_test.py HIDL_GEN ROOT
 
@@ -7,6 +7,7 @@ operations of video/broadcast, the recorder's and the texts' preferences, and wh
 """
 
 import collections
+import pathlib
 import re
 import subprocess
 import sys
@@ -29,7 +30,14 @@ def main():
         if found[name] != wanted.get(name, 0):
             print(f"{name}: {found[name]} rows, {wanted.get(name, 0)} operations")
     print(f"{sum(found.values())} rows, {len(expected)} interfaces with {sum(expected.values())} methods")
-    return 0 if found == wanted and len(expected) == 18 else 1
+    families = {path.stem for path in pathlib.Path(root, "protocol").glob("*.json")}
+    untested = False
+    for folder, function in ("wire", "add_family_wire_test"), ("service", "add_service_test"):
+        lists = pathlib.Path(root, "tests", folder, "CMakeLists.txt").read_text(encoding="utf-8")
+        for family in sorted(families - set(re.findall(function + r"\((\w+)", lists))):
+            print(f"tests/{folder}/CMakeLists.txt: no {function}({family} ...)")
+            untested = True
+    return 0 if not untested and found == wanted and len(expected) == 18 else 1
 
 
 if __name__ == "__main__":

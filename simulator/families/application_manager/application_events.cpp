@@ -8,7 +8,7 @@ void ApplicationEvents::ApplicationLoaded(const ApplicationId& id) {
     Json::Value members;
     members["appid"] = id.application;
     members["orgid"] = id.organisation;
-    mSink.Send("application event 1", members);
+    mSink.Send("application loaded", members);
 }
 
 void ApplicationEvents::BroadcastFullScreen(bool full, bool destroyed) {

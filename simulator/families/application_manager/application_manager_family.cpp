@@ -120,7 +120,7 @@ class ApplicationManagerFamily : public Family {
 ApplicationManagerFamily::ApplicationManagerFamily(const FamilySetup& setup)
     : Family("application_manager"),
       mTv(setup.tv),
-      mEvents(Sends(setup.makeSink, {"application event 1", "set broadcast full screen", "local parental rating"})),
+      mEvents(Sends(setup.makeSink, {"application loaded", "set broadcast full screen", "local parental rating"})),
       mStarter(setup.loop, setup.tv, setup.settings, mEvents) {
     mTv.applications.shown.Watch([this](const ApplicationPointer&) { SayFullScreen(false); });
     mTv.applications.loaded.Watch([this](const ApplicationPointer& loaded) { mEvents.ApplicationLoaded(loaded->id); });
@@ -161,8 +161,6 @@ void ApplicationManagerFamily::AddCommands() {
     AddCommand("stop ORGANISATION.APPLICATION", "end an application", &F::Stop);
 }
 
-// --- Lookup
-
 ApplicationPointer ApplicationManagerFamily::Named(In in) const {
     const ApplicationId id{in.Int("appid"), in.Int("orgid")};
     const ApplicationPointer application = mTv.applications.Find(id);
@@ -184,8 +182,6 @@ const RemoteKey& ApplicationManagerFamily::NamedKey(In in) const {
     if (key == nullptr) throw Refused("the remote control has no key " + std::to_string(code));
     return *key;
 }
-
-// --- Applications
 
 // A child is owned by the application that created it, any other application by itself.
 void ApplicationManagerFamily::GetOwnerApp(In in, Out out) {
@@ -223,8 +219,6 @@ void ApplicationManagerFamily::CreateApp(In in, Out out) {
     PutId(out, mStarter.Create(creator, url, child, Flag(in, "opapp"))->id);
 }
 
-// --- Keys
-
 void ApplicationManagerFamily::GetMaxiMumValue(In in, Out out) {
     Named(in);
     out["maxvalue"] = AllKeySets();
@@ -253,8 +247,6 @@ void ApplicationManagerFamily::GetKeyLabel(In in, Out out) {
     out["label"] = NamedKey(in).label;
 }
 
-// --- For the browser and its tabs
-
 // Applications that are not bound to the current service may not use its picture, and none may without a tuner.
 void ApplicationManagerFamily::GetVBResouceAllowed(In in, Out out) {
     const bool belongs = OfTab(in)->Type() != ApplicationType::BroadcastIndependent;
@@ -280,8 +272,6 @@ void ApplicationManagerFamily::SetDeviceResolution(In in, Out) {
     if (width == 0 || height == 0) throw Refused("the width or height of the screen is 0");
     mTv.resolution = {width, height};
 }
-
-// --- At the television
 
 void ApplicationManagerFamily::SayFullScreen(bool destroyed) {
     const bool alone = !mTv.applications.AnyShown();

@@ -36,8 +36,6 @@ const char* Browser::Presence() const {
     return mKnown == Known::There ? "there" : "not there";
 }
 
-// --- Tabs of applications
-
 void Browser::Ready(const ApplicationPointer& application) {
     KeepPinging();
     Open(application);
@@ -97,8 +95,8 @@ void Browser::TabCame(const ApplicationPointer& application, const Json::Value& 
     } catch (const Refused& e) {
         return NoTab(application, reply, e.what());
     }
-    mSaidNobody = false;
-    mSaidRefused.erase(application.get());
+    mAbsenceLogged = false;
+    mRefusalLogged.erase(application.get());
     Fill(*id, application);
     FoundThere();
 }
@@ -121,13 +119,13 @@ void Browser::AskForRenderProcess(int id) {
 
 // Logs the absence of the browser once, and a refusal once per application.
 void Browser::NoTab(const ApplicationPointer& application, const Json::Value& reply, const std::string& what) {
-    const bool nobody = reply.isNull();
-    const bool said = nobody ? mSaidNobody : !mSaidRefused.insert(application.get()).second;
-    if (nobody) mKnown = Known::NotThere;
-    if (nobody) mSaidNobody = true;
-    if (said) return;
+    const bool absent = reply.isNull();
+    const bool logged = absent ? mAbsenceLogged : !mRefusalLogged.insert(application.get()).second;
+    if (absent) mKnown = Known::NotThere;
+    if (absent) mAbsenceLogged = true;
+    if (logged) return;
     Journal::Log("mtm: no tab for " + application->name + ": " +
-                 (nobody ? "no browser responds" : "the browser responds, but " + what));
+                 (absent ? "no browser responds" : "the browser responds, but " + what));
 }
 
 void Browser::Show(int tab, const Application& application) {
@@ -148,7 +146,7 @@ void Browser::Bound(const ApplicationPointer& application) {
 }
 
 void Browser::Ended(const ApplicationPointer& application) {
-    mSaidRefused.erase(application.get());
+    mRefusalLogged.erase(application.get());
     if (Tab* tab = mTv.tabs.Of(application)) GiveUp(*tab, TabState::Closing);
 }
 
@@ -164,8 +162,6 @@ void Browser::DestroyAll() {
     while (!mTv.applications.Running().empty()) mTv.applications.End(mTv.applications.Running().back());
 }
 
-// --- Keys
-
 ApplicationPointer Browser::SendKey(const RemoteKey& key) {
     const auto& running = mTv.applications.Running();
     for (auto application = running.rbegin(); application != running.rend(); ++application) {
@@ -175,8 +171,6 @@ ApplicationPointer Browser::SendKey(const RemoteKey& key) {
     }
     return nullptr;
 }
-
-// --- Presence of the browser
 
 void Browser::FoundThere() {
     const bool wasAway = mKnown == Known::NotThere;

@@ -67,10 +67,10 @@ class Browser {
     Timer mPing;
     bool mPinging = false;
     Known mKnown = Known::Nothing;
-    bool mLeftovers = false;                    // it was absent, and may still have unknown tabs
-    std::set<const Application*> mAsked;        // those with a request that it has not replied to yet
-    bool mSaidNobody = false;                   // the absence of the browser has been logged
-    std::set<const Application*> mSaidRefused;  // those whose refusal has been logged
+    bool mLeftovers = false;                      // it was absent, and may still have unknown tabs
+    std::set<const Application*> mAsked;          // those with a request that it has not replied to yet
+    bool mAbsenceLogged = false;                  // the absence of the browser has been logged
+    std::set<const Application*> mRefusalLogged;  // those whose refusal has been logged
     int mKeyEvents = 0;
 };
 

@@ -148,8 +148,6 @@ void MtmFamily::AddCommands() {
     AddCommand("close-tabs", "close all tabs and end their applications", &F::CloseTabs);
 }
 
-// --- Lifecycle of tabs
-
 void MtmFamily::OnTabDestroyed(In in) {
     const Tab tab = Named(in);
     mTv.tabs.Remove(tab.id);
@@ -178,8 +176,6 @@ void MtmFamily::OnBlinkOutOfMemory(In in) {
     Crashed(Named(in));
 }
 
-// --- Visibility
-
 // The report is about the browser, not a tab.
 void MtmFamily::OnLoadingStateChanged(In in) {
     const bool loading = in.Bool("is_loading");
@@ -188,8 +184,6 @@ void MtmFamily::OnLoadingStateChanged(In in) {
     mTv.tabs.canGoBack = canGoBack;
     mTv.tabs.loading = loading;
 }
-
-// --- Loading
 
 void MtmFamily::OnLoadProgressChanged(In in) {
     Tab& tab = Named(in);
@@ -217,8 +211,6 @@ void MtmFamily::OnTabLoadFailed(In in) {
     tab.failure = std::to_string(code) + " " + description;
     if (!tab.Going()) tab.state = TabState::Failed;
 }
-
-// --- At the television
 
 std::string MtmFamily::Key(const Words& words) {
     const RemoteKey* key = FindKey(Word(words));

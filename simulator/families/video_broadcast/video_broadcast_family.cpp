@@ -232,8 +232,6 @@ void VideoBroadcastFamily::AddCommands() {
     AddCommand("record", "start to record what is presented", &F::Record);
 }
 
-// --- Lookup
-
 // Returns the object that used the tuner last or, if it is gone, the newest one.
 Object* VideoBroadcastFamily::Viewed() const {
     for (Object* object : mInOrder) {
@@ -253,8 +251,6 @@ std::shared_ptr<Component> VideoBroadcastFamily::ComponentOf(const Object& objec
     if (!component) throw Refused("the service has no such component");
     return component;
 }
-
-// --- Lifecycle
 
 std::shared_ptr<Object> VideoBroadcastFamily::NewObject() {
     const auto object = std::make_shared<Object>(mTv, mLoop, mSink, mSettings);
@@ -288,8 +284,6 @@ void VideoBroadcastFamily::Destroy(In in, Out) {
     mInOrder.erase(std::remove(mInOrder.begin(), mInOrder.end(), &object), mInOrder.end());
     mObjects.Remove(in.Pointer("vb_handle"));
 }
-
-// --- Channels
 
 void VideoBroadcastFamily::CreateChannel_1(In in, Out out) {
     Named(in);
@@ -327,8 +321,6 @@ void VideoBroadcastFamily::SetChannel(Object& object, In in, int quiet) {
     object.SetChannel(none ? nullptr : Find(mTv.channels, in, "channel", "channel"), quiet);
 }
 
-// --- Programmes
-
 ProgrammeList VideoBroadcastFamily::Programmes(const Object* object) const {
     if (object == nullptr || object->State() != PlayState::Presenting) return {};
     return mTv.guide->NowAndNext(object->Current()->service, std::time(nullptr));
@@ -337,8 +329,6 @@ ProgrammeList VideoBroadcastFamily::Programmes(const Object* object) const {
 void VideoBroadcastFamily::CreateProgrammeList(In, Out out) {
     out["prog_coll"] = Text(mTv.programmeLists, std::make_shared<ProgrammeList>(Programmes(Viewed())));
 }
-
-// --- Components
 
 void VideoBroadcastFamily::SelectComponent(Object& object, In in) {
     const auto component = ComponentOf(object, in);
@@ -387,8 +377,6 @@ void VideoBroadcastFamily::CreateAVComponentList(In in, Out out) {
     if (Object* object = Viewed()) *list = active ? object->Components().Active(type) : object->Components().All(type);
     out["avcmp_coll"] = Text(mTv.componentLists, list);
 }
-
-// --- At the television
 
 std::string VideoBroadcastFamily::Zap(const Words& words) {
     const std::string& word = Word(words);

@@ -55,8 +55,6 @@ void FavouriteList::Remove(size_t place) {
     changed.Notify();
 }
 
-// --- All lists
-
 Favourites::Favourites(const StateStore& store, std::vector<KeptFavourites> brought, const ChannelOfCcid& channelOf)
     : mStore(store), mKept(std::move(brought)) {
     if (!mKept.empty()) mKeptInUse = mKept.front().id;

@@ -1,6 +1,7 @@
 #include "television/device/preferences.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 #include "common/nearest_name.h"
@@ -97,7 +98,7 @@ const std::vector<Rule>& Rules() {
     static const char* const languages = "languages of three lower-case letters (ISO 639-2) with commas between them";
     static const char* const onOff = "on or off";
     static const char* const shortText = "a text of at most 1024 bytes";
-    static const std::vector<Rule> rules{
+    static const Rule all[] = {
         {P::AudioLanguage, "audio-language", "deu,eng", languages, AreLanguages},
         {P::SubtitleLanguage, "subtitle-language", "deu,eng", languages, AreSubtitleLanguages},
         {P::UiLanguage, "ui-language", "eng", languages, AreLanguages},
@@ -127,6 +128,8 @@ const std::vector<Rule>& Rules() {
         {P::UiElements, "ui-elements", Json::arrayValue, "at most 100 numbers of elements, or none", AreUiElements},
         {P::Resolution, "resolution", "1920x1080", "720x576, 1280x720, 1920x1080, 3840x2160 or 7680x4320",
          IsResolution}};
+    static_assert(std::size(all) == static_cast<size_t>(P::Count), "each preference has one rule");
+    static const std::vector<Rule> rules(std::begin(all), std::end(all));
     return rules;
 }
 

@@ -41,7 +41,8 @@ enum class Preference {
     NoSynopsis,
     ManualRecording,
     UiElements,
-    Resolution
+    Resolution,
+    Count  // not a preference
 };
 
 class Preferences {

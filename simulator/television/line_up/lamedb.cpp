@@ -113,8 +113,6 @@ class LamedbReader {
     }
 
   private:
-    // --- Version 4: a list of transponders and one of services, each item on several lines
-
     void ReadTransponders() {
         if (!mLines.Next() || Trimmed(mLines.Line()) != "transponders") {
             mLines.Refuse("the list of transponders is missing");
@@ -171,13 +169,11 @@ class LamedbReader {
         const auto ends = [](std::string_view line) { return Trimmed(line) == "end" || ReadHeader(line).has_value(); };
         const bool named = IsProperties(mLines.Ahead(2)) || !(IsProperties(mLines.Ahead(1)) || ends(mLines.Ahead(1)));
         if (named && mLines.Next()) name = mLines.Line();
-        const bool told = IsProperties(mLines.Ahead(1)) || !ends(mLines.Ahead(1));
-        if (told && mLines.Next()) properties = mLines.Line();
-        if (!named || !told) mLines.Warn(number, "the service has no name line or no provider line");
+        const bool described = IsProperties(mLines.Ahead(1)) || !ends(mLines.Ahead(1));
+        if (described && mLines.Next()) properties = mLines.Line();
+        if (!named || !described) mLines.Warn(number, "the service has no name line or no provider line");
         AddService(number, header, name, properties);
     }
-
-    // --- Version 5: one line per item
 
     void ReadLines() {
         while (mLines.Next()) {
@@ -204,8 +200,6 @@ class LamedbReader {
         if (!StartsWith(rest, "\"") || end == 0) return mLines.Warn("the service has no quoted name; it is skipped");
         AddService(mLines.Number(), *header, rest.substr(1, end - 1), rest.substr(std::min(end + 2, rest.size())));
     }
-
-    // --- Both
 
     // `namespace:tsid:onid`, and `s`, `c` or `t` with the numbers for tuning, of which the first is the frequency.
     void AddTransponder(int number, std::string_view ids, std::string_view tuning) {
@@ -347,8 +341,6 @@ class LamedbReader {
         if (silent && kind.sound) AddSound(service, kind.sound, 0);
         if (properties.pids.count(kCachedTeletext) != 0) AddSubtitle(service, "EBU-SUBT", pid(kCachedTeletext));
     }
-
-    // --- At the end: the order, the numbers, the lists
 
     std::shared_ptr<Service> Find(const ServiceReference& reference) const {
         const auto found = mServices.find({reference.onid, reference.tsid, reference.sid});

@@ -14,8 +14,6 @@ constexpr size_t kMostResults = 65536;  // the limit of the wire
 ProgrammeSearch::ProgrammeSearch(Guide& guide, ResultRoom& room, std::function<Services()> listed, unsigned target)
     : mGuide(guide), mRoom(room), mListed(std::move(listed)), mTarget(target) {}
 
-// --- The query and the constraints
-
 void ProgrammeSearch::SetQuery(ProgrammeQuery::Shared query) {
     mWanted = Wanted();
     mWanted.query = std::move(query);
@@ -46,8 +44,6 @@ void ProgrammeSearch::RemoveConstraints() {
 void ProgrammeSearch::Changed() {
     if (mState != SearchState::Idle) End(SearchState::Idle, SearchEvent::IdleAgain);
 }
-
-// --- Searching
 
 void ProgrammeSearch::Ask(size_t offset, size_t count, std::time_t now) {
     mOffset = offset;
@@ -126,8 +122,6 @@ void ProgrammeSearch::Step(std::chrono::steady_clock::time_point deadline) {
     }
     End(SearchState::Found, SearchEvent::Finished);
 }
-
-// --- The page
 
 size_t ProgrammeSearch::Length() const {
     const size_t total = Total();

@@ -166,14 +166,14 @@ TEST_F(ApplicationManagerEvents, ReachTheClientFromThePlatformWithItsContext) {
                 ElementsAre("onApplicationEvent 1 17 -19 2147486396", "onApplicationEvent 1 0 0 2147486396"));
 }
 
-TEST_F(ApplicationManagerEvents, OfTheFullScreenAreForNobody) {
+TEST_F(ApplicationManagerEvents, OfTheFullScreenReachNoClient) {
     EXPECT_EQ(Register(26, mClient), 0);
     EXPECT_EQ(Register(1, mClient), 0);
     Send(R"({"t": 270, "bValue": 1, "isDestroy": 0})");
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
-TEST_F(ApplicationManagerEvents, ThatAreQuestionsLeaveTheAskersValuesAlone) {
+TEST_F(ApplicationManagerEvents, QuestionsDoNotChangeTheValuesOfTheCaller) {
     for (const int event : {4, 11, 21}) EXPECT_EQ(Register(event, mClient), 0);
     bool blocked = true;
     bool supported = false;
@@ -188,7 +188,7 @@ TEST_F(ApplicationManagerEvents, ThatAreQuestionsLeaveTheAskersValuesAlone) {
                                               "onGetLocalParantalRating AUT 9"));
 }
 
-TEST_F(ApplicationManagerEvents, TheQuestionForTheRatingIsAlwaysAnsweredByZero) {
+TEST_F(ApplicationManagerEvents, TheRatingIsAlwaysZero) {
     TolmApmAdaptorIpc::GetInstance();  // so that its socket is there
     EXPECT_EQ(Ask(kQuestion), kRefused);
     EXPECT_EQ(Register(4, mClient), 0);
@@ -203,7 +203,7 @@ TEST_F(ApplicationManagerEvents, TheQuestionForTheRatingIsAlwaysAnsweredByZero) 
     EXPECT_EQ(Ask(kQuestion), kRefused);
 }
 
-TEST_F(ApplicationManagerEvents, NullTextsAreEmpty) {
+TEST_F(ApplicationManagerEvents, NullStringsAreEmpty) {
     for (const int event : {4, 18, 27}) EXPECT_EQ(Register(event, mClient), 0);
     int32_t rating = 0;
     onGetLocalParantalRating(nullptr, &rating);
@@ -213,7 +213,7 @@ TEST_F(ApplicationManagerEvents, NullTextsAreEmpty) {
                 ElementsAre("onGetLocalParantalRating  0", "onRequestDsmccFile  0", "onOpappStateChange 1 2  b "));
 }
 
-TEST_F(ApplicationManagerEvents, WithoutAFunctionAreRefusedAndTakenAllTheSame) {
+TEST_F(ApplicationManagerEvents, WithoutAFunctionAreRefusedButStayTaken) {
     for (const int event : {-1, 0, 12, 13, 14, 15, 16, 17, 20, 30, 2147483647}) {
         SCOPED_TRACE(event);
         const sp<Client> client = new Client;
@@ -272,7 +272,7 @@ TEST_F(ApplicationManagerEvents, ANullCallbackIsRefused) {
     EXPECT_EQ(Register(8, mClient), 0);
 }
 
-TEST_F(ApplicationManagerEvents, RegistrationWatchesTheClientUntilItIsTakenBack) {
+TEST_F(ApplicationManagerEvents, RegistrationWatchesTheClientUntilItUnregisters) {
     EXPECT_EQ(Register(8, mClient), 0);
     EXPECT_EQ(mClient->Linked().size(), 1u);
     EXPECT_EQ(mClient->Cookie(), 0u);
@@ -287,7 +287,7 @@ TEST_F(ApplicationManagerEvents, RegistrationWatchesTheClientUntilItIsTakenBack)
     EXPECT_EQ(Logged(ANDROID_LOG_ERROR, kNoCallback), 0);
 }
 
-TEST_F(ApplicationManagerEvents, AClientThatIsTakenBackIsNotKept) {
+TEST_F(ApplicationManagerEvents, AClientThatUnregistersIsReleased) {
     sp<Client> client = new Client;
     const wp<Client> watched = client;
     EXPECT_EQ(Register(8, client), 0);
@@ -349,7 +349,7 @@ TEST_F(ApplicationManagerEvents, TheDeathOfAClientWithManyRegistrationsIsHandled
     EXPECT_THAT(next->Calls(), ElementsAre("onKeyPress 1 2 0"));
 }
 
-TEST_F(ApplicationManagerEvents, TheDeathOfAClientThatNobodyHoldsAnyMoreIsBorne) {
+TEST_F(ApplicationManagerEvents, TheDeathOfAReleasedClientIsHandled) {
     EXPECT_EQ(Register(8, mClient), 0);
     sp<Client> gone = new Client;
     const wp<IBase> who(gone.get());
@@ -369,7 +369,7 @@ TEST_F(ApplicationManagerEvents, TheDeathOfAClientThatNobodyHoldsAnyMoreIsBorne)
     EXPECT_THAT(mClient->Calls(), ElementsAre("onKeyPress 3 4 0"));
 }
 
-TEST_F(ApplicationManagerEvents, TheLateDeathNoticeOfAClientThatWasTakenBackIsNobodys) {
+TEST_F(ApplicationManagerEvents, ALateDeathNotificationOfAnUnregisteredClientIsIgnored) {
     EXPECT_EQ(Register(8, mClient), 0);
     const auto recipient = mClient->Linked().at(0);
     EXPECT_EQ(Unregister(8), 0);
@@ -405,7 +405,7 @@ TEST_F(ApplicationManagerEvents, ReachAClientThatRegistersWhileAnotherLeaves) {
     EXPECT_THAT(next->Calls(), ElementsAre("onApplicationEvent 1 17 -19 9"));
 }
 
-TEST_F(ApplicationManagerEvents, WithoutAnAdaptorNothingIsTakenBack) {
+TEST_F(ApplicationManagerEvents, WithoutAnAdaptorNothingIsUnregistered) {
     EXPECT_EQ(Register(8, mClient), 0);
     TolmApmAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;

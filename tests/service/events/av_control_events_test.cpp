@@ -46,7 +46,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(AVControlClient, OneClientThatLeavesAnAdaptor, AV
 
 }  // namespace
 
-TEST_F(AVControlEvents, ReachTheRegisteredClientAndThePlatformIsNotTold) {
+TEST_F(AVControlEvents, ReachTheRegisteredClientWithoutARequest) {
     Register(mClient);
     Send(kEvent);
     Send(R"({"method": 1, "component_type": -7, "component_index": -1})");
@@ -57,7 +57,7 @@ TEST_F(AVControlEvents, ReachTheRegisteredClientAndThePlatformIsNotTold) {
     EXPECT_EQ(mPlatform.Connections(), 0);
 }
 
-TEST_F(AVControlEvents, GiveMinusOneWithALineInTheLogWithoutAClient) {
+TEST_F(AVControlEvents, FailWithALogLineWithoutAClient) {
     EXPECT_EQ(TolmAVControlComponentCallback(1, 2, 5), -1);
     EXPECT_EQ(Logged(ANDROID_LOG_INFO, kNoClient), 1);
     Register(mClient);
@@ -74,7 +74,7 @@ TEST_F(AVControlEvents, AreDroppedByTheAdaptorAfterTheRegistrationsEnd) {
     EXPECT_EQ(Logged(ANDROID_LOG_INFO, kNoClient), 0);
 }
 
-TEST_F(AVControlEvents, AreDroppedByTheAdaptorAfterADeathThatThePlatformIsNotToldOf) {
+TEST_F(AVControlEvents, AreDroppedByTheAdaptorAfterADeathWithoutARequest) {
     Register(mClient);
     mClient->Die();
     Send(kEvent);

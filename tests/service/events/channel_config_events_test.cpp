@@ -80,7 +80,7 @@ TEST_F(ChannelConfigEvents, AreDroppedSilentlyWithoutAClient) {
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
-TEST_F(ChannelConfigEvents, AreTakenBackFromThePlatformByEachEndAndByADeath) {
+TEST_F(ChannelConfigEvents, AreUnregisteredAtThePlatformByTheClientAndByItsDeath) {
     Register(mClient);
     mPlatform.ForgetFrames();
     Unregister();
@@ -93,7 +93,7 @@ TEST_F(ChannelConfigEvents, AreTakenBackFromThePlatformByEachEndAndByADeath) {
     EXPECT_THAT(Requests(), ElementsAre(kUnregister));
 }
 
-TEST(ChannelConfigWithoutPlatform, ForgetsItsClientAllTheSame) {
+TEST(ChannelConfigWithoutPlatform, ReleasesItsClientAnyway) {
     const ScratchDirectory directory;
     LogCapture log;
     const sp<ChannelConfig> service = new ChannelConfig;

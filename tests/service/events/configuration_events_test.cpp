@@ -70,7 +70,7 @@ TEST_F(ConfigurationEvents, OfEveryKindReachAllClients) {
     EXPECT_EQ(mSecond->Calls(), calls);
 }
 
-TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationIsToldThePlatformAndGivesItsStatus) {
+TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationAsksThePlatformAndReturnsItsStatus) {
     mPlatform.SetReply(R"({"ret": 6})");
     EXPECT_EQ(Register(mClient), 6);
     EXPECT_EQ(Register(mSecond), -1);
@@ -83,30 +83,30 @@ TEST_F(ConfigurationEvents, OnlyTheFirstRegistrationIsToldThePlatformAndGivesIts
 // Notes its name in a list that several clients share. Events come on one thread.
 class NamedClient : public RecordingCallback {
   public:
-    NamedClient(const char* name, std::string* told) : mName(name), mTold(told) {}
+    NamedClient(const char* name, std::string* called) : mName(name), mCalled(called) {}
 
     Json::Value Take(const char*, const char*, Json::Value) override {
-        *mTold += mName;
+        *mCalled += mName;
         return Json::Value(Json::arrayValue);
     }
 
   private:
     const char* const mName;
-    std::string* const mTold;
+    std::string* const mCalled;
 };
 
 TEST_F(ConfigurationEvents, ReachTheClientsInTheOrderOfTheirRegistrations) {
-    std::string told;
-    const sp<Client> b = new NamedClient("b", &told);
-    Register(new NamedClient("c", &told));
+    std::string called;
+    const sp<Client> b = new NamedClient("b", &called);
+    Register(new NamedClient("c", &called));
     Register(b);
-    Register(new NamedClient("a", &told));
+    Register(new NamedClient("a", &called));
     Send(kEvent);
-    EXPECT_EQ(told, "cba");
+    EXPECT_EQ(called, "cba");
     Unregister(b);
     Register(b);
     Send(kEvent);
-    EXPECT_EQ(told, "cbacab");
+    EXPECT_EQ(called, "cbacab");
 }
 
 TEST_F(ConfigurationEvents, ReachAClientInTheOrderOfTheEvents) {
@@ -141,7 +141,7 @@ TEST_F(ConfigurationEvents, ANullCallbackIsRefusedAndTheEarlierOneStays) {
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
 
-TEST_F(ConfigurationEvents, RegistrationWatchesTheClientUntilItIsTakenBack) {
+TEST_F(ConfigurationEvents, RegistrationWatchesTheClientUntilItUnregisters) {
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(mClient->Linked().size(), 1u);
     EXPECT_EQ(mClient->Cookie(), 0u);
@@ -158,7 +158,7 @@ TEST_F(ConfigurationEvents, RegistrationWatchesTheClientUntilItIsTakenBack) {
     EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_configure]", "callback is null"), 1);
 }
 
-TEST_F(ConfigurationEvents, TakingBackOneOfSeveralLeavesTheOthersServedAndThePlatformUntold) {
+TEST_F(ConfigurationEvents, UnregisteringOneOfSeveralClientsSendsNoRequest) {
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(Register(mSecond), -1);
     EXPECT_EQ(Register(mThird), -1);
@@ -183,7 +183,7 @@ TEST_F(ConfigurationEvents, TakingBackOneOfSeveralLeavesTheOthersServedAndThePla
     EXPECT_THAT(mThird->Calls(), ElementsAre(kCall, kCall));
 }
 
-TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredLeavesTheOthersServed) {
+TEST_F(ConfigurationEvents, UnregisteringAnUnknownClientDoesNotAffectTheOthers) {
     EXPECT_EQ(Register(mClient), 0);
     mPlatform.ForgetFrames();
     EXPECT_EQ(Unregister(mSecond), -1);
@@ -194,14 +194,14 @@ TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredLeavesTheOthersServed)
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
 
-TEST_F(ConfigurationEvents, TakingBackWhatWasNotRegisteredAsksThePlatformWhenThereIsNobody) {
+TEST_F(ConfigurationEvents, UnregisteringAnUnknownClientAsksThePlatformIfNoneIsRegistered) {
     mPlatform.SetReply(R"({"ret": 6})");
     EXPECT_EQ(Unregister(mClient), 6);
     EXPECT_EQ(Unregister(nullptr), 6);
     EXPECT_THAT(Requests(), ElementsAre(kUnregister, kUnregister));
 }
 
-TEST_F(ConfigurationEvents, AClientThatRegistersTwiceIsToldTwiceUntilItIsTakenBackTwice) {
+TEST_F(ConfigurationEvents, AClientThatRegistersTwiceIsCalledTwiceUntilItUnregistersTwice) {
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(Register(mClient), -1);
     Send(kEvent);
@@ -216,7 +216,7 @@ TEST_F(ConfigurationEvents, AClientThatRegistersTwiceIsToldTwiceUntilItIsTakenBa
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall, kCall, kCall));
 }
 
-TEST_F(ConfigurationEvents, TheDeathOfOneClientEndsTheDeliveryToAllAndTellsThePlatform) {
+TEST_F(ConfigurationEvents, TheDeathOfOneClientUnregistersAllAndAsksThePlatform) {
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(Register(mSecond), -1);
     mPlatform.ForgetFrames();
@@ -252,7 +252,7 @@ TEST_F(ConfigurationEvents, TwoClientsThatDieTogetherAreOneDeath) {
     EXPECT_THAT(Requests(), ElementsAre(kUnregister));
 }
 
-TEST_F(ConfigurationEvents, TheLateDeathNoticeOfAClientThatWasTakenBackLeavesTheOthersServed) {
+TEST_F(ConfigurationEvents, ALateDeathNotificationDoesNotAffectTheOthers) {
     EXPECT_EQ(Register(mClient), 0);
     EXPECT_EQ(Register(mSecond), -1);
     const auto recipient = mClient->Linked().at(0);
@@ -276,7 +276,7 @@ TEST_F(ConfigurationEvents, WithoutAnAdaptorNothingIsRegistered) {
     EXPECT_THAT(mClient->Calls(), IsEmpty());
 }
 
-TEST_F(ConfigurationEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
+TEST_F(ConfigurationEvents, WithoutAnAdaptorTheClientIsReleasedAnyway) {
     EXPECT_EQ(Register(mClient), 0);
     TolmConfigurationAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
@@ -365,7 +365,7 @@ TEST_F(ConfigurationEvents, ADeathBesideTheEndOfItsClientDropsAllOrNone) {
     }
 }
 
-TEST(ConfigurationWithoutPlatform, ForgetsItsClientAllTheSame) {
+TEST(ConfigurationWithoutPlatform, ReleasesItsClientAnyway) {
     const ScratchDirectory directory;
     const sp<Configuration> service = new Configuration;
     const sp<RecordingCallback> client = new RecordingCallback;

@@ -58,7 +58,7 @@ TEST_F(DsmccEvents, GiveTheContextWithAZeroHighHalf) {
     EXPECT_THAT(mClient->Calls(), ElementsAre(kCall));
 }
 
-TEST_F(DsmccEvents, ThatTheAdaptorDropsReachNobody) {
+TEST_F(DsmccEvents, DoNotReachTheClientIfTheAdaptorDropsThem) {
     Register(mClient);
     Send(R"({"method": 4, "event": 4, "context": "0x1", "filePath": "/f"})");
     Send(R"({"method": 4, "event": 5, "context": "0x1", "filePath": "/f"})");
@@ -68,7 +68,7 @@ TEST_F(DsmccEvents, ThatTheAdaptorDropsReachNobody) {
     EXPECT_EQ(NoClient(), 0);
 }
 
-TEST_F(DsmccEvents, AreLoggedAsAnErrorWhenThereIsNobodyToTell) {
+TEST_F(DsmccEvents, AreLoggedAsAnErrorWithoutAClient) {
     TolmBacBrowserDSMCCFileCallback(TOLM_DSMCC_FILE_EVENT_1, "/f", nullptr);
     EXPECT_EQ(NoClient(), 1);
     Register(mClient);
@@ -90,7 +90,7 @@ TEST_F(DsmccEvents, AreLoggedAsAnErrorWhenThereIsNobodyToTell) {
     EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, "[ipc_dsmcc]", "m_browserCb is null"), 0);
 }
 
-TEST_F(DsmccEvents, AreNotTakenBackFromThePlatformByADeath) {
+TEST_F(DsmccEvents, AreNotUnregisteredAtThePlatformByADeath) {
     Register(mClient);
     mClient->Die();
     // A request that is answered comes after anything that was sent before.
@@ -98,7 +98,7 @@ TEST_F(DsmccEvents, AreNotTakenBackFromThePlatformByADeath) {
     EXPECT_EQ(mPlatform.Frames().size(), 1u);
 }
 
-TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsHeldAllTheSame) {
+TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsRegisteredAnyway) {
     Register(mClient);
     TolmDsmccAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;
@@ -111,7 +111,7 @@ TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsHeldAllTheSame) {
     EXPECT_THAT(second->Calls(), ElementsAre("OnDsmccFileEvent 4  /f 7"));
 }
 
-TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsForgottenAllTheSame) {
+TEST_F(DsmccEvents, WithoutAnAdaptorTheClientIsReleasedAnyway) {
     Register(mClient);
     TolmDsmccAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;

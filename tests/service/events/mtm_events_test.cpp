@@ -119,7 +119,7 @@ class BridgeOperation : public MtmCommands, public testing::WithParamInterface<O
 
 }  // namespace
 
-TEST_P(BridgeOperation, CallsTheBrowserAndGivesWhatItGives) {
+TEST_P(BridgeOperation, CallsTheBrowserAndReturnsItsResults) {
     Register(mClient);
     EXPECT_EQ(GetParam().run(mBridge), std::string("0") + GetParam().result);
     EXPECT_THAT(mClient->Calls(), ElementsAre(GetParam().call));
@@ -208,7 +208,7 @@ TEST_F(MtmCommands, GetNullBeforeAndAfterTheRegistration) {
     EXPECT_EQ(Ask(kPing), kPinged);
 }
 
-TEST_F(MtmCommands, AreAnsweredWhenTheBrowserIsGoneFailsOrKeepsSilent) {
+TEST_F(MtmCommands, AreAnsweredWhenTheBrowserIsGoneFailsOrDoesNotReply) {
     Register(mClient);
     mClient->silent = true;
     EXPECT_EQ(Ask(kPing), kFailed);
@@ -277,7 +277,7 @@ TEST_F(MtmCommands, AreNotDisturbedByAnAnswerThatComesTooLate) {
     EXPECT_EQ(Ask(kPing), kPinged);
 }
 
-TEST_F(MtmCommands, LetTheBrowserTellThePlatformSomethingBeforeItReturns) {
+TEST_F(MtmCommands, LetTheBrowserSendARequestBeforeItReturns) {
     Register(mClient);
     mClient->SetBeforeReturning([&] {
         EXPECT_EQ(static_cast<int32_t>(mService->OnTabCreated(3)), 0);
@@ -298,7 +298,7 @@ TEST_F(MtmCommands, AreRefusedAfterTheDeathOfTheBrowser) {
     EXPECT_EQ(Ask(kPing), kPinged);
 }
 
-TEST_F(MtmCommands, WithoutAnAdaptorNothingIsRegisteredOrTakenBack) {
+TEST_F(MtmCommands, WithoutAnAdaptorNothingIsRegisteredOrUnregistered) {
     Register(mClient);
     TolmMtmAdaptorIpc::DeleteInstance();
     const NoMemoryForAdaptors noMemory;

@@ -82,14 +82,14 @@ TEST_F(SearchManagerEvents, GoToTheLastClientWhateverItsSearchManager) {
     EXPECT_THAT(second->Calls(), ElementsAre("OnSearchManagerEvent 0 3 4026572064 5"));
 }
 
-TEST_F(SearchManagerEvents, AreNotTakenBackFromThePlatformByADeath) {
+TEST_F(SearchManagerEvents, AreNotUnregisteredAtThePlatformByADeath) {
     Register(mClient);
     mPlatform.ForgetFrames();
     mClient->Die();
     EXPECT_THAT(Requests(), IsEmpty());
 }
 
-TEST(SearchManagerWithoutPlatform, RegistersItsClientAllTheSame) {
+TEST(SearchManagerWithoutPlatform, RegistersItsClientAnyway) {
     const ScratchDirectory directory;
     const sp<SearchManager> service = new SearchManager;
     const sp<RecordingCallback> client = new RecordingCallback;

@@ -69,7 +69,7 @@ TEST_F(VideoBroadcastEvents, OfEveryKindReachTheRegisteredClient) {
     EXPECT_EQ(mClient->Calls(), calls);
 }
 
-TEST_F(VideoBroadcastEvents, CodesThatNoClientKnowsAreWarnedAboutAndReachNoMethod) {
+TEST_F(VideoBroadcastEvents, UnknownCodesAreDroppedWithAWarning) {
     Register(mClient);
     for (const int code : {20, 23, -1, 2147483647}) {
         Send(R"({"type": "videobroadcast", "event": )" + std::to_string(code) + "}");
@@ -90,13 +90,13 @@ TEST_F(VideoBroadcastEvents, CodesWithoutValuesAlsoComeByTheReplyingPath) {
     EXPECT_EQ(mLog.Count(ANDROID_LOG_WARN, kTag, "wrong event type 20"), 1);
 }
 
-TEST_F(VideoBroadcastEvents, TextsWithZeroBytesArriveWhole) {
+TEST_F(VideoBroadcastEvents, StringsMayHaveZeroBytes) {
     Register(mClient);
     Send(R"({"type": "videobroadcast", "event": 8, "recordingId": "a\u0000b"})");
     EXPECT_THAT(mClient->Calls(), ElementsAre(std::string("onRecordingEvent 0 0 a\0b", 24)));
 }
 
-TEST_F(VideoBroadcastEvents, ARecordWithoutTextsGivesEmptyOnes) {
+TEST_F(VideoBroadcastEvents, NullStringsAreEmpty) {
     Register(mClient);
     TolmVideoBroadcastEventInfo info;
     memset(&info, 0, sizeof(info));
@@ -105,7 +105,7 @@ TEST_F(VideoBroadcastEvents, ARecordWithoutTextsGivesEmptyOnes) {
 }
 
 // The address sanitizer's leak check is what fails when the text is kept.
-TEST_F(VideoBroadcastEvents, AreDroppedSilentlyWithoutAClientAndTheirTextsFreed) {
+TEST_F(VideoBroadcastEvents, AreDroppedSilentlyWithoutAClientAndTheirStringsFreed) {
     TolmVideoBroadcastEventInfo info;
     memset(&info, 0, sizeof(info));
     info.recording.recordingId = {strdup("rec-1"), 5};
@@ -113,7 +113,7 @@ TEST_F(VideoBroadcastEvents, AreDroppedSilentlyWithoutAClientAndTheirTextsFreed)
     EXPECT_THAT(mLog.Lines(), IsEmpty());
 }
 
-TEST_F(VideoBroadcastEvents, AreTakenBackFromThePlatformByEachEndButNotByADeath) {
+TEST_F(VideoBroadcastEvents, AreUnregisteredAtThePlatformByTheClientButNotByItsDeath) {
     Register(mClient);
     mPlatform.ForgetFrames();
     Unregister();

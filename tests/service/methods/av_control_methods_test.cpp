@@ -5,7 +5,7 @@
 
 namespace hbbtv::test {
 
-TEST(AVControl, TellsOfNoComponents) {
+TEST(AVControl, SendsNoComponents) {
     ScratchDirectory directory;
     FakePlatform platform(UnderTest().Socket(), R"({"ret": 0})");
     EXPECT_EQ(Answer("ComponentUpdate", Parsed("[7, 0, [], 0]")), "[0]");
@@ -15,7 +15,7 @@ TEST(AVControl, TellsOfNoComponents) {
               "\t\"current_component_index\" : 0,\n\t\"method\" : 0,\n\t\"type\" : 2\n}\n");
 }
 
-TEST(AVControl, TellsOfManyComponents) {
+TEST(AVControl, SendsManyComponents) {
     constexpr unsigned kMany = 10000;
     ScratchDirectory directory;
     FakePlatform platform(UnderTest().Socket(), R"({"ret": 0})");
@@ -28,7 +28,7 @@ TEST(AVControl, TellsOfManyComponents) {
     for (unsigned i = 0; i < kMany; ++i) EXPECT_EQ(request["components"][i]["audio_channelNum"].asUInt(), i);
 }
 
-TEST(AVControl, TellsATextUpToItsFirstZeroByte) {
+TEST(AVControl, SendsAStringUpToItsFirstZeroByte) {
     ScratchDirectory directory;
     FakePlatform platform(UnderTest().Socket(), R"({"ret": 0})");
     EXPECT_EQ(Answer("ComponentUpdate", Parsed(R"([7, 1, [{"encoding": "AC3\u0000x"}], 0])")), "[0]");

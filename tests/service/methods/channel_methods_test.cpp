@@ -5,7 +5,7 @@
 
 namespace hbbtv::test {
 
-TEST(Channel, PassesKindsThatNobodyKnowsOn) {
+TEST(Channel, PassesUnknownKindsOn) {
     ScratchDirectory directory;
     FakePlatform platform(UnderTest().Socket(), R"({"ret": 0, "channelType": -77, "idType": 2147483647})");
     EXPECT_EQ(Answer("GetChannelType", Parsed("[1]")), "[0,-77]");

@@ -293,7 +293,7 @@ TEST_P(HandleMethod, GivesNoneWhenThePlatformSendsANumber) {
     EXPECT_EQ(Answer(), FailureWith(-1, GetParam()));
 }
 
-TEST_P(OneWayMethod, TellsThePlatformAndDoesNotWait) {
+TEST_P(OneWayMethod, SendsTheRequestAndDoesNotWait) {
     FakePlatform platform(UnderTest().Socket(), [](const Frame&) { return std::nullopt; });
     const Json::Value values = TheRow().Request();
     EXPECT_EQ(AnswerTo(values), "[0]");

@@ -355,7 +355,7 @@ TEST_F(ApplicationManager, ReportsAnApplicationOnceItsPageIsLoaded) {
     EXPECT_EQ(NextManagerEvent(), "set broadcast full screen bValue=0 isDestroy=0")
         << "the picture shares the screen now";
     for (int i = 0; i < 2; ++i) EXPECT_EQ(Ret("mtm.OnTabLoadFinished", {{"tabid", 3}, {"url", "http://red.test/"}}), 0);
-    EXPECT_EQ(NextManagerEvent(), "application event 1 appid=1 orgid=17");
+    EXPECT_EQ(NextManagerEvent(), "application loaded appid=1 orgid=17");
     Send("HideApp", kStart);
     EXPECT_EQ(NextManagerEvent(), "set broadcast full screen bValue=1 isDestroy=0");
     Send("ShowApp", kStart);
@@ -412,7 +412,7 @@ INSTANTIATE_TEST_SUITE_P(Every, ParentalRating,
                                          std::make_pair(R"({"ret": -1})", true), std::make_pair("null", true),
                                          std::make_pair("[]", true), std::make_pair("nonsense", true)));
 
-TEST_F(ApplicationManager, StartsAnApplicationWithAMinimumAgeAlsoWhenNobodyKnowsTheRating) {
+TEST_F(ApplicationManager, StartsAnApplicationWithAMinimumAgeIfTheRatingIsUnknown) {
     StopServingEvents("application_manager");
     Tell("zap 4");
     EXPECT_EQ(NextCommand(),

@@ -24,7 +24,7 @@ class BrowserFixture : public SimulatorFixture {
     std::string NextCommand() { return NextEventOf("mtm").Text(); }
     void Reply(const std::string& text) { LibraryOf("mtm").Reply(text); }
 
-    // Returns the next message to the library's application manager: "application event 1 appid=1 orgid=17".
+    // Returns the next message to the library's application manager: "application loaded appid=1 orgid=17".
     std::string NextManagerEvent() { return NextEventOf("application_manager").Text(); }
     void ReplyToManagerEvent(const std::string& text) { LibraryOf("application_manager").Reply(text); }
 

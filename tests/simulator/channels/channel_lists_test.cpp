@@ -148,7 +148,7 @@ TEST_F(ChannelLists, FilteredReflectWhatClientsSetWhileEarlierOnesStay) {
     EXPECT_EQ(Names(Filtered(false, true, false, "fav:b")), "One Two Dim") << "in the order of the channel list";
 }
 
-TEST_F(ChannelLists, ThatAreReleasedAreRefused) {
+TEST_F(ChannelLists, AreRefusedOnceReleased) {
     const std::string all = GetChannelList();
     EXPECT_EQ(RetOf(all, "channel_list.Release"), 0);
     ExpectRefused(OperationsOf("channel_list"), {all}, mAnyMembers);
@@ -194,7 +194,7 @@ TEST_F(ChannelLists, InUseAreReturnedByGetChannelListAndUsedByZapping) {
     EXPECT_EQ(GetChannelList(), all);
 }
 
-TEST_F(ChannelLists, ThatAreEmptyCanBeInUse) {
+TEST_F(ChannelLists, CanBeInUseWhileEmpty) {
     EXPECT_EQ(SetList(CreateList({})), 0);
     EXPECT_EQ(Names(GetChannelList()), "");
     EXPECT_EQ(Tell("zap next"), "error: there is no such channel in the list");

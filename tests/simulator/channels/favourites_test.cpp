@@ -106,7 +106,7 @@ TEST_F(FavouriteLists, OfAClientAreEmptyAtFirstAndComeLast) {
     EXPECT_NE(IdOf(Create("Sport")), IdOf(list)) << "names may be the same";
 }
 
-TEST_F(FavouriteLists, ThatAreRemovedAreNotFoundAndCannotBeCommitted) {
+TEST_F(FavouriteLists, AreNotFoundOnceRemovedAndCannotBeCommitted) {
     const std::string list = FavouriteListOf("fav:b");
     EXPECT_EQ(RemoveList(2), -1);
     EXPECT_EQ(RemoveList(-1), -1);
@@ -158,7 +158,7 @@ TEST_F(FavouriteLists, InUseFollowActivationAndRemoval) {
     EXPECT_EQ(CurrentFavourites(), fresh);
 }
 
-TEST_F(FavouriteLists, AndCollectionsThatAreReleasedOrOfOtherKindsAreRefused) {
+TEST_F(FavouriteLists, AreRefusedOnceReleasedOrIfTheyAreOfAnotherKind) {
     const std::string list = FavouriteListOf("fav:a");
     const std::string collection = Collection();
     EXPECT_EQ(RetOf(list, "Release"), 0);
@@ -203,7 +203,7 @@ TEST_F(FavouriteLists, HoldAtMost20000Channels) {
     EXPECT_EQ(Insert(list, 0, "ccid:1.1.2"), -1);
 }
 
-TEST_F(FavouriteLists, ThatAreNewNeverReuseTheIdOfAStoredOne) {
+TEST_F(FavouriteLists, NeverReuseTheIdOfAStoredOne) {
     const std::string kept = Create("Sport");
     const std::string id = IdOf(kept);
     EXPECT_EQ(Commit(kept), 0);
@@ -258,7 +258,7 @@ TEST_F(FavouriteLists, CommittedOneByOneKeepOnlyTheirOwnChanges) {
     EXPECT_EQ(CurrentFavourites(), FavouriteListOf("fav:a"));
 }
 
-TEST_F(FavouriteLists, ThatAreNewLastFromTheirOwnCommitOn) {
+TEST_F(FavouriteLists, LastFromTheirFirstCommitOn) {
     const std::string list = Create("Sport");
     const std::string id = IdOf(list);
     EXPECT_EQ(Insert(list, 0, "ccid:1.1.4"), 0);

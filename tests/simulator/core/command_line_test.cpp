@@ -43,7 +43,7 @@ TEST_F(CommandLine, BothSignalsEndItWithCode0AndItsSocketsGo) {
     }
 }
 
-TEST_F(CommandLine, ASocketFileThatNobodyServesIsReplaced) {
+TEST_F(CommandLine, AnUnusedSocketFileIsReplaced) {
     { LibraryStandIn stale(RequestSocket()); }
     auto program = Launch({});
     ASSERT_TRUE(program->WaitForOutput("ready\n"));

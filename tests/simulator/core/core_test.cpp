@@ -164,7 +164,7 @@ TEST_F(EventWithReply, IsAskedOnceMoreWhenTheConnectionGoesAndThenGivenUp) {
     EXPECT_EQ(asked, 2);
 }
 
-TEST_F(EventWithReply, GetsNoneWhenNobodyServesTheSocket) {
+TEST_F(EventWithReply, FailsWithoutAServerOnTheSocket) {
     EXPECT_TRUE(SendAndWait().isNull());
 }
 

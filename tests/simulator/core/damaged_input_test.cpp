@@ -167,7 +167,7 @@ TEST_F(DamagedInput, APeerThatStopsSendingStillGetsItsReplies) {
     EXPECT_TRUE(ClientOf().SeesClose());
 }
 
-TEST_F(DamagedInput, APeerThatLeavesWithoutReadingItsRepliesDisturbsNobody) {
+TEST_F(DamagedInput, APeerThatLeavesWithoutReadingItsRepliesAffectsNoOther) {
     RawClient client(RequestSocket());
     // Few enough that the buffers of both sides hold them: the client must not block.
     for (int i = 0; i < 100; ++i) client.Send(kRequest, RequestPort(), "nonsense");

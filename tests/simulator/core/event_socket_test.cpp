@@ -19,7 +19,7 @@ TEST_F(EventSockets, AnEventIsAOneWayMessageWithTheRegisteredContext) {
     EXPECT_EQ(NextEventOf("video_broadcast").Text(), "TOLM_VB_EVENT_FULL_SCREEN context=\"0xfedc1234\" isFullScreen=1");
 }
 
-TEST_F(EventSockets, EventsAreDroppedWithOneLogLineWhileNobodyServesTheSocket) {
+TEST_F(EventSockets, EventsAreDroppedWithOneLogLineWithoutAServerOnTheSocket) {
     StopServingEvents();
     const std::string vb = NewObject();
     for (int i = 0; i < 20; ++i) FullScreen(vb, i % 2 == 0);
@@ -60,7 +60,7 @@ TEST_F(EventSockets, AConnectionThatEndsWhileTheSocketStaysIsRestored) {
     EXPECT_EQ(NextEvent(), "FullScreen 0");
 }
 
-TEST_F(EventSockets, ALibraryThatDoesNotReadBlocksNobodyAndGetsAllEventsInOrderLater) {
+TEST_F(EventSockets, ALibraryThatDoesNotReadGetsAllEventsInOrderLater) {
     const std::string vb = NewObject();
     constexpr int kEvents = 3000;  // more than a socket holds
     for (int i = 0; i < kEvents; ++i) FullScreen(vb, i % 2 == 0);

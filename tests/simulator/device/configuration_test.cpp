@@ -274,7 +274,7 @@ TEST_F(Configuration, IsWhatItWasAfterARestart) {
     EXPECT_EQ(NextChange(), "rating age age=10");
 }
 
-TEST_F(Configuration, ThatIsDamagedIsSetAside) {
+TEST_F(Configuration, IsSetAsideIfItIsDamaged) {
     const std::string file = mDirectory / "state/preferences.json";
     int damaged = 0;
     for (const char* text :
@@ -290,7 +290,7 @@ TEST_F(Configuration, ThatIsDamagedIsSetAside) {
     }
 }
 
-TEST_F(Configuration, ThatCannotBeStoredIsNotChanged) {
+TEST_F(Configuration, IsNotChangedIfItCannotBeStored) {
     EXPECT_EQ(SetAudio("fra"), 0);
     EXPECT_EQ(Ret("RegisterCallback"), 0);
     std::filesystem::create_directory(mDirectory / "state/preferences.json.new");

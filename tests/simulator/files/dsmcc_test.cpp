@@ -10,11 +10,11 @@ namespace hbbtv::test {
 namespace {
 
 // What the events mean.
-const char* const kArrived = "file_0";
-const char* const kChanged = "file_2";
-const char* const kMissing = "file_4";
-const char* const kLost = "file_1";
-const char* const kOnItsWay = "dropped";
+const char* const kArrived = "file ready";
+const char* const kChanged = "file changed";
+const char* const kMissing = "file not found";
+const char* const kLost = "carousel lost";
+const char* const kOnItsWay = "file pending";
 
 class Dsmcc : public SimulatorFixture {
   protected:

@@ -95,7 +95,7 @@ TEST(LineUpFormat, MayHaveNamesOf64KibibytesInEveryForm) {
     EXPECT_EQ(ReadingOfText("eDVB services /5/\ns:1:00c00000:1:1:1:0,\"" + name + "\",p:A\n").Names(), names);
 }
 
-TEST(LineUpFormat, ThatIsUnknownIsRefusedWithAMessage) {
+TEST(LineUpFormat, IsRefusedWithAMessageIfItIsUnknown) {
     const std::string forms = " is not the start of a line-up: JSON ({), M3U (#EXTM3U) or lamedb (eDVB services)";
     const std::map<std::string, std::string> refused{
         {"", "/nowhere/f:1:1: the file is empty"},
@@ -123,8 +123,6 @@ TEST(LineUpFormat, OfAFileThatCannotBeReadIsRefusedWithTheReason) {
     WriteFile(file, kLamedb + std::string(16u << 20, '\n'));
     EXPECT_EQ(ReadingOfFile(file).refusal, file + ": is larger than 16 MiB");
 }
-
-// --- Damaged files
 
 constexpr int kRounds = kSanitized ? 400 : 4000;
 
@@ -216,8 +214,6 @@ TEST(DamagedBouquet, NeverKeepsItsLamedbFromBeingRead) {
     }
     std::setlocale(LC_CTYPE, "C");
 }
-
-// --- The program
 
 class ForeignLineUp : public VideoBroadcastFixture {
   protected:

@@ -168,7 +168,7 @@ TEST(M3u, WithoutAServiceIsRefused) {
     EXPECT_EQ(ReadingOfText("#EXTM3U\n#EXTINF:-1,A\nfilm.ts\n").refusal, "/nowhere/f:3: the playlist has no service");
 }
 
-TEST(M3u, ThatIsOneStreamIsRefused) {
+TEST(M3u, IsRefusedIfItIsOneStream) {
     const std::string refusal = "/nowhere/f:3: the playlist is a stream, not a list of services";
     EXPECT_EQ(ReadingOfText("#EXTM3U\n#EXT-X-VERSION:3\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\nhttp://a/1.ts\n").refusal,
               refusal);

@@ -328,7 +328,7 @@ TEST(LineUpFile, WithAnyByteReplacedIsReadOrRefusedButNothingElse) {
     }
 }
 
-TEST(LineUpFile, ThatIsNotThereIsRefusedWithTheReason) {
+TEST(LineUpFile, IsRefusedWithTheReasonIfItIsMissing) {
     try {
         ReadLineUp("/nowhere/lineup.json", [](const std::string& warning) { ADD_FAILURE() << warning; });
         FAIL();

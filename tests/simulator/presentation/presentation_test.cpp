@@ -354,7 +354,7 @@ TEST_F(StreamEvents, AChangeOfChannelEndsEveryListenerWithOneErrorEvent) {
     EXPECT_EQ(StopListening("a"), -1);
 }
 
-TEST_F(StreamEvents, NobodyCanListenWhileNoServiceIsTuned) {
+TEST_F(StreamEvents, ListeningFailsWhileNoServiceIsTuned) {
     EXPECT_EQ(Listen("a"), -1);
     ObjectIn("unrealized");
     EXPECT_EQ(Listen("a"), -1);

@@ -92,7 +92,7 @@ TEST_F(StreamEventScripts, EndWithTheServiceAndBeginAgainWithTheNextListener) {
     EXPECT_EQ(Next(), "dvb://1.1.1/sevent a [6669727374] [first] trigger");
 }
 
-TEST_F(StreamEventScripts, ThatAreInvalidExitWithCode3AndThePlace) {
+TEST_F(StreamEventScripts, ExitWithCode3AndTheLineIfInvalid) {
     const std::string path = mDirectory / "events.json";
     const std::map<std::string, std::string> rows{
         {"{}", ":1:1: the stream events are not a list"},

@@ -196,7 +196,7 @@ TEST(SmallLettersOf, EuropeanAlphabetsAreMade) {
     EXPECT_EQ(SmallLetters("日本ÀB"), "日本àb");
 }
 
-TEST(SmallLettersOf, WhatIsNoTextLeavesItAlone) {
+TEST(SmallLettersOf, InvalidUtf8IsUnchanged) {
     EXPECT_EQ(SmallLetters("\xC3"), "\xC3");
     EXPECT_EQ(SmallLetters("\xC3(A\x80\xFF"), "\xC3(a\x80\xFF");
     EXPECT_EQ(SmallLetters(std::string("\0A", 2)), std::string("\0a", 2));

@@ -235,7 +235,7 @@ class ProgrammeFiles : public SimulatorFixture {
     }
 };
 
-TEST_F(ProgrammeFiles, ThatAreBrokenEndTheProgramWithCode3AndAReason) {
+TEST_F(ProgrammeFiles, EndTheProgramWithCode3AndAReasonIfInvalid) {
     const std::string path = mDirectory / "guide.xml";
     WriteFile(path, "<tv>\n<programme>\n</tv>\n");
     EXPECT_EQ(Refusal(path), "hbbtv-sim: cannot read " + path + ":3: is not valid XML: Start-end tags mismatch\n");

@@ -211,7 +211,7 @@ TEST_F(Searches, SendEventsOnlyToThoseWhoRegistered) {
     EXPECT_EQ(NextState(), "3 of " + search);
 }
 
-TEST_F(Searches, HaveOneResultSetWhoseHandleCanBeGivenBack) {
+TEST_F(Searches, HaveOneResultSetWhoseHandleCanBeReleased) {
     EXPECT_EQ(HandleOf(mSearch, "MetaSearch_GetResult"), mResults);
     EXPECT_EQ(SetQuery(mSearch, Named("table")), 0);
     EXPECT_EQ(GetResults(mResults), 0);
@@ -227,7 +227,7 @@ TEST_F(Searches, HaveOneResultSetWhoseHandleCanBeGivenBack) {
     EXPECT_EQ(Titles(again), "Kitchen Table");
 }
 
-TEST_F(Searches, ThatAreDestroyedLeaveWhatTheyHaveFound) {
+TEST_F(Searches, KeepTheirResultsWhenDestroyed) {
     EXPECT_EQ(SetQuery(mSearch, Named("table")), 0);
     EXPECT_EQ(GetResults(mResults), 0);
     EXPECT_EQ(NextState(), "0");

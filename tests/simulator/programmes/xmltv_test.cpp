@@ -68,8 +68,6 @@ class Xmltv : public testing::Test {
     std::string mRefusal;
 };
 
-// --- Channels
-
 TEST_F(Xmltv, FindsServicesByTheirNameInProgrammeDataOrElseByTheirDisplayName) {
     Read(R"(<tv><channel id="x"><display-name>2</display-name><display-name> Two </display-name></channel>
 <channel id="y"><display-name>One</display-name></channel>
@@ -86,8 +84,6 @@ TEST_F(Xmltv, FindsServicesByTheirNameInProgrammeDataOrElseByTheirDisplayName) {
     EXPECT_EQ(mGuide->Known(0).from, 60);
     EXPECT_EQ(mGuide->Known(0).to, 120);
 }
-
-// --- Members
 
 TEST_F(Xmltv, TakesTextsLanguageGenresAndTheRest) {
     const auto p = Only(R"(<sub-title>S</sub-title><desc lang="de">Ein
@@ -196,8 +192,6 @@ TEST_F(Xmltv, ChangesTheComponentsOfTheServiceByWhatItSaysOfSoundAndSubtitles) {
         << "the service's own stay as they are";
 }
 
-// --- Times
-
 TEST(XmltvTimes, AreReadWithTheirZones) {
     for (const auto& [text, time] : std::map<std::string, std::time_t>{{"20260131201500 +0100", 1769886900},
                                                                        {"20260131201500 -0330", 1769903100},
@@ -216,7 +210,7 @@ TEST(XmltvTimes, AreReadWithTheirZones) {
     }
 }
 
-TEST(XmltvTimes, ThatAreInvalidAreRefused) {
+TEST(XmltvTimes, AreRefusedIfInvalid) {
     const std::string form = "is not a time like 20260131201500 +0100";
     const std::string range = "is not within the years 1970 to 2038";
     const std::string none = "is not a date and time that exists";
@@ -289,8 +283,6 @@ TEST_F(Xmltv, GivesProgrammesThatStartInTheSameMinuteDifferentIds) {
     EXPECT_EQ(ids, (Texts{"dvb://1.1.1;1", "dvb://1.1.1;2", "dvb://1.1.1;3"}));
 }
 
-// --- Odd programmes
-
 TEST_F(Xmltv, SkipsWhatCannotBeUsedAndReportsWhere) {
     const std::string good = Row("Good", "19700101000100", "19700101000200");
     for (const auto& [bad, warning] : std::map<std::string, std::string>{
@@ -329,7 +321,7 @@ TEST_F(Xmltv, ReportsAThousandWarningsAndCountsTheOthers) {
     EXPECT_EQ(mWarnings.back(), "f: there are 3 more warnings");
 }
 
-TEST_F(Xmltv, ShowsTextsThatAreNoUtf8AsLatin1AndWithoutControlCharacters) {
+TEST_F(Xmltv, ShowsInvalidUtf8AsLatin1AndWithoutControlCharacters) {
     Read("<tv>" + Row("K\xf6ln\x07", "19700101") + "</tv>");
     EXPECT_EQ(Of(1), Texts{"K\xc3\xb6ln 0+3600"});
 }
@@ -339,8 +331,6 @@ TEST_F(Xmltv, LeavesEntitiesOfADocumentTypeAsTheyStand) {
          Row("&a;&f;", "19700101") + "</tv>");
     EXPECT_EQ(Of(1), Texts{"&a;&f; 0+3600"});
 }
-
-// --- Files that cannot be used
 
 TEST_F(Xmltv, RefusesWhatIsNotXmltv) {
     const std::string nothing = "f: no programme belongs to a service of the line-up";

@@ -180,7 +180,7 @@ INSTANTIATE_TEST_SUITE_P(Each, ApplicationManagerEventForms, ::testing::ValuesIn
 
 TEST_F(ApplicationManagerEvents, HaveTheirIdsReadLeniently) {
     Register(1, kFirst, 0x80c0ffee);
-    const ProtocolEvent event("application event 1");
+    const ProtocolEvent event("application loaded");
     ShownMembers none;
     std::string alone = event.Text();
     const auto line = [](ShownMembers& shown) {
@@ -199,7 +199,7 @@ TEST_F(ApplicationManagerEvents, HaveTheirIdsReadLeniently) {
     EXPECT_EQ(Send({alone}), Lines{line(none)});
 }
 
-TEST_F(ApplicationManagerEvents, ThatAreNoObjectsReachNobody) {
+TEST_F(ApplicationManagerEvents, AreDroppedIfTheyAreNotObjects) {
     Register(1, kFirst, 7);
     int failures = 0;
     for (const char* event : {"nonsense", " ", "null", "237", "\"t\"", "[{\"t\": 237}]", "{\"t\": 237"}) {
@@ -241,7 +241,7 @@ TEST_F(ApplicationManagerEvents, ReachAContextAsOftenAsItWasRegistered) {
               (Lines{"first 1 17 19 0x8", "first 1 17 19 0x7", "first 1 17 19 0x8", "first 1 17 19 0x0"}));
 }
 
-TEST_F(ApplicationManagerEvents, ReachNobodyWhenOneOfTwoContextsIsTakenBack) {
+TEST_F(ApplicationManagerEvents, AreDroppedWhenOneOfTwoContextsIsUnregistered) {
     Register(1, kFirst, 7);
     Register(1, kFirst, 8);
     Unregister(1, 7);
@@ -251,7 +251,7 @@ TEST_F(ApplicationManagerEvents, ReachNobodyWhenOneOfTwoContextsIsTakenBack) {
     EXPECT_EQ(Send({kEvent}), (Lines{"second 1 17 19 0x8", "second 1 17 19 0x9"}));
 }
 
-TEST_F(ApplicationManagerEvents, ForgetEveryRegistrationOfAContextThatIsTakenBack) {
+TEST_F(ApplicationManagerEvents, LoseEveryRegistrationOfAContextThatIsUnregistered) {
     Register(1, kFirst, 7);
     Register(1, kFirst, 8);
     Register(1, kFirst, 7);
@@ -271,7 +271,7 @@ TEST_F(ApplicationManagerEvents, OfOneNumberAreNotEndedByAnother) {
     EXPECT_EQ(Send({kEvent}), (Lines{"first 1 17 19 0x7"}));
 }
 
-TEST_F(ApplicationManagerEvents, ReachNobodyAfterAllRegistrationsAreCleared) {
+TEST_F(ApplicationManagerEvents, AreDroppedAfterAllRegistrationsAreCleared) {
     Register(1, kFirst, 7);
     Register(4, ToAIPEventCallback(Rate), 0);
     Adaptor().ClearAPIEventCallback();
@@ -281,14 +281,14 @@ TEST_F(ApplicationManagerEvents, ReachNobodyAfterAllRegistrationsAreCleared) {
     EXPECT_EQ(Send({kEvent}), (Lines{"second 1 17 19 0x9"}));
 }
 
-TEST_F(ApplicationManagerEvents, ReachNobodyWhenNoFunctionIsRegistered) {
+TEST_F(ApplicationManagerEvents, AreDroppedWhenNoFunctionIsRegistered) {
     Register(1, nullptr, 7);
     Register(4, nullptr, 7);
     EXPECT_EQ(Send({kEvent}), Lines{});
     EXPECT_EQ(Ask(kQuestion), kRefused);
 }
 
-TEST_F(ApplicationManagerEvents, AreDroppedByAnAdaptorMadeAnew) {
+TEST_F(ApplicationManagerEvents, AreDroppedByARecreatedAdaptor) {
     Register(1, kFirst, 7);
     Apm::DeleteInstance();
     ASSERT_NE(Apm::GetInstance(), nullptr);
@@ -419,7 +419,7 @@ TEST_F(TheParentalRatingQuestion, IsTheOnlyOneThatIsAsked) {
     }
 }
 
-TEST_F(TheParentalRatingQuestion, ThatIsNoObjectGetsAReplyOfSizeZero) {
+TEST_F(TheParentalRatingQuestion, GetsAnEmptyReplyIfItIsNotAnObject) {
     Register(4, ToAIPEventCallback(Rate), 0);
     for (const char* question : {"nonsense", "null", "271", "[{\"t\": 271}]"}) {
         SCOPED_TRACE(question);

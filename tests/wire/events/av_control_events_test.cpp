@@ -89,7 +89,7 @@ TEST(AVControlEvents, AreThoseOfTheProtocol) {
     ExpectTheProtocolsEvents(kEvents, "method", "onComponentSelect");
 }
 
-TEST_F(Events, ThePlatformIsNotToldWhoReceivesThem) {
+TEST_F(Events, AreRegisteredWithoutARequest) {
     // There is no receiver to call, and that is not a failure.
     EXPECT_EQ(Register(Receiver::kFirst), 0);
     EXPECT_EQ(Send({Selected().event}), (std::vector<std::string>{"first " + Selected().received}));

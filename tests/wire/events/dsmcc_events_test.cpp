@@ -98,7 +98,7 @@ TEST_F(DsmccEvents, OfCodeFourAreDroppedSilently) {
                      "2 DsmccFileCallback ENTER", "2 ReceiveIpc LEAVE"}));
 }
 
-TEST_F(DsmccEvents, OfOtherCodesAreWarnedAboutAndDropped) {
+TEST_F(DsmccEvents, AreDroppedWithAWarningIfTheCodeIsUnknown) {
     Register(Receiver::kFirst);
     for (const char* code : {"5", "6", "-1", "256", "2147483647", "-2147483648"}) {
         SCOPED_TRACE(code);
@@ -112,7 +112,7 @@ TEST_F(DsmccEvents, OfOtherCodesAreWarnedAboutAndDropped) {
     }
 }
 
-TEST_F(DsmccEvents, OfAnotherMethodAreWarnedAboutAndDropped) {
+TEST_F(DsmccEvents, AreDroppedWithAWarningIfTheMethodIsWrong) {
     Register(Receiver::kFirst);
     for (const char* method : {"", "0", "1", "3", "5", "-4", "4294967300", "\"4\"", "null", "true", "[4]", "{}"}) {
         SCOPED_TRACE(method);
@@ -123,7 +123,7 @@ TEST_F(DsmccEvents, OfAnotherMethodAreWarnedAboutAndDropped) {
     EXPECT_EQ(Send({WithMember(kEvent, "method", "4.0")}), (Lines{"first 0 /f 0x80c0ffee"}));
 }
 
-TEST_F(DsmccEvents, WithoutAContextThatIsATextAreWarnedAboutAndDropped) {
+TEST_F(DsmccEvents, AreDroppedWithAWarningIfTheContextIsNotAString) {
     Register(Receiver::kFirst);
     char complaint[128];
     snprintf(complaint, sizeof(complaint), "5 ReceiveIpc ParsePointerValue failed context:(nil) this:%p",
@@ -177,13 +177,13 @@ TEST_F(DsmccEvents, GiveThePathAsItIsUpToAZeroByte) {
     }
 }
 
-TEST_F(DsmccEvents, MayHoldWhatNobodyReads) {
+TEST_F(DsmccEvents, MayHaveUnknownMembers) {
     Register(Receiver::kFirst);
     EXPECT_EQ(Send({WithMember(WithMember(kEvent, "more", "[1, {\"event\": 5}]"), "type", "20")}),
               (Lines{"first 0 /f 0x80c0ffee"}));
 }
 
-TEST_F(DsmccEvents, AreWarnedAboutWithoutAReceiver) {
+TEST_F(DsmccEvents, AreDroppedWithAWarningWithoutAReceiver) {
     EXPECT_EQ(Send({kEvent}), Lines{});
     EXPECT_EQ(LogOf(kEvent),
               (Lines{"2 ReceiveIpc ENTER", "3 ReceiveIpc url:dvb://1 filePath:/f event:0 context:0x80c0ffee",
@@ -193,7 +193,7 @@ TEST_F(DsmccEvents, AreWarnedAboutWithoutAReceiver) {
     EXPECT_EQ(Send({kEvent}), (Lines{"first 0 /f 0x80c0ffee"}));
 }
 
-TEST_F(DsmccEvents, NeedNoPlatformThatIsTold) {
+TEST_F(DsmccEvents, AreRegisteredWithoutARequest) {
     FakePlatform platform(UnderTest().Socket(), "{\"ret\": 0}");
     Register(Receiver::kFirst);
     Register(Receiver::kNone);

@@ -167,7 +167,7 @@ TEST_P(EventMembers, AreReadLeniently) {
     EXPECT_EQ(Complaints(), Lines{}) << mLog.Text();
 }
 
-TEST_F(EventsOfAPlatform, ThatAreNoObjectsReachNobody) {
+TEST_F(EventsOfAPlatform, AreDroppedIfTheyAreNotObjects) {
     ASSERT_EQ(Register(Receiver::kFirst), 0);
     int failures = 0;
     for (const std::string& event :
@@ -193,7 +193,7 @@ TEST_F(EventsOfAPlatform, AreDroppedBeforeTheRegistration) {
     EXPECT_EQ(Send({Event()}), ReceivedBy("first"));
 }
 
-TEST_F(EventsOfAPlatform, ReachNobodyWhenNoFunctionIsRegistered) {
+TEST_F(EventsOfAPlatform, AreDroppedWhenNoFunctionIsRegistered) {
     ASSERT_EQ(Register(Receiver::kFirst), 0);
     ASSERT_EQ(Register(Receiver::kNone), 0);
     EXPECT_EQ(Send({Event()}), Lines{});
@@ -205,7 +205,7 @@ TEST_F(EventsOfAPlatform, ReachTheLastRegisteredReceiver) {
     EXPECT_EQ(Send({Event()}), ReceivedBy("second"));
 }
 
-TEST_F(EventsOfAPlatform, AreDroppedByAnAdaptorMadeAnew) {
+TEST_F(EventsOfAPlatform, AreDroppedByARecreatedAdaptor) {
     ASSERT_EQ(Register(Receiver::kFirst), 0);
     UnderTest().deleteInstance();
     EventsUnderTest().makeInstance();

@@ -222,7 +222,7 @@ TEST_F(CommandsToABrowser, HaveOneFormAndACodeOfTheirOwn) {
     }
 }
 
-TEST_F(CommandsToABrowser, OfOtherCodesAreWarnedAboutAndDropped) {
+TEST_F(CommandsToABrowser, AreDroppedWithAWarningIfTheCodeIsUnknown) {
     const std::pair<const char*, const char*> codes[] = {
         {R"("method": -21)", "-21"}, {R"("method": 2147483647)", "2147483647"}, {R"("key": 5)", "0"},
         {R"("method": "24")", "0"},  {R"("method": 4294967320)", "0"},          {R"("t": 24)", "0"},
@@ -245,7 +245,7 @@ TEST_F(CommandsToABrowser, NeedNoTypeButNotAnother) {
     EXPECT_EQ(Complaints(), (Lines{kAsserted, kAsserted, kAsserted}));
 }
 
-TEST_F(CommandsToABrowser, ThatAreNoObjectsReachNobody) {
+TEST_F(CommandsToABrowser, AreDroppedIfTheyAreNotObjects) {
     int failures = 0;
     for (const char* command : {"nonsense", " ", "null", "24", "\"24\"", "[{\"method\": 24}]", "{\"method\": 24"}) {
         SCOPED_TRACE(command);
@@ -267,7 +267,7 @@ TEST_F(CommandsToABrowser, AreNotStoppedByOneThatFails) {
     EXPECT_EQ(Complaints(), Lines{});
 }
 
-TEST_F(CommandsToABrowser, HoldTextsOfEveryKind) {
+TEST_F(CommandsToABrowser, MayHaveStringsOfEveryKind) {
     for (const WireText& text : WireTexts()) {
         SCOPED_TRACE(text.name);
         const std::string& json = text.onTheWire;
@@ -309,20 +309,20 @@ TEST_F(CommandsToABrowser, AreDroppedAfterItHasGone) {
     EXPECT_EQ(CallsOf({kCommand}), Lines{});
 }
 
-TEST_F(CommandsToABrowser, ReachTheLastThatWasRegistered) {
+TEST_F(CommandsToABrowser, ReachTheLastRegisteredBrowser) {
     RecordingMtm second;
     Adaptor().RegisterCallback(&second);
     EXPECT_EQ(CallsOf({kCommand}), Lines{});
     EXPECT_EQ(second.Calls(), (Lines{kCall}));
 }
 
-TEST_F(CommandsToABrowser, AreDroppedByAnAdaptorMadeAnew) {
+TEST_F(CommandsToABrowser, AreDroppedByARecreatedAdaptor) {
     Mtm::DeleteInstance();
     ASSERT_NE(Mtm::GetInstance(), nullptr);
     EXPECT_EQ(CallsOf({kCommand}), Lines{});
 }
 
-TEST_F(MtmCommands, RegisteringTellsThePlatformNothing) {
+TEST_F(MtmCommands, AreRegisteredWithoutARequest) {
     const FakePlatform platform(UnderTest().Socket(), R"({"ret": 0})");
     Adaptor().RegisterCallback(&mBrowser);
     Adaptor().UnRegisterCallback();
@@ -354,7 +354,7 @@ TEST_F(MtmCommands, ComeWhileRegistrationsChange) {
     EXPECT_EQ(CallsOf({kCommand}), Lines{});
 }
 
-TEST_P(CommandWithReply, IsAnsweredByWhatTheBrowserGives) {
+TEST_P(CommandWithReply, IsAnsweredWithTheResultsOfTheBrowser) {
     EXPECT_EQ(Ask(mCommand.Text()), GetParam().reply);
     EXPECT_EQ(mBrowser.Calls(), Calls(ShownOf(mCommand)));
     EXPECT_EQ(Complaints(), Lines{}) << mLog.Text();
@@ -385,7 +385,7 @@ TEST_P(CommandWithReply, GetsNullWithoutABrowser) {
 
 INSTANTIATE_TEST_SUITE_P(Each, CommandWithReply, ::testing::ValuesIn(kQuestions), NameOf);
 
-TEST_F(CommandsToABrowser, WithoutACodeThatAskForAReplyAreRefused) {
+TEST_F(CommandsToABrowser, AreRefusedAsRequestsWithoutACode) {
     EXPECT_EQ(Ask("{}"), kRefused);
     EXPECT_EQ(Ask(R"({"type": 0, "method": "34"})"), kRefused);
     EXPECT_EQ(Complaints(), (Lines{"5 unsupported methods:0", "5 unsupported methods:0"}));
@@ -398,7 +398,7 @@ TEST_F(MtmCommands, WithoutABrowserGetNullWhateverTheirCode) {
     EXPECT_EQ(Complaints(), (Lines{kNobody, kAsserted}));
 }
 
-TEST_F(CommandsToABrowser, ThatAreNoObjectsGetAReplyOfSizeZero) {
+TEST_F(CommandsToABrowser, GetAnEmptyReplyIfTheyAreNotObjects) {
     for (const char* command : {"nonsense", "null", "34", "[{\"method\": 34}]"}) {
         SCOPED_TRACE(command);
         EXPECT_EQ(Ask(command), "");

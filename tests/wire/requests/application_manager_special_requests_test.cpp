@@ -108,7 +108,7 @@ TEST_F(ApplicationManagerChildren, ThatCannotBeReadAreZero) {
     EXPECT_EQ(ChildrenOf(Children(1, "\\u00001", "1\\u00002")), "0 [7/8 0/1]");
 }
 
-TEST_F(ApplicationManagerChildren, ThatAreMissingAreZero) {
+TEST_F(ApplicationManagerChildren, AreZeroIfMissing) {
     EXPECT_EQ(ChildrenOf(Children(2, "               1", "")), "0 [7/8 1/0 0/0]");
     EXPECT_EQ(ChildrenOf(Children(3, "               1       2", "               3               4       5")),
               "0 [7/8 1/3 2/4 0/5]");
@@ -170,7 +170,7 @@ TEST_F(ApplicationManagerKeys, ComeInTheOrderOfTheirNumbers) {
     EXPECT_EQ(KeysOf(R"(, "num": 1, "k0": 415, "k1": 19)"), "0 [7 415]");
 }
 
-TEST_F(ApplicationManagerKeys, ThatAreMissingOrNoNumbersAreZero) {
+TEST_F(ApplicationManagerKeys, AreZeroIfMissingOrNotNumbers) {
     EXPECT_EQ(KeysOf(R"(, "num": 5, "k1": "19", "k2": null, "k3": [1], "k4": 2147483648)"), "0 [7 0 0 0 0 0]");
     EXPECT_EQ(KeysOf(R"(, "num": 2, "k0": true, "k1": 2.5)"), "0 [7 1 2]");
 }

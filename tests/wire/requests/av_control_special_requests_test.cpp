@@ -162,7 +162,7 @@ TEST_F(ComponentUpdate, OfManyThreadsComesWhole) {
     EXPECT_EQ(mPlatform.Connections(), 1);
 }
 
-TEST(ComponentUpdateWithoutPlatform, ConsumesTheListAllTheSame) {
+TEST(ComponentUpdateWithoutPlatform, ConsumesTheListAnyway) {
     const ScratchDirectory directory;
     Components components = One(HeapText("HEAAC"), HeapText("deu"));
     EXPECT_EQ(Adaptor::GetInstance()->ComponentUpdate(0, {1}, components, 0), -1);

@@ -64,7 +64,7 @@ TEST_F(ConfigurationRequests, NetworkIdsAreNoneWhenTheirNumberIsNotAboveZero) {
     EXPECT_EQ(NetworkIdsOf("{\"ret\": 0, \"k0\": 12289}"), Ids{});
 }
 
-TEST_F(ConfigurationRequests, NetworkIdsThatAreMissingAreZero) {
+TEST_F(ConfigurationRequests, MissingNetworkIdsAreZero) {
     EXPECT_EQ(NetworkIdsOf("{\"ret\": 0, \"num\": 3, \"k1\": 12289, \"k3\": 5}"), (Ids{0, 12289, 0}));
 }
 

@@ -192,7 +192,7 @@ TEST_P(Reply, GivesTheResults) {
     ExpectResults(GetParam(), GetParam().Call(), ReplyValues());
 }
 
-TEST_P(Reply, MayHoldWhatNobodyReads) {
+TEST_P(Reply, MayHaveUnknownMembers) {
     FakePlatform platform(mSocket, WithMember(WithMember(ReplyText(), "more", "[1, {\"ret\": 5}]"), "Ret", "9"));
     ExpectResults(GetParam(), GetParam().Call(), ReplyValues());
 }
@@ -223,7 +223,7 @@ TEST_P(Reply, IsReadLeniently) {
     EXPECT_EQ(GetParam().Call().status, fails ? -1 : 0);
 }
 
-TEST_P(Reply, GivesTextsUnchanged) {
+TEST_P(Reply, ReturnsStringsUnchanged) {
     FakePlatform platform(mSocket, "");
     const std::vector<Result> results = ResultsOf(GetParam().Operation()["reply"]);
     for (size_t i = 0; i < results.size(); ++i) {
@@ -265,7 +265,7 @@ TEST_P(Reply, WithoutAnIntegerAsRetIsAFailure) {
     EXPECT_EQ(platform.Connections(), 1);
 }
 
-TEST_P(Reply, ThatIsNoObjectIsAFailure) {
+TEST_P(Reply, IsAFailureIfItIsNotAnObject) {
     LogCapture log;
     FakePlatform platform(mSocket, "");
     int failures = 0;
@@ -281,7 +281,7 @@ TEST_P(Reply, ThatIsNoObjectIsAFailure) {
     EXPECT_EQ(platform.Connections(), 1);
 }
 
-TEST_P(Reply, ThatIsNoJsonIsAFailure) {
+TEST_P(Reply, IsAFailureIfItIsNotJson) {
     LogCapture log;
     FakePlatform platform(mSocket, "");
     const std::string tooDeep = "{\"ret\": 0, \"a\": " + std::string(1001, '[') + std::string(1001, ']') + "}";
@@ -319,7 +319,7 @@ TEST_P(OneWay, NeedsNoReply) {
     EXPECT_EQ(platform.Connections(), 1);
 }
 
-TEST_P(Texts, StandOnTheWireAsJsonStrings) {
+TEST_P(Texts, AreSentAsJsonStrings) {
     FakePlatform platform(mSocket, ReplyText());
     const std::vector<std::string> arguments = TextArguments(GetParam().Operation()["request"]);
     for (const WireText& text : WireTexts()) {

@@ -73,7 +73,7 @@ TEST_F(VideoBroadcastEventRequests, HaveTheirCodeReadLeniently) {
     }
 }
 
-TEST_F(VideoBroadcastEventRequests, WithoutAContextThatIsATextAreRefused) {
+TEST_F(VideoBroadcastEventRequests, AreRefusedIfTheContextIsNotAString) {
     Register(Pointer(0xabcd));
     for (const char* type : {"\"videobroadcast\"", "\"mediasync\"", "\"other\"", "", "3"}) {
         for (const char* context : {"", "null", "true", "43981", "43981.5", "[\"0xabcd\"]", "{\"a\": \"0xabcd\"}"}) {
@@ -135,7 +135,7 @@ TEST_F(VideoBroadcastEventRequests, ReadTheContextAsAPointer) {
     }
 }
 
-TEST_F(VideoBroadcastEventRequests, ThatAreNoJsonObjectGetAnEmptyReply) {
+TEST_F(VideoBroadcastEventRequests, GetAnEmptyReplyIfTheyAreNotObjects) {
     Register(Pointer(0xabcd));
     for (const char* text : {"nonsense", "null", "[]", "7", " ", "{\"type\":"}) {
         SCOPED_TRACE(text);

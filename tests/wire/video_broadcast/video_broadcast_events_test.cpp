@@ -77,7 +77,7 @@ TEST_P(VideoBroadcastEvent, MayLackEverythingButItsHandles) {
     EXPECT_EQ(received[0].payload, PayloadOf(GetParam(), shown));
 }
 
-TEST_P(VideoBroadcastEvent, MayHoldWhatNobodyReads) {
+TEST_P(VideoBroadcastEvent, MayHaveUnknownMembers) {
     RegisterForRow(Pointer(0x80c0ffee));
     SendEvent(WithMember(WithMember(GetParam().event, "more", "[1, {\"event\": 5}]"), "Event", "9"));
     const std::vector<ReceivedEvent> received = Received();
@@ -195,7 +195,7 @@ TEST_F(VideoBroadcastEvents, OfAnotherObjectAreLoggedAndDropped) {
     EXPECT_TRUE(Received().empty());
 }
 
-TEST_F(VideoBroadcastEvents, ThatAreNoJsonObjectAreLoggedOnceAndDropped) {
+TEST_F(VideoBroadcastEvents, AreLoggedOnceAndDroppedIfTheyAreNotObjects) {
     Register(Pointer(1));
     const std::string tooDeep =
         "{\"type\": \"videobroadcast\", \"event\": 4, \"a\": " + std::string(1001, '[') + std::string(1001, ']') + "}";
@@ -221,7 +221,7 @@ TEST_F(VideoBroadcastEvents, AreLoggedWithTheirDocument) {
               (Lines{"3 recv msg:{\n\t\"event\" : 4,\n\t\"type\" : \"videobroadcast\"\n}\n in m_ipc_id(32) port(7)"}));
 }
 
-TEST_F(VideoBroadcastEvents, ForAnotherPortReachNobody) {
+TEST_F(VideoBroadcastEvents, AreDroppedOnAnotherPort) {
     Register(Pointer(1));
     SendEvent("{\"type\": \"videobroadcast\", \"event\": 4}", 8);
     EXPECT_EQ(LinesOf("[ipc_base]"), (Lines{"5 channel(32) port(8): no receiver"}));

@@ -75,8 +75,6 @@ void FillTexts(Programme& programme, const pugi::xml_node& node) {
     }
 }
 
-// --- Episode
-
 // "4" or "4/10", counted from 0, or empty.
 bool ReadPart(std::string_view part, int& number, int& total) {
     part = Trimmed(part);
@@ -110,8 +108,6 @@ void FillEpisode(Programme& programme, const pugi::xml_node& node, const Warn& w
     if (programme.season > 0) programme.seriesId += "/" + std::to_string(programme.season);
 }
 
-// --- Ratings
-
 // In the order of their schemes.
 const char* const kMpaa[] = {"G", "PG", "PG-13", "R", "NC-17", "NR"};
 constexpr int kFsk[] = {0, 6, 12, 16, 18};
@@ -140,8 +136,6 @@ void FillRating(Programme& programme, const std::string& system, const std::stri
         AddRating(programme, {kSchemeDvbSi, std::to_string(*age), *age, 0, ""});
     }
 }
-
-// --- Components
 
 const std::map<std::string, int> kChannels{{"mono", 1},      {"stereo", 2},   {"dolby", 2},
                                            {"bilingual", 2}, {"surround", 5}, {"dolby digital", 5}};

@@ -126,7 +126,7 @@ Expression Cursor::ReadName(bool pattern) {
     expression.place = token.place;
     expression.name = token.text;
     if (pattern) {
-        expression.orNothing = Take("?");
+        expression.mayBeEmpty = Take("?");
         mNames.Add(token.text);
     } else {
         mNames.Check(token.text, token.place);

@@ -404,7 +404,7 @@ class Parser {
 
     // The values of a loop may be 0 or empty.
     static void TakeNothingToo(Expression& pattern) {
-        pattern.orNothing = true;
+        pattern.mayBeEmpty = true;
         for (Expression& element : pattern.elements) TakeNothingToo(element);
     }
 

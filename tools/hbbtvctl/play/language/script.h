@@ -28,7 +28,7 @@ struct Expression {
     Json::Value literal;               // Literal
     Format text;                       // Text: with names in it; Containing
     std::string name;                  // Name, without its "$"
-    bool orNothing = false;            // Name: "$x?", which also binds 0, false and ""
+    bool mayBeEmpty = false;           // Name: "$x?", which also binds 0, false and ""
     std::vector<std::string> keys;     // Object
     std::vector<Expression> elements;  // List, and Object in the order of its keys
 };

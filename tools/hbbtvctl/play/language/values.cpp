@@ -84,7 +84,7 @@ class Comparison {
         const auto fresh = mFresh.find(pattern.name);
         if (known == nullptr && fresh != mFresh.end()) known = &fresh->second;
         if (known != nullptr) return SameValue(*known, value, type);
-        if (!pattern.orNothing && !IsSomething(value)) return false;
+        if (!pattern.mayBeEmpty && !IsSomething(value)) return false;
         mFresh[pattern.name] = type == nullptr ? Number(value) : value;
         return true;
     }
@@ -194,7 +194,7 @@ std::string Shown(const Expression& pattern, const Names& names) {
             return "_";
         case Expression::Kind::Name: {
             const Json::Value* value = names.Find(pattern.name);
-            return value != nullptr ? WriteJson(*value) : "$" + pattern.name + (pattern.orNothing ? "?" : "");
+            return value != nullptr ? WriteJson(*value) : "$" + pattern.name + (pattern.mayBeEmpty ? "?" : "");
         }
         case Expression::Kind::List:
             return "[" + Shown(pattern.elements, names) + "]";
