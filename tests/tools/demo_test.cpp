@@ -81,7 +81,7 @@ TEST_F(Demo, ShowsTheChannelChangesAndAnApplicationAndEndsWell) {
                                 "IMtm.RegisterCallback",
                                 "IApplicationManager.RegisterCallback(APPLICATION_EVENT_1",
                                 "Tune to arte HD",
-                                "Its application has a tab",
+                                "whose application gets a tab",
                                 "OnTabCreated(1)",
                                 "OnTabLoadFinished(1",
                                 "onApplicationEvent",
