@@ -5,7 +5,7 @@
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/Static.h>
 
-#include "log.h"
+#include "log/host_log.h"
 
 namespace android::hardware {
 

@@ -5,7 +5,7 @@
 #include <cinttypes>
 #include <cstdlib>
 
-#include "log.h"
+#include "log/host_log.h"
 
 namespace android::hardware {
 

@@ -5,7 +5,7 @@
 
 #include <cstring>
 
-#include "log.h"
+#include "log/host_log.h"
 
 namespace android::hardware {
 

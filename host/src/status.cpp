@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "log.h"
+#include "log/host_log.h"
 
 namespace android::hardware {
 

@@ -1,8 +1,10 @@
 // Registering and finding services, casting, and the files on disk.
+#include <android/log.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "fixtures.h"
+#include "log_capture.h"
 
 namespace hbbtv::test {
 
@@ -93,6 +95,15 @@ TEST_F(Services, ThatAreNullOrHaveATooLongNameAreNotRegistered) {
     EXPECT_EQ(::android::hardware::details::registerAsServiceInternal(nullptr, "default"), ::android::UNEXPECTED_NULL);
     const sp<Workshop> own = new Workshop;
     EXPECT_EQ(own->registerAsService(std::string(300, 'x')), ::android::UNKNOWN_ERROR);
+}
+
+TEST_F(Services, AreLoggedOnOneLineWithoutControlCharactersWhateverTheirName) {
+    const Peer peer({"serve", "default", "2"});
+    const sp<IWorkshop> remote = IWorkshop::getService();
+    const LogCapture log;
+    EXPECT_NE(remote->registerAsService("\x1b[2J\nfake\x7f\xc2\x9b"), ::android::OK);
+    const std::string line = "cannot register \\x1b[2J\\nfake\\x7f\\xc2\\x9b: it is an object of another process";
+    EXPECT_EQ(log.Count(ANDROID_LOG_ERROR, "hidl_host", line), 1) << log.Text();
 }
 
 TEST_F(Services, RegisteredAgainAreReplaced) {

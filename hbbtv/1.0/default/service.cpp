@@ -29,6 +29,7 @@
 #include "ipc/src/tolm_caller_queue.h"
 #include "ipc/src/tolm_socket_directory.h"
 #include "service_arguments.h"
+#include "service_claim.h"
 #include "service_report.h"
 
 using ::android::OK;
@@ -46,6 +47,8 @@ constexpr size_t kFamilies = 18;
 constexpr size_t kRegistrations = 8;  // interfaces that register clients
 constexpr size_t kMostWaiting = tolm::CallerQueue::kMostWaiting;
 constexpr size_t kThreads = kFamilies * (1 + kMostWaiting) + kRegistrations * kMostWaiting + 1;
+
+constexpr int kServedByAnother = 3;
 
 template <typename Interface>
 bool Publish() {
@@ -87,6 +90,7 @@ int main(int argc, char** argv) {
     // The reader of the output may end; clients must not notice.
     signal(SIGPIPE, SIG_IGN);
     if (const std::optional<int> exitCode = TakeArguments(argc, argv)) return *exitCode;
+    if (!ClaimDirectories()) return kServedByAnother;
     tolm::CheckSocketDirectory();
     configureRpcThreadpool(kThreads, true /* callerWillJoin */);
     if (!PublishAll()) {

@@ -24,11 +24,15 @@ constexpr char kHelp[] =
     "in\n"
     "DIRECTORY. Without it, their directory is $TMPDIR, or the built-in one: /dev/socket/hbbtv on a television, /tmp\n"
     "elsewhere. A process that init starts in a domain of its own never sees TMPDIR.\n"
+    "Except on a television, one service at a time can use the directory and that of the HIDL names: it locks the "
+    "file\n"
+    "hbbtv-service.lock in both. The file of a service that has ended has no effect.\n"
     "\n"
     "  --help      print this and exit\n"
     "  --version   print the version and exit\n"
     "\n"
-    "Exit codes: 1 an interface cannot be served or the directory cannot be used, 2 wrong arguments.\n";
+    "Exit codes: 1 an interface cannot be served or the directory cannot be used, 2 wrong arguments,\n"
+    "3 another process serves the directory.\n";
 
 // The longest path is that of a client of this name.
 constexpr char kLongestSocket[] = "/service_plugin_to_hbbtv_vb_fav_list_collect_port_6";

@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "connection/session.h"
-#include "log.h"
+#include "log/host_log.h"
 
 namespace android::hardware {
 

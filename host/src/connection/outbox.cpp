@@ -10,7 +10,7 @@
 #include <chrono>
 
 #include "connection/thread_pool.h"
-#include "log.h"
+#include "log/host_log.h"
 
 namespace android::hardware::host {
 

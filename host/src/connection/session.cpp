@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include "connection/socket_reader.h"
-#include "log.h"
+#include "log/host_log.h"
 
 namespace android::hardware::host {
 

@@ -8,7 +8,7 @@
 #include <system_error>
 #include <thread>
 
-#include "log.h"
+#include "log/host_log.h"
 
 namespace android::hardware {
 namespace host {

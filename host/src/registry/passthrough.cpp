@@ -11,7 +11,7 @@
 #include <sstream>
 #include <vector>
 
-#include "log.h"
+#include "log/host_log.h"
 
 namespace android::hardware {
 
@@ -56,8 +56,7 @@ sp<IBase> FetchFrom(const std::string& library, const std::string& function, con
 
 }  // namespace
 
-sp<IBase> LoadPassthrough(const std::string& descriptor, const std::string& instance,
-                          details::CallFetch callFetch) {
+sp<IBase> LoadPassthrough(const std::string& descriptor, const std::string& instance, details::CallFetch callFetch) {
     const size_t colons = descriptor.find("::");
     const char* const path = getenv("HIDL_HOST_PASSTHROUGH_PATH");
     if (colons != std::string::npos && path != nullptr) {

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "log.h"
+#include "log/host_log.h"
 
 namespace android::hardware::host {
 

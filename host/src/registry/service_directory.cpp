@@ -16,7 +16,7 @@
 #include <cstring>
 #include <vector>
 
-#include "log.h"
+#include "log/host_log.h"
 
 namespace android::hardware::host {
 

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <thread>
 
-#include "log.h"
+#include "log/host_log.h"
 #include "registry/passthrough.h"
 #include "registry/peers.h"
 #include "registry/server.h"
@@ -56,7 +56,8 @@ sp<IBase> FindService(const std::string& descriptor, const std::string& instance
 
 }  // namespace
 
-sp<IBase> getRawServiceInternal(const std::string& descriptor, const std::string& instance, bool retry, CallFetch callFetch) {
+sp<IBase> getRawServiceInternal(const std::string& descriptor, const std::string& instance, bool retry,
+                                CallFetch callFetch) {
     if (callFetch != nullptr) return host::LoadPassthrough(descriptor, instance, callFetch);
     for (int turn = 1;; ++turn) {
         const sp<IBase> service = FindService(descriptor, instance);

@@ -1,4 +1,4 @@
-#include "log.h"
+#include "log/host_log.h"
 
 #include <cstdarg>
 #include <cstdio>
