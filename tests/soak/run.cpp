@@ -18,7 +18,7 @@ using test::WaitFor;
 
 constexpr std::chrono::seconds kPatience{60};
 
-// Its log goes to a file: a pipe that nobody reads would stop it.
+// Its log goes to a file: a pipe without a reader would stop it.
 std::vector<std::string> ServiceCommand() {
     return {"/bin/sh", "-c", "exec \"$0\" >\"$TMPDIR/service.log\" 2>&1", HBBTV_SERVICE_PROGRAM};
 }
