@@ -117,12 +117,13 @@ void WriteSessions(Folder folder) {
             bytes +=
                 FrameOf(call.oneWay ? host::FrameType::kOneway : host::FrameType::kCall, 1, call.code, ++id, call.body);
         }
-        bytes += "\nevents\n";
+        const WireFamily* const family = Package::Get().FamilyOf(Package::Get().FindInterface(service.interface));
+        bytes += "\nevents " + family->name + "\n";
         Parcel results;
         results.writeInt32(0);
         results.writeInt32(0);
         results.writeInt32(1);
-        for (uint64_t answer = 1; answer <= 12; ++answer) {
+        for (uint64_t answer = 1; answer <= 6; ++answer) {
             bytes += FrameOf(host::FrameType::kReply, 0, 0, answer, BodyOf(results));
         }
         folder.Add(bytes + FrameOf(host::FrameType::kRelease, 1, 0, 1, ""));
@@ -197,5 +198,5 @@ int main(int argc, char** argv) {
     }
     hbbtv::fuzz::ScratchDirectory();
     hbbtv::fuzz::WriteAll(argv[1]);
-    std::_Exit(0);
+    return 0;
 }
