@@ -46,7 +46,20 @@ void WriteFrames(Folder folder) {
     folder.Add(std::string("\xff\xff\xff\xff", 4) + request);
 }
 
+// Texts that are nearly JSON.
+const std::vector<std::string> kOddTexts{"+56",
+                                         "[01, -0, 1., 1e5]",
+                                         "[1,]",
+                                         "{\"a\": 1, \"a\": 2}",
+                                         "/* a */ 1 // b",
+                                         "nul",
+                                         "\"\\ud800\\u0041\"",
+                                         "[[[[]]]]",
+                                         "1e999",
+                                         "{\"a\" 1}"};
+
 void WriteMessages(Folder json, Folder replies, Folder events) {
+    for (const std::string& text : kOddTexts) json.Add(text);
     for (const WireFamily& family : WireFamilies()) {
         for (const Json::Value& event : family.protocol["events"]) {
             const std::string text = WriteJson(UsualEvent(family, event));

@@ -95,9 +95,11 @@ std::optional<bool> NextIsCall(int fd) {
     return head.type == static_cast<uint32_t>(host::FrameType::kCall);
 }
 
+// Returns false if nothing comes: the services are done, or wait for an answer that the client has not given.
 bool HasInput(int fd) {
+    constexpr int kPatience = 100;  // milliseconds
     pollfd descriptor{fd, POLLIN, 0};
-    return poll(&descriptor, 1, 1) > 0;
+    return poll(&descriptor, 1, kPatience) > 0;
 }
 
 // The first frame of the bytes, as its head describes it.
@@ -111,13 +113,11 @@ std::string TakeFrame(std::string& bytes) {
 }
 
 void AnswerEvents(int fd, const std::string& family, std::string answers) {
-    std::atomic<bool> done{false};
     std::thread events([&] {
         SendEvents(family);
-        done = true;
+        shutdown(fd, SHUT_RD);
     });
-    while (!done && !answers.empty()) {
-        if (!HasInput(fd)) continue;
+    while (!answers.empty() && HasInput(fd)) {
         const auto isCall = NextIsCall(fd);
         if (!isCall) break;
         if (*isCall) SendAll(fd, TakeFrame(answers));
