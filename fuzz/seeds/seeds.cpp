@@ -46,7 +46,20 @@ void WriteFrames(Folder folder) {
     folder.Add(std::string("\xff\xff\xff\xff", 4) + request);
 }
 
+// Texts that are nearly JSON.
+const std::vector<std::string> kOddTexts{"+56",
+                                         "[01, -0, 1., 1e5]",
+                                         "[1,]",
+                                         "{\"a\": 1, \"a\": 2}",
+                                         "/* a */ 1 // b",
+                                         "nul",
+                                         "\"\\ud800\\u0041\"",
+                                         "[[[[]]]]",
+                                         "1e999",
+                                         "{\"a\" 1}"};
+
 void WriteMessages(Folder json, Folder replies, Folder events) {
+    for (const std::string& text : kOddTexts) json.Add(text);
     for (const WireFamily& family : WireFamilies()) {
         for (const Json::Value& event : family.protocol["events"]) {
             const std::string text = WriteJson(UsualEvent(family, event));
@@ -117,12 +130,13 @@ void WriteSessions(Folder folder) {
             bytes +=
                 FrameOf(call.oneWay ? host::FrameType::kOneway : host::FrameType::kCall, 1, call.code, ++id, call.body);
         }
-        bytes += "\nevents\n";
+        const WireFamily* const family = Package::Get().FamilyOf(Package::Get().FindInterface(service.interface));
+        bytes += "\nevents " + family->name + "\n";
         Parcel results;
         results.writeInt32(0);
         results.writeInt32(0);
         results.writeInt32(1);
-        for (uint64_t answer = 1; answer <= 12; ++answer) {
+        for (uint64_t answer = 1; answer <= 6; ++answer) {
             bytes += FrameOf(host::FrameType::kReply, 0, 0, answer, BodyOf(results));
         }
         folder.Add(bytes + FrameOf(host::FrameType::kRelease, 1, 0, 1, ""));
@@ -197,5 +211,5 @@ int main(int argc, char** argv) {
     }
     hbbtv::fuzz::ScratchDirectory();
     hbbtv::fuzz::WriteAll(argv[1]);
-    std::_Exit(0);
+    return 0;
 }

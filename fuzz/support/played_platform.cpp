@@ -4,6 +4,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #include "common/text/json.h"
@@ -112,6 +113,8 @@ extern "C" int __android_log_print(int, const char*, const char* format, ...) {
     va_start(arguments, format);
     const int length = std::vsnprintf(line, sizeof(line), format, arguments);
     va_end(arguments);
+    static const bool shown = getenv("FUZZ_LOG") != nullptr;
+    if (shown) std::fprintf(stderr, "%s\n", line);
     return length;
 }
 

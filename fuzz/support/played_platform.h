@@ -1,5 +1,6 @@
 // The platform, within the process: the library's requests end here instead of at a socket, and its events begin here.
-// A program that links this has no IPC sockets, and its log is formatted but not written.
+// A program that links this has no IPC sockets, and its log is formatted but only written if
+// FUZZ_LOG is set.
 #pragma once
 
 #include <atomic>

@@ -1,11 +1,16 @@
-// A hostile client: any bytes on its connection to the service. Behind a line "events", the services send it events,
-// and the rest of the bytes arrives while they wait for its answers.
+// A hostile client: any bytes on its connection to the service. Behind a line "events FAMILY", it gets the family's
+// events, and answers each call by the next frame of the rest.
+#include <hidl/HidlBinderSupport.h>
 #include <linux/sockios.h>
+#include <poll.h>
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cstring>
+#include <optional>
 #include <thread>
 
 #include "common/failure.h"
@@ -18,8 +23,6 @@
 #include "usual_messages.h"
 #include "wire/endpoint.h"
 
-#include <hidl/HidlBinderSupport.h>
-
 namespace hbbtv::fuzz {
 
 namespace {
@@ -27,7 +30,7 @@ namespace {
 using namespace android::hardware;
 using host::Session;
 
-const std::string kEvents = "\nevents\n";
+const std::string kEvents = "\nevents ";
 
 class AllServices : public host::ServiceSource {
   public:
@@ -51,26 +54,77 @@ void SendAll(int fd, const std::string& bytes) {
     }
 }
 
-void WaitUntilRead(int fd, const std::shared_ptr<Session>& session) {
+class Signal : public host::Task {
+  public:
+    explicit Signal(std::atomic<bool>& done) : mDone(done) {}
+    void Run() override { mDone = true; }
+
+  private:
+    std::atomic<bool>& mDone;
+};
+
+// Waits until the session has read everything and its calls have been served.
+void WaitUntilServed(int fd, const std::shared_ptr<Session>& session) {
     for (int unread = 1; unread > 0 && !session->IsDead(); sched_yield()) {
         if (ioctl(fd, SIOCOUTQ, &unread) != 0) return;
     }
+    // The pool has one thread.
+    std::atomic<bool> done{false};
+    host::ThreadPool::Get().Post(std::make_unique<Signal>(done));
+    while (!done) sched_yield();
 }
 
-void SendEvents() {
-    static const auto events = [] {
-        std::vector<std::pair<Endpoint, std::string>> all;
-        for (const WireFamily& family : WireFamilies()) {
-            for (const Json::Value& event : family.protocol["events"]) {
-                all.emplace_back(EventsOf(family), UsualEvent(family, event).toStyledString());
-            }
+void SendEvents(const std::string& familyName) {
+    for (const WireFamily& family : WireFamilies()) {
+        if (family.name != familyName) continue;
+        for (const Json::Value& event : family.protocol["events"]) {
+            const Endpoint endpoint = EventsOf(family);
+            const std::string text = UsualEvent(family, event).toStyledString();
+            PlayedPlatform::Get().Send(endpoint.key, endpoint.port, text);
+            PlayedPlatform::Get().SendAndWait(endpoint.key, endpoint.port, text);
         }
-        return all;
-    }();
-    for (const auto& [endpoint, event] : events) {
-        PlayedPlatform::Get().Send(endpoint.key, endpoint.port, event);
-        PlayedPlatform::Get().SendAndWait(endpoint.key, endpoint.port, event);
     }
+}
+
+// Reads one frame. Returns whether it is a call, or nothing if the session has ended.
+std::optional<bool> NextIsCall(int fd) {
+    host::FrameHead head{};
+    if (recv(fd, &head, sizeof(head), MSG_WAITALL) != static_cast<ssize_t>(sizeof(head))) return std::nullopt;
+    std::string body(head.bodySize, '\0');
+    if (recv(fd, body.data(), body.size(), MSG_WAITALL) != static_cast<ssize_t>(body.size())) return std::nullopt;
+    return head.type == static_cast<uint32_t>(host::FrameType::kCall);
+}
+
+// Returns false if nothing comes: the services are done, or wait for an answer that the client has not given.
+bool HasInput(int fd) {
+    constexpr int kPatience = 100;  // milliseconds
+    pollfd descriptor{fd, POLLIN, 0};
+    return poll(&descriptor, 1, kPatience) > 0;
+}
+
+// The first frame of the bytes, as its head describes it.
+std::string TakeFrame(std::string& bytes) {
+    host::FrameHead head{};
+    if (bytes.size() >= sizeof(head)) memcpy(&head, bytes.data(), sizeof(head));
+    const size_t size = std::min(bytes.size(), sizeof(head) + head.bodySize);
+    const std::string frame = bytes.substr(0, size);
+    bytes.erase(0, size);
+    return frame;
+}
+
+void AnswerEvents(int fd, const std::string& family, std::string answers) {
+    std::thread events([&] {
+        SendEvents(family);
+        shutdown(fd, SHUT_RD);
+    });
+    while (!answers.empty() && HasInput(fd)) {
+        const auto isCall = NextIsCall(fd);
+        if (!isCall) break;
+        if (*isCall) SendAll(fd, TakeFrame(answers));
+    }
+    SendAll(fd, answers);
+    shutdown(fd, SHUT_WR);
+    events.join();
 }
 
 // Returns when nothing refers to the session any more: it is dead, all its calls have ended, and the services have
@@ -82,14 +136,13 @@ void Converse(const std::string& bytes) {
     FUZZ_CHECK(session != nullptr);
     const size_t split = bytes.find(kEvents);
     SendAll(ends[0], bytes.substr(0, split));
-    std::thread events;
     if (split != std::string::npos) {
-        WaitUntilRead(ends[0], session);
-        events = std::thread(SendEvents);
-        SendAll(ends[0], bytes.substr(split + kEvents.size()));
+        WaitUntilServed(ends[0], session);
+        const std::string rest = bytes.substr(split + kEvents.size());
+        const size_t end = std::min(rest.find('\n'), rest.size());
+        AnswerEvents(ends[0], rest.substr(0, end), rest.substr(std::min(rest.size(), end + 1)));
     }
     shutdown(ends[0], SHUT_WR);
-    if (events.joinable()) events.join();
     const std::weak_ptr<Session> left = session;
     session.reset();
     while (!left.expired()) sched_yield();
@@ -103,7 +156,7 @@ void Converse(const std::string& bytes) {
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     hbbtv::fuzz::ScratchDirectory();
     hbbtv::fuzz::Services();
-    android::hardware::host::ThreadPool::Get().Configure(2, false);
+    android::hardware::host::ThreadPool::Get().Configure(1, false);
     android::hardware::host::ThreadPool::Get().Start();
     return 0;
 }
