@@ -20,10 +20,9 @@ constexpr int kUsage = 2;
 constexpr char kHelp[] =
     "usage: vantorel.hardware.hbbtv@1.0-service [DIRECTORY]\n"
     "\n"
-    "Serves the interfaces of vantorel.hardware.hbbtv@1.0 and forwards their calls to the platform, over the sockets "
-    "in\n"
-    "DIRECTORY. Without it, their directory is $TMPDIR, or the built-in one: /dev/socket/hbbtv on a television, /tmp\n"
-    "elsewhere. A process that init starts in a domain of its own never sees TMPDIR.\n"
+    "Serves the interfaces of vantorel.hardware.hbbtv@1.0 and forwards their calls to the platform, over the\n"
+    "sockets in DIRECTORY. Without it, their directory is $TMPDIR, or the built-in one: /dev/socket/hbbtv on a\n"
+    "television, /tmp elsewhere. A process that init starts in a domain of its own never sees TMPDIR.\n"
     "\n"
     "  --help      print this and exit\n"
     "  --version   print the version and exit\n"
