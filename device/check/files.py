@@ -78,7 +78,7 @@ def check_directory():
     built_in = re.search(r'#ifdef __ANDROID__\nconstexpr char kBuiltInDirectory\[\] = "([^"]+)"', code).group(1)
     rc = (SERVICE.parent / f"{SERVICE.name}.rc").read_text()
     program = f"/vendor/bin/hw/{SERVICE.name}"
-    for line in (f"    mkdir {built_in} 0770 system system", f"service vendor.hbbtv-1-0 {program} {built_in}"):
+    for line in (f"    mkdir {built_in} 01770 system system", f"service vendor.hbbtv-1-0 {program} {built_in}"):
         if line not in rc.splitlines():
             raise Problem(f"{SERVICE.name}.rc lacks the line: {line}")
     contexts = (ROOT / "device" / "sepolicy" / "file_contexts").read_text()

@@ -1,5 +1,5 @@
-"""The SELinux policy with a small base policy: it compiles, it allows what service, platform and client need and nothing
-more, and it refuses wrong rules."""
+"""The SELinux policy with a small base policy: it compiles, it allows what service, platform and client need and
+nothing more, and it refuses wrong rules."""
 
 from .common import ROOT, Problem, must, run
 
