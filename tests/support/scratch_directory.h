@@ -22,7 +22,7 @@ class ScratchDirectory {
     std::string mPath;
 };
 
-// Returns one for all tests of this program, for tests that share the library's instances: these find their sockets once.
+// Returns one for all tests of this program, for tests that share the library's instances: these read TMPDIR once.
 const ScratchDirectory& DirectoryOfThisProgram();
 
 }  // namespace hbbtv::test
