@@ -74,7 +74,8 @@ def prepare(work):
         files.append(os.path.join("package", path.relative_to(ROOT)))
     (work / "list").write_text("\n".join(files) + "\n")
     shutil.rmtree(work / "package")
-    for path in sorted({ROOT / "current.txt", *(ROOT / "hbbtv").rglob("*"), *BLUEPRINTS}):
+    for path in sorted({ROOT / "current.txt", *(ROOT / "hbbtv").rglob("*"), *(ROOT / "fuzz").rglob("*"),
+                        *(ROOT / "common").rglob("*"), *BLUEPRINTS}):
         if path.is_file():
             copy = work / "package" / path.relative_to(ROOT)
             copy.parent.mkdir(parents=True, exist_ok=True)
@@ -147,7 +148,7 @@ BLUEPRINT = str((LIBRARY / "Android.bp").relative_to(ROOT))
 WRONG = [
     ('"service.cpp"', '"services.cpp"', "does not exist"),
     ('"liblog"', '"liblogg"', "liblogg"),
-    ("    vendor: true,\n", "", None),
+    ("    vendor: true,\n", "", "missing variant"),
     ('init_rc: ["', 'init_rc: ["no-', "does not exist"),
     ('vintf_fragments: ["', 'vintf_fragments: ["no-', "does not exist"),
     ('    relative_install_path: "hw",\n', "", None),
