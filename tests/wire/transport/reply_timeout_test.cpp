@@ -90,7 +90,7 @@ TEST_F(ReplyTimeout, IsANumberOfMilliseconds) {
 
 class BadReplyTimeout : public ReplyTimeout, public testing::WithParamInterface<const char*> {};
 
-TEST_P(BadReplyTimeout, IsNoneAndSaidInTheLog) {
+TEST_P(BadReplyTimeout, IsIgnoredAndLogged) {
     Set(GetParam());
     EXPECT_EQ(tolm::ReplyTimeout(), milliseconds(0));
     EXPECT_EQ(mLog.Count(ANDROID_LOG_ERROR, "[ipc_base]",
