@@ -73,6 +73,7 @@ status_t Outbox::SendNowLocked(iovec*& pieces, int& count) {
         if (n < 0) {
             mBroken = true;
             mChanged.notify_all();
+            shutdown(mFd, SHUT_RDWR);  // the reader reports the death, also if the peer has not gone
             return DEAD_OBJECT;
         }
         size_t sent = static_cast<size_t>(n);
