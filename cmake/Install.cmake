@@ -95,8 +95,10 @@ function(install_packages)
     install(FILES ${PROJECT_SOURCE_DIR}/docs/hbbtvctl.schema.json
         DESTINATION ${HBBTV_DATA_DIR}/schemas COMPONENT ctl)
     # With the paths that their links have.
-    install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE
+    install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
         DESTINATION ${HBBTV_DOC_DIR} COMPONENT doc)
+    install(FILES ${PROJECT_SOURCE_DIR}/LICENSES/Apache-2.0.txt
+        DESTINATION ${HBBTV_DOC_DIR} COMPONENT doc RENAME LICENSE)
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION ${HBBTV_DOC_DIR} COMPONENT doc)
     install(FILES ${PROJECT_SOURCE_DIR}/host/README.md DESTINATION ${HBBTV_DOC_DIR}/host COMPONENT doc)
 
