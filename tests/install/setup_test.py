@@ -95,11 +95,9 @@ class Setup(Machine):
         self.assertIn("setup: cannot install clang: ", run.stderr)
         self.assertIn("no route to the archive", run.stderr)
 
-    def test_an_unknown_purpose_is_a_usage_error(self):
-        run = self.setup_for("fish")
-        self.assertEqual(run.returncode, 2)
-        self.assertIn("unknown purpose 'fish'", run.stderr)
-        self.assertEqual(self.calls(), [])
+    def test_installs_packages_by_their_name(self):
+        self.assertEqual(self.setup_for("clang", "debhelper").returncode, 0)
+        self.assertEqual(self.wanted(), {"clang", "debhelper"})
 
     def test_without_arguments_installs_for_all_purposes(self):
         self.setup_for()
