@@ -233,9 +233,13 @@ int main(int argc, char** argv) {
         Pin();
         return RunLibraryPlatform();
     }
+    if (argc == 2 && strcmp(argv[1], "--version") == 0) {
+        std::printf("hbbtv-bench %s\n", HBBTV_VERSION);
+        return 0;
+    }
     if (argc > 1) {
         std::printf(
-            "usage: hbbtv-bench\n\nMeasures the library against a floor (plain jsoncpp over the same framing) in one "
+            "usage: hbbtv-bench [--help | --version]\n\nMeasures the library against a floor (plain jsoncpp over the same framing) in one "
             "run and prints a table.\nExit codes: 0 all targets met, 1 measurement failed, 3 target missed.\n");
         return strcmp(argv[1], "--help") == 0 ? 0 : 2;
     }

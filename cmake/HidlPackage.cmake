@@ -40,7 +40,7 @@ function(hidl_generate prefix)
         endif()
     endforeach()
 
-    set(generate ${HIDL_GEN} -p ${CMAKE_SOURCE_DIR} -o ${out} -R ${roots})
+    set(generate ${HIDL_GEN} -p ${PROJECT_SOURCE_DIR} -o ${out} -R ${roots})
     add_custom_command(
         OUTPUT ${sources} ${headers}
         COMMAND ${generate} -L c++-headers ${HIDL_PACKAGE}
@@ -63,7 +63,7 @@ function(add_hidl_library target)
     add_library(${target} SHARED ${GENERATED_SOURCES} ${GENERATED_HEADERS})
     set_target_properties(${target} PROPERTIES
         OUTPUT_NAME ${HIDL_PACKAGE} PREFIX "" HIDL_INCLUDE_DIR ${GENERATED_INCLUDE_DIR})
-    target_include_directories(${target} SYSTEM PUBLIC ${GENERATED_INCLUDE_DIR})
+    target_include_directories(${target} SYSTEM PUBLIC $<BUILD_INTERFACE:${GENERATED_INCLUDE_DIR}>)
     target_compile_options(${target} PRIVATE -w)
     target_link_libraries(${target} PUBLIC hidl_host)
 endfunction()

@@ -61,7 +61,7 @@ std::optional<int> TakeArguments(int argc, char** argv) {
         return EXIT_SUCCESS;
     }
     if (strcmp(directory, "--version") == 0) {
-        puts("vantorel.hardware.hbbtv@1.0-service 1.0");
+        puts("vantorel.hardware.hbbtv@1.0-service " HBBTV_VERSION);
         return EXIT_SUCCESS;
     }
     if (directory[0] == '-') return WrongArgument("unknown option", directory);

@@ -54,12 +54,22 @@ sp<IBase> FetchFrom(const std::string& library, const std::string& function, con
     return object;
 }
 
+// Returns the directories to search.
+std::string SearchPath() {
+    const char* const path = getenv("HIDL_HOST_PASSTHROUGH_PATH");
+    if (path != nullptr) return path;
+    Dl_info runtime = {};
+    if (dladdr(reinterpret_cast<const void*>(&LoadPassthrough), &runtime) == 0) return "";
+    const std::string file = runtime.dli_fname;
+    return file.substr(0, file.rfind('/') + 1) + "hidl-host";
+}
+
 }  // namespace
 
 sp<IBase> LoadPassthrough(const std::string& descriptor, const std::string& instance, details::CallFetch callFetch) {
     const size_t colons = descriptor.find("::");
-    const char* const path = getenv("HIDL_HOST_PASSTHROUGH_PATH");
-    if (colons != std::string::npos && path != nullptr) {
+    const std::string path = SearchPath();
+    if (colons != std::string::npos) {
         const std::string prefix = descriptor.substr(0, colons) + "-impl";
         const std::string function = "HIDL_FETCH_" + descriptor.substr(colons + 2);
         std::istringstream directories(path);
@@ -70,8 +80,7 @@ sp<IBase> LoadPassthrough(const std::string& descriptor, const std::string& inst
             }
         }
     }
-    ALOGE("no passthrough implementation of %s/%s in %s", descriptor.c_str(), instance.c_str(),
-          path == nullptr ? "HIDL_HOST_PASSTHROUGH_PATH, which is not set" : path);
+    ALOGE("no passthrough implementation of %s/%s in %s", descriptor.c_str(), instance.c_str(), path.c_str());
     return nullptr;
 }
 

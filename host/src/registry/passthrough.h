@@ -9,7 +9,8 @@
 namespace android::hardware::host {
 
 // Searches the libraries <package>@<version>-impl*.so in the directories of HIDL_HOST_PASSTHROUGH_PATH (separated by
-// ':') for an instance of the interface. If there is none, logs an error and returns null.
+// ':'; default: hidl-host in the directory of this library) for an instance of the interface. If there is none, logs an
+// error and returns null.
 sp<::android::hidl::base::V1_0::IBase> LoadPassthrough(const std::string& descriptor, const std::string& instance,
                                                        details::CallFetch callFetch);
 

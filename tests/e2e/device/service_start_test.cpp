@@ -143,7 +143,7 @@ TEST(ServiceStart, HelpAndVersionArePrintedAndNothingIsServed) {
     EXPECT_EQ(help.errors, "");
     const FinishedRun version = RunService({"--version"});
     EXPECT_EQ(version.exit, 0);
-    EXPECT_EQ(version.output, "vantorel.hardware.hbbtv@1.0-service 1.0\n");
+    EXPECT_EQ(version.output, "vantorel.hardware.hbbtv@1.0-service " HBBTV_VERSION "\n");
 }
 
 TEST(ServiceStart, WhatIsServedIsInTheLog) {
