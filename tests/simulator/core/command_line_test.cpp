@@ -123,7 +123,7 @@ TEST_F(CommandLine, HelpAndVersionEndWithCode0) {
     EXPECT_NE(help.output.find("Examples:"), std::string::npos);
     const Outcome version = Run({"--version"});
     EXPECT_EQ(version.exitCode, 0);
-    EXPECT_EQ(version.output, "hbbtv-sim 1.0\n");
+    EXPECT_EQ(version.output, "hbbtv-sim " HBBTV_VERSION "\n");
 }
 
 TEST_F(CommandLine, ARefusedLineUpEndsWithCode3AndThePlace) {
