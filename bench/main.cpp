@@ -239,8 +239,10 @@ int main(int argc, char** argv) {
     }
     if (argc > 1) {
         std::printf(
-            "usage: hbbtv-bench [--help | --version]\n\nMeasures the library against a floor (plain jsoncpp over the same framing) in one "
-            "run and prints a table.\nExit codes: 0 all targets met, 1 measurement failed, 3 target missed.\n");
+            "usage: hbbtv-bench [--help | --version]\n\n"
+            "Measures the library against a floor (plain jsoncpp over the same framing) in one run and prints a "
+            "table.\n"
+            "Exit codes: 0 all targets met, 1 measurement failed, 3 target missed.\n");
         return strcmp(argv[1], "--help") == 0 ? 0 : 2;
     }
     const std::string self(argv[0]);
