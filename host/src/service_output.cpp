@@ -115,18 +115,23 @@ ssize_t WriteTo(void* output, const char* text, size_t size) {
     return static_cast<ssize_t>(size);
 }
 
-// The streams are never closed: threads write during exit.
-FILE* StreamTo(int fd) {
+// The streams are never closed and these never deleted: threads write during exit.
+Output* gOut = nullptr;
+Output* gError = nullptr;
+
+FILE* StreamTo(Output* output) {
     cookie_io_functions_t functions = {};
     functions.write = WriteTo;
-    FILE* const stream = fopencookie(new Output(fd), "w", functions);
+    FILE* const stream = fopencookie(output, "w", functions);
     if (stream != nullptr) setvbuf(stream, nullptr, _IOLBF, BUFSIZ);
     return stream;
 }
 
 __attribute__((constructor)) void ReplaceStreams() {
-    FILE* const out = StreamTo(STDOUT_FILENO);
-    FILE* const error = StreamTo(STDERR_FILENO);
+    gOut = new Output(STDOUT_FILENO);
+    gError = new Output(STDERR_FILENO);
+    FILE* const out = StreamTo(gOut);
+    FILE* const error = StreamTo(gError);
     if (out != nullptr) stdout = out;
     if (error != nullptr) stderr = error;  // also where liblog writes to on a host
 }
