@@ -88,6 +88,12 @@ SimulatorFixture::Outcome SimulatorFixture::Run(const std::vector<std::string>& 
     return {code.value_or(-1000), program->Output()};
 }
 
+void SimulatorFixture::ExpectEnd(const std::vector<std::string>& options, int exitCode, const std::string& text) {
+    const Outcome outcome = Run(options);
+    EXPECT_EQ(outcome.exitCode, exitCode) << outcome.output;
+    EXPECT_NE(outcome.output.find(text), std::string::npos) << text << " in\n" << outcome.output;
+}
+
 int SimulatorFixture::Stop() {
     mSimulator->Signal(SIGTERM);
     return mSimulator->WaitForExit().value_or(-1000);
@@ -136,6 +142,36 @@ std::string SimulatorFixture::Handle(const std::string& operation, const Members
     const Json::Value result = Get(operation, members);
     EXPECT_TRUE(result.isString()) << operation;
     return result.asString();
+}
+
+void SimulatorFixture::ExpectValues(const std::string& object, const std::string& values) {
+    const Json::Value expected = Parsed(values);
+    EXPECT_FALSE(expected.empty());
+    for (const std::string& getter : expected.getMemberNames()) {
+        EXPECT_EQ(GetOf(object, getter), expected[getter]) << getter;
+    }
+}
+
+void SimulatorFixture::ExpectValues(const std::string& values) {
+    const Json::Value expected = Parsed(values);
+    EXPECT_FALSE(expected.empty());
+    for (const std::string& getter : expected.getMemberNames()) EXPECT_EQ(Get(getter), expected[getter]) << getter;
+}
+
+void SimulatorFixture::ExpectTaken(const std::string& object, const std::string& values) {
+    const Json::Value given = Parsed(values);
+    EXPECT_FALSE(given.empty());
+    for (const std::string& setter : given.getMemberNames()) {
+        EXPECT_EQ(RetOf(object, setter, {{Named(setter).ValueKey(), given[setter]}}), 0) << setter;
+    }
+}
+
+void SimulatorFixture::ExpectTaken(const std::string& values) {
+    const Json::Value given = Parsed(values);
+    EXPECT_FALSE(given.empty());
+    for (const std::string& setter : given.getMemberNames()) {
+        EXPECT_EQ(Ret(setter, {{Named(setter).ValueKey(), given[setter]}}), 0) << setter;
+    }
 }
 
 void SimulatorFixture::Send(const std::string& operation, const Members& members) {

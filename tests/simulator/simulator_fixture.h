@@ -48,6 +48,9 @@ class SimulatorFixture : public testing::Test {
     // Runs the program to its end.
     Outcome Run(const std::vector<std::string>& options);
 
+    // Expects that the program ends by itself with this exit code and prints this among others.
+    void ExpectEnd(const std::vector<std::string>& options, int exitCode, const std::string& text);
+
     // Ends the program by SIGTERM and returns its exit code.
     int Stop();
 
@@ -83,6 +86,14 @@ class SimulatorFixture : public testing::Test {
     std::string HandleOf(const std::string& object, const std::string& operation, const Members& members = {}) {
         return Handle(operation, WithObject(object, operation, members));
     }
+
+    // Expects that each operation of a JSON object returns its value as the only result: {"GetName": "One"}.
+    void ExpectValues(const std::string& object, const std::string& values);
+    void ExpectValues(const std::string& values);
+
+    // Expects that each operation takes its value, its only member besides the object: {"SetName": "One"}.
+    void ExpectTaken(const std::string& object, const std::string& values);
+    void ExpectTaken(const std::string& values);
 
     // Sends a one-way request. Later requests to the family come after it.
     void Send(const std::string& operation, const Members& members = {});

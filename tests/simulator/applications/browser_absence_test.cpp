@@ -15,6 +15,15 @@ class Absence : public BrowserFixture {
         }
     }
 
+    // Starts, tunes to a channel while there is no browser, and lets the browser come.
+    void StartAndMissTheBrowser(const std::string& zap, const std::string& ping = "0ms") {
+        Start(ping);
+        StopServingEvents("mtm");
+        Tell(zap);
+        ExpectSaid("no browser responds", 1);
+        ServeEvents("mtm");
+    }
+
     // Expects that the simulator still answers others.
     void ExpectAlive() { EXPECT_EQ(Tell("apps").rfind("ok ", 0), 0u); }
 };
@@ -45,41 +54,25 @@ TEST_F(Absence, IsLoggedOnOneLineWhateverTheNamesAre) {
 }
 
 TEST_F(Absence, EndsWithTheNextTuning) {
-    Start();
-    StopServingEvents("mtm");
-    Tell("zap 2");
-    ExpectSaid("no browser responds", 1);
-    ServeEvents("mtm");
+    StartAndMissTheBrowser("zap 2");
     Tell("zap 1");
     TuneToTab(2, 3);
 }
 
 TEST_F(Absence, EndsForOtherApplicationsTooWhenATabIsMade) {
-    Start();
-    StopServingEvents("mtm");
-    Tell("zap 3");
-    ExpectSaid("no browser responds", 1);
-    ServeEvents("mtm");
+    StartAndMissTheBrowser("zap 3");
     TuneToTab(2, 3);
     EXPECT_NE(NextCommand().find("https://free.test/"), std::string::npos);
 }
 
 TEST_F(Absence, EndsWithAnyNotificationOfTheBrowser) {
-    Start();
-    StopServingEvents("mtm");
-    Tell("zap 2");
-    ExpectSaid("no browser responds", 1);
-    ServeEvents("mtm");
+    StartAndMissTheBrowser("zap 2");
     EXPECT_EQ(Ret("mtm.OnMemoryWarningDetected", {{"mem_status", 0}}), 0);
     EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);
 }
 
 TEST_F(Absence, EndsWithAPing) {
-    Start("20ms");
-    StopServingEvents("mtm");
-    Tell("zap 2");
-    ExpectSaid("no browser responds", 1);
-    ServeEvents("mtm");
+    StartAndMissTheBrowser("zap 2", "20ms");
     EXPECT_EQ(NextCommand(), "Ping");
     Reply(R"({"ret": 0, "status": 5})");
     EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);

@@ -66,10 +66,18 @@ void BrowserFixture::Start(const std::string& ping) {
     ServeEvents("mtm");
 }
 
-void BrowserFixture::TuneToTab(int channel, int tab) {
-    EXPECT_EQ(Tell("zap " + std::to_string(channel)).rfind("ok ", 0), 0u);
+std::string BrowserFixture::CreateCommand(const std::string& url, const std::string& boundaries) {
+    return "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[" + boundaries + "] isBr=true url=\"" + url + "\"";
+}
+
+void BrowserFixture::AnswerCreateApp(int tab) {
     EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
     Reply(R"({"ret": 0, "tabid": )" + std::to_string(tab) + "}");
+}
+
+void BrowserFixture::TuneToTab(int channel, int tab) {
+    EXPECT_EQ(Tell("zap " + std::to_string(channel)).rfind("ok ", 0), 0u);
+    AnswerCreateApp(tab);
     FillTab(tab);
 }
 
