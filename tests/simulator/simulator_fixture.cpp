@@ -43,16 +43,22 @@ const std::string kSmallLineUp = R"({
     ]
 })";
 
-std::string LineUpOf(int count) {
-    std::string services;
-    for (int i = 1; i <= count; ++i) {
-        const std::string number = std::to_string(i);
-        services += std::string(i == 1 ? "" : ",") + R"({"name": "S)" + number +
-                    R"(", "network": "sat", "onid": 1, "tsid": 1, "sid": )" + number + R"(, "type": "TV", "number": )" +
-                    number + R"(, "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}]})";
-    }
+std::string ServiceText(int number, const std::string& name, const std::string& members) {
+    const std::string text = std::to_string(number);
+    return R"({"name": ")" + name + R"(", "network": "sat", "onid": 1, "tsid": 1, "sid": )" + text +
+           R"(, "type": "TV", "number": )" + text + (members.empty() ? "" : ", " + members) +
+           R"(, "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}]})";
+}
+
+std::string LineUpText(const std::string& services) {
     return R"({"networks": [{"id": "sat", "name": "Satellite", "delivery": "DVB_S", "nid": 1}], "services": [)" +
            services + "]}";
+}
+
+std::string LineUpOf(int count) {
+    std::string services;
+    for (int i = 1; i <= count; ++i) services += (i == 1 ? "" : ",") + ServiceText(i, "S" + std::to_string(i));
+    return LineUpText(services);
 }
 
 void SimulatorFixture::Start(const std::vector<std::string>& options) {

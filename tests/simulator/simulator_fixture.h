@@ -24,6 +24,12 @@ extern const std::string kSmallLineUp;
 // The three of them that cannot be presented, for other line-ups with a network "sat".
 extern const char* const kOddServices;
 
+// Returns a television service by satellite with the triplet 1.1.<number>, and with these members besides.
+std::string ServiceText(int number, const std::string& name, const std::string& members = "");
+
+// Returns a line-up of these services by satellite.
+std::string LineUpText(const std::string& services);
+
 // Returns a line-up of `count` services by satellite, S1, S2 and so on, with the triplets 1.1.<number>.
 std::string LineUpOf(int count);
 

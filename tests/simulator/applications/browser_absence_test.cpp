@@ -42,11 +42,9 @@ TEST_F(Absence, LeavesTheApplicationWithoutATabAndIsLoggedOnce) {
 }
 
 TEST_F(Absence, IsLoggedOnOneLineWhateverTheNamesAre) {
-    mLineUp = R"({"networks": [{"id": "sat", "name": "S", "delivery": "DVB_S", "nid": 1}], "services": [
-        {"name": "K\u00f6ln\n\u001b[2J\u007f!", "network": "sat", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1,
-         "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}],
-         "applications": [{"name": "A\r\nready\u001b[2J", "organisation": 17, "application": 1,
-                           "control": "autostart", "url": "http://a.test/"}]}]})";
+    mLineUp = LineUpText(ServiceText(1, R"(K\u00f6ln\n\u001b[2J\u007f!)",
+                                     R"("applications": [{"name": "A\r\nready\u001b[2J", "organisation": 17,
+                                         "application": 1, "control": "autostart", "url": "http://a.test/"}])"));
     SimulatorFixture::Start();
     EXPECT_NE(mSimulator->Output().find(", on: K\xc3\xb6ln  [2J !\n"), std::string::npos) << mSimulator->Output();
     ExpectSaid("mtm: no tab for A  ready [2J: no browser responds\n", 1);

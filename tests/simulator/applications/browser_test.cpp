@@ -203,11 +203,8 @@ class AtTheStart : public BrowserFixture {};
 
 TEST_F(AtTheStart, TheFirstServicesApplicationStartsToo) {
     const std::string lineUp = mDirectory / "one.json";
-    WriteFile(lineUp, R"({"networks": [{"id": "sat", "name": "Satellite", "delivery": "DVB_S", "nid": 1}],
-        "services": [{"name": "One", "network": "sat", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1,
-            "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}],
-            "applications": [{"name": "First", "organisation": 1, "application": 2, "control": "autostart",
-                              "url": "http://first.test/"}]}]})");
+    WriteFile(lineUp, LineUpText(ServiceText(1, "One", R"("applications": [{"name": "First", "organisation": 1,
+        "application": 2, "control": "autostart", "url": "http://first.test/"}])")));
     ServeEvents("application_manager");
     ServeEvents("mtm");
     mSimulator = Launch({"--line-up", lineUp, "--tune-time", "0ms", "--ping-interval", "0ms", "--trace"});

@@ -57,6 +57,18 @@ Reading ReadingOfServices(const std::string& services) {
     return ReadingOfText(kTransponders + services);
 }
 
+// Returns the favourite lists: "id, name: One, Two".
+Texts ListsOf(const LineUp& lineUp) {
+    Texts lists;
+    for (const auto& list : lineUp.favouriteLists) {
+        lists.push_back(list.id + ", " + list.name + ":");
+        for (const auto& service : list.services) {
+            lists.back() += (service == list.services.front() ? " " : ", ") + service->name;
+        }
+    }
+    return lists;
+}
+
 class Receiver : public testing::Test {
   protected:
     void Write(const std::string& file, const std::string& text) {
@@ -107,28 +119,19 @@ TEST(Lamedb, HoldsNumbersNamesKindsAndProviders) {
 
 TEST(Lamedb, HoldsWhereAServiceIsReceived) {
     const LineUp lineUp = ReadingOfServices(kServices).lineUp;
-    struct Place {
-        IdType delivery;
-        const char* name;
-        const char* position;
-        int nid;
-        int frequency;
-    };
-    const Place places[] = {{IdType::DvbS2, "Satellite 19.2E", "19.2E", 1, 11493750},
-                            {IdType::DvbS, "Satellite 19.2E", "19.2E", 1, 12187500},
-                            {IdType::DvbS, "Satellite 19.2E", "19.2E", 1, 0},
-                            {IdType::DvbS, "Satellite 13E", "13E", 318, 0},
-                            {IdType::DvbT, "Terrestrial", "", 9018, 490000},
-                            {IdType::DvbC, "Cable", "", 61441, 394000}};
-    ASSERT_EQ(lineUp.services.size(), std::size(places));
-    for (size_t i = 0; i < std::size(places); ++i) {
-        const Service& service = *lineUp.services[i];
-        EXPECT_EQ(service.network->delivery, places[i].delivery) << service.name;
-        EXPECT_EQ(service.network->name, places[i].name) << service.name;
-        EXPECT_EQ(service.network->position, places[i].position) << service.name;
-        EXPECT_EQ(service.network->networkId, places[i].nid) << service.name;
-        EXPECT_EQ(service.frequency, places[i].frequency) << service.name;
+    Texts places;
+    for (const auto& service : lineUp.services) {
+        const Network& network = *service->network;
+        places.push_back(network.name + " (" + network.position + ") " + std::to_string(network.networkId) + " " +
+                         std::to_string(service->frequency));
     }
+    EXPECT_EQ(places, (Texts{"Satellite 19.2E (19.2E) 1 11493750", "Satellite 19.2E (19.2E) 1 12187500",
+                             "Satellite 19.2E (19.2E) 1 0", "Satellite 13E (13E) 318 0", "Terrestrial () 9018 490000",
+                             "Cable () 61441 394000"}));
+    std::vector<IdType> deliveries;
+    for (const auto& service : lineUp.services) deliveries.push_back(service->network->delivery);
+    EXPECT_EQ(deliveries, (std::vector<IdType>{IdType::DvbS2, IdType::DvbS, IdType::DvbS, IdType::DvbS, IdType::DvbT,
+                                               IdType::DvbC}));
     EXPECT_NE(lineUp.services[0]->network, lineUp.services[1]->network);
     EXPECT_EQ(lineUp.services[1]->network, lineUp.services[2]->network);
 }
@@ -319,18 +322,10 @@ TEST_F(Receiver, BouquetsGiveTheOrderAndTheListsOfFavourites) {
     EXPECT_EQ(reading.warnings, Texts());
     EXPECT_EQ(reading.Names(), (Texts{"BBC One", "Das Erste HD", "UHD Demo", "RTL", "1LIVE", "Rai 1 HD"}));
     EXPECT_EQ(reading.Numbers(), (std::vector<int>{1, 3, 4, 5, 6, 7})) << "2 is the numbered marker's";
-    const auto& services = reading.lineUp.services;
-    const auto& lists = reading.lineUp.favouriteLists;
-    using Members = std::vector<std::shared_ptr<const Service>>;
-    ASSERT_EQ(lists.size(), 3u);
-    EXPECT_EQ(lists[0].id, "userbouquet.favourites.tv");
-    EXPECT_EQ(lists[0].name, "Favourites (TV)");
-    EXPECT_EQ(lists[0].services, (Members{services[0], services[1], services[2]}));
-    EXPECT_EQ(lists[1].id, "userbouquet.second.tv");
-    EXPECT_EQ(lists[1].name, "userbouquet.second.tv");
-    EXPECT_EQ(lists[1].services, (Members{services[3], services[1]}));
-    EXPECT_EQ(lists[2].name, "H\xc3\xb6ren");
-    EXPECT_EQ(lists[2].services, Members{services[4]});
+    EXPECT_EQ(ListsOf(reading.lineUp),
+              (Texts{"userbouquet.favourites.tv, Favourites (TV): BBC One, Das Erste HD, UHD Demo",
+                     "userbouquet.second.tv, userbouquet.second.tv: RTL, Das Erste HD",
+                     "userbouquet.favourites.radio, H\xc3\xb6ren: 1LIVE"}));
 }
 
 TEST_F(Receiver, ABouquetHasAReadableNameWhateverItsFileIsCalled) {
@@ -338,10 +333,7 @@ TEST_F(Receiver, ABouquetHasAReadableNameWhateverItsFileIsCalled) {
     Write("bouquets.tv", Listed("userbouquet.\xfc.tv"));
     Write("userbouquet.\xfc.tv", "#SERVICE 1:0:1:1:1:1:C00000:0:0:0:\n");
     const Reading reading = ReadingOfFile(mDirectory / "lamedb");
-    ASSERT_EQ(reading.lineUp.favouriteLists.size(), 1u);
-    EXPECT_EQ(reading.lineUp.favouriteLists[0].id, "userbouquet.\xc3\xbc.tv");
-    EXPECT_EQ(reading.lineUp.favouriteLists[0].name, "userbouquet.\xc3\xbc.tv");
-    EXPECT_EQ(reading.lineUp.favouriteLists[0].services.size(), 1u);
+    EXPECT_EQ(ListsOf(reading.lineUp), Texts{"userbouquet.\xc3\xbc.tv, userbouquet.\xc3\xbc.tv: A"});
 }
 
 TEST_F(Receiver, AServiceThatIsNeitherTelevisionNorRadioIsListedByABouquet) {
@@ -374,8 +366,7 @@ TEST_F(Receiver, WhatABouquetNamesWithoutReasonIsSkippedWithItsPlace) {
         "#SERVICE 1:0:1:2EE3:441:1:C00000:0:0:0:\n");
     EXPECT_EQ(reading.refusal, "");
     EXPECT_EQ(reading.Names(), (Texts{"Das Erste HD", "RTL", "1LIVE", "Rai 1 HD", "BBC One", "Service 7"}));
-    ASSERT_EQ(reading.lineUp.favouriteLists.size(), 1u);
-    EXPECT_EQ(reading.lineUp.favouriteLists[0].services.size(), 2u);
+    EXPECT_EQ(ListsOf(reading.lineUp), Texts{"userbouquet.a.tv, Odd: Das Erste HD, RTL"});
     EXPECT_EQ(
         reading.warnings,
         (Texts{
