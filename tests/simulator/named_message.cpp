@@ -95,6 +95,12 @@ std::string Operation::ObjectKey() const {
     return first["key"].asString();
 }
 
+std::string Operation::ValueKey() const {
+    const Json::Value& members = mWire["request"];
+    if (members.empty()) throw std::invalid_argument("\"" + mName + "\" has no members");
+    return members[members.size() - 1]["key"].asString();
+}
+
 void Operation::CheckReply(const Json::Value& reply) const {
     std::set<std::string> keys{"ret"};
     if (reply["ret"] == 0) keys.merge(KeysOf(mWire["reply"], reply));

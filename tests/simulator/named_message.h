@@ -32,6 +32,9 @@ class Operation {
     // Returns the key of the object that the operation is about, its first member.
     std::string ObjectKey() const;
 
+    // Returns the key of the last member, the value of an operation that sets one.
+    std::string ValueKey() const;
+
     // Expects the members of a successful reply, or "ret" alone, and nothing else.
     void CheckReply(const Json::Value& reply) const;
 

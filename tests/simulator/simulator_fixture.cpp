@@ -43,16 +43,22 @@ const std::string kSmallLineUp = R"({
     ]
 })";
 
-std::string LineUpOf(int count) {
-    std::string services;
-    for (int i = 1; i <= count; ++i) {
-        const std::string number = std::to_string(i);
-        services += std::string(i == 1 ? "" : ",") + R"({"name": "S)" + number +
-                    R"(", "network": "sat", "onid": 1, "tsid": 1, "sid": )" + number + R"(, "type": "TV", "number": )" +
-                    number + R"(, "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}]})";
-    }
+std::string ServiceText(int number, const std::string& name, const std::string& members) {
+    const std::string text = std::to_string(number);
+    return R"({"name": ")" + name + R"(", "network": "sat", "onid": 1, "tsid": 1, "sid": )" + text +
+           R"(, "type": "TV", "number": )" + text + (members.empty() ? "" : ", " + members) +
+           R"(, "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}]})";
+}
+
+std::string LineUpText(const std::string& services) {
     return R"({"networks": [{"id": "sat", "name": "Satellite", "delivery": "DVB_S", "nid": 1}], "services": [)" +
            services + "]}";
+}
+
+std::string LineUpOf(int count) {
+    std::string services;
+    for (int i = 1; i <= count; ++i) services += (i == 1 ? "" : ",") + ServiceText(i, "S" + std::to_string(i));
+    return LineUpText(services);
 }
 
 void SimulatorFixture::Start(const std::vector<std::string>& options) {
@@ -86,6 +92,12 @@ SimulatorFixture::Outcome SimulatorFixture::Run(const std::vector<std::string>& 
     const auto program = Launch(options);
     const auto code = program->WaitForExit();
     return {code.value_or(-1000), program->Output()};
+}
+
+void SimulatorFixture::ExpectEnd(const std::vector<std::string>& options, int exitCode, const std::string& text) {
+    const Outcome outcome = Run(options);
+    EXPECT_EQ(outcome.exitCode, exitCode) << outcome.output;
+    EXPECT_NE(outcome.output.find(text), std::string::npos) << text << " in\n" << outcome.output;
 }
 
 int SimulatorFixture::Stop() {
@@ -136,6 +148,36 @@ std::string SimulatorFixture::Handle(const std::string& operation, const Members
     const Json::Value result = Get(operation, members);
     EXPECT_TRUE(result.isString()) << operation;
     return result.asString();
+}
+
+void SimulatorFixture::ExpectValues(const std::string& object, const std::string& values) {
+    const Json::Value expected = Parsed(values);
+    EXPECT_FALSE(expected.empty());
+    for (const std::string& getter : expected.getMemberNames()) {
+        EXPECT_EQ(GetOf(object, getter), expected[getter]) << getter;
+    }
+}
+
+void SimulatorFixture::ExpectValues(const std::string& values) {
+    const Json::Value expected = Parsed(values);
+    EXPECT_FALSE(expected.empty());
+    for (const std::string& getter : expected.getMemberNames()) EXPECT_EQ(Get(getter), expected[getter]) << getter;
+}
+
+void SimulatorFixture::ExpectTaken(const std::string& object, const std::string& values) {
+    const Json::Value given = Parsed(values);
+    EXPECT_FALSE(given.empty());
+    for (const std::string& setter : given.getMemberNames()) {
+        EXPECT_EQ(RetOf(object, setter, {{Named(setter).ValueKey(), given[setter]}}), 0) << setter;
+    }
+}
+
+void SimulatorFixture::ExpectTaken(const std::string& values) {
+    const Json::Value given = Parsed(values);
+    EXPECT_FALSE(given.empty());
+    for (const std::string& setter : given.getMemberNames()) {
+        EXPECT_EQ(Ret(setter, {{Named(setter).ValueKey(), given[setter]}}), 0) << setter;
+    }
 }
 
 void SimulatorFixture::Send(const std::string& operation, const Members& members) {

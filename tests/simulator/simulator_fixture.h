@@ -24,6 +24,12 @@ extern const std::string kSmallLineUp;
 // The three of them that cannot be presented, for other line-ups with a network "sat".
 extern const char* const kOddServices;
 
+// Returns a television service by satellite with the triplet 1.1.<number>, and with these members besides.
+std::string ServiceText(int number, const std::string& name, const std::string& members = "");
+
+// Returns a line-up of these services by satellite.
+std::string LineUpText(const std::string& services);
+
 // Returns a line-up of `count` services by satellite, S1, S2 and so on, with the triplets 1.1.<number>.
 std::string LineUpOf(int count);
 
@@ -47,6 +53,9 @@ class SimulatorFixture : public testing::Test {
 
     // Runs the program to its end.
     Outcome Run(const std::vector<std::string>& options);
+
+    // Expects that the program ends by itself with this exit code and prints this among others.
+    void ExpectEnd(const std::vector<std::string>& options, int exitCode, const std::string& text);
 
     // Ends the program by SIGTERM and returns its exit code.
     int Stop();
@@ -83,6 +92,14 @@ class SimulatorFixture : public testing::Test {
     std::string HandleOf(const std::string& object, const std::string& operation, const Members& members = {}) {
         return Handle(operation, WithObject(object, operation, members));
     }
+
+    // Expects that each operation of a JSON object returns its value as the only result: {"GetName": "One"}.
+    void ExpectValues(const std::string& object, const std::string& values);
+    void ExpectValues(const std::string& values);
+
+    // Expects that each operation takes its value, its only member besides the object: {"SetName": "One"}.
+    void ExpectTaken(const std::string& object, const std::string& values);
+    void ExpectTaken(const std::string& values);
 
     // Sends a one-way request. Later requests to the family come after it.
     void Send(const std::string& operation, const Members& members = {});

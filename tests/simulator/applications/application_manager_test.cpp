@@ -20,9 +20,35 @@ class ApplicationManager : public BrowserFixture {
         return Ask("CreateApp", With(creator, {{"url", url}, {"child", child}, {"opapp", opapp}}));
     }
 
-    std::string Current() {
-        const Json::Value reply = Ask("GetCurrentApp");
+    // Returns the ids that a request returns, "17.1", or "none" for a refusal.
+    std::string IdOf(const std::string& operation, const Members& members = {}) {
+        const Json::Value reply = Ask(operation, members);
         return reply["ret"] == 0 ? reply["orgid"].asString() + "." + reply["appid"].asString() : "none";
+    }
+
+    std::string Current() { return IdOf("GetCurrentApp"); }
+    std::string Owner(const Json::Value& application) { return IdOf("GetOwnerApp", {{"appid", application}}); }
+
+    // Returns the number of other keys and the keys: "2: 459 416".
+    std::string OtherKeys(const std::string& operation = "GetOtherKeys") {
+        const Json::Value reply = Ask(operation, kStart);
+        EXPECT_EQ(reply["ret"], 0);
+        std::string keys = reply["num"].asString() + ":";
+        for (int i = 0; reply.isMember("k" + std::to_string(i)); ++i)
+            keys += " " + reply["k" + std::to_string(i)].asString();
+        return keys;
+    }
+
+    // Asks for these sets of keys and other keys.
+    void SetKeys(int sets, const std::vector<int>& others) {
+        Send("SetValue", With(kStart, {{"value", sets}, {"k", List(others)}}));
+    }
+
+    // Changes to a channel whose application has a minimum age, and reads up to the question for the rating.
+    void ZapToRated(int channel, const std::string& country = "DEU") {
+        Tell("zap " + std::to_string(channel));
+        EXPECT_EQ(NextManagerEvent(), "set broadcast full screen bValue=0 isDestroy=0");
+        EXPECT_EQ(NextManagerEvent(), "local parental rating countryCode=\"" + country + "\"");
     }
 
     // Starts the application 11.1 of the channel Red in tab 3.
@@ -86,17 +112,10 @@ TEST_F(ApplicationManager, StartsNothingOnAServiceWithoutSignal) {
 
 TEST_F(ApplicationManager, GetOwnerAppReturnsTheCreatorOfAChildAndAnyOtherApplicationItself) {
     StartRed();
-    Json::Value owner = Ask("GetOwnerApp", {{"appid", 1}});
-    EXPECT_EQ(owner["ret"], 0);
-    EXPECT_EQ(owner["appid"], 1);
-    EXPECT_EQ(owner["orgid"], 17);
-    const Json::Value child = Create(kStart, "http://red.test/child", 1);
-    owner = Ask("GetOwnerApp", {{"appid", child["appid"]}});
-    EXPECT_EQ(owner["ret"], 0);
-    EXPECT_EQ(owner["appid"], 1);
-    EXPECT_EQ(owner["orgid"], 17);
+    EXPECT_EQ(Owner(1), "17.1");
+    EXPECT_EQ(Owner(Create(kStart, "http://red.test/child", 1)["appid"]), "17.1");
     const Json::Value other = Create(kStart, "http://red.test/other", 0);
-    EXPECT_EQ(Ask("GetOwnerApp", {{"appid", other["appid"]}})["appid"], other["appid"]);
+    EXPECT_EQ(Owner(other["appid"]), "17." + other["appid"].asString());
     EXPECT_EQ(Ret("GetOwnerApp", {{"appid", 77}}), -1);
 }
 
@@ -163,9 +182,7 @@ TEST_F(ApplicationManager, CreateAppFindsAnnouncedApplicationsByTheirSignalledUr
     EXPECT_EQ(text["appid"], 2);
     EXPECT_EQ(text["orgid"], 17);
     EXPECT_EQ(AppEntry("11.2"), "11.2 Text, broadcast-related, shown, keys 0x500 TELETEXT");
-    EXPECT_EQ(NextCommand(),
-              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true "
-              "url=\"http://red.test/text?a=b&autoshow=1\"");
+    EXPECT_EQ(NextCommand(), CreateCommand("http://red.test/text?a=b&autoshow=1"));
     Reply(R"({"ret": 0, "tabid": 4})");
     EXPECT_EQ(Create(kStart, "dvb://current.ait/11.2")["ret"], -1) << "it is already running";
 }
@@ -203,18 +220,13 @@ TEST_F(ApplicationManager, DestroyAppEndsTheChildrenToo) {
 TEST_F(ApplicationManager, SetValueKeepsTheKeySetsThatTheRemoteControlHas) {
     StartRed();
     EXPECT_EQ(Get("GetValue", kStart), 0x1f);
-    EXPECT_EQ(Ask("GetOtherKeys", kStart)["num"], 0);
-    Send("SetValue", With(kStart, {{"value", 0x7ff}, {"k", List(std::vector<int>{459, 999, 416})}}));
+    EXPECT_EQ(OtherKeys(), "0:");
+    SetKeys(0x7ff, {459, 999, 416});
     EXPECT_EQ(Get("GetValue", kStart), 0x53f) << "no SCROLL, INFO and ALPHA";
-    const Json::Value others = Ask("GetOtherKeys", kStart);
-    EXPECT_EQ(others["ret"], 0);
-    EXPECT_EQ(others["num"], 2);
-    EXPECT_EQ(others["k0"], 459);
-    EXPECT_EQ(others["k1"], 416);
-    EXPECT_FALSE(others.isMember("k2"));
-    Send("SetValue", With(kStart, {{"value", 0x1}, {"k", List(std::vector<int>{459})}}));
+    EXPECT_EQ(OtherKeys(), "2: 459 416");
+    SetKeys(0x1, {459});
     EXPECT_EQ(Get("GetValue", kStart), 0x1);
-    EXPECT_EQ(Ask("GetOtherKeys", kStart)["num"], 0) << "without OTHER there are no other keys";
+    EXPECT_EQ(OtherKeys(), "0:") << "without OTHER there are no other keys";
 }
 
 TEST_F(ApplicationManager, SetValueReadsNumberedMembersOfThreeCharacters) {
@@ -224,17 +236,12 @@ TEST_F(ApplicationManager, SetValueReadsNumberedMembersOfThreeCharacters) {
     members["k10"] = 459;
     members["k11"] = 416;
     SendRaw("SetValue", members);  // 100 to 109 are k10, 110 is k11
-    const Json::Value others = Ask("GetOtherKeys", kStart);
-    EXPECT_EQ(others["num"], 2);
-    EXPECT_EQ(others["k0"], 459);
-    EXPECT_EQ(others["k1"], 416);
+    EXPECT_EQ(OtherKeys(), "2: 459 416");
 }
 
 TEST_F(ApplicationManager, AnInvalidSetValueIsRefusedAndChangesNothing) {
     StartRed();
-    SendRaw("SetValue", With(kStart, {{"value", 1}, {"keynum", -1}}));
-    SendRaw("SetValue", With(kStart, {{"value", 1}, {"keynum", 257}}));
-    SendRaw("SetValue", With(kStart, {{"value", 1}, {"keynum", 2147483647}}));
+    for (const int count : {-1, 257, 2147483647}) SendRaw("SetValue", With(kStart, {{"value", 1}, {"keynum", count}}));
     SendRaw("SetValue", With(kStart, {{"value", 1}, {"keynum", 2}, {"k0", 459}}));
     SendRaw("SetValue", With(kStart, {{"value", 1}, {"keynum", 1}, {"k0", "459"}}));
     SendRaw("SetValue", With(kStart, {{"keynum", 0}}));
@@ -247,11 +254,7 @@ TEST_F(ApplicationManager, GivesTheKeysThatAnApplicationCanHaveAtMost) {
     const Json::Value sets = Ask("GetMaxiMumValue", kStart);
     EXPECT_EQ(sets["ret"], 0);
     EXPECT_EQ(sets["maxvalue"], 0x53f);
-    const Json::Value keys = Ask("GetMaxiMumOtherKeys", kStart);
-    EXPECT_EQ(keys["ret"], 0);
-    EXPECT_EQ(keys["num"], 2);
-    EXPECT_EQ(keys["k0"], 416);
-    EXPECT_EQ(keys["k1"], 459);
+    EXPECT_EQ(OtherKeys("GetMaxiMumOtherKeys"), "2: 416 459");
 }
 
 TEST_F(ApplicationManager, GivesIconAndLabelOfTheKeysOfTheRemoteControl) {
@@ -311,7 +314,7 @@ TEST_F(ApplicationManager, KeyConsumedByBrowserFollowsTheKeySetsAndWhetherTheApp
     EXPECT_EQ(consumed(403), 1);
     EXPECT_EQ(consumed(48), 0) << "digits were not asked for";
     EXPECT_EQ(consumed(12345), 0);
-    Send("SetValue", With(kStart, {{"value", 0x500}, {"k", List(std::vector<int>{459})}}));
+    SetKeys(0x500, {459});
     EXPECT_EQ(consumed(403), 0);
     EXPECT_EQ(consumed(48), 1);
     EXPECT_EQ(consumed(459), 1);
@@ -325,9 +328,7 @@ TEST_F(ApplicationManager, AnApplicationOfTheBroadcastIsLoadedWhenItsFileIsThere
     EXPECT_TRUE(WaitFor([&] { return AppEntry("14.1").find("waits for its file") != std::string::npos; }));
     Send("NotifyDSMCCResponseToAPM", {{"url", "dvb://1.1.5.17/other.html"}, {"path", "/tmp/other"}});
     Send("NotifyDSMCCResponseToAPM", {{"url", "dvb://1.1.5.17/index.html"}, {"path", "/tmp/dsmcc/index.html"}});
-    EXPECT_EQ(NextCommand(),
-              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true "
-              "url=\"file:///tmp/dsmcc/index.html\"");
+    EXPECT_EQ(NextCommand(), CreateCommand("file:///tmp/dsmcc/index.html"));
     Reply(R"({"ret": 0, "tabid": 1})");
     FillTab(1);
     Send("NotifyDSMCCResponseToAPM", {{"url", "dvb://1.1.5.17/index.html"}, {"path", "/tmp/again"}});
@@ -337,17 +338,13 @@ TEST_F(ApplicationManager, AnApplicationOfTheBroadcastIsLoadedWhenItsFileIsThere
 
 TEST_F(ApplicationManager, AFileThatComesBeforeTheParentalRatingIsNotWaitedForYet) {
     const Members file{{"url", "dvb://1.1.8.17/index.html"}, {"path", "/tmp/dsmcc/index.html"}};
-    Tell("zap 8");
-    NextManagerEvent();
-    EXPECT_EQ(NextManagerEvent(), "local parental rating countryCode=\"DEU\"");
+    ZapToRated(8);
     Send("NotifyDSMCCResponseToAPM", file);
     ExpectSaid("no application waits for \"dvb://1.1.8.17/index.html\"", 1);
     ReplyToManagerEvent(R"({"parentalRating": 0, "ret": 0})");
     EXPECT_TRUE(WaitFor([&] { return AppEntry("17.1").find("waits for its file") != std::string::npos; }));
     Send("NotifyDSMCCResponseToAPM", file);
-    EXPECT_EQ(NextCommand(),
-              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true "
-              "url=\"file:///tmp/dsmcc/index.html\"");
+    EXPECT_EQ(NextCommand(), CreateCommand("file:///tmp/dsmcc/index.html"));
 }
 
 TEST_F(ApplicationManager, ReportsAnApplicationOnceItsPageIsLoaded) {
@@ -365,64 +362,52 @@ TEST_F(ApplicationManager, ReportsAnApplicationOnceItsPageIsLoaded) {
 }
 
 TEST_F(ApplicationManager, AsksTheParentalRatingForAnApplicationWithAMinimumAge) {
-    Tell("zap 4");
-    EXPECT_EQ(NextManagerEvent(), "set broadcast full screen bValue=0 isDestroy=0");
-    EXPECT_EQ(NextManagerEvent(), "local parental rating countryCode=\"DEU\"");
+    ZapToRated(4);
     EXPECT_EQ(AppEntry("13.7"), "13.7 Night, broadcast-related, shown, keys 0x1f, waits for the parental rating");
     ReplyToManagerEvent(R"({"parentalRating": 0, "ret": 0})");
-    EXPECT_EQ(NextCommand(),
-              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true url=\"http://late.test/\"");
+    EXPECT_EQ(NextCommand(), CreateCommand("http://late.test/"));
 }
 
 TEST_F(ApplicationManager, AsksTheParentalRatingOfTheCountryThatIsSet) {
     EXPECT_EQ(Tell("set country ITA"), "ok");
-    Tell("zap 4");
-    NextManagerEvent();
-    EXPECT_EQ(NextManagerEvent(), "local parental rating countryCode=\"ITA\"");
+    ZapToRated(4, "ITA");
     ReplyToManagerEvent(R"({"parentalRating": 0, "ret": 0})");
 }
 
-class ParentalRating : public ApplicationManager, public testing::WithParamInterface<std::pair<const char*, bool>> {};
+class ParentalRating : public ApplicationManager, public testing::WithParamInterface<const char*> {};
 
-TEST_P(ParentalRating, DecidesWhetherTheApplicationFrom16YearsOnRuns) {
-    Tell("zap 4");
-    NextManagerEvent();
-    EXPECT_EQ(NextManagerEvent(), "local parental rating countryCode=\"DEU\"");
-    ReplyToManagerEvent(GetParam().first);
-    if (GetParam().second) {
-        EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
-        ExpectSaid("forbids it", 0);
-    } else {
-        EXPECT_TRUE(mSimulator->WaitForOutput("Night is for those from 16 on, and the rating 12 forbids it"));
-        EXPECT_EQ(Current(), "none");
-        Tell("zap 2");
-        EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos) << "nothing came for the other one";
-    }
+TEST_P(ParentalRating, LetsTheApplicationFrom16YearsOnRun) {
+    ZapToRated(4);
+    ReplyToManagerEvent(GetParam());
+    EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
+    ExpectSaid("forbids it", 0);
 }
 
 // The rating descriptor's number is the age minus 3; 0 and numbers above 15 mean nothing.
 INSTANTIATE_TEST_SUITE_P(Every, ParentalRating,
-                         testing::Values(std::make_pair(R"({"parentalRating": 13, "ret": 0})", true),
-                                         std::make_pair(R"({"parentalRating": 12, "ret": 0})", false),
-                                         std::make_pair(R"({"parentalRating": 0, "ret": 0})", true),
-                                         std::make_pair(R"({"parentalRating": 16, "ret": 0})", true),
-                                         std::make_pair(R"({"parentalRating": -5, "ret": 0})", true),
-                                         std::make_pair(R"({"parentalRating": "12", "ret": 0})", true),
-                                         std::make_pair(R"({"parentalRating": 12, "ret": -1})", true),
-                                         std::make_pair(R"({"ret": -1})", true), std::make_pair("null", true),
-                                         std::make_pair("[]", true), std::make_pair("nonsense", true)));
+                         testing::Values(R"({"parentalRating": 13, "ret": 0})", R"({"parentalRating": 0, "ret": 0})",
+                                         R"({"parentalRating": 16, "ret": 0})", R"({"parentalRating": -5, "ret": 0})",
+                                         R"({"parentalRating": "12", "ret": 0})",
+                                         R"({"parentalRating": 12, "ret": -1})", R"({"ret": -1})", "null", "[]",
+                                         "nonsense"));
+
+TEST_F(ApplicationManager, ARatingBelowItsMinimumAgeForbidsAnApplication) {
+    ZapToRated(4);
+    ReplyToManagerEvent(R"({"parentalRating": 12, "ret": 0})");
+    EXPECT_TRUE(mSimulator->WaitForOutput("Night is for those from 16 on, and the rating 12 forbids it"));
+    EXPECT_EQ(Current(), "none");
+    Tell("zap 2");
+    EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos) << "nothing came for the other one";
+}
 
 TEST_F(ApplicationManager, StartsAnApplicationWithAMinimumAgeIfTheRatingIsUnknown) {
     StopServingEvents("application_manager");
     Tell("zap 4");
-    EXPECT_EQ(NextCommand(),
-              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true url=\"http://late.test/\"");
+    EXPECT_EQ(NextCommand(), CreateCommand("http://late.test/"));
 }
 
 TEST_F(ApplicationManager, AnApplicationThatEndedBeforeItsRatingCameStaysEnded) {
-    Tell("zap 4");
-    NextManagerEvent();
-    EXPECT_EQ(NextManagerEvent(), "local parental rating countryCode=\"DEU\"");
+    ZapToRated(4);
     Tell("zap 2");
     ReplyToManagerEvent(R"({"parentalRating": 0, "ret": 0})");
     EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);
@@ -474,8 +459,7 @@ class ApplicationManagerOverIp : public ApplicationManager {
 
 TEST_F(ApplicationManagerOverIp, TheOriginIsTheServicesUri) {
     EXPECT_EQ(Create(Id(-1, -1), "http://a.test/")["ret"], 0);
-    EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
-    Reply(R"({"ret": 0, "tabid": 1})");
+    AnswerCreateApp(1);
     FillTab(1);
     Send("SetBIAppToBR", {{"tabid", 1}});
     EXPECT_EQ(NextCommand(), "SetAppConfig isBR=true tabid=1");

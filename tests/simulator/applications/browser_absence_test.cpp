@@ -15,6 +15,15 @@ class Absence : public BrowserFixture {
         }
     }
 
+    // Starts, tunes to a channel while there is no browser, and lets the browser come.
+    void StartAndMissTheBrowser(const std::string& zap, const std::string& ping = "0ms") {
+        Start(ping);
+        StopServingEvents("mtm");
+        Tell(zap);
+        ExpectSaid("no browser responds", 1);
+        ServeEvents("mtm");
+    }
+
     // Expects that the simulator still answers others.
     void ExpectAlive() { EXPECT_EQ(Tell("apps").rfind("ok ", 0), 0u); }
 };
@@ -33,11 +42,9 @@ TEST_F(Absence, LeavesTheApplicationWithoutATabAndIsLoggedOnce) {
 }
 
 TEST_F(Absence, IsLoggedOnOneLineWhateverTheNamesAre) {
-    mLineUp = R"({"networks": [{"id": "sat", "name": "S", "delivery": "DVB_S", "nid": 1}], "services": [
-        {"name": "K\u00f6ln\n\u001b[2J\u007f!", "network": "sat", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1,
-         "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}],
-         "applications": [{"name": "A\r\nready\u001b[2J", "organisation": 17, "application": 1,
-                           "control": "autostart", "url": "http://a.test/"}]}]})";
+    mLineUp = LineUpText(ServiceText(1, R"(K\u00f6ln\n\u001b[2J\u007f!)",
+                                     R"("applications": [{"name": "A\r\nready\u001b[2J", "organisation": 17,
+                                         "application": 1, "control": "autostart", "url": "http://a.test/"}])"));
     SimulatorFixture::Start();
     EXPECT_NE(mSimulator->Output().find(", on: K\xc3\xb6ln  [2J !\n"), std::string::npos) << mSimulator->Output();
     ExpectSaid("mtm: no tab for A  ready [2J: no browser responds\n", 1);
@@ -45,41 +52,25 @@ TEST_F(Absence, IsLoggedOnOneLineWhateverTheNamesAre) {
 }
 
 TEST_F(Absence, EndsWithTheNextTuning) {
-    Start();
-    StopServingEvents("mtm");
-    Tell("zap 2");
-    ExpectSaid("no browser responds", 1);
-    ServeEvents("mtm");
+    StartAndMissTheBrowser("zap 2");
     Tell("zap 1");
     TuneToTab(2, 3);
 }
 
 TEST_F(Absence, EndsForOtherApplicationsTooWhenATabIsMade) {
-    Start();
-    StopServingEvents("mtm");
-    Tell("zap 3");
-    ExpectSaid("no browser responds", 1);
-    ServeEvents("mtm");
+    StartAndMissTheBrowser("zap 3");
     TuneToTab(2, 3);
     EXPECT_NE(NextCommand().find("https://free.test/"), std::string::npos);
 }
 
 TEST_F(Absence, EndsWithAnyNotificationOfTheBrowser) {
-    Start();
-    StopServingEvents("mtm");
-    Tell("zap 2");
-    ExpectSaid("no browser responds", 1);
-    ServeEvents("mtm");
+    StartAndMissTheBrowser("zap 2");
     EXPECT_EQ(Ret("mtm.OnMemoryWarningDetected", {{"mem_status", 0}}), 0);
     EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);
 }
 
 TEST_F(Absence, EndsWithAPing) {
-    Start("20ms");
-    StopServingEvents("mtm");
-    Tell("zap 2");
-    ExpectSaid("no browser responds", 1);
-    ServeEvents("mtm");
+    StartAndMissTheBrowser("zap 2", "20ms");
     EXPECT_EQ(NextCommand(), "Ping");
     Reply(R"({"ret": 0, "status": 5})");
     EXPECT_NE(NextCommand().find("http://red.test/"), std::string::npos);

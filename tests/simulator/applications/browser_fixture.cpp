@@ -6,49 +6,36 @@ namespace hbbtv::test {
 
 namespace {
 
-std::string Channel(int number, const std::string& name, const std::string& applications,
-                    const std::string& more = "") {
-    const std::string text = std::to_string(number);
-    return R"({"name": ")" + name + R"(", "network": "sat", "onid": 1, "tsid": 1, "sid": )" + text +
-           R"(, "type": "TV", "number": )" + text + more +
-           R"(, "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}],)" +
-           R"("applications": [)" + applications + "]}";
+// Returns a service that announces applications.
+std::string Announcing(int number, const std::string& name, const std::string& applications) {
+    return ServiceText(number, name, R"("applications": [)" + applications + "]");
+}
+
+// Returns an application that starts with its service.
+std::string Starting(const std::string& name, int organisation, int application, const std::string& url,
+                     const std::string& members = "") {
+    return R"({"name": ")" + name + R"(", "organisation": )" + std::to_string(organisation) + R"(, "application": )" +
+           std::to_string(application) + R"(, "control": "autostart", "url": ")" + url + "\"" +
+           (members.empty() ? "" : ", " + members) + "}";
 }
 
 std::string LineUp() {
-    return R"({"networks": [{"id": "sat", "name": "Satellite", "delivery": "DVB_S", "nid": 1}], "services": [)" +
-           Channel(1, "Plain", "") + "," +
-           Channel(2, "Red",
-                   R"({"name": "Start", "organisation": 17, "application": 1, "control": "autostart",
-                       "url": "http://red.test/", "boundaries": ["http://red.test/", "https://red.test/"]},
-                      {"name": "Text", "organisation": 17, "application": 2, "control": "present",
+    const std::string age = R"("minimumAge": 16)";
+    return LineUpText(
+        ServiceText(1, "Plain") + "," +
+        Announcing(
+            2, "Red",
+            Starting("Start", 17, 1, "http://red.test/", R"("boundaries": ["http://red.test/", "https://red.test/"])") +
+                R"(, {"name": "Text", "organisation": 17, "application": 2, "control": "present",
                        "url": "http://red.test/text?a=b", "keySets": ["NUMERIC"], "otherKeys": ["TELETEXT"]})") +
-           "," +
-           Channel(3, "Free",
-                   R"({"name": "Library", "organisation": 18, "application": 501, "control": "autostart",
-                       "url": "https://free.test/", "boundToService": false})") +
-           "," +
-           Channel(4, "Late",
-                   R"({"name": "Night", "organisation": 19, "application": 7, "control": "autostart",
-                       "url": "http://late.test/", "minimumAge": 16})") +
-           "," +
-           Channel(5, "Carousel",
-                   R"({"name": "Broadcast", "organisation": 20, "application": 1, "control": "autostart",
-                       "url": "dvb://1.1.5.17/index.html"})") +
-           "," +
-           Channel(6, "Xml",
-                   R"({"name": "Signalled", "organisation": 21, "application": 1, "control": "autostart",
-                       "url": "http://xml.test/ait.aitx"})") +
-           "," +
-           Channel(7, "Dark",
-                   R"({"name": "Unseen", "organisation": 22, "application": 1, "control": "autostart",
-                       "url": "http://dark.test/"})",
-                   R"(, "reception": "none")") +
-           "," +
-           Channel(8, "Guarded",
-                   R"({"name": "Vault", "organisation": 23, "application": 1, "control": "autostart",
-                       "url": "dvb://1.1.8.17/index.html", "minimumAge": 16})") +
-           "]}";
+        "," + Announcing(3, "Free", Starting("Library", 18, 501, "https://free.test/", R"("boundToService": false)")) +
+        "," + Announcing(4, "Late", Starting("Night", 19, 7, "http://late.test/", age)) + "," +
+        Announcing(5, "Carousel", Starting("Broadcast", 20, 1, "dvb://1.1.5.17/index.html")) + "," +
+        Announcing(6, "Xml", Starting("Signalled", 21, 1, "http://xml.test/ait.aitx")) + "," +
+        ServiceText(
+            7, "Dark",
+            R"("reception": "none", "applications": [)" + Starting("Unseen", 22, 1, "http://dark.test/") + "]") +
+        "," + Announcing(8, "Guarded", Starting("Vault", 23, 1, "dvb://1.1.8.17/index.html", age)));
 }
 
 std::string Entry(const std::string& table, const std::string& start) {
@@ -66,10 +53,18 @@ void BrowserFixture::Start(const std::string& ping) {
     ServeEvents("mtm");
 }
 
-void BrowserFixture::TuneToTab(int channel, int tab) {
-    EXPECT_EQ(Tell("zap " + std::to_string(channel)).rfind("ok ", 0), 0u);
+std::string BrowserFixture::CreateCommand(const std::string& url, const std::string& boundaries) {
+    return "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[" + boundaries + "] isBr=true url=\"" + url + "\"";
+}
+
+void BrowserFixture::AnswerCreateApp(int tab) {
     EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
     Reply(R"({"ret": 0, "tabid": )" + std::to_string(tab) + "}");
+}
+
+void BrowserFixture::TuneToTab(int channel, int tab) {
+    EXPECT_EQ(Tell("zap " + std::to_string(channel)).rfind("ok ", 0), 0u);
+    AnswerCreateApp(tab);
     FillTab(tab);
 }
 

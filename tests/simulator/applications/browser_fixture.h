@@ -28,6 +28,12 @@ class BrowserFixture : public SimulatorFixture {
     std::string NextManagerEvent() { return NextEventOf("application_manager").Text(); }
     void ReplyToManagerEvent(const std::string& text) { LibraryOf("application_manager").Reply(text); }
 
+    // Returns the command that creates an application with its service: in HbbTV mode, shown, with no boundaries.
+    static std::string CreateCommand(const std::string& url, const std::string& boundaries = "");
+
+    // Expects the command to create an application, and answers that the application has this tab.
+    void AnswerCreateApp(int tab);
+
     // Changes to a channel whose application starts with it, and answers so that the application has this tab.
     void TuneToTab(int channel, int tab);
 

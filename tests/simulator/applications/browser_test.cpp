@@ -11,9 +11,7 @@ class Commands : public BrowserFixture {
 
 TEST_F(Commands, FollowAnApplicationFromTheTuningOfItsServiceToItsEnd) {
     EXPECT_EQ(Tell("zap 2"), "ok Red");
-    EXPECT_EQ(NextCommand(),
-              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[\"http://red.test/\",\"https://red.test/\"] "
-              "isBr=true url=\"http://red.test/\"");
+    EXPECT_EQ(NextCommand(), CreateCommand("http://red.test/", R"("http://red.test/","https://red.test/")"));
     EXPECT_EQ(Ret("mtm.OnTabCreated", {{"tabid", 3}}), 0) << "the browser reports the tab before it answers";
     EXPECT_EQ(TabEntry(3), "tab 3: no application, empty, hidden");
     Reply(R"({"ret": 0, "tabid": 3})");
@@ -53,8 +51,7 @@ TEST_F(Commands, ShowAndHideFollowTheApplicationManager) {
     Send("application_manager.ShowApp", {{"appid", 1}, {"orgid", 17}});
     EXPECT_EQ(NextCommand(), "ShowHideTab isMulti=false showHide=true tabid=3") << "hiding it twice was no change";
     EXPECT_EQ(Tell("start 11.2"), "ok Text");
-    EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
-    Reply(R"({"ret": 0, "tabid": 4})");
+    AnswerCreateApp(4);
     EXPECT_EQ(NextCommand(), "SetAppConfig isBR=true tabid=4");
     EXPECT_EQ(NextCommand(), "SetDvbOrigin origin=\"dvb://1.1.2\" tabid=4");
     EXPECT_EQ(NextCommand().rfind("LoadURLInTab ", 0), 0u);
@@ -97,9 +94,7 @@ TEST_F(Commands, AnApplicationThatIsSignalledInXmlIsLoadedFromThePlaceInTheFile)
         <mhp:URLBase> http://xml.test/app/ </mhp:URLBase></mhp:applicationTransport>
         <mhp:applicationLocation>start.html?a=1&amp;b=2</mhp:applicationLocation></mhp:ServiceDiscovery>)";
     Reply(reply.toStyledString());
-    EXPECT_EQ(NextCommand(),
-              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true "
-              "url=\"http://xml.test/app/start.html?a=1&b=2\"");
+    EXPECT_EQ(NextCommand(), CreateCommand("http://xml.test/app/start.html?a=1&b=2"));
 }
 
 TEST_F(Commands, AHugeFileOfSignallingIsReadQuickly) {
@@ -161,8 +156,7 @@ INSTANTIATE_TEST_SUITE_P(Every, BadTab,
 TEST_F(Commands, ATabThatBelongsToAnotherApplicationIsNotTaken) {
     TuneToTab(2, 3);
     Tell("start 11.2");
-    EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
-    Reply(R"({"ret": 0, "tabid": 3})");
+    AnswerCreateApp(3);
     ExpectSaid("no tab for Text: the browser responds, but tab 3 is used by another application", 1);
     EXPECT_EQ(TabEntry(3).find("tab 3: Start (11.1)"), 0u);
 }
@@ -170,8 +164,7 @@ TEST_F(Commands, ATabThatBelongsToAnotherApplicationIsNotTaken) {
 TEST_F(Commands, AReplyWithoutARenderProcessLeavesItUnknown) {
     for (const char* reply : {R"({"ret": -1})", R"({"ret": 0, "render_id": "x"})", "null", "nonsense"}) {
         Tell("zap 2");
-        EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
-        Reply(R"({"ret": 0, "tabid": 3})");
+        AnswerCreateApp(3);
         std::string command;
         while (command.rfind("GetRenderProcessId ", 0) != 0 && !HasFailure()) command = NextCommand();
         Reply(reply);
@@ -201,8 +194,7 @@ TEST_F(Commands, ACrashedTabIsDestroyedAndItsApplicationEnds) {
     EXPECT_EQ(Tell("crash 4"), "error: there is no tab 4");
     EXPECT_EQ(Tell("crash"), "error: usage: crash TAB");
     EXPECT_EQ(Tell("start 11.1"), "ok Start");
-    EXPECT_EQ(NextCommand().rfind("CreateApp ", 0), 0u);
-    Reply(R"({"ret": 0, "tabid": 3})");
+    AnswerCreateApp(3);
     FillTab(3);
     EXPECT_EQ(TabEntry(3), "tab 3: Start (11.1), empty, hidden, render process 1003") << "the number is used again";
 }
@@ -211,16 +203,12 @@ class AtTheStart : public BrowserFixture {};
 
 TEST_F(AtTheStart, TheFirstServicesApplicationStartsToo) {
     const std::string lineUp = mDirectory / "one.json";
-    WriteFile(lineUp, R"({"networks": [{"id": "sat", "name": "Satellite", "delivery": "DVB_S", "nid": 1}],
-        "services": [{"name": "One", "network": "sat", "onid": 1, "tsid": 1, "sid": 1, "type": "TV", "number": 1,
-            "components": [{"type": "video", "tag": 1, "pid": 1, "encoding": "MPEG2_SD_25"}],
-            "applications": [{"name": "First", "organisation": 1, "application": 2, "control": "autostart",
-                              "url": "http://first.test/"}]}]})");
+    WriteFile(lineUp, LineUpText(ServiceText(1, "One", R"("applications": [{"name": "First", "organisation": 1,
+        "application": 2, "control": "autostart", "url": "http://first.test/"}])")));
     ServeEvents("application_manager");
     ServeEvents("mtm");
     mSimulator = Launch({"--line-up", lineUp, "--tune-time", "0ms", "--ping-interval", "0ms", "--trace"});
-    EXPECT_EQ(NextCommand(),
-              "CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true url=\"http://first.test/\"");
+    EXPECT_EQ(NextCommand(), CreateCommand("http://first.test/"));
     Reply(R"({"ret": 0, "tabid": 3})");
     EXPECT_TRUE(mSimulator->WaitForOutput("* CreateApp appMode=\"hbbtv\" auto_show=true boundaries=[] isBr=true"));
     EXPECT_TRUE(mSimulator->WaitForOutput("url=\"http://first.test/\" | waiting for a reply\n"));

@@ -15,49 +15,25 @@ class Channels : public ChannelFixture {
     }
 };
 
-struct Fact {
-    const char* getter;
-    Json::Value one;   // what One returns
-    Json::Value wave;  // what Wave returns
-};
-
 TEST_F(Channels, ReturnWhatTheLineUpSaysAndWhatFollowsFromIt) {
-    const std::vector<Fact> facts{{"GetChannelType", 0, 1},
-                                  {"GetIdType", 11, 10},
-                                  {"GetCcid", "ccid:1.1.1", "ccid:2.1.7"},
-                                  {"GetTunerID", "tuner:1", "tuner:1"},
-                                  {"GetOnid", 1, 2},
-                                  {"GetNid", 133, 200},
-                                  {"GetTsid", 1, 1},
-                                  {"GetSid", 1, 7},
-                                  {"GetSourceID", 0, 0},
-                                  {"GetFreq", 11493750, 0},
-                                  {"GetCni", 0, 0},
-                                  {"GetName", "One", "Wave"},
-                                  {"GetMajorChannel", 1, 7},
-                                  {"GetMinorChannel", 0, 0},
-                                  {"GetDsd", "", ""},
-                                  {"GetFavourite", true, false},
-                                  {"GetFavIDsNum", 1, 0},
-                                  {"GetLocked", false, false},
-                                  {"GetManualBlock", false, false},
-                                  {"GetIpBroadcastID", "", ""},
-                                  {"GetChannelMaxBitRate", 0, 0},
-                                  {"GetChannelTTR", 0, 0},
-                                  {"GetRecordable", true, true},
-                                  {"GetLongName", "Number One", "Wave"},
-                                  {"GetDescription", "The first.", ""},
-                                  {"GetAuthorized", true, true},
-                                  {"GetGenreNum", 2, 0},
-                                  {"GetHidden", false, false},
-                                  {"GetLogoURL", "http://logos/one.png", ""},
-                                  {"GetTerminalChannel", 1, 7}};
-    const std::string one = ChannelOf(1);
-    const std::string wave = ChannelOf(7);
-    for (const Fact& fact : facts) {
-        EXPECT_EQ(GetOf(one, fact.getter), fact.one) << fact.getter;
-        EXPECT_EQ(GetOf(wave, fact.getter), fact.wave) << fact.getter;
-    }
+    ExpectValues(ChannelOf(1), R"({"GetChannelType": 0, "GetIdType": 11, "GetCcid": "ccid:1.1.1",
+                                   "GetTunerID": "tuner:1", "GetOnid": 1, "GetNid": 133, "GetTsid": 1, "GetSid": 1,
+                                   "GetSourceID": 0, "GetFreq": 11493750, "GetCni": 0, "GetName": "One",
+                                   "GetMajorChannel": 1, "GetMinorChannel": 0, "GetDsd": "", "GetFavourite": true,
+                                   "GetFavIDsNum": 1, "GetLocked": false, "GetManualBlock": false,
+                                   "GetIpBroadcastID": "", "GetChannelMaxBitRate": 0, "GetChannelTTR": 0,
+                                   "GetRecordable": true, "GetLongName": "Number One", "GetDescription": "The first.",
+                                   "GetAuthorized": true, "GetGenreNum": 2, "GetHidden": false,
+                                   "GetLogoURL": "http://logos/one.png", "GetTerminalChannel": 1})");
+    ExpectValues(ChannelOf(7), R"({"GetChannelType": 1, "GetIdType": 10, "GetCcid": "ccid:2.1.7",
+                                   "GetTunerID": "tuner:1", "GetOnid": 2, "GetNid": 200, "GetTsid": 1, "GetSid": 7,
+                                   "GetSourceID": 0, "GetFreq": 0, "GetCni": 0, "GetName": "Wave",
+                                   "GetMajorChannel": 7, "GetMinorChannel": 0, "GetDsd": "", "GetFavourite": false,
+                                   "GetFavIDsNum": 0, "GetLocked": false, "GetManualBlock": false,
+                                   "GetIpBroadcastID": "", "GetChannelMaxBitRate": 0, "GetChannelTTR": 0,
+                                   "GetRecordable": true, "GetLongName": "Wave", "GetDescription": "",
+                                   "GetAuthorized": true, "GetGenreNum": 0, "GetHidden": false, "GetLogoURL": "",
+                                   "GetTerminalChannel": 7})");
 }
 
 TEST_F(Channels, ReturnHowTheyCanBeReceived) {
@@ -99,19 +75,14 @@ TEST_F(Channels, ReturnTheirFavouriteListsAsTheseChange) {
 
 TEST_F(Channels, KeepWhatClientsSetAndEveryHandleSeesIt) {
     const std::string one = ChannelOf(1);
-    EXPECT_EQ(RetOf(one, "SetName", {{"name", "Uno"}}), 0);
-    EXPECT_EQ(RetOf(one, "SetLongName", {{"longname", "Numero Uno"}}), 0);
-    EXPECT_EQ(RetOf(one, "SetDescription", {{"description", ""}}), 0);
-    EXPECT_EQ(RetOf(one, "SetHidden", {{"hidden", true}}), 0);
-    EXPECT_EQ(RetOf(one, "SetLogoURL", {{"url", "http://uno"}}), 0);
+    ExpectTaken(one, R"({"SetName": "Uno", "SetLongName": "Numero Uno", "SetDescription": "", "SetHidden": true,
+                         "SetLogoURL": "http://uno"})");
     EXPECT_EQ(RetOf(one, "Release"), 0);
     const std::string again = ChannelOf(1);
     EXPECT_NE(again, one);
     EXPECT_EQ(NameOf(again), "Uno");
-    EXPECT_EQ(GetOf(again, "GetLongName"), "Numero Uno");
-    EXPECT_EQ(GetOf(again, "GetDescription"), "");
-    EXPECT_EQ(GetOf(again, "GetHidden"), true);
-    EXPECT_EQ(GetOf(again, "GetLogoURL"), "http://uno");
+    ExpectValues(again, R"({"GetLongName": "Numero Uno", "GetDescription": "", "GetHidden": true,
+                            "GetLogoURL": "http://uno"})");
     EXPECT_EQ(GetOf(again, "GetLogo", {{"width", 64}, {"height", 48}}), "http://uno");
     Restart();
     EXPECT_EQ(NameOf(ChannelOf(1)), "One") << "as long as the simulator runs";
@@ -184,32 +155,12 @@ TEST_F(Channels, AreTheSameHoweverTheyAreAskedFor) {
 
 TEST_F(Channels, CreatedByAClientWithUnknownNumbersReturnTheseNumbers) {
     const std::string made = Create(11, 5, 6, 7, 8, "");
-    const std::vector<std::pair<const char*, Json::Value>> facts{{"GetChannelType", 2},
-                                                                 {"GetIdType", 11},
-                                                                 {"GetCcid", "ccid:made-1"},
-                                                                 {"GetTunerID", ""},
-                                                                 {"GetOnid", 5},
-                                                                 {"GetNid", 0},
-                                                                 {"GetTsid", 6},
-                                                                 {"GetSid", 7},
-                                                                 {"GetSourceID", 8},
-                                                                 {"GetFreq", 0},
-                                                                 {"GetName", ""},
-                                                                 {"GetMajorChannel", 0},
-                                                                 {"GetFavourite", false},
-                                                                 {"GetLocked", false},
-                                                                 {"GetManualBlock", false},
-                                                                 {"GetIpBroadcastID", ""},
-                                                                 {"GetRecordable", false},
-                                                                 {"GetLongName", ""},
-                                                                 {"GetAuthorized", false},
-                                                                 {"GetGenreNum", 0},
-                                                                 {"GetHidden", false},
-                                                                 {"GetTerminalChannel", 0},
-                                                                 {"GetDsd", ""}};
-    for (const auto& fact : facts) {
-        EXPECT_EQ(GetOf(made, fact.first), fact.second) << fact.first;
-    }
+    ExpectValues(made, R"({"GetChannelType": 2, "GetIdType": 11, "GetCcid": "ccid:made-1", "GetTunerID": "",
+                           "GetOnid": 5, "GetNid": 0, "GetTsid": 6, "GetSid": 7, "GetSourceID": 8, "GetFreq": 0,
+                           "GetName": "", "GetMajorChannel": 0, "GetFavourite": false, "GetLocked": false,
+                           "GetManualBlock": false, "GetIpBroadcastID": "", "GetRecordable": false, "GetLongName": "",
+                           "GetAuthorized": false, "GetGenreNum": 0, "GetHidden": false, "GetTerminalChannel": 0,
+                           "GetDsd": ""})");
     EXPECT_EQ(GetOf(made, "GetField", {{"fieldId", "provider"}}), "");
     EXPECT_EQ(RetOf(made, "SetName", {{"name", "Mine"}}), 0);
     EXPECT_EQ(NameOf(made), "Mine");

@@ -143,9 +143,8 @@ TEST_F(Tuning, AHandleOfTheWrongKindIsRefused) {
     EXPECT_EQ(RetOf(component, "Stop"), -1);
     EXPECT_EQ(RetOf("", "Stop"), -1);
     EXPECT_EQ(RetOf("0x12345", "Stop"), -1);
-    EXPECT_EQ(SetChannel(vb, vb), -1);
-    EXPECT_EQ(SetChannel(vb, component), -1);
-    EXPECT_EQ(SetChannel(vb, "0x12345"), -1);
+    for (const std::string& wrong : {vb, component, std::string("0x12345")})
+        EXPECT_EQ(SetChannel(vb, wrong), -1) << wrong;
     EXPECT_EQ(RetOf(vb, "SelectComponent", {{"component", channel}}), -1);
     EXPECT_EQ(EventsSoFar(vb), Events{}) << "what is refused causes no event";
     EXPECT_EQ(State(vb), 2);

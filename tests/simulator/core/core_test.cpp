@@ -47,17 +47,14 @@ TEST(PointerTexts, AreWrittenAsCDoes) {
 }
 
 TEST(PointerTexts, AreReadAsCDoes) {
-    EXPECT_EQ(ParsePointer(""), 0u);
-    EXPECT_EQ(ParsePointer("(nil)"), 0u);
-    EXPECT_EQ(ParsePointer("0x0"), 0u);
+    for (const char* null : {"", "(nil)", "0x0"}) EXPECT_EQ(ParsePointer(null), 0u) << null;
     EXPECT_EQ(ParsePointer("0xfedc1234"), 0xfedc1234u);
     EXPECT_EQ(ParsePointer(" 0XFEDC1234 etc"), 0xfedc1234u);
     EXPECT_EQ(ParsePointer("fedc"), 0xfedcu);
     EXPECT_EQ(ParsePointer("0xffffffffffffffff"), UINT64_MAX);
-    EXPECT_FALSE(ParsePointer("0x10000000000000000").has_value());
-    EXPECT_FALSE(ParsePointer("handle").has_value());
-    EXPECT_FALSE(ParsePointer("0x").has_value());
-    EXPECT_FALSE(ParsePointer("-1").has_value());
+    for (const char* none : {"0x10000000000000000", "handle", "0x", "-1"}) {
+        EXPECT_FALSE(ParsePointer(none).has_value()) << none;
+    }
 }
 
 TEST(Handles, AreNeverZeroAndNeverGivenOutAgainSoon) {

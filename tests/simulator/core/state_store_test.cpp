@@ -105,9 +105,7 @@ TEST(StateStores, HaveTheirDirectoryForThemselves) {
 class StateOption : public SimulatorFixture {
   protected:
     void ExpectRefused(const std::string& state, int exitCode, const std::string& sentence) {
-        const Outcome outcome = Run({"--state", state});
-        EXPECT_EQ(outcome.exitCode, exitCode);
-        EXPECT_NE(outcome.output.find(sentence), std::string::npos) << outcome.output;
+        ExpectEnd({"--state", state}, exitCode, sentence);
         EXPECT_FALSE(std::filesystem::exists(RequestSocket()));
     }
 };

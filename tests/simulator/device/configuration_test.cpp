@@ -51,30 +51,18 @@ class Configuration : public SimulatorFixture {
 
 TEST_F(Configuration, ReturnsTheLanguagesCountryAndRegionThatWereSet) {
     EXPECT_EQ(SetAudio("fra,deu"), 0);
-    EXPECT_EQ(Ret("SetPreferredSubtitleLanguage", {{"pref_sub_language", "***,eng"}}), 0);
-    EXPECT_EQ(Ret("SetPreferredUILanguage", {{"pref_ui_language", "ita"}}), 0);
-    EXPECT_EQ(Ret("SetCountryId", {{"id", "FRA"}}), 0);
-    EXPECT_EQ(Ret("SetRegionId", {{"reg_id", 60u}}), 0);
+    ExpectTaken(R"({"SetPreferredSubtitleLanguage": "***,eng", "SetPreferredUILanguage": "ita", "SetCountryId": "FRA",
+                    "SetRegionId": 60})");
     EXPECT_EQ(Audio(), "fra,deu");
-    EXPECT_EQ(Get("GetPreferredSubtitleLanguage"), "***,eng");
-    EXPECT_EQ(Get("GetPreferredUILanguage"), "ita");
-    EXPECT_EQ(Get("GetCountryId"), "FRA");
-    EXPECT_EQ(Get("GetRegionId").asUInt(), 60u);
+    ExpectValues(R"({"GetPreferredSubtitleLanguage": "***,eng", "GetPreferredUILanguage": "ita",
+                     "GetCountryId": "FRA", "GetRegionId": 60})");
 }
 
 TEST_F(Configuration, ReturnsTheRulesOfRecordingThatWereSet) {
-    EXPECT_EQ(Ret("SetPvrPolicy", {{"pvr_policy", 2}}), 0);
-    EXPECT_EQ(Ret("SetPvrSaveEpisodes", {{"epis", 10000u}}), 0);
-    EXPECT_EQ(Ret("SetPvrSaveDays", {{"days", 3650u}}), 0);
-    EXPECT_EQ(Ret("SetPvrStartPadding", {{"start_pad", 120u}}), 0);
-    EXPECT_EQ(Ret("SetPvrEndPadding", {{"end_pad", 86400u}}), 0);
-    EXPECT_EQ(Ret("SetPreferredTimeShiftMode", {{"timeshift_mode", 3}}), 0);
-    EXPECT_EQ(Get("GetPvrPolicy").asInt(), 2);
-    EXPECT_EQ(Get("GetPvrSaveEpisodes").asUInt(), 10000u);
-    EXPECT_EQ(Get("GetPvrSaveDays").asUInt(), 3650u);
-    EXPECT_EQ(Get("GetPvrStartPadding").asUInt(), 120u);
-    EXPECT_EQ(Get("GetPvrEndPadding").asUInt(), 86400u);
-    EXPECT_EQ(Get("GetPreferredTimeShiftMode").asUInt(), 3u);
+    ExpectTaken(R"({"SetPvrPolicy": 2, "SetPvrSaveEpisodes": 10000, "SetPvrSaveDays": 3650, "SetPvrStartPadding": 120,
+                    "SetPvrEndPadding": 86400, "SetPreferredTimeShiftMode": 3})");
+    ExpectValues(R"({"GetPvrPolicy": 2, "GetPvrSaveEpisodes": 10000, "GetPvrSaveDays": 3650,
+                     "GetPvrStartPadding": 120, "GetPvrEndPadding": 86400, "GetPreferredTimeShiftMode": 3})");
 }
 
 TEST_F(Configuration, ReturnsWhatTheViewerHasSet) {
@@ -83,11 +71,8 @@ TEST_F(Configuration, ReturnsWhatTheViewerHasSet) {
           "set do-not-track 1", "set product Big Screen 55", "set device-id-time 1700000000"}) {
         EXPECT_EQ(Tell(command), "ok") << command;
     }
-    EXPECT_EQ(Get("GetSubtitleEnable"), true);
-    EXPECT_EQ(Get("GetAudioDescriptionEnable"), true);
-    EXPECT_EQ(Get("GetAudioHearingImpaired"), true);
-    EXPECT_EQ(Get("GetRatingAge").asInt(), 12);
-    EXPECT_EQ(Get("GetDNTPolicy").asInt(), 1);
+    ExpectValues(R"({"GetSubtitleEnable": true, "GetAudioDescriptionEnable": true, "GetAudioHearingImpaired": true,
+                     "GetRatingAge": 12, "GetDNTPolicy": 1})");
     const Json::Value content = Ask("GetDeviceIdContent");
     EXPECT_EQ(content["product"], "Big Screen 55");
     EXPECT_EQ(content["request_time"], "1700000000");

@@ -187,16 +187,11 @@ TEST_F(ParentalControl, SetsADamagedDocumentAside) {
 TEST_F(ParentalControl, AddsASchemeOnceAndRefusesInvalidOnes) {
     const std::string scheme = HandleOf(mManager, "AddScheme", {{"name", "mine"}, {"values", "a,b"}});
     EXPECT_EQ(HandleOf(mManager, "AddScheme", {{"name", "mine"}, {"values", "a, b"}}), scheme) << "it is the same";
-    EXPECT_EQ(AddScheme("mine", "a"), -1);
-    EXPECT_EQ(AddScheme("dvb-si", "a"), -1);
-    EXPECT_EQ(AddScheme("", "a"), -1);
-    EXPECT_EQ(AddScheme("two words", "a"), -1);
-    EXPECT_EQ(AddScheme("t\xc3\xa4g", "a"), -1);
-    EXPECT_EQ(AddScheme("line\n", "a"), -1);
-    EXPECT_EQ(AddScheme(std::string(257, 'x'), "a"), -1);
-    EXPECT_EQ(AddScheme("empty", ""), -1);
-    EXPECT_EQ(AddScheme("hole", "a,,b"), -1);
-    EXPECT_EQ(AddScheme("twice", "a,b,a"), -1);
+    for (const std::string& name : {std::string("mine"), std::string("dvb-si"), std::string(), std::string("two words"),
+                                    std::string("t\xc3\xa4g"), std::string("line\n"), std::string(257, 'x')}) {
+        EXPECT_EQ(AddScheme(name, "a"), -1) << name;
+    }
+    for (const char* values : {"", "a,,b", "a,b,a"}) EXPECT_EQ(AddScheme("new", values), -1) << values;
     EXPECT_EQ(GetOf(mManager, "GetParentalRatingSchemeNum"), 4);
     std::string values = "0";
     for (int i = 1; i < 256; ++i) values += "," + std::to_string(i);

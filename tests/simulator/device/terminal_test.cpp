@@ -105,11 +105,8 @@ TEST_F(Terminal, HasAsManyDecodersFreeAsNothingUses) {
 
 TEST_F(Terminal, ReturnsItsNamesAndVersions) {
     Start();
-    EXPECT_EQ(Handle("GetVendorName"), "Example");
-    EXPECT_EQ(Handle("GetModelName"), "Simulated 40");
-    EXPECT_EQ(Handle("GetFamilyName"), "Simulated");
-    EXPECT_EQ(Handle("GetSoftwareVersion"), "1.0");
-    EXPECT_EQ(Handle("GetHardwareVersion"), "1.0");
+    ExpectValues(R"({"GetVendorName": "Example", "GetModelName": "Simulated 40", "GetFamilyName": "Simulated",
+                     "GetSoftwareVersion": "1.0", "GetHardwareVersion": "1.0"})");
     EXPECT_EQ(Handle("GetSerialNumber").size(), 10u);
     EXPECT_EQ(Handle("GetDeviceID").find_first_not_of("0123456789abcdef"), std::string::npos);
     EXPECT_EQ(Handle("GetDeviceID").size(), 32u);

@@ -17,7 +17,7 @@ namespace {
 using sim::Reading;
 using sim::ReadingOfFile;
 using sim::ReadingOfText;
-using Texts = std::vector<std::string>;
+using sim::Texts;
 const char* const kPlaylist =
     "#EXTM3U\n"
     "#EXTINF:-1 tvg-id=\"one\" tvg-chno=\"1\" group-title=\"News;HD\",One\n"

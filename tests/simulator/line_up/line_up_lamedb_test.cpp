@@ -13,8 +13,6 @@
 namespace hbbtv::sim {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 const char* const kTransponders =
     "eDVB services /4/\n"
     "transponders\n"
@@ -57,6 +55,18 @@ const char* const kServices =
 
 Reading ReadingOfServices(const std::string& services) {
     return ReadingOfText(kTransponders + services);
+}
+
+// Returns the favourite lists: "id, name: One, Two".
+Texts ListsOf(const LineUp& lineUp) {
+    Texts lists;
+    for (const auto& list : lineUp.favouriteLists) {
+        lists.push_back(list.id + ", " + list.name + ":");
+        for (const auto& service : list.services) {
+            lists.back() += (service == list.services.front() ? " " : ", ") + service->name;
+        }
+    }
+    return lists;
 }
 
 class Receiver : public testing::Test {
@@ -109,28 +119,19 @@ TEST(Lamedb, HoldsNumbersNamesKindsAndProviders) {
 
 TEST(Lamedb, HoldsWhereAServiceIsReceived) {
     const LineUp lineUp = ReadingOfServices(kServices).lineUp;
-    struct Place {
-        IdType delivery;
-        const char* name;
-        const char* position;
-        int nid;
-        int frequency;
-    };
-    const Place places[] = {{IdType::DvbS2, "Satellite 19.2E", "19.2E", 1, 11493750},
-                            {IdType::DvbS, "Satellite 19.2E", "19.2E", 1, 12187500},
-                            {IdType::DvbS, "Satellite 19.2E", "19.2E", 1, 0},
-                            {IdType::DvbS, "Satellite 13E", "13E", 318, 0},
-                            {IdType::DvbT, "Terrestrial", "", 9018, 490000},
-                            {IdType::DvbC, "Cable", "", 61441, 394000}};
-    ASSERT_EQ(lineUp.services.size(), std::size(places));
-    for (size_t i = 0; i < std::size(places); ++i) {
-        const Service& service = *lineUp.services[i];
-        EXPECT_EQ(service.network->delivery, places[i].delivery) << service.name;
-        EXPECT_EQ(service.network->name, places[i].name) << service.name;
-        EXPECT_EQ(service.network->position, places[i].position) << service.name;
-        EXPECT_EQ(service.network->networkId, places[i].nid) << service.name;
-        EXPECT_EQ(service.frequency, places[i].frequency) << service.name;
+    Texts places;
+    for (const auto& service : lineUp.services) {
+        const Network& network = *service->network;
+        places.push_back(network.name + " (" + network.position + ") " + std::to_string(network.networkId) + " " +
+                         std::to_string(service->frequency));
     }
+    EXPECT_EQ(places, (Texts{"Satellite 19.2E (19.2E) 1 11493750", "Satellite 19.2E (19.2E) 1 12187500",
+                             "Satellite 19.2E (19.2E) 1 0", "Satellite 13E (13E) 318 0", "Terrestrial () 9018 490000",
+                             "Cable () 61441 394000"}));
+    std::vector<IdType> deliveries;
+    for (const auto& service : lineUp.services) deliveries.push_back(service->network->delivery);
+    EXPECT_EQ(deliveries, (std::vector<IdType>{IdType::DvbS2, IdType::DvbS, IdType::DvbS, IdType::DvbS, IdType::DvbT,
+                                               IdType::DvbC}));
     EXPECT_NE(lineUp.services[0]->network, lineUp.services[1]->network);
     EXPECT_EQ(lineUp.services[1]->network, lineUp.services[2]->network);
 }
@@ -173,36 +174,39 @@ TEST(Lamedb, KnowsTheServiceTypes) {
         bool highDefinition;
         Texts components;
     };
+    const auto tv = ChannelType::Tv;
+    const auto radio = ChannelType::Radio;
     const Row rows[] = {
-        {1, "p:", ChannelType::Tv, false, {"video 1 0 MPEG2_SD_25", "audio 2 0 MPEG1_L2 und"}},
-        {2, "p:", ChannelType::Radio, false, {"audio 1 0 MPEG1_L2 und"}},
-        {10, "p:", ChannelType::Radio, false, {"audio 1 0 HEAAC und"}},
-        {17, "p:", ChannelType::Tv, true, {"video 1 0 MPEG2_HD_25", "audio 2 0 MPEG1_L2 und"}},
-        {22, "p:", ChannelType::Tv, false, {"video 1 0 AVC_SD_25", "audio 2 0 MPEG1_L2 und"}},
+        {1, "", tv, false, {"video 1 0 MPEG2_SD_25", "audio 2 0 MPEG1_L2 und"}},
+        {2, "", radio, false, {"audio 1 0 MPEG1_L2 und"}},
+        {10, "", radio, false, {"audio 1 0 HEAAC und"}},
+        {17, "", tv, true, {"video 1 0 MPEG2_HD_25", "audio 2 0 MPEG1_L2 und"}},
+        {22, "", tv, false, {"video 1 0 AVC_SD_25", "audio 2 0 MPEG1_L2 und"}},
         {25,
-         "p:,c:100100,c:110101,c:120102",
-         ChannelType::Tv,
+         ",c:100100,c:110101,c:120102",
+         tv,
          true,
          {"video 1 0 AVC_HD_25", "audio 2 256 HEAAC und", "audio 3 258 HEAAC und", "audio 4 257 E-AC3 und"}},
-        {28, "p:", ChannelType::Tv, true, {"video 1 0 AVC_3D_25", "audio 2 0 MPEG1_L2 und"}},
-        {31, "p:", ChannelType::Tv, true, {"video 1 0 HEVC_UHD_25", "audio 2 0 E-AC3 und"}},
-        {32, "p:", ChannelType::Tv, true, {"video 1 0 HEVC_UHD_25", "audio 2 0 E-AC3 und"}},
-        {134, "p:,c:000100", ChannelType::Tv, false, {"video 1 256 MPEG2_SD_25", "audio 2 0 MPEG1_L2 und"}},
-        {134, "p:,c:010100", ChannelType::Radio, false, {"audio 1 256 MPEG1_L2 und"}},
-        {12, "p:", ChannelType::Other, false, {}}};
+        {28, "", tv, true, {"video 1 0 AVC_3D_25", "audio 2 0 MPEG1_L2 und"}},
+        {31, "", tv, true, {"video 1 0 HEVC_UHD_25", "audio 2 0 E-AC3 und"}},
+        {32, "", tv, true, {"video 1 0 HEVC_UHD_25", "audio 2 0 E-AC3 und"}},
+        {134, ",c:000100", tv, false, {"video 1 256 MPEG2_SD_25", "audio 2 0 MPEG1_L2 und"}},
+        {134, ",c:010100", radio, false, {"audio 1 256 MPEG1_L2 und"}},
+        {12, "", ChannelType::Other, false, {}}};
     for (const Row& row : rows) {
+        SCOPED_TRACE(row.serviceType);
         const Reading reading =
             ReadingOfServices("1:00c00000:1:1:2:0\nRadio\np:\n2:00c00000:1:1:" + std::to_string(row.serviceType) +
-                              ":0\nA\n" + row.properties + "\nend\n");
+                              ":0\nA\np:" + row.properties + "\nend\n");
         const auto service = reading.lineUp.Find(1, 1, 2);
-        ASSERT_NE(service, nullptr) << row.serviceType;
-        EXPECT_EQ(service->type, row.type) << row.serviceType;
-        EXPECT_EQ(service->highDefinition, row.highDefinition) << row.serviceType;
-        EXPECT_EQ(ComponentsOf(*service), row.components) << row.serviceType;
+        ASSERT_NE(service, nullptr);
+        EXPECT_EQ(service->type, row.type);
+        EXPECT_EQ(service->highDefinition, row.highDefinition);
+        EXPECT_EQ(ComponentsOf(*service), row.components);
         const bool listed = row.type != ChannelType::Other;
-        EXPECT_EQ(service->listed, listed) << row.serviceType;
-        EXPECT_EQ(service->number, listed ? 2 : 0) << row.serviceType;
-        EXPECT_EQ(reading.warnings, Texts()) << row.serviceType;
+        EXPECT_EQ(service->listed, listed);
+        EXPECT_EQ(service->number, listed ? 2 : 0);
+        EXPECT_EQ(reading.warnings, Texts());
     }
 }
 
@@ -238,98 +242,49 @@ TEST(Lamedb, OfVersion5HasOneLineAnItem) {
                                        "/nowhere/f:9: \"x:1\" is neither a transponder nor a service; it is skipped"}));
 }
 
-struct Odd {
-    const char* name;
-    std::string services;
-    Texts names;
-    Texts warnings;
-};
-
-void PrintTo(const Odd& odd, std::ostream* out) {
-    *out << odd.name;
-}
-
-std::string OddName(const testing::TestParamInfo<Odd>& info) {
-    return info.param.name;
-}
-
-class OddLamedb : public testing::TestWithParam<Odd> {};
-
-// The list of services begins at line 17.
-TEST_P(OddLamedb, IsReadAndWarnedOf) {
-    const Reading reading = ReadingOfServices(GetParam().services);
-    EXPECT_EQ(reading.refusal, "");
-    EXPECT_EQ(reading.Names(), GetParam().names);
-    EXPECT_EQ(reading.warnings, GetParam().warnings);
-}
-
 const std::string kA = "1:00c00000:1:1:1:0\nA\np:\n";
 const std::string kB = "2:00c00000:1:1:1:0\nB\np:\n";
 
-INSTANTIATE_TEST_SUITE_P(
-    Every, OddLamedb,
-    testing::Values(
-        Odd{"ALineThatIsNoService",
-            "1:00c0000g:1:1:1:0\nX\np:\n" + kA + "end\n",
-            {"A"},
-            {"/nowhere/f:17: \"1:00c0000g:1:1:1:0\" does not begin a service (sid:namespace:tsid:onid:type:number); it "
-             "is skipped up to the next one"}},
-        Odd{"ALargeSid",
-            "10000:00c00000:1:1:1:0\nX\np:\n" + kA + "end\n",
-            {"A"},
-            {"/nowhere/f:17: \"10000:00c00000:1:1:1:0\" does not begin a service "
-             "(sid:namespace:tsid:onid:type:number); it is skipped up to the next one"}},
-        Odd{"NoNameLine",
-            "3:00c00000:1:1:1:0\np:X\n" + kA + "end\n",
-            {"Service 3", "A"},
-            {"/nowhere/f:17: the service has no name line or no provider line"}},
-        Odd{"NoProviderLine",
-            "3:00c00000:1:1:1:0\nX\n" + kA + "end\n",
-            {"X", "A"},
-            {"/nowhere/f:17: the service has no name line or no provider line"}},
-        Odd{"NeitherLine",
-            "3:00c00000:1:1:1:0\n" + kA + "4:00c00000:1:1:1:0\nend\n",
-            {"Service 3", "A", "Service 4"},
-            {"/nowhere/f:17: the service has no name line or no provider line",
-             "/nowhere/f:21: the service has no name line or no provider line"}},
-        Odd{"ANameLikeAWord", "3:00c00000:1:1:1:0\nend\np:\n4:00c00000:1:1:1:0\np:\np:\nend\n", {"end", "p:"}, {}},
-        Odd{"TheSameNumbers",
-            kA + "1:00820000:1:1:1:0\nB\np:\nend\n",
-            {"A"},
-            {"/nowhere/f:20: \"B\" has the onid, tsid and sid of line 17; the service is skipped"}},
-        Odd{"NoEnd",
-            kA + "3:00c00000:1:1:1:0\nX\n",
-            {"A", "X"},
-            {"/nowhere/f:21: the list of services has no end; the file is probably truncated"}},
-        Odd{"OddProperties",
-            "3:00c00000:1:1:1:0\nX\nnone,p:,c:0a0100,c:001fff,c:,c:0090000,f:,q:1\nend\n",
-            {"X"},
-            {"/nowhere/f:17: \"none\" is not a property of a service; it is skipped",
-             "/nowhere/f:17: \"c:0a0100\" is not a PID; it is skipped",
-             "/nowhere/f:17: \"c:001fff\" is above 8190; it is skipped",
-             "/nowhere/f:17: \"c:\" is not a PID; it is skipped",
-             "/nowhere/f:17: \"c:0090000\" is above 8190; it is skipped"}},
-        Odd{"AnEndlessLine",
-            kA + std::string(270000, '1') + "\n" + kB + "end\n",
-            {"A", "B"},
-            {"/nowhere/f:20: the line is longer than 262144 bytes; it is skipped"}}),
-    OddName);
+// The list of services begins at line 17.
+TEST(Lamedb, IsReadWithAWarningAboutEveryOddLineOfTheServices) {
+    const std::string start = kTransponders;
+    for (const std::string odd : {"1:00c0000g:1:1:1:0", "10000:00c00000:1:1:1:0"}) {
+        ExpectReading(
+            start + odd + "\nX\np:\n" + kA + "end\n", {"A"},
+            {"17: \"" + odd +
+             "\" does not begin a service (sid:namespace:tsid:onid:type:number); it is skipped up to the next "
+             "one"});
+    }
+    const std::string noLine = ": the service has no name line or no provider line";
+    const std::string third = start + "3:00c00000:1:1:1:0\n";
+    ExpectReading(third + "p:X\n" + kA + "end\n", {"Service 3", "A"}, {"17" + noLine});
+    ExpectReading(third + "X\n" + kA + "end\n", {"X", "A"}, {"17" + noLine});
+    ExpectReading(third + kA + "4:00c00000:1:1:1:0\nend\n", {"Service 3", "A", "Service 4"},
+                  {"17" + noLine, "21" + noLine});
+    ExpectReading(third + "end\np:\n4:00c00000:1:1:1:0\np:\np:\nend\n", {"end", "p:"}, {});
+    ExpectReading(start + kA + "1:00820000:1:1:1:0\nB\np:\nend\n", {"A"},
+                  {"20: \"B\" has the onid, tsid and sid of line 17; the service is skipped"});
+    ExpectReading(start + kA + "3:00c00000:1:1:1:0\nX\n", {"A", "X"},
+                  {"21: the list of services has no end; the file is probably truncated"});
+    ExpectReading(third + "X\nnone,p:,c:0a0100,c:001fff,c:,c:0090000,f:,q:1\nend\n", {"X"},
+                  {"17: \"none\" is not a property of a service; it is skipped",
+                   "17: \"c:0a0100\" is not a PID; it is skipped", "17: \"c:001fff\" is above 8190; it is skipped",
+                   "17: \"c:\" is not a PID; it is skipped", "17: \"c:0090000\" is above 8190; it is skipped"});
+    ExpectReading(start + kA + std::string(270000, '1') + "\n" + kB + "end\n", {"A", "B"},
+                  {"20: the line is longer than 262144 bytes; it is skipped"});
+}
 
-TEST(Lamedb, WarnsOfOddTransponders) {
-    const Reading reading = ReadingOfText(
-        "eDVB services /4/\ntransponders\nzz:1:1\n\ts 1:1\n/\n00c00000:0001:0001\n\ta 1:1\n/\n00c00000:0002:0001\n/\n"
-        "00c00000:0003:0001\n\ts 11000000:1\n\tx\n/\n00c00000:0004:0001\n\ts fast\n/\nend\nservices\n" +
-        kA + "end\n");
-    EXPECT_EQ(reading.refusal, "");
-    EXPECT_EQ(reading.Names(), Texts{"A"});
+TEST(Lamedb, IsReadWithAWarningAboutEveryOddTransponder) {
     const std::string tuning =
         " is not a satellite (s), cable (c) or terrestrial (t) tuning; the transponder is skipped";
-    EXPECT_EQ(
-        reading.warnings,
-        (Texts{"/nowhere/f:3: \"zz:1:1\" does not name a transponder (namespace:tsid:onid); the transponder is skipped",
-               "/nowhere/f:6: \"a 1:1\"" + tuning, "/nowhere/f:9: \"\"" + tuning,
-               "/nowhere/f:13: \".x\" is where \"/\" is expected; it is skipped",
-               "/nowhere/f:15: \"s fast\"" + tuning}));
+    ExpectReading(
+        "eDVB services /4/\ntransponders\nzz:1:1\n\ts 1:1\n/\n00c00000:0001:0001\n\ta 1:1\n/\n00c00000:0002:0001\n/\n"
+        "00c00000:0003:0001\n\ts 11000000:1\n\tx\n/\n00c00000:0004:0001\n\ts fast\n/\nend\nservices\n" +
+            kA + "end\n",
+        {"A"},
+        {"3: \"zz:1:1\" does not name a transponder (namespace:tsid:onid); the transponder is skipped",
+         "6: \"a 1:1\"" + tuning, "9: \"\"" + tuning, "13: \".x\" is where \"/\" is expected; it is skipped",
+         "15: \"s fast\"" + tuning});
 }
 
 TEST(Lamedb, ThatCannotBeUsedIsRefused) {
@@ -367,18 +322,10 @@ TEST_F(Receiver, BouquetsGiveTheOrderAndTheListsOfFavourites) {
     EXPECT_EQ(reading.warnings, Texts());
     EXPECT_EQ(reading.Names(), (Texts{"BBC One", "Das Erste HD", "UHD Demo", "RTL", "1LIVE", "Rai 1 HD"}));
     EXPECT_EQ(reading.Numbers(), (std::vector<int>{1, 3, 4, 5, 6, 7})) << "2 is the numbered marker's";
-    const auto& services = reading.lineUp.services;
-    const auto& lists = reading.lineUp.favouriteLists;
-    using Members = std::vector<std::shared_ptr<const Service>>;
-    ASSERT_EQ(lists.size(), 3u);
-    EXPECT_EQ(lists[0].id, "userbouquet.favourites.tv");
-    EXPECT_EQ(lists[0].name, "Favourites (TV)");
-    EXPECT_EQ(lists[0].services, (Members{services[0], services[1], services[2]}));
-    EXPECT_EQ(lists[1].id, "userbouquet.second.tv");
-    EXPECT_EQ(lists[1].name, "userbouquet.second.tv");
-    EXPECT_EQ(lists[1].services, (Members{services[3], services[1]}));
-    EXPECT_EQ(lists[2].name, "H\xc3\xb6ren");
-    EXPECT_EQ(lists[2].services, Members{services[4]});
+    EXPECT_EQ(ListsOf(reading.lineUp),
+              (Texts{"userbouquet.favourites.tv, Favourites (TV): BBC One, Das Erste HD, UHD Demo",
+                     "userbouquet.second.tv, userbouquet.second.tv: RTL, Das Erste HD",
+                     "userbouquet.favourites.radio, H\xc3\xb6ren: 1LIVE"}));
 }
 
 TEST_F(Receiver, ABouquetHasAReadableNameWhateverItsFileIsCalled) {
@@ -386,10 +333,7 @@ TEST_F(Receiver, ABouquetHasAReadableNameWhateverItsFileIsCalled) {
     Write("bouquets.tv", Listed("userbouquet.\xfc.tv"));
     Write("userbouquet.\xfc.tv", "#SERVICE 1:0:1:1:1:1:C00000:0:0:0:\n");
     const Reading reading = ReadingOfFile(mDirectory / "lamedb");
-    ASSERT_EQ(reading.lineUp.favouriteLists.size(), 1u);
-    EXPECT_EQ(reading.lineUp.favouriteLists[0].id, "userbouquet.\xc3\xbc.tv");
-    EXPECT_EQ(reading.lineUp.favouriteLists[0].name, "userbouquet.\xc3\xbc.tv");
-    EXPECT_EQ(reading.lineUp.favouriteLists[0].services.size(), 1u);
+    EXPECT_EQ(ListsOf(reading.lineUp), Texts{"userbouquet.\xc3\xbc.tv, userbouquet.\xc3\xbc.tv: A"});
 }
 
 TEST_F(Receiver, AServiceThatIsNeitherTelevisionNorRadioIsListedByABouquet) {
@@ -422,8 +366,7 @@ TEST_F(Receiver, WhatABouquetNamesWithoutReasonIsSkippedWithItsPlace) {
         "#SERVICE 1:0:1:2EE3:441:1:C00000:0:0:0:\n");
     EXPECT_EQ(reading.refusal, "");
     EXPECT_EQ(reading.Names(), (Texts{"Das Erste HD", "RTL", "1LIVE", "Rai 1 HD", "BBC One", "Service 7"}));
-    ASSERT_EQ(reading.lineUp.favouriteLists.size(), 1u);
-    EXPECT_EQ(reading.lineUp.favouriteLists[0].services.size(), 2u);
+    EXPECT_EQ(ListsOf(reading.lineUp), Texts{"userbouquet.a.tv, Odd: Das Erste HD, RTL"});
     EXPECT_EQ(
         reading.warnings,
         (Texts{

@@ -8,8 +8,6 @@
 namespace hbbtv::sim {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 const char* const kPlaylist =
     "#EXTM3U url-tvg=\"http://guide.example/epg.xml\"\n"
     "#PLAYLIST:House\n"
@@ -96,72 +94,29 @@ TEST(M3u, ShowsNamesInUtf8WithoutControlCharacters) {
     EXPECT_EQ(ReadingOfText("#EXTM3U\n#EXTINF:-1,A\tB\nudp://a\n").Names(), Texts{"A B"});
 }
 
-struct Odd {
-    const char* name;
-    std::string text;
-    Texts services;
-    Texts warnings;
-};
-
-void PrintTo(const Odd& odd, std::ostream* out) {
-    *out << odd.name;
+TEST(M3u, IsReadWithAWarningAboutEveryOddLine) {
+    ExpectReading("#EXTM3U\n#EXTINF:-1,A\nudp://a\n#EXTINF:-1,B\nudp://a\n", {"A"},
+                  {"5: the URI is that of line 3; the service is skipped"});
+    ExpectReading("#EXTM3U\n#EXTINF:-1,A\n#EXTINF:-1,B\nudp://b\n#EXTINF:-1,C\n", {"B"},
+                  {"2: \"A\" has no URI; it is skipped", "5: \"C\" has no URI; it is skipped"});
+    ExpectReading("#EXTM3U\n#EXTINF:-1,A\nfilm.ts\n#EXTINF:-1,B\nC:\\film.ts\nudp://c\n", {"udp://c"},
+                  {"3: \"film.ts\" is not a URI; the service is skipped",
+                   "5: \"C:\\film.ts\" is not a URI; the service is skipped"});
+    ExpectReading("#EXTM3U\nudp://a\xff\nudp://b\n", {"udp://b"},
+                  {"2: \"udp://a.\" is not a URI; the service is skipped"});
+    ExpectReading("#EXTM3U\n#EXTINF:-1 tvg-chno=\"5\",A\nudp://a\n#EXTINF:-1 tvg-chno=\"3\",B\nudp://b\n", {"A", "B"},
+                  {"4: the number \"3\" is not a whole number above 5 and up to 9999; the service gets 6"});
+    for (const std::string number : {"1.2", "10000"}) {
+        ExpectReading(
+            "#EXTM3U\n#EXTINF:-1 tvg-chno=\"" + number + "\",A\nudp://a\n", {"A"},
+            {"2: the number \"" + number + "\" is not a whole number above 0 and up to 9999; the service gets 1"});
+    }
+    ExpectReading("#EXTM3U\n#EXTINF:-1 tvg-id=\"a,A\nudp://a\n", {"A"},
+                  {"2: the attributes cannot be read; the name is what follows the last comma"});
+    ExpectReading("#EXTM3U\n#EXTINF:-1 tvg-name=\"The \"A\" Team\" x,A\nudp://a\n", {"A"}, {});
+    ExpectReading("#EXTM3U\n#EXTINF:-1," + std::string(270000, 'x') + "\nudp://a\n", {"udp://a"},
+                  {"2: the line is longer than 262144 bytes; it is skipped"});
 }
-
-std::string OddName(const testing::TestParamInfo<Odd>& info) {
-    return info.param.name;
-}
-
-class OddM3u : public testing::TestWithParam<Odd> {};
-
-TEST_P(OddM3u, IsReadAndWarnedOf) {
-    const Reading reading = ReadingOfText(GetParam().text);
-    EXPECT_EQ(reading.refusal, "");
-    EXPECT_EQ(reading.Names(), GetParam().services);
-    EXPECT_EQ(reading.warnings, GetParam().warnings);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Every, OddM3u,
-    testing::Values(
-        Odd{"TheSameUri",
-            "#EXTM3U\n#EXTINF:-1,A\nudp://a\n#EXTINF:-1,B\nudp://a\n",
-            {"A"},
-            {"/nowhere/f:5: the URI is that of line 3; the service is skipped"}},
-        Odd{"NoUri",
-            "#EXTM3U\n#EXTINF:-1,A\n#EXTINF:-1,B\nudp://b\n#EXTINF:-1,C\n",
-            {"B"},
-            {"/nowhere/f:2: \"A\" has no URI; it is skipped", "/nowhere/f:5: \"C\" has no URI; it is skipped"}},
-        Odd{"APathForAUri",
-            "#EXTM3U\n#EXTINF:-1,A\nfilm.ts\n#EXTINF:-1,B\nC:\\film.ts\nudp://c\n",
-            {"udp://c"},
-            {"/nowhere/f:3: \"film.ts\" is not a URI; the service is skipped",
-             "/nowhere/f:5: \"C:\\film.ts\" is not a URI; the service is skipped"}},
-        Odd{"AUriThatIsNoText",
-            "#EXTM3U\nudp://a\xff\nudp://b\n",
-            {"udp://b"},
-            {"/nowhere/f:2: \"udp://a.\" is not a URI; the service is skipped"}},
-        Odd{"NumbersThatFall",
-            "#EXTM3U\n#EXTINF:-1 tvg-chno=\"5\",A\nudp://a\n#EXTINF:-1 tvg-chno=\"3\",B\nudp://b\n",
-            {"A", "B"},
-            {"/nowhere/f:4: the number \"3\" is not a whole number above 5 and up to 9999; the service gets 6"}},
-        Odd{"ANumberThatIsNone",
-            "#EXTM3U\n#EXTINF:-1 tvg-chno=\"1.2\",A\nudp://a\n",
-            {"A"},
-            {"/nowhere/f:2: the number \"1.2\" is not a whole number above 0 and up to 9999; the service gets 1"}},
-        Odd{"ANumberThatIsTooLarge",
-            "#EXTM3U\n#EXTINF:-1 tvg-chno=\"10000\",A\nudp://a\n",
-            {"A"},
-            {"/nowhere/f:2: the number \"10000\" is not a whole number above 0 and up to 9999; the service gets 1"}},
-        Odd{"AnOpenQuotationMark",
-            "#EXTM3U\n#EXTINF:-1 tvg-id=\"a,A\nudp://a\n",
-            {"A"},
-            {"/nowhere/f:2: the attributes cannot be read; the name is what follows the last comma"}},
-        Odd{"QuotationMarksInAValue", "#EXTM3U\n#EXTINF:-1 tvg-name=\"The \"A\" Team\" x,A\nudp://a\n", {"A"}, {}},
-        Odd{"AnEndlessLine",
-            "#EXTM3U\n#EXTINF:-1," + std::string(270000, 'x') + "\nudp://a\n",
-            {"udp://a"},
-            {"/nowhere/f:2: the line is longer than 262144 bytes; it is skipped"}}),
-    OddName);
 
 TEST(M3u, WithoutAServiceIsRefused) {
     EXPECT_EQ(ReadingOfText("#EXTM3U\n").refusal, "/nowhere/f:1: the playlist has no service");

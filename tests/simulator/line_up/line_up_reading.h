@@ -1,6 +1,8 @@
 // Reading of a line-up in a test: the result, the warnings and the reason for a refusal.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -9,14 +11,16 @@
 
 namespace hbbtv::sim {
 
+using Texts = std::vector<std::string>;
+
 struct Reading {
     LineUp lineUp;
-    std::vector<std::string> warnings;
+    Texts warnings;
     std::string refusal;
 
     // Returns the names of the services in order.
-    std::vector<std::string> Names() const {
-        std::vector<std::string> names;
+    Texts Names() const {
+        Texts names;
         for (const auto& service : lineUp.services) names.push_back(service->name);
         return names;
     }
@@ -48,10 +52,20 @@ inline Reading ReadingOfFile(const std::string& path) {
     return ReadingOf([&](const FileWarning& warn) { return ReadLineUp(path, warn); });
 }
 
+// Expects that the text is read with these services and warnings: "17: the line is odd".
+inline void ExpectReading(const std::string& text, const Texts& names, Texts warnings) {
+    SCOPED_TRACE(text.substr(0, 200));
+    const Reading reading = ReadingOfText(text);
+    for (std::string& warning : warnings) warning = "/nowhere/f:" + warning;
+    EXPECT_EQ(reading.refusal, "");
+    EXPECT_EQ(reading.Names(), names);
+    EXPECT_EQ(reading.warnings, warnings);
+}
+
 // Returns the components in order: "video 1 5101 AVC_HD_25", "audio 2 0 AC3 und encrypted".
-inline std::vector<std::string> ComponentsOf(const Service& service) {
+inline Texts ComponentsOf(const Service& service) {
     static const char* const kTypes[] = {"video", "audio", "subtitle"};
-    std::vector<std::string> texts;
+    Texts texts;
     for (const auto& component : service.components) {
         std::string text = kTypes[static_cast<int>(component->type)];
         text += " " + std::to_string(component->tag) + " " + std::to_string(component->pid) + " " + component->encoding;

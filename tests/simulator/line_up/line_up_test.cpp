@@ -157,26 +157,6 @@ TEST(LineUpFile, IsRefusedWithLineAndColumn) {
     }
 }
 
-struct Wrong {
-    const char* name;
-    std::string text;
-    std::string sentence;
-};
-
-void PrintTo(const Wrong& wrong, std::ostream* out) {
-    *out << wrong.name;
-}
-
-std::string WrongName(const testing::TestParamInfo<Wrong>& info) {
-    return info.param.name;
-}
-
-class WrongLineUp : public testing::TestWithParam<Wrong> {};
-
-TEST_P(WrongLineUp, IsRefusedWithASentence) {
-    EXPECT_EQ(Refusal(GetParam().text), GetParam().sentence);
-}
-
 std::string With(const std::string& from, const std::string& to) {
     std::string text = File(Service(""));
     const size_t at = text.find(from);
@@ -189,126 +169,133 @@ std::string Repeated(const std::string& text, int times) {
     return all;
 }
 
-std::string WithSound(const std::string& members) {
-    return File(
-        Service("", std::string(kPicture) + ", {\"type\": \"audio\", \"tag\": 2, \"pid\": 101, " + members + "}"));
+// Returns a line-up with a second service.
+std::string WithB(const std::string& sid, const std::string& members) {
+    return File(Service("") + R"(, {"name": "B", "network": "sat", "onid": 1, "tsid": 2, "type": "TV", "sid": )" + sid +
+                ", " + members + R"(, "components": [)" + kPicture + "]}");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Every, WrongLineUp,
-    testing::Values(
-        Wrong{"Empty", " \n", "the file is empty"},
-        Wrong{"NoJson", "{\"networks\": [}", "not valid JSON: Syntax error: value, object or array expected"},
-        Wrong{"TwoDocuments", File(Service("")) + "{}", "not valid JSON: Extra non-whitespace after JSON value"},
-        Wrong{"NoObject", "[]", "a line-up is not an object"},
-        Wrong{"Nesting", "{\"networks\": " + std::string(5000, '['), "not valid JSON: it nests deeper than 32 levels"},
-        Wrong{"NoNetworks", "{\"services\": []}", "the line-up lacks the member \"networks\""},
-        Wrong{"NoServices", std::string("{") + kNetworks + "}", "the line-up lacks the member \"services\""},
-        Wrong{"ServicesNoList", std::string("{") + kNetworks + ", \"services\": {}}",
-              "the member \"services\" of the line-up is not a list"},
-        Wrong{"ServicesEmpty", File(""),
-              "the member \"services\" of the line-up has no service that is in the channel list"},
-        Wrong{"ServiceNoObject", File("3"), "a service is not an object"},
-        Wrong{"NumberTwice", File(Service("\"number\": 5, ")), "not valid JSON: Duplicate key: 'number'"},
-        Wrong{"NoName", With("\"name\": \"A\", ", ""), "the service lacks the member \"name\""},
-        Wrong{"NameNoText", With("\"A\"", "7"), "the member \"name\" of the service is not a string"},
-        Wrong{"NameEmpty", With("\"A\"", "\"\""), "the member \"name\" of the service is empty"},
-        Wrong{"UnknownNetwork", With("\"network\": \"sat\"", "\"network\": \"set\""),
-              "the member \"network\" of the service is \"set\", and there is no such network; did you mean \"sat\"?"},
-        Wrong{"UnknownDelivery", With("DVB_S", "DVB_X"),
-              "the member \"delivery\" of the network is \"DVB_X\", which is unknown; did you mean \"DVB_C\"?"},
-        Wrong{"OnidText", With("\"onid\": 1", "\"onid\": \"1\""),
-              "the member \"onid\" of the service is not a whole number from 0 to 65535"},
-        Wrong{"OnidLarge", With("\"onid\": 1", "\"onid\": 65536"),
-              "the member \"onid\" of the service is 65536 but must be from 0 to 65535"},
-        Wrong{"SidHuge", With("\"sid\": 3", "\"sid\": 1e300"),
-              "the member \"sid\" of the service is not a whole number from 0 to 65535"},
-        Wrong{"TypeUnknown", With("\"TV\"", "\"tv\""),
-              "the member \"type\" of the service is \"tv\", which is unknown; did you mean \"TV\"?"},
-        Wrong{"TypeStrange", With("\"TV\"", "\"Television\""),
-              "the member \"type\" of the service is \"Television\", which is unknown; known are \"OTHER\", \"RADIO\", "
-              "\"TV\""},
-        Wrong{"RadioPicture", With("\"TV\", ", "\"RADIO\", \"definition\": \"HD\", "),
-              "the member \"definition\" of the service is allowed only in services with a picture"},
-        Wrong{"Number0", With("\"number\": 4", "\"number\": 0"),
-              "the member \"number\" of the service is 0 but must be from 1 to 9999"},
-        Wrong{"NumberUnlisted", File(Service("\"listed\": false, ")),
-              "the member \"number\" of the service is allowed only in services that are in the channel list"},
-        Wrong{"ListedNoBool", File(Service("\"listed\": 1, ")),
-              "the member \"listed\" of the service is neither true nor false"},
-        Wrong{"AccessUnknown", File(Service("\"access\": \"scrambbled\", ")),
-              "the member \"access\" of the service is \"scrambbled\", which is unknown; did you mean \"scrambled\"?"},
-        Wrong{"ReceptionUnknown", File(Service("\"reception\": \"bad\", ")),
-              "the member \"reception\" of the service is \"bad\", which is unknown; known are \"good\", \"none\""},
-        Wrong{"SameTriplet",
-              File(Service("") + R"(, {"name": "B", "network": "sat", "onid": 1, "tsid": 2, "sid": 3, "type": "TV",
-                                      "number": 5, "components": [)" +
-                   kPicture + "]}"),
-              "there is another service with the onid, tsid and sid of \"B\""},
-        Wrong{"SameNumber",
-              File(Service("") + R"(, {"name": "B", "network": "sat", "onid": 1, "tsid": 2, "sid": 9,
-                                      "type": "TV", "number": 4, "components": [)" +
-                   kPicture + "]}"),
-              "the member \"number\" of the service is 4 and follows 4: services stand in the order of their numbers"},
-        Wrong{"GenresNoList", File(Service("\"genres\": \"News\", ")),
-              "the member \"genres\" of the service is not a list"},
-        Wrong{"GenreNoText", File(Service("\"genres\": [\"News\", 3], ")), "a genre is not a string, or is empty"},
-        Wrong{"GenreEmpty", File(Service("\"genres\": [\"\"], ")), "a genre is not a string, or is empty"},
-        Wrong{"GenresMany", File(Service("\"genres\": [\"a\"" + Repeated(", \"a\"", 256) + "], ")),
-              "the member \"genres\" of the service has more than 256 genres"},
-        Wrong{"LongNameEmpty", File(Service("\"longName\": \"\", ")),
-              "the member \"longName\" of the service is empty"},
-        Wrong{"DescriptionNoText", File(Service("\"description\": [], ")),
-              "the member \"description\" of the service is not a string"},
-        Wrong{"LogoNoText", File(Service("\"logo\": 1, ")), "the member \"logo\" of the service is not a string"},
-        Wrong{"ProgrammeIdNoText", File(Service("\"programmeId\": 1, ")),
-              "the member \"programmeId\" of the service is not a string"},
-        Wrong{"HiddenNoBool", File(Service("\"hidden\": \"yes\", ")),
-              "the member \"hidden\" of the service is neither true nor false"},
-        Wrong{"HiddenUnlisted",
-              File(Service("") + R"(, {"name": "B", "network": "sat", "onid": 1, "tsid": 2, "sid": 9, "type": "TV",
-                                      "listed": false, "hidden": true, "components": [)" +
-                   kPicture + "]}"),
-              "the member \"hidden\" of the service is allowed only in services that are in the channel list"},
-        Wrong{"FrequencyZero", File(Service("\"frequency\": 0, ")),
-              "the member \"frequency\" of the service is 0 but must be from 1 to 100000000"},
-        Wrong{"FrequencyReal", File(Service("\"frequency\": 11.5, ")),
-              "the member \"frequency\" of the service is not a whole number from 1 to 100000000"},
-        Wrong{"FavouritesNoList", With("{\"networks\"", "{\"favouriteLists\": {}, \"networks\""),
-              "the member \"favouriteLists\" of the line-up is not a list"},
-        Wrong{"FavouriteListUnnamed", FileWith(R"({"id": "f", "services": []})"),
-              "the favourite list lacks the member \"name\""},
-        Wrong{"FavouriteListMisspelt", FileWith(R"({"id": "f", "name": "F", "service": []})"),
-              "a favourite list has no member \"service\"; did you mean \"services\"?"},
-        Wrong{"SameFavouriteList", FileWith(R"({"id": "f", "name": "F", "services": []},
-                                               {"id": "f", "name": "G", "services": []})"),
-              "the member \"id\" of the favourite list is \"f\", as that of another favourite list"},
-        Wrong{"FavouriteIncomplete", FileWith(R"({"id": "f", "name": "F", "services": [{"onid": 1, "tsid": 2}]})"),
-              "the favourite lacks the member \"sid\""},
-        Wrong{"FavouriteUnknown",
-              FileWith(R"({"id": "f", "name": "F", "services": [{"onid": 1, "tsid": 2, "sid": 4}]})"),
-              "there is no service with the onid, tsid and sid of this favourite"},
-        Wrong{"NoComponents", File(Service("", "")), "the member \"components\" of the service is empty"},
-        Wrong{"SameTag", File(Service("", std::string(kPicture) + ", " + kPicture)),
-              "\"A\" has another component with the tag 1"},
-        Wrong{"PidLarge", With("\"pid\": 100", "\"pid\": 8191"),
-              "the member \"pid\" of the component is 8191 but must be from 0 to 8190"},
-        Wrong{"EncodingUnknown", With("AVC_HD_25", "AVC_HD25"),
-              "the member \"encoding\" of the component is \"AVC_HD25\", which is unknown; did you mean "
-              "\"AVC_HD_25\"?"},
-        Wrong{"SoundAsPicture", WithSound("\"encoding\": \"AVC_HD_25\", \"language\": \"deu\""),
-              "the member \"encoding\" of the component is \"AVC_HD_25\", which is unknown; known are \"AC3\", "
-              "\"DTS\", \"E-AC3\", \"HEAAC\", \"HEAAC2\", \"HEAAC_MPS\", \"MPEG1_L2\""},
-        Wrong{"NoLanguage", WithSound("\"encoding\": \"AC3\""), "the component lacks the member \"language\""},
-        Wrong{"LanguageForm", WithSound("\"encoding\": \"AC3\", \"language\": \"de\""),
-              "the member \"language\" of the component is not an ISO 639-2 code of three lower-case letters"},
-        Wrong{"ChannelsMany", WithSound("\"encoding\": \"AC3\", \"language\": \"deu\", \"channels\": 99"),
-              "the member \"channels\" of the component is 99 but must be from 1 to 24"},
-        Wrong{"RatioOfSound", WithSound("\"encoding\": \"AC3\", \"language\": \"deu\", \"aspectRatio\": 1.78"),
-              "the member \"aspectRatio\" of the component is allowed only in video components"},
-        Wrong{"RatioStrange", With("\"AVC_HD_25\"", "\"AVC_HD_25\", \"aspectRatio\": 178"),
-              "the member \"aspectRatio\" of the component is not a number from 1.0 to 3.0"}),
-    WrongName);
+TEST(LineUpFile, IsRefusedIfItIsNotALineUp) {
+    const std::map<std::string, std::string> refused{
+        {" \n", "the file is empty"},
+        {"{\"networks\": [}", "not valid JSON: Syntax error: value, object or array expected"},
+        {File(Service("")) + "{}", "not valid JSON: Extra non-whitespace after JSON value"},
+        {"[]", "a line-up is not an object"},
+        {"{\"networks\": " + std::string(5000, '['), "not valid JSON: it nests deeper than 32 levels"},
+        {"{\"services\": []}", "the line-up lacks the member \"networks\""},
+        {std::string("{") + kNetworks + "}", "the line-up lacks the member \"services\""},
+        {std::string("{") + kNetworks + ", \"services\": {}}", "the member \"services\" of the line-up is not a list"},
+        {File(""), "the member \"services\" of the line-up has no service that is in the channel list"},
+        {File("3"), "a service is not an object"},
+        {File(Service("\"number\": 5, ")), "not valid JSON: Duplicate key: 'number'"},
+        {With("{\"networks\"", "{\"favouriteLists\": {}, \"networks\""),
+         "the member \"favouriteLists\" of the line-up is not a list"}};
+    for (const auto& [text, sentence] : refused) EXPECT_EQ(Refusal(text), sentence) << text;
+}
+
+TEST(LineUpFile, IsRefusedIfAMemberHasAnInvalidValue) {
+    struct Row {
+        const char *owner, *member, *good, *bad, *complaint;
+    };
+    const Row rows[] = {
+        {"network", "delivery", "\"DVB_S\"", "\"DVB_X\"", "is \"DVB_X\", which is unknown; did you mean \"DVB_C\"?"},
+        {"service", "name", "\"A\"", "7", "is not a string"},
+        {"service", "name", "\"A\"", "\"\"", "is empty"},
+        {"service", "network", "\"sat\"", "\"set\"", "is \"set\", and there is no such network; did you mean \"sat\"?"},
+        {"service", "onid", "1", "\"1\"", "is not a whole number from 0 to 65535"},
+        {"service", "onid", "1", "65536", "is 65536 but must be from 0 to 65535"},
+        {"service", "sid", "3", "1e300", "is not a whole number from 0 to 65535"},
+        {"service", "type", "\"TV\"", "\"tv\"", "is \"tv\", which is unknown; did you mean \"TV\"?"},
+        {"service", "type", "\"TV\"", "\"Television\"",
+         "is \"Television\", which is unknown; known are \"OTHER\", \"RADIO\", \"TV\""},
+        {"service", "number", "4", "0", "is 0 but must be from 1 to 9999"},
+        {"component", "pid", "100", "8191", "is 8191 but must be from 0 to 8190"},
+        {"component", "encoding", "\"AVC_HD_25\"", "\"AVC_HD25\"",
+         "is \"AVC_HD25\", which is unknown; did you mean \"AVC_HD_25\"?"}};
+    for (const Row& row : rows) {
+        const std::string member = std::string("\"") + row.member + "\"";
+        EXPECT_EQ(Refusal(With(member + ": " + row.good, member + ": " + row.bad)),
+                  "the member " + member + " of the " + row.owner + " " + row.complaint);
+    }
+}
+
+TEST(LineUpFile, IsRefusedIfAnOptionalMemberOfAServiceHasAnInvalidValue) {
+    struct Row {
+        const char* member;
+        std::string value;
+        const char* complaint;
+    };
+    const Row rows[] = {
+        {"listed", "1", "is neither true nor false"},
+        {"access", "\"scrambbled\"", "is \"scrambbled\", which is unknown; did you mean \"scrambled\"?"},
+        {"reception", "\"bad\"", "is \"bad\", which is unknown; known are \"good\", \"none\""},
+        {"genres", "\"News\"", "is not a list"},
+        {"genres", "[\"a\"" + Repeated(", \"a\"", 256) + "]", "has more than 256 genres"},
+        {"longName", "\"\"", "is empty"},
+        {"description", "[]", "is not a string"},
+        {"logo", "1", "is not a string"},
+        {"programmeId", "1", "is not a string"},
+        {"hidden", "\"yes\"", "is neither true nor false"},
+        {"frequency", "0", "is 0 but must be from 1 to 100000000"},
+        {"frequency", "11.5", "is not a whole number from 1 to 100000000"}};
+    for (const Row& row : rows) {
+        const std::string member = std::string("\"") + row.member + "\"";
+        EXPECT_EQ(Refusal(File(Service(member + ": " + row.value + ", "))),
+                  "the member " + member + " of the service " + row.complaint);
+    }
+}
+
+TEST(LineUpFile, IsRefusedIfServicesContradictThemselvesOrEachOther) {
+    const std::string listed = "is allowed only in services that are in the channel list";
+    const std::map<std::string, std::string> refused{
+        {With("\"name\": \"A\", ", ""), "the service lacks the member \"name\""},
+        {With("\"TV\", ", "\"RADIO\", \"definition\": \"HD\", "),
+         "the member \"definition\" of the service is allowed only in services with a picture"},
+        {File(Service("\"listed\": false, ")), "the member \"number\" of the service " + listed},
+        {WithB("9", R"("listed": false, "hidden": true)"), "the member \"hidden\" of the service " + listed},
+        {WithB("3", R"("number": 5)"), "there is another service with the onid, tsid and sid of \"B\""},
+        {WithB("9", R"("number": 4)"),
+         "the member \"number\" of the service is 4 and follows 4: services stand in the order of their numbers"},
+        {File(Service("\"genres\": [\"News\", 3], ")), "a genre is not a string, or is empty"},
+        {File(Service("\"genres\": [\"\"], ")), "a genre is not a string, or is empty"}};
+    for (const auto& [text, sentence] : refused) EXPECT_EQ(Refusal(text), sentence) << text;
+}
+
+TEST(LineUpFile, IsRefusedIfAFavouriteListIsInvalid) {
+    const std::map<std::string, std::string> refused{
+        {R"({"id": "f", "services": []})", "the favourite list lacks the member \"name\""},
+        {R"({"id": "f", "name": "F", "service": []})",
+         "a favourite list has no member \"service\"; did you mean \"services\"?"},
+        {R"({"id": "f", "name": "F", "services": []}, {"id": "f", "name": "G", "services": []})",
+         "the member \"id\" of the favourite list is \"f\", as that of another favourite list"},
+        {R"({"id": "f", "name": "F", "services": [{"onid": 1, "tsid": 2}]})", "the favourite lacks the member \"sid\""},
+        {R"({"id": "f", "name": "F", "services": [{"onid": 1, "tsid": 2, "sid": 4}]})",
+         "there is no service with the onid, tsid and sid of this favourite"}};
+    for (const auto& [lists, sentence] : refused) EXPECT_EQ(Refusal(FileWith(lists)), sentence) << lists;
+}
+
+TEST(LineUpFile, IsRefusedIfAComponentIsInvalid) {
+    const std::string picture = kPicture;
+    const std::string sound = picture + R"(, {"type": "audio", "tag": 2, "pid": 101, )";
+    const std::string german = sound + R"("encoding": "AC3", "language": "deu", )";
+    const std::map<std::string, std::string> refused{
+        {"", "the member \"components\" of the service is empty"},
+        {picture + ", " + picture, "\"A\" has another component with the tag 1"},
+        {sound + R"("encoding": "AVC_HD_25", "language": "deu"})",
+         "the member \"encoding\" of the component is \"AVC_HD_25\", which is unknown; known are \"AC3\", "
+         "\"DTS\", \"E-AC3\", \"HEAAC\", \"HEAAC2\", \"HEAAC_MPS\", \"MPEG1_L2\""},
+        {sound + R"("encoding": "AC3"})", "the component lacks the member \"language\""},
+        {sound + R"("encoding": "AC3", "language": "de"})",
+         "the member \"language\" of the component is not an ISO 639-2 code of three lower-case letters"},
+        {german + R"("channels": 99})", "the member \"channels\" of the component is 99 but must be from 1 to 24"},
+        {german + R"("aspectRatio": 1.78})",
+         "the member \"aspectRatio\" of the component is allowed only in video components"},
+        {R"({"type": "video", "tag": 1, "pid": 100, "encoding": "AVC_HD_25", "aspectRatio": 178})",
+         "the member \"aspectRatio\" of the component is not a number from 1.0 to 3.0"}};
+    for (const auto& [components, sentence] : refused) {
+        EXPECT_EQ(Refusal(File(Service("", components))), sentence) << components;
+    }
+}
 
 TEST(LineUpFile, CutOffAnywhereIsRefusedAndNeverRead) {
     const std::string text = File(Service(""));

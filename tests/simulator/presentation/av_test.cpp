@@ -24,32 +24,20 @@ class AvComponents : public VideoBroadcastFixture {
     }
 };
 
-struct ComponentFact {
-    const char* getter;
-    Json::Value picture, sound, subtitle;
-};
-
 TEST_F(AvComponents, ReturnWhatTheLineUpSaysAboutThem) {
     const std::string vb = Presenting(1);
     const std::string picture = Component(vb, kVideo, 0);
     const std::string sound = Component(vb, kAudio, 0);
     const std::string subtitle = Component(vb, kSubtitle, 0);
-    const std::vector<ComponentFact> facts{{"GetComponentTag", 6, 7, 8},
-                                           {"GetPid", 666, 777, 888},
-                                           {"GetType", 0, 1, 2},
-                                           {"GetEncoding", "AVC_HD_25", "AC3", "DVB-SUBT"},
-                                           {"GetEncrypted", false, true, false},
-                                           {"GetAspectRatio", 1.33, 0.0, 0.0},
-                                           {"GetLanguage", "", "fra", "deu"},
-                                           {"GetAudioDescription", false, true, false},
-                                           {"GetAudioChannelNum", 0, 5, 0},
-                                           {"GetHearingImpaired", false, false, true},
-                                           {"GetLabel", "", "Ton \xc3\xa9", ""}};
-    for (const ComponentFact& fact : facts) {
-        EXPECT_EQ(GetOf(picture, fact.getter), fact.picture) << fact.getter;
-        EXPECT_EQ(GetOf(sound, fact.getter), fact.sound) << fact.getter;
-        EXPECT_EQ(GetOf(subtitle, fact.getter), fact.subtitle) << fact.getter;
-    }
+    ExpectValues(picture, R"({"GetComponentTag": 6, "GetPid": 666, "GetType": 0, "GetEncoding": "AVC_HD_25",
+                              "GetEncrypted": false, "GetAspectRatio": 1.33, "GetLanguage": "", "GetLabel": "",
+                              "GetAudioDescription": false, "GetAudioChannelNum": 0, "GetHearingImpaired": false})");
+    ExpectValues(sound, R"({"GetComponentTag": 7, "GetPid": 777, "GetType": 1, "GetEncoding": "AC3",
+                            "GetEncrypted": true, "GetAspectRatio": 0.0, "GetLanguage": "fra", "GetLabel": "Ton \u00e9",
+                            "GetAudioDescription": true, "GetAudioChannelNum": 5, "GetHearingImpaired": false})");
+    ExpectValues(subtitle, R"({"GetComponentTag": 8, "GetPid": 888, "GetType": 2, "GetEncoding": "DVB-SUBT",
+                               "GetEncrypted": false, "GetAspectRatio": 0.0, "GetLanguage": "deu", "GetLabel": "",
+                               "GetAudioDescription": false, "GetAudioChannelNum": 0, "GetHearingImpaired": true})");
 }
 
 TEST_F(AvComponents, CreatedByAClientReturnTheirDescription) {
@@ -59,13 +47,8 @@ TEST_F(AvComponents, CreatedByAClientReturnTheirDescription) {
                                        {"audioDescription", true},
                                        {"channels", 7},
                                        {"encoding", "HEAAC"}});
-    EXPECT_EQ(GetOf(made, "GetComponentTag"), -1);
-    EXPECT_EQ(GetOf(made, "GetPid"), 0);
-    EXPECT_EQ(GetOf(made, "GetType"), 1);
-    EXPECT_EQ(GetOf(made, "GetEncoding"), "HEAAC");
-    EXPECT_EQ(GetOf(made, "GetLanguage"), "ita");
-    EXPECT_EQ(GetOf(made, "GetAudioDescription"), true);
-    EXPECT_EQ(GetOf(made, "GetAudioChannelNum"), 7);
+    ExpectValues(made, R"({"GetComponentTag": -1, "GetPid": 0, "GetType": 1, "GetEncoding": "HEAAC",
+                           "GetLanguage": "ita", "GetAudioDescription": true, "GetAudioChannelNum": 7})");
 }
 
 TEST_F(AvComponents, OfAListAreTheSameHandlesAsTheSelectedOnes) {

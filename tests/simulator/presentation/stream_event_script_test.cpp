@@ -4,34 +4,12 @@
 namespace hbbtv::test {
 namespace {
 
-const char* const kUrl = "dvb://1.1.1/sevent";
-
 class StreamEventScripts : public VideoBroadcastFixture {
   protected:
     void Begin(const std::string& script) {
         WriteFile(mDirectory / "events.json", script);
         Start({"--stream-events", mDirectory / "events.json"});
         mVb = ObjectIn("presenting");
-    }
-
-    int Listen(const std::string& name, const std::string& url = kUrl,
-               const std::string& operation = "AddStreamEventListener") {
-        return Ret(operation, {{"strurl", url}, {"dvburl", "dvb://1.1.1.13"}, {"event_name", name}});
-    }
-
-    int StopListening(const std::string& name) { return Listen(name, kUrl, "RemoveStreamEventListener"); }
-
-    // Returns "name data text status" of the next event.
-    std::string Next() {
-        const Event next = NextEventOf("video_broadcast");
-        EXPECT_EQ(next.name, "TOLM_VB_EVENT_STREAM_EVENT");
-        const Json::Value& event = next.members;
-        std::string text;
-        for (unsigned i = 0; i < event["textLen"].asUInt(); ++i) {
-            text += static_cast<char>(event["text" + std::to_string(i)].asUInt());
-        }
-        return event["url"].asString() + " " + event["eventName"].asString() + " [" + event["data"].asString() + "] [" +
-               text + "] " + event["status"].asString();
     }
 
     std::string mVb;
@@ -44,10 +22,10 @@ TEST_F(StreamEventScripts, ComeInTheirTimeWithDataInHexadecimalAndTextInUtf8) {
         " {\"at\": \"120ms\", \"name\": \"quiz\", \"data\": \"00\", \"text\": \"zero\"},"
         " {\"at\": \"180ms\", \"name\": \"quiz\"}]");
     EXPECT_EQ(Listen("quiz"), 0);
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent quiz [4a6fff21] [Jo!] trigger") << "what is not UTF-8 is left out";
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent quiz [4bc3b66c6e] [K\xc3\xb6ln] trigger");
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent quiz [00] [zero] trigger");
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent quiz [] [] trigger");
+    EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent quiz [4a6fff21] [Jo!] trigger") << "what is not UTF-8 is left out";
+    EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent quiz [4bc3b66c6e] [K\xc3\xb6ln] trigger");
+    EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent quiz [00] [zero] trigger");
+    EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent quiz [] [] trigger");
     EXPECT_TRUE(EventsSoFar(mVb).empty()) << "each came once";
 }
 
@@ -56,40 +34,40 @@ TEST_F(StreamEventScripts, GoToTheListenersOfTheirUrlAndName) {
               {"at": "150ms", "url": "dvb://x/other", "name": "a", "text": "3"}, {"at": "200ms", "text": "4"}])");
     EXPECT_EQ(Listen("a"), 0);
     EXPECT_EQ(Listen("b", "dvb://x/other"), 0);
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent a [31] [1] trigger");
-    EXPECT_EQ(Next(), "dvb://x/other b [32] [2] trigger");
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent a [34] [4] trigger");
-    EXPECT_EQ(Next(), "dvb://x/other b [34] [4] trigger");
+    EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent a [31] [1] trigger");
+    EXPECT_EQ(NextStreamEvent(), "dvb://x/other b [32] [2] trigger");
+    EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent a [34] [4] trigger");
+    EXPECT_EQ(NextStreamEvent(), "dvb://x/other b [34] [4] trigger");
 }
 
 TEST_F(StreamEventScripts, ThatRepeatComeAgainAndAgain) {
     Begin(R"([{"every": "20ms", "text": "tick"}])");
     EXPECT_EQ(Listen("clock"), 0);
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(Next(), "dvb://1.1.1/sevent clock [7469636b] [tick] trigger");
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent clock [7469636b] [tick] trigger");
     EXPECT_EQ(StopListening("clock"), 0);
     EventsSoFar(mVb);
     EXPECT_EQ(Listen("other"), 0);
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent other [7469636b] [tick] trigger") << "the script started again";
+    EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent other [7469636b] [tick] trigger") << "the script started again";
 }
 
 TEST_F(StreamEventScripts, OfStatusErrorEndTheirListeners) {
     Begin(R"([{"at": "20ms", "name": "a", "status": "error"}, {"at": "60ms", "text": "x"}])");
     EXPECT_EQ(Listen("a"), 0);
     EXPECT_EQ(Listen("b"), 0);
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent a [] [] error");
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent b [78] [x] trigger");
+    EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent a [] [] error");
+    EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent b [78] [x] trigger");
     EXPECT_EQ(StopListening("a"), -1);
 }
 
 TEST_F(StreamEventScripts, EndWithTheServiceAndBeginAgainWithTheNextListener) {
     Begin(R"([{"at": "0ms", "text": "first"}, {"at": "10s", "text": "late"}])");
     EXPECT_EQ(Listen("a"), 0);
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent a [6669727374] [first] trigger");
+    EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent a [6669727374] [first] trigger");
     EXPECT_EQ(SetChannel(mVb, Channel(mVb, 2)), 0);
     EXPECT_EQ(EventsUntil("PlayState 2 0"), (std::vector<std::string>{"PlayState 1 0", "StreamEvent a error",
                                                                       "ChannelChanged Two 0", "PlayState 2 0"}));
     EXPECT_EQ(Listen("a"), 0);
-    EXPECT_EQ(Next(), "dvb://1.1.1/sevent a [6669727374] [first] trigger");
+    EXPECT_EQ(NextStreamEvent(), "dvb://1.1.1/sevent a [6669727374] [first] trigger");
 }
 
 TEST_F(StreamEventScripts, ExitWithCode3AndTheLineIfInvalid) {

@@ -117,6 +117,18 @@ std::string VideoBroadcastFixture::NextEvent() {
     return text.str();
 }
 
+std::string VideoBroadcastFixture::NextStreamEvent() {
+    const Event next = NextEventOf("video_broadcast");
+    EXPECT_EQ(next.name, "TOLM_VB_EVENT_STREAM_EVENT");
+    const Json::Value& event = next.members;
+    std::string text;
+    for (unsigned i = 0; i < event["textLen"].asUInt(); ++i) {
+        text += static_cast<char>(event["text" + std::to_string(i)].asUInt());
+    }
+    return event["url"].asString() + " " + event["eventName"].asString() + " [" + event["data"].asString() + "] [" +
+           text + "] " + event["status"].asString();
+}
+
 Events VideoBroadcastFixture::EventsUntil(const std::string& last) {
     Events events;
     do {

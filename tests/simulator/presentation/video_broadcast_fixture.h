@@ -42,6 +42,17 @@ class VideoBroadcastFixture : public SimulatorFixture {
     // Returns the next event as text, with channels by name: "PlayState 1 0", "ChannelError Two 5".
     std::string NextEvent();
 
+    int Listen(const std::string& name, const std::string& url = "dvb://1.1.1/sevent",
+               const std::string& operation = "AddStreamEventListener") {
+        return Ret(operation, {{"strurl", url}, {"dvburl", "dvb://1.1.1.13"}, {"event_name", name}});
+    }
+    int StopListening(const std::string& name) {
+        return Listen(name, "dvb://1.1.1/sevent", "RemoveStreamEventListener");
+    }
+
+    // Returns the next event, which is a stream event: "URL name [data] [text] status".
+    std::string NextStreamEvent();
+
     // Returns the members of the next event.
     Json::Value NextMembers() { return NextEventOf("video_broadcast").members; }
 

@@ -165,20 +165,18 @@ TEST_F(Searching, KeepsToItsConstraints) {
 TEST_F(Searching, FindsTheProgrammesOfOneServiceFromATimeOn) {
     const auto search = New();
     search->SetQuery(Named("nothing"));
-    search->FindFrom(mGuide.services[0], 149, 2);
-    EXPECT_EQ(Found(*search), "a1 b2") << "also the one that runs at that time";
-    search->FindFrom(mGuide.services[0], 150, 10);
-    EXPECT_EQ(Found(*search), "b2 a3");
-    search->FindFrom(mGuide.services[0], 0, 1);
-    EXPECT_EQ(Found(*search), "a1");
-    search->FindFrom(mGuide.services[0], 300, 10);
-    EXPECT_EQ(Found(*search), "") << "it ended at that time";
-    search->FindFrom(mGuide.services[0], 0, 0);
-    EXPECT_EQ(Found(*search), "");
-    search->FindFrom(mGuide.services[0], 4294967295, 10);
-    EXPECT_EQ(Found(*search), "");
-    search->FindFrom(nullptr, 0, 10);
-    EXPECT_EQ(Found(*search), "");
+    const auto found = [&](const std::shared_ptr<Service>& service, std::time_t time, unsigned count) {
+        search->FindFrom(service, time, count);
+        return Found(*search);
+    };
+    const auto one = mGuide.services[0];
+    EXPECT_EQ(found(one, 149, 2), "a1 b2") << "also the one that runs at that time";
+    EXPECT_EQ(found(one, 150, 10), "b2 a3");
+    EXPECT_EQ(found(one, 0, 1), "a1");
+    EXPECT_EQ(found(one, 300, 10), "") << "it ended at that time";
+    EXPECT_EQ(found(one, 0, 0), "");
+    EXPECT_EQ(found(one, 4294967295, 10), "");
+    EXPECT_EQ(found(nullptr, 0, 10), "");
 }
 
 TEST_F(Searching, IsIdleAgainWhenWhatIsLookedForChanges) {

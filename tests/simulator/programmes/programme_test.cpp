@@ -1,4 +1,5 @@
 // The programme family: every operation against an XMLTV file, what clients set, and the descriptors on the wire.
+#include "programmes/bytes.h"
 #include "programmes/programme_fixture.h"
 #include "wait_for.h"
 
@@ -31,12 +32,9 @@ class Programmes : public ProgrammeFixture {
 TEST_F(Programmes, ReturnWhatTheFileSays) {
     StartWith(kProgrammes);
     const std::string programme = ProgrammeOf(Presenting(1), 0);
-    EXPECT_EQ(GetOf(programme, "GetName"), "Long Day - The Start");
-    EXPECT_EQ(GetOf(programme, "GetDescription"), "It begins.");
-    EXPECT_EQ(GetOf(programme, "GetLongDescription"), "It begins.");
-    EXPECT_EQ(GetOf(programme, "GetStartTime"), 1577836800);
-    EXPECT_EQ(GetOf(programme, "GetDuration"), 536544000);
-    EXPECT_EQ(GetOf(programme, "GetChannelID"), "ccid:1.1.1");
+    ExpectValues(programme, R"({"GetName": "Long Day - The Start", "GetDescription": "It begins.",
+                                "GetLongDescription": "It begins.", "GetStartTime": 1577836800,
+                                "GetDuration": 536544000, "GetChannelID": "ccid:1.1.1"})");
     // 1577836800 / 60 = 26297280 = 401 * 65536 + 17344, and 17344 is 43c0.
     EXPECT_EQ(GetOf(programme, "GetProgramID"), "dvb://1.1.1;43c0");
     EXPECT_EQ(GetOf(programme, "GetProgramIDType"), 1);
@@ -74,24 +72,16 @@ TEST_F(Programmes, KeepWhatClientsSetAndStayWhereTheyAre) {
     const std::string programme = ProgrammeOf(vb, 0);
     const std::string odd = std::string("\"\\\n\x01 K\xc3\xb6ln \xf0\x9f\x93\xba\0.", 17);
     EXPECT_EQ(RetOf(programme, "SetName", {{"in_name", odd}}), 0);
-    EXPECT_EQ(RetOf(programme, "SetDescription", {{"in_desc", "short"}}), 0);
-    EXPECT_EQ(RetOf(programme, "SetLongDescription", {{"in_longDesc", ""}}), 0);
-    EXPECT_EQ(RetOf(programme, "SetStartTime", {{"in_startTime", -5}}), 0);
-    EXPECT_EQ(RetOf(programme, "SetDuration", {{"in_duration", 2147483647}}), 0);
-    EXPECT_EQ(RetOf(programme, "SetChannelID", {{"in_channelID", "ccid:9"}}), 0);
-    EXPECT_EQ(RetOf(programme, "SetProgramID", {{"in_programID", "crid://a/b"}}), 0);
-    EXPECT_EQ(RetOf(programme, "SetProgramIDType", {{"in_programIDType", 2}}), 0);
+    ExpectTaken(programme, R"({"SetDescription": "short", "SetLongDescription": "", "SetStartTime": -5,
+                               "SetDuration": 2147483647, "SetChannelID": "ccid:9", "SetProgramID": "crid://a/b",
+                               "SetProgramIDType": 2})");
     EXPECT_EQ(RetOf(programme, "Release"), 0);
     const std::string again = ProgrammeOf(vb, 0);
     EXPECT_NE(again, programme);
     EXPECT_EQ(GetOf(again, "GetName"), odd);
-    EXPECT_EQ(GetOf(again, "GetDescription"), "short");
-    EXPECT_EQ(GetOf(again, "GetLongDescription"), "");
-    EXPECT_EQ(GetOf(again, "GetStartTime"), -5);
-    EXPECT_EQ(GetOf(again, "GetDuration"), 2147483647);
-    EXPECT_EQ(GetOf(again, "GetChannelID"), "ccid:9");
-    EXPECT_EQ(GetOf(again, "GetProgramID"), "crid://a/b");
-    EXPECT_EQ(GetOf(again, "GetProgramIDType"), 2);
+    ExpectValues(again, R"({"GetDescription": "short", "GetLongDescription": "", "GetStartTime": -5,
+                            "GetDuration": 2147483647, "GetChannelID": "ccid:9", "GetProgramID": "crid://a/b",
+                            "GetProgramIDType": 2})");
 }
 
 // Unchanged programmes are discarded in the meantime and generated again when they are requested.
@@ -148,32 +138,12 @@ TEST_F(Programmes, ReturnTheirDescriptorsByteByByte) {
     StartWith(kProgrammes);
     const std::string programme = ProgrammeOf(Presenting(1), 0);
     ASSERT_EQ(GetOf(programme, "GetSIDescriptorNum"), 6);
-    EXPECT_EQ(Descriptor(programme, 0),
-              "\x4d\x23"
-              "deu"
-              "\x14"
-              "Long Day - The Start"
-              "\x0a"
-              "It begins.");
-    EXPECT_EQ(Descriptor(programme, 1), std::string("\x4e\x10\x00"
-                                                    "deu"
-                                                    "\x00\x0a"
-                                                    "It begins.",
-                                                    18));
-    EXPECT_EQ(Descriptor(programme, 2),
-              "\x50\x06\xf1\x03\x01"
-              "und")
-        << "MPEG-2, 16:9, 25 Hz";
-    EXPECT_EQ(Descriptor(programme, 3),
-              "\x50\x06\xf2\x03\x02"
-              "deu")
-        << "MPEG-1 layer 2, stereo";
+    EXPECT_EQ(Descriptor(programme, 0), Bytes("\x4d\x23", "deu", "\x14", "Long Day - The Start", "\x0a", "It begins."));
+    EXPECT_EQ(Descriptor(programme, 1), Bytes("\x4e\x10\x00", "deu", "\x00\x0a", "It begins."));
+    EXPECT_EQ(Descriptor(programme, 2), Bytes("\x50\x06\xf1\x03\x01", "und")) << "MPEG-2, 16:9, 25 Hz";
+    EXPECT_EQ(Descriptor(programme, 3), Bytes("\x50\x06\xf2\x03\x02", "deu")) << "MPEG-1 layer 2, stereo";
     EXPECT_EQ(Descriptor(programme, 4), std::string("\x54\x02\x20\x00", 4)) << "news";
-    EXPECT_EQ(Descriptor(programme, 5),
-              "\x55\x04"
-              "DEU"
-              "\x09")
-        << "from 12";
+    EXPECT_EQ(Descriptor(programme, 5), Bytes("\x55\x04", "DEU", "\x09")) << "from 12";
     EXPECT_EQ(RetOf(programme, "GetSIDescriptorByIndex", {{"in_index", 6u}}), -1);
     EXPECT_EQ(RetOf(programme, "GetSIDescriptorByIndex", {{"in_index", 4294967295u}}), -1);
 }
@@ -184,16 +154,11 @@ TEST_F(Programmes, ReturnOnlyTheDescriptorsOfARequestedTag) {
     const std::string programme = ProgrammeOf(vb, 0);
     EXPECT_EQ(Want(programme, 0x50), 0);
     EXPECT_EQ(GetOf(programme, "GetSIDescriptorNum"), 2);
-    EXPECT_EQ(Descriptor(programme, 1),
-              "\x50\x06\xf2\x03\x02"
-              "deu");
+    EXPECT_EQ(Descriptor(programme, 1), Bytes("\x50\x06\xf2\x03\x02", "deu"));
     EXPECT_EQ(RetOf(programme, "GetSIDescriptorByIndex", {{"in_index", 2u}}), -1);
     SendOf(programme, "GetSIDescriptorByEventId", {{"in_descTag", 0x55}, {"in_descTagExt", -1}, {"in_priDataSpec", 9}});
     EXPECT_EQ(GetOf(programme, "GetSIDescriptorNum"), 1);
-    EXPECT_EQ(Descriptor(programme, 0),
-              "\x55\x04"
-              "DEU"
-              "\x09");
+    EXPECT_EQ(Descriptor(programme, 0), Bytes("\x55\x04", "DEU", "\x09"));
     EXPECT_EQ(Want(programme, 0x7f), 0);
     EXPECT_EQ(GetOf(programme, "GetSIDescriptorNum"), 0);
     EXPECT_EQ(Want(programme, 256), -1);
@@ -210,20 +175,13 @@ TEST_F(Programmes, BuildTheirDescriptorsFromWhatClientsSet) {
     StartWith(kProgrammes);
     const std::string programme = ProgrammeOf(Presenting(1), 1);
     EXPECT_EQ(RetOf(programme, "SetName", {{"in_name", "\xc3\xa9"}}), 0);
-    EXPECT_EQ(Descriptor(programme, 0), std::string("\x4d\x08"
-                                                    "und"
-                                                    "\x03\x15\xc3\xa9\x00",
-                                                    10))
-        << "UTF-8";
+    EXPECT_EQ(Descriptor(programme, 0), Bytes("\x4d\x08", "und", "\x03\x15\xc3\xa9\x00")) << "UTF-8";
     EXPECT_EQ(RetOf(programme, "SetLongDescription", {{"in_longDesc", std::string(1000000 / 4, 'x')}}), 0);
     EXPECT_EQ(Want(programme, 0x4e), 0);
     ASSERT_EQ(GetOf(programme, "GetSIDescriptorNum"), 16);
     const std::string last = Descriptor(programme, 15);
     EXPECT_EQ(last.size(), 256u);
-    EXPECT_EQ(last.substr(0, 8), std::string("\x4e\xfe\xff"
-                                             "und"
-                                             "\x00\xf8",
-                                             8));
+    EXPECT_EQ(last.substr(0, 8), Bytes("\x4e\xfe\xff", "und", "\x00\xf8"));
 }
 
 class ProgrammeFiles : public SimulatorFixture {

@@ -88,9 +88,18 @@ std::string SearchFixture::NextState() {
     return event["state"].asString() + (search == mSearch ? "" : " of " + search);
 }
 
-std::string SearchFixture::Results() {
+void SearchFixture::Finish() {
     EXPECT_EQ(GetResults(mResults), 0);
     EXPECT_EQ(NextState(), "0");
+}
+
+void SearchFixture::Finish(const std::string& query) {
+    EXPECT_EQ(SetQuery(mSearch, query), 0);
+    Finish();
+}
+
+std::string SearchFixture::Results() {
+    Finish();
     return Titles(mResults);
 }
 

@@ -39,6 +39,10 @@ class SearchFixture : public ChannelFixture {
     // Returns the state in the next event: "0", or "0 of 0x5a1f" when it is not about mSearch.
     std::string NextState();
 
+    // Lets mSearch finish, first with another query.
+    void Finish();
+    void Finish(const std::string& query);
+
     // Lets mSearch finish and returns the titles that it finds.
     std::string Results();
 

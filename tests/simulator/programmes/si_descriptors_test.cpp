@@ -3,11 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include "programmes/bytes.h"
 #include "television/programmes/si/si_codes.h"
 
 namespace hbbtv::sim {
 namespace {
 
+using test::Bytes;
 using Texts = std::vector<std::string>;
 
 class Descriptors : public testing::Test {
@@ -29,71 +31,39 @@ class Descriptors : public testing::Test {
     std::shared_ptr<Programme> mProgramme = MakeProgramme(mService, {0, 60}, 1);
 };
 
-// Returns a string with zero bytes.
-template <size_t N>
-std::string Bytes(const char (&text)[N]) {
-    return std::string(text, N - 1);
-}
-
 TEST_F(Descriptors, OfAShortEventHoldLanguageNameAndDescription) {
     mProgramme->name = "News";
     mProgramme->description = "All of it.";
-    EXPECT_EQ(DescriptorsOf(*mProgramme), Texts{Bytes("\x4d\x13"
-                                                      "eng"
-                                                      "\x04"
-                                                      "News"
-                                                      "\x0a"
-                                                      "All of it.")});
+    EXPECT_EQ(DescriptorsOf(*mProgramme), Texts{Bytes("\x4d\x13", "eng", "\x04", "News", "\x0a", "All of it.")});
     mProgramme->language = "en";
     mProgramme->name = mProgramme->description = "";
-    EXPECT_EQ(DescriptorsOf(*mProgramme), Texts{Bytes("\x4d\x05"
-                                                      "und"
-                                                      "\x00\x00")});
+    EXPECT_EQ(DescriptorsOf(*mProgramme), Texts{Bytes("\x4d\x05", "und", "\x00\x00")});
 }
 
 TEST_F(Descriptors, MarkTextsThatAreMoreThanAsciiAsUtf8) {
     mProgramme->name = "K\xc3\xb6ln";
     mProgramme->description = "\x05";
-    EXPECT_EQ(Of(kShortEvent), Texts{Bytes("\x4d\x0d"
-                                           "eng"
-                                           "\x06\x15"
-                                           "K\xc3\xb6ln"
-                                           "\x02\x15\x05")})
+    EXPECT_EQ(Of(kShortEvent), Texts{Bytes("\x4d\x0d", "eng", "\x06\x15", "K\xc3\xb6ln", "\x02\x15\x05")})
         << "a small first byte would choose another table";
 }
 
 TEST_F(Descriptors, OfAShortEventGiveTheNameTheFirstRoom) {
     mProgramme->name = std::string(300, 'n');
     mProgramme->description = "d";
-    EXPECT_EQ(Of(kShortEvent), Texts{Bytes("\x4d\xfe"
-                                           "eng"
-                                           "\xf9") +
-                                     std::string(249, 'n') + Bytes("\x00")});
+    EXPECT_EQ(Of(kShortEvent), Texts{Bytes("\x4d\xfe", "eng", "\xf9") + std::string(249, 'n') + Bytes("\x00")});
     mProgramme->name = std::string(247, 'n');
     mProgramme->description = "\xc3\xb6\xc3\xb6";
-    EXPECT_EQ(Of(kShortEvent), Texts{Bytes("\x4d\xfc"
-                                           "eng"
-                                           "\xf7") +
-                                     std::string(247, 'n') + Bytes("\x00")})
+    EXPECT_EQ(Of(kShortEvent), Texts{Bytes("\x4d\xfc", "eng", "\xf7") + std::string(247, 'n') + Bytes("\x00")})
         << "room for the mark and half a letter";
     mProgramme->name = std::string(246, 'n');
-    EXPECT_EQ(Of(kShortEvent), Texts{Bytes("\x4d\xfe"
-                                           "eng"
-                                           "\xf6") +
-                                     std::string(246, 'n') + Bytes("\x03\x15\xc3\xb6")});
+    EXPECT_EQ(Of(kShortEvent),
+              Texts{Bytes("\x4d\xfe", "eng", "\xf6") + std::string(246, 'n') + Bytes("\x03\x15\xc3\xb6")});
 }
 
 TEST_F(Descriptors, OfExtendedEventsShareALongText) {
     mProgramme->longDescription = std::string(248, 'a') + std::string(2, 'b');
-    const std::string first = Bytes(
-                                  "\x4e\xfe\x01"
-                                  "eng"
-                                  "\x00\xf8") +
-                              std::string(248, 'a');
-    EXPECT_EQ(Of(kExtendedEvent), (Texts{first, Bytes("\x4e\x08\x11"
-                                                      "eng"
-                                                      "\x00\x02"
-                                                      "bb")}));
+    const std::string first = Bytes("\x4e\xfe\x01", "eng", "\x00\xf8") + std::string(248, 'a');
+    EXPECT_EQ(Of(kExtendedEvent), (Texts{first, Bytes("\x4e\x08\x11", "eng", "\x00\x02", "bb")}));
     EXPECT_EQ(first.size(), 256u);
     mProgramme->longDescription.clear();
     EXPECT_EQ(Of(kExtendedEvent), Texts());
@@ -104,12 +74,8 @@ TEST_F(Descriptors, OfExtendedEventsDoNotCutACharacterAndEndAfter16) {
     mProgramme->longDescription += "a\xc3\xb6";
     const Texts two = Of(kExtendedEvent);
     ASSERT_EQ(two.size(), 2u) << "82 signs of 3 bytes, a letter and the mark are 248 bytes";
-    EXPECT_EQ(two[0].substr(0, 12), Bytes("\x4e\xfe\x01"
-                                          "eng"
-                                          "\x00\xf8\x15\xe2\x82\xac"));
-    EXPECT_EQ(two[1], Bytes("\x4e\x09\x11"
-                            "eng"
-                            "\x00\x03\x15\xc3\xb6"));
+    EXPECT_EQ(two[0].substr(0, 12), Bytes("\x4e\xfe\x01", "eng", "\x00\xf8\x15\xe2\x82\xac"));
+    EXPECT_EQ(two[1], Bytes("\x4e\x09\x11", "eng", "\x00\x03\x15\xc3\xb6"));
     mProgramme->longDescription = std::string(16 * 248 + 1, 'x');
     const Texts most = Of(kExtendedEvent);
     ASSERT_EQ(most.size(), 16u);
@@ -132,25 +98,16 @@ TEST_F(Descriptors, OfComponentsHoldStreamTypeTagLanguageAndLabel) {
     Component sound = ComponentOf(ComponentType::Audio, "AC3", 5);
     sound.tag = 0xff;
     sound.language = "fra";
-    sound.label =
-        "d\xc3\xa9"
-        "but";
+    sound.label = Bytes("d\xc3\xa9", "but");
     const Component unknown = ComponentOf(ComponentType::Subtitle, "3GPP-TT");
     for (const Component& component : {picture, sound, unknown}) {
         mService->components.push_back(std::make_shared<Component>(component));
     }
-    EXPECT_EQ(Of(kComponent), (Texts{Bytes("\x50\x06\xf5\x0b\x01"
-                                           "und"),
-                                     Bytes("\x50\x0d\xf4\x44\xff"
-                                           "fra"
-                                           "\x15"
-                                           "d\xc3\xa9"
-                                           "but")}));
+    EXPECT_EQ(Of(kComponent), (Texts{Bytes("\x50\x06\xf5\x0b\x01", "und"),
+                                     Bytes("\x50\x0d\xf4\x44\xff", "fra", "\x15", "d\xc3\xa9", "but")}));
     sound.label = std::string(1000, 'l');
     mProgramme->components = {std::make_shared<Component>(sound)};
-    EXPECT_EQ(Of(kComponent), Texts{Bytes("\x50\xfe\xf4\x44\xff"
-                                          "fra") +
-                                    std::string(248, 'l')})
+    EXPECT_EQ(Of(kComponent), Texts{Bytes("\x50\xfe\xf4\x44\xff", "fra") + std::string(248, 'l')})
         << "the programme's own in place of those of the service";
 }
 
@@ -217,22 +174,21 @@ TEST_F(Descriptors, OfContentHoldAPairOfBytesForEachKnownGenre) {
 }
 
 TEST(Contents, AreThoseOfTable28) {
-    for (const auto& [genre, content] : std::map<std::string, int>{{"Weather", 0x21},
-                                                                   {"Magazine", 0x22},
-                                                                   {"Show", 0x30},
-                                                                   {"Quiz", 0x31},
-                                                                   {"Talk show", 0x33},
-                                                                   {"Sports", 0x40},
-                                                                   {"Children's / Youth programmes", 0x50},
-                                                                   {"Cartoons/Puppets", 0x55},
-                                                                   {"Music", 0x60},
-                                                                   {"Arts / Culture", 0x70},
-                                                                   {"Social/Political issues/Economics", 0x80},
-                                                                   {"Krimi", 0x11},
-                                                                   {"Cooking", 0xa5},
-                                                                   {"Tourism/Travel", 0xa1}}) {
-        EXPECT_EQ(ContentOf(genre), content) << genre;
-    }
+    const std::map<std::string, int> contents{{"Weather", 0x21},
+                                              {"Magazine", 0x22},
+                                              {"Show", 0x30},
+                                              {"Quiz", 0x31},
+                                              {"Talk show", 0x33},
+                                              {"Sports", 0x40},
+                                              {"Children's / Youth programmes", 0x50},
+                                              {"Cartoons/Puppets", 0x55},
+                                              {"Music", 0x60},
+                                              {"Arts / Culture", 0x70},
+                                              {"Social/Political issues/Economics", 0x80},
+                                              {"Krimi", 0x11},
+                                              {"Cooking", 0xa5},
+                                              {"Tourism/Travel", 0xa1}};
+    for (const auto& [genre, content] : contents) EXPECT_EQ(ContentOf(genre), content) << genre;
     EXPECT_FALSE(ContentOf(""));
 }
 
@@ -245,15 +201,8 @@ TEST_F(Descriptors, OfParentalRatingHoldCountryAndAge) {
     AddRating(*mProgramme, {kSchemeDvbSi, "10", 10, 0, ""});
     AddRating(*mProgramme, {kSchemeMpaa, "PG-13", 2, 0, ""});
     AddRating(*mProgramme, {kSchemeDvbSi, "19", 19, 0, ""});
-    EXPECT_EQ(Of(kParentalRating), Texts{Bytes("\x55\x10"
-                                               "DEU"
-                                               "\x0f"
-                                               "GBR"
-                                               "\x01"
-                                               "DEU"
-                                               "\x07"
-                                               "USA"
-                                               "\x0a")});
+    EXPECT_EQ(Of(kParentalRating),
+              Texts{Bytes("\x55\x10", "DEU", "\x0f", "GBR", "\x01", "DEU", "\x07", "USA", "\x0a")});
     for (int i = 0; i < 100; ++i) AddRating(*mProgramme, {kSchemeDvbSi, "10", 10, 0, ""});
     EXPECT_EQ(Of(kParentalRating).at(0).size(), 254u) << "63 of 4 bytes";
 }
