@@ -1,9 +1,7 @@
 // The applications of a line-up: what their members mean, and a message for everything that can be wrong with them.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
-#include "core/error.h"
+#include "line_up/line_up_reading.h"
 #include "television/line_up/line_up.h"
 
 namespace hbbtv::sim {
@@ -25,15 +23,8 @@ SignalledApplication Read(const std::string& members) {
     return *lineUp.services.at(0)->applications.at(0);
 }
 
-// Returns the message with which the file is refused, without its place; empty when it is accepted.
 std::string Refusal(const std::string& applications) {
-    try {
-        ParseLineUp(File(applications), "f");
-        return "";
-    } catch (const Fatal& e) {
-        const char* sentence = std::strchr(e.what(), ' ');
-        return sentence == nullptr ? e.what() : sentence + 1;
-    }
+    return RefusalOf(File(applications));
 }
 
 TEST(ApplicationsOfALineUp, GiveWhatIsLeftOutItsUsualValue) {

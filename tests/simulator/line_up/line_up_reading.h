@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -50,6 +51,17 @@ inline Reading ReadingOfText(const std::string& text) {
 
 inline Reading ReadingOfFile(const std::string& path) {
     return ReadingOf([&](const FileWarning& warn) { return ReadLineUp(path, warn); });
+}
+
+// Returns the message with which a line-up in JSON is refused, without its place; empty when it is accepted.
+inline std::string RefusalOf(const std::string& text) {
+    try {
+        ParseLineUp(text, "f");
+        return "";
+    } catch (const Fatal& e) {
+        const char* sentence = std::strchr(e.what(), ' ');
+        return sentence == nullptr ? e.what() : sentence + 1;
+    }
 }
 
 // Expects that the text is read with these services and warnings: "17: the line is odd".

@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <map>
 
 #include "core/error.h"
+#include "line_up/line_up_reading.h"
 
 namespace hbbtv::sim {
 namespace {
@@ -29,17 +29,6 @@ std::string FileWith(const std::string& favouriteLists) {
     return text;
 }
 
-// Returns the message with which the text is refused, without its place; empty when it is accepted.
-std::string Refusal(const std::string& text) {
-    try {
-        ParseLineUp(text, "f");
-        return "";
-    } catch (const Fatal& e) {
-        const char* sentence = std::strchr(e.what(), ' ');
-        return sentence == nullptr ? e.what() : sentence + 1;
-    }
-}
-
 TEST(LineUpEncodings, AreTheMediaFormatsOfTheirType) {
     const std::map<std::string, std::vector<std::string>> encodings{
         {"video",
@@ -53,7 +42,7 @@ TEST(LineUpEncodings, AreTheMediaFormatsOfTheirType) {
                 const std::string language = type == "video" ? "" : R"("language": "deu", )";
                 const std::string component = R"({"type": ")" + type + R"(", "tag": 1, "pid": 1, )" + language +
                                               R"("encoding": ")" + encoding + "\"}";
-                EXPECT_EQ(Refusal(File(Service("", component))).empty(), type == other) << type << " " << encoding;
+                EXPECT_EQ(RefusalOf(File(Service("", component))).empty(), type == other) << type << " " << encoding;
             }
         }
     }
@@ -190,7 +179,7 @@ TEST(LineUpFile, IsRefusedIfItIsNotALineUp) {
         {File(Service("\"number\": 5, ")), "not valid JSON: Duplicate key: 'number'"},
         {With("{\"networks\"", "{\"favouriteLists\": {}, \"networks\""),
          "the member \"favouriteLists\" of the line-up is not a list"}};
-    for (const auto& [text, sentence] : refused) EXPECT_EQ(Refusal(text), sentence) << text;
+    for (const auto& [text, sentence] : refused) EXPECT_EQ(RefusalOf(text), sentence) << text;
 }
 
 TEST(LineUpFile, IsRefusedIfAMemberHasAnInvalidValue) {
@@ -214,7 +203,7 @@ TEST(LineUpFile, IsRefusedIfAMemberHasAnInvalidValue) {
          "is \"AVC_HD25\", which is unknown; did you mean \"AVC_HD_25\"?"}};
     for (const Row& row : rows) {
         const std::string member = std::string("\"") + row.member + "\"";
-        EXPECT_EQ(Refusal(With(member + ": " + row.good, member + ": " + row.bad)),
+        EXPECT_EQ(RefusalOf(With(member + ": " + row.good, member + ": " + row.bad)),
                   "the member " + member + " of the " + row.owner + " " + row.complaint);
     }
 }
@@ -240,7 +229,7 @@ TEST(LineUpFile, IsRefusedIfAnOptionalMemberOfAServiceHasAnInvalidValue) {
         {"frequency", "11.5", "is not a whole number from 1 to 100000000"}};
     for (const Row& row : rows) {
         const std::string member = std::string("\"") + row.member + "\"";
-        EXPECT_EQ(Refusal(File(Service(member + ": " + row.value + ", "))),
+        EXPECT_EQ(RefusalOf(File(Service(member + ": " + row.value + ", "))),
                   "the member " + member + " of the service " + row.complaint);
     }
 }
@@ -258,7 +247,7 @@ TEST(LineUpFile, IsRefusedIfServicesContradictThemselvesOrEachOther) {
          "the member \"number\" of the service is 4 and follows 4: services stand in the order of their numbers"},
         {File(Service("\"genres\": [\"News\", 3], ")), "a genre is not a string, or is empty"},
         {File(Service("\"genres\": [\"\"], ")), "a genre is not a string, or is empty"}};
-    for (const auto& [text, sentence] : refused) EXPECT_EQ(Refusal(text), sentence) << text;
+    for (const auto& [text, sentence] : refused) EXPECT_EQ(RefusalOf(text), sentence) << text;
 }
 
 TEST(LineUpFile, IsRefusedIfAFavouriteListIsInvalid) {
@@ -271,7 +260,7 @@ TEST(LineUpFile, IsRefusedIfAFavouriteListIsInvalid) {
         {R"({"id": "f", "name": "F", "services": [{"onid": 1, "tsid": 2}]})", "the favourite lacks the member \"sid\""},
         {R"({"id": "f", "name": "F", "services": [{"onid": 1, "tsid": 2, "sid": 4}]})",
          "there is no service with the onid, tsid and sid of this favourite"}};
-    for (const auto& [lists, sentence] : refused) EXPECT_EQ(Refusal(FileWith(lists)), sentence) << lists;
+    for (const auto& [lists, sentence] : refused) EXPECT_EQ(RefusalOf(FileWith(lists)), sentence) << lists;
 }
 
 TEST(LineUpFile, IsRefusedIfAComponentIsInvalid) {
@@ -293,14 +282,14 @@ TEST(LineUpFile, IsRefusedIfAComponentIsInvalid) {
         {R"({"type": "video", "tag": 1, "pid": 100, "encoding": "AVC_HD_25", "aspectRatio": 178})",
          "the member \"aspectRatio\" of the component is not a number from 1.0 to 3.0"}};
     for (const auto& [components, sentence] : refused) {
-        EXPECT_EQ(Refusal(File(Service("", components))), sentence) << components;
+        EXPECT_EQ(RefusalOf(File(Service("", components))), sentence) << components;
     }
 }
 
 TEST(LineUpFile, CutOffAnywhereIsRefusedAndNeverRead) {
     const std::string text = File(Service(""));
     for (size_t length = 0; length < text.size(); ++length) {
-        EXPECT_NE(Refusal(text.substr(0, length)), "") << length;
+        EXPECT_NE(RefusalOf(text.substr(0, length)), "") << length;
     }
 }
 
@@ -310,7 +299,7 @@ TEST(LineUpFile, WithAnyByteReplacedIsReadOrRefusedButNothingElse) {
         for (const char byte : {'\0', '"', '{', ']', '9', '\xff'}) {
             std::string damaged = text;
             damaged[at] = byte;
-            EXPECT_NO_THROW(Refusal(damaged)) << at;
+            EXPECT_NO_THROW(RefusalOf(damaged)) << at;
         }
     }
 }
