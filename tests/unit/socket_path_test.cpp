@@ -1,12 +1,17 @@
 // The paths of socket files. The directory is read once per process, so each of these tests needs its own process.
+#include <android/log.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "ipc/src/tolm_socket_directory.h"
 #include "ipc/tolm_ipc_key_converter.h"
+#include "log_capture.h"
+#include "scratch_directory.h"
 
 namespace {
 
@@ -23,6 +28,17 @@ TEST(SocketPath, IsInTmpWithoutAnEnvironmentVariable) {
     unsetenv("TMPDIR");
     EXPECT_EQ(GetSocketFilePath("service_plugin_to_hbbtv_vb"), "/tmp/service_plugin_to_hbbtv_vb");
     EXPECT_EQ(GetSocketFilePath("service_plugin_to_hbbtv_vb", 7), "/tmp/service_plugin_to_hbbtv_vb_port_7");
+}
+
+TEST(SocketDirectory, IsReportedIfOthersMayReplaceItsFiles) {
+    const hbbtv::test::ScratchDirectory directory;
+    for (const auto& [mode, warnings] :
+         {std::pair<mode_t, size_t>{0700, 0}, {0755, 0}, {0770, 1}, {0777, 1}, {01777, 0}}) {
+        ASSERT_EQ(chmod(directory.Path().c_str(), mode), 0);
+        const hbbtv::test::LogCapture log(ANDROID_LOG_WARN);
+        tolm::CheckSocketDirectory();
+        EXPECT_EQ(log.Lines().size(), warnings) << std::oct << mode << log.Text();
+    }
 }
 
 TEST(SocketPath, OfAClientEndsWithItsPort) {

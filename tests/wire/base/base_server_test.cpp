@@ -105,7 +105,7 @@ TEST_F(BaseServer, RepliesOnTheRequestsPortWithAReply) {
     EXPECT_EQ(7, reply->port);
 }
 
-TEST_F(BaseServer, DropsAnEventThatIsNoObjectWithOneLine) {
+TEST_F(BaseServer, DropsAnEventThatIsNotAnObjectWithOneLine) {
     RawConnection connection = Connect();
     for (const std::string& text : NoObjects()) {
         mLog.Clear();
@@ -131,7 +131,7 @@ TEST_F(BaseServer, DropsAnEventOfMoreThan16MiBAndKeepsTheConnection) {
     EXPECT_TRUE(connection.ReadFrame().has_value());
 }
 
-TEST_F(BaseServer, SendsAnEmptyReplyToARequestThatIsNoObject) {
+TEST_F(BaseServer, SendsAnEmptyReplyToARequestThatIsNotAnObject) {
     for (const std::string& text : NoObjects()) {
         mLog.Clear();
         RawConnection connection = Connect();

@@ -252,7 +252,7 @@ TEST_F(ClientSocket, ClosesItsDescriptors) {
     EXPECT_TRUE(WaitFor([&] { return UsageOfThisProcess().descriptors == before; }));
 }
 
-TEST(ClientSocketFailures, SaysThatItCannotBindAndConnectsAllTheSame) {
+TEST(ClientSocketFailures, LogsThatItCannotBindAndConnectsAnyway) {
     const ScratchDirectory directory;
     std::filesystem::create_directories(directory / kOwnName + "/inside");
     const LogCapture log;

@@ -48,7 +48,7 @@ TEST_F(ProcessExit, ComesWithIdleAndHalfSentConnections) {
     EXPECT_TRUE(search.PeerCloses());
 }
 
-TEST_F(ProcessExit, ComesWithAReplyThatNobodyReads) {
+TEST_F(ProcessExit, ComesWithAnUnreadReply) {
     RawConnection connection = Connect();
     ASSERT_TRUE(connection.Write(FrameBytes(2, 7, "{}")));
     EXPECT_EQ(100u, connection.Read(100).size());

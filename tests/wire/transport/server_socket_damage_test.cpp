@@ -86,7 +86,7 @@ TEST_F(DamagedConnection, GoneAtEachByteOfASecondMessageDeliversTheFirst) {
     }
 }
 
-TEST_F(DamagedConnection, InPiecesOfEverySizeIsServedAllTheSame) {
+TEST_F(DamagedConnection, InPiecesOfEverySizeIsServed) {
     RawConnection peer = Connect();
     const std::string payload(2500, 'p');
     for (const size_t size : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 1023, 1024, 1025}) {
@@ -100,7 +100,7 @@ TEST_F(DamagedConnection, InPiecesOfEverySizeIsServedAllTheSame) {
     }
 }
 
-TEST_F(DamagedConnection, InRandomPiecesIsServedAllTheSame) {
+TEST_F(DamagedConnection, InRandomPiecesIsServed) {
     std::mt19937 random(6);
     RawConnection peer = Connect();
     for (int round = 0; round < 50; ++round) {
