@@ -139,7 +139,7 @@ TEST(ServiceStart, HelpAndVersionArePrintedAndNothingIsServed) {
     const FinishedRun help = RunService({"--help"});
     EXPECT_EQ(help.exit, 0);
     EXPECT_THAT(help.output, HasSubstr("usage: vantorel.hardware.hbbtv@1.0-service [DIRECTORY]\n"));
-    EXPECT_THAT(help.output, HasSubstr("/dev/socket/hbbtv on a\ntelevision"));
+    EXPECT_THAT(help.output, HasSubstr("/dev/socket/hbbtv on a television"));
     EXPECT_EQ(help.errors, "");
     const FinishedRun version = RunService({"--version"});
     EXPECT_EQ(version.exit, 0);

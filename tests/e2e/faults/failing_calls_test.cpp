@@ -49,7 +49,26 @@ class FailingCalls : public testing::TestWithParam<Case> {
   protected:
     FailingCalls() : mCall(MapFailingCall((mDirectory / kFailingCallsFile).c_str())) {}
 
+    // Uses each of the functions at least once.
+    virtual void Round() = 0;
+    // The number of the call that has failed is for the message.
+    virtual void ExpectServed(int nth) = 0;
+
     bool HasFailed() const { return mCall->left == 0; }
+
+    void ExpectServedAfterEachFailure() {
+        Round();
+        ASSERT_NO_FATAL_FAILURE(ExpectServed(0));
+        int failed = 0;
+        for (int nth = 1; nth <= kMost; ++nth) {
+            mCall->Arm(GetParam().function, nth);
+            for (int round = 0; round < kRounds && !HasFailed(); ++round) Round();
+            failed += HasFailed() ? 1 : 0;
+            mCall->Disarm();
+            ASSERT_NO_FATAL_FAILURE(ExpectServed(nth));
+        }
+        EXPECT_EQ(failed, kMost);
+    }
 
     static std::vector<std::string> Preload() {
         return {std::string("LD_PRELOAD=") + HBBTV_FAILING_CALLS,
@@ -73,7 +92,7 @@ class ServiceWithFailingCalls : public FailingCalls {
 
     // The service uses each function at least once: it connects to a platform that is new, replies to a connection that
     // is new, and serves a client that is new.
-    void Round() {
+    void Round() override {
         RestartPlatform();
         for (int i = 0; i < 3; ++i) Call();
         Ask(mDirectory / "service_hbbtv_to_plugin_vb", 7, "{}");
@@ -92,7 +111,7 @@ class ServiceWithFailingCalls : public FailingCalls {
         return std::nullopt;
     }
 
-    void ExpectServed(int nth) {
+    void ExpectServed(int nth) override {
         ASSERT_EQ(mService->WaitForExit(std::chrono::milliseconds(0)), std::nullopt) << "call " << nth << "\n"
                                                                                      << mService->Output();
         std::optional<int> status = Call();
@@ -116,17 +135,7 @@ class ServiceWithFailingCalls : public FailingCalls {
 
 TEST_P(ServiceWithFailingCalls, ContinuesAndAnswersTheNextRequest) {
     Start();
-    Round();
-    ASSERT_NO_FATAL_FAILURE(ExpectServed(0));
-    int failed = 0;
-    for (int nth = 1; nth <= kMost; ++nth) {
-        mCall->Arm(GetParam().function, nth);
-        for (int round = 0; round < kRounds && !HasFailed(); ++round) Round();
-        failed += HasFailed() ? 1 : 0;
-        mCall->Disarm();
-        ASSERT_NO_FATAL_FAILURE(ExpectServed(nth));
-    }
-    EXPECT_EQ(failed, kMost);
+    ExpectServedAfterEachFailure();
 }
 
 // Without this call it either serves, or ends with a message; a service that cannot serve has no use.
@@ -165,7 +174,7 @@ class SimulatorWithFailingCalls : public FailingCalls {
 
     // The simulator uses each function at least once: it replies to connections that are new, writes its state, and
     // connects to a library that is new.
-    void Round() {
+    void Round() override {
         mLibrary.reset();
         mLibrary = std::make_unique<FakePlatform>("service_hbbtv_to_plugin_conf", R"({"ret": 0})");
         Ask(mDirectory / "service_plugin_to_hbbtv_vb_chn_config", 3, kQuestion);
@@ -188,7 +197,7 @@ class SimulatorWithFailingCalls : public FailingCalls {
         return answer;
     }
 
-    void ExpectServed(int nth) {
+    void ExpectServed(int nth) override {
         ASSERT_EQ(mSimulator->WaitForExit(std::chrono::milliseconds(0)), std::nullopt) << "call " << nth << "\n"
                                                                                        << mSimulator->Output();
         const auto reply = Ask(mDirectory / "service_plugin_to_hbbtv_vb_chn_config", 3, kQuestion);
@@ -214,17 +223,7 @@ class SimulatorWithFailingCalls : public FailingCalls {
 
 TEST_P(SimulatorWithFailingCalls, ContinuesAndAnswersTheNextRequest) {
     ASSERT_TRUE(Start()) << mSimulator->Output();
-    Round();
-    ASSERT_NO_FATAL_FAILURE(ExpectServed(0));
-    int failed = 0;
-    for (int nth = 1; nth <= kMost; ++nth) {
-        mCall->Arm(GetParam().function, nth);
-        for (int round = 0; round < kRounds && !HasFailed(); ++round) Round();
-        failed += HasFailed() ? 1 : 0;
-        mCall->Disarm();
-        ASSERT_NO_FATAL_FAILURE(ExpectServed(nth));
-    }
-    EXPECT_EQ(failed, kMost);
+    ExpectServedAfterEachFailure();
 }
 
 const Case kOfSimulator[] = {

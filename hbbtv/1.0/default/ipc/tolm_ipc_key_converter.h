@@ -43,7 +43,7 @@ class TolmIpcKeyConverter {
 };
 
 // Returns the path of the socket that a server of this name listens on. The directory is the environment variable
-// TMPDIR at the time of the first call; without it, /dev/socket/hbbtv on Android, /tmp elsewhere.
+// TMPDIR at the time of the first call (default: /dev/socket/hbbtv on Android, /tmp elsewhere).
 std::string GetSocketFilePath(const std::string& name);
 
 // Returns the path of the socket that the client with this port binds.

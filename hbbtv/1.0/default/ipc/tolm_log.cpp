@@ -75,6 +75,14 @@ void Write(const Place& place, int priority, const char* tag, const char* messag
                         Escaped(message, breaks).c_str());
 }
 
+void WriteFormatted(const Place& place, int priority, const char* tag, LineBreaks breaks, const char* format,
+                    va_list arguments) {
+    if (!LogEnabled(priority, tag)) return;
+    char message[kMaxMessage];
+    vsnprintf(message, sizeof(message), format, arguments);
+    Write(place, priority, tag, message, breaks);
+}
+
 }  // namespace
 
 const Place& LastPlace() {
@@ -86,23 +94,17 @@ void LogAt(const Place& place, int priority, const char* tag, const char* messag
 }
 
 void LogFormatted(const Place& place, int priority, const char* tag, const char* format, ...) {
-    if (!LogEnabled(priority, tag)) return;
-    char message[kMaxMessage];
     va_list arguments;
     va_start(arguments, format);
-    vsnprintf(message, sizeof(message), format, arguments);
+    WriteFormatted(place, priority, tag, LineBreaks::kEscaped, format, arguments);
     va_end(arguments);
-    Write(place, priority, tag, message, LineBreaks::kEscaped);
 }
 
 void LogDocuments(const Place& place, int priority, const char* tag, const char* format, ...) {
-    if (!LogEnabled(priority, tag)) return;
-    char message[kMaxMessage];
     va_list arguments;
     va_start(arguments, format);
-    vsnprintf(message, sizeof(message), format, arguments);
+    WriteFormatted(place, priority, tag, LineBreaks::kOfDocumentsKept, format, arguments);
     va_end(arguments);
-    Write(place, priority, tag, message, LineBreaks::kOfDocumentsKept);
 }
 
 LogScope::LogScope(const char* tag, const Place& place) : mTag(tag), mPlace(place) {
