@@ -9,16 +9,17 @@
 #include <condition_variable>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <list>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "family_calls.h"
+#include "raw_listener.h"
 #include "raw_socket.h"
 #include "scratch_directory.h"
 #include "system.h"
@@ -56,8 +57,7 @@ size_t SleepingThreads(pid_t pid) {
     return sleeping;
 }
 
-// Calls in turn, on its own thread, what must be answered although families are silent. A call that takes longer than
-// kAnswered is repeated a few times, since the machine may be busy; a service without a free thread fails them all.
+// Calls in turn, on its own thread, what must be answered although families are silent.
 class Probe {
   public:
     explicit Probe(std::vector<FamilyCall> calls) : mCalls(std::move(calls)), mThread([this] { Run(); }) {}
@@ -66,45 +66,47 @@ class Probe {
         mThread.join();
     }
 
-    int Rounds() const { return mRounds; }
-
     // Returns whether each call is answered after this.
     bool Advances() {
         const int before = mRounds;
         return WaitFor([&] { return mRounds >= before + 2; });
     }
 
-    std::set<std::string> Late() {
+    // Expects that no call has failed and that nearly all were answered in kAnswered: a busy machine may delay single
+    // ones.
+    void ExpectAnsweredInTime() {
         std::lock_guard<std::mutex> lock(mMutex);
-        return mLate;
+        EXPECT_EQ(mFailed, std::vector<std::string>());
+        EXPECT_LE(mLate.size(), static_cast<size_t>(mCalled / 100)) << testing::PrintToString(mLate);
     }
 
   private:
     void Run() {
         for (; !mStop; ++mRounds) {
             for (const FamilyCall& call : mCalls) {
-                if (IsAnsweredInTime(call) || mStop) continue;
-                std::lock_guard<std::mutex> lock(mMutex);
-                mLate.insert(std::string(call.interface) + "." + call.method);
+                if (!mStop) Check(call);
             }
         }
     }
 
-    bool IsAnsweredInTime(const FamilyCall& call) {
-        for (int attempt = 0; attempt < 20 && !mStop; ++attempt) {
-            const auto begin = Clock::now();
-            const int status = Make(call);
-            if (status != kStatus && status != 0) return false;
-            if (Clock::now() - begin <= kAnswered) return true;
-        }
-        return false;
+    void Check(const FamilyCall& call) {
+        const auto begin = Clock::now();
+        const int status = Make(call);
+        const auto took = std::chrono::duration_cast<milliseconds>(Clock::now() - begin);
+        const std::string name = std::string(call.interface) + "." + call.method;
+        std::lock_guard<std::mutex> lock(mMutex);
+        ++mCalled;
+        if (status != kStatus && status != 0) mFailed.push_back(name + " returned " + std::to_string(status));
+        if (took > kAnswered) mLate.push_back(name + " took " + std::to_string(took.count()) + " ms");
     }
 
     const std::vector<FamilyCall> mCalls;
     std::atomic<bool> mStop{false};
     std::atomic<int> mRounds{0};
     std::mutex mMutex;
-    std::set<std::string> mLate;  // guarded by mMutex
+    int mCalled = 0;  // guarded by mMutex, like all below
+    std::vector<std::string> mFailed;
+    std::vector<std::string> mLate;
     std::thread mThread;
 };
 
@@ -121,12 +123,19 @@ class LivingCallers {
     }
 
     void Call(const FamilyCall& call) {
-        mThreads.emplace_back([this, call] {
-            const int status = Make(call);
-            std::lock_guard<std::mutex> lock(mMutex);
-            mLeft.push_back({status, std::chrono::duration_cast<milliseconds>(Clock::now() - mBegin)});
+        Start([call] { return Make(call); });
+    }
+
+    // Calls again until it fails, or all repeated calls are to end.
+    void CallRepeatedly(const FamilyCall& call) {
+        Start([this, call] {
+            int status = 0;
+            while (status == 0 && mRepeats) status = Make(call);
+            return status;
         });
     }
+
+    void EndRepeatedCalls() { mRepeats = false; }
 
     std::vector<Left> AllLeft() {
         std::lock_guard<std::mutex> lock(mMutex);
@@ -140,7 +149,16 @@ class LivingCallers {
     milliseconds Age() const { return std::chrono::duration_cast<milliseconds>(Clock::now() - mBegin); }
 
   private:
+    void Start(std::function<int()> call) {
+        mThreads.emplace_back([this, call = std::move(call)] {
+            const int status = call();
+            std::lock_guard<std::mutex> lock(mMutex);
+            mLeft.push_back({status, std::chrono::duration_cast<milliseconds>(Clock::now() - mBegin)});
+        });
+    }
+
     const Clock::time_point mBegin = Clock::now();
+    std::atomic<bool> mRepeats{true};
     std::mutex mMutex;
     std::vector<Left> mLeft;  // guarded by mMutex
     std::list<std::thread> mThreads;
@@ -320,7 +338,7 @@ TEST_P(SilentFamilies, KeepTheirCallersAndNoThreadOfTheOthers) {
     }
     ExpectAllIsAsBefore();
     ASSERT_TRUE(mProbe->Advances());
-    EXPECT_EQ(mProbe->Late(), std::set<std::string>());
+    mProbe->ExpectAnsweredInTime();
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -330,6 +348,41 @@ INSTANTIATE_TEST_SUITE_P(
                     Silence{"AllThatAnswerAgain", static_cast<int>(std::size(kFamilyCalls)), false},
                     Silence{"AllThatAreRestarted", static_cast<int>(std::size(kFamilyCalls)), true}),
     [](const auto& silence) { return std::string(silence.param.name); });
+
+// One-way messages are written to the socket until it is full.
+TEST(PlatformThatDoesNotRead, KeepsItsCallersAndNoThreadOfTheOthers) {
+    const ScratchDirectory directory;
+    RawListener listener(directory / RequestsOf(FindFamily(kOneWayCall.family)).socket);
+    std::list<FakePlatform> others;
+    for (const FamilyCall& call : kFamilyCalls) {
+        others.emplace_back(RequestsOf(FindFamily(call.family)).socket, kReply5);
+    }
+    LivingCallers callers;
+    const ServiceProcess service;  // ends first, and all calls with it
+    ASSERT_NE(Find<vantorel::hardware::hbbtv::V1_0::IVideoBroadcast>(), nullptr);
+    Probe probe({std::begin(kFamilyCalls), std::end(kFamilyCalls)});
+    ASSERT_TRUE(probe.Advances());
+
+    for (int i = 0; i < kLiving; ++i) callers.CallRepeatedly(kOneWayCall);
+    constexpr size_t kSurplus = kLiving - 1 - kMostWaiting;
+    EXPECT_TRUE(callers.WaitForLeft(kSurplus));
+    ASSERT_TRUE(probe.Advances()) << "no thread is left for the other families";
+    const std::vector<LivingCallers::Left> refused = callers.AllLeft();
+    EXPECT_EQ(refused.size(), kSurplus);
+    for (const LivingCallers::Left& left : refused) {
+        EXPECT_EQ(left.status, -1);
+        EXPECT_GE(left.after, kPatienceOfTheService);
+    }
+
+    callers.EndRepeatedCalls();
+    RawConnection connection = listener.Accept();
+    while (callers.AllLeft().size() < kLiving && connection.ReadFrame()) {
+    }
+    const std::vector<LivingCallers::Left> all = callers.AllLeft();
+    ASSERT_EQ(all.size(), static_cast<size_t>(kLiving));
+    for (size_t i = kSurplus; i < all.size(); ++i) EXPECT_EQ(all[i].status, 0);
+    probe.ExpectAnsweredInTime();
+}
 
 }  // namespace
 

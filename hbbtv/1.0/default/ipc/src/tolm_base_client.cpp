@@ -19,11 +19,13 @@ std::string ToString(const std::vector<unsigned char>& bytes) {
 
 TolmBaseClient::TolmBaseClient(TolmIpcKeyId key, int port)
     : mClient(tolm::TolmIpcFactory::GetInstance()->CreateIpcClient(key, port, TOLM_IPC_TYPE_SOCKET)),
-      mQueue(tolm::TolmIpcKeyConverter::GetInstance()->GetSocketName(key), tolm::ReplyTimeout()) {}
+      mRequests(tolm::TolmIpcKeyConverter::GetInstance()->GetSocketName(key), tolm::ReplyTimeout()),
+      mPosts(tolm::TolmIpcKeyConverter::GetInstance()->GetSocketName(key), tolm::ReplyTimeout()) {}
 
 int TolmBaseClient::SendIpcWithNoRet(const Json::Value& req) {
     const std::vector<unsigned char> bytes = tolm::ToStyledBytes(req);
-    if (mClient == nullptr || !mClient->Send(bytes)) return -1;
+    const tolm::CallerQueue::Turn turn(mPosts);
+    if (!turn || mClient == nullptr || !mClient->Send(bytes)) return -1;
     if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
         TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s", ToString(bytes).c_str());
     }
@@ -42,7 +44,7 @@ TolmBaseClient::Outcome TolmBaseClient::Exchange(const std::vector<unsigned char
 
 int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply, tolm::MemoryClaim& claim, bool& late) {
     const std::vector<unsigned char> bytes = tolm::ToStyledBytes(req);
-    const tolm::CallerQueue::Turn turn(mQueue);
+    const tolm::CallerQueue::Turn turn(mRequests);
     if (!turn) return -1;
     const auto begin = std::chrono::steady_clock::now();
     const Outcome outcome = Exchange(bytes, reply, claim);

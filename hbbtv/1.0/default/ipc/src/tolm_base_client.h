@@ -18,6 +18,7 @@ class TolmBaseClient {
     TolmBaseClient(TolmIpcKeyId key, int port);
 
     // Sends a one-way message, even while another thread waits for a reply. Returns 0 if it was written, -1 otherwise.
+    // Waits for a platform that does not read, as others do behind it, who may be refused.
     int SendIpcWithNoRet(const Json::Value& req);
 
     // Sends a request and returns the reply's "ret", or -1 if there is none: the request was not sent, no reply came,
@@ -39,9 +40,10 @@ class TolmBaseClient {
     // The first step of an exchange that failed, if any.
     enum class Outcome { kNoClient, kNoReply, kNotJson, kNoStatus, kComplete };
 
-    // Called in a turn of mQueue.
+    // Called in a turn of mRequests.
     Outcome Exchange(const std::vector<unsigned char>& request, Json::Value& reply, tolm::MemoryClaim& claim);
 
     std::shared_ptr<tolm::TolmIpcClient> mClient;
-    tolm::CallerQueue mQueue;  // a turn is from a request to its reply, which is how they are matched
+    tolm::CallerQueue mRequests;  // a turn is from a request to its reply, which is how they are matched
+    tolm::CallerQueue mPosts;     // a turn is until a one-way message is written
 };
