@@ -12,7 +12,7 @@ namespace hbbtv::test {
 
 constexpr char kFailingCallsFile[] = "failing_calls";  // in TMPDIR
 
-enum class Function { None, Connect, Accept, Socket, Bind, Send, Recv, Poll, Clone, Open, Write };
+enum class Function { None, Connect, Accept, Socket, Bind, Send, Recv, Poll, Clone, Mmap, Open, Write };
 
 struct FailingCall {
     std::atomic<Function> function;

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "common/local_socket.h"
 #include "event_connection.h"
 #include "failing_calls.h"
 #include "scratch_directory.h"
@@ -49,12 +50,20 @@ class FailingCalls : public testing::TestWithParam<Case> {
   protected:
     FailingCalls() : mCall(MapFailingCall((mDirectory / kFailingCallsFile).c_str())) {}
 
+    virtual void Start() = 0;
+    // Returns whether the process has told what it does after its start.
+    virtual bool Serves() = 0;
     // Uses each of the functions at least once.
     virtual void Round() = 0;
     // The number of the call that has failed is for the message.
     virtual void ExpectServed(int nth) = 0;
 
     bool HasFailed() const { return mCall->left == 0; }
+
+    // A member of a message. A large one takes mappings of its own in the process that reads it.
+    static std::string Padding() {
+        return R"("padding": ")" + std::string(GetParam().function == Function::Mmap ? 200'000 : 0, 'x') + '"';
+    }
 
     void ExpectServedAfterEachFailure() {
         Round();
@@ -70,19 +79,63 @@ class FailingCalls : public testing::TestWithParam<Case> {
         EXPECT_EQ(failed, kMost);
     }
 
-    static std::vector<std::string> Preload() {
-        return {std::string("LD_PRELOAD=") + HBBTV_FAILING_CALLS,
-                std::string("HIDL_HOST_PASSTHROUGH_PATH=") + HBBTV_LIBRARIES};
+    // Without the call, the process either serves, or ends with a message: what cannot serve has no use.
+    void ExpectServedOrEndedAfterEachFailureAtStart() {
+        int failed = 0;
+        for (bool more = true; more && failed < kMost;) {
+            const int nth = failed + 1;
+            mCall->Arm(GetParam().function, nth);
+            Start();
+            ASSERT_TRUE(WaitFor([&] { return Serves() || HasEnded(); })) << "call " << nth << "\n"
+                                                                         << mProcess->Output();
+            more = HasFailed();
+            mCall->Disarm();
+            failed += more ? 1 : 0;
+            if (HasEnded()) {
+                EXPECT_GT(mProcess->WaitForExit(), 0) << "call " << nth << "\n" << mProcess->Output();
+                EXPECT_NE(mProcess->Output(), "") << "call " << nth;
+            } else {
+                ASSERT_NO_FATAL_FAILURE(ExpectServed(nth));
+            }
+            mProcess.reset();
+        }
+        EXPECT_GE(failed, 1) << "the process does not call the function when it starts";
+    }
+
+    // Returns whether the process has ended, or is about to.
+    bool HasEnded() {
+        const bool ends = mProcess->Output().find("cannot serve") != std::string::npos;
+        return mProcess->WaitForExit(ends ? kPatience : std::chrono::milliseconds(0)).has_value();
+    }
+
+    // The shell itself must not have the failing calls.
+    void StartProcess(const std::vector<std::string>& command, const std::string& redirection = "") {
+        std::vector<std::string> shell{"/bin/sh", "-c", R"(exec env LD_PRELOAD="$0" "$@" )" + redirection,
+                                       HBBTV_FAILING_CALLS};
+        shell.insert(shell.end(), command.begin(), command.end());
+        mProcess = std::make_unique<ChildProcess>(
+            shell, std::vector<std::string>{"MALLOC_MMAP_THRESHOLD_=65536",
+                                            std::string("HIDL_HOST_PASSTHROUGH_PATH=") + HBBTV_LIBRARIES});
     }
 
     const ScratchDirectory mDirectory;
     FailingCall* const mCall;
+    std::unique_ptr<ChildProcess> mProcess;
 };
 
 class ServiceWithFailingCalls : public FailingCalls {
   protected:
-    void Start() {
-        mService = std::make_unique<ChildProcess>(std::vector<std::string>{HBBTV_SERVICE_PROGRAM}, Preload());
+    void Start() override {
+        mVb = nullptr;
+        // It polls an output that it cannot open again without waiting, such as a file.
+        const bool toFile = GetParam().function == Function::Poll;
+        StartProcess({HBBTV_SERVICE_PROGRAM}, toFile ? R"(> "$TMPDIR/output")" : "");
+    }
+
+    // Its last name is published.
+    bool Serves() override {
+        const sp<IVideoBroadcast> service = IVideoBroadcast::tryGetService();
+        return service != nullptr && service->ping().isOk();
     }
 
     void RestartPlatform() {
@@ -90,12 +143,12 @@ class ServiceWithFailingCalls : public FailingCalls {
         mPlatform = std::make_unique<FakePlatform>("service_plugin_to_hbbtv_vb", R"({"ret": 0})");
     }
 
-    // The service uses each function at least once: it connects to a platform that is new, replies to a connection that
-    // is new, and serves a client that is new.
+    // The service connects to a platform that is new, replies to a connection that is new, and serves a client that is
+    // new.
     void Round() override {
         RestartPlatform();
         for (int i = 0; i < 3; ++i) Call();
-        Ask(mDirectory / "service_hbbtv_to_plugin_vb", 7, "{}");
+        Ask(mDirectory / "service_hbbtv_to_plugin_vb", 7, "{" + Padding() + "}");
         if (mRounds++ % 4 != 0) return;  // a process takes longer than all the rest
         ChildProcess client({HBBTVCTL_PROGRAM, "call", "IVideoBroadcast.SetVolume", "4096", "20"});
         EXPECT_TRUE(client.WaitForExit().has_value()) << "a client hangs";
@@ -112,8 +165,8 @@ class ServiceWithFailingCalls : public FailingCalls {
     }
 
     void ExpectServed(int nth) override {
-        ASSERT_EQ(mService->WaitForExit(std::chrono::milliseconds(0)), std::nullopt) << "call " << nth << "\n"
-                                                                                     << mService->Output();
+        ASSERT_EQ(mProcess->WaitForExit(std::chrono::milliseconds(0)), std::nullopt) << "call " << nth << "\n"
+                                                                                     << mProcess->Output();
         std::optional<int> status = Call();
         if (!status) status = Call();       // with a new connection
         if (status == -1) status = Call();  // the one before has found that its connection to the platform is gone
@@ -128,7 +181,6 @@ class ServiceWithFailingCalls : public FailingCalls {
     }
 
     std::unique_ptr<FakePlatform> mPlatform;
-    std::unique_ptr<ChildProcess> mService;
     sp<IVideoBroadcast> mVb;
     int mRounds = 0;
 };
@@ -138,46 +190,32 @@ TEST_P(ServiceWithFailingCalls, ContinuesAndAnswersTheNextRequest) {
     ExpectServedAfterEachFailure();
 }
 
-// Without this call it either serves, or ends with a message; a service that cannot serve has no use.
-TEST_P(ServiceWithFailingCalls, ServesOrEndsWhenACallFailsAtItsStart) {
+using StartOfServiceWithFailingCalls = ServiceWithFailingCalls;
+
+TEST_P(StartOfServiceWithFailingCalls, ServesOrEnds) {
     RestartPlatform();
-    for (int nth = 1; nth <= kMost; ++nth) {
-        mVb = nullptr;
-        mCall->Arm(GetParam().function, nth);
-        Start();
-        const auto decided = [&] {
-            return mService->Output().find("IVideoBroadcast/default") != std::string::npos ||
-                   mService->WaitForExit(std::chrono::milliseconds(0)).has_value();
-        };
-        ASSERT_TRUE(WaitFor(decided)) << "call " << nth << "\n" << mService->Output();
-        const bool last = !HasFailed();
-        mCall->Disarm();
-        if (mService->Output().find("cannot serve") != std::string::npos) {
-            EXPECT_EQ(mService->WaitForExit(), 1) << "call " << nth << "\n" << mService->Output();
-        } else {
-            ASSERT_NO_FATAL_FAILURE(ExpectServed(nth));
-        }
-        mService.reset();
-        if (last) break;
-    }
+    ExpectServedOrEndedAfterEachFailureAtStart();
 }
 
 class SimulatorWithFailingCalls : public FailingCalls {
   protected:
-    bool Start() {
-        mSimulator = std::make_unique<ChildProcess>(
-            std::vector<std::string>{HBBTV_SIM_PROGRAM, "--state", mDirectory / "state"}, Preload());
-        if (!mSimulator->WaitForOutput("ready")) return false;
-        // Its events are sent once a receiver is registered.
-        return Ask(mDirectory / "service_plugin_to_hbbtv_conf", 12, R"({"type": 9, "method": 33})").has_value();
-    }
+    void Start() override { StartProcess({HBBTV_SIM_PROGRAM, "--state", mDirectory / "state"}); }
 
-    // The simulator uses each function at least once: it replies to connections that are new, writes its state, and
-    // connects to a library that is new.
-    void Round() override {
+    // Its last socket is served.
+    bool Serves() override { return Descriptor(ConnectTo(mDirectory / "hbbtv_sim_control")).Get() >= 0; }
+
+    // Its events are sent once a receiver is registered.
+    void Register() { Ask(mDirectory / "service_plugin_to_hbbtv_conf", 12, R"({"type": 9, "method": 33})"); }
+
+    void RestartLibrary() {
         mLibrary.reset();
         mLibrary = std::make_unique<FakePlatform>("service_hbbtv_to_plugin_conf", R"({"ret": 0})");
-        Ask(mDirectory / "service_plugin_to_hbbtv_vb_chn_config", 3, kQuestion);
+    }
+
+    // The simulator replies to connections that are new, writes its state, and connects to a library that is new.
+    void Round() override {
+        RestartLibrary();
+        Ask(mDirectory / "service_plugin_to_hbbtv_vb_chn_config", 3, Question());
         ChangeRatingAge();
     }
 
@@ -198,9 +236,9 @@ class SimulatorWithFailingCalls : public FailingCalls {
     }
 
     void ExpectServed(int nth) override {
-        ASSERT_EQ(mSimulator->WaitForExit(std::chrono::milliseconds(0)), std::nullopt) << "call " << nth << "\n"
-                                                                                       << mSimulator->Output();
-        const auto reply = Ask(mDirectory / "service_plugin_to_hbbtv_vb_chn_config", 3, kQuestion);
+        ASSERT_EQ(mProcess->WaitForExit(std::chrono::milliseconds(0)), std::nullopt) << "call " << nth << "\n"
+                                                                                     << mProcess->Output();
+        const auto reply = Ask(mDirectory / "service_plugin_to_hbbtv_vb_chn_config", 3, Question());
         ASSERT_TRUE(reply.has_value()) << "call " << nth;
         EXPECT_NE(reply->payload.find(R"("ret" : 0)"), std::string::npos) << reply->payload;
         const size_t events = mLibrary->Frames().size();
@@ -214,35 +252,59 @@ class SimulatorWithFailingCalls : public FailingCalls {
         return Tell("set rating-age " + std::to_string(mRatingAge));
     }
 
-    static constexpr char kQuestion[] = R"({"type": 19, "method": 2})";
+    static std::string Question() { return R"({"type": 19, "method": 2, )" + Padding() + "}"; }
 
     std::unique_ptr<FakePlatform> mLibrary;
-    std::unique_ptr<ChildProcess> mSimulator;
     int mRatingAge = 10;
 };
 
 TEST_P(SimulatorWithFailingCalls, ContinuesAndAnswersTheNextRequest) {
-    ASSERT_TRUE(Start()) << mSimulator->Output();
+    Start();
+    ASSERT_TRUE(WaitFor([this] { return Serves(); })) << mProcess->Output();
+    Register();
     ExpectServedAfterEachFailure();
 }
 
-const Case kOfSimulator[] = {
-    {"connect", Function::Connect}, {"accept", Function::Accept}, {"socket", Function::Socket},
-    {"send", Function::Send},       {"recv", Function::Recv},     {"poll", Function::Poll},
-    {"open", Function::Open},       {"write", Function::Write},
+class StartOfSimulatorWithFailingCalls : public SimulatorWithFailingCalls {
+  protected:
+    void ExpectServed(int nth) override {
+        Register();
+        SimulatorWithFailingCalls::ExpectServed(nth);
+    }
 };
 
-INSTANTIATE_TEST_SUITE_P(Of, SimulatorWithFailingCalls, testing::ValuesIn(kOfSimulator),
-                         [](const auto& failing) { return std::string(failing.param.name); });
+TEST_P(StartOfSimulatorWithFailingCalls, ServesOrEnds) {
+    RestartLibrary();
+    ExpectServedOrEndedAfterEachFailureAtStart();
+}
 
-const Case kOfService[] = {
-    {"connect", Function::Connect}, {"accept", Function::Accept}, {"socket", Function::Socket},
-    {"bind", Function::Bind},       {"send", Function::Send},     {"recv", Function::Recv},
-    {"clone", Function::Clone},
-};
+const auto kNameOfCase = [](const auto& failing) { return std::string(failing.param.name); };
 
-INSTANTIATE_TEST_SUITE_P(Of, ServiceWithFailingCalls, testing::ValuesIn(kOfService),
-                         [](const auto& failing) { return std::string(failing.param.name); });
+constexpr Case kConnect{"connect", Function::Connect};
+constexpr Case kAccept{"accept", Function::Accept};
+constexpr Case kSocket{"socket", Function::Socket};
+constexpr Case kBind{"bind", Function::Bind};
+constexpr Case kSend{"send", Function::Send};
+constexpr Case kRecv{"recv", Function::Recv};
+constexpr Case kPoll{"poll", Function::Poll};
+constexpr Case kClone{"clone", Function::Clone};
+constexpr Case kMmap{"mmap", Function::Mmap};
+constexpr Case kOpen{"open", Function::Open};
+constexpr Case kWrite{"write", Function::Write};
+
+// What is missing in a list is not called then: the service opens no files while it serves; the simulator binds its
+// sockets when it starts, and has one thread.
+INSTANTIATE_TEST_SUITE_P(Of, ServiceWithFailingCalls,
+                         testing::Values(kConnect, kAccept, kSocket, kBind, kSend, kRecv, kPoll, kClone, kMmap, kWrite),
+                         kNameOfCase);
+INSTANTIATE_TEST_SUITE_P(Of, StartOfServiceWithFailingCalls,
+                         testing::Values(kAccept, kSocket, kBind, kSend, kRecv, kPoll, kClone, kMmap, kOpen, kWrite),
+                         kNameOfCase);
+INSTANTIATE_TEST_SUITE_P(Of, SimulatorWithFailingCalls,
+                         testing::Values(kConnect, kAccept, kSocket, kSend, kRecv, kPoll, kMmap, kOpen, kWrite),
+                         kNameOfCase);
+INSTANTIATE_TEST_SUITE_P(Of, StartOfSimulatorWithFailingCalls, testing::Values(kAccept, kSocket, kBind, kOpen, kWrite),
+                         kNameOfCase);
 
 }  // namespace
 

@@ -106,8 +106,7 @@ bool TolmIpcClientSocket::SendLocked(TolmIpcMessageType type, const std::vector<
     }
     bool alive = true;
     const bool sent = SendInternalSocket(mConnection->fd, mPort, type, msg, alive, deadline);
-    if (!alive) mConnection->connected = false;
-    if (!sent && deadline.HasPassed()) mConnection->Abandon();  // a part of the message may have been written
+    if (!sent) mConnection->Abandon();  // a part of the message may have been written
     return sent;
 }
 
@@ -129,8 +128,7 @@ bool TolmIpcClientSocket::SendSync(const std::vector<unsigned char>& msg, std::v
     TolmIpcSocketMsgHeader header{};
     bool alive = true;
     const bool received = RecvInternalSocket(connection->fd, header, reply, alive, deadline);
-    if (!alive) connection->connected = false;
-    if (!received && deadline.HasPassed()) connection->Abandon();  // the rest of the reply may still come
+    if (!received) connection->Abandon();  // the reply, or the rest of it, may still come
     return received;
 }
 

@@ -171,16 +171,16 @@ void TolmIpcServerSocket::OnRecv(int fd, sockaddr_un) {
     while (Running()) {
         // A message with a header is delivered even if its payload is incomplete: the JSON layer reports the error.
         TolmIpcSocketMsgHeader header{};
-        RecvInternalSocket(fd, header, payload, alive);
+        const bool complete = RecvInternalSocket(fd, header, payload, alive);
         if (!alive) break;
         if (header.type == TOLM_IPC_MSG_SYNC) {
             std::vector<unsigned char> reply;
             mDelegate->OnRecvSync(payload, reply, header.port);
-            SendInternalSocket(fd, header.port, TOLM_IPC_MSG_REPLY, reply, alive);
-            if (!alive) break;
+            if (!SendInternalSocket(fd, header.port, TOLM_IPC_MSG_REPLY, reply, alive)) break;
         } else if (header.type == TOLM_IPC_MSG_ASYNC) {
             mDelegate->OnRecv(payload, header.port);
         }
+        if (!complete) break;  // the next bytes are not the begin of a message
         Empty(payload);
     }
 }
