@@ -1,7 +1,5 @@
 #include "method_rows.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <atomic>
 #include <iterator>
@@ -26,8 +24,6 @@ void* operator new(size_t size, const std::nothrow_t&) noexcept {
 namespace hbbtv::test {
 
 namespace {
-
-using IBase = android::hidl::base::V1_0::IBase;
 
 // A method of the interface and the row of its operation.
 struct MethodRow {
@@ -77,12 +73,6 @@ std::vector<MethodRow> RowsOf(bool (*chosen)(const Row& row)) {
     std::copy_if(MethodsUnderTest().rows.begin(), MethodsUnderTest().rows.end(), std::back_inserter(rows),
                  [&](const MethodRow& row) { return chosen(*row.row); });
     return rows;
-}
-
-// As the runtime finds the service of an implementation's library.
-android::sp<IBase> MakeService() {
-    void* fetch = dlsym(RTLD_DEFAULT, ("HIDL_FETCH_" + InterfaceUnderTest().name).c_str());
-    return reinterpret_cast<IBase* (*)(const char*)>(fetch)("default");
 }
 
 CallOutcome Call(const std::string& name, const Json::Value& arguments) {

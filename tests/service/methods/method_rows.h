@@ -16,6 +16,9 @@
 
 namespace hbbtv::test {
 
+// Creates a service of the interface under test.
+android::sp<android::hidl::base::V1_0::IBase> MakeService();
+
 // Calls a method of a new service of the interface under test. Returns its results as JSON: "[0,5]", the status first.
 std::string Answer(const std::string& method, const Json::Value& arguments = Json::Value(Json::arrayValue));
 
