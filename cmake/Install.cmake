@@ -73,11 +73,18 @@ function(install_headers directory subdirectory component)
     endif()
 endfunction()
 
+# Installs the manual pages of a section in the directory.
+function(install_pages directory section component)
+    if(HBBTV_INSTALL)
+        install(DIRECTORY ${directory}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT ${component})
+    endif()
+endfunction()
+
 # Installs manual pages and the completion scripts of bash, zsh and fish, in these directories, of a program.
 function(install_manuals program manuals completions component)
     if(HBBTV_INSTALL)
+        install_pages(${manuals} 1 ${component})
         set(data ${CMAKE_INSTALL_DATADIR})
-        install(DIRECTORY ${manuals}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
         install(FILES ${completions}/${program}
             DESTINATION ${data}/bash-completion/completions COMPONENT ${component})
         install(FILES ${completions}/_${program} DESTINATION ${data}/zsh/site-functions COMPONENT ${component})

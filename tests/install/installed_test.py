@@ -25,6 +25,7 @@ share/hidl/vantorel/hardware/hbbtv/1.0/types.hal share/hidl/vantorel/hardware/hb
 share/hidl/android/hidl/base/1.0/IBase.hal
 share/hbbtv/protocol/channel.json share/hbbtv/schemas/hbbtvctl.schema.json
 share/man/man1/hbbtvctl.1 share/man/man1/hbbtvctl-call.1 share/man/man1/hbbtv-sim.1
+share/man/man8/vantorel.hardware.hbbtv@1.0-service.8
 share/bash-completion/completions/hbbtvctl share/bash-completion/completions/hbbtv-sim
 share/zsh/site-functions/_hbbtvctl share/zsh/site-functions/_hbbtv-sim
 share/fish/vendor_completions.d/hbbtvctl.fish share/fish/vendor_completions.d/hbbtv-sim.fish
