@@ -8,7 +8,6 @@ BUILD is the build tree; the projects are built with COMPILER and -fsanitize=SAN
 import json
 import re
 import sys
-import unittest
 
 import installed_tree
 from installed_tree import SERVICE, SOURCE, Tree, run
@@ -200,7 +199,4 @@ class Platform(Tree):
 
 
 if __name__ == "__main__":
-    arguments = sys.argv[1:] + [""]
-    (installed_tree.build, installed_tree.cmake, installed_tree.compiler, installed_tree.generator,
-     installed_tree.sanitize) = arguments[:5]
-    sys.exit(unittest.main(argv=sys.argv[:1], verbosity=2))
+    installed_tree.main()
