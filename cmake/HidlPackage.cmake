@@ -2,6 +2,12 @@
 
 find_program(HIDL_GEN hidl-gen REQUIRED)
 
+# The arguments of the functions below for our package.
+set(HBBTV_HIDL_PACKAGE
+    PACKAGE vantorel.hardware.hbbtv@1.0
+    DIRECTORY ${PROJECT_SOURCE_DIR}/hbbtv/1.0
+    ROOTS vantorel.hardware:${PROJECT_SOURCE_DIR} android.hidl:${PROJECT_SOURCE_DIR}/host/hal)
+
 # hidl_generate(<prefix> PACKAGE <name> DIRECTORY <directory of its .hal files> ROOTS <package root>:<directory>...
 #               [DEPENDS <file>...])
 #

@@ -7,7 +7,9 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 option(HBBTV_RELOCATABLE "Let installed programs find the libraries of their tree wherever it is" ON)
-cmake_path(GET ANDROID_log_LIBRARY PARENT_PATH ANDROID_LIBRARY_DIR)
+if(HBBTV_HIDL)
+    cmake_path(GET ANDROID_log_LIBRARY PARENT_PATH ANDROID_LIBRARY_DIR)
+endif()
 
 # Where the HIDL runtime looks for implementations, beside itself.
 set(HIDL_HOST_MODULE_DIR ${CMAKE_INSTALL_LIBDIR}/hidl-host)
@@ -71,11 +73,18 @@ function(install_headers directory subdirectory component)
     endif()
 endfunction()
 
+# Installs the manual pages of a section in the directory.
+function(install_pages directory section component)
+    if(HBBTV_INSTALL)
+        install(DIRECTORY ${directory}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT ${component})
+    endif()
+endfunction()
+
 # Installs manual pages and the completion scripts of bash, zsh and fish, in these directories, of a program.
 function(install_manuals program manuals completions component)
     if(HBBTV_INSTALL)
+        install_pages(${manuals} 1 ${component})
         set(data ${CMAKE_INSTALL_DATADIR})
-        install(DIRECTORY ${manuals}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
         install(FILES ${completions}/${program}
             DESTINATION ${data}/bash-completion/completions COMPONENT ${component})
         install(FILES ${completions}/_${program} DESTINATION ${data}/zsh/site-functions COMPONENT ${component})
@@ -84,17 +93,8 @@ function(install_manuals program manuals completions component)
     endif()
 endfunction()
 
-# Installs the .hal files, the wire protocol, the documents, and what other build systems need to find the libraries.
-function(install_packages)
-    if(NOT HBBTV_INSTALL)
-        return()
-    endif()
-    set(hidl ${CMAKE_INSTALL_DATADIR}/hidl)
-    install(DIRECTORY ${PROJECT_SOURCE_DIR}/hbbtv/1.0
-        DESTINATION ${hidl}/vantorel/hardware/hbbtv COMPONENT client
-        FILES_MATCHING PATTERN *.hal PATTERN default EXCLUDE)
-    install(DIRECTORY ${PROJECT_SOURCE_DIR}/host/hal/ DESTINATION ${hidl}/android/hidl COMPONENT client
-        FILES_MATCHING PATTERN *.hal)
+# Installs the documents and the wire protocol.
+function(install_documents)
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/protocol DESTINATION ${HBBTV_DATA_DIR} COMPONENT wire
         FILES_MATCHING PATTERN *.json)
     install(FILES ${PROJECT_SOURCE_DIR}/docs/hbbtvctl.schema.json
@@ -107,6 +107,16 @@ function(install_packages)
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION ${HBBTV_DOC_DIR} COMPONENT doc)
     install(FILES ${PROJECT_SOURCE_DIR}/tools/demo/demo.play DESTINATION ${HBBTV_DOC_DIR}/examples COMPONENT doc)
     install(FILES ${PROJECT_SOURCE_DIR}/host/README.md DESTINATION ${HBBTV_DOC_DIR}/host COMPONENT doc)
+endfunction()
+
+# Installs the .hal files, and what other build systems need to find the libraries.
+function(install_packages)
+    set(hidl ${CMAKE_INSTALL_DATADIR}/hidl)
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/hbbtv/1.0
+        DESTINATION ${hidl}/vantorel/hardware/hbbtv COMPONENT client
+        FILES_MATCHING PATTERN *.hal PATTERN default EXCLUDE)
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/host/hal/ DESTINATION ${hidl}/android/hidl COMPONENT client
+        FILES_MATCHING PATTERN *.hal)
 
     set(package ${PROJECT_SOURCE_DIR}/cmake/package)
     set(built ${CMAKE_CURRENT_BINARY_DIR}/package)

@@ -8,7 +8,6 @@ BUILD is the build tree; the projects are built with COMPILER and -fsanitize=SAN
 import json
 import re
 import sys
-import unittest
 
 import installed_tree
 from installed_tree import SERVICE, SOURCE, Tree, run
@@ -25,6 +24,7 @@ share/hidl/vantorel/hardware/hbbtv/1.0/types.hal share/hidl/vantorel/hardware/hb
 share/hidl/android/hidl/base/1.0/IBase.hal
 share/hbbtv/protocol/channel.json share/hbbtv/schemas/hbbtvctl.schema.json
 share/man/man1/hbbtvctl.1 share/man/man1/hbbtvctl-call.1 share/man/man1/hbbtv-sim.1
+share/man/man8/vantorel.hardware.hbbtv@1.0-service.8
 share/bash-completion/completions/hbbtvctl share/bash-completion/completions/hbbtv-sim
 share/zsh/site-functions/_hbbtvctl share/zsh/site-functions/_hbbtv-sim
 share/fish/vendor_completions.d/hbbtvctl.fish share/fish/vendor_completions.d/hbbtv-sim.fish
@@ -199,7 +199,4 @@ class Platform(Tree):
 
 
 if __name__ == "__main__":
-    arguments = sys.argv[1:] + [""]
-    (installed_tree.build, installed_tree.cmake, installed_tree.compiler, installed_tree.generator,
-     installed_tree.sanitize) = arguments[:5]
-    sys.exit(unittest.main(argv=sys.argv[:1], verbosity=2))
+    installed_tree.main()

@@ -5,6 +5,7 @@ import os
 import pathlib
 import shutil
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -13,7 +14,7 @@ SOURCE = pathlib.Path(__file__).resolve().parents[2]
 SERVICE = "vantorel.hardware.hbbtv@1.0-service"
 PATIENCE = 120  # seconds: the machine may be busy, and a sanitizer slow
 
-# Set by the test program, from its arguments.
+# Set by main().
 build = cmake = compiler = generator = None
 sanitize = ""
 
@@ -21,6 +22,14 @@ sanitize = ""
 def run(*command, **options):
     """Runs a command to its end. Its output is in the message of a failed check."""
     return subprocess.run([str(word) for word in command], capture_output=True, text=True, timeout=PATIENCE * 4, **options)
+
+
+def main():
+    """Runs the tests of a program whose arguments are the build tree, cmake, the compiler, the generator, and the
+    sanitizers of the build, if any."""
+    global build, cmake, compiler, generator, sanitize
+    build, cmake, compiler, generator, sanitize = (sys.argv[1:] + [""])[:5]
+    sys.exit(unittest.main(module="__main__", argv=sys.argv[:1], verbosity=2))
 
 
 class Tree(unittest.TestCase):

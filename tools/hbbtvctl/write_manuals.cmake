@@ -1,4 +1,4 @@
-# cmake -DHBBTVCTL=PROGRAM -DMANUALS=DIR -DCOMPLETIONS=DIR -P write_manuals.cmake
+# cmake -DHBBTVCTL=[EMULATOR;]PROGRAM -DMANUALS=DIR -DCOMPLETIONS=DIR -P write_manuals.cmake
 #
 # Writes the completion scripts and the manual pages: that of the program, and those that its SEE ALSO section lists.
 function(write_output file)

@@ -18,16 +18,22 @@ constexpr int kDirectoryUnusable = 1;
 constexpr int kUsage = 2;
 
 constexpr char kHelp[] =
-    "usage: vantorel.hardware.hbbtv@1.0-service [DIRECTORY]\n"
-    "\n"
     "Serves the interfaces of vantorel.hardware.hbbtv@1.0 and forwards their calls to the platform, over the\n"
     "sockets in DIRECTORY (default: $TMPDIR; if it is not set, /dev/socket/hbbtv on a television, /tmp elsewhere).\n"
     "A process that init starts in a domain of its own never sees TMPDIR.\n"
     "Except on a television, one service at a time can use the directory and that of the HIDL names: it locks the\n"
     "file hbbtv-service.lock in both. The file of a service that has ended has no effect.\n"
+    "Usage: vantorel.hardware.hbbtv@1.0-service [DIRECTORY]\n"
     "\n"
-    "  --help      print this and exit\n"
-    "  --version   print the version and exit\n"
+    "Options:\n"
+    "  --help      Print this help and exit\n"
+    "  --version   Print the version and exit\n"
+    "\n"
+    "Environment:\n"
+    "  TMPDIR                 Directory of the sockets, unless DIRECTORY is given\n"
+    "  TOLM_REPLY_TIMEOUT_MS  Limit of the wait for a reply of the platform, in milliseconds (default: 0, none)\n"
+    "  HIDL_HOST_DIR          Directory where interfaces are registered (default: hidl-host in that of the sockets);\n"
+    "                         not used on a television\n"
     "\n"
     "Exit codes: 1 an interface cannot be served or the directory cannot be used, 2 wrong arguments,\n"
     "3 another process serves the directory.\n";

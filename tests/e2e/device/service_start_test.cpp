@@ -138,7 +138,7 @@ TEST(ServiceStart, HelpAndVersionArePrintedAndNothingIsServed) {
     const ScratchDirectory directory;
     const FinishedRun help = RunService({"--help"});
     EXPECT_EQ(help.exit, 0);
-    EXPECT_THAT(help.output, HasSubstr("usage: vantorel.hardware.hbbtv@1.0-service [DIRECTORY]\n"));
+    EXPECT_THAT(help.output, HasSubstr("\nUsage: vantorel.hardware.hbbtv@1.0-service [DIRECTORY]\n"));
     EXPECT_THAT(help.output, HasSubstr("/dev/socket/hbbtv on a television"));
     EXPECT_EQ(help.errors, "");
     const FinishedRun version = RunService({"--version"});

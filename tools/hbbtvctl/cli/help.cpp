@@ -47,7 +47,7 @@ void SetHelp(CLI::App& app) {
     app.get_help_ptr()->description("Show this help and exit");
     for (CLI::App* command : app.get_subcommands({})) {
         command->formatter(formatter);
-        command->group("Commands");
+        if (!command->get_group().empty()) command->group("Commands");
         command->get_help_ptr()->description("Show this help and exit");
     }
 }

@@ -1,5 +1,4 @@
 // hbbtvctl doctor: checks for the usual problems of a setup.
-#include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,7 +14,7 @@
 #include "common/local_socket.h"
 #include "common/text/json.h"
 #include "common/text/printable.h"
-#include "package/caller.h"
+#include "service/service.h"
 #include "terminal/style.h"
 #include "wire/endpoint.h"
 
@@ -29,28 +28,6 @@ struct DoctorOptions {
     bool json = false;
     TimeOption timeout{"5s"};
 };
-
-struct Check {
-    enum class Level { Good, Warning, Problem };
-
-    std::string name;
-    Level level;
-    std::string finding;
-    std::string advice;
-    ExitCode code = kUnavailable;  // of a problem
-};
-
-using Checks = std::vector<Check>;
-
-std::string Joined(const std::vector<std::string>& names) {
-    std::string text;
-    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-    return text;
-}
-
-Check Good(const std::string& name, const std::string& finding) {
-    return {name, Check::Level::Good, finding, ""};
-}
 
 Check CheckDirectory(const std::string& directory) {
     struct stat status {};
@@ -191,67 +168,6 @@ Checks CheckRights(const std::string& directory) {
     return checks;
 }
 
-// Returns the name that the build and the device use.
-std::string ServiceProgram() {
-    return Package::Get().name + "-service";
-}
-
-Check CheckHostDirectory(const std::string& path) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) != 0) {
-        return {"interfaces", Check::Level::Problem, path + ": " + std::strerror(errno),
-                "no process has registered an interface; start " + ServiceProgram() +
-                    " with the same TMPDIR (or HIDL_HOST_DIR)"};
-    }
-    if (status.st_uid != geteuid()) {
-        return {"interfaces", Check::Level::Problem, path + " is owned by user " + std::to_string(status.st_uid),
-                "run as that user, or set HIDL_HOST_DIR for service and clients"};
-    }
-    return Good("interfaces", "registered in " + path);
-}
-
-Check CheckService(Milliseconds limit) {
-    std::vector<std::string> missing;
-    size_t all = 0;
-    for (const auto& [name, binding] : AllBindings()) {
-        const auto there = std::make_shared<bool>(false);
-        try {
-            InTime(limit, name, [there, find = binding->find] {
-                const auto service = find();
-                *there = service != nullptr && service->ping().isOk();
-            });
-        } catch (const Failure&) {
-            return {"service", Check::Level::Problem, name + " does not reply within " + FormatDuration(limit),
-                    "the service hangs; attach gdb to see where, or restart it", kTimeout};
-        }
-        ++all;
-        if (!*there) missing.push_back(name);
-    }
-    const std::string count =
-        std::to_string(all - missing.size()) + " of " + std::to_string(all) + " interfaces respond";
-    if (missing.empty()) return Good("service", count);
-    return {"service", Check::Level::Problem, count + (missing.size() == all ? "" : "; missing: " + Joined(missing)),
-            missing.size() == all ? "start " + ServiceProgram()
-                                  : "the service is older than this tool, or failed to register them"};
-}
-
-// Looks for interfaces of another version of the package: client and service would not find each other.
-Check CheckVersions(const std::string& path) {
-    const std::string ours = Package::Get().name + "::";
-    const std::string package = ours.substr(0, ours.find('@') + 1);
-    std::vector<std::string> others;
-    DIR* names = opendir(path.c_str());
-    while (const dirent* entry = names == nullptr ? nullptr : readdir(names)) {
-        const std::string name = entry->d_name;
-        if (name.rfind(package, 0) != 0 || name.rfind(ours, 0) == 0) continue;
-        others.push_back(name.substr(0, name.find(',')));
-    }
-    if (names != nullptr) closedir(names);
-    if (others.empty()) return Good("version", "only " + Package::Get().name + " is registered");
-    return {"version", Check::Level::Problem, "also registered: " + Joined(others),
-            "build service, clients and this tool from the same package", kInvalidReply};
-}
-
 void PrintForPeople(const Checks& checks) {
     for (const Check& check : checks) {
         const std::string level = check.level == Check::Level::Good      ? Green("ok     ")
@@ -280,7 +196,6 @@ void PrintForPrograms(const Checks& checks) {
 }
 
 int Run(const std::string& directory, const DoctorOptions& options) {
-    const std::string hostDirectory = HostDirectory();
     Checks checks{CheckDirectory(directory), CheckPathLength(directory)};
     const auto add = [&checks](const Checks& more) { checks.insert(checks.end(), more.begin(), more.end()); };
     // Sockets whose paths are too long cannot be checked, and a shorter directory changes the rest as well.
@@ -291,11 +206,7 @@ int Run(const std::string& directory, const DoctorOptions& options) {
         checks.push_back(CheckSharing(directory));
         add(CheckOwners(directory));
     }
-    checks.push_back(CheckHostDirectory(hostDirectory));
-    if (checks.back().level == Check::Level::Good) {
-        checks.push_back(CheckService(options.timeout.Value()));
-        checks.push_back(CheckVersions(hostDirectory));
-    }
+    add(CheckService(options.timeout.Value()));
     if (options.json) {
         PrintForPrograms(checks);
     } else {

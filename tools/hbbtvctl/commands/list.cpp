@@ -6,7 +6,8 @@
 #include "common/failure.h"
 #include "common/text/json.h"
 #include "common/text/printable.h"
-#include "package/caller.h"
+#include "package/description.h"
+#include "service/service.h"
 #include "terminal/style.h"
 #include "wire/endpoint.h"
 
@@ -18,16 +19,6 @@ struct ListOptions {
     bool json = false;
     TimeOption timeout{"5s"};
 };
-
-std::vector<std::pair<std::string, bool>> Registered(Milliseconds limit) {
-    std::vector<std::pair<std::string, bool>> interfaces;
-    for (const auto& [name, binding] : AllBindings()) {
-        const auto found = std::make_shared<bool>(false);
-        InTime(limit, "looking up " + name, [found, find = binding->find] { *found = find() != nullptr; });
-        interfaces.emplace_back(name, *found);
-    }
-    return interfaces;
-}
 
 std::string State(const Finding& finding) {
     const std::string words = finding.InWords();
@@ -43,30 +34,42 @@ void PrintEndpoints(const std::string& directory, bool ofPlatform, const std::st
         rows.push_back({std::to_string(endpoint.key), std::to_string(endpoint.port), endpoint.family, endpoint.socket,
                         State(finding), finding.peer});
     }
-    std::printf("\n%s\n%s", Bold(title + " in " + Printable(directory)).c_str(), Columns(rows, "  ").c_str());
+    std::printf("%s\n%s", Bold(title + " in " + Printable(directory)).c_str(), Columns(rows, "  ").c_str());
+}
+
+void PrintInterfaces(const std::vector<std::pair<std::string, bool>>& interfaces) {
+    std::vector<std::vector<std::string>> rows;
+    for (const auto& [name, registered] : interfaces) {
+        rows.push_back({name, registered ? Green("registered") : Dim("not registered")});
+    }
+    std::printf("%s\n%s\n", Bold("Interfaces of " + Package::Get().name).c_str(), Columns(rows, "  ").c_str());
 }
 
 int RunForPeople(const std::string& directory, const ListOptions& options) {
-    std::vector<std::vector<std::string>> rows;
-    for (const auto& [name, registered] : Registered(options.timeout.Value())) {
-        rows.push_back({name, registered ? Green("registered") : Dim("not registered")});
-    }
-    std::printf("%s\n%s", Bold("Interfaces of " + Package::Get().name).c_str(), Columns(rows, "  ").c_str());
+    if (const auto interfaces = RegisteredInterfaces(options.timeout.Value())) PrintInterfaces(*interfaces);
     PrintEndpoints(directory, true, "Sockets of the platform (requests)");
+    std::printf("\n");
     PrintEndpoints(directory, false, "Sockets of the library (events)");
     return kDone;
+}
+
+Json::Value InterfacesForPrograms(const std::vector<std::pair<std::string, bool>>& interfaces) {
+    Json::Value list(Json::arrayValue);
+    for (const auto& [name, registered] : interfaces) {
+        Json::Value entry(Json::objectValue);
+        entry["name"] = name;
+        entry["registered"] = registered;
+        list.append(entry);
+    }
+    return list;
 }
 
 int RunForPrograms(const std::string& directory, const ListOptions& options) {
     Json::Value document(Json::objectValue);
     document["package"] = Package::Get().name;
     document["directory"] = directory;
-    document["interfaces"] = Json::Value(Json::arrayValue);
-    for (const auto& [name, registered] : Registered(options.timeout.Value())) {
-        Json::Value entry(Json::objectValue);
-        entry["name"] = name;
-        entry["registered"] = registered;
-        document["interfaces"].append(entry);
+    if (const auto interfaces = RegisteredInterfaces(options.timeout.Value())) {
+        document["interfaces"] = InterfacesForPrograms(*interfaces);
     }
     document["endpoints"] = Json::Value(Json::arrayValue);
     for (const Endpoint& endpoint : AllEndpoints()) {
