@@ -46,10 +46,23 @@ class Values {
     unsigned UInt() { return Limit<unsigned>(static_cast<unsigned>(Bits())); }
 
     double Real() {
-        const double odd[] = {0.0, -0.0, 0.1, 1.0, 1e15, 1e16, 1e17, 1e300, 5e-324, 4.0 / 3, 16.0 / 9,
-                              std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
-                              std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::max(),
-                              std::numeric_limits<double>::min(), std::numeric_limits<double>::epsilon()};
+        const double odd[] = {0.0,
+                              -0.0,
+                              0.1,
+                              1.0,
+                              1e15,
+                              1e16,
+                              1e17,
+                              1e300,
+                              5e-324,
+                              4.0 / 3,
+                              16.0 / 9,
+                              std::numeric_limits<double>::infinity(),
+                              -std::numeric_limits<double>::infinity(),
+                              std::numeric_limits<double>::quiet_NaN(),
+                              std::numeric_limits<double>::max(),
+                              std::numeric_limits<double>::min(),
+                              std::numeric_limits<double>::epsilon()};
         switch (Below(4)) {
             case 0:
                 return odd[Below(std::size(odd))];
@@ -68,10 +81,29 @@ class Values {
 
     // Plain and other characters, invalid UTF-8, and zero bytes.
     std::string Text() {
-        static const std::string kParts[] = {
-            "a", "http://a.example/x?y=1&z", " ", "/", "\"", "\\", "\n", "\t", "\x01", "\x1f", "\x7f", std::string(1, '\0'),
-            "\xc3\xa4", "\xe2\x82\xac", "\xf0\x9f\x93\xba", "\xef\xbf\xbf", "\xed\xa0\x80", "\xc3", "\xe2\x82", "\xff",
-            "\x80", "\xc0\x80", "\xf8\x88\x80\x80\x80"};
+        static const std::string kParts[] = {"a",
+                                             "http://a.example/x?y=1&z",
+                                             " ",
+                                             "/",
+                                             "\"",
+                                             "\\",
+                                             "\n",
+                                             "\t",
+                                             "\x01",
+                                             "\x1f",
+                                             "\x7f",
+                                             std::string(1, '\0'),
+                                             "\xc3\xa4",
+                                             "\xe2\x82\xac",
+                                             "\xf0\x9f\x93\xba",
+                                             "\xef\xbf\xbf",
+                                             "\xed\xa0\x80",
+                                             "\xc3",
+                                             "\xe2\x82",
+                                             "\xff",
+                                             "\x80",
+                                             "\xc0\x80",
+                                             "\xf8\x88\x80\x80\x80"};
         std::string text;
         const size_t parts = Below(2) == 0 ? 3 : std::size(kParts);  // half of the strings are plain
         for (size_t count = Below(6); count > 0; --count) text += kParts[Below(parts)];
@@ -81,7 +113,8 @@ class Values {
   private:
     template <typename T>
     T Limit(T value) {
-        constexpr T kLimits[] = {0, 1, static_cast<T>(-1), std::numeric_limits<T>::min(), std::numeric_limits<T>::max()};
+        constexpr T kLimits[] = {0, 1, static_cast<T>(-1), std::numeric_limits<T>::min(),
+                                 std::numeric_limits<T>::max()};
         return Below(3) == 0 ? kLimits[Below(std::size(kLimits))] : value;
     }
 
@@ -89,8 +122,8 @@ class Values {
 };
 
 // Some are the beginnings of others, and each occurs several times.
-constexpr const char* kKeys[] = {"type", "method", "t",  "k",   "k1",  "k10", "vb_handle", "vb", "Vb",
-                                 "url",  "channel", "_", "chan", "", "type2"};
+constexpr const char* kKeys[] = {"type", "method", "t",       "k", "k1",   "k10", "vb_handle", "vb",
+                                 "Vb",   "url",    "channel", "_", "chan", "",    "type2"};
 
 void AddInt(Values& values, Both& both, const char* key) {
     const int value = values.Int();

@@ -1,5 +1,5 @@
-// The members of a request, and the text of one: byte for byte that of Json::Value::toStyledString(), but written without
-// a document.
+// The members of a request, and the text of one: byte for byte that of Json::Value::toStyledString(), but written
+// without a document.
 #pragma once
 
 #include <cstddef>
@@ -37,7 +37,7 @@ Member Text(const char* key, const std::string& value);
 Member Pointer(const char* key, const void* value);
 Member NumberedInts(const std::vector<int>& values);                         // k0, k1, ..., see ToNumberedInts()
 Member NumberedPointers(const char* key, const std::vector<void*>& values);  // key0, key1, ...
-Member Array(const char* key, const std::vector<std::string>& elements);     // each is an Element(); null if there is none
+Member Array(const char* key, const std::vector<std::string>& elements);  // each is an Element(); null if there is none
 template <typename T>
 Member Int(const char* key, T value) = delete;
 template <typename T>
