@@ -98,8 +98,8 @@ void Poller::Run() {
     }
 }
 
-// A reader serves a call itself, which saves waking a thread of the pool, if another one waits for data and the pool may
-// serve one call more.
+// A reader serves a call itself, which saves waking a thread of the pool, if another one waits for data and the pool
+// may serve one call more.
 void Poller::RunOrPost(std::unique_ptr<Task> call) {
     if (mWaiting == 0 && mReaders < kMostReaders) StartReader();
     if (mWaiting == 0 || !ThreadPool::Get().RunHere(call)) ThreadPool::Get().Post(std::move(call));
