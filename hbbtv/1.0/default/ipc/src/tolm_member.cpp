@@ -78,9 +78,11 @@ void AppendValue(std::string& to, const std::vector<std::string>& elements) {
     to += "\n\t]";
 }
 
-template <typename Bytes>
-void AppendTo(Bytes& bytes, const char* text, size_t size) {
-    bytes.insert(bytes.end(), text, text + size);
+// Copies text to where there is room for it, and returns the end of the copy.
+template <typename Byte>
+Byte* Copy(std::string_view text, Byte* to) {
+    memcpy(to, text.data(), text.size());
+    return to + text.size();
 }
 
 }  // namespace
@@ -208,32 +210,33 @@ void ObjectText::Sort() {
 }
 
 template <typename Bytes>
-Bytes ObjectText::Joined(size_t depth) {
+Bytes ObjectText::Joined(size_t depth, std::string_view end) {
     Sort();
     const std::string indent = "\n" + std::string(depth + 1, '\t');
-    Bytes bytes;
-    bytes.reserve(mText.size() + mEntries.size() * (indent.size() + 1) + indent.size() + 3);
-    bytes.push_back('{');
+    const std::string_view text(mText);
+    Bytes bytes(2 + mText.size() + mEntries.size() * (indent.size() + 1) + indent.size() + end.size(), '\0');
+    auto* next = Copy("{", bytes.data());
     for (size_t i = 0; i < mEntries.size(); ++i) {
         const Entry& entry = mEntries[i];
-        if (i + 1 < mEntries.size() && KeyOf(mEntries[i + 1]) == KeyOf(entry)) continue;
-        AppendTo(bytes, indent.data(), indent.size());
-        AppendTo(bytes, mText.data() + entry.begin, entry.end - entry.begin);
-        if (i + 1 < mEntries.size()) bytes.push_back(',');
+        const bool isLast = i + 1 == mEntries.size();
+        if (!isLast && KeyOf(mEntries[i + 1]) == KeyOf(entry)) continue;
+        next = Copy(indent, next);
+        next = Copy(text.substr(entry.begin, entry.end - entry.begin), next);
+        if (!isLast) next = Copy(",", next);
     }
-    if (!mEntries.empty()) AppendTo(bytes, indent.data(), indent.size() - 1);
-    bytes.push_back('}');
+    if (!mEntries.empty()) next = Copy(std::string_view(indent).substr(0, indent.size() - 1), next);
+    next = Copy("}", next);
+    next = Copy(end, next);
+    bytes.resize(static_cast<size_t>(next - bytes.data()));
     return bytes;
 }
 
 std::string ObjectText::AsElement() {
-    return Joined<std::string>(2);
+    return Joined<std::string>(2, "");
 }
 
 std::vector<unsigned char> ObjectText::AsDocument() {
-    std::vector<unsigned char> bytes = Joined<std::vector<unsigned char>>(0);
-    bytes.push_back('\n');
-    return bytes;
+    return Joined<std::vector<unsigned char>>(0, "\n");
 }
 
 std::string Element(std::initializer_list<Member> members) {

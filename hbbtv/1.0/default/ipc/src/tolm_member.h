@@ -78,7 +78,7 @@ class ObjectText {
     std::string_view KeyOf(const Entry& entry) const;
     void Sort();
     template <typename Bytes>
-    Bytes Joined(size_t depth);
+    Bytes Joined(size_t depth, std::string_view end);
 
     std::string mText;
     std::vector<Entry> mEntries;
