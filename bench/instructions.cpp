@@ -100,15 +100,16 @@ std::vector<Count> CountsOf(ChildProcess* platform, IVideoBroadcast* remote) {
          [=] { TolmChannelConfigAdaptorIpc::GetInstance()->CreateChannelList(pointers, pointer); }},
         {"reply with a handle: GetCurrentChannel", 16000, [=] { video->GetCurrentChannel(kVb, pointer); }},
         {"reply with a real: GetPlaySpeed", 18200, [=] { video->GetPlaySpeed(kVb, real); }},
-        {"reply with 64 bytes: GetName", 17400,
-         [=] { TolmChannelAdaptorIpc::GetInstance()->GetName(kChannel, text); }},
+        {"reply with 64 bytes: GetName", 17400, [=] { TolmChannelAdaptorIpc::GetInstance()->GetName(kChannel, text); }},
         {"reply with 10 numbers: GetDttNetworkIds", 55000,
          [=] {
              numbers.clear();
              TolmConfigurationAdaptorIpc::GetInstance()->GetDttNetworkIds(numbers);
          }},
         {"reply with 64 KiB: GetPlayState", 3000000, [=] { video->GetPlayState(kVb, number); }},
-        {"event to the plain callback", 22500, {},
+        {"event to the plain callback",
+         22500,
+         {},
          [=] {
              platform->Write(std::to_string(kCounted) + "\n");
              TheEvents().WaitForAll();
@@ -158,7 +159,8 @@ std::vector<Row> Instructions() {
     const std::string hidl = std::string("HIDL_HOST_DIR=") + std::getenv("HIDL_HOST_DIR");
     const android::sp<IVideoBroadcast> remote = IVideoBroadcast::getService();
     const auto call = [&] { (void)remote->SetChannel(0x12b1d002, 0x82357757, false, "").isOk(); };
-    Expect(test::WaitFor([&] { return remote->SetChannel(1, 2, false, "") == 0; }), "SetChannel of the counted service");
+    Expect(test::WaitFor([&] { return remote->SetChannel(1, 2, false, "") == 0; }),
+           "SetChannel of the counted service");
     for (int i = 0; i < kWarm; ++i) call();
     service.Process().Write("begin\n");
     Expect(service.Process().WaitForOutput("begun\n"), "counting in the service");
@@ -170,8 +172,8 @@ std::vector<Row> Instructions() {
     Expect(client.Process().WaitForOutput("ended\n", std::chrono::seconds(120)), "the counted client");
     std::vector<Row> rows;
     for (const struct Count& count : CountsOf(nullptr, nullptr)) {
-        rows.push_back({count.name, Unit::kInstructions, client.Count(rows.size() + 1) / kCounted, {},
-                        Target{false, count.most}});
+        rows.push_back(
+            {count.name, Unit::kInstructions, client.Count(rows.size() + 1) / kCounted, {}, Target{false, count.most}});
     }
     rows.push_back({kInService, Unit::kInstructions, service.Count(1) / kCounted, {}, Target{false, kMostInService}});
     return rows;

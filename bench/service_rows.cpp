@@ -119,8 +119,9 @@ double Scene::KiBPerConnection() const {
     for (int i = 0; i < kConnections; ++i) {
         connections.push_back(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
         bool alive = true;
-        const bool sent = connect(connections.back(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0 &&
-                          tolm::SendInternalSocket(connections.back(), 7, TOLM_IPC_MSG_ASYNC, event, alive);
+        const bool sent =
+            connect(connections.back(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0 &&
+            tolm::SendInternalSocket(connections.back(), 7, TOLM_IPC_MSG_ASYNC, event, alive);
         Expect(sent, "an event of a further connection");
     }
     const auto served = [&] { return test::UsageOf(mService.Pid()).threads >= threads + kConnections; };

@@ -117,9 +117,10 @@ double LibraryEventsPerSecond(ChildProcess& platform) {
 
 // Returns microseconds per channel.
 double ReadList(const std::function<void(int index)>& readChannel) {
-    return MicrosecondsEach(kLists, [&] {
-               for (int i = 0; i < kListed; ++i) readChannel(i);
-           }) /
+    return MicrosecondsEach(kLists,
+                            [&] {
+                                for (int i = 0; i < kListed; ++i) readChannel(i);
+                            }) /
            kListed;
 }
 
@@ -175,10 +176,12 @@ std::vector<Measurement> Processes::SmallRequests() {
         {kFloor, us, "", {}, [this] { return Floor(kSmall, SetChannelRequest); }},
         {"SetChannel at the adaptor", us, kFloor, Target{false, 0.75},
          [this] {
-             return MicrosecondsEach(kSmall,
-                                     [this] { mVideo->SetChannel(kVbHandle, kChannelHandle, false, mNoUrl); });
+             return MicrosecondsEach(kSmall, [this] { mVideo->SetChannel(kVbHandle, kChannelHandle, false, mNoUrl); });
          }},
-        {"SetChannel through the service, in process", us, kFloor, {},
+        {"SetChannel through the service, in process",
+         us,
+         kFloor,
+         {},
          [this] {
              return MicrosecondsEach(kSmall, [this] { (void)mLocal->SetChannel(kVb, kChannel, false, "").isOk(); });
          }},
@@ -197,16 +200,18 @@ std::vector<Measurement> Processes::Lists() {
         {kNameFloor, us, "", {}, [this] { return Floor(kSmall, NameRequest); }},
         {"GetName of 64 bytes at the adaptor", us, kNameFloor, Target{false, 0.75},
          [this] {
-             return MicrosecondsEach(
-                 kSmall, [this] { TolmChannelAdaptorIpc::GetInstance()->GetName(kChannelHandle, mName); });
+             return MicrosecondsEach(kSmall,
+                                     [this] { TolmChannelAdaptorIpc::GetInstance()->GetName(kChannelHandle, mName); });
          }},
-        {kListFloor, us, "", {},
+        {kListFloor,
+         us,
+         "",
+         {},
          [this] { return ReadList([this](int index) { FloorExchange(mFloorFd, ItemRequest(index)); }); }},
         {"channel of a list of 500 at the adaptor", us, kListFloor, Target{false, 0.75},
          [this] {
-             return ReadList([this](int index) {
-                 TolmChannelListAdaptorIpc::GetInstance()->Item(kVbHandle, index, mListed);
-             });
+             return ReadList(
+                 [this](int index) { TolmChannelListAdaptorIpc::GetInstance()->Item(kVbHandle, index, mListed); });
          }},
     };
 }
