@@ -17,7 +17,7 @@
 #include "ipc/src/plugin/tolm_channel_config_adaptor_ipc.h"
 #include "ipc/src/plugin/tolm_configuration_adaptor_ipc.h"
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
-#include "measurement.h"
+#include "report/measurement.h"
 #include "roles.h"
 #include "scratch_directory.h"
 

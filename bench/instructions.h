@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "table.h"
+#include "report/table.h"
 
 namespace hbbtv::bench {
 

@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "instructions.h"
-#include "measurement.h"
 #include "platform.h"
+#include "report/measurement.h"
+#include "report/table.h"
 #include "roles.h"
 #include "service_rows.h"
-#include "table.h"
 #include "timings.h"
 
 namespace hbbtv::bench {

@@ -14,10 +14,10 @@
 
 #include "child_process.h"
 #include "floor.h"
-#include "measurement.h"
+#include "report/measurement.h"
+#include "report/table.h"
 #include "roles.h"
 #include "scratch_directory.h"
-#include "table.h"
 
 namespace hbbtv::bench {
 
@@ -175,9 +175,8 @@ bool CallRpc(CLIENT* client) {
     RpcArguments arguments = {0x1000, 0x2000, false, url};
     int status = -1;
     const timeval limit = {10, 0};
-    const clnt_stat called =
-        clnt_call(client, kSetChannel, (xdrproc_t)Transfer, reinterpret_cast<char*>(&arguments), (xdrproc_t)xdr_int,
-                  reinterpret_cast<char*>(&status), limit);
+    const clnt_stat called = clnt_call(client, kSetChannel, (xdrproc_t)Transfer, reinterpret_cast<char*>(&arguments),
+                                       (xdrproc_t)xdr_int, reinterpret_cast<char*>(&status), limit);
     return called == RPC_SUCCESS && status == 0;
 }
 
@@ -194,11 +193,20 @@ std::vector<Row> Measure() {
     Expect(test::WaitFor([&] { return CallOverBus(bus); }), "a call over the bus");
     const Unit us = Unit::kMicroseconds;
     std::vector<Measurement> measurements = {
-        {"small request, floor", us, "", {},
+        {"small request, floor",
+         us,
+         "",
+         {},
          [&] { return MicrosecondsEach(kCalls, [&] { FloorExchange(floorFd, FloorRequest()); }); }},
-        {"message bus, through its daemon", us, "small request, floor", {},
+        {"message bus, through its daemon",
+         us,
+         "small request, floor",
+         {},
          [&] { return MicrosecondsEach(kCalls, [&] { Expect(CallOverBus(bus), "a call over the bus"); }); }},
-        {"RPC over a Unix socket", us, "small request, floor", {},
+        {"RPC over a Unix socket",
+         us,
+         "small request, floor",
+         {},
          [&] { return MicrosecondsEach(kCalls, [&] { Expect(CallRpc(client), "an RPC"); }); }},
     };
     Run(measurements, kRounds);

@@ -18,9 +18,9 @@
 #include "ipc/socket/tolm_ipc_internal_socket.h"
 #include "ipc/src/tolm_family.h"
 #include "ipc/tolm_ipc_key_converter.h"
-#include "measurement.h"
 #include "package/caller.h"
 #include "process_usage.h"
+#include "report/measurement.h"
 #include "roles.h"
 #include "scratch_directory.h"
 

@@ -16,8 +16,8 @@
 #include "ipc/src/plugin/tolm_channel_list_adaptor_ipc.h"
 #include "ipc/src/plugin/tolm_video_broadcast_adaptor_ipc.h"
 #include "ipc/tolm_ipc_key_converter.h"
-#include "measurement.h"
 #include "platform.h"
+#include "report/measurement.h"
 #include "roles.h"
 #include "scratch_directory.h"
 

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "table.h"
+#include "report/table.h"
 
 namespace hbbtv::bench {
 
