@@ -96,7 +96,7 @@ std::vector<Count> CountsOf(ChildProcess* platform, IVideoBroadcast* remote) {
         {"request of a real: SetSpeed", 14500, [=] { video->SetSpeed(kVb, 16.0 / 9); }},
         {"request of a string with umlauts: SetChannel", 16700,
          [=] { video->SetChannel(kVb, kChannel, false, "http://a.example/\xc3\xbc"); }},
-        {"request of 10 numbered handles: CreateChannelList", 24600,
+        {"request of 10 numbered handles: CreateChannelList", 29400,
          [=] { TolmChannelConfigAdaptorIpc::GetInstance()->CreateChannelList(pointers, pointer); }},
         {"reply with a handle: GetCurrentChannel", 16000, [=] { video->GetCurrentChannel(kVb, pointer); }},
         {"reply with a real: GetPlaySpeed", 18200, [=] { video->GetPlaySpeed(kVb, real); }},

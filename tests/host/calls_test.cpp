@@ -269,7 +269,8 @@ TEST_F(Calls, TheAnswerArrivesWithTheCallbackNotWithTheEndOfTheMethod) {
     EXPECT_TRUE(WaitFor([&] { return Holding(mService) == 0; }));
 }
 
-// One thread of the service, which reads the call and serves it, and the caller, which reads its reply.
+// One thread of the service, which reads the call and serves it, and the caller, which reads its reply. Not always: a
+// call that comes before the thread of the last one waits again goes to the pool.
 TEST_F(Calls, WakeTwoThreads) {
     constexpr long kCalls = 1000;
     const auto call = [&] { EXPECT_EQ(mService->nextColour(Colour::GREEN).withDefault(Colour::RED), Colour::BLUE); };
@@ -277,8 +278,8 @@ TEST_F(Calls, WakeTwoThreads) {
     const long here = WaitsOf(getpid());
     const long there = WaitsOf(mPeer.Pid());
     for (long i = 0; i < kCalls; ++i) call();
-    EXPECT_LT(WaitsOf(getpid()) - here, kCalls + kCalls / 10);
-    EXPECT_LT(WaitsOf(mPeer.Pid()) - there, kCalls + kCalls / 10);
+    EXPECT_LT(WaitsOf(getpid()) - here, kCalls + kCalls / 2);
+    EXPECT_LT(WaitsOf(mPeer.Pid()) - there, kCalls + kCalls / 2);
 }
 
 TEST_F(Calls, ManyThreadsShareOneConnection) {
