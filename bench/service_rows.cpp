@@ -68,10 +68,19 @@ class NoEvents : public EventSink {
     Json::Value Take(const char*, const char*, Json::Value) override { return Json::Value(Json::arrayValue); }
 };
 
+// Returns whether all names are registered in this directory.
+bool AllServed(const ScratchDirectory& directory) {
+    std::error_code error;
+    std::filesystem::directory_iterator entries(directory / "hidl", error);
+    return std::count_if(begin(entries), end(entries), [](const auto& entry) { return entry.is_symlink(); }) >=
+           kFamilies;
+}
+
 // A service with its platform, and a client for each family.
 class Scene {
   public:
     Scene() {
+        Expect(test::WaitFor([this] { return AllServed(mDirectory); }), "starting the service");
         for (int family = 0; family < kFamilies; ++family) {
             std::vector<std::string> command = RoleCommand(kClient);
             command.push_back(std::to_string(family));
@@ -136,13 +145,7 @@ double StartMilliseconds() {
     const ScratchDirectory directory;
     const auto start = Clock::now();
     ChildProcess service(ServiceCommand(), {ServiceEnvironment()});
-    const std::string names = directory / "hidl";
-    const auto registered = [&] {
-        std::error_code error;
-        std::filesystem::directory_iterator entries(names, error);
-        return std::count_if(begin(entries), end(entries), [](const auto& entry) { return entry.is_symlink(); });
-    };
-    while (registered() < kFamilies) std::this_thread::sleep_for(std::chrono::microseconds(200));
+    while (!AllServed(directory)) std::this_thread::sleep_for(std::chrono::microseconds(200));
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
