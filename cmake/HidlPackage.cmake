@@ -70,6 +70,7 @@ function(add_hidl_library target)
     set_target_properties(${target} PROPERTIES
         OUTPUT_NAME ${HIDL_PACKAGE} PREFIX "" HIDL_INCLUDE_DIR ${GENERATED_INCLUDE_DIR})
     target_include_directories(${target} SYSTEM PUBLIC $<BUILD_INTERFACE:${GENERATED_INCLUDE_DIR}>)
-    target_compile_options(${target} PRIVATE -w)
+    # Its size is most of the service's memory, and its time to compile most of the library's.
+    target_compile_options(${target} PRIVATE -w $<$<CONFIG:RelWithDebInfo>:-Os>)
     target_link_libraries(${target} PUBLIC hidl_host)
 endfunction()

@@ -30,6 +30,19 @@ Status CallByHand(const sp<IBase>& proxy, const char* token, uint32_t method, ui
     return Status::fromStatusT(getOrCreateCachedBinder(proxy.get())->transact(method, data, &reply, flags));
 }
 
+// Returns how often the threads of a process have waited for something.
+long WaitsOf(pid_t pid) {
+    const std::string key = "voluntary_ctxt_switches:";
+    long waits = 0;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task")) {
+        std::ifstream status(task.path() / "status");
+        for (std::string line; std::getline(status, line);) {
+            if (line.rfind(key, 0) == 0) waits += std::stol(line.substr(key.size()));
+        }
+    }
+    return waits;
+}
+
 }  // namespace
 
 TEST_F(DataAcrossProcesses, ScalarsKeepTheirExtremes) {
@@ -254,6 +267,19 @@ TEST_F(Calls, TheAnswerArrivesWithTheCallbackNotWithTheEndOfTheMethod) {
     EXPECT_TRUE(WaitFor([&] { return Holding(mService) == 1; }));
     EXPECT_TRUE(mService->letGo().isOk());
     EXPECT_TRUE(WaitFor([&] { return Holding(mService) == 0; }));
+}
+
+// One thread of the service, which reads the call and serves it, and the caller, which reads its reply. Not always: a
+// call that comes before the thread of the last one waits again goes to the pool.
+TEST_F(Calls, WakeTwoThreads) {
+    constexpr long kCalls = 1000;
+    const auto call = [&] { EXPECT_EQ(mService->nextColour(Colour::GREEN).withDefault(Colour::RED), Colour::BLUE); };
+    for (int i = 0; i < 20; ++i) call();  // which start the threads
+    const long here = WaitsOf(getpid());
+    const long there = WaitsOf(mPeer.Pid());
+    for (long i = 0; i < kCalls; ++i) call();
+    EXPECT_LT(WaitsOf(getpid()) - here, kCalls + kCalls / 2);
+    EXPECT_LT(WaitsOf(mPeer.Pid()) - there, kCalls + kCalls / 2);
 }
 
 TEST_F(Calls, ManyThreadsShareOneConnection) {

@@ -367,6 +367,19 @@ TEST_F(HostilePeers, MaySendBackAnObjectOfAnotherInterface) {
     EXPECT_EQ(static_cast<sp<IListener>>(TheSource().mWorkshop->listener()), nullptr);
 }
 
+// More of them than there are threads that read.
+TEST_F(HostilePeers, ThatStopInTheMiddleOfAFrameDoNotKeepOthersWaiting) {
+    const Bytes body = EchoBody("text");
+    const FrameHead head = HostilePeer::Head(FrameType::kCall, body);
+    std::vector<std::unique_ptr<HostilePeer>> peers;
+    for (int i = 0; i < 20; ++i) {
+        peers.push_back(std::make_unique<HostilePeer>());
+        peers.back()->Write(&head, i % 2 == 0 ? sizeof(head) : 1);
+    }
+    HostilePeer other;
+    other.LookUp();
+}
+
 TEST_F(HostilePeers, MayDieInTheMiddleOfAFrame) {
     const Bytes body = EchoBody("text");
     for (const size_t sent : {size_t{1}, sizeof(FrameHead) - 1, sizeof(FrameHead), sizeof(FrameHead) + 5}) {

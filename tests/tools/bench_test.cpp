@@ -77,6 +77,26 @@ TEST_F(Bench, CallsFromAsManyThreadsAsRequested) {
     EXPECT_EQ(bench.WaitForExit(), 4) << bench.Output();
 }
 
+TEST_F(Bench, PrintsWhatItHasMeasuredWhenItIsInterrupted) {
+    mPlatform->Kill();
+    FakePlatform platform("service_plugin_to_hbbtv_vb_chn_config", R"({"ret": 0, "handle": "0x1"})");
+    CtlProcess bench({"bench", "IChannelConfig.GetCurrentChannel", "--duration", "1000s", "--concurrency", "3"});
+    ASSERT_TRUE(platform.WaitForFrames(10));
+    bench.Signal(SIGINT);
+    EXPECT_EQ(bench.WaitForExit(), 130) << bench.Output();
+    EXPECT_THAT(bench.Output(), testing::HasSubstr("IChannelConfig.GetCurrentChannel, concurrency 3, "));
+    EXPECT_THAT(bench.Output(), testing::HasSubstr("\n  max "));
+}
+
+TEST_F(Bench, DoesNotWaitForTheNextCallWhenItIsInterrupted) {
+    mPlatform->Kill();
+    FakePlatform platform("service_plugin_to_hbbtv_vb_chn_config", R"({"ret": 0, "handle": "0x1"})");
+    CtlProcess bench({"bench", "IChannelConfig.GetCurrentChannel", "--duration", "2000s", "--rate", "0.001"});
+    ASSERT_TRUE(platform.WaitForFrames(1));
+    bench.Signal(SIGINT);
+    EXPECT_EQ(bench.WaitForExit(), 130) << bench.Output();
+}
+
 TEST_F(Bench, ExitsWithSixWhenTheServiceEnds) {
     mPlatform->Kill();
     FakePlatform platform("service_plugin_to_hbbtv_vb_chn_config", R"({"ret": 0, "handle": "0x1"})");

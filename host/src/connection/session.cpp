@@ -4,7 +4,6 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
-#include "connection/socket_reader.h"
 #include "log/host_log.h"
 
 namespace android::hardware::host {
@@ -22,7 +21,7 @@ constexpr size_t kOverheadOfCall = 256;
 // ---- Life ----
 
 Session::Session(int fd, ServiceSource* services)
-    : mServices(services), mFd(fd), mOutbox(std::make_shared<Outbox>(fd)) {
+    : mServices(services), mFd(fd), mOutbox(std::make_shared<Outbox>(fd)), mReader(fd) {
     ucred peer = {};
     socklen_t size = sizeof(peer);
     if (getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0) mPeer = peer.pid;
@@ -32,18 +31,20 @@ Session::~Session() = default;
 
 std::shared_ptr<Session> Session::Start(int fd, ServiceSource* services) {
     const auto session = std::make_shared<Session>(fd, services);
-    const bool started = StartThread("hidl-reader", false, [session] { session->Read(); });
-    return started ? session : nullptr;
+    // Data that arrives is not read before the number is known.
+    std::lock_guard<std::mutex> lock(session->mMutex);
+    session->mNumber = Poller::Get().Add(fd, session);
+    return session->mNumber != 0 ? session : nullptr;
 }
 
-// Makes the reader end, either at the end of the stream or by the flag, and bury the session.
+// Makes the thread that reads see the end of the stream, or the flag, and bury the session.
 void Session::Abandon(const char* why) {
     if (mAbandoned.exchange(true)) return;
     ALOGE("closing the connection with process %d: %s", mPeer, why);
     mOutbox->Shutdown();
 }
 
-// Called by the reader only, once it has dispatched everything.
+// Called by the thread that reads, once it has dispatched everything.
 void Session::Bury() {
     std::vector<sp<BHwBinder>> exports;
     std::vector<wp<BpHwBinder>> imports;
@@ -59,6 +60,7 @@ void Session::Bury() {
         exports = mNodes.TakeExports();
         imports = mNodes.Imports();
     }
+    Poller::Get().Remove(mFd, mNumber);
     mOutbox->Close();
     if (!exports.empty()) ThreadPool::Get().ReleaseLater(std::move(exports));
     for (const wp<BpHwBinder>& weak : imports) {
@@ -97,13 +99,20 @@ sp<IBinder> Session::Lookup(const std::string& name) {
 
 status_t Session::Call(FrameHead head, const Parcel& data, Parcel* reply) {
     Waiter waiter(reply);
+    bool reads;
     {
         std::lock_guard<std::mutex> lock(mMutex);
         if (mDead) return DEAD_OBJECT;
         head.id = mNextId++;
         mWaiters.emplace(head.id, &waiter);
+        reads = !mIsRead;
+        mIsRead = true;
     }
+    // Before the reply can arrive, which would wake a thread of the Poller.
+    if (reads) Poller::Get().Disarm(mFd, mNumber);
     const status_t status = SendFrame(head, &data, Outbox::Patience::kSome);
+    if (status == OK && reads) ReadFor(waiter);
+    if (reads) EndReading();
     if (status == OK) return Wait(waiter);
     std::lock_guard<std::mutex> lock(mMutex);
     mWaiters.erase(head.id);
@@ -123,6 +132,11 @@ status_t Session::Wait(Waiter& waiter) {
         lock.unlock();
         call->Run();
         call.reset();
+        if (BeginReading()) {
+            Poller::Get().Disarm(mFd, mNumber);
+            ReadFor(waiter);
+            EndReading();
+        }
         lock.lock();
     }
 }
@@ -181,31 +195,58 @@ status_t Session::SendFrame(FrameHead head, const Parcel* body, Outbox::Patience
 
 // ---- Receiving ----
 
-void Session::Read() {
-    SocketReader reader(mFd);
-    while (!mAbandoned && ReadFrame(reader)) {
-    }
-    Bury();
+// Returns whether this thread reads from here on. It does not if another one does, or the session is dead.
+bool Session::BeginReading() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mIsRead || mDead) return false;
+    return mIsRead = true;
 }
 
-// Returns false at the end of the connection.
-bool Session::ReadFrame(SocketReader& reader) {
-    FrameHead head;
-    if (!reader.Read(&head, sizeof(head))) return false;
-    if (head.magic != FrameHead::kMagic || head.zero != 0 || head.bodySize > Parcel::kMaxSize ||
-        head.bodySize % 8 != 0) {
-        Abandon("invalid frame");
-        return false;
+// No complete frame may be left in the reader: the Poller does not see it.
+void Session::EndReading() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mIsRead = false;
+    // With the lock, since another thread that reads may close the descriptor.
+    if (!mDead) Poller::Get().Arm(mFd, mNumber);
+}
+
+std::unique_ptr<Task> Session::Readable() {
+    if (!BeginReading()) return nullptr;
+    mReader.MayReceive(true);
+    mKeepsCall = true;
+    while (ReadFrame(false)) {
     }
+    mKeepsCall = false;
+    std::unique_ptr<IncomingCall> call = std::move(mKeptCall);
+    EndReading();
+    return call;
+}
+
+// Reads until there is something for the caller to do.
+void Session::ReadFor(Waiter& waiter) {
+    // Only the thread that reads changes the waiter.
+    while (!waiter.done && waiter.nested.empty() && ReadFrame(true)) {
+    }
+    mReader.MayReceive(false);
+    while (!mDead && ReadFrame(false)) {
+    }
+}
+
+// Returns false at the end of the connection, and when there is no frame and the thread does not wait for one.
+bool Session::ReadFrame(bool waits) {
+    FrameHead head;
     std::unique_ptr<uint64_t[]> body;
-    if (head.bodySize > 0) {
-        body.reset(new uint64_t[head.bodySize / 8]);
-        if (!reader.Read(body.get(), head.bodySize)) return false;
+    const SocketReader::Result result = mAbandoned ? SocketReader::Result::kEnd : mReader.Next(waits, &head, &body);
+    if (result == SocketReader::Result::kNothing) return false;
+    if (result != SocketReader::Result::kFrame) {
+        if (result == SocketReader::Result::kInvalid) Abandon("invalid frame");
+        Bury();
+        return false;
     }
     const char* const wrong = Handle(head, std::move(body));
     if (wrong != nullptr) Abandon(wrong);
     ThreadPool::Get().TryAgain();
-    return wrong == nullptr;
+    return true;
 }
 
 const char* Session::Handle(const FrameHead& head, std::unique_ptr<uint64_t[]> body) {
@@ -257,8 +298,8 @@ const char* Session::HandleCall(const FrameHead& head, Parcel&& data) {
     return wrong;
 }
 
-// Passes a call to the thread that waits for its parent call, or to the pool if there is none or it already has its
-// reply.
+// Passes a call to the thread that waits for its parent call. If there is none or it already has its reply, the call is
+// kept by the thread that reads, if that may serve it, or goes to the pool.
 void Session::HandOver(uint64_t parent, std::unique_ptr<IncomingCall> call) {
     std::shared_ptr<std::condition_variable> changed;
     if (parent != 0) {
@@ -269,8 +310,9 @@ void Session::HandOver(uint64_t parent, std::unique_ptr<IncomingCall> call) {
             changed = found->second->changed;
         }
     }
-    if (changed == nullptr) return ThreadPool::Get().Post(std::move(call));
-    changed->notify_one();
+    if (changed != nullptr) return changed->notify_one();
+    if (mKeepsCall) std::swap(mKeptCall, call);
+    if (call != nullptr) ThreadPool::Get().Post(std::move(call));
 }
 
 const char* Session::HandleReply(const FrameHead& head, Parcel&& results) {

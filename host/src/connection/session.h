@@ -1,5 +1,6 @@
 // One connection between two processes, shared by all threads and objects of both. It carries calls in both directions.
-// A reader thread reads frames and dispatches them; it never runs user code and never waits for the peer.
+// One thread at a time reads frames and dispatches them: a caller that waits for its reply, or else a thread of the
+// Poller, which does not wait for the peer.
 #pragma once
 
 #include <hwbinder/IBinder.h>
@@ -20,10 +21,12 @@
 #include "connection/node.h"
 #include "connection/node_table.h"
 #include "connection/outbox.h"
+#include "connection/poller.h"
+#include "connection/socket_reader.h"
 
 namespace android::hardware::host {
 
-// The services of a serving session. Called by reader threads.
+// The services of a serving session. Called by threads that read.
 class ServiceSource {
   public:
     virtual ~ServiceSource() = default;
@@ -31,12 +34,10 @@ class ServiceSource {
     virtual sp<BHwBinder> FindStub(const std::string& name) = 0;
 };
 
-class SocketReader;
-
-class Session : public ParcelSource, public std::enable_shared_from_this<Session> {
+class Session : public ParcelSource, public Pollable, public std::enable_shared_from_this<Session> {
   public:
     // Takes ownership of a connected socket. `services` is null on the connecting side; on the other, it must outlive
-    // the session. Returns null if no thread can be started.
+    // the session. Returns null if there is no thread to read it.
     static std::shared_ptr<Session> Start(int fd, ServiceSource* services);
 
     Session(int fd, ServiceSource* services);
@@ -62,6 +63,8 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
 
     // Called when a call that has arrived is finished and its memory is freed.
     void CallIsDone(size_t size) { mBytesOfCalls -= size; }
+
+    std::unique_ptr<Task> Readable() override;
 
     // Closes the session.
     void ParcelIsDamaged() override { Abandon("a parcel does not match its interface"); }
@@ -89,9 +92,11 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
     std::vector<WireNode> WireNodesOf(const Parcel& parcel);
     void TakeBack(const std::vector<WireNode>& wire);
 
-    // Receiving, on the reader thread. Strings are null on success, or describe the peer's error.
-    void Read();
-    bool ReadFrame(SocketReader& reader);
+    // Receiving, on the thread that reads. Strings are null on success, or describe the peer's error.
+    bool BeginReading();
+    void EndReading();
+    void ReadFor(Waiter& waiter);
+    bool ReadFrame(bool waits);
     const char* Handle(const FrameHead& head, std::unique_ptr<uint64_t[]> body);
     const char* HandleCall(const FrameHead& head, Parcel&& data);
     const char* HandleReply(const FrameHead& head, Parcel&& results);
@@ -103,7 +108,8 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
     void Bury();
 
     ServiceSource* const mServices;
-    const int mFd;  // for the reader; senders use mOutbox
+    const int mFd;         // for reading; senders use mOutbox
+    uint64_t mNumber = 0;  // of the Poller
     const std::shared_ptr<Outbox> mOutbox;
     pid_t mPeer = 0;
 
@@ -111,7 +117,13 @@ class Session : public ParcelSource, public std::enable_shared_from_this<Session
     std::atomic<bool> mAbandoned{false};  // the peer is not trusted, and nothing more is read
     std::atomic<size_t> mBytesOfCalls{0};
 
+    // Of the thread that reads.
+    SocketReader mReader;
+    bool mKeepsCall = false;                  // it may serve a call itself
+    std::unique_ptr<IncomingCall> mKeptCall;  // which it does
+
     std::mutex mMutex;
+    bool mIsRead = false;  // by some thread; otherwise, the Poller is armed unless the session is dead
     uint64_t mNextId = 1;
     std::unordered_map<uint64_t, Waiter*> mWaiters;
     NodeTable mNodes;

@@ -1,5 +1,6 @@
 #include "connection/socket_reader.h"
 
+#include <hwbinder/Parcel.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -8,30 +9,67 @@
 
 namespace android::hardware::host {
 
-bool SocketReader::Read(void* destination, size_t size) {
-    uint8_t* out = static_cast<uint8_t*>(destination);
-    while (size > 0) {
-        if (mStart < mEnd) {
-            const size_t taken = std::min(size, mEnd - mStart);
-            memcpy(out, &mBuffer[mStart], taken);
-            mStart += taken;
-            out += taken;
-            size -= taken;
-            continue;
+SocketReader::Result SocketReader::Next(bool waits, FrameHead* head, std::unique_ptr<uint64_t[]>* body) {
+    for (;;) {
+        if (!mHasHead && TakeHead()) {
+            const bool valid = mHead.magic == FrameHead::kMagic && mHead.zero == 0 &&
+                               mHead.bodySize <= Parcel::kMaxSize && mHead.bodySize % 8 == 0;
+            if (!valid) return Result::kInvalid;
+            if (mHead.bodySize > 0) mBody.reset(new uint64_t[mHead.bodySize / 8]);
         }
-        const bool direct = size >= kBufferSize;
-        const ssize_t n = recv(mFd, direct ? out : mBuffer.get(), direct ? size : kBufferSize, 0);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
-        if (direct) {
-            out += n;
-            size -= static_cast<size_t>(n);
-        } else {
-            mStart = 0;
-            mEnd = static_cast<size_t>(n);
+        if (mHasHead && TakeBody()) {
+            *head = mHead;
+            *body = std::move(mBody);
+            mHasHead = false;
+            return Result::kFrame;
         }
+        if (!mMayReceive && !waits) return Result::kNothing;
+        const Result result = Receive(waits);
+        if (result != Result::kFrame) return result;
     }
-    return true;
+}
+
+bool SocketReader::TakeHead() {
+    if (mEnd - mStart < sizeof(mHead)) return false;
+    memcpy(&mHead, &mBuffer[mStart], sizeof(mHead));
+    mStart += sizeof(mHead);
+    mBodyRead = 0;
+    return mHasHead = true;
+}
+
+bool SocketReader::TakeBody() {
+    const size_t taken = std::min(mHead.bodySize - mBodyRead, mEnd - mStart);
+    if (taken > 0) memcpy(reinterpret_cast<uint8_t*>(mBody.get()) + mBodyRead, &mBuffer[mStart], taken);
+    mStart += taken;
+    mBodyRead += taken;
+    return mBodyRead == mHead.bodySize;
+}
+
+// Receives more of the frame: the body of a large one directly, anything else into the buffer. Returns kFrame if
+// something has come.
+SocketReader::Result SocketReader::Receive(bool waits) {
+    const size_t rest = mHasHead ? mHead.bodySize - mBodyRead : 0;
+    const bool direct = rest >= kBufferSize;
+    if (!direct && mStart > 0) {
+        memmove(mBuffer.get(), &mBuffer[mStart], mEnd - mStart);
+        mEnd -= mStart;
+        mStart = 0;
+    }
+    void* const to = direct ? reinterpret_cast<uint8_t*>(mBody.get()) + mBodyRead : &mBuffer[mEnd];
+    const size_t room = direct ? rest : kBufferSize - mEnd;
+    mMayReceive = false;
+    ssize_t n;
+    do {
+        n = recv(mFd, to, room, waits ? 0 : MSG_DONTWAIT);
+    } while (n < 0 && errno == EINTR);
+    if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) return Result::kNothing;
+    if (n <= 0) return Result::kEnd;
+    if (direct) {
+        mBodyRead += static_cast<size_t>(n);
+    } else {
+        mEnd += static_cast<size_t>(n);
+    }
+    return Result::kFrame;
 }
 
 }  // namespace android::hardware::host

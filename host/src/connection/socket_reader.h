@@ -1,10 +1,12 @@
-// The receiving half of a connection: reads large blocks, so that a small frame costs one system call. Used by one
-// reader thread.
+// The receiving half of a connection. Reads large blocks, so that small frames cost one system call at most. Used by
+// one thread at a time.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+
+#include "connection/frame.h"
 
 namespace android::hardware::host {
 
@@ -12,17 +14,37 @@ class SocketReader {
   public:
     explicit SocketReader(int fd) : mFd(fd), mBuffer(std::make_unique<uint8_t[]>(kBufferSize)) {}
 
-    // Reads exactly `size` bytes. Returns false at the end of the stream. The part of a large read that is not buffered
-    // is read directly into `destination`.
-    bool Read(void* destination, size_t size);
+    enum class Result {
+        kFrame,
+        kNothing,  // the rest of the next frame has not arrived
+        kEnd,      // of the stream
+        kInvalid,  // not a frame
+    };
+
+    // Reads the next frame. Its body is null if it is empty. If `waits`, kNothing is never returned; otherwise, at most
+    // one system call is made after each MayReceive(true), so that no connection takes up a thread.
+    Result Next(bool waits, FrameHead* head, std::unique_ptr<uint64_t[]>* body);
+    void MayReceive(bool may) { mMayReceive = may; }
 
   private:
-    static constexpr size_t kBufferSize = 16 * 1024;
+    static constexpr size_t kBufferSize = 4 * 1024;
+
+    // Return whether the head or the body is complete.
+    bool TakeHead();
+    bool TakeBody();
+    Result Receive(bool waits);
 
     const int mFd;
     const std::unique_ptr<uint8_t[]> mBuffer;
     size_t mStart = 0;
     size_t mEnd = 0;
+    bool mMayReceive = false;
+
+    // The frame whose head has been read.
+    bool mHasHead = false;
+    FrameHead mHead = {};
+    std::unique_ptr<uint64_t[]> mBody;
+    size_t mBodyRead = 0;
 };
 
 }  // namespace android::hardware::host

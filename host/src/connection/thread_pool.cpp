@@ -60,7 +60,7 @@ void ThreadPool::Post(std::unique_ptr<Task> task) {
     {
         std::lock_guard<std::mutex> lock(mMutex);
         mTasks.push_back(std::move(task));
-        needsThread = mStarted && mTasks.size() > mIdle && mThreads < mMaxThreads;
+        needsThread = NeedsThreadLocked();
     }
     // The lock is released, so the thread that wakes up does not have to wait for it.
     mWork.notify_one();
@@ -73,18 +73,30 @@ void ThreadPool::AddThreads() {
     for (;;) {
         {
             std::lock_guard<std::mutex> lock(mMutex);
-            if (mTasks.size() <= mIdle || mThreads >= mMaxThreads) return;
-            ++mThreads;
+            if (!NeedsThreadLocked()) return;
             // It counts as idle until it takes a task, so that no task is counted twice.
             ++mIdle;
         }
         mIsShort = !StartThread("hidl-pool", true, [this] { RunTasks(); });
         if (!mIsShort) continue;
         std::lock_guard<std::mutex> lock(mMutex);
-        --mThreads;
         --mIdle;
         return;
     }
+}
+
+bool ThreadPool::RunHere(std::unique_ptr<Task>& task) {
+    bool needsThread;
+    {
+        std::unique_lock<std::mutex> lock(mMutex);
+        if (!mTasks.empty() || mRunning >= MostRunningLocked()) return false;
+        RunUnlocked(lock, std::move(task));
+        if (mTasks.empty()) return true;
+        needsThread = NeedsThreadLocked();
+    }
+    mWork.notify_one();
+    if (needsThread) AddThreads();
+    return true;
 }
 
 void ThreadPool::Join() {
@@ -92,6 +104,7 @@ void ThreadPool::Join() {
         std::lock_guard<std::mutex> lock(mMutex);
         LOG_ALWAYS_FATAL_IF(!mConfigured, "joinRpcThreadpool() without configureRpcThreadpool()");
         ++mIdle;
+        ++mJoined;
     }
     RunTasks();
 }
@@ -100,16 +113,22 @@ void ThreadPool::Join() {
 void ThreadPool::RunTasks() {
     std::unique_lock<std::mutex> lock(mMutex);
     for (;;) {
-        mWork.wait(lock, [this] { return !mTasks.empty(); });
+        mWork.wait(lock, [this] { return !mTasks.empty() && mRunning < MostRunningLocked(); });
         std::unique_ptr<Task> task = std::move(mTasks.front());
         mTasks.pop_front();
         --mIdle;
-        lock.unlock();
-        task->Run();
-        task.reset();
-        lock.lock();
+        RunUnlocked(lock, std::move(task));
         ++mIdle;
     }
+}
+
+void ThreadPool::RunUnlocked(std::unique_lock<std::mutex>& lock, std::unique_ptr<Task> task) {
+    ++mRunning;
+    lock.unlock();
+    task->Run();
+    task.reset();
+    lock.lock();
+    --mRunning;
 }
 
 }  // namespace host

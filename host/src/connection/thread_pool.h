@@ -38,6 +38,10 @@ class ThreadPool {
     // Queues a task. Thread-safe; never blocks and never runs a task itself.
     void Post(std::unique_ptr<Task> task);
 
+    // Runs a task on this thread, as one of the pool, and destroys it. Returns false, without running it, if as many
+    // tasks are running as the pool has threads, or others wait.
+    bool RunHere(std::unique_ptr<Task>& task);
+
     // Retries to start threads that could not be started. Called for every frame, because not every frame posts a task.
     void TryAgain() {
         if (mIsShort) AddThreads();
@@ -62,6 +66,9 @@ class ThreadPool {
 
     void AddThreads();
     [[noreturn]] void RunTasks();
+    size_t MostRunningLocked() const { return (mStarted ? mMaxThreads : 0) + mJoined; }
+    bool NeedsThreadLocked() const { return mTasks.size() > mIdle && mRunning + mIdle < MostRunningLocked(); }
+    void RunUnlocked(std::unique_lock<std::mutex>& lock, std::unique_ptr<Task> task);
 
     std::atomic<bool> mIsShort{false};  // the last start of a thread failed
 
@@ -69,8 +76,9 @@ class ThreadPool {
     std::condition_variable mWork;
     std::deque<std::unique_ptr<Task>> mTasks;
     size_t mIdle = 0;     // threads that wait for work, including joined ones
-    size_t mThreads = 0;  // started by the pool itself
-    size_t mMaxThreads = 1;
+    size_t mRunning = 0;  // tasks, including those on threads of others
+    size_t mJoined = 0;
+    size_t mMaxThreads = 1;  // that the pool may start itself
     bool mConfigured = false;
     bool mStarted = false;
 };

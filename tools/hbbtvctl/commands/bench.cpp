@@ -2,8 +2,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <future>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -12,6 +14,7 @@
 #include "cli/options.h"
 #include "commands/commands.h"
 #include "common/failure.h"
+#include "common/interruption.h"
 #include "common/text/json.h"
 #include "common/text/quote.h"
 #include "package/caller.h"
@@ -52,8 +55,17 @@ class Pace {
     std::optional<Clock::time_point> Next() {
         const uint64_t number = mNumber++;
         const Clock::time_point due = mRate > 0 ? Due(number) : Clock::now();
-        std::this_thread::sleep_until(std::min(due, mEnd));
+        if (WaitUntil(std::min(due, mEnd))) return std::nullopt;
         return number == 0 || due < mEnd ? std::optional(due) : std::nullopt;
+    }
+
+    // Makes this the end.
+    void Stop() {
+        {
+            const std::lock_guard<std::mutex> lock(mMutex);
+            mStopped = true;
+        }
+        mStop.notify_all();
     }
 
   private:
@@ -63,10 +75,19 @@ class Pace {
         return after < mEnd - mBegin ? mBegin + std::chrono::duration_cast<Nanoseconds>(after) : mEnd;
     }
 
+    // Returns whether it was stopped.
+    bool WaitUntil(Clock::time_point time) {
+        std::unique_lock<std::mutex> lock(mMutex);
+        return mStop.wait_until(lock, time, [this] { return mStopped; });
+    }
+
     const Clock::time_point mBegin;
     const Clock::time_point mEnd;
     const double mRate;
     std::atomic<uint64_t> mNumber{0};
+    std::mutex mMutex;
+    std::condition_variable mStop;
+    bool mStopped = false;  // guarded by mMutex
 };
 
 // Nearest rank.
@@ -94,6 +115,7 @@ struct Job {
     NoEvents noEvents;
     std::mutex mutex;
     Measured measured;  // guarded by mutex while the threads run
+    std::promise<void> ended;
 };
 
 void Work(Job& job) {
@@ -117,6 +139,20 @@ void WorkAtOnce(Job& job, unsigned concurrency) {
     std::vector<std::thread> threads;
     for (unsigned i = 0; i < concurrency; ++i) threads.emplace_back([&job] { Work(job); });
     for (std::thread& thread : threads) thread.join();
+    job.ended.set_value();
+}
+
+// Returns whether Ctrl-C ended it early.
+bool Measure(const std::shared_ptr<Job>& job, const std::string& name, const BenchOptions& options) {
+    try {
+        InTime(options.duration.Value() + options.timeout.Value(), name,
+               [job, concurrency = options.concurrency] { WorkAtOnce(*job, concurrency); });
+        return false;
+    } catch (const Interrupted&) {
+        job->pace.Stop();
+        InTime(options.timeout.Value(), name, [job] { job->ended.get_future().wait(); });
+        return true;
+    }
 }
 
 struct Rank {
@@ -163,6 +199,7 @@ std::string AboveZero(const std::string& word) {
 }
 
 int Run(const BenchOptions& options) {
+    static Interruption interruption;
     const auto [interface, method] = Package::Get().FindMethod(options.method);
     const std::string name = interface->name + "." + method->name;
     if (interface->callback) throw Failure(kUsage, "cannot call " + interface->name + ": clients implement it");
@@ -170,13 +207,14 @@ int Run(const BenchOptions& options) {
         InOrder(method->arguments, ReadArguments(name, method->arguments, options.arguments.given, true));
     if (Listens(arguments)) throw Failure(kUsage, "bench does not support @listen; use call or listen");
     const auto job = std::make_shared<Job>(*interface, *method, arguments, options);
-    InTime(options.duration.Value() + options.timeout.Value(), name,
-           [job, concurrency = options.concurrency] { WorkAtOnce(*job, concurrency); });
+    const bool interrupted = Measure(job, name, options);
     const double seconds = std::chrono::duration<double>(Clock::now() - job->begin).count();
     Measured& measured = job->measured;
     job->service.CheckAnswered(*method, measured.last);
+    if (measured.times.empty()) return kInterrupted;
     std::sort(measured.times.begin(), measured.times.end());
     Print(name, options, measured, seconds);
+    if (interrupted) return kInterrupted;
     return measured.failed == 0 ? kDone : kStatusNotZero;
 }
 

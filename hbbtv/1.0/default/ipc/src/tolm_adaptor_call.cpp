@@ -10,69 +10,13 @@ namespace tolm {
 
 namespace {
 
-Member MemberOf(const char* key, Member::Kind kind) {
-    Member member{};
-    member.key = key;
-    member.kind = kind;
-    return member;
-}
-
-std::string NumberedKey(size_t index) {
-    return ("k" + std::to_string(index)).substr(0, 3);
-}
-
-// If several values have the same name, the last one counts.
-void AddNumberedInts(const Member& member, Json::Value& object) {
-    size_t index = 0;
-    for (const int value : *member.asInts) object[NumberedKey(index++)] = value;
-}
-
-void AddNumberedPointers(const Member& member, Json::Value& object) {
-    size_t index = 0;
-    for (const void* pointer : *member.asPointers) {
-        TolmHbbtvIpcTools::AddPointerValue(pointer, member.key + std::to_string(index++), object);
-    }
-}
-
-void Add(const Member& member, Json::Value& object) {
-    const Json::StaticString key(member.key);
-    switch (member.kind) {
-        case Member::Kind::kInt:
-            object[key] = member.asInt;
-            break;
-        case Member::Kind::kUInt:
-            object[key] = member.asUInt;
-            break;
-        case Member::Kind::kBool:
-            object[key] = member.asBool;
-            break;
-        case Member::Kind::kReal:
-            object[key] = member.asReal;
-            break;
-        case Member::Kind::kText:
-            object[key] = *member.asText;
-            break;
-        case Member::Kind::kPointer:
-            TolmHbbtvIpcTools::AddPointerValue(member.asPointer, member.key, object);
-            break;
-        case Member::Kind::kNumberedInts:
-            AddNumberedInts(member, object);
-            break;
-        case Member::Kind::kNumberedPointers:
-            AddNumberedPointers(member, object);
-            break;
-        case Member::Kind::kArray:
-            object[key] = *member.asArray;
-            break;
-    }
-}
-
-Json::Value Request(const Family& family, const Method& method, std::initializer_list<Member> members) {
-    Json::Value request(Json::objectValue);
-    if (family.type) request[Json::StaticString("type")] = *family.type;
-    request[Json::StaticString(family.codeKey)] = method.code;
-    for (const Member& member : members) Add(member, request);
-    return request;
+std::vector<unsigned char> RequestText(const Family& family, const Method& method,
+                                       std::initializer_list<Member> members) {
+    ObjectText request;
+    if (family.type) request.Add(Int("type", *family.type));
+    request.Add(Int(family.codeKey, method.code));
+    for (const Member& member : members) request.Add(member);
+    return request.AsDocument();
 }
 
 void LogLate(const Family& family, const Method& method) {
@@ -83,66 +27,6 @@ void LogLate(const Family& family, const Method& method) {
 }
 
 }  // namespace
-
-Member Int(const char* key, int value) {
-    Member member = MemberOf(key, Member::Kind::kInt);
-    member.asInt = value;
-    return member;
-}
-
-Member UInt(const char* key, unsigned value) {
-    Member member = MemberOf(key, Member::Kind::kUInt);
-    member.asUInt = value;
-    return member;
-}
-
-Member Bool(const char* key, bool value) {
-    Member member = MemberOf(key, Member::Kind::kBool);
-    member.asBool = value;
-    return member;
-}
-
-Member Real(const char* key, double value) {
-    Member member = MemberOf(key, Member::Kind::kReal);
-    member.asReal = value;
-    return member;
-}
-
-Member Text(const char* key, const std::string& value) {
-    Member member = MemberOf(key, Member::Kind::kText);
-    member.asText = &value;
-    return member;
-}
-
-Member Pointer(const char* key, const void* value) {
-    Member member = MemberOf(key, Member::Kind::kPointer);
-    member.asPointer = value;
-    return member;
-}
-
-Member NumberedInts(const std::vector<int>& values) {
-    Member member = MemberOf("k", Member::Kind::kNumberedInts);
-    member.asInts = &values;
-    return member;
-}
-
-Member NumberedPointers(const char* key, const std::vector<void*>& values) {
-    Member member = MemberOf(key, Member::Kind::kNumberedPointers);
-    member.asPointers = &values;
-    return member;
-}
-
-Member Array(const char* key, const Json::Value& elements) {
-    Member member = MemberOf(key, Member::Kind::kArray);
-    member.asArray = &elements;
-    return member;
-}
-
-Json::Value Object(std::initializer_list<Member> members) {
-    Json::Value object(Json::objectValue);
-    for (const Member& member : members) Add(member, object);
-    return object;
-}
 
 Target ToInt(const char* key, int& to) {
     return {key, &to, [](const Json::Value& object, const char* k, void* out) {
@@ -239,7 +123,7 @@ int TolmAdaptorClient::Call(const Method& method, std::initializer_list<Member> 
     MemoryClaim claim;
     Json::Value reply;
     bool late = false;
-    const int status = SendIpc(Request(mFamily, method, request), reply, claim, late);
+    const int status = SendIpc(RequestText(mFamily, method, request), reply, claim, late);
     if (late) LogLate(mFamily, method);
     return status == 0 && !Read(reply, results) ? -1 : status;
 }
@@ -247,7 +131,7 @@ int TolmAdaptorClient::Call(const Method& method, std::initializer_list<Member> 
 int TolmAdaptorClient::Post(const Method& method, std::initializer_list<Member> request,
                             void (*logFailure)(const Method& method)) {
     LogScope scope(mFamily.tag, method.place);
-    const int status = SendIpcWithNoRet(Request(mFamily, method, request));
+    const int status = SendIpcWithNoRet(RequestText(mFamily, method, request));
     if (status != 0 && logFailure != nullptr) logFailure(method);
     return status;
 }

@@ -17,6 +17,7 @@
 
 #include "ipc/src/tolm_base_client.h"
 #include "ipc/src/tolm_family.h"
+#include "ipc/src/tolm_member.h"
 #include "ipc/tolm_log.h"
 
 namespace tolm {
@@ -30,46 +31,6 @@ struct Method {
     int code;
     Place place;
 };
-
-// A member of a request. Strings are not copied, so it is valid only within the expression that contains it.
-struct Member {
-    enum class Kind { kInt, kUInt, kBool, kReal, kText, kArray, kPointer, kNumberedInts, kNumberedPointers };
-
-    const char* key;
-    Kind kind;
-    union {
-        int asInt;
-        unsigned asUInt;
-        bool asBool;
-        double asReal;
-        const std::string* asText;
-        const void* asPointer;
-        const std::vector<int>* asInts;
-        const std::vector<void*>* asPointers;
-        const Json::Value* asArray;
-    };
-};
-
-Member Int(const char* key, int value);
-Member UInt(const char* key, unsigned value);
-Member Bool(const char* key, bool value);
-Member Real(const char* key, double value);
-Member Text(const char* key, const std::string& value);
-Member Pointer(const char* key, const void* value);
-Member NumberedInts(const std::vector<int>& values);                         // k0, k1, ..., see ToNumberedInts()
-Member NumberedPointers(const char* key, const std::vector<void*>& values);  // key0, key1, ...
-Member Array(const char* key, const Json::Value& elements);                  // each element is an Object()
-template <typename T>
-Member Int(const char* key, T value) = delete;
-template <typename T>
-Member UInt(const char* key, T value) = delete;
-template <typename T>
-Member Bool(const char* key, T value) = delete;
-template <typename T>
-Member Real(const char* key, T value) = delete;
-
-// Builds an element of an array.
-Json::Value Object(std::initializer_list<Member> members);
 
 // A member of a reply or an event and the variable that it is read into. A member that is missing or cannot be
 // converted reads as 0, false or "". Two kinds can fail, and leave the variable unchanged: a pointer that is not a

@@ -23,11 +23,14 @@ TolmBaseClient::TolmBaseClient(TolmIpcKeyId key, int port)
       mPosts(tolm::TolmIpcKeyConverter::GetInstance()->GetSocketName(key), tolm::ReplyTimeout()) {}
 
 int TolmBaseClient::SendIpcWithNoRet(const Json::Value& req) {
-    const std::vector<unsigned char> bytes = tolm::ToStyledBytes(req);
+    return SendIpcWithNoRet(tolm::ToStyledBytes(req));
+}
+
+int TolmBaseClient::SendIpcWithNoRet(const std::vector<unsigned char>& request) {
     const tolm::CallerQueue::Turn turn(mPosts);
-    if (!turn || mClient == nullptr || !mClient->Send(bytes)) return -1;
+    if (!turn || mClient == nullptr || !mClient->Send(request)) return -1;
     if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
-        TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s", ToString(bytes).c_str());
+        TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s", ToString(request).c_str());
     }
     return 0;
 }
@@ -42,12 +45,12 @@ TolmBaseClient::Outcome TolmBaseClient::Exchange(const std::vector<unsigned char
     return Outcome::kComplete;
 }
 
-int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply, tolm::MemoryClaim& claim, bool& late) {
-    const std::vector<unsigned char> bytes = tolm::ToStyledBytes(req);
+int TolmBaseClient::SendIpc(const std::vector<unsigned char>& request, Json::Value& reply, tolm::MemoryClaim& claim,
+                            bool& late) {
     const tolm::CallerQueue::Turn turn(mRequests);
     if (!turn) return -1;
     const auto begin = std::chrono::steady_clock::now();
-    const Outcome outcome = Exchange(bytes, reply, claim);
+    const Outcome outcome = Exchange(request, reply, claim);
     if (outcome != Outcome::kComplete) {
         const std::chrono::milliseconds timeout = tolm::ReplyTimeout();
         late =
@@ -58,7 +61,7 @@ int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply, tolm::Me
         return -1;
     }
     if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
-        TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s, out_msg:%s", ToString(bytes).c_str(),
+        TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s, out_msg:%s", ToString(request).c_str(),
                            reply.toStyledString().c_str());
     }
     return reply["ret"].asInt();
@@ -67,7 +70,7 @@ int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply, tolm::Me
 int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply) {
     tolm::MemoryClaim claim;
     bool late = false;
-    return SendIpc(req, reply, claim, late);
+    return SendIpc(tolm::ToStyledBytes(req), reply, claim, late);
 }
 
 int TolmBaseClient::SendIpc(const Json::Value& req) {

@@ -26,15 +26,18 @@ class TolmBaseClient {
     // and may be refused.
     int SendIpc(const Json::Value& req, Json::Value& reply);
 
-    // As above. `claim` must outlive the use of the reply. Sets `late` if the request was given up because there was no
-    // reply within ReplyTimeout().
-    int SendIpc(const Json::Value& req, Json::Value& reply, tolm::MemoryClaim& claim, bool& late);
-
     // As above, without access to the reply's other members.
     int SendIpc(const Json::Value& req);
 
   protected:
     ~TolmBaseClient() = default;
+
+    // As above, with the text of the request.
+    int SendIpcWithNoRet(const std::vector<unsigned char>& request);
+
+    // As above, with the text of the request. `claim` must outlive the use of the reply. Sets `late` if the request was
+    // given up because there was no reply within ReplyTimeout().
+    int SendIpc(const std::vector<unsigned char>& request, Json::Value& reply, tolm::MemoryClaim& claim, bool& late);
 
   private:
     // The first step of an exchange that failed, if any.

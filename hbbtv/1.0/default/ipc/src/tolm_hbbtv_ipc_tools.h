@@ -7,7 +7,10 @@
 
 class TolmHbbtvIpcTools {
   public:
-    // Sets obj[key] to the pointer in the C library's "%p" form, or to the empty string for null.
+    // Appends the pointer in the C library's "%p" form, or nothing for null.
+    static void AppendPointer(const void* p, std::string& to);
+
+    // Sets obj[key] to the pointer in this form.
     static void AddPointerValue(const void* p, const std::string& key, Json::Value& obj);
 
     // Reads obj[key] into *out. Returns -1 if `out` is null or the member is not a string, and 0 otherwise: a string

@@ -17,13 +17,13 @@ std::string ToString(const TolmHeapText& text) {
     return text != nullptr ? text.get() : "";
 }
 
-Json::Value ToJson(const TolmAVCtrlComponentData& component) {
+std::string ToElement(const TolmAVCtrlComponentData& component) {
     const std::string encoding = ToString(component.encoding);
     const std::string language = ToString(component.language);
-    return Object({Bool("actived", component.actived), Int("comp_type", component.componentType),
-                   Text("encoding", encoding), Text("language", language),
-                   UInt("audio_channelNum", component.audioChannels), Bool("impaired", component.hearingImpaired),
-                   Bool("desc", component.audioDescription), Int("compTag", component.componentTag)});
+    return Element({Bool("actived", component.actived), Int("comp_type", component.componentType),
+                    Text("encoding", encoding), Text("language", language),
+                    UInt("audio_channelNum", component.audioChannels), Bool("impaired", component.hearingImpaired),
+                    Bool("desc", component.audioDescription), Int("compTag", component.componentTag)});
 }
 
 }  // namespace
@@ -51,8 +51,8 @@ int TolmAVControlAdaptorIpc::UnregisterCallback() {
 
 int TolmAVControlAdaptorIpc::ComponentUpdate(TolmHbbtvAVCtrlEvent, const TolmAVCtrlEventInfo& info,
                                              std::vector<TolmAVCtrlComponentData>& components, int currentIndex) {
-    Json::Value elements;  // null if there are no components
-    for (const TolmAVCtrlComponentData& component : components) elements.append(ToJson(component));
+    std::vector<std::string> elements;
+    for (const TolmAVCtrlComponentData& component : components) elements.push_back(ToElement(component));
     const auto count = static_cast<unsigned>(components.size());
     components.clear();
     return Post(0, {Int("component_type", info.componentType), UInt("component_count", count),
