@@ -5,6 +5,8 @@
 #include <bitset>
 #include <cstring>
 
+#include "ipc/src/tolm_json_small_numbers.h"
+
 namespace tolm {
 
 namespace {
@@ -75,7 +77,7 @@ bool WithinDepth(size_t depth, const char* bracket, const char* end) {
 
 }  // namespace
 
-std::optional<size_t> CountJsonValues(const char* begin, const char* end) {
+std::optional<size_t> CountJsonValues(const char* begin, const char* end, SmallNumbers* small) {
     std::bitset<kMaxJsonDepth + 1> isObject;  // by depth
     size_t depth = 0;
     size_t values = 0;
@@ -117,6 +119,7 @@ std::optional<size_t> CountJsonValues(const char* begin, const char* end) {
         } else {
             c = EndOfWord(c, end);
             if (static_cast<size_t>(c - token) > kMaxJsonNumberBytes) return std::nullopt;
+            if (small != nullptr) small->Note(begin, token, c);
         }
         if (++values > kMaxJsonValues) return std::nullopt;
         if (depth == 0) break;  // the document ends here; the rest is not read

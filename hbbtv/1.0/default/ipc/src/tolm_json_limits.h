@@ -8,6 +8,8 @@
 
 namespace tolm {
 
+class SmallNumbers;
+
 constexpr size_t kMaxJsonBytes = kMaxPayloadBytes;
 
 // The text of a value can be 3 bytes long, and the value takes 160.
@@ -22,7 +24,8 @@ constexpr size_t kMaxJsonNumberBytes = 64u << 10;
 // Returns how many values jsoncpp's reader would create, or nothing if the document exceeds a limit. The text need not
 // be valid JSON: the reader stops at the first error, and the number is correct up to there. Also returns nothing for
 // what the reader only accepts by mistake, any token instead of a comma after a comment in an object: it would need not
-// close its brackets in order. Allocates nothing.
-std::optional<size_t> CountJsonValues(const char* begin, const char* end);
+// close its brackets in order. Adds the numbers that are too small for a double to `small`, unless it is null.
+// Allocates only for these.
+std::optional<size_t> CountJsonValues(const char* begin, const char* end, SmallNumbers* small = nullptr);
 
 }  // namespace tolm

@@ -6,6 +6,8 @@
 #include <ostream>
 #include <streambuf>
 
+#include "ipc/src/tolm_json_small_numbers.h"
+
 namespace tolm {
 
 namespace {
@@ -76,12 +78,17 @@ bool ParseJson(const std::vector<unsigned char>& bytes, Json::Value& document, M
     if (bytes.size() > kMaxJsonBytes) return false;
     const char* begin = reinterpret_cast<const char*>(bytes.data());
     const char* end = begin + bytes.size();
-    const std::optional<size_t> values = CountJsonValues(begin, end);
+    SmallNumbers small;
+    const std::optional<size_t> values = CountJsonValues(begin, end, &small);
     const bool isShort = bytes.size() <= kMaxShortJsonBytes;
     // Also for a document that is refused: the end of the claim returns the memory of the message.
     if (!isShort && !claim.Take(values.value_or(0) * kBytesPerValue + bytes.size() * kCopies)) return false;
     if (!values) return false;
-    return reader.parse(begin, end, document, isShort);
+    if (small.IsEmpty()) return reader.parse(begin, end, document, isShort);
+    const std::string replaced = small.Replaced(begin, end);
+    if (!reader.parse(replaced.data(), replaced.data() + replaced.size(), document, isShort)) return false;
+    small.Restore(document);
+    return true;
 }
 
 bool ParseJson(const std::vector<unsigned char>& bytes, Json::Value& document) {
