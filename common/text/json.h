@@ -26,7 +26,7 @@ class BadJson : public std::runtime_error {
 constexpr int kDeepestJson = 100;
 
 // Parses one document, which need not be an object. Comments, trailing commas, duplicate keys, numbers such as +1 and
-// 01, and anything after the document are errors, and so is nesting deeper than `deepest` levels. Throws BadJson.
+// 01, anything after the document, and nesting deeper than `deepest` levels (at most 1000) are errors. Throws BadJson.
 Json::Value ParseJson(const std::string& text, int deepest = kDeepestJson);
 
 // Returns the document on one line, in ASCII.

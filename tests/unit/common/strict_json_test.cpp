@@ -34,5 +34,26 @@ TEST(StrictJson, NamesTheNumberAndItsPlace) {
     EXPECT_EQ(Refusal("{\n  \"a\": [1, +56]\n}"), "not valid JSON: line 2, column 12: \"+56\" is not a number");
 }
 
+TEST(StrictJson, RefusesAValueBelowTheDeepestLevel) {
+    const std::string reason = "not valid JSON: line 1, column 1: it nests deeper than 100 levels";
+    const std::string open(kDeepestJson, '[');
+    const std::string close(kDeepestJson, ']');
+    EXPECT_EQ(Refusal(open + close), "accepted as " + open + close);
+    for (const char* const value : {"[]", "{}", "1", "\"]\"", "null"})
+        EXPECT_EQ(Refusal(open + value + close), reason) << value;
+    EXPECT_EQ(Refusal("[" + open), reason);
+    EXPECT_EQ(Refusal("{\"a\":" + open), reason);
+    // Brackets in strings, and those that are closed, do not count.
+    const std::string strings = "[\"" + open + "\\\"[\",[[]],{\"{[\":1},[]]";
+    EXPECT_EQ(Refusal(strings), "accepted as " + strings);
+}
+
+// jsoncpp's limit, at which it throws.
+TEST(StrictJson, TakesADocumentOf1000Levels) {
+    const auto levels = [](size_t count) { return std::string(count, '[') + std::string(count, ']'); };
+    EXPECT_EQ(WriteJson(ParseJson(levels(1000), 1000)), levels(1000));
+    EXPECT_THROW(ParseJson(levels(1001), 1000), BadJson);
+}
+
 }  // namespace
 }  // namespace hbbtv::test
