@@ -1,5 +1,6 @@
 """The files of a product's tree agree with each other and with the code. Needs no packages."""
 
+import os
 import re
 import xml.etree.ElementTree
 
@@ -8,14 +9,14 @@ from .common import LIBRARY, NAME, PACKAGE, ROOT, Problem, interfaces, must_be_s
 SERVICE = LIBRARY / f"{NAME}-service"
 
 
-def cmake_sources(target):
-    text = (LIBRARY / "CMakeLists.txt").read_text()
+def cmake_sources(target, folder=LIBRARY):
+    text = (folder / "CMakeLists.txt").read_text()
     found = re.search(rf"add_(?:library|executable)\({target}\b([^)]*)\)", text)
     return sorted(word for word in found.group(1).split() if word.endswith(".cpp"))
 
 
-def soong_sources(module):
-    text = (LIBRARY / "Android.bp").read_text()
+def soong_sources(module, folder=LIBRARY):
+    text = (folder / "Android.bp").read_text()
     found = re.search(rf'name: "{re.escape(module)}",.*?\bsrcs: \[(.*?)\]', text, re.DOTALL)
     return sorted(re.findall(r'"([^"]+)"', found.group(1)))
 
@@ -29,6 +30,20 @@ def check_sources():
         everything += soong_sources(module)
     must_be_same("the sources in Android.bp and the files", sorted(everything),
                  sorted(str(path.relative_to(LIBRARY)) for path in LIBRARY.rglob("*.cpp")))
+
+
+def check_fuzz_targets():
+    """A television has those that need only the library."""
+    folder = ROOT / "fuzz"
+    must_be_same("the sources of fuzz_input in CMakeLists.txt and of hbbtv_fuzz_input in Android.bp",
+                 sorted(os.path.normpath(f"fuzz/{name}") for name in cmake_sources("fuzz_input", folder)),
+                 soong_sources("hbbtv_fuzz_input", ROOT))
+    names = re.findall(r"add_fuzz_target\((\w+) tolm_ipc fuzz_input\)", (folder / "CMakeLists.txt").read_text())
+    modules = re.findall(r'cc_fuzz \{\s*name: "hbbtv_(\w+)_fuzzer"', (folder / "Android.bp").read_text())
+    must_be_same("the fuzz targets in CMakeLists.txt and in Android.bp", sorted(names), sorted(modules))
+    for name in names:
+        must_be_same(f"the sources of the fuzz target {name}", [f"targets/{name}.cpp"],
+                     soong_sources(f"hbbtv_{name}_fuzzer", folder))
 
 
 def hal_of(path, kind):
@@ -96,5 +111,5 @@ def check_hashes():
                  sorted(f"{NAME}::{path.stem}" for path in PACKAGE.glob("*.hal")), sorted(frozen))
 
 
-CHECKS = [("sources", check_sources), ("interfaces", check_interfaces), ("directory", check_directory),
-          ("released interfaces", check_hashes)]
+CHECKS = [("sources", check_sources), ("fuzz targets", check_fuzz_targets), ("interfaces", check_interfaces),
+          ("directory", check_directory), ("released interfaces", check_hashes)]

@@ -34,6 +34,8 @@ INSTALLED = [
     f"{VENDOR}/lib64/{NAME}.so",
     f"{PRODUCT}/data/nativetest/{TEST}/{TEST}",
     f"{PRODUCT}/data/nativetest64/{TEST}/{TEST}",
+    f"{PRODUCT}/data/fuzz/arm64/hbbtv_frames_fuzzer/vendor/hbbtv_frames_fuzzer",
+    f"{PRODUCT}/data/fuzz/arm64/hbbtv_json_fuzzer/vendor/hbbtv_json_fuzzer",
 ]
 
 FLAGS = ["-std=gnu++17", "-fno-exceptions", "-fno-rtti", "-DNDEBUG", "-D_FORTIFY_SOURCE=2", "-D__ANDROID_VNDK__",
@@ -119,6 +121,13 @@ def complaints(ninja):
             yield f"{source} is compiled {len(compiled)} times, expected arm and arm64"
         for flags in compiled:
             yield from (f"{source} is compiled without {flag}" for flag in FLAGS if flag not in flags.split())
+    for source in ("fuzz/targets/json.cpp", "common/text/json.cpp"):
+        compiled = [flags.split() for flags in compile_flags(ninja.replace("$\n", ""), f"package/{source}")]
+        if not any("-fsanitize=fuzzer-no-link" in flags for flags in compiled):
+            yield f"{source} is not compiled for libFuzzer"
+        # The last one counts.
+        if any([flag for flag in flags if flag.endswith("exceptions")][-1] != "-fexceptions" for flags in compiled):
+            yield f"{source} is compiled without exceptions"
 
 
 def check_accepted(work):
@@ -144,30 +153,36 @@ def changed(work, name, old, new):
 
 BLUEPRINT = str((LIBRARY / "Android.bp").relative_to(ROOT))
 
-# A change, and the words of the refusal; none if the build system accepts it, and a television would lack something.
+FUZZ_BLUEPRINT = "fuzz/Android.bp"
+
+# A file, a change, and the words of the refusal; none if the build system accepts it, and a television would lack
+# something.
 WRONG = [
-    ('"service.cpp"', '"services.cpp"', "does not exist"),
-    ('"liblog"', '"liblogg"', "liblogg"),
-    ("    vendor: true,\n", "", "missing variant"),
-    ('init_rc: ["', 'init_rc: ["no-', "does not exist"),
-    ('vintf_fragments: ["', 'vintf_fragments: ["no-', "does not exist"),
-    ('    relative_install_path: "hw",\n', "", None),
-    ('        "-Wextra",\n', "", None),
-    ('whole_static_libs: ["libtolm_ipc"]', 'whole_static_libs: ["libtolm"]', "libtolm"),
-    ("shared_libs: [", "shared_library: [", "shared_library"),
+    (BLUEPRINT, '"service.cpp"', '"services.cpp"', "does not exist"),
+    (BLUEPRINT, '"liblog"', '"liblogg"', "liblogg"),
+    (BLUEPRINT, "    vendor: true,\n", "", "missing variant"),
+    (BLUEPRINT, 'init_rc: ["', 'init_rc: ["no-', "does not exist"),
+    (BLUEPRINT, 'vintf_fragments: ["', 'vintf_fragments: ["no-', "does not exist"),
+    (BLUEPRINT, '    relative_install_path: "hw",\n', "", None),
+    (BLUEPRINT, '        "-Wextra",\n', "", None),
+    (BLUEPRINT, 'whole_static_libs: ["libtolm_ipc"]', 'whole_static_libs: ["libtolm"]', "libtolm"),
+    (BLUEPRINT, "shared_libs: [", "shared_library: [", "shared_library"),
+    (FUZZ_BLUEPRINT, 'srcs: ["targets/json.cpp"]', 'srcs: ["targets/text.cpp"]', "does not exist"),
+    (FUZZ_BLUEPRINT, '":hbbtv_fuzz_input"', '":hbbtv_fuzz_output"', "hbbtv_fuzz_output"),
+    (FUZZ_BLUEPRINT, '        "-fexceptions",\n', "", None),
 ]
 
 
 def check_refused(work):
-    for old, new, words in WRONG:
-        path = changed(work, BLUEPRINT, old, new)
+    for blueprint, old, new, words in WRONG:
+        path = changed(work, blueprint, old, new)
         code, output, ninja = analyse(work)
         path.unlink()
-        os.symlink(LIBRARY / "Android.bp", path)
+        os.symlink(ROOT / blueprint, path)
         if words is None and code == 0 and any(complaints(ninja)):
             continue
         if words is None or code == 0 or words not in output:
-            raise Problem(f"not noticed: {old!r} replaced by {new!r}\n{output}")
+            raise Problem(f"not noticed: {old!r} replaced by {new!r} in {blueprint}\n{output}")
 
 
 CHECKS = [("Soong", check_accepted), ("wrong Android.bp files", check_refused)]

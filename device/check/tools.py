@@ -4,7 +4,7 @@ from .common import LIBRARY, NAME, PACKAGE, ROOT, Problem, must, run
 
 HIDL_GEN = ["hidl-gen", "-p", ".", "-R", "-r", "vantorel.hardware:.", "-r", "android.hidl:host/hal"]
 BLUEPRINTS = [ROOT / "Android.bp", PACKAGE / "Android.bp", LIBRARY / "Android.bp",
-              PACKAGE / "vts" / "functional" / "Android.bp"]
+              ROOT / "fuzz" / "Android.bp", PACKAGE / "vts" / "functional" / "Android.bp"]
 
 
 def check_hidl(work):

@@ -1,10 +1,10 @@
 #include "input.h"
 
+#include <ftw.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <sstream>
 
 namespace hbbtv::fuzz {
@@ -21,8 +21,8 @@ class Directory {
         setenv("HIDL_HOST_DIR", (mPath + "/hidl").c_str(), 1);
     }
     ~Directory() {
-        std::error_code ignored;
-        if (getpid() == mOwner) std::filesystem::remove_all(mPath, ignored);
+        const auto removeEntry = [](const char* path, const struct stat*, int, FTW*) { return remove(path); };
+        if (getpid() == mOwner) nftw(mPath.c_str(), removeEntry, 8, FTW_DEPTH | FTW_PHYS);
     }
 
     const std::string& Path() const { return mPath; }

@@ -1,6 +1,5 @@
 #include "json_mutation.h"
 
-#include <json/reader.h>
 #include <json/value.h>
 #include <json/writer.h>
 
@@ -8,12 +7,17 @@
 #include <cstring>
 #include <vector>
 
+#include "common/text/json.h"
+
 // Part of libFuzzer, which has no header.
 extern "C" size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t mostBytes);
 
 namespace hbbtv::fuzz {
 
 namespace {
+
+// jsoncpp's limit.
+constexpr int kDeepest = 1000;
 
 // Values at the limits of what is read from messages, and handles, as numbers ("@1": the second known one).
 const std::vector<Json::Value>& Interesting() {
@@ -48,6 +52,7 @@ const std::vector<Json::Value>& Interesting() {
                                                  1e19,
                                                  -1e19,
                                                  1e308,
+                                                 1e-320,
                                                  9.2233720368547758e18,
                                                  true,
                                                  false,
@@ -129,7 +134,8 @@ void ChangeArray(Json::Value& array, const Json::Value& other, Random& random) {
     if (Below(random, 3) == 0) {
         array.removeIndex(at, &removed);
     } else if (Below(random, 2) == 0) {
-        array.insert(at, other);
+        array.append(other);
+        for (Json::ArrayIndex i = array.size() - 1; i > at; --i) array[i].swap(array[i - 1]);
     } else {
         const Json::Value element = array.empty() ? other : array[at % array.size()];
         for (size_t i = Below(random, 40); i > 0; --i) array.append(element);
@@ -178,17 +184,15 @@ std::string MutatedBytes(const std::string& bytes, size_t mostBytes) {
 }
 
 std::string MutatedJson(const std::string& text, size_t mostBytes, Random& random) {
-    Json::Value document;
-    Json::CharReaderBuilder builder;
-    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     try {
-        if (Below(random, 5) != 0 && reader->parse(text.data(), text.data() + text.size(), &document, nullptr)) {
+        if (Below(random, 5) != 0) {
+            Json::Value document = ParseJson(text, kDeepest);
             for (size_t i = 1 + Below(random, 3); i > 0; --i) Change(document, random);
             const std::string written = Written(document);
             if (written.size() <= mostBytes) return written;
         }
-    } catch (const Json::Exception&) {
-        // jsoncpp's reader and writer do not accept each document.
+    } catch (const BadJson&) {
+        // Its bytes are changed.
     }
     return MutatedBytes(text, mostBytes);
 }
