@@ -12,9 +12,11 @@ from check.common import ROOT  # noqa: E402
 
 KEPT = ROOT / "device" / "check" / "imports.txt"
 
-# What compilers and glibc put into every program. Weak symbols and those of C++ and jsoncpp do not count either.
-OWN = re.compile(r"_ITM_|_Unwind_|__cxa_|__gmon_start__|__gxx_personality|__libc_|__tls_get_addr|__stack_chk_fail|"
-                 r"__dso_handle|_GLOBAL_OFFSET_TABLE_|__errno_location|std::|operator (new|delete)|Json::|"
+# What compilers and glibc put into every program, among it the arithmetic of 64 bits on processors of 32. Weak symbols
+# and those of C++ and jsoncpp do not count either.
+OWN = re.compile(r"_ITM_|_Unwind_|__cxa_|__gmon_start__|__gxx_personality|__libc_|___?tls_get_addr|__stack_chk_fail|"
+                 r"__dso_handle|_GLOBAL_OFFSET_TABLE_|__errno_location|__aeabi_|__u?(div|mod|divmod)di[34]|"
+                 r"std::|operator (new|delete)|Json::|"
                  r"(typeinfo|vtable|VTT|guard variable|construction vtable) |vantorel::|tolm::|Tolm|__cxxabiv1|"
                  r"__gnu_cxx|non-virtual thunk|virtual thunk|HIDL_FETCH_")
 

@@ -1,5 +1,5 @@
-// Numbers that are too small or too large for a double: the C++ library of a Linux machine and that of a television read
-// them differently, ParseJson() does not.
+// Numbers that are too small or too large for a double: the C++ library of a Linux machine and that of a television
+// read them differently, ParseJson() does not.
 #include <json/json.h>
 
 #include <gtest/gtest.h>
@@ -42,7 +42,8 @@ TEST(SmallNumbers, AreReadAsTheNearestDouble) {
 }
 
 TEST(SmallNumbers, AreZeroWithTheirSignBelowTheSmallestDouble) {
-    for (const std::string& number : {std::string("1e-400"), std::string("1e-99999999999999999999"), ZerosAnd(400, "1")}) {
+    for (const std::string& number :
+         {std::string("1e-400"), std::string("1e-99999999999999999999"), ZerosAnd(400, "1")}) {
         EXPECT_EQ(Parsed(number), 0) << number;
         EXPECT_FALSE(std::signbit(Parsed(number))) << number;
         EXPECT_EQ(Parsed("-" + number), 0) << number;
@@ -52,9 +53,10 @@ TEST(SmallNumbers, AreZeroWithTheirSignBelowTheSmallestDouble) {
 
 TEST(SmallNumbers, AreReadAnywhereInADocument) {
     Json::Value document;
-    ASSERT_TRUE(Parses("{\"a\":[1e-320,2,[ -1e-320 ,\"1e-320\"]],\"1e-320\":1e-400/* 1e-320 */,\"b\":2.5e-1,"
-                       "\"c\":1e-320,\"c\":3}",
-                       document));
+    ASSERT_TRUE(
+        Parses("{\"a\":[1e-320,2,[ -1e-320 ,\"1e-320\"]],\"1e-320\":1e-400/* 1e-320 */,\"b\":2.5e-1,"
+               "\"c\":1e-320,\"c\":3}",
+               document));
     EXPECT_EQ(document["a"][0].asDouble(), 1e-320);
     EXPECT_EQ(document["a"][1].asInt(), 2);
     EXPECT_EQ(document["a"][2][0].asDouble(), -1e-320);
@@ -78,7 +80,8 @@ TEST(SmallNumbers, MayFillADocument) {
     for (int i = 1; i < 99999; ++i) text += i % 2 == 0 ? ",1e-320" : ",1";
     Json::Value document;
     ASSERT_TRUE(Parses(text + "]", document));
-    for (Json::ArrayIndex i = 0; i < document.size(); ++i) ASSERT_EQ(document[i].asDouble(), i % 2 == 0 ? 1e-320 : 1) << i;
+    for (Json::ArrayIndex i = 0; i < document.size(); ++i)
+        ASSERT_EQ(document[i].asDouble(), i % 2 == 0 ? 1e-320 : 1) << i;
 }
 
 TEST(SmallNumbers, AreRefusedIfTheyAreNotJson) {
