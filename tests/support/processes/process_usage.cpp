@@ -1,5 +1,6 @@
 #include "process_usage.h"
 
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -25,6 +26,13 @@ std::string StatusOf(pid_t pid) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+// The kernel counts a thread for a moment after it was joined.
+void StartAndEndThread() {
+    std::string directory;
+    std::thread([&] { directory = "/proc/self/task/" + std::to_string(syscall(SYS_gettid)); }).join();
+    while (access(directory.c_str(), F_OK) == 0) std::this_thread::yield();
+}
+
 }  // namespace
 
 ProcessUsage UsageOf(pid_t pid) {
@@ -45,7 +53,7 @@ void ForgetPeak(pid_t pid) {
 
 ProcessUsage UsageOfThisProcess() {
     // A sanitizer starts a thread of its own with the first one, which counts from then on.
-    static const bool kThreadsSeen = (std::thread([] {}).join(), true);
+    static const bool kThreadsSeen = (StartAndEndThread(), true);
     static_cast<void>(kThreadsSeen);
     ProcessUsage usage = UsageOf(getpid());
     --usage.descriptors;  // that of the directory in which they are counted
