@@ -19,6 +19,8 @@ namespace {
 constexpr uint32_t kBufferMarker = 0x66627566;
 constexpr uint32_t kNodeMarker = 0x65646f6e;
 
+constexpr size_t kMostIntsOfHandle = 1024;
+
 constexpr size_t Align4(size_t n) {
     return (n + 3) & ~size_t{3};
 }
@@ -129,9 +131,20 @@ status_t Parcel::writeStrongBinder(const sp<IBinder>& binder) {
 }
 
 status_t Parcel::writeNativeHandleNoDup(const native_handle_t* handle) {
-    if (handle == nullptr) return writeInt32(0);
-    ALOGE("native handles cannot be sent on the host");
-    return mError = INVALID_OPERATION;
+    if (mError != OK || handle == nullptr) return writeInt32(0);
+    const size_t fds = handle->numFds < 0 ? SIZE_MAX : static_cast<size_t>(handle->numFds);
+    const size_t ints = handle->numInts < 0 ? SIZE_MAX : static_cast<size_t>(handle->numInts);
+    if (fds > host::Descriptors::kMost - mDescriptors.Size() || ints > kMostIntsOfHandle) {
+        ALOGE("a native handle has too many descriptors or numbers");
+        return mError = INVALID_OPERATION;
+    }
+    for (size_t i = 0; i < fds; ++i) {
+        if (!mDescriptors.AddCopyOf(handle->data[i])) return mError = BAD_VALUE;
+    }
+    writeInt32(1);
+    writeUint32(static_cast<uint32_t>(fds));
+    writeUint32(static_cast<uint32_t>(ints));
+    return append(handle->data + fds, ints * sizeof(int));
 }
 
 size_t Parcel::wireSize() const {
@@ -341,9 +354,22 @@ status_t Parcel::readNullableStrongBinder(sp<IBinder>* binder) const {
 status_t Parcel::readNullableNativeHandleNoDup(const native_handle_t** handle) const {
     int32_t present = 0;
     const status_t status = readScalar(&present);
-    if (status != OK) return status;
-    if (present != 0) return damaged();
     *handle = nullptr;
+    if (status != OK || present == 0) return status;
+    uint32_t fds = 0;
+    uint32_t ints = 0;
+    if (readScalar(&fds) != OK || readScalar(&ints) != OK) return damaged();
+    if (fds > mDescriptors.Size() - mNextDescriptor || ints > kMostIntsOfHandle ||
+        ints * sizeof(int) > mHead.streamSize - mReadPosition) {
+        return damaged();
+    }
+    native_handle_t* const read = native_handle_create(static_cast<int>(fds), static_cast<int>(ints));
+    if (read == nullptr) return NO_MEMORY;
+    mHandles.emplace_back(read, [](native_handle_t* owned) { native_handle_delete(owned); });
+    for (uint32_t i = 0; i < fds; ++i) read->data[i] = mDescriptors[mNextDescriptor++];
+    memcpy(read->data + fds, mReadStream + mReadPosition, ints * sizeof(int));
+    mReadPosition += ints * sizeof(int);
+    *handle = read;
     return OK;
 }
 

@@ -1,8 +1,11 @@
 // Calls between two processes: data, threads and failures.
+#include <cutils/native_handle.h>
+#include <fcntl.h>
 #include <hwbinder/IPCThreadState.h>
 #include <hwbinder/Parcel.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "fixtures.h"
@@ -10,6 +13,7 @@
 namespace hbbtv::test {
 
 using ::android::sp;
+using ::android::hardware::hidl_handle;
 using ::android::hardware::IBinder;
 using ::android::hardware::IPCThreadState;
 using ::android::hardware::Parcel;
@@ -42,6 +46,35 @@ long WaitsOf(pid_t pid) {
     }
     return waits;
 }
+
+// Writes to a pipe, and reads from it what others wrote once all have closed their end.
+class Pipe {
+  public:
+    Pipe() { EXPECT_EQ(pipe2(mEnds, O_CLOEXEC), 0); }
+    ~Pipe() { close(mEnds[0]); }
+    int WritingEnd() const { return mEnds[1]; }
+    std::string Text() {
+        close(mEnds[1]);
+        std::string text;
+        char bytes[256];
+        for (ssize_t n; (n = read(mEnds[0], bytes, sizeof(bytes))) > 0;) text.append(bytes, static_cast<size_t>(n));
+        return text;
+    }
+
+  private:
+    int mEnds[2];
+};
+
+// A native handle of the caller's descriptors.
+struct Handle {
+    explicit Handle(const std::vector<int>& fds, const std::vector<int>& ints = {})
+        : handle(native_handle_create(static_cast<int>(fds.size()), static_cast<int>(ints.size()))) {
+        std::copy(fds.begin(), fds.end(), handle->data);
+        std::copy(ints.begin(), ints.end(), handle->data + fds.size());
+    }
+    ~Handle() { native_handle_delete(handle); }
+    native_handle_t* const handle;
+};
 
 }  // namespace
 
@@ -149,6 +182,26 @@ TEST_F(DataAcrossProcesses, TheBaseInterfaceAnswers) {
     EXPECT_EQ(descriptor, IWorkbench::descriptor);
     EXPECT_EQ(hashes, 3u);
     EXPECT_EQ(pid, mPeer.Pid());
+}
+
+TEST_F(Calls, TheDescriptorsAndNumbersOfAHandleArrive) {
+    Pipe first;
+    Pipe second;
+    {
+        const Handle both({first.WritingEnd(), second.WritingEnd()}, {7, -8});
+        EXPECT_TRUE(mService->debug(hidl_handle(both.handle), {"--json", "all"}).isOk());
+    }
+    // The end of the stream shows that the service has closed its copies.
+    EXPECT_EQ(first.Text(), "0: --json all 7 -8 \n");
+    EXPECT_EQ(second.Text(), "1: --json all 7 -8 \n");
+}
+
+TEST_F(Calls, AHandleOfManyDescriptorsIsRefused) {
+    const Handle many(std::vector<int>(9, STDOUT_FILENO));
+    const Return<void> refused = mService->debug(hidl_handle(many.handle), {});
+    EXPECT_FALSE(refused.isOk());
+    EXPECT_NE(refused.description().find("INVALID_OPERATION"), std::string::npos);
+    EXPECT_TRUE(mService->ping().isOk());
 }
 
 TEST_F(Callbacks, ANullInterfaceArrivesAsNull) {

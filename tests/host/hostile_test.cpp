@@ -121,6 +121,21 @@ class HostilePeer {
     }
 
     void Write(const void* data, size_t size) { send(mFd, data, size, MSG_NOSIGNAL); }
+    void WriteDescriptors(size_t count) {
+        char byte = 0;
+        iovec piece = {&byte, 1};
+        std::vector<char> control(CMSG_SPACE(count * sizeof(int)));
+        msghdr message = {};
+        message.msg_iov = &piece;
+        message.msg_iovlen = 1;
+        message.msg_control = control.data();
+        message.msg_controllen = control.size();
+        cmsghdr* const head = CMSG_FIRSTHDR(&message);
+        *head = {CMSG_LEN(count * sizeof(int)), SOL_SOCKET, SCM_RIGHTS};
+        const std::vector<int> fds(count, mFd);
+        memcpy(CMSG_DATA(head), fds.data(), count * sizeof(int));
+        sendmsg(mFd, &message, MSG_NOSIGNAL);
+    }
     void Send(const FrameHead& head, const Bytes& body = {}) {
         Write(&head, sizeof(head));
         if (!body.empty()) Write(body.data(), body.size());
@@ -202,7 +217,8 @@ TEST_F(HostilePeers, LoseTheConnectionForAnInvalidFrame) {
     const Bytes body = EchoBody("text");
     const std::vector<std::pair<const char*, std::function<void(FrameHead*)>>> damages = {
         {"magic", [](FrameHead* head) { head->magic ^= 1; }},
-        {"reserved field", [](FrameHead* head) { head->zero = 1; }},
+        {"descriptors that were not sent", [](FrameHead* head) { head->descriptors = 1; }},
+        {"too many descriptors", [](FrameHead* head) { head->descriptors = 9; }},
         {"type 0", [](FrameHead* head) { head->type = 0; }},
         {"type 99", [](FrameHead* head) { head->type = 99; }},
         {"size", [](FrameHead* head) { head->bodySize -= 8; }},
@@ -221,6 +237,19 @@ TEST_F(HostilePeers, LoseTheConnectionForAnInvalidFrame) {
         peer.Send(head, body);
         EXPECT_TRUE(peer.IsClosed()) << what;
     }
+}
+
+TEST_F(HostilePeers, LoseTheConnectionForMoreDescriptorsThanAFrameHas) {
+    HostilePeer peer;
+    peer.WriteDescriptors(9);
+    EXPECT_TRUE(peer.IsClosed());
+}
+
+// A byte of a frame each, so that no frame becomes complete.
+TEST_F(HostilePeers, LoseTheConnectionForDescriptorsOfNoFrame) {
+    HostilePeer peer;
+    for (int i = 0; i < 3; ++i) peer.WriteDescriptors(8);
+    EXPECT_TRUE(peer.IsClosed());
 }
 
 TEST_F(HostilePeers, LoseTheConnectionForFramesOutOfPlace) {

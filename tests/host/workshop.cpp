@@ -226,6 +226,15 @@ Return<void> Workshop::echoThrough(const hidl_string& instance, const hidl_strin
     return Void();
 }
 
+Return<void> Workshop::debug(const hidl_handle& handle, const hidl_vec<hidl_string>& options) {
+    if (handle == nullptr) return Void();
+    std::string text;
+    for (const hidl_string& option : options) text += std::string(option) + " ";
+    for (int i = 0; i < handle->numInts; ++i) text += std::to_string(handle->data[handle->numFds + i]) + " ";
+    for (int i = 0; i < handle->numFds; ++i) dprintf(handle->data[i], "%d: %s\n", i, text.c_str());
+    return Void();
+}
+
 Return<uint32_t> Workshop::tools() {
     return 7u;
 }

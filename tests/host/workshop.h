@@ -13,6 +13,7 @@
 namespace hbbtv::test {
 
 using ::android::sp;
+using ::android::hardware::hidl_handle;
 using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
@@ -67,6 +68,8 @@ class Workshop : public IWorkbench {
     Return<sp<IBouncer>> bouncer() override;
     Return<void> echoThrough(const hidl_string& instance, const hidl_string& text, echoThrough_cb callback) override;
     Return<uint32_t> tools() override;
+    // Writes the options to each descriptor of the handle, and its numbers.
+    Return<void> debug(const hidl_handle& handle, const hidl_vec<hidl_string>& options) override;
 
     // The threads on which calls were held.
     std::set<std::thread::id> HoldingThreads();

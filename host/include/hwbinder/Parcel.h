@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cutils/native_handle.h>
+#include <hwbinder/Descriptors.h>
 #include <hwbinder/IBinder.h>
 #include <utils/Errors.h>
 #include <utils/RefBase.h>
@@ -111,8 +112,10 @@ class Parcel {
     status_t writeStrongBinder(const sp<IBinder>& binder);
     status_t readNullableStrongBinder(sp<IBinder>* binder) const;
 
-    // Supports only null; anything else fails with INVALID_OPERATION.
+    // Copies the descriptors immediately. A parcel carries at most Descriptors::kMost; with more, writing fails with
+    // INVALID_OPERATION.
     status_t writeNativeHandleNoDup(const native_handle_t* handle);
+    // Returns a handle of the parcel, which is valid as long as the parcel.
     status_t readNullableNativeHandleNoDup(const native_handle_t** handle) const;
 
     // ---- For the transport ----
@@ -123,6 +126,9 @@ class Parcel {
 
     const std::vector<sp<IBinder>>& nodes() const { return mNodes; }
     void setNodes(std::vector<sp<IBinder>>&& nodes) { mNodes = std::move(nodes); }
+
+    const host::Descriptors& descriptors() const { return mDescriptors; }
+    void setDescriptors(host::Descriptors&& descriptors) { mDescriptors = std::move(descriptors); }
 
     size_t wireSize() const;
     static constexpr int kMaxPieces = 6;
@@ -158,6 +164,7 @@ class Parcel {
 
     // Writing and reading: as written, or as received and resolved.
     std::vector<sp<IBinder>> mNodes;
+    host::Descriptors mDescriptors;
 
     // Reading: the received body, its tables, and the current position.
     std::unique_ptr<uint64_t[]> mBody;
@@ -169,6 +176,8 @@ class Parcel {
     mutable size_t mReadPosition = 0;
     mutable uint32_t mNextBuffer = 0;
     mutable uint32_t mNextNode = 0;
+    mutable size_t mNextDescriptor = 0;
+    mutable std::vector<std::unique_ptr<native_handle_t, void (*)(native_handle_t*)>> mHandles;  // without descriptors
     std::shared_ptr<host::ParcelSource> mSource;
 };
 

@@ -20,12 +20,12 @@ struct FrameHead {
     uint32_t magic;
     uint32_t type;
     uint32_t bodySize;
-    uint32_t code;   // of a call: the method
-    int32_t status;  // of a reply
-    uint32_t zero;
-    uint64_t id;      // numbers the calls of one direction
-    uint64_t parent;  // of a call: the receiver's call that the sender is serving, or 0
-    uint64_t node;    // the receiver's
+    uint32_t code;         // of a call: the method
+    int32_t status;        // of a reply
+    uint32_t descriptors;  // number of file descriptors that are sent with the head
+    uint64_t id;           // numbers the calls of one direction
+    uint64_t parent;       // of a call: the receiver's call that the sender is serving, or 0
+    uint64_t node;         // the receiver's
 };
 static_assert(sizeof(FrameHead) == 48, "the same in every process");
 

@@ -8,6 +8,8 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstring>
+#include <utility>
 
 #include "connection/thread_pool.h"
 #include "log/host_log.h"
@@ -29,22 +31,45 @@ size_t TotalSize(const iovec* pieces, int count) {
     return size;
 }
 
+// The memory of a control message with descriptors.
+class ControlMessage {
+  public:
+    void AddTo(msghdr& message, const Descriptors& descriptors) {
+        const size_t size = descriptors.Size() * sizeof(int);
+        message.msg_control = mMemory;
+        message.msg_controllen = CMSG_SPACE(size);
+        cmsghdr* const head = CMSG_FIRSTHDR(&message);
+        head->cmsg_level = SOL_SOCKET;
+        head->cmsg_type = SCM_RIGHTS;
+        head->cmsg_len = CMSG_LEN(size);
+        memcpy(CMSG_DATA(head), &descriptors[0], size);
+    }
+
+  private:
+    alignas(cmsghdr) char mMemory[CMSG_SPACE(Descriptors::kMost * sizeof(int))] = {};
+};
+
 }  // namespace
 
 Outbox::~Outbox() {
     if (mFd >= 0) close(mFd);
 }
 
-status_t Outbox::Send(iovec* pieces, int count, Patience patience) {
+status_t Outbox::Send(iovec* pieces, int count, Patience patience, const Descriptors& descriptors) {
+    const Descriptors* unsent = descriptors.Size() == 0 ? nullptr : &descriptors;
     std::unique_lock<std::mutex> lock(mMutex);
     if (mBroken) return DEAD_OBJECT;
     if (mWaiting.empty()) {
-        const status_t status = SendNowLocked(pieces, count);
+        const status_t status = SendNowLocked(pieces, count, unsent);
         if (status != OK || count == 0) return status;
     } else if (patience == Patience::kSome && !WaitForRoomLocked(lock, TotalSize(pieces, count))) {
         return mBroken ? DEAD_OBJECT : FAILED_TRANSACTION;
     }
-    KeepLocked(pieces, count);
+    Descriptors kept;
+    for (size_t i = 0; unsent != nullptr && i < unsent->Size(); ++i) {
+        if (!kept.AddCopyOf((*unsent)[i])) return FAILED_TRANSACTION;  // nothing of the frame has been sent
+    }
+    KeepLocked(pieces, count, std::move(kept));
     if (!mBroken && !mFlushing && patience == Patience::kSome) {
         // No thread could be started, and this one may wait for the peer.
         mFlushing = true;
@@ -62,11 +87,13 @@ bool Outbox::WaitForRoomLocked(std::unique_lock<std::mutex>& lock, size_t size) 
 }
 
 // Sends what the socket accepts, and leaves the rest in `pieces`.
-status_t Outbox::SendNowLocked(iovec*& pieces, int& count) {
+status_t Outbox::SendNowLocked(iovec*& pieces, int& count, const Descriptors*& descriptors) {
     while (count > 0) {
         msghdr message = {};
         message.msg_iov = pieces;
         message.msg_iovlen = static_cast<size_t>(count);
+        ControlMessage control;
+        if (descriptors != nullptr) control.AddTo(message, *descriptors);
         const ssize_t n = sendmsg(mFd, &message, MSG_DONTWAIT | MSG_NOSIGNAL);
         if (n < 0 && errno == EINTR) continue;
         if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == ENOBUFS || errno == ENOMEM)) return OK;
@@ -76,6 +103,7 @@ status_t Outbox::SendNowLocked(iovec*& pieces, int& count) {
             shutdown(mFd, SHUT_RDWR);  // the reader reports the death, also if the peer has not gone
             return DEAD_OBJECT;
         }
+        descriptors = nullptr;
         size_t sent = static_cast<size_t>(n);
         while (count > 0 && sent >= pieces->iov_len) {
             sent -= pieces->iov_len;
@@ -90,7 +118,7 @@ status_t Outbox::SendNowLocked(iovec*& pieces, int& count) {
     return OK;
 }
 
-void Outbox::KeepLocked(const iovec* pieces, int count) {
+void Outbox::KeepLocked(const iovec* pieces, int count, Descriptors&& descriptors) {
     std::vector<uint8_t> frame;
     frame.reserve(TotalSize(pieces, count));
     for (int i = 0; i < count; ++i) {
@@ -98,7 +126,7 @@ void Outbox::KeepLocked(const iovec* pieces, int count) {
         frame.insert(frame.end(), data, data + pieces[i].iov_len);
     }
     mWaitingBytes += frame.size();
-    mWaiting.push_back(std::move(frame));
+    mWaiting.push_back({std::move(frame), std::move(descriptors)});
     if (mWaitingBytes > kMostWaiting) {
         ALOGE("closing the connection with a peer that does not read");
         mBroken = true;
@@ -130,11 +158,13 @@ void Outbox::Flush() {
 // Returns whether something is left to send.
 bool Outbox::FlushSomeLocked() {
     while (!mBroken && !mWaiting.empty()) {
-        std::vector<uint8_t>& first = mWaiting.front();
+        std::vector<uint8_t>& first = mWaiting.front().bytes;
+        const Descriptors* unsent = mWaiting.front().descriptors.Size() > 0 ? &mWaiting.front().descriptors : nullptr;
         iovec rest = {first.data() + mSentOfFirst, first.size() - mSentOfFirst};
         iovec* pieces = &rest;
         int count = 1;
-        SendNowLocked(pieces, count);
+        SendNowLocked(pieces, count, unsent);
+        if (unsent == nullptr) mWaiting.front().descriptors.Close();
         if (count > 0 && !mBroken) {
             mSentOfFirst = first.size() - rest.iov_len;
             return true;

@@ -3,6 +3,7 @@
 // above a limit, calls are refused, as on the device when the receiver's buffer is full.
 #pragma once
 
+#include <hwbinder/Descriptors.h>
 #include <utils/Errors.h>
 
 #include <condition_variable>
@@ -29,8 +30,9 @@ class Outbox : public std::enable_shared_from_this<Outbox> {
         kSome,  // waits for room for a limited time, then refuses the frame with FAILED_TRANSACTION
     };
 
-    // Returns OK if the frame was sent or queued, DEAD_OBJECT if the peer is gone.
-    status_t Send(iovec* pieces, int count, Patience patience);
+    // Returns OK if the frame was sent or queued, DEAD_OBJECT if the peer is gone. The descriptors are sent with its
+    // first byte.
+    status_t Send(iovec* pieces, int count, Patience patience, const Descriptors& descriptors = {});
 
     // Shuts the connection down in both directions, which ends the reader. The descriptor stays open.
     void Shutdown();
@@ -39,9 +41,14 @@ class Outbox : public std::enable_shared_from_this<Outbox> {
     void Close();
 
   private:
+    struct Frame {
+        std::vector<uint8_t> bytes;
+        Descriptors descriptors;
+    };
+
     bool WaitForRoomLocked(std::unique_lock<std::mutex>& lock, size_t size);
-    status_t SendNowLocked(iovec*& pieces, int& count);
-    void KeepLocked(const iovec* pieces, int count);
+    status_t SendNowLocked(iovec*& pieces, int& count, const Descriptors*& descriptors);
+    void KeepLocked(const iovec* pieces, int count, Descriptors&& descriptors);
     void StartFlusherLocked();
     void Flush();
     bool FlushSomeLocked();
@@ -52,7 +59,7 @@ class Outbox : public std::enable_shared_from_this<Outbox> {
     bool mBroken = false;    // the peer is gone
     bool mStalled = false;   // a sender has waited for room without success; cleared when there is room again
     bool mFlushing = false;  // a thread is flushing the queue
-    std::deque<std::vector<uint8_t>> mWaiting;
+    std::deque<Frame> mWaiting;
     size_t mSentOfFirst = 0;
     size_t mWaitingBytes = 0;
 };

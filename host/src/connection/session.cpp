@@ -174,6 +174,7 @@ status_t Session::SendFrame(FrameHead head, const Parcel* body, Outbox::Patience
         if (body->writeError() != OK) return body->writeError();
         if (body->wireSize() > Parcel::kMaxSize) return FAILED_TRANSACTION;
         head.bodySize = static_cast<uint32_t>(body->wireSize());
+        head.descriptors = static_cast<uint32_t>(body->descriptors().Size());
         for (const sp<IBinder>& node : body->nodes()) {
             BpHwBinder* const proxy = node == nullptr ? nullptr : node->remoteBinder();
             if (proxy == nullptr || proxy->session() == this) continue;
@@ -188,7 +189,8 @@ status_t Session::SendFrame(FrameHead head, const Parcel* body, Outbox::Patience
         if (!body->nodes().empty()) nodes = WireNodesOf(*body);
         count += body->wirePieces(&wireHead, nodes.data(), pieces + 1);
     }
-    const status_t status = mOutbox->Send(pieces, count, patience);
+    const status_t status = head.descriptors == 0 ? mOutbox->Send(pieces, count, patience)
+                                                  : mOutbox->Send(pieces, count, patience, body->descriptors());
     if (status == FAILED_TRANSACTION) TakeBack(nodes);
     return status;
 }
@@ -243,18 +245,22 @@ bool Session::ReadFrame(bool waits) {
         Bury();
         return false;
     }
-    const char* const wrong = Handle(head, std::move(body));
+    Descriptors descriptors;
+    const char* const wrong = mReader.TakeDescriptors(head.descriptors, descriptors)
+                                  ? Handle(head, std::move(body), std::move(descriptors))
+                                  : "a frame without its descriptors";
     if (wrong != nullptr) Abandon(wrong);
     ThreadPool::Get().TryAgain();
     return true;
 }
 
-const char* Session::Handle(const FrameHead& head, std::unique_ptr<uint64_t[]> body) {
+const char* Session::Handle(const FrameHead& head, std::unique_ptr<uint64_t[]> body, Descriptors&& descriptors) {
     Parcel parcel;
     const bool hasBody = body != nullptr;
     if (hasBody) {
         if (!parcel.adopt(std::move(body), head.bodySize)) return "invalid parcel";
         parcel.setSource(shared_from_this());
+        parcel.setDescriptors(std::move(descriptors));
     }
     switch (static_cast<FrameType>(head.type)) {
         case FrameType::kCall:

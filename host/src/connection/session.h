@@ -97,7 +97,7 @@ class Session : public ParcelSource, public Pollable, public std::enable_shared_
     void EndReading();
     void ReadFor(Waiter& waiter);
     bool ReadFrame(bool waits);
-    const char* Handle(const FrameHead& head, std::unique_ptr<uint64_t[]> body);
+    const char* Handle(const FrameHead& head, std::unique_ptr<uint64_t[]> body, Descriptors&& descriptors);
     const char* HandleCall(const FrameHead& head, Parcel&& data);
     const char* HandleReply(const FrameHead& head, Parcel&& results);
     const char* HandleRelease(const FrameHead& head);

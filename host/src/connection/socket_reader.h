@@ -2,6 +2,9 @@
 // one thread at a time.
 #pragma once
 
+#include <hwbinder/Descriptors.h>
+#include <sys/types.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -26,6 +29,10 @@ class SocketReader {
     Result Next(bool waits, FrameHead* head, std::unique_ptr<uint64_t[]>* body);
     void MayReceive(bool may) { mMayReceive = may; }
 
+    // Moves the next `count` descriptors that have arrived to `taken`. Those of a frame arrive with its first byte.
+    // Returns false if there are fewer.
+    bool TakeDescriptors(size_t count, Descriptors& taken);
+
   private:
     static constexpr size_t kBufferSize = 4 * 1024;
 
@@ -33,6 +40,7 @@ class SocketReader {
     bool TakeHead();
     bool TakeBody();
     Result Receive(bool waits);
+    ssize_t ReceiveBytes(void* destination, size_t size, bool waits);
 
     const int mFd;
     const std::unique_ptr<uint8_t[]> mBuffer;
@@ -45,6 +53,7 @@ class SocketReader {
     FrameHead mHead = {};
     std::unique_ptr<uint64_t[]> mBody;
     size_t mBodyRead = 0;
+    Descriptors mDescriptors;  // that have arrived and were not taken
 };
 
 }  // namespace android::hardware::host
