@@ -111,6 +111,18 @@ const Json::Value& WireFamily::FindEvent(const std::string& wanted) const {
                               DidYouMean(wanted, known, kShortList) + " (see `hbbtvctl describe " + name + "`)");
 }
 
+const Json::Value* WireFamily::EventOf(const Json::Value& message) const {
+    const Json::Value& envelope = protocol["event_envelope"];
+    if (!message.isObject()) return nullptr;
+    for (const Json::Value& event : protocol["events"]) {
+        const Json::Value& type = envelope["type"];
+        const Json::Value& wanted = type.isMember("value") ? type["value"] : event["object"];
+        if (!type.isNull() && message[type["key"].asString()] != wanted) continue;
+        if (message[envelope["code"]["key"].asString()] == event["code"]) return &event;
+    }
+    return nullptr;
+}
+
 const std::vector<WireFamily>& WireFamilies() {
     return TheFamilies().AllParsed();
 }

@@ -25,6 +25,9 @@ struct WireFamily {
 
     // Finds an event by code ("5", "mediasync:5"), name, or the client's callback method. Throws Failure(kUsage).
     const Json::Value& FindEvent(const std::string& event) const;
+
+    // Returns the event that a message of the platform is, or null.
+    const Json::Value* EventOf(const Json::Value& message) const;
 };
 
 // Returns all families, sorted by name.

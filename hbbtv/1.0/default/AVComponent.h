@@ -3,12 +3,14 @@
 
 #include <vantorel/hardware/hbbtv/1.0/IAVComponent.h>
 
+#include "utils/include/tolm_debug.h"
+
 namespace vantorel::hardware::hbbtv::implementation {
 
 using ::android::hardware::Return;
 using V1_0::IAVComponent;
 
-class AVComponent : public IAVComponent {
+class AVComponent : public TolmService<IAVComponent> {
   public:
     Return<int32_t> Release(int64_t component) override;
     Return<void> GetComponentTag(int64_t component, GetComponentTag_cb _hidl_cb) override;

@@ -36,7 +36,7 @@ TolmAVCtrlComponentData ToAdaptorComponent(const TolmAvComponentData& component)
 
 }  // namespace
 
-AVControl::AVControl() : TolmHidlClientMonitor(tolm::kAVControlTag, mAVControlCallback) {}
+AVControl::AVControl() : TolmHidlClientMonitor(tolm::kAVControlTag, mAVControlCallback, tolm::families::kAVControl) {}
 
 Return<int32_t> AVControl::RegisterCallback(const sp<IAVControlCallback>& cb, int64_t) {
     return mAVControlCallback.Register(this, cb, &Adaptor::RegisterCallback, TolmAVControlComponentCallback);

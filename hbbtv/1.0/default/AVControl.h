@@ -4,6 +4,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IAVControl.h>
 
 #include "ipc/src/plugin/tolm_av_control_adaptor_ipc.h"
+#include "utils/include/tolm_debug.h"
 #include "utils/include/tolm_hidl_client_monitor.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
@@ -16,7 +17,7 @@ using V1_0::IAVControl;
 using V1_0::IAVControlCallback;
 using V1_0::TolmAvComponentData;
 
-class AVControl : public IAVControl, public TolmHidlClientMonitor {
+class AVControl : public TolmService<IAVControl>, public TolmHidlClientMonitor {
   public:
     AVControl();
 

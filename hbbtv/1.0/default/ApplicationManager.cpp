@@ -142,7 +142,8 @@ RegisteredClients mApmCallback;
 
 }  // namespace
 
-ApplicationManager::ApplicationManager() : TolmHidlClientMonitor(tolm::kApplicationManagerTag, mApmCallback) {}
+ApplicationManager::ApplicationManager()
+    : TolmHidlClientMonitor(tolm::kApplicationManagerTag, mApmCallback, tolm::families::kApplicationManager) {}
 
 Return<void> ApplicationManager::GetOwnerApp(int32_t appId, int32_t orgId, GetOwnerApp_cb _hidl_cb) {
     return AnswerFrom(std::tuple(appId, orgId), _hidl_cb, &Adaptor::GetOwnerApp);

@@ -4,6 +4,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IApplicationManager.h>
 
 #include "ipc/src/plugin/tolm_apm_adaptor_ipc.h"
+#include "utils/include/tolm_debug.h"
 #include "utils/include/tolm_hidl_client_monitor.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
@@ -16,7 +17,7 @@ using ::android::hardware::Return;
 using V1_0::IAIPEventCallback;
 using V1_0::IApplicationManager;
 
-class ApplicationManager : public IApplicationManager, public TolmHidlClientMonitor {
+class ApplicationManager : public TolmService<IApplicationManager>, public TolmHidlClientMonitor {
   public:
     ApplicationManager();
 

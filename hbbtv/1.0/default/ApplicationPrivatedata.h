@@ -3,12 +3,14 @@
 
 #include <vantorel/hardware/hbbtv/1.0/IApplicationPrivatedata.h>
 
+#include "utils/include/tolm_debug.h"
+
 namespace vantorel::hardware::hbbtv::implementation {
 
 using ::android::hardware::Return;
 using V1_0::IApplicationPrivatedata;
 
-class ApplicationPrivatedata : public IApplicationPrivatedata {
+class ApplicationPrivatedata : public TolmService<IApplicationPrivatedata> {
   public:
     Return<void> GetFreeMem(GetFreeMem_cb _hidl_cb) override;
     Return<void> GetCurrentChannel(GetCurrentChannel_cb _hidl_cb) override;

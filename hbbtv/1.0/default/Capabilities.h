@@ -3,12 +3,14 @@
 
 #include <vantorel/hardware/hbbtv/1.0/ICapabilities.h>
 
+#include "utils/include/tolm_debug.h"
+
 namespace vantorel::hardware::hbbtv::implementation {
 
 using ::android::hardware::Return;
 using V1_0::ICapabilities;
 
-class Capabilities : public ICapabilities {
+class Capabilities : public TolmService<ICapabilities> {
   public:
     Return<void> HasCapability(int32_t type, HasCapability_cb _hidl_cb) override;
     Return<void> GetTerminalCapability(GetTerminalCapability_cb _hidl_cb) override;

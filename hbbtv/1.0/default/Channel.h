@@ -3,13 +3,15 @@
 
 #include <vantorel/hardware/hbbtv/1.0/IChannel.h>
 
+#include "utils/include/tolm_debug.h"
+
 namespace vantorel::hardware::hbbtv::implementation {
 
 using ::android::hardware::hidl_string;
 using ::android::hardware::Return;
 using V1_0::IChannel;
 
-class Channel : public IChannel {
+class Channel : public TolmService<IChannel> {
   public:
     Return<int32_t> Release(int64_t channel) override;
     Return<void> GetChannelType(int64_t channel, GetChannelType_cb _hidl_cb) override;

@@ -17,7 +17,8 @@ TolmRegisteredClient<IChannelConfigCallback> mConfigCallback;
 
 }  // namespace
 
-ChannelConfig::ChannelConfig() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, mConfigCallback) {}
+ChannelConfig::ChannelConfig()
+    : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, mConfigCallback, tolm::families::kChannelConfig) {}
 
 Return<int32_t> ChannelConfig::RegisterCallback(const sp<IChannelConfigCallback>& cb, int64_t context) {
     return mConfigCallback.Register(this, cb, &Adaptor::RegisterCallback, TolmChannelConfigCallback, Handle(context));

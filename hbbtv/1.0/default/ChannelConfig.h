@@ -4,6 +4,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IChannelConfig.h>
 
 #include "ipc/src/plugin/tolm_channel_config_adaptor_ipc.h"
+#include "utils/include/tolm_debug.h"
 #include "utils/include/tolm_hidl_client_monitor.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
@@ -16,7 +17,7 @@ using ::android::hardware::Return;
 using V1_0::IChannelConfig;
 using V1_0::IChannelConfigCallback;
 
-class ChannelConfig : public IChannelConfig, public TolmHidlClientMonitor {
+class ChannelConfig : public TolmService<IChannelConfig>, public TolmHidlClientMonitor {
   public:
     ChannelConfig();
 

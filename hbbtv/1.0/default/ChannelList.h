@@ -3,13 +3,15 @@
 
 #include <vantorel/hardware/hbbtv/1.0/IChannelList.h>
 
+#include "utils/include/tolm_debug.h"
+
 namespace vantorel::hardware::hbbtv::implementation {
 
 using ::android::hardware::hidl_string;
 using ::android::hardware::Return;
 using V1_0::IChannelList;
 
-class ChannelList : public IChannelList {
+class ChannelList : public TolmService<IChannelList> {
   public:
     Return<int32_t> Release(int64_t list) override;
     Return<void> GetLength(int64_t list, GetLength_cb _hidl_cb) override;

@@ -120,7 +120,8 @@ RegisteredClients mConfigurationCallback;
 
 }  // namespace
 
-Configuration::Configuration() : TolmHidlClientMonitor(tolm::kConfigurationTag, mConfigurationCallback) {}
+Configuration::Configuration()
+    : TolmHidlClientMonitor(tolm::kConfigurationTag, mConfigurationCallback, tolm::families::kConfiguration) {}
 
 Return<void> Configuration::GetPreferredAudioLanguage(GetPreferredAudioLanguage_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::GetPreferredAudioLanguage);

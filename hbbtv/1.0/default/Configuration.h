@@ -4,6 +4,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IConfiguration.h>
 
 #include "ipc/src/plugin/tolm_configuration_adaptor_ipc.h"
+#include "utils/include/tolm_debug.h"
 #include "utils/include/tolm_hidl_client_monitor.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
@@ -15,7 +16,7 @@ using ::android::hardware::Return;
 using V1_0::IConfiguration;
 using V1_0::IConfigurationCallback;
 
-class Configuration : public IConfiguration, public TolmHidlClientMonitor {
+class Configuration : public TolmService<IConfiguration>, public TolmHidlClientMonitor {
   public:
     Configuration();
 

@@ -15,7 +15,7 @@ TolmRegisteredClient<IDsmccCallback> mDsmccCallback;
 
 }  // namespace
 
-Dsmcc::Dsmcc() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, mDsmccCallback) {}
+Dsmcc::Dsmcc() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, mDsmccCallback, tolm::families::kDsmcc) {}
 
 // The client is held even without an adaptor.
 Return<int32_t> Dsmcc::RegisterCallback(const sp<IDsmccCallback>& cb) {

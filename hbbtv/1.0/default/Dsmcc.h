@@ -4,6 +4,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IDsmcc.h>
 
 #include "ipc/src/dsmcc/tolm_dsmcc_adaptor_ipc.h"
+#include "utils/include/tolm_debug.h"
 #include "utils/include/tolm_hidl_client_monitor.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
@@ -15,7 +16,7 @@ using ::android::hardware::Return;
 using V1_0::IDsmcc;
 using V1_0::IDsmccCallback;
 
-class Dsmcc : public IDsmcc, public TolmHidlClientMonitor {
+class Dsmcc : public TolmService<IDsmcc>, public TolmHidlClientMonitor {
   public:
     Dsmcc();
 

@@ -3,13 +3,15 @@
 
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteList.h>
 
+#include "utils/include/tolm_debug.h"
+
 namespace vantorel::hardware::hbbtv::implementation {
 
 using ::android::hardware::hidl_string;
 using ::android::hardware::Return;
 using V1_0::IFavouriteList;
 
-class FavouriteList : public IFavouriteList {
+class FavouriteList : public TolmService<IFavouriteList> {
   public:
     Return<int32_t> Release(int64_t list) override;
     Return<void> GetLength(int64_t list, GetLength_cb _hidl_cb) override;

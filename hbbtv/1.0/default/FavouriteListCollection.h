@@ -3,13 +3,15 @@
 
 #include <vantorel/hardware/hbbtv/1.0/IFavouriteListCollection.h>
 
+#include "utils/include/tolm_debug.h"
+
 namespace vantorel::hardware::hbbtv::implementation {
 
 using ::android::hardware::hidl_string;
 using ::android::hardware::Return;
 using V1_0::IFavouriteListCollection;
 
-class FavouriteListCollection : public IFavouriteListCollection {
+class FavouriteListCollection : public TolmService<IFavouriteListCollection> {
   public:
     Return<int32_t> Release(int64_t collection) override;
     Return<void> GetLength(int64_t collection, GetLength_cb _hidl_cb) override;

@@ -3,12 +3,14 @@
 
 #include <vantorel/hardware/hbbtv/1.0/ILocalSystem.h>
 
+#include "utils/include/tolm_debug.h"
+
 namespace vantorel::hardware::hbbtv::implementation {
 
 using ::android::hardware::Return;
 using V1_0::ILocalSystem;
 
-class LocalSystem : public ILocalSystem {
+class LocalSystem : public TolmService<ILocalSystem> {
   public:
     Return<void> GetDeviceID(GetDeviceID_cb _hidl_cb) override;
     Return<void> GetVendorName(GetVendorName_cb _hidl_cb) override;

@@ -15,7 +15,7 @@ MtmCallback gBridge(mMtmCallback);  // what the adaptor calls, whichever client 
 
 }  // namespace
 
-Mtm::Mtm() : TolmHidlClientMonitor(tolm::kMtmTag, mMtmCallback) {}
+Mtm::Mtm() : TolmHidlClientMonitor(tolm::kMtmTag, mMtmCallback, tolm::families::kMtm) {}
 
 Return<int32_t> Mtm::OnTabCreated(int32_t tabId) {
     return Status(&Adaptor::OnTabCreated, tabId);

@@ -4,6 +4,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IMtm.h>
 
 #include "ipc/src/mtm/tolm_mtm_adaptor_ipc.h"
+#include "utils/include/tolm_debug.h"
 #include "utils/include/tolm_registered_client.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
@@ -15,7 +16,7 @@ using ::android::hardware::Return;
 using V1_0::IMtm;
 using V1_0::IMtmCallback;
 
-class Mtm : public IMtm, public TolmHidlClientMonitor {
+class Mtm : public TolmService<IMtm>, public TolmHidlClientMonitor {
   public:
     Mtm();
 

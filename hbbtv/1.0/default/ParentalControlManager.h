@@ -3,13 +3,15 @@
 
 #include <vantorel/hardware/hbbtv/1.0/IParentalControlManager.h>
 
+#include "utils/include/tolm_debug.h"
+
 namespace vantorel::hardware::hbbtv::implementation {
 
 using ::android::hardware::hidl_string;
 using ::android::hardware::Return;
 using V1_0::IParentalControlManager;
 
-class ParentalControlManager : public IParentalControlManager {
+class ParentalControlManager : public TolmService<IParentalControlManager> {
   public:
     Return<void> Create(Create_cb _hidl_cb) override;
     Return<int32_t> Destroy(int64_t manager) override;

@@ -3,6 +3,8 @@
 
 #include <vantorel/hardware/hbbtv/1.0/IProgramme.h>
 
+#include "utils/include/tolm_debug.h"
+
 namespace vantorel::hardware::hbbtv::implementation {
 
 using ::android::hardware::hidl_string;
@@ -10,7 +12,7 @@ using ::android::hardware::Return;
 using V1_0::IProgramme;
 using V1_0::TolmHbbtvProgrammeIDType;
 
-class Programme : public IProgramme {
+class Programme : public TolmService<IProgramme> {
   public:
     Return<int32_t> Release(int64_t programme) override;
     Return<void> GetName(int64_t programme, GetName_cb _hidl_cb) override;

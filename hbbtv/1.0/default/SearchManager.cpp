@@ -15,7 +15,8 @@ TolmRegisteredClient<ISearchManagerCallback> mSearchCallback;  // of all search 
 
 }  // namespace
 
-SearchManager::SearchManager() : TolmHidlClientMonitor(tolm::kSearchManagerTag, mSearchCallback) {}
+SearchManager::SearchManager()
+    : TolmHidlClientMonitor(tolm::kSearchManagerTag, mSearchCallback, tolm::families::kSearchManager) {}
 
 Return<void> SearchManager::SearchManager_Create(SearchManager_Create_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::SearchManager_Create);

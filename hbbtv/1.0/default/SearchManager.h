@@ -4,6 +4,7 @@
 #include <vantorel/hardware/hbbtv/1.0/ISearchManager.h>
 
 #include "ipc/src/plugin/tolm_search_manager_adaptor_ipc.h"
+#include "utils/include/tolm_debug.h"
 #include "utils/include/tolm_hidl_client_monitor.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
@@ -16,7 +17,7 @@ using V1_0::ISearchManager;
 using V1_0::ISearchManagerCallback;
 using V1_0::TolmQueryComparisonType;
 
-class SearchManager : public ISearchManager, public TolmHidlClientMonitor {
+class SearchManager : public TolmService<ISearchManager>, public TolmHidlClientMonitor {
   public:
     SearchManager();
 

@@ -16,7 +16,8 @@ TolmRegisteredClient<IVideoBroadcastCallback> mVBCallback;  // of all video/broa
 
 }  // namespace
 
-VideoBroadcast::VideoBroadcast() : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, mVBCallback) {}
+VideoBroadcast::VideoBroadcast()
+    : TolmHidlClientMonitor(tolm::kVideoBroadcastTag, mVBCallback, tolm::families::kVideoBroadcast) {}
 
 Return<void> VideoBroadcast::Create(int64_t context, Create_cb _hidl_cb) {
     return Answer(_hidl_cb, &Adaptor::Create, Handle(context));

@@ -4,6 +4,7 @@
 #include <vantorel/hardware/hbbtv/1.0/IVideoBroadcast.h>
 
 #include "ipc/src/plugin/tolm_video_broadcast_events.h"
+#include "utils/include/tolm_debug.h"
 #include "utils/include/tolm_hidl_client_monitor.h"
 
 namespace vantorel::hardware::hbbtv::implementation {
@@ -17,7 +18,7 @@ using V1_0::IVideoBroadcastCallback;
 using V1_0::TolmHbbtvAVComponentType;
 using V1_0::TolmRect;
 
-class VideoBroadcast : public IVideoBroadcast, public TolmHidlClientMonitor {
+class VideoBroadcast : public TolmService<IVideoBroadcast>, public TolmHidlClientMonitor {
   public:
     VideoBroadcast();
 

@@ -42,13 +42,13 @@ namespace {
 
 // A family that stops answering blocks the thread of its open request and those that wait for their turn, or for their
 // turn to register a client; one that stops reading also blocks those of one-way messages. The pool has room for all
-// families in that state, and one thread that refuses whoever comes next. Threads are created only when they are
-// needed.
+// families in that state, one thread that refuses whoever comes next, and one that answers debug. Threads are created
+// only when they are needed.
 constexpr size_t kFamilies = 18;
 constexpr size_t kWithOneWay = 5;     // families that have one-way messages
 constexpr size_t kRegistrations = 8;  // interfaces that register clients
 constexpr size_t kMostWaiting = tolm::CallerQueue::kMostWaiting;
-constexpr size_t kThreads = (kFamilies + kWithOneWay) * (1 + kMostWaiting) + kRegistrations * kMostWaiting + 1;
+constexpr size_t kThreads = (kFamilies + kWithOneWay) * (1 + kMostWaiting) + kRegistrations * kMostWaiting + 2;
 
 constexpr int kServedByAnother = 3;
 

@@ -13,6 +13,7 @@
 
 #include "build_kind.h"
 #include "event_receiver.h"
+#include "ipc/src/tolm_watcher.h"
 #include "log_capture.h"
 #include "process_usage.h"
 #include "raw_socket.h"
@@ -83,6 +84,7 @@ TEST_F(Registry, EndsTheServerWithTheLastPort) {
 }
 
 TEST_F(Registry, BuildsANewServerAfterTheLastPortHasGone) {
+    tolm::Watcher::Wake();  // has a thread of its own from the first message on
     const int threads = UsageOfThisProcess().threads;
     for (int round = 1; round <= 20; ++round) {
         EventReceiver receiver(kKey, 7);

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <utility>
 
+#include "ipc/status/tolm_endpoint_status.h"
 #include "ipc/tolm_log.h"
 #include "ipc/tolm_thread.h"
 #include "utils/include/tolm_service_tags.h"
@@ -44,7 +45,9 @@ int TolmBoundedCalls::Run(const void* callee, std::function<int()> call) {
     current->callee = callee;
     tolm::TolmThread thread;
     const bool room = ++gThreads <= kMostThreads;
-    if (!room || !thread.Start([current, call = std::move(call)] {
+    const auto event = tolm::EndpointStatus::Event::OfThisThread();
+    if (!room || !thread.Start([current, event, call = std::move(call)] {
+            tolm::EndpointStatus::Event::WorkFor(event);
             current->Finish(call());
             --gThreads;
         })) {

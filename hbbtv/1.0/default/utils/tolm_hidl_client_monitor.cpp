@@ -24,8 +24,11 @@ void TolmServiceInstances::Remove(const android::sp<Recipient>& recipient) {
     if (found != mRecipients.end()) mRecipients.erase(found);
 }
 
-TolmHidlClientMonitor::TolmHidlClientMonitor(const char* tag, TolmServiceInstances& instances)
-    : mTag(tag), mInstances(instances), mRecipient(new TolmHidlClientDeathRecipient(this)) {
+TolmHidlClientMonitor::TolmHidlClientMonitor(const char* tag, TolmServiceInstances& instances,
+                                             const tolm::Family& family)
+    : mTag(tag),
+      mInstances(instances),
+      mRecipient(new TolmHidlClientDeathRecipient(this, tolm::EndpointStatus::Of(*family.events))) {
     mInstances.Add(mRecipient);
 }
 

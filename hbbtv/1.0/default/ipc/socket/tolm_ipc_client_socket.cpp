@@ -16,18 +16,36 @@
 namespace tolm {
 
 struct TolmIpcClientSocket::Connection {
-    Connection() : fd(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
-    ~Connection() { CloseSocket(fd); }
+    explicit Connection(EndpointStatus& theStatus)
+        : fd(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)), status(theStatus) {}
+    ~Connection() {
+        Lose();
+        CloseSocket(fd);
+    }
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
     // Ends the connection for both ends. The descriptor stays open for the thread that reads from it.
     void Abandon() {
-        connected = false;
+        Lose();
         shutdown(fd, SHUT_RDWR);
     }
 
+    void Establish() {
+        ucred peer{};
+        socklen_t size = sizeof(peer);
+        getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &size);
+        connected = true;
+        status.Connected(peer.pid);
+    }
+
+    // The next message needs another connection.
+    void Lose() {
+        if (connected.exchange(false)) status.Disconnected();
+    }
+
     const int fd;
+    EndpointStatus& status;
     std::atomic<bool> connected{false};
 };
 
@@ -43,7 +61,10 @@ std::unique_lock<DeadlineMutex> LockForMessage(DeadlineMutex& mutex, const Deadl
 }  // namespace
 
 TolmIpcClientSocket::TolmIpcClientSocket(TolmIpcKeyId key, int port)
-    : mSocketName(TolmIpcKeyConverter::GetInstance()->GetSocketName(key)), mPort(port), mTimeout(ReplyTimeout()) {
+    : mSocketName(TolmIpcKeyConverter::GetInstance()->GetSocketName(key)),
+      mPort(port),
+      mStatus(EndpointStatus::Of(key)),
+      mTimeout(ReplyTimeout()) {
     Init();
 }
 
@@ -54,7 +75,7 @@ bool TolmIpcClientSocket::Init() {
     if (unlink(path.c_str()) != 0 && errno != ENOENT) {
         TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "client unlink error: %s", strerror(errno));
     }
-    mConnection = std::make_shared<Connection>();
+    mConnection = std::make_shared<Connection>(mStatus);
     if (mConnection->fd < 0) {
         TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "client socket fd is negative error: %s", strerror(errno));
         return false;
@@ -81,10 +102,12 @@ bool TolmIpcClientSocket::Connect(const Deadline& deadline) {
                      : -1;
     } while (failed != 0 && errno == EAGAIN && deadline.AllowsAnotherTry());
     if (failed != 0) {
-        TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Connect error:%s server_path:%s", strerror(errno), path.c_str());
+        const char* const why = strerror(errno);
+        mStatus.SetError(std::string("cannot connect: ") + why);
+        TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "Connect error:%s server_path:%s", why, path.c_str());
         return false;
     }
-    mConnection->connected = true;
+    mConnection->Establish();
     return true;
 }
 
@@ -105,9 +128,10 @@ bool TolmIpcClientSocket::SendLocked(TolmIpcMessageType type, const std::vector<
         return false;
     }
     bool alive = true;
-    const bool sent = SendInternalSocket(mConnection->fd, mPort, type, msg, alive, deadline);
-    if (!sent) mConnection->Abandon();  // a part of the message may have been written
-    return sent;
+    if (SendInternalSocket(mConnection->fd, mPort, type, msg, alive, deadline)) return true;
+    mStatus.SetError("a message was not sent");
+    mConnection->Abandon();  // a part of the message may have been written
+    return false;
 }
 
 bool TolmIpcClientSocket::Send(const std::vector<unsigned char>& msg) {
@@ -127,9 +151,11 @@ bool TolmIpcClientSocket::SendSync(const std::vector<unsigned char>& msg, std::v
     // The next message is the reply, whatever its type and port.
     TolmIpcSocketMsgHeader header{};
     bool alive = true;
-    const bool received = RecvInternalSocket(connection->fd, header, reply, alive, deadline);
-    if (!received) connection->Abandon();  // the reply, or the rest of it, may still come
-    return received;
+    if (RecvInternalSocket(connection->fd, header, reply, alive, deadline)) return true;
+    mStatus.SetError(alive ? "a reply did not come, or not in time"
+                           : "no reply: the platform has closed the connection");
+    connection->Abandon();  // the reply, or the rest of it, may still come
+    return false;
 }
 
 }  // namespace tolm

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "ipc/socket/tolm_ipc_deadline.h"
+#include "ipc/status/tolm_endpoint_status.h"
 #include "ipc/tolm_ipc_client.h"
 #include "ipc/tolm_ipc_types.h"
 
@@ -37,6 +38,7 @@ class TolmIpcClientSocket : public TolmIpcClient {
 
     const std::string mSocketName;
     const int mPort;
+    EndpointStatus& mStatus;
     const std::chrono::milliseconds mTimeout;  // for one message, from connecting to the end of its reply; 0: none
 
     // Held while a message is written, never while waiting for a reply.

@@ -16,8 +16,6 @@ namespace tolm {
 
 namespace {
 
-constexpr size_t kMaxConnectionsOfPeer = 256;
-
 // The families' connections to the platform, and those of clients, files and the rest of the process.
 constexpr rlim_t kReserve = 18 + 64;
 // Each accept thread has looked at the descriptors before it waits, and may accept one connection after others have

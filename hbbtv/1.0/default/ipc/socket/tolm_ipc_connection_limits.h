@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <cstddef>
 #include <map>
 #include <mutex>
 
@@ -13,6 +14,9 @@ namespace tolm {
 // Returns whether a connection can be accepted on the listening socket and leaves enough descriptors for everything
 // else in this process. Returns true for an invalid descriptor: accepting reports that.
 bool HasDescriptorForConnection(int listenFd);
+
+// The connections of one peer process that this process accepts.
+constexpr size_t kMaxConnectionsOfPeer = 256;
 
 // Returns true at most once per second, for log lines that a peer can cause at any rate. Thread-safe.
 class OncePerSecond {

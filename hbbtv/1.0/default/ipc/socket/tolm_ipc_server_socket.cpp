@@ -36,7 +36,8 @@ void Empty(std::vector<unsigned char>& payload) {
 
 }  // namespace
 
-TolmIpcServerSocket::TolmIpcServerSocket(TolmIpcKeyId key, TolmIpcServerDelegate* delegate) : mDelegate(delegate) {
+TolmIpcServerSocket::TolmIpcServerSocket(TolmIpcKeyId key, TolmIpcServerDelegate* delegate)
+    : mDelegate(delegate), mStatus(EndpointStatus::Of(key)) {
     const std::string& name = TolmIpcKeyConverter::GetInstance()->GetSocketName(key);
     const std::string path = GetSocketFilePath(name);
     TOLM_SOCKET_LOG(ANDROID_LOG_ERROR, "socket_name:%s, socket_path:%s", name.c_str(), path.c_str());
@@ -149,13 +150,18 @@ void TolmIpcServerSocket::PauseAfterFailures(int failures) {
 }
 
 void TolmIpcServerSocket::StartConnection(int fd, const sockaddr_un& peer) {
-    if (!PeerConnections::Get().Add(fd)) return CloseSocket(fd);
+    if (!PeerConnections::Get().Add(fd)) {
+        mStatus.SetError("a connection was closed: its process holds too many");
+        return CloseSocket(fd);
+    }
     WaitForRoom();
     std::lock_guard<std::mutex> lock(mMutex);
     const auto connection = mConnections.insert(mConnections.end(), Connection{fd, {}});
     // The new thread cannot end before its handle is stored, because it needs the mutex to end.
     const bool started = mRunning && connection->thread.Start([this, connection, fd, peer] {
+        mStatus.Connected(0);
         OnRecv(fd, peer);
+        mStatus.Disconnected();
         EndConnection(connection);
     });
     if (started) return;
@@ -179,6 +185,8 @@ void TolmIpcServerSocket::OnRecv(int fd, sockaddr_un) {
             if (!SendInternalSocket(fd, header.port, TOLM_IPC_MSG_REPLY, reply, alive)) break;
         } else if (header.type == TOLM_IPC_MSG_ASYNC) {
             mDelegate->OnRecv(payload, header.port);
+        } else {
+            mStatus.Refused("a message of type " + std::to_string(header.type));
         }
         if (!complete) break;  // the next bytes are not the begin of a message
         Empty(payload);

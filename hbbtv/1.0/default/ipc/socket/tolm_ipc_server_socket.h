@@ -8,6 +8,7 @@
 #include <list>
 #include <mutex>
 
+#include "ipc/status/tolm_endpoint_status.h"
 #include "ipc/tolm_ipc_server.h"
 #include "ipc/tolm_ipc_types.h"
 #include "ipc/tolm_thread.h"
@@ -51,6 +52,7 @@ class TolmIpcServerSocket : public TolmIpcServer {
 
     int mListenFd = -1;
     TolmIpcServerDelegate* const mDelegate;
+    EndpointStatus& mStatus;
     TolmThread mAcceptThread;
 
     std::mutex mMutex;

@@ -2,6 +2,7 @@
 
 #include "ipc/src/tolm_hbbtv_ipc_tools.h"
 #include "ipc/src/tolm_json_text.h"
+#include "ipc/status/tolm_endpoint_status.h"
 #include "ipc/tolm_ipc_key_converter.h"
 #include "ipc/tolm_log.h"
 #include "ipc/tolm_reply_timeout.h"
@@ -123,6 +124,7 @@ int TolmAdaptorClient::Call(const Method& method, std::initializer_list<Member> 
     MemoryClaim claim;
     Json::Value reply;
     bool late = false;
+    const Operation operation(method.code, method.place.function);
     const int status = SendIpc(RequestText(mFamily, method, request), reply, claim, late);
     if (late) LogLate(mFamily, method);
     return status == 0 && !Read(reply, results) ? -1 : status;
@@ -132,6 +134,7 @@ int TolmAdaptorClient::Post(const Method& method, std::initializer_list<Member> 
                             void (*logFailure)(const Method& method)) {
     LogScope scope(mFamily.tag, method.place);
     const int status = SendIpcWithNoRet(RequestText(mFamily, method, request));
+    EndpointStatus::Of(mFamily.requests).SentOneWay(status == 0);
     if (status != 0 && logFailure != nullptr) logFailure(method);
     return status;
 }

@@ -3,7 +3,9 @@
 #include <chrono>
 #include <string>
 
+#include "ipc/src/tolm_calling_process.h"
 #include "ipc/src/tolm_json_text.h"
+#include "ipc/src/tolm_watcher.h"
 #include "ipc/tolm_ipc_factory.h"
 #include "ipc/tolm_ipc_key_converter.h"
 #include "ipc/tolm_log.h"
@@ -18,7 +20,8 @@ std::string ToString(const std::vector<unsigned char>& bytes) {
 }  // namespace
 
 TolmBaseClient::TolmBaseClient(TolmIpcKeyId key, int port)
-    : mClient(tolm::TolmIpcFactory::GetInstance()->CreateIpcClient(key, port, TOLM_IPC_TYPE_SOCKET)),
+    : mStatus(tolm::EndpointStatus::Of(key)),
+      mClient(tolm::TolmIpcFactory::GetInstance()->CreateIpcClient(key, port, TOLM_IPC_TYPE_SOCKET)),
       mRequests(tolm::TolmIpcKeyConverter::GetInstance()->GetSocketName(key), tolm::ReplyTimeout()),
       mPosts(tolm::TolmIpcKeyConverter::GetInstance()->GetSocketName(key), tolm::ReplyTimeout()) {}
 
@@ -47,19 +50,28 @@ TolmBaseClient::Outcome TolmBaseClient::Exchange(const std::vector<unsigned char
 
 int TolmBaseClient::SendIpc(const std::vector<unsigned char>& request, Json::Value& reply, tolm::MemoryClaim& claim,
                             bool& late) {
+    tolm::EndpointStatus::Request status(mStatus, tolm::ServedPid());
     const tolm::CallerQueue::Turn turn(mRequests);
-    if (!turn) return -1;
+    if (!turn) {
+        mStatus.SetError("no turn for a caller, which was refused or has died");
+        return -1;
+    }
     const auto begin = std::chrono::steady_clock::now();
+    status.Begin(begin);
+    tolm::Watcher::Wake();
     const Outcome outcome = Exchange(request, reply, claim);
     if (outcome != Outcome::kComplete) {
         const std::chrono::milliseconds timeout = tolm::ReplyTimeout();
         late =
             outcome == Outcome::kNoReply && timeout.count() > 0 && std::chrono::steady_clock::now() - begin >= timeout;
+        if (outcome == Outcome::kNotJson) mStatus.SetError("a reply that is not JSON, or too large");
+        if (outcome == Outcome::kNoStatus) mStatus.SetError("a reply without a status");
         // One flag per step; 0 marks the step that failed.
         TOLM_LOG(ANDROID_LOG_WARN, tolm::kIpcBaseTag, "SendIpc failed %d %d %d", outcome != Outcome::kNoReply,
                  outcome != Outcome::kNotJson, outcome != Outcome::kNoStatus);
         return -1;
     }
+    status.Answered();
     if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
         TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s, out_msg:%s", ToString(request).c_str(),
                            reply.toStyledString().c_str());

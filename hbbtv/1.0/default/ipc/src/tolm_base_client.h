@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ipc/src/tolm_caller_queue.h"
+#include "ipc/status/tolm_endpoint_status.h"
 #include "ipc/tolm_ipc_client.h"
 #include "ipc/tolm_ipc_types.h"
 #include "ipc/tolm_memory_claim.h"
@@ -46,6 +47,7 @@ class TolmBaseClient {
     // Called in a turn of mRequests.
     Outcome Exchange(const std::vector<unsigned char>& request, Json::Value& reply, tolm::MemoryClaim& claim);
 
+    tolm::EndpointStatus& mStatus;
     std::shared_ptr<tolm::TolmIpcClient> mClient;
     tolm::CallerQueue mRequests;  // a turn is from a request to its reply, which is how they are matched
     tolm::CallerQueue mPosts;     // a turn is until a one-way message is written

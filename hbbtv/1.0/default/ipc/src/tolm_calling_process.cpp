@@ -27,9 +27,13 @@ void SetFindCallingPid(FindCallingPid find) {
     gFind = find;
 }
 
-pid_t CallingPid() {
+pid_t ServedPid() {
     const FindCallingPid find = gFind;
-    const pid_t pid = find != nullptr ? find() : 0;
+    return find != nullptr ? find() : 0;
+}
+
+pid_t CallingPid() {
+    const pid_t pid = ServedPid();
     return pid != getpid() ? pid : 0;
 }
 

@@ -16,6 +16,9 @@ void SetFindCallingPid(FindCallingPid find);
 // Returns the id of the process whose call this thread serves, or 0 without a caller.
 pid_t CallingPid();
 
+// As above, but may also return the id of this process.
+pid_t ServedPid();
+
 // Thread-safe.
 class CallingProcess {
   public:

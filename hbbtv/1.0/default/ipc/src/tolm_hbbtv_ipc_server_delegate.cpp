@@ -1,5 +1,7 @@
 #include "ipc/src/tolm_hbbtv_ipc_server_delegate.h"
 
+#include <string>
+
 #include "ipc/tolm_ipc_factory.h"
 #include "ipc/tolm_log.h"
 
@@ -10,7 +12,9 @@ thread_local bool tInHandler = false;
 }  // namespace
 
 TolmHbbtvIpcServerDelegate::TolmHbbtvIpcServerDelegate(TolmIpcKeyId key)
-    : mKey(key), mServer(tolm::TolmIpcFactory::GetInstance()->CreateIpcServer(key, this, TOLM_IPC_TYPE_SOCKET)) {
+    : mKey(key),
+      mStatus(tolm::EndpointStatus::Of(key)),
+      mServer(tolm::TolmIpcFactory::GetInstance()->CreateIpcServer(key, this, TOLM_IPC_TYPE_SOCKET)) {
     mServer->Start();
 }
 
@@ -42,12 +46,22 @@ tolm::TolmIpcServerDelegate* TolmHbbtvIpcServerDelegate::Find(int port) {
     std::lock_guard<std::mutex> lock(mMutex);
     const auto found = mReceivers.find(port);
     if (found != mReceivers.end() && found->second != nullptr) return found->second;
+    mStatus.Refused("a message for port " + std::to_string(port) + ", which has no receiver");
     TOLM_LOG(ANDROID_LOG_WARN, tolm::kIpcBaseTag, "channel(%x) port(%d): no receiver", mKey, port);
     return nullptr;
 }
 
+std::unique_lock<std::mutex> TolmHbbtvIpcServerDelegate::WaitForTurn() {
+    std::unique_lock<std::mutex> delivery(mDelivery, std::try_to_lock);
+    if (delivery.owns_lock()) return delivery;
+    mStatus.EventWaits();
+    delivery.lock();
+    mStatus.EventWaitsNoMore();
+    return delivery;
+}
+
 void TolmHbbtvIpcServerDelegate::OnRecv(const std::vector<unsigned char>& msg, int port) {
-    std::lock_guard<std::mutex> delivery(mDelivery);
+    const std::unique_lock<std::mutex> delivery = WaitForTurn();
     tolm::TolmIpcServerDelegate* receiver = Find(port);
     if (receiver == nullptr) return;
     tInHandler = true;
@@ -57,7 +71,7 @@ void TolmHbbtvIpcServerDelegate::OnRecv(const std::vector<unsigned char>& msg, i
 
 void TolmHbbtvIpcServerDelegate::OnRecvSync(const std::vector<unsigned char>& msg, std::vector<unsigned char>& reply,
                                             int port) {
-    std::lock_guard<std::mutex> delivery(mDelivery);
+    const std::unique_lock<std::mutex> delivery = WaitForTurn();
     tolm::TolmIpcServerDelegate* receiver = Find(port);
     if (receiver == nullptr) return;
     tInHandler = true;

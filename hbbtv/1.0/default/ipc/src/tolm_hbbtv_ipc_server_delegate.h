@@ -5,6 +5,7 @@
 #include <mutex>
 #include <unordered_map>
 
+#include "ipc/status/tolm_endpoint_status.h"
 #include "ipc/tolm_ipc_server.h"
 #include "ipc/tolm_ipc_types.h"
 
@@ -37,8 +38,10 @@ class TolmHbbtvIpcServerDelegate : public tolm::TolmIpcServerDelegate {
 
   private:
     tolm::TolmIpcServerDelegate* Find(int port);
+    std::unique_lock<std::mutex> WaitForTurn();
 
     const TolmIpcKeyId mKey;
+    tolm::EndpointStatus& mStatus;
     std::mutex mDelivery;  // held while a receiver runs; taken before all other mutexes
     std::mutex mMutex;     // never held while a receiver runs
     std::unordered_map<int, tolm::TolmIpcServerDelegate*> mReceivers;  // guarded by mMutex

@@ -8,6 +8,8 @@
 #include <shared_mutex>
 #include <vector>
 
+#include "ipc/status/tolm_endpoint_status.h"
+
 // Receives the death of a client, on a thread of the HIDL pool.
 class ITolmHidlClientEvent {
   public:
@@ -24,13 +26,16 @@ class TolmHidlClientDeathRecipient : public android::hardware::hidl_death_recipi
   public:
     using IBase = android::hidl::base::V1_0::IBase;
 
-    explicit TolmHidlClientDeathRecipient(ITolmHidlClientEvent* listener) : mListener(listener) {}
+    // Reports the processes of the watched clients to `status`.
+    TolmHidlClientDeathRecipient(ITolmHidlClientEvent* listener, tolm::EndpointStatus& status)
+        : mStatus(status), mListener(listener) {}
+    ~TolmHidlClientDeathRecipient() override;
 
     // Sets the flag and notifies the listener. Ignored if the client is no longer watched: then another client has
     // replaced it, and the notice is late.
     void serviceDied(uint64_t cookie, const android::wp<IBase>& who) override;
 
-    // Adds a client to the watched ones and clears the flag.
+    // Adds a client, whose process this thread serves, to the watched ones and clears the flag.
     void Watch(const android::sp<IBase>& client);
 
     // Removes a client from the watched ones.
@@ -43,10 +48,20 @@ class TolmHidlClientDeathRecipient : public android::hardware::hidl_death_recipi
     void Detach();
 
   private:
+    struct Watched {
+        android::wp<IBase> client;
+        pid_t process;
+    };
+
+    // Returns whether the client was watched.
+    bool RemoveLocked(const android::wp<IBase>& client);
+
+    tolm::EndpointStatus& mStatus;
+
     std::mutex mListenerMutex;        // held while the listener is called
     ITolmHidlClientEvent* mListener;  // guarded by mListenerMutex, not owned
 
     mutable std::shared_mutex mMutex;
-    bool mDied = false;                        // guarded by mMutex
-    std::vector<android::wp<IBase>> mWatched;  // guarded by mMutex
+    bool mDied = false;             // guarded by mMutex
+    std::vector<Watched> mWatched;  // guarded by mMutex
 };

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <vector>
 
+#include "ipc/src/tolm_family.h"
 #include "ipc/tolm_log.h"
 #include "utils/include/i_tolm_death_recipient.h"
 
@@ -47,7 +48,7 @@ class TolmHidlClientMonitor : public ITolmHidlClientEvent {
 
   protected:
     // `tag` is that of the log lines about the client. The service is one of `instances` as long as it exists.
-    TolmHidlClientMonitor(const char* tag, TolmServiceInstances& instances);
+    TolmHidlClientMonitor(const char* tag, TolmServiceInstances& instances, const tolm::Family& family);
     ~TolmHidlClientMonitor();
 
   private:

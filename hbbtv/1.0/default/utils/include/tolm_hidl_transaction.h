@@ -9,6 +9,7 @@
 #include <string>
 #include <type_traits>
 
+#include "ipc/status/tolm_endpoint_status.h"
 #include "ipc/tolm_log.h"
 
 namespace tolm {
@@ -43,8 +44,12 @@ template <typename Result>
 bool Received(const ::android::hardware::Return<Result>& returned, const char* tag,
               const char* function = __builtin_FUNCTION(), const char* file = __builtin_FILE(),
               int line = __builtin_LINE()) {
-    if (returned.isOk()) return true;
+    if (returned.isOk()) {
+        EndpointStatus::Event::Received();
+        return true;
+    }
     const std::string message = "the client has not received the event: " + returned.description();
+    EndpointStatus::Event::NotReceived(message);
     LogAt({file, line, function}, ANDROID_LOG_WARN, tag, message.c_str());
     return false;
 }

@@ -1,0 +1,188 @@
+#include "ipc/status/tolm_endpoint_status.h"
+
+#include <time.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace tolm {
+
+namespace {
+
+struct Current {
+    int code = -1;
+    const char* name = "";
+};
+thread_local Current tOperation;
+thread_local EndpointStatus::Event::Reference tEvent;
+thread_local bool tHandles = false;  // tEvent is of this thread
+thread_local uint64_t tSent = 0;     // clients that have received it, if so; counted when it ends
+
+// A few milliseconds late, but much cheaper, and there are many events.
+EndpointStatus::Clock::time_point CoarseNow() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+    return EndpointStatus::Clock::time_point(std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec));
+}
+
+void RemoveOne(std::vector<pid_t>& processes, pid_t process) {
+    const auto found = std::find(processes.begin(), processes.end(), process);
+    if (found != processes.end()) processes.erase(found);
+}
+
+}  // namespace
+
+Operation::Operation(int code, const char* name) {
+    tOperation = {code, name};
+}
+
+Operation::~Operation() {
+    tOperation = {};
+}
+
+EndpointStatus& EndpointStatus::Of(TolmIpcKeyId key) {
+    constexpr size_t kKeys = TOLM_IPC_KEY_SERVICE_GAM_TO_BROWSER + 1;
+    static EndpointStatus* const all = new EndpointStatus[kKeys + 1];  // threads run on while the process exits
+    return all[key >= 0 && static_cast<size_t>(key) < kKeys ? static_cast<size_t>(key) : kKeys];
+}
+
+EndpointStatus::State EndpointStatus::Get() const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mState;
+}
+
+bool EndpointStatus::IsOpen() const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mState.open.has_value();
+}
+
+void EndpointStatus::Connected(pid_t peer) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mState.peer = peer;
+    ++mState.connections;
+    ++mState.connected;
+}
+
+void EndpointStatus::Disconnected() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mState.peer = 0;
+    if (mState.connections > 0) --mState.connections;
+}
+
+void EndpointStatus::SetError(const std::string& text) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    SetErrorLocked(text);
+}
+
+void EndpointStatus::SetErrorLocked(const std::string& text) {
+    mState.error = Error{text, std::chrono::system_clock::now()};
+}
+
+void EndpointStatus::SentOneWay(bool sent) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    ++(sent ? mState.oneWay : mState.failed);
+}
+
+void EndpointStatus::EventWaits() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    ++mState.events;
+}
+
+void EndpointStatus::EventWaitsNoMore() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    --mState.events;
+}
+
+void EndpointStatus::Refused(const std::string& why) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    ++mState.refused;
+    SetErrorLocked(why);
+}
+
+void EndpointStatus::AddClient(pid_t process) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mState.clients.push_back(process);
+}
+
+void EndpointStatus::RemoveClient(pid_t process) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    RemoveOne(mState.clients, process);
+}
+
+std::optional<EndpointStatus::State> EndpointStatus::TakeOverdue(Clock::time_point before) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (!mState.open || mState.open->reported || mState.open->since > before) return std::nullopt;
+    mState.open->reported = true;
+    return mState;
+}
+
+EndpointStatus::Request::Request(EndpointStatus& status, pid_t caller) : mStatus(status), mCaller(caller) {
+    std::lock_guard<std::mutex> lock(mStatus.mMutex);
+    mStatus.mState.waiting.push_back(mCaller);
+}
+
+void EndpointStatus::Request::Begin(Clock::time_point now) {
+    {
+        std::lock_guard<std::mutex> lock(mStatus.mMutex);
+        RemoveOne(mStatus.mState.waiting, mCaller);
+        mStatus.mState.open = Open{++mStatus.mNumber, tOperation.code, tOperation.name, mCaller, now};
+    }
+    mOpen = true;
+}
+
+EndpointStatus::Request::~Request() {
+    std::lock_guard<std::mutex> lock(mStatus.mMutex);
+    if (mOpen) {
+        mStatus.mState.open.reset();
+    } else {
+        RemoveOne(mStatus.mState.waiting, mCaller);
+    }
+    ++(mAnswered ? mStatus.mState.answered : mStatus.mState.failed);
+}
+
+EndpointStatus::Event::Event(EndpointStatus& status) : mStatus(status) {
+    Open open;
+    open.since = CoarseNow();
+    std::lock_guard<std::mutex> lock(mStatus.mMutex);
+    ++mStatus.mState.received;
+    mSentBefore = mStatus.mState.sent;
+    open.number = ++mStatus.mNumber;
+    mStatus.mState.open = open;
+    tEvent = {&mStatus, open.number};
+    tHandles = true;
+}
+
+EndpointStatus::Event::~Event() {
+    tEvent = {};
+    tHandles = false;
+    std::lock_guard<std::mutex> lock(mStatus.mMutex);
+    mStatus.mState.open.reset();
+    mStatus.mState.sent += std::exchange(tSent, 0);
+    if (mStatus.mState.sent == mSentBefore) ++mStatus.mState.dropped;
+}
+
+EndpointStatus::Event::Reference EndpointStatus::Event::OfThisThread() {
+    return tEvent;
+}
+
+void EndpointStatus::Event::WorkFor(const Reference& event) {
+    tEvent = event;
+}
+
+// An event that has ended without its client counts as dropped already.
+void EndpointStatus::Event::Received() {
+    if (tEvent.status == nullptr) return;
+    if (tHandles) {
+        ++tSent;
+        return;
+    }
+    EndpointStatus& status = *tEvent.status;
+    std::lock_guard<std::mutex> lock(status.mMutex);
+    if (status.mState.open && status.mState.open->number == tEvent.number) ++status.mState.sent;
+}
+
+void EndpointStatus::Event::NotReceived(const std::string& why) {
+    if (tEvent.status != nullptr) tEvent.status->SetError(why);
+}
+
+}  // namespace tolm
