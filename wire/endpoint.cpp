@@ -7,12 +7,11 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <tuple>
 
 #include "common/failure.h"
 #include "common/local_socket.h"
-#include "common/text/printable.h"
+#include "common/process.h"
 
 namespace hbbtv {
 
@@ -23,14 +22,10 @@ Endpoint MakeEndpoint(const WireFamily& family, bool ofPlatform) {
     return {family.name, ofPlatform, entry["key"].asInt(), entry["port"].asInt(), entry["socket"].asString()};
 }
 
-std::string ProcessOf(int fd) {
+pid_t ProcessOf(int fd) {
     ucred peer{};
     socklen_t size = sizeof(peer);
-    if (getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0 || peer.pid == 0) return "";
-    std::error_code unknown;  // the process of another user
-    const std::filesystem::path program =
-        std::filesystem::read_symlink("/proc/" + std::to_string(peer.pid) + "/exe", unknown);
-    return (unknown ? "process" : Printable(program.filename().string())) + " (" + std::to_string(peer.pid) + ")";
+    return getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? peer.pid : 0;
 }
 
 }  // namespace
@@ -114,7 +109,9 @@ Finding LookAt(const std::string& path) {
     const Descriptor fd(ConnectTo(path));
     if (fd.Get() >= 0 || errno == EAGAIN) {
         finding.state = Finding::State::Serving;
-        if (fd.Get() >= 0) finding.peer = ProcessOf(fd.Get());
+        finding.full = fd.Get() < 0;
+        if (fd.Get() >= 0) finding.process = ProcessOf(fd.Get());
+        if (finding.process != 0) finding.peer = DescribeProcess(finding.process);
     } else if (errno == ECONNREFUSED) {
         finding.state = Finding::State::Stale;
     } else if (errno == EACCES) {

@@ -1,6 +1,8 @@
 // The sockets of the wire, and the state of the files at their paths.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -37,6 +39,8 @@ struct Finding {
 
     State state = State::Missing;
     std::string peer;    // "hbbtv-sim (4711)": the serving process; empty if unknown
+    pid_t process = 0;   // its id; 0 if unknown
+    bool full = false;   // it accepts no connection, and no more can wait for that
     std::string reason;  // Unreachable
     unsigned mode = 0;   // of the file, as in chmod
 

@@ -1,11 +1,13 @@
 #include "server/control_server.h"
 
 #include <asio/buffer.hpp>
+#include <asio/error.hpp>
 #include <asio/io_context.hpp>
 #include <asio/local/stream_protocol.hpp>
 #include <asio/read.hpp>
 #include <asio/read_until.hpp>
 #include <asio/write.hpp>
+#include <chrono>
 
 #include "core/error.h"
 #include "core/event_loop.h"
@@ -18,6 +20,9 @@ using Socket = asio::local::stream_protocol::socket;
 using Answer = std::function<std::string(const std::string&)>;
 
 constexpr size_t kLongestLine = 4096;
+
+// How long Tell() waits for the answer.
+constexpr std::chrono::seconds kPatience{5};
 
 class ControlConnection : public std::enable_shared_from_this<ControlConnection> {
   public:
@@ -58,12 +63,20 @@ ControlServer::ControlServer(EventLoop& loop, const std::string& path, Answer an
 std::string Tell(const std::string& path, const std::string& line) {
     asio::io_context context;
     Socket socket(context);
-    asio::error_code error;
-    socket.connect(asio::local::stream_protocol::endpoint(path), error);
-    if (error) throw Fatal(kTellFailed, "no simulator answers on " + path + ": " + error.message());
-    asio::write(socket, asio::buffer(line + "\n"), error);
+    asio::error_code error = asio::error::would_block;  // until it is done
+    const std::string message = line + "\n";
     std::string answer;
-    if (!error) asio::read_until(socket, asio::dynamic_buffer(answer), '\n', error);
+    socket.async_connect(asio::local::stream_protocol::endpoint(path), [&](const asio::error_code& refused) {
+        if (refused) throw Fatal(kTellFailed, "no simulator answers on " + path + ": " + refused.message());
+        asio::async_write(socket, asio::buffer(message), [](const asio::error_code&, size_t) {});
+        asio::async_read_until(socket, asio::dynamic_buffer(answer), '\n',
+                               [&](const asio::error_code& failed, size_t) { error = failed; });
+    });
+    context.run_for(kPatience);
+    if (error == asio::error::would_block) {
+        throw Fatal(kTellFailed, "the simulator on " + path + " has not answered within " +
+                                     std::to_string(kPatience.count()) + " s; it is stopped, or hangs");
+    }
     if (error) throw Fatal(kTellFailed, "the simulator on " + path + " did not answer: " + error.message());
     answer.pop_back();
     return answer;

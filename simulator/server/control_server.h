@@ -23,7 +23,7 @@ class ControlServer {
     LocalListener mListener;
 };
 
-// Sends the line to a running simulator and returns its answer. Throws Fatal if no simulator answers.
+// Sends the line to a running simulator and returns its answer. Throws Fatal if none answers within five seconds.
 std::string Tell(const std::string& path, const std::string& line);
 
 }  // namespace hbbtv::sim

@@ -47,7 +47,7 @@ class WithoutHidl(unittest.TestCase):
         for command in ("list", "describe", "send", "emit", "doctor"):
             self.assertIn(f"\n  {command} ", help)
         for command, *arguments in (("call", "IChannel.GetName", "channel=1", "--json"), ("listen", "--for", "1s"),
-                                    ("play", "x.play"), ("bench",)):
+                                    ("play", "x.play"), ("bench",), ("status",), ("log", "debug")):
             refused = self.ctl(command, *arguments)
             self.assertEqual((refused.returncode, refused.stdout), (2, ""))
             self.assertIn(f"hbbtvctl: {command} requires HIDL", refused.stderr)

@@ -39,6 +39,9 @@ TEST_F(Candidate, IsACommandAnOptionOrAName) {
     EXPECT_EQ(Candidates({"describe", "TolmR"}), "TolmRect ");
     EXPECT_EQ(Candidates({"completion", "z"}), "zsh ");
     EXPECT_EQ(Candidates({"man", "do"}), "doctor ");
+    EXPECT_EQ(Candidates({"log", "de"}), "debug default ");
+    EXPECT_EQ(Candidates({"status", "channel_l"}), "channel_list ");
+    EXPECT_EQ(Candidates({"listen", "channel_config", "--event", ""}), "OnChannelConfigEvent ");
 }
 
 TEST_F(Candidate, IsAnArgumentOrItsValue) {

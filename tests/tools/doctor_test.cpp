@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
 
+#include "common/local_socket.h"
 #include "ctl.h"
 
 namespace hbbtv::test {
@@ -223,6 +225,102 @@ TEST_F(DoctorOfTheSystem, FindsAnotherVersionOfThePackage) {
     EXPECT_THAT(Line(run.output, "PROBLEM  version"),
                 MatchesRegex("PROBLEM  version +also registered: vantorel.hardware.hbbtv@1.1::IChannel.*; build "
                              "service, clients and this tool from the same package"));
+}
+
+TEST_F(DoctorOfTheSystem, FindsAPlatformThatIsStopped) {
+    ASSERT_EQ(Ctl({"call", "IChannelConfig.GetCurrentChannel"}).exit, 0);
+    mPlatform->Signal(SIGSTOP);
+    const std::string platform = "hbbtv-sim (" + std::to_string(mPlatform->Pid()) + ")";
+    const std::string advice = "; continue it: kill -CONT " + std::to_string(mPlatform->Pid()) + "\n";
+    CtlProcess caller({"call", "IChannelConfig.GetCurrentChannel"});
+    EXPECT_TRUE(mService->WaitForOutput(" (IChannelConfig.GetCurrentChannel) of process "));
+    const FinishedRun run = Ctl({"doctor"});
+    EXPECT_EQ(run.exit, 4) << run.Text();
+    EXPECT_THAT(run.output, HasSubstr("PROBLEM  platform     " + platform + " is stopped" + advice));
+    EXPECT_THAT(run.output,
+                MatchesRegex("(.|\n)*PROBLEM  requests     IChannelConfig.GetCurrentChannel has been open for "
+                             "[0-9.]+ s, no callers wait; hbbtv-sim [(][0-9]+[)] is stopped; (.|\n)*"));
+    const FinishedRun tell = RunToEnd({HBBTV_SIM_PROGRAM, "--tell", "help"});
+    EXPECT_EQ(tell.exit, 1);
+    EXPECT_THAT(tell.errors, HasSubstr(" has not answered within 5 s; it is stopped, or hangs\n"));
+    mPlatform->Signal(SIGCONT);
+    EXPECT_EQ(caller.WaitForExit(), 0);
+}
+
+TEST_F(DoctorOfTheSystem, FindsAPlatformThatDoesNotReplyAndTheCallersThatWait) {
+    ASSERT_EQ(RunToEnd({HBBTV_SIM_PROGRAM, "--tell", "stop-answering channel_config"}).exit, 0);
+    CtlProcess first({"call", "IChannelConfig.GetCurrentChannel"});
+    EXPECT_TRUE(mService->WaitForOutput(" (IChannelConfig.GetCurrentChannel) of process "));
+    CtlProcess second({"call", "IChannelConfig.GetCurrentChannel"});
+    EXPECT_TRUE(WaitFor([] {
+        return Document(Ctl({"status", "channel_config", "--json"}))["families"][0]["requests"]["waiting"].size() == 1;
+    }));
+    const FinishedRun run = Ctl({"doctor"});
+    EXPECT_EQ(run.exit, 4) << run.Text();
+    EXPECT_THAT(run.output, HasSubstr(" s, 1 callers wait (hbbtvctl (" + std::to_string(second.Pid()) +
+                                      ")); hbbtv-sim (" + std::to_string(mPlatform->Pid()) + ") does not reply; "));
+}
+
+TEST_F(DoctorOfTheSystem, FindsAClientThatDoesNotReturn) {
+    Listener client({"channel_config"});
+    ASSERT_TRUE(client.Listens());
+    client.Signal(SIGSTOP);
+    CtlProcess emit({"emit", "channel_config", "changed", "reserved=A", "--one-way"});
+    EXPECT_TRUE(mService->WaitForOutput(", has not returned from an event for "));
+    const FinishedRun run = Ctl({"doctor"});
+    EXPECT_EQ(run.exit, 4) << run.Text();
+    EXPECT_THAT(run.output, HasSubstr("PROBLEM  clients      the client of IChannelConfig, hbbtvctl (" +
+                                      std::to_string(client.Pid()) + "), has not returned from an event for "));
+    client.Signal(SIGCONT);
+}
+
+TEST_F(DoctorOfTheSystem, FindsAPlatformThatAcceptsNoConnection) {
+    ASSERT_EQ(unlink((mDirectory / "service_plugin_to_hbbtv_vb").c_str()), 0);
+    // Its queue is full, and it never accepts.
+    const Descriptor listener(ListenOn(mDirectory / "service_plugin_to_hbbtv_vb"));
+    ASSERT_EQ(listen(listener.Get(), 0), 0);
+    const Descriptor waiting(ConnectTo(mDirectory / "service_plugin_to_hbbtv_vb"));
+    ASSERT_GE(waiting.Get(), 0);
+    const FinishedRun run = Ctl({"doctor"});
+    EXPECT_EQ(run.exit, 4) << run.Text();
+    EXPECT_THAT(run.output,
+                HasSubstr("PROBLEM  platform     no connections are accepted by service_plugin_to_hbbtv_vb; "
+                          "its process hangs; restart the platform\n"));
+}
+
+// The second service uses the names of the first one, but a directory of sockets of its own.
+TEST_F(DoctorOfTheSystem, FindsTwoServicesAndNamesThatWereTaken) {
+    const std::string names = mDirectory / "hidl";
+    std::vector<std::string> links;
+    for (const auto& entry : std::filesystem::directory_iterator(names)) {
+        if (entry.is_symlink()) links.push_back(entry.path());
+    }
+    const std::string other = mDirectory / "other";
+    mkdir(other.c_str(), 0700);
+    ChildProcess second({HBBTV_SERVICE_PROGRAM, other}, {std::string("HIDL_HOST_PASSTHROUGH_PATH=") + HBBTV_LIBRARIES,
+                                                         "HIDL_HOST_DIR=" + other + "/hidl"});
+    ASSERT_TRUE(second.WaitForOutput("IVideoBroadcast/default\n"));
+    const auto take = [&](const std::string& link) {
+        const std::string name = std::filesystem::path(link).filename();
+        const std::string target = std::filesystem::read_symlink(other + "/hidl/" + name);
+        std::filesystem::remove(names + "/" + target);
+        std::filesystem::create_hard_link(other + "/hidl/" + target, names + "/" + target);
+        std::filesystem::remove(link);
+        std::filesystem::create_symlink(target, link);
+    };
+    take(links[0]);
+    const FinishedRun two = Ctl({"doctor"});
+    EXPECT_EQ(two.exit, 3) << two.Text();
+    const std::string one = "vantorel.hardware.hbbtv@1.0-service (" + std::to_string(mService->Pid()) + ")";
+    const std::string another = "vantorel.hardware.hbbtv@1.0-service (" + std::to_string(second.Pid()) + ")";
+    EXPECT_THAT(two.output, HasSubstr("PROBLEM  services     the interfaces are of several processes: " + one +
+                                      " has 17, such as "));
+    EXPECT_THAT(two.output, HasSubstr("; " + another + " has 1, such as "));
+    for (const std::string& link : links) take(link);
+    const FinishedRun taken = Ctl({"doctor"});
+    EXPECT_EQ(taken.exit, 3) << taken.Text();
+    EXPECT_THAT(taken.output, HasSubstr("PROBLEM  services     " + one +
+                                        " serves the sockets, but its names have been taken by " + another + "; "));
 }
 
 }  // namespace

@@ -64,6 +64,8 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     const std::vector<std::vector<std::string>> commands{
         {"list"},
         {"doctor"},
+        {"status"},
+        {"status", "channel_config"},
         {"call", "IChannel.GetName", channel},
         {"call", "IChannel.GetName", "0"},
         {"call", "IVideoBroadcast.GetPlayState", vb, "--time"},
@@ -87,6 +89,11 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     ASSERT_TRUE(listener.Listens()) << listener.Output();
     run({"emit", "channel_config", "changed", "reserved=1"});
     run({"emit", "video_broadcast", "--raw", "x", "--timeout", "50ms"});
+    Listener passive({"--passive", "--count", "1"});
+    ASSERT_TRUE(passive.Listens()) << passive.Output();
+    run({"emit", "channel_config", "changed", "reserved=1"});
+    ASSERT_TRUE(passive.WaitForEvents(1)) << passive.Output();
+    lines += passive.Output().substr(passive.Output().find('{'));
     ASSERT_EQ(Ctl({"call", "IVideoBroadcast.BindToCurrentChannel", vb}).exit, 0);
     ASSERT_TRUE(listener.WaitForEvents(2)) << listener.Output();
     const std::string events = listener.Output();
@@ -94,8 +101,8 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     EXPECT_THAT(Validate(lines), testing::MatchesRegex("(valid\n)+"));
 
     // Every command with --json is in the list above.
-    for (const char* command :
-         {"list", "describe", "call", "listen", "send", "emit", "play", "bench", "doctor", "completion", "man"}) {
+    for (const char* command : {"list", "describe", "call", "listen", "send", "emit", "play", "bench", "status",
+                                "doctor", "completion", "man"}) {
         const bool tried =
             std::string(command) == "listen" || std::string(command) == "emit" ||
             std::any_of(commands.begin(), commands.end(), [&](const auto& words) { return words[0] == command; });

@@ -27,6 +27,10 @@ std::string Steady(std::string line) {
         {std::regex("[0-9]+\\.[0-9] s: [0-9]+ calls, [0-9]+ per second"), "N s: N calls, N per second"},
         {std::regex("\\([0-9]{2,}\\)"), "(PROCESS)"},
         {std::regex("[0-9]+ of 107 bytes"), "N of 107 bytes"},
+        {std::regex("process [0-9]+"), "process N"},
+        {std::regex(
+             "[0-9]+ (answered|failed|one-way|reconnects|received|sent|dropped|messages|wait;|connections|in all)"),
+         "N $1"},
         {std::regex(" +"), " "},
     };
     for (const auto& [pattern, steady] : kRules) line = std::regex_replace(line, pattern, steady);

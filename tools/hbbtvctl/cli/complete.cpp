@@ -208,11 +208,14 @@ class Line {
     Candidates OfType(const std::string& type) const {
         if (type == "METHOD") return Methods(mWord, false);
         if (type == "OPERATION") return Operations(mWord);
-        if (type == "FAMILY") return Families(true);
+        if (type == "FAMILY") return Families(mCommand->get_name() != "status");
         if (type == "EVENT" && !mPositionals.empty()) return Events(mPositionals[0]);
         if (type == "NAME") return Names(mWord);
         if (type == "COMMAND") return Commands(*mCommand->get_parent());
         if (type == "METHOD=JSON") return Answers();
+        if (type == "LEVEL") {
+            return {{"verbose", ""}, {"debug", "messages"}, {"info", ""}, {"warn", ""}, {"error", ""}, {"default", ""}};
+        }
         if (type == "SHELL") return {{"bash", ""}, {"zsh", ""}, {"fish", ""}};
         if (type == "ARGUMENT" && !mPositionals.empty()) {
             const size_t before = mCommand->get_name() == "emit" ? 2 : 1;

@@ -72,7 +72,7 @@ int CallAndListen(const Interface& interface, const Method& method, const Json::
                   const CallOptions& options) {
     // Static: callbacks may arrive until the process ends.
     static Interruption interruption;
-    static EventPrinter events({options.arguments.json, options.numbers, {}, options.count}, interruption);
+    static EventPrinter events({options.arguments.json, options.numbers, {}, {}, options.count}, interruption);
     ServiceCaller service(interface, options.timeout.Value());
     const android::sp<DeathNotice> notice = new DeathNotice(interruption);
     notice->Watch(service);

@@ -12,6 +12,7 @@
 #include "commands/commands.h"
 #include "common/failure.h"
 #include "common/local_socket.h"
+#include "common/process.h"
 #include "common/text/json.h"
 #include "common/text/printable.h"
 #include "service/service.h"
@@ -103,15 +104,27 @@ std::string Advice(Finding::State state) {
 Checks CheckPlatform(const std::string& directory) {
     std::map<Finding::State, std::vector<std::string>> byState;
     std::set<std::string> peers;
+    std::set<pid_t> stopped;
+    std::vector<std::string> full;
     size_t all = 0;
     for (const Endpoint& endpoint : AllEndpoints()) {
         if (!endpoint.ofPlatform) continue;
         const Finding finding = LookAt(PathOf(directory, endpoint));
         byState[finding.state].push_back(endpoint.socket);
         if (finding.state == Finding::State::Serving) peers.insert(finding.peer);
+        if (finding.full) full.push_back(endpoint.socket);
+        if (finding.process != 0 && IsStopped(finding.process)) stopped.insert(finding.process);
         ++all;
     }
     Checks checks;
+    for (const pid_t process : stopped) {
+        checks.push_back({"platform", Check::Level::Problem, DescribeProcess(process) + " is stopped",
+                          "continue it: kill -CONT " + std::to_string(process), kTimeout});
+    }
+    if (!full.empty()) {
+        checks.push_back({"platform", Check::Level::Problem, "no connections are accepted by " + Joined(full),
+                          "its process hangs; restart the platform", kTimeout});
+    }
     for (const auto& [state, sockets] : byState) {
         const std::string count = std::to_string(sockets.size()) + " of " + std::to_string(all) + " sockets ";
         Finding finding;
@@ -230,7 +243,7 @@ void AddDoctor(CLI::App& app, Invocation& invocation) {
         "Exit codes:\n"
         "  0  no problems; there may be warnings\n"
         "  3  something is missing or unreachable\n"
-        "  4  the service hangs\n"
+        "  4  the service, the platform or a client hangs\n"
         "  5  incompatible versions\n"
         "The first problem determines the exit code.\n\n"
         "Examples:\n"

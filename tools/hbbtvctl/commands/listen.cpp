@@ -9,11 +9,14 @@
 #include "commands/commands.h"
 #include "common/failure.h"
 #include "common/nearest_name.h"
+#include "common/text/json.h"
 #include "common/text/printable.h"
 #include "common/text/quote.h"
 #include "events/death_notice.h"
 #include "events/event_printer.h"
+#include "events/passive_listener.h"
 #include "package/caller.h"
+#include "package/debug.h"
 #include "wire/values.h"
 
 namespace hbbtv::ctl {
@@ -26,6 +29,9 @@ struct ListenOptions {
     std::vector<std::string> families;
     std::vector<std::string> with;
     std::vector<std::string> answers;
+    std::vector<std::string> events;
+    bool passive = false;
+    bool takeOver = false;
     bool json = false;
     bool numbers = false;
     uint64_t count = 0;
@@ -264,15 +270,92 @@ void CheckWith(const std::vector<std::string>& with, const std::vector<const Int
     for (const Interface* interface : interfaces) Given(*interface, with);
 }
 
+// Returns the callback methods of the events.
+std::set<std::string> MethodsOf(const std::vector<std::string>& events,
+                                const std::vector<const Interface*>& listenedTo) {
+    std::set<std::string> methods;
+    for (const std::string& event : events) {
+        std::set<std::string> known;
+        const Method* found = nullptr;
+        for (const Interface& interface : Package::Get().interfaces) {
+            if (!Takes(listenedTo, interface)) continue;
+            for (const Method& method : interface.methods) {
+                known.insert(method.name);
+                if (FoldedName(method.name) == FoldedName(event)) found = &method;
+            }
+        }
+        if (found == nullptr) {
+            throw Failure(kUsage, "--event " + Quoted(event) + ": no such callback method of these families" +
+                                      DidYouMean(event, known, kShortList));
+        }
+        methods.insert(found->name);
+    }
+    return methods;
+}
+
+// The only service that keeps its other clients when one more registers.
+bool KeepsItsClients(const Interface& interface) {
+    return interface.name == "IConfiguration";
+}
+
+// Returns the processes that are registered, as words.
+std::string ClientsOf(const Interface& interface, Milliseconds limit) {
+    const std::string text = Debug(ServiceCaller(interface, limit), {"--json"}, limit);
+    Json::Value report;
+    try {
+        report = ParseJson(text);
+    } catch (const BadJson&) {
+        return "";  // an older service
+    }
+    std::set<std::string> processes;
+    for (const Json::Value& process : report["families"][0]["clients"]) processes.insert(process.asString());
+    std::string words;
+    for (const std::string& process : processes) words += (words.empty() ? "process " : ", ") + process;
+    return words;
+}
+
+// Registering ends the events of the client that is registered, for good.
+void CheckClients(const std::vector<const Interface*>& interfaces, const ListenOptions& options) {
+    for (const Interface* interface : interfaces) {
+        if (KeepsItsClients(*interface)) continue;
+        const std::string clients = ClientsOf(*interface, options.timeout.Value());
+        if (clients.empty()) continue;
+        const std::string loses = interface->name + ": " + clients + " is registered and loses its events";
+        if (!options.takeOver) {
+            throw Failure(kUsage,
+                          loses + "; use --passive to listen without registering, or --take-over to replace it");
+        }
+        std::fprintf(stderr, "hbbtvctl: %s until it registers again\n", loses.c_str());
+    }
+}
+
+int RunPassively(const ListenOptions& options) {
+    const Interruption interruption;
+    std::vector<std::string> interfaces;
+    if (!options.families.empty()) {
+        for (const Interface* interface : InterfacesOf(options.families)) interfaces.push_back(interface->name);
+    }
+    const Milliseconds limit = options.timeout.Value();
+    const ServiceCaller service =
+        interfaces.empty() ? AnyService(limit) : ServiceCaller(Package::Get().FindInterface(interfaces[0]), limit);
+    PassiveListener listener(service, interfaces, {options.json, options.events, options.count}, limit);
+    std::fprintf(stderr, "hbbtvctl: listening; press Ctrl-C to stop\n");
+    listener.Run(options.duration.Limit());
+    return kDone;
+}
+
 int Run(const ListenOptions& options) {
-    EventPrinter::Settings settings{options.json, options.numbers, {}, options.count};
+    if (options.passive) return RunPassively(options);
+    EventPrinter::Settings settings{options.json, options.numbers, {}, {}, options.count};
     const std::vector<const Interface*> interfaces = InterfacesOf(options.families);
+    settings.shown = MethodsOf(options.events, interfaces);
     for (const std::string& answer : options.answers) AddAnswer(answer, interfaces, settings.answers);
     CheckWith(options.with, interfaces);
     // Static: callbacks may arrive until the process ends.
     static Interruption interruption;
     android::hardware::configureRpcThreadpool(kThreads, false);
     static EventPrinter events(settings, interruption);
+    CheckClients(interfaces, options);
     const android::sp<DeathNotice> notice = new DeathNotice(interruption);
     std::vector<std::unique_ptr<Listening>> listenings;
     for (const Interface* interface : interfaces) {
@@ -296,8 +379,15 @@ void AddListen(CLI::App& app, Invocation& invocation) {
     auto options = std::make_shared<ListenOptions>();
     CLI::App* command = app.add_subcommand("listen", "Register callbacks and print every event");
     command->add_option("FAMILY", options->families, "For example video_broadcast or IVideoBroadcast")
-        ->type_name("FAMILY")
-        ->required();
+        ->type_name("FAMILY");
+    command->add_option("--event", options->events, "Show only this event, by the name of the client's method")
+        ->type_name("EVENT")
+        ->expected(1)
+        ->take_all();
+    CLI::Option* passive = command->add_flag(
+        "--passive", options->passive, "Show what the platform sends, without registering (default: all families)");
+    command->add_flag("--take-over", options->takeOver, "Replace a client that is registered; it loses its events")
+        ->excludes(passive);
     AddJson(*command, options->json);
     command->add_flag("--numbers", options->numbers, "In JSON, print enumerators as numbers instead of names");
     command->add_option("--count", options->count, "Stop after this many events")
@@ -317,12 +407,19 @@ void AddListen(CLI::App& app, Invocation& invocation) {
         "If the registration requires an object and --with names none, the command creates one, and destroys it at "
         "the\n"
         "end. If it takes the kind of events, the command registers for all kinds, unless --with names one.\n"
-        "Ctrl-C unregisters.\n\n"
+        "Ctrl-C unregisters.\n"
+        "With --passive, the events are those of the wire, whether or not a client receives them. A tool that does "
+        "not\n"
+        "read them loses some, which it reports; the service never waits for it.\n\n"
         "Examples:\n"
         "  hbbtvctl listen channel_config video_broadcast --json --for 1s\n"
         "  hbbtvctl listen video_broadcast --with vb=0x2000 --with context=7 --count 3 --for 1s\n"
+        "  hbbtvctl listen --passive --json --for 1s\n"
         "  hbbtvctl listen mtm --answer 'CreateApp={\"status\": 0, \"tabId\": 3}' --for 1s");
-    command->callback([options, &invocation] { invocation.run = [options] { return Run(*options); }; });
+    command->callback([options, &invocation] {
+        if (options->families.empty() && !options->passive) throw CLI::RequiredError("FAMILY");
+        invocation.run = [options] { return Run(*options); };
+    });
 }
 
 }  // namespace hbbtv::ctl

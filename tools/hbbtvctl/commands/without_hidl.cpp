@@ -38,6 +38,14 @@ void AddBench(CLI::App& app, Invocation& invocation) {
     Refuse(app, invocation, "bench");
 }
 
+void AddStatus(CLI::App& app, Invocation& invocation) {
+    Refuse(app, invocation, "status");
+}
+
+void AddLog(CLI::App& app, Invocation& invocation) {
+    Refuse(app, invocation, "log");
+}
+
 std::optional<std::vector<std::pair<std::string, bool>>> RegisteredInterfaces(Milliseconds) {
     return std::nullopt;
 }

@@ -1,43 +1,13 @@
 #include "events/event_printer.h"
 
-#include <sys/time.h>
-
 #include <cstdio>
-#include <ctime>
 
 #include "common/text/json.h"
+#include "events/time_stamp.h"
 #include "package/handles.h"
 #include "wire/values.h"
 
 namespace hbbtv::ctl {
-
-namespace {
-
-uint64_t Microseconds(clockid_t clock) {
-    timespec now{};
-    clock_gettime(clock, &now);
-    return static_cast<uint64_t>(now.tv_sec) * 1000000 + static_cast<uint64_t>(now.tv_nsec) / 1000;
-}
-
-std::string WallClock(uint64_t microseconds) {
-    const time_t seconds = static_cast<time_t>(microseconds / 1000000);
-    tm parts{};
-    gmtime_r(&seconds, &parts);
-    char day[40];
-    std::strftime(day, sizeof(day), "%Y-%m-%dT%H:%M:%S", &parts);
-    char text[64];
-    std::snprintf(text, sizeof(text), "%s.%06uZ", day, static_cast<unsigned>(microseconds % 1000000));
-    return text;
-}
-
-std::string Seconds(uint64_t microseconds) {
-    char text[40];
-    std::snprintf(text, sizeof(text), "%llu.%06u", static_cast<unsigned long long>(microseconds / 1000000),
-                  static_cast<unsigned>(microseconds % 1000000));
-    return text;
-}
-
-}  // namespace
 
 Json::Value ZeroValue(const Type& type) {
     switch (type.kind) {
@@ -68,12 +38,13 @@ Json::Value EventPrinter::AnswerOf(const Interface& interface, const Method& met
 }
 
 Json::Value EventPrinter::Take(const char* interfaceName, const char* methodName, Json::Value arguments) {
-    const uint64_t wall = Microseconds(CLOCK_REALTIME);
-    const uint64_t monotonic = Microseconds(CLOCK_MONOTONIC);
+    const TimeStamp now;
     const Interface& interface = Package::Get().FindInterface(interfaceName);
     const Method& method = *interface.Find(methodName);
+    const std::set<std::string>& shown = mSettings.shown;
+    if (!shown.empty() && shown.count(method.name) == 0) return AnswerOf(interface, method);
     Json::Value line(Json::objectValue);
-    std::string text = WallClock(wall) + "  " + Seconds(monotonic) + "  " + interface.name + "." + method.name;
+    std::string text = now.Text() + "  " + interface.name + "." + method.name;
     Json::Value& named = line["arguments"] = Json::Value(Json::objectValue);
     for (Json::ArrayIndex i = 0; i < method.arguments.size(); ++i) {
         const Parameter& argument = method.arguments[i];
@@ -82,8 +53,7 @@ Json::Value EventPrinter::Take(const char* interfaceName, const char* methodName
     }
     line["interface"] = interface.name;
     line["method"] = method.name;
-    line["wall_us"] = static_cast<Json::UInt64>(wall);
-    line["monotonic_us"] = static_cast<Json::UInt64>(monotonic);
+    now.AddTo(line);
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mSettings.count != 0 && mTaken >= mSettings.count) return AnswerOf(interface, method);
     std::printf("%s\n", mSettings.json ? WriteJson(line).c_str() : text.c_str());

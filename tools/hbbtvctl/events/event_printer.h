@@ -5,6 +5,7 @@
 
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 
 #include "common/interruption.h"
@@ -19,6 +20,7 @@ class EventPrinter : public EventSink {
         bool json = false;
         bool numbers = false;                        // enumerators by number in JSON
         std::map<std::string, Json::Value> answers;  // results by "Interface.Method", in the order of the .hal file
+        std::set<std::string> shown;                 // names of the methods that are shown and counted; empty: all
         uint64_t count = 0;                          // wakes the interruption after this many; 0: never
     };
 

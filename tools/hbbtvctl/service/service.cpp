@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "package/caller.h"
+#include "service/activity.h"
 
 namespace hbbtv::ctl {
 
@@ -93,6 +94,7 @@ Checks CheckService(Milliseconds limit) {
     if (checks.back().level == Check::Level::Good) {
         checks.push_back(CheckInterfaces(limit));
         checks.push_back(CheckVersions(directory));
+        for (const Check& trouble : FindTrouble(limit)) checks.push_back(trouble);
     }
     return checks;
 }
