@@ -174,11 +174,12 @@ std::vector<Row> ServiceRows() {
 }
 
 int RunClient(int family) {
-    const auto [interface, method] = Package::Get().FindMethod(kCalls[family].method);
+    const Package::QualifiedMethod found = Package::Get().FindMethod(kCalls[family].method);
+    const Method& method = *found.method;
     const Json::Value arguments = ParseJson(kCalls[family].arguments);
-    const ServiceCaller caller(*interface, Milliseconds(10000));
+    const ServiceCaller caller(*found.interface, Milliseconds(10000));
     NoEvents sink;
-    Expect(test::WaitFor([&] { return StatusOf(*method, caller.CallNow(*method, arguments, sink).results) == 0; }),
+    Expect(test::WaitFor([&] { return StatusOf(method, caller.CallNow(method, arguments, sink).results) == 0; }),
            kCalls[family].method);
     std::cout << "ready" << std::endl;
     long period;
@@ -186,7 +187,7 @@ int RunClient(int family) {
         const auto start = Clock::now();
         const auto end = start + milliseconds(period);
         size_t calls = 0;
-        for (; Clock::now() < end; ++calls) caller.CallNow(*method, arguments, sink);
+        for (; Clock::now() < end; ++calls) caller.CallNow(method, arguments, sink);
         std::cout << static_cast<double>(calls) / std::chrono::duration<double>(Clock::now() - start).count()
                   << std::endl;
     }

@@ -75,9 +75,9 @@ void PrintTable(const std::vector<Row>& rows) {
     const Machine machine = ThisMachine();
     std::printf("%s, %u processors, %ld MiB, %s, load %.2f\n\n", machine.processor.c_str(), machine.processors,
                 machine.memoryMiB, machine.kernel.c_str(), machine.load);
-    std::printf("%-48s %16s %8s %12s\n", "", "median", "ratio", "target");
+    std::printf("%-54s %16s %8s %12s\n", "", "median", "ratio", "target");
     for (const Row& row : rows) {
-        std::printf("%-48s %10.*f %-5s", row.name.c_str(), HasFraction(row.unit) ? 1 : 0, row.value, NameOf(row.unit));
+        std::printf("%-54s %10.*f %-5s", row.name.c_str(), HasFraction(row.unit) ? 1 : 0, row.value, NameOf(row.unit));
         if (row.ratio) {
             std::printf(" %8.2f", *row.ratio);
         } else if (row.target) {
