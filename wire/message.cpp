@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "common/text/json.h"
 #include "common/text/pointer_text.h"
 
 namespace hbbtv {
@@ -12,11 +13,6 @@ namespace {
 std::string ArgumentName(const Json::Value& member) {
     const std::string key = member["key"].asString();
     return member.isMember("repeat") ? key.substr(0, key.find("%d")) : key;
-}
-
-std::string NumberedKey(const Json::Value& member, Json::ArrayIndex number) {
-    const std::string numbered = ArgumentName(member) + std::to_string(number);
-    return member.isMember("key_length") ? numbered.substr(0, member["key_length"].asUInt()) : numbered;
 }
 
 std::set<std::string> Counts(const Json::Value& members) {
@@ -57,23 +53,21 @@ std::shared_ptr<const Type> TypeOf(const Json::Value& member) {
 }
 
 Json::Value OnTheWire(const Json::Value& member, const std::string& type, const Json::Value& value) {
-    if (type == "pointer") return PointerText(value.asUInt64());
-    if (type == "array" && member["items"].isArray()) {
-        Json::Value list(Json::arrayValue);
-        for (const Json::Value& element : value) {
-            Json::Value record(Json::objectValue);
-            AddMembers(member["items"], element, record);
-            list.append(record);
-        }
-        return list;
+    if (type == "pointer" && value.isUInt64()) return PointerText(value.asUInt64());
+    if (type != "array" || !member["items"].isArray() || !value.isArray()) return value;
+    Json::Value list(Json::arrayValue);
+    for (const Json::Value& element : value) {
+        Json::Value record(Json::objectValue);
+        if (element.isObject()) AddMembers(member["items"], element, record);
+        list.append(element.isObject() ? record : element);
     }
-    return value;
+    return list;
 }
 
 std::string Columns(const Json::Value& fields, const Json::Value& values) {
     std::string text;
     for (const Json::Value& value : values) {
-        std::string column = value.asString();
+        std::string column = value.isConvertibleTo(Json::stringValue) ? value.asString() : WriteJson(value);
         column.resize(std::max(column.size(), size_t{fields["width"].asUInt()}), ' ');
         text += column;
     }
@@ -83,7 +77,10 @@ std::string Columns(const Json::Value& fields, const Json::Value& values) {
 void AddMember(const Json::Value& member, const Json::Value& value, Json::Value& message) {
     const std::string key = member["key"].asString();
     const std::string type = member["type"].asString();
-    if (member.isMember("fields")) {
+    const bool several = member.isMember("fields") || member.isMember("repeat");
+    if (several && !value.isArray()) {
+        message[ArgumentName(member)] = value;
+    } else if (member.isMember("fields")) {
         message[key] = Columns(member["fields"], value);
         message[member["fields"]["repeat"].asString()] = value.size();
     } else if (member.isMember("repeat")) {
@@ -98,6 +95,11 @@ void AddMember(const Json::Value& member, const Json::Value& value, Json::Value&
 
 }  // namespace
 
+std::string NumberedKey(const Json::Value& member, Json::ArrayIndex number) {
+    const std::string numbered = ArgumentName(member) + std::to_string(number);
+    return member.isMember("key_length") ? numbered.substr(0, member["key_length"].asUInt()) : numbered;
+}
+
 std::vector<Parameter> WireArguments(const Json::Value& members) {
     const std::set<std::string> counts = Counts(members);
     std::vector<Parameter> arguments;
@@ -109,9 +111,21 @@ std::vector<Parameter> WireArguments(const Json::Value& members) {
 }
 
 void AddMembers(const Json::Value& members, const Json::Value& values, Json::Value& message) {
+    std::set<std::string> lists;
     for (const Json::Value& member : members) {
         const std::string name = ArgumentName(member);
+        if (!member.isMember("repeat") && !member.isMember("fields")) continue;
+        lists.insert(name);
         if (values.isMember(name)) AddMember(member, values[name], message);
+    }
+    // After the lists: a count that is given replaces that of its list.
+    std::set<std::string> names = lists;
+    for (const Json::Value& member : members) {
+        const std::string name = ArgumentName(member);
+        if (names.insert(name).second && values.isMember(name)) AddMember(member, values[name], message);
+    }
+    for (const std::string& other : values.getMemberNames()) {
+        if (names.count(other) == 0) message[other] = values[other];
     }
 }
 

@@ -15,8 +15,12 @@ namespace hbbtv {
 // repeated under numbered keys, or as columns of one string, is one argument whose value is a list.
 std::vector<Parameter> WireArguments(const Json::Value& members);
 
+// Returns the key of a member that is repeated under numbered keys, from 0.
+std::string NumberedKey(const Json::Value& member, Json::ArrayIndex number);
+
 // Adds the members to the message that `values`, an object by argument name, has values for. A handle becomes a string,
-// a list becomes numbered members.
+// a list becomes numbered members. Values of another type, and those of other names, are added as they are:
+// CheckRequest() and CheckEvent() find them.
 void AddMembers(const Json::Value& members, const Json::Value& values, Json::Value& message);
 
 // Returns the request of a family with its envelope: "type" and "method" (or "t").

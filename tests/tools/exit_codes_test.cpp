@@ -71,7 +71,7 @@ TEST_F(ExitCode, IsThreeWithoutASocket) {
            "cannot connect to " + deep + "/" + kSocket +
                ": the path is longer than 107 bytes, the limit of socket addresses; use a shorter directory",
            run);
-    EXPECT_EQ(Ctl({"emit", "channel_config", "changed"}).exit, 3);
+    EXPECT_EQ(Ctl({"emit", "channel_config", "changed", "reserved=A"}).exit, 3);
 }
 
 TEST_F(ExitCode, IsThreeWithASocketThatThisUserMayNotConnectTo) {

@@ -213,7 +213,8 @@ TEST_F(Listen, AnswersAMethodThatReturnsAValue) {
     {
         Listener listener({"mtm", "--answer", R"(CreateApp={"status": 0, "tabId": 23})"});
         ASSERT_TRUE(listener.Listens()) << listener.Output();
-        const FinishedRun made = Ctl({"emit", "mtm", "CreateApp", "url=http://a"});
+        const FinishedRun made =
+            Ctl({"emit", "mtm", "CreateApp", "url=http://a", "auto_show=true", "isBr=true", "appMode="});
         EXPECT_EQ(made.output, "ret    0\ntabid  23\n") << made.errors;
         // No answer is given for the other methods.
         const FinishedRun ping = Ctl({"emit", "mtm", "Ping"});
@@ -224,7 +225,8 @@ TEST_F(Listen, AnswersAMethodThatReturnsAValue) {
     }
     Listener refusing({"mtm", "--answer", R"(IMtmCallback.CreateApp={"status": -7, "tabId": 0})"});
     ASSERT_TRUE(refusing.Listens()) << refusing.Output();
-    const FinishedRun refused = Ctl({"emit", "mtm", "CreateApp", "url=http://a"});
+    const FinishedRun refused =
+        Ctl({"emit", "mtm", "CreateApp", "url=http://a", "auto_show=true", "isBr=true", "appMode="});
     EXPECT_EQ(refused.exit, 1);
     EXPECT_EQ(refused.output.substr(0, 8), "ret  -1\n") << "as for any browser that fails";
 }
@@ -239,7 +241,7 @@ TEST_F(Listen, UnregistersTheObjectThatItHasRegistered) {
     // The service has removed the client already: unregistering returns 0 only once.
     Listener next({"configuration", "--count", "1"});
     ASSERT_TRUE(next.Listens()) << next.Output();
-    ASSERT_EQ(Ctl({"emit", "configuration", "8", "--one-way"}).exit, 0);
+    ASSERT_EQ(Ctl({"emit", "configuration", "8", "age=12", "--one-way"}).exit, 0);
     EXPECT_EQ(next.WaitForExit(), 0);
     EXPECT_EQ(next.Events().size(), 1u);
 }

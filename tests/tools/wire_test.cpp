@@ -103,6 +103,76 @@ TEST_F(Send, WritesExactlyTheRawBytesAndPrintsTheReplyInHexadecimal) {
               "7b22726574223a20307d");
 }
 
+struct Wrong {
+    std::vector<std::string> arguments;
+    std::string problem;
+};
+
+const std::vector<Wrong> kWrong{
+    {{"send", "channel.GetName"}, "channel.GetName: member \"c_handle\" is missing: expected a handle"},
+    {{"send", "channel.GetName", "c_handle=K\xc3\xb6ln"},
+     "channel.GetName: member \"c_handle\" is \"K\\u00f6ln\": expected a handle, a string of 0x and at most 8 "
+     "hexadecimal "
+     "digits, or \"\" for null (--unchecked sends it anyway)\n"},
+    {{"send", "channel.GetName", "0x100000000"}, "channel.GetName: member \"c_handle\" is \"0x100000000\": expected"},
+    {{"send", "channel.GetName", "c_handle=1", "c_handel=1"},
+     "channel.GetName: member \"c_handel\" is unknown; did you mean \"c_handle\"? (--unchecked sends it anyway)\n"},
+    {{"send", "channel.GetName", "c_handle=1", "method=14"}, "channel.GetName: member \"method\" is 14: expected 13"},
+    {{"send", "channel.SetHidden", "1", "--json", R"({"hidden": 1.5})"},
+     "channel.SetHidden: member \"hidden\" is 1.5: expected true or false"},
+    {{"send", "channel.SetName", "1", "--json", R"({"name": 3})"},
+     "channel.SetName: member \"name\" is 3: expected a string"},
+    {{"send", "configuration.SetRegionId", "-1"},
+     "configuration.SetRegionId: member \"reg_id\" is -1: expected an integer from 0 to 4294967295"},
+    {{"send", "local_system.GetDeviceID", "1", "2"}, "local_system.GetDeviceID: unexpected argument \"1\""},
+    {{"send", "video_broadcast.SetSpeed", "1", "fast"},
+     "video_broadcast.SetSpeed: member \"speed\" is \"fast\": expected a number"},
+    {{"send", "channel_config.CreateChannelList", "channel=1,x,3"},
+     "channel_config.CreateChannelList: member \"channel1\" is \"x\": expected a handle"},
+    {{"send", "channel_config.CreateChannelList", "channel=1", "size=2"},
+     "channel_config.CreateChannelList: member \"channel1\" is missing: expected a handle, a string of 0x and at most "
+     "8 "
+     "hexadecimal digits, or \"\" for null, as \"size\" is 2"},
+    {{"send", "application_manager.CreateApp", "1", "2", "u", "3", "0"},
+     "application_manager.CreateApp: member \"child\" is 3: expected at most 1"},
+    {{"send", "av_control.ComponentUpdate", "1", "2", "0", "[]"},
+     "av_control.ComponentUpdate: member \"components\" has 0 elements: expected 2, the value of \"component_count\""},
+    {{"send", "av_control.ComponentUpdate", "1", "1", "0", "[3]"},
+     "av_control.ComponentUpdate: member \"components[0]\" is 3: expected an object"},
+    {{"emit", "channel_config", "changed"},
+     "channel_config event changed: member \"reserved\" is missing: expected a string (--unchecked sends it anyway)\n"},
+    {{"emit", "video_broadcast", "mediasync:2", "bTimelineOptionsChange=false", "bContentIdChange=false",
+      "bMrsUrlChange=false", "mrsUrl=x"},
+     "video_broadcast event content: member \"mrsUrl\" is present: expected only if \"bMrsUrlChange\" is true"},
+    {{"emit", "video_broadcast", "1", "state=2"},
+     "video_broadcast event TOLM_VB_EVENT_PLAY_STATE: member \"error\" is missing"},
+    {{"emit", "configuration", "0", "w=wide"},
+     "configuration event resolution:\n  member \"w\" is \"wide\": expected an integer from 0 to 4294967295\n  member "
+     "\"h\" is missing: expected an integer from 0 to 4294967295\n(--unchecked sends it anyway)\n"},
+};
+
+TEST_F(Alone, SendAndEmitRefuseWhatTheProtocolDoesNotHave) {
+    for (const Wrong& wrong : kWrong) {
+        const FinishedRun run = Ctl(wrong.arguments);
+        EXPECT_EQ(run.exit, 2) << wrong.problem << run.Text();
+        EXPECT_EQ(run.output, "");
+        EXPECT_THAT(run.errors, testing::StartsWith("hbbtvctl: " + wrong.problem));
+    }
+}
+
+TEST_F(Send, WritesWrongMembersUncheckedAsTheyAre) {
+    const FinishedRun run =
+        Ctl({"send", "channel.GetName", "c_handle=K\xc3\xb6ln", "method=99", "more=[1]", "text=abc", "--unchecked"});
+    ASSERT_EQ(mChannel.Frames().size(), 1u) << run.Text();
+    EXPECT_EQ(mChannel.Frames()[0].payload,
+              "{\n\t\"c_handle\" : \"K\\u00f6ln\",\n\t\"method\" : 99,\n\t\"more\" : \n\t[\n\t\t1\n\t],\n"
+              "\t\"text\" : \"abc\",\n\t\"type\" : 12\n}\n");
+    ASSERT_EQ(Ctl({"send", "channel.GetName", "--unchecked"}).exit, 0);
+    EXPECT_EQ(mChannel.Frames()[1].payload, "{\n\t\"method\" : 13,\n\t\"type\" : 12\n}\n");
+    ASSERT_EQ(Ctl({"send", "channel.GetName", "--json", R"({"c_handle": [4096]})", "--unchecked"}).exit, 0);
+    EXPECT_THAT(mChannel.Frames()[2].payload, HasSubstr("\"c_handle\" : \n\t[\n\t\t4096\n\t],"));
+}
+
 class Emit : public Alone {
   protected:
     RawListener mSocket{mDirectory / "service_hbbtv_to_plugin_vb"};
@@ -124,7 +194,7 @@ TEST_F(Emit, WritesAnEventOneWayAsThePlatformDoes) {
 }
 
 TEST_F(Emit, WritesAnEventThatRequestsAReplyAndPrintsIt) {
-    CtlProcess ctl({"emit", "video_broadcast", "videobroadcast:1", "--request"});
+    CtlProcess ctl({"emit", "video_broadcast", "videobroadcast:1", "--request", "--unchecked"});
     RawConnection connection = mSocket.Accept();
     const std::optional<Frame> frame = connection.ReadFrame();
     ASSERT_TRUE(frame.has_value());
@@ -151,7 +221,7 @@ TEST_F(EmitToTheLibrary, ReachesTheClientByCodeNameAndMethod) {
 TEST_F(EmitToTheLibrary, FailsIfNoClientReceivesIt) {
     // The library has opened its socket, but has no client.
     ASSERT_EQ(Ctl({"listen", "channel_config", "video_broadcast", "--for", "1ms"}).exit, 0);
-    const FinishedRun run = Ctl({"emit", "channel_config", "changed", "--request"});
+    const FinishedRun run = Ctl({"emit", "channel_config", "changed", "reserved=A", "--request"});
     EXPECT_EQ(run.exit, 3);
     EXPECT_EQ(
         run.errors,

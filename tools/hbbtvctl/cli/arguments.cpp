@@ -7,6 +7,7 @@
 #include <cctype>
 #include <cerrno>
 #include <cstring>
+#include <sstream>
 
 #include "common/failure.h"
 #include "common/local_socket.h"
@@ -48,10 +49,52 @@ std::string Names(const std::vector<Parameter>& parameters) {
     return names.empty() ? "it takes no arguments" : "arguments: " + names;
 }
 
+// The type of a member that protocol/ does not have. No value is of it, so each stays as it is.
+std::shared_ptr<const Type> AnyType() {
+    static const auto type = [] {
+        auto any = std::make_shared<Type>();
+        any->kind = Type::Kind::Struct;
+        return any;
+    }();
+    return type;
+}
+
+Json::Value FromAnyJson(const Type& type, const Json::Value& value) {
+    if (type.kind == Type::Kind::Vector && value.isArray()) {
+        Json::Value values(Json::arrayValue);
+        for (const Json::Value& element : value) values.append(FromAnyJson(*type.element, element));
+        return values;
+    }
+    try {
+        return FromJsonValue(type, value);
+    } catch (const BadValue&) {
+        return value;
+    }
+}
+
+Json::Value FromAnyWord(const Type& type, const std::string& word) {
+    try {
+        return FromWord(type, word);
+    } catch (const BadValue&) {
+    }
+    try {
+        return FromAnyJson(type, ParseJson(word));
+    } catch (const BadJson&) {
+    }
+    if (type.kind != Type::Kind::Vector) return word;
+    Json::Value values(Json::arrayValue);
+    std::stringstream words(word);
+    for (std::string element; std::getline(words, element, ',');) {
+        values.append(FromAnyWord(*type.element, element));
+    }
+    return values;
+}
+
 class Reader {
   public:
-    Reader(const std::string& whose, const std::vector<Parameter>& parameters)
-        : mWhose(whose), mParameters(parameters) {}
+    // A lenient reader accepts other names and other types.
+    Reader(const std::string& whose, const std::vector<Parameter>& parameters, bool lenient)
+        : mWhose(whose), mParameters(parameters), mLenient(lenient) {}
 
     Json::Value Read(const GivenArguments& given, bool allRequired) {
         if (given.json) TakeObject(*given.json, given.jsonIs);
@@ -67,12 +110,13 @@ class Reader {
   private:
     [[noreturn]] void Refuse(const std::string& reason) const { throw Failure(kUsage, mWhose + ": " + reason); }
 
-    const Parameter& Named(const std::string& name) const {
+    Parameter Named(const std::string& name) const {
         std::set<std::string> known;
         for (const Parameter& parameter : mParameters) {
             if (parameter.name == name) return parameter;
             known.insert(parameter.name);
         }
+        if (mLenient) return {name, AnyType()};
         Refuse("unknown argument \"" + name + "\"" +
                (known.empty() ? "; it takes no arguments" : DidYouMean(name, known, kShortList)));
     }
@@ -102,8 +146,11 @@ class Reader {
             Refuse(what + ": expected an object, for example '{\"channel\": 4096}'");
         }
         for (const std::string& name : object.getMemberNames()) {
-            const Parameter& parameter = Named(name);
-            Take(parameter, [&] { return FromJsonValue(*parameter.type, object[name]); });
+            const Parameter parameter = Named(name);
+            Take(parameter, [&] {
+                return mLenient ? FromAnyJson(*parameter.type, object[name])
+                                : FromJsonValue(*parameter.type, object[name]);
+            });
         }
     }
 
@@ -114,10 +161,12 @@ class Reader {
             equals != std::string::npos && !name.empty() &&
             std::all_of(name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) || c == '_'; }) &&
             !std::isdigit(static_cast<unsigned char>(name[0]));
-        const Parameter& parameter = named ? Named(name) : Next(word);
+        const Parameter parameter = named ? Named(name) : Next(word);
         const std::string value = named ? word.substr(equals + 1) : word;
         const bool callback = parameter.type->kind == Type::Kind::Callback;
-        Take(parameter, [&] { return FromWord(*parameter.type, callback ? value : ReadWord(value)); });
+        const std::string content = callback ? value : ReadWord(value);
+        Take(parameter,
+             [&] { return mLenient ? FromAnyWord(*parameter.type, content) : FromWord(*parameter.type, content); });
     }
 
     const Parameter& Next(const std::string& word) const {
@@ -129,6 +178,7 @@ class Reader {
 
     const std::string& mWhose;
     const std::vector<Parameter>& mParameters;
+    const bool mLenient;
     Json::Value mValues{Json::objectValue};
 };
 
@@ -147,7 +197,11 @@ std::string ReadWord(const std::string& word) {
 
 Json::Value ReadArguments(const std::string& whose, const std::vector<Parameter>& parameters,
                           const GivenArguments& given, bool allRequired) {
-    return Reader(whose, parameters).Read(given, allRequired);
+    return Reader(whose, parameters, false).Read(given, allRequired);
+}
+
+Json::Value ReadMembers(const std::string& whose, const std::vector<Parameter>& members, const GivenArguments& given) {
+    return Reader(whose, members, true).Read(given, false);
 }
 
 Json::Value InOrder(const std::vector<Parameter>& parameters, const Json::Value& byName) {

@@ -23,6 +23,10 @@ struct GivenArguments {
 Json::Value ReadArguments(const std::string& whose, const std::vector<Parameter>& parameters,
                           const GivenArguments& given, bool allRequired);
 
+// The same for members of a message, which may be wrong: all are optional, values that are not of the member's type
+// stay JSON or, if they are not JSON, strings, and other names are accepted.
+Json::Value ReadMembers(const std::string& whose, const std::vector<Parameter>& members, const GivenArguments& given);
+
 // Returns the values as an array, in the order of the parameters.
 Json::Value InOrder(const std::vector<Parameter>& parameters, const Json::Value& byName);
 

@@ -4,6 +4,7 @@
 #include "commands/commands.h"
 #include "commands/exchange.h"
 #include "common/failure.h"
+#include "wire/check.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
 
@@ -41,10 +42,10 @@ int Run(const std::string& directory, const EmitOptions& options) {
     const Json::Value members = EventMembers(family, event);
     const std::vector<Parameter> parameters = WireArguments(members);
     const std::string name = family.name + " event " + event["name"].asString();
-    const Json::Value values = ReadArguments(name, parameters, options.arguments.given, false);
-    return Exchange(
-        {name, PathOf(directory, endpoint), endpoint.port, MakeEvent(family, event, values), WithReply(options, event)},
-        options.arguments.json, options.exchange);
+    const Json::Value message = MakeEvent(family, event, ReadMembers(name, parameters, options.arguments.given));
+    RefuseProblems(name, CheckEvent(family, event, message), options.exchange);
+    return Exchange({name, PathOf(directory, endpoint), endpoint.port, message, WithReply(options, event)},
+                    options.arguments.json, options.exchange);
 }
 
 }  // namespace
@@ -60,10 +61,10 @@ void AddEmit(CLI::App& app, Invocation& invocation) {
     command->add_flag("--one-way", options->oneWay, "Do not request a reply")->excludes(request);
     AddExchangeOptions(*command, options->exchange);
     command->footer(
-        "Members that are not given are omitted.\n\n"
         "Examples:\n"
         "  hbbtvctl emit channel_config changed reserved=A\n"
         "  hbbtvctl emit video_broadcast onPlayStateChange state=2 error=0 context=0xc0de --one-way\n"
+        "  hbbtvctl emit channel_config changed --unchecked\n"
         "  hbbtvctl emit video_broadcast --raw @damaged.bin");
     command->callback([options, &invocation] {
         invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };

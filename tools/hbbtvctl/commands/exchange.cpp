@@ -102,7 +102,16 @@ void AddExchangeOptions(CLI::App& command, ExchangeOptions& options) {
     AddTime(command, "--timeout", options.timeout, "Maximum time to wait for the reply");
     command.add_flag("--time", options.time, "Show how long it took");
     command.add_flag("--verbose", options.verbose, "Print the message to standard error");
+    command.add_flag("--unchecked", options.unchecked,
+                     "Send members that are missing, unknown or of another type than protocol/ defines");
     command.add_option("--raw", options.raw, "Send exactly these bytes: a string, @FILE or -")->type_name("BYTES");
+}
+
+void RefuseProblems(const std::string& name, const std::vector<std::string>& problems, const ExchangeOptions& options) {
+    if (options.unchecked || problems.empty()) return;
+    std::string text = name + ":";
+    for (const std::string& problem : problems) text += (problems.size() == 1 ? " " : "\n  ") + problem;
+    throw Failure(kUsage, text + (problems.size() == 1 ? " (" : "\n(") + "--unchecked sends it anyway)");
 }
 
 int Exchange(const Message& message, bool json, const ExchangeOptions& options) {

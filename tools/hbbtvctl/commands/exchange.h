@@ -14,6 +14,7 @@ struct ExchangeOptions {
     TimeOption timeout{"10s"};
     bool time = false;
     bool verbose = false;            // print the message, too
+    bool unchecked = false;          // also if the message is not as protocol/ defines it
     std::optional<std::string> raw;  // exact bytes
 };
 
@@ -29,6 +30,9 @@ struct Message {
 
 // Sends the message. Returns the exit code for the reply's "ret", or kDone if no reply is expected.
 int Exchange(const Message& message, bool json, const ExchangeOptions& options);
+
+// Throws Failure(kUsage) with the problems of a message, unless options.unchecked is set.
+void RefuseProblems(const std::string& name, const std::vector<std::string>& problems, const ExchangeOptions& options);
 
 // Sends options.raw unchanged and prints what arrives, in hexadecimal.
 int ExchangeRaw(const std::string& path, bool json, const ExchangeOptions& options);

@@ -6,6 +6,7 @@
 #include "common/failure.h"
 #include "common/nearest_name.h"
 #include "terminal/style.h"
+#include "wire/check.h"
 #include "wire/connection.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
@@ -50,12 +51,13 @@ int Run(const std::string& directory, const SendOptions& options) {
     const auto [family, operation] = FindOperation(options.operation);
     const std::string name = family->name + "." + (*operation)["name"].asString();
     const std::vector<Parameter> parameters = WireArguments((*operation)["request"]);
-    const Json::Value values = ReadArguments(name, parameters, options.arguments.given, true);
+    const Json::Value values = ReadMembers(name, parameters, options.arguments.given);
+    const Json::Value request = MakeRequest(*family, *operation, values);
+    RefuseProblems(name, CheckRequest(*family, *operation, request), options.exchange);
     const Endpoint endpoint = RequestsOf(*family);
     const bool oneWay = (*operation)["form"] == "one-way";
-    return Exchange(
-        {name, PathOf(directory, endpoint), endpoint.port, MakeRequest(*family, *operation, values), !oneWay},
-        options.arguments.json, options.exchange);
+    return Exchange({name, PathOf(directory, endpoint), endpoint.port, request, !oneWay}, options.arguments.json,
+                    options.exchange);
 }
 
 }  // namespace
@@ -75,6 +77,7 @@ void AddSend(CLI::App& app, Invocation& invocation) {
         "  hbbtvctl send channel_config.GetCurrentChannel\n"
         "  hbbtvctl send channel.GetName c_handle=0x1000 --json\n"
         "  hbbtvctl send channel_config.CreateChannelList channel=0x1000,0x1000\n"
+        "  hbbtvctl send local_system.GetDeviceID more=1 --unchecked\n"
         "  hbbtvctl send channel --raw @request.bin");
     command->callback([options, &invocation] {
         invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };
