@@ -153,7 +153,8 @@ class Checker {
         if (!count) return;
         const size_t width = fields["width"].asUInt();
         const std::string text = mMessage[key].asString();
-        bool right = text.size() % width == 0 && static_cast<int64_t>(text.size() / width) == std::max<int64_t>(*count, 0);
+        bool right =
+            text.size() % width == 0 && static_cast<int64_t>(text.size() / width) == std::max<int64_t>(*count, 0);
         for (size_t at = 0; right && at < text.size(); at += width) {
             const std::string column = text.substr(at, width);
             const size_t digits = column.find_first_not_of("0123456789", column[0] == '-' ? 1 : 0);

@@ -1,5 +1,5 @@
-// Compares messages of the wire with protocol/. Each function returns a sentence for each member that is not as defined:
-// its key, what is wrong, and what is expected. An empty list means that the message is right.
+// Compares messages of the wire with protocol/. Each function returns a sentence for each member that is not as
+// defined: its key, what is wrong, and what is expected. An empty list means that the message is right.
 #pragma once
 
 #include <json/value.h>

@@ -44,7 +44,7 @@ class WithoutHidl(unittest.TestCase):
 
     def test_commands_that_call_the_service_are_refused_and_not_in_the_help(self):
         help = self.ctl("--help").stdout
-        for command in ("list", "describe", "send", "emit", "doctor"):
+        for command in ("list", "describe", "send", "emit", "check", "doctor"):
             self.assertIn(f"\n  {command} ", help)
         for command, *arguments in (("call", "IChannel.GetName", "channel=1", "--json"), ("listen", "--for", "1s"),
                                     ("play", "x.play"), ("bench",), ("status",), ("log", "debug")):

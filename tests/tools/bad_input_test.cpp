@@ -54,6 +54,8 @@ const Bad kBad[] = {
     {{"describe", "TolmRec"}, "unknown interface, family or type \"TolmRec\"; did you mean \"TolmRect\"?"},
     {{"describe", "channel.GetNam"},
      "family channel has no operation \"GetNam\"; did you mean \"GetName\"? (see `hbbtvctl describe channel`)"},
+    {{"check", "platfrom"}, "SIDE: expected \"platform\""},
+    {{"check", "platform", "chanel"}, "unknown family \"chanel\"; did you mean \"channel\"?"},
     {{"send", "channel"}, "\"channel\" is not an operation: write FAMILY.OPERATION, for example channel.GetOnid"},
     {{"send", "chanel.GetName"}, "unknown family \"chanel\"; did you mean \"channel\"? (see `hbbtvctl list`)"},
     {{"send", "channel.GetNam"},

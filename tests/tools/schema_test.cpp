@@ -64,6 +64,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     const std::vector<std::vector<std::string>> commands{
         {"list"},
         {"doctor"},
+        {"check", "platform"},
         {"status"},
         {"status", "channel_config"},
         {"call", "IChannel.GetName", channel},
@@ -102,7 +103,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
 
     // Every command with --json is in the list above.
     for (const char* command : {"list", "describe", "call", "listen", "send", "emit", "play", "bench", "status",
-                                "doctor", "completion", "man"}) {
+                                "check", "doctor", "completion", "man"}) {
         const bool tried =
             std::string(command) == "listen" || std::string(command) == "emit" ||
             std::any_of(commands.begin(), commands.end(), [&](const auto& words) { return words[0] == command; });

@@ -209,6 +209,7 @@ class Line {
         if (type == "METHOD") return Methods(mWord, false);
         if (type == "OPERATION") return Operations(mWord);
         if (type == "FAMILY") return Families(mCommand->get_name() != "status");
+        if (type == "SIDE") return {{"platform", "answers requests"}};
         if (type == "EVENT" && !mPositionals.empty()) return Events(mPositionals[0]);
         if (type == "NAME") return Names(mWord);
         if (type == "COMMAND") return Commands(*mCommand->get_parent());

@@ -20,6 +20,7 @@ void AddPlay(CLI::App& app, Invocation& invocation);
 void AddBench(CLI::App& app, Invocation& invocation);
 void AddStatus(CLI::App& app, Invocation& invocation);
 void AddLog(CLI::App& app, Invocation& invocation);
+void AddCheck(CLI::App& app, Invocation& invocation);
 void AddDoctor(CLI::App& app, Invocation& invocation);
 
 }  // namespace hbbtv::ctl
