@@ -6,6 +6,7 @@
 
 #include "all_families.h"
 #include "core/error.h"
+#include "name_difference.h"
 #include "wire/protocol.h"
 
 namespace hbbtv::sim {
@@ -50,7 +51,7 @@ TEST_F(ProtocolTable, HasEveryFamilyOnce) {
     for (const auto& family : mFamilies) EXPECT_TRUE(families.insert(family->Address().name).second);
     Names expected;
     for (const WireFamily& family : WireFamilies()) expected.insert(family.name);
-    EXPECT_EQ(families, expected);
+    EXPECT_EQ(test::NameDifference(families, expected), "");
     EXPECT_EQ(families.size(), 18u);
 }
 
@@ -65,7 +66,7 @@ TEST_F(ProtocolTable, HasARowForEveryOperationAndNoOther) {
             EXPECT_TRUE(fresh) << wire.name << "." << entry.second.name << " has two rows";
             ++rows;
         }
-        EXPECT_EQ(names, NamesIn(wire, "operations")) << wire.name;
+        EXPECT_EQ(test::NameDifference(names, NamesIn(wire, "operations")), "") << wire.name;
     }
     EXPECT_EQ(rows, 299u);
 }
