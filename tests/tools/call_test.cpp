@@ -150,6 +150,21 @@ TEST_F(Call, TakesAndPrintsEnumeratorsByNameAndByNumber) {
     EXPECT_EQ(count("VIDEO").asInt(), 1);
 }
 
+TEST_F(Call, PrintsOneResultAndNothingElse) {
+    const FinishedRun handle = Ctl({"call", "IChannelConfig.GetCurrentChannel", "--get", "channel"});
+    EXPECT_THAT(handle.output, MatchesRegex("0x[0-9a-f]{8}\n"));
+    const std::string channel = handle.output.substr(0, handle.output.size() - 1);
+    EXPECT_EQ(Ctl({"call", "IChannel.GetName", channel, "--get", "name"}).output, "Das Erste HD\n");
+    EXPECT_EQ(Ctl({"call", "IChannel.GetName", channel, "--get", "name", "--json"}).output, "\"Das Erste HD\"\n");
+    EXPECT_EQ(Ctl({"call", "IChannel.GetName", channel, "--get", "status"}).output, "0\n");
+    const FinishedRun failed = Ctl({"call", "IChannel.GetName", "1", "--get", "status"});
+    EXPECT_EQ(failed.output, "-1\n");
+    EXPECT_EQ(failed.exit, 1);
+    const FinishedRun unknown = Ctl({"call", "IChannel.GetName", channel, "--get", "nam"});
+    EXPECT_EQ(unknown.exit, 2);
+    EXPECT_EQ(unknown.errors, "hbbtvctl: IChannel.GetName: no result \"nam\"; did you mean \"name\"?\n");
+}
+
 TEST_F(Call, ShowsHowLongItTook) {
     const FinishedRun run = Ctl({"call", "IChannelConfig.GetCurrentChannel", "--time"});
     EXPECT_THAT(run.output, MatchesRegex("status   0\nchannel  0x[0-9a-f]+\ntime     [0-9]+\\.[0-9]+ ms\n"));

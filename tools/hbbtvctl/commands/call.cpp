@@ -5,7 +5,9 @@
 #include "cli/options.h"
 #include "commands/commands.h"
 #include "common/failure.h"
+#include "common/nearest_name.h"
 #include "common/text/json.h"
+#include "common/text/printable.h"
 #include "events/death_notice.h"
 #include "events/event_printer.h"
 #include "package/caller.h"
@@ -22,6 +24,7 @@ struct CallOptions {
     ArgumentOptions arguments;
     bool time = false;
     bool numbers = false;
+    std::string get;  // the only result to print
     TimeOption timeout{"10s"};
     TimeOption duration{""};
     uint64_t count = 0;
@@ -37,6 +40,27 @@ void PrintForPeople(const Method& method, const Json::Value& results, double mil
     std::snprintf(text, sizeof(text), "%.3f ms", milliseconds);
     if (time) rows.push_back({"time", text});
     std::printf("%s", Columns(rows, "").c_str());
+}
+
+// Prints one result as scripts take it: strings without quotes, handles as they are given to the next call.
+void PrintOne(const Method& method, const Json::Value& results, const CallOptions& options) {
+    for (Json::ArrayIndex i = 0; i < method.results.size(); ++i) {
+        const Parameter& result = method.results[i];
+        if (result.name != options.get) continue;
+        const Json::Value value = ForPrograms(*result.type, results[i], options.numbers);
+        const bool plain = !options.arguments.json && value.isString();
+        const bool handle = !options.arguments.json && IsHandle(result);
+        std::printf("%s\n", plain    ? Printable(value.asString()).c_str()
+                            : handle ? ForPeople(*result.type, results[i], true).c_str()
+                                     : WriteJson(value).c_str());
+    }
+}
+
+void CheckName(const std::string& name, const Method& method, const std::string& get) {
+    std::set<std::string> known;
+    for (const Parameter& result : method.results) known.insert(result.name);
+    if (get.empty() || known.count(get) != 0) return;
+    throw Failure(kUsage, name + ": no result \"" + get + "\"" + DidYouMean(get, known, kShortList));
 }
 
 void PrintForPrograms(const std::string& name, const Method& method, const Json::Value& results, double milliseconds,
@@ -58,7 +82,9 @@ int CallAndPrint(ServiceCaller& service, const Method& method, const Json::Value
     const auto begin = std::chrono::steady_clock::now();
     const Json::Value results = service.Call(method, arguments, events);
     const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - begin;
-    if (options.arguments.json) {
+    if (!options.get.empty()) {
+        PrintOne(method, results, options);
+    } else if (options.arguments.json) {
         PrintForPrograms(service.Name() + "." + method.name, method, results, took.count(), options);
     } else {
         PrintForPeople(method, results, took.count(), options.time);
@@ -89,6 +115,7 @@ int Run(const CallOptions& options) {
         throw Failure(kUsage, "cannot call " + interface->name +
                                   ": clients implement it; `hbbtvctl emit` sends the events that reach it");
     }
+    CheckName(name, *method, options.get);
     const Json::Value byName = ReadArguments(name, method->arguments, options.arguments.given, true);
     const Json::Value arguments = InOrder(method->arguments, byName);
     if (Listens(arguments)) return CallAndListen(*interface, *method, arguments, options);
@@ -110,6 +137,7 @@ void AddCall(CLI::App& app, Invocation& invocation) {
         ->required();
     AddArguments(*command, options->arguments);
     command->add_flag("--time", options->time, "Show how long the call took");
+    command->add_option("--get", options->get, "Print only this result, and nothing else")->type_name("RESULT");
     command->add_flag("--numbers", options->numbers, "In JSON, print enumerators as numbers instead of names");
     AddTime(*command, "--timeout", options->timeout, "Maximum time to wait for the reply");
     AddTime(*command, "--for", options->duration, "With @listen, stop after this time");
@@ -119,6 +147,7 @@ void AddCall(CLI::App& app, Invocation& invocation) {
     command->footer(
         "Examples:\n"
         "  hbbtvctl call IChannelConfig.GetCurrentChannel\n"
+        "  hbbtvctl call IChannelConfig.GetCurrentChannel --get channel\n"
         "  hbbtvctl call IChannel.GetName channel=0x1000\n"
         "  hbbtvctl call IVideoBroadcast.SetWindow 0x2000 '{\"x\": 0, \"y\": 0, \"width\": 640, \"height\": 360}'\n"
         "  hbbtvctl call IChannelConfig.RegisterCallback cb=@listen context=1 --for 1s");
