@@ -241,7 +241,7 @@ std::string ForPeople(const Type& type, const Json::Value& value, bool handle) {
         case Type::Kind::Struct:
             return StructForPeople(type, value);
         case Type::Kind::Integer:
-            return handle ? HexText(static_cast<uint64_t>(value.asInt64())) : value.asString();
+            return handle ? HandleText(static_cast<uint64_t>(value.asInt64())) : value.asString();
         default:
             return WriteJson(value);
     }

@@ -25,7 +25,7 @@ Json::Value FromWord(const Type& type, const std::string& word);
 // for both, checked to be in range. Throws BadValue.
 Json::Value FromJsonValue(const Type& type, const Json::Value& value);
 
-// Formats a value for people; an integer that is a `handle` is hexadecimal.
+// Formats a value for people; an integer that is a `handle` is 0x and eight digits.
 std::string ForPeople(const Type& type, const Json::Value& value, bool handle);
 
 // Returns a value as FromJsonValue() takes it. Enumerators are names if they have one, unless `numbers` is set.

@@ -12,6 +12,12 @@ std::string HexText(uint64_t number) {
     return text;
 }
 
+std::string HandleText(uint64_t handle) {
+    char text[24];
+    std::snprintf(text, sizeof(text), "0x%08" PRIx64, handle);
+    return text;
+}
+
 std::string PointerText(uint64_t pointer) {
     return pointer == 0 ? "" : HexText(pointer);
 }

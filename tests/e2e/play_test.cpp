@@ -113,13 +113,16 @@ TEST_F(Stage, AReceivedFileHasTheContentOfTheCarousel) {
 
 class WholePackage : public Stage {
   protected:
-    // The operations of the requests in the platform's trace, which names all operations with the same code: ">
+    static constexpr size_t kTimeLength = 12;  // "17:04:05.311"
+
+    // The operations of the requests in the platform's trace, which names all operations with the same code: "TIME >
     // OnTabShow/OnLoadingStateChanged tabid=7 | ...".
     std::map<std::string, int> Requests() const {
         std::map<std::string, int> requests;
         for (const std::string& line : Lines(mPlatform->Output())) {
-            if (line.rfind("> ", 0) != 0) continue;
-            std::istringstream names(line.substr(2, line.find(' ', 2) - 2));
+            if (line.find(" > ") != kTimeLength) continue;
+            const size_t begin = kTimeLength + 3;
+            std::istringstream names(line.substr(begin, line.find(' ', begin) - begin));
             for (std::string name; std::getline(names, name, '/');) ++requests[name];
         }
         return requests;

@@ -74,7 +74,7 @@ TEST_F(Listen, PrintsEventsForPeopleAndEndsAfterACount) {
     EXPECT_EQ(listener.WaitForExit(), 0);
     const std::string line =
         "[0-9]+-[0-9]+-[0-9]+T[0-9]+:[0-9]+:[0-9]+\\.[0-9]+Z  [0-9]+\\.[0-9]+  "
-        "IChannelConfigCallback\\.OnChannelConfigEvent event=0 info=.reserved 65. context=0x2a\n";
+        "IChannelConfigCallback\\.OnChannelConfigEvent event=0 info=.reserved 65. context=0x0000002a\n";
     EXPECT_THAT(listener.Output(), MatchesRegex("hbbtvctl: listening; press Ctrl-C to stop\n" + line + line));
 }
 
@@ -204,7 +204,7 @@ TEST_F(Listen, EndsQuietlyAndUnregistersWhenItsReaderGoes) {
     ASSERT_TRUE(pipe.WaitForOutput("listening; press Ctrl-C to stop\n"));
     Emit();
     EXPECT_EQ(pipe.WaitForExit(), 0);
-    EXPECT_THAT(pipe.Output(), MatchesRegex("hbbtvctl: listening; press Ctrl-C to stop\n[^\n]* context=0x0\n"));
+    EXPECT_THAT(pipe.Output(), MatchesRegex("hbbtvctl: listening; press Ctrl-C to stop\n[^\n]* context=0x00000000\n"));
     EXPECT_TRUE(WaitFor([&] { return mPlatform.Frames().back().payload == Request(19, 1); })) << "no event is needed";
 }
 

@@ -143,7 +143,7 @@ quiet
     end
 end
 print "{$sum}")",
-                "a   0|a   ||0x0\nb   2|b   |yes|0x2\nCONNECTING\nPRESENTING\nb2\n");
+                "a   0|a   ||0x00000000\nb   2|b   |yes|0x00000002\nCONNECTING\nPRESENTING\nb2\n");
     EXPECT_THAT(Run("let $list = 1\nfor $x in $list\nend").errors,
                 HasSubstr(":2: for $x in $list\n  expected: a list\n  got:      1\n"));
 }

@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <regex>
+#include <sstream>
 
 #include "presentation/video_broadcast_fixture.h"
 #include "wait_for.h"
@@ -135,13 +137,18 @@ TEST_F(CommandLine, TraceHasOneLinePerRequestWithItsReplyAndPerEvent) {
     ASSERT_TRUE(mSimulator->WaitForOutput("> ? "));
     const std::string text = mSimulator->Output();
     for (const std::string& line :
-         {"> Create context=0xabc | < ret=0 vb_handle=" + vb + " (",
+         {"> Create context=0x00000abc | < ret=0 vb_handle=" + vb + " (",
           "> SetChannel channel=" + Channel(vb, 2) + " trickPlay=false url=\"\" vb_handle=" + vb + " | < ret=0 (",
-          std::string("* TOLM_VB_EVENT_PLAY_STATE context=0xabc error=0 state=1\n"),
+          std::string("* TOLM_VB_EVENT_PLAY_STATE context=0x00000abc error=0 state=1\n"),
           "* TOLM_VB_EVENT_CHANNEL_CHANGED channelHandle=" + Channel(vb, 2) +
-              " context=0xabc quiet=0 viewerChannelHandle=",
+              " context=0x00000abc quiet=0 viewerChannelHandle=",
           std::string("> ? | < ret=-1 (")}) {
         EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;
+    }
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find(" | < ") == std::string::npos && line.find("* ") == std::string::npos) continue;
+        EXPECT_TRUE(std::regex_match(line, std::regex("\\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d [>*] .*"))) << line;
     }
 }
 

@@ -46,6 +46,12 @@ TEST(PointerTexts, AreWrittenAsCDoes) {
     EXPECT_EQ(PointerText(0x7fff00000001), "0x7fff00000001");
 }
 
+TEST(HandleTexts, HaveEightDigitsAndMoreIfNeeded) {
+    EXPECT_EQ(HandleText(0), "0x00000000");
+    EXPECT_EQ(HandleText(0xabc), "0x00000abc");
+    EXPECT_EQ(HandleText(0x7fff00000001), "0x7fff00000001");
+}
+
 TEST(PointerTexts, AreReadAsCDoes) {
     for (const char* null : {"", "(nil)", "0x0"}) EXPECT_EQ(ParsePointer(null), 0u) << null;
     EXPECT_EQ(ParsePointer("0xfedc1234"), 0xfedc1234u);

@@ -43,7 +43,7 @@ bool IsForm(const std::string& form) {
 
 std::string Hexadecimal(int64_t number) {
     char text[24];
-    std::snprintf(text, sizeof(text), "0x%llx", static_cast<unsigned long long>(number));
+    std::snprintf(text, sizeof(text), "0x%08llx", static_cast<unsigned long long>(number));
     return text;
 }
 
