@@ -67,7 +67,8 @@ TEST(ServiceStart, TheEnvironmentOfASetGroupIdCopyLacksTmpdir) {
 TEST(ServiceStart, ASetGroupIdCopyUsesTheDirectoryOfItsArgument) {
     const ScratchDirectory directory;
     const FakePlatform platform("service_plugin_to_hbbtv_vb", R"({"ret": 0})");
-    const ChildProcess service({SetGroupIdCopy(directory, HBBTV_SERVICE_PROGRAM), directory.Path()}, {kImplementation});
+    const ChildProcess service({SetGroupIdCopy(directory, HBBTV_SERVICE_WITH_ABSOLUTE_PATHS), directory.Path()},
+                               {kImplementation});
     const sp<IVideoBroadcast> vb = FindVideoBroadcast();
     ASSERT_NE(vb, nullptr) << service.Output();
     EXPECT_EQ(static_cast<int32_t>(vb->NextChannel(kVb)), 0);
