@@ -29,7 +29,7 @@ class Candidate : public Alone {};
 
 TEST_F(Candidate, IsACommandAnOptionOrAName) {
     EXPECT_EQ(Candidates({"lis"}), "list listen ");
-    EXPECT_EQ(Candidates({"c"}), "call completion ");
+    EXPECT_EQ(Candidates({"c"}), "call check completion ");
     EXPECT_EQ(Candidates({"bench", "--conc"}), "--concurrency ");
     EXPECT_EQ(Candidates({"call", "IVid"}), "IVideoBroadcast. ");
     EXPECT_EQ(Candidates({"call", "--time", "IChannel.GetO"}), "IChannel.GetOnid ");

@@ -43,7 +43,7 @@ TEST_F(Demo, ShowsTheChannelChangesAndAnApplicationAndEndsWell) {
                                 "SearchResults_GetLength",
                                 "-> 5 ",
                                 "News",
-                                "IVideoBroadcast.Create(0xbeef)",
+                                "IVideoBroadcast.Create(0x0000beef)",
                                 "RegisterCallback",
                                 "BindToCurrentChannel",
                                 "PRESENTING",
