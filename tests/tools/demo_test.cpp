@@ -89,7 +89,7 @@ TEST_F(Demo, ShowsTheChannelChangesAndAnApplicationAndEndsWell) {
                                 "GetCurrentApp",
                                 "application 1 of organisation 20",
                                 "GetValue",
-                                "key sets 0x33",
+                                "key sets 0x00000033",
                                 "KeyConsumedByBrowser(1, 403)",
                                 "true",
                                 "Tune to tagesschau24 HD",
