@@ -89,7 +89,7 @@ std::vector<Count> CountsOf(ChildProcess* platform, IVideoBroadcast* remote) {
     static std::vector<int> numbers;
     return {
         {"request of a handle: Stop", 10500, [=] { video->Stop(kVb); }},
-        {"request of 2 handles, a bool, a string: SetChannel", 12000,
+        {"request of 2 handles, a bool, a string: SetChannel", 12600,
          [=] { video->SetChannel(kVb, kChannel, false, ""); }},
         {"request of 5 numbers, a string: CreateChannel_2", 16700,
          [=] { video->CreateChannel_2(kVb, 11, 1, 1019, 10302, 0, "", pointer); }},
@@ -114,7 +114,7 @@ std::vector<Count> CountsOf(ChildProcess* platform, IVideoBroadcast* remote) {
              platform->Write(std::to_string(kCounted) + "\n");
              TheEvents().WaitForAll();
          }},
-        {"SetChannel over HIDL, in the client", 6500,
+        {"SetChannel over HIDL, in the client", 6900,
          [=] { (void)remote->SetChannel(0x12b1d002, 0x82357757, false, "").isOk(); }},
     };
 }

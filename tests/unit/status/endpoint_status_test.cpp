@@ -37,11 +37,12 @@ TEST(EndpointStatusOf, AKeyIsOneObject) {
 }
 
 TEST(StatusOfRequests, NamesTheOpenOneAndTheCallersThatWait) {
-    const tolm::Operation operation(11, "SetChannel");
-    EndpointStatus::Request first(Requests(), 100);
+    EndpointStatus::Request first(Requests(), {11, "SetChannel"}, 100);
     first.Begin(Clock::now() - std::chrono::seconds(3));
-    const EndpointStatus::Request second(Requests(), 200);
-    const EndpointStatus::Request third(Requests(), 300);
+    EndpointStatus::Request second(Requests(), {}, 200);
+    second.Waits();
+    EndpointStatus::Request third(Requests(), {}, 300);
+    third.Waits();
     const Json::Value requests = Report()["requests"];
     EXPECT_EQ(requests["open"]["operation"].asString(), "SetChannel");
     EXPECT_EQ(requests["open"]["code"].asInt(), 11);
@@ -58,13 +59,13 @@ TEST(StatusOfRequests, NamesTheOpenOneAndTheCallersThatWait) {
 
 TEST(StatusOfRequests, CountsAnsweredAndFailedOnes) {
     {
-        EndpointStatus::Request answered(Requests(), 1);
+        EndpointStatus::Request answered(Requests(), {}, 1);
         answered.Begin(Clock::now());
         answered.Answered();
-        const EndpointStatus::Request refused(Requests(), 2);
+        const EndpointStatus::Request refused(Requests(), {}, 2);
     }
     {
-        EndpointStatus::Request failed(Requests(), 1);
+        EndpointStatus::Request failed(Requests(), {}, 1);
         failed.Begin(Clock::now());
     }
     Requests().SentOneWay(true);
@@ -165,10 +166,10 @@ std::vector<std::string> LinesOf(const LogCapture& log) {
 
 TEST(Watcher, LogsARequestThatStaysOpenOnce) {
     const LogCapture log;
-    const tolm::Operation operation(11, "SetChannel");
     Requests().Connected(900);
-    EndpointStatus::Request first(Requests(), 100);
-    const EndpointStatus::Request second(Requests(), 200);
+    EndpointStatus::Request first(Requests(), {11, "SetChannel"}, 100);
+    EndpointStatus::Request second(Requests(), {}, 200);
+    second.Waits();
     const Clock::time_point begin = Clock::now();
     first.Begin(begin);
     tolm::Watcher::Wake();
@@ -176,7 +177,7 @@ TEST(Watcher, LogsARequestThatStaysOpenOnce) {
     EXPECT_GE(Clock::now() - begin, std::chrono::seconds(1));
     // A request of another family that becomes old shows that the watcher has looked again.
     EndpointStatus& others = EndpointStatus::Of(tolm::families::kChannel.requests);
-    EndpointStatus::Request other(others, 300);
+    EndpointStatus::Request other(others, {}, 300);
     other.Begin(begin);
     ASSERT_TRUE(WaitFor([&] { return LinesOf(log).size() == 2; }));
     const std::string line = LinesOf(log)[0];
@@ -204,7 +205,7 @@ TEST(Watcher, IsWokenByTheNextRequest) {
     const LogCapture log;
     for (const size_t lines : {size_t{1}, size_t{2}}) {
         {
-            EndpointStatus::Request request(Requests(), 100);
+            EndpointStatus::Request request(Requests(), {}, 100);
             request.Begin(Clock::now() - std::chrono::seconds(2));
             tolm::Watcher::Wake();
             ASSERT_TRUE(WaitFor([&] { return LinesOf(log).size() == lines; }));

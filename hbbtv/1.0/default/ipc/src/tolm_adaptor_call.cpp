@@ -124,8 +124,8 @@ int TolmAdaptorClient::Call(const Method& method, std::initializer_list<Member> 
     MemoryClaim claim;
     Json::Value reply;
     bool late = false;
-    const Operation operation(method.code, method.place.function);
-    const int status = SendIpc(RequestText(mFamily, method, request), reply, claim, late);
+    const int status =
+        SendIpc(RequestText(mFamily, method, request), {method.code, method.place.function}, reply, claim, late);
     if (late) LogLate(mFamily, method);
     return status == 0 && !Read(reply, results) ? -1 : status;
 }

@@ -48,22 +48,21 @@ TolmBaseClient::Outcome TolmBaseClient::Exchange(const std::vector<unsigned char
     return Outcome::kComplete;
 }
 
-int TolmBaseClient::SendIpc(const std::vector<unsigned char>& request, Json::Value& reply, tolm::MemoryClaim& claim,
-                            bool& late) {
-    tolm::EndpointStatus::Request status(mStatus, tolm::ServedPid());
-    const tolm::CallerQueue::Turn turn(mRequests);
+int TolmBaseClient::SendIpc(const std::vector<unsigned char>& request, const Operation& operation, Json::Value& reply,
+                            tolm::MemoryClaim& claim, bool& late) {
+    tolm::EndpointStatus::Request status(mStatus, operation, tolm::ServedPid());
+    const tolm::CallerQueue::Turn turn(mRequests, &status);
     if (!turn) {
         mStatus.SetError("no turn for a caller, which was refused or has died");
         return -1;
     }
-    const auto begin = std::chrono::steady_clock::now();
-    status.Begin(begin);
+    status.Begin(turn.Begin());
     tolm::Watcher::Wake();
     const Outcome outcome = Exchange(request, reply, claim);
     if (outcome != Outcome::kComplete) {
         const std::chrono::milliseconds timeout = tolm::ReplyTimeout();
-        late =
-            outcome == Outcome::kNoReply && timeout.count() > 0 && std::chrono::steady_clock::now() - begin >= timeout;
+        late = outcome == Outcome::kNoReply && timeout.count() > 0 &&
+               std::chrono::steady_clock::now() - turn.Begin() >= timeout;
         if (outcome == Outcome::kNotJson) mStatus.SetError("a reply that is not JSON, or too large");
         if (outcome == Outcome::kNoStatus) mStatus.SetError("a reply without a status");
         // One flag per step; 0 marks the step that failed.
@@ -82,7 +81,7 @@ int TolmBaseClient::SendIpc(const std::vector<unsigned char>& request, Json::Val
 int TolmBaseClient::SendIpc(const Json::Value& req, Json::Value& reply) {
     tolm::MemoryClaim claim;
     bool late = false;
-    return SendIpc(tolm::ToStyledBytes(req), reply, claim, late);
+    return SendIpc(tolm::ToStyledBytes(req), {}, reply, claim, late);
 }
 
 int TolmBaseClient::SendIpc(const Json::Value& req) {

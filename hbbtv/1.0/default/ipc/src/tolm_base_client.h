@@ -31,14 +31,17 @@ class TolmBaseClient {
     int SendIpc(const Json::Value& req);
 
   protected:
+    using Operation = tolm::EndpointStatus::Operation;
+
     ~TolmBaseClient() = default;
 
     // As above, with the text of the request.
     int SendIpcWithNoRet(const std::vector<unsigned char>& request);
 
-    // As above, with the text of the request. `claim` must outlive the use of the reply. Sets `late` if the request was
-    // given up because there was no reply within ReplyTimeout().
-    int SendIpc(const std::vector<unsigned char>& request, Json::Value& reply, tolm::MemoryClaim& claim, bool& late);
+    // As above, with the text of the request and what it is for. `claim` must outlive the use of the reply. Sets `late`
+    // if the request was given up because there was no reply within ReplyTimeout().
+    int SendIpc(const std::vector<unsigned char>& request, const Operation& operation, Json::Value& reply,
+                tolm::MemoryClaim& claim, bool& late);
 
   private:
     // The first step of an exchange that failed, if any.

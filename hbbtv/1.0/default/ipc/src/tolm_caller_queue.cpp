@@ -27,18 +27,22 @@ size_t CallerQueue::Waiting() const {
     return mWaiting.size();
 }
 
-bool CallerQueue::Enter() {
+bool CallerQueue::Enter(EndpointStatus::Request* request, Clock::time_point& begin) {
     std::unique_lock<std::mutex> lock(mMutex);
     const Clock::time_point now = Clock::now();
     if (!mTaken) {
         mTaken = true;
-        mSince = now;
+        mSince = begin = now;
         return true;
     }
     if (now >= mSince + mPatience && mWaiting.size() >= kMostWaiting) return RefuseLocked(now);
     Waiter self;
     mWaiting.push_back(&self);
-    if (WaitLocked(lock, self)) return true;
+    if (request != nullptr) request->Waits();
+    if (WaitLocked(lock, self)) {
+        begin = mSince;
+        return true;
+    }
     mWaiting.remove(&self);
     return false;
 }

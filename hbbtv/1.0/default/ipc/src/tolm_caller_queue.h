@@ -9,6 +9,8 @@
 #include <mutex>
 #include <string>
 
+#include "ipc/status/tolm_endpoint_status.h"
+
 namespace tolm {
 
 // Thread-safe.
@@ -27,7 +29,9 @@ class CallerQueue {
     // Waits for the turn and ends it when destroyed. False if the caller has been refused, or its process has died.
     class Turn {
       public:
-        explicit Turn(CallerQueue& queue) : mQueue(queue.Enter() ? &queue : nullptr) {}
+        // `request` is told if it has to wait.
+        explicit Turn(CallerQueue& queue, EndpointStatus::Request* request = nullptr)
+            : mQueue(queue.Enter(request, mBegin) ? &queue : nullptr) {}
         ~Turn() {
             if (mQueue != nullptr) mQueue->Leave();
         }
@@ -36,7 +40,10 @@ class CallerQueue {
 
         explicit operator bool() const { return mQueue != nullptr; }
 
+        Clock::time_point Begin() const { return mBegin; }
+
       private:
+        Clock::time_point mBegin;
         CallerQueue* const mQueue;
     };
 
@@ -50,7 +57,8 @@ class CallerQueue {
         bool hasTurn = false;
     };
 
-    bool Enter();
+    // Sets the begin of the turn.
+    bool Enter(EndpointStatus::Request* request, Clock::time_point& begin);
     void Leave();
 
     // mMutex is held.

@@ -52,8 +52,8 @@ Json::Value Requests(const State& state, Clock::time_point now) {
     Json::Value requests(Json::objectValue);
     Json::Value& open = requests["open"];
     if (state.open) {
-        open["operation"] = state.open->operation;
-        open["code"] = state.open->code;
+        open["operation"] = state.open->operation.name;
+        open["code"] = state.open->operation.code;
         open["age_ms"] = AgeMs(state.open->since, now);
         open["process"] = state.open->caller;
     }

@@ -38,7 +38,7 @@ void LogRequest(const Family& family, const EndpointStatus::State& state, Clock:
         state.waiting.empty() ? "no callers wait" : "callers of processes " + Processes(state.waiting) + " wait";
     TOLM_LOG(ANDROID_LOG_WARN, kIpcBaseTag,
              "request %d (%s.%s) of process %d has been open for %lld ms, the platform is process %d, %s",
-             state.open->code, family.interface, state.open->operation, state.open->caller,
+             state.open->operation.code, family.interface, state.open->operation.name, state.open->caller,
              Milliseconds(now - state.open->since), state.peer, waiting.c_str());
 }
 

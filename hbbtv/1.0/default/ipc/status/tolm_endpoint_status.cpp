@@ -9,11 +9,6 @@ namespace tolm {
 
 namespace {
 
-struct Current {
-    int code = -1;
-    const char* name = "";
-};
-thread_local Current tOperation;
 thread_local EndpointStatus::Event::Reference tEvent;
 thread_local bool tHandles = false;  // tEvent is of this thread
 thread_local uint64_t tSent = 0;     // clients that have received it, if so; counted when it ends
@@ -31,14 +26,6 @@ void RemoveOne(std::vector<pid_t>& processes, pid_t process) {
 }
 
 }  // namespace
-
-Operation::Operation(int code, const char* name) {
-    tOperation = {code, name};
-}
-
-Operation::~Operation() {
-    tOperation = {};
-}
 
 EndpointStatus& EndpointStatus::Of(TolmIpcKeyId key) {
     constexpr size_t kKeys = TOLM_IPC_KEY_SERVICE_GAM_TO_BROWSER + 1;
@@ -116,27 +103,23 @@ std::optional<EndpointStatus::State> EndpointStatus::TakeOverdue(Clock::time_poi
     return mState;
 }
 
-EndpointStatus::Request::Request(EndpointStatus& status, pid_t caller) : mStatus(status), mCaller(caller) {
+void EndpointStatus::Request::Waits() {
     std::lock_guard<std::mutex> lock(mStatus.mMutex);
     mStatus.mState.waiting.push_back(mCaller);
+    mWaits = true;
 }
 
 void EndpointStatus::Request::Begin(Clock::time_point now) {
-    {
-        std::lock_guard<std::mutex> lock(mStatus.mMutex);
-        RemoveOne(mStatus.mState.waiting, mCaller);
-        mStatus.mState.open = Open{++mStatus.mNumber, tOperation.code, tOperation.name, mCaller, now};
-    }
     mOpen = true;
+    std::lock_guard<std::mutex> lock(mStatus.mMutex);
+    if (std::exchange(mWaits, false)) RemoveOne(mStatus.mState.waiting, mCaller);
+    mStatus.mState.open = Open{++mStatus.mNumber, mOperation, mCaller, now};
 }
 
 EndpointStatus::Request::~Request() {
     std::lock_guard<std::mutex> lock(mStatus.mMutex);
-    if (mOpen) {
-        mStatus.mState.open.reset();
-    } else {
-        RemoveOne(mStatus.mState.waiting, mCaller);
-    }
+    if (mOpen) mStatus.mState.open.reset();
+    if (mWaits) RemoveOne(mStatus.mState.waiting, mCaller);
     ++(mAnswered ? mStatus.mState.answered : mStatus.mState.failed);
 }
 

@@ -20,12 +20,17 @@ class EndpointStatus {
   public:
     using Clock = std::chrono::steady_clock;
 
+    // What a request is for, from its row. Code -1 if it is not known; the name is a literal.
+    struct Operation {
+        int code = -1;
+        const char* name = "";
+    };
+
     // A request that waits for its reply, or an event that is being handled.
     struct Open {
-        uint64_t number = 0;         // counts those of the endpoint
-        int code = -1;               // of a request; -1 if it is not known
-        const char* operation = "";  // of a request, from its row; a literal
-        pid_t caller = 0;            // of a request: the client's process, this one, or 0
+        uint64_t number = 0;  // counts those of the endpoint
+        Operation operation;  // of a request
+        pid_t caller = 0;     // of a request: the client's process, this one, or 0
         Clock::time_point since;
         bool reported = false;  // see TakeOverdue()
     };
@@ -70,15 +75,19 @@ class EndpointStatus {
     void Disconnected();
     void SetError(const std::string& text);
 
-    // A request. The constructor reports that it waits for its turn, the destructor that it has ended.
+    // A request, which has ended when this is destroyed.
     class Request {
       public:
-        Request(EndpointStatus& status, pid_t caller);
+        Request(EndpointStatus& status, const Operation& operation, pid_t caller)
+            : mStatus(status), mOperation(operation), mCaller(caller) {}
         ~Request();
         Request(const Request&) = delete;
         Request& operator=(const Request&) = delete;
 
-        // Its turn has begun. Names it by the Operation of this thread.
+        // It is not its turn yet.
+        void Waits();
+
+        // Its turn has begun.
         void Begin(Clock::time_point now);
 
         // A valid reply has come.
@@ -86,7 +95,9 @@ class EndpointStatus {
 
       private:
         EndpointStatus& mStatus;
+        const Operation mOperation;
         const pid_t mCaller;
+        bool mWaits = false;
         bool mOpen = false;
         bool mAnswered = false;
     };
@@ -144,15 +155,6 @@ class EndpointStatus {
     mutable std::mutex mMutex;
     State mState;          // guarded by mMutex
     uint64_t mNumber = 0;  // guarded by mMutex
-};
-
-// The operation that this thread executes, for the requests that it makes meanwhile. `name` is a literal.
-class Operation {
-  public:
-    Operation(int code, const char* name);
-    ~Operation();
-    Operation(const Operation&) = delete;
-    Operation& operator=(const Operation&) = delete;
 };
 
 }  // namespace tolm
