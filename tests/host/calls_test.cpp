@@ -485,7 +485,7 @@ TEST(ThreadPools, HaveOneThreadWhenNotConfigured) {
     EXPECT_TRUE(WaitFor([&] { return Holding(own) == 1; }));
     EXPECT_TRUE(own->letGo().isOk());
     EXPECT_EQ(second.WaitForExit(), 0);
-    EXPECT_EQ(own->HoldingThreads().size(), 1u);
+    EXPECT_EQ(own->MostHolding(), 1u);
 }
 
 TEST(ThreadPools, HaveAsManyThreadsAsConfigured) {

@@ -4,6 +4,7 @@
 #include <hwbinder/IPCThreadState.h>
 #include <signal.h>
 #include <unistd.h>
+#include <algorithm>
 
 #include <thread>
 
@@ -163,15 +164,15 @@ Return<void> Workshop::postSlowly(uint32_t number) {
 void Workshop::Hold() {
     std::unique_lock<std::mutex> lock(mMutex);
     ++mHolding;
-    mHoldingThreads.insert(std::this_thread::get_id());
+    mMostHolding = std::max(mMostHolding, mHolding);
     mChanged.wait(lock, [this] { return mLetGo > 0; });
     --mLetGo;
     --mHolding;
 }
 
-std::set<std::thread::id> Workshop::HoldingThreads() {
+uint32_t Workshop::MostHolding() {
     std::lock_guard<std::mutex> lock(mMutex);
-    return mHoldingThreads;
+    return mMostHolding;
 }
 
 Return<void> Workshop::hold() {

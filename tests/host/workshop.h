@@ -6,7 +6,6 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
-#include <set>
 #include <thread>
 #include <vector>
 
@@ -72,7 +71,7 @@ class Workshop : public IWorkbench {
     Return<void> debug(const hidl_handle& handle, const hidl_vec<hidl_string>& options) override;
 
     // The threads on which calls were held.
-    std::set<std::thread::id> HoldingThreads();
+    uint32_t MostHolding();
 
   private:
     sp<IListener> Listener();
@@ -82,8 +81,8 @@ class Workshop : public IWorkbench {
     std::condition_variable mChanged;
     sp<IListener> mListener;
     std::vector<uint32_t> mPosted;
-    std::set<std::thread::id> mHoldingThreads;
     uint32_t mHolding = 0;
+    uint32_t mMostHolding = 0;
     uint32_t mLetGo = 0;
 };
 

@@ -29,7 +29,7 @@ class CallerQueue {
     // Waits for the turn and ends it when destroyed. False if the caller has been refused, or its process has died.
     class Turn {
       public:
-        // `request` is told if it has to wait.
+        // Calls Waits() of `request` if it has to wait.
         explicit Turn(CallerQueue& queue, EndpointStatus::Request* request = nullptr)
             : mQueue(queue.Enter(request, mBegin) ? &queue : nullptr) {}
         ~Turn() {
