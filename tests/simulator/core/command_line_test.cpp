@@ -9,6 +9,7 @@
 #include <regex>
 #include <sstream>
 
+#include "common/text/pointer_text.h"
 #include "presentation/video_broadcast_fixture.h"
 #include "wait_for.h"
 #include "wire/endpoint.h"
@@ -136,11 +137,13 @@ TEST_F(CommandLine, TraceHasOneLinePerRequestWithItsReplyAndPerEvent) {
     ExpectOtherCodesRefused("video_broadcast");
     ASSERT_TRUE(mSimulator->WaitForOutput("> ? "));
     const std::string text = mSimulator->Output();
+    const auto shown = [](const std::string& handle) { return HandleText(std::stoul(handle, nullptr, 16)); };
+    const std::string channel = shown(Channel(vb, 2));
     for (const std::string& line :
-         {"> Create context=0x00000abc | < ret=0 vb_handle=" + vb + " (",
-          "> SetChannel channel=" + Channel(vb, 2) + " trickPlay=false url=\"\" vb_handle=" + vb + " | < ret=0 (",
+         {"> Create context=0x00000abc | < ret=0 vb_handle=" + shown(vb) + " (",
+          "> SetChannel channel=" + channel + " trickPlay=false url=\"\" vb_handle=" + shown(vb) + " | < ret=0 (",
           std::string("* TOLM_VB_EVENT_PLAY_STATE context=0x00000abc error=0 state=1\n"),
-          "* TOLM_VB_EVENT_CHANNEL_CHANGED channelHandle=" + Channel(vb, 2) +
+          "* TOLM_VB_EVENT_CHANNEL_CHANGED channelHandle=" + channel +
               " context=0x00000abc quiet=0 viewerChannelHandle=",
           std::string("> ? | < ret=-1 (")}) {
         EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;
