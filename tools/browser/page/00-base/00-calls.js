@@ -1,6 +1,5 @@
 // Calls of the platform: a synchronous request to a path of the document's own origin, which the host answers.
 // One request carries a batch of calls, so that a page waits once for all that it asks for.
-'use strict';
 
 const kCallPath = '/.hbbtv/call';
 
