@@ -78,8 +78,10 @@ class PageRun {
             if (answer.rfind("ok", 0) != 0) errors += command + ": " + answer;
             return answer.rfind("ok", 0) == 0;
         }
-        if (line.rfind("[", 0) == 0) failed = line;
-        else if (line.rfind("info: @", 0) != 0) errors += line + "\n";
+        if (line.rfind("[", 0) == 0)
+            failed = line;
+        else if (line.rfind("info: @", 0) != 0)
+            errors += line + "\n";
         return true;
     }
 
@@ -104,7 +106,7 @@ TEST_P(Pages, ReportNoFailureAndNoErrorOfTheConsole) {
     if (page == "many-channels") options.insert(options.end(), {"--line-up", files / "many.m3u"});
     const BrowserSystem system(options);
     ASSERT_TRUE(system.ready);
-    fs::copy(kPages, system.directory / "pages");
+    fs::copy(kPages, system.directory / "pages", fs::copy_options::recursive);
     fs::copy(kMembers, system.directory / "pages/members.json");
 
     const std::string picture = system.directory / "picture.png";

@@ -28,8 +28,12 @@ class BroadcastSession {
     change(method, args) {
         if (!this.create()) return null;
         let [results, state, channel] = this.ask(method, args);
-        // A platform that has been restarted does not know the handle.
-        if (results === null && state === null && this.createAgain()) [results, state, channel] = this.ask(method, args);
+        // A platform that has been restarted does not know the handle, nor the channels.
+        if (results === null && state === null && this.createAgain()) {
+            ChannelConfig.forget(channelConfig);
+            fireLater(channelConfig, 'ChannelListUpdate');
+            [results, state, channel] = this.ask(method, args);
+        }
         if (results !== null) asking = this;
         if (state !== null) this.enter(state.state);
         if (channel !== null) this.channel = channel.channel;
@@ -97,8 +101,8 @@ function isOfAnother(session, state) {
         askPlatform('IVideoBroadcast.GetPlayState', {vb: session.handle}, 'state', kUnrealized) !== kUnrealized;
 }
 
-// An event that was on its way when the page made a request reports a state that has passed. The state that was read with
-// the request is later; if an event differs from it, the platform decides.
+// An event that was on its way when the page made a request reports a state that has passed. The state that was read
+// with the request is later; if an event differs from it, the platform decides.
 function stateAfterEvent(session, state) {
     if (session !== asking || state === session.playState) return state;
     return askPlatform('IVideoBroadcast.GetPlayState', {vb: session.handle}, 'state', state);
