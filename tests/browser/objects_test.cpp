@@ -63,6 +63,20 @@ TEST(BrowserObjects, HaveDefaultsWhileThePlatformIsAway) {
     EXPECT_EQ(run.output, "[null,null,null,null,null,0,0,100,true,\"#2\",null,false,0,null]\n") << run.Text();
 }
 
+TEST(BrowserObjects, AreAllThatAnApplicationNeeds) {
+    const BrowserSystem system({"--stream-event-interval", "50ms"});
+    ASSERT_TRUE(system.ready);
+    const FinishedRun run = BrowserSystem::Run(
+        {"--serve", HBBTV_SOURCE_DIR "/tools/demo/application", "index.html", "--console", "--keys",
+         "RED,DOWN,DOWN,OK,YELLOW,GREEN", "--until",
+         "/arte HD/.test((document.querySelector('#channels .current') || {}).textContent) && "
+         "document.querySelectorAll('#details *').length === 2 && "
+         "document.getElementById('event').textContent.startsWith('quiz: ')",
+         "--print",
+         "['#channels .focus', '#language', '#mark'].map(name => document.querySelector(name).textContent)"});
+    EXPECT_EQ(run.output, "[\"3  arte HD  \\u2605\",\"eng\",\"remove the mark\"]\n") << run.Text();
+}
+
 TEST(BrowserObjects, WorkAgainAfterARestartOfThePlatform) {
     BrowserSystem system;
     ASSERT_TRUE(system.ready);
