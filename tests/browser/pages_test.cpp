@@ -44,7 +44,7 @@ void WriteManyChannels(const std::string& path) {
 class PageRun {
   public:
     PageRun(const std::string& folder, const std::string& page, const std::string& picture)
-        : mBrowser({HBBTV_BROWSER_PROGRAM, "--serve", folder, page + ".html", "--alone", "--console", "--timeout",
+        : mBrowser({HBBTV_BROWSER_PROGRAM, "--alone", "--serve", folder, page + ".html", "--console", "--timeout",
                     "60s", "--until", "window.__result", "--print", "window.__result.failed", "--screenshot",
                     picture}) {}
 
