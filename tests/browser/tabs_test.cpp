@@ -212,7 +212,7 @@ TEST(Tabs, AreCreatedAgainAfterTheServiceWasKilled) {
         System::Tell("zap 1");
         System::Tell("zap 3");
         return WaitFor([] { return System::Tell("tabs").find("loaded") != std::string::npos; },
-                       std::chrono::milliseconds(1000));
+                       std::chrono::milliseconds(5000));
     })) << System::Tell("tabs");
 }
 

@@ -30,8 +30,10 @@ const char* const kNextTitle =
     " return document.title;"
     "}";
 constexpr int kUnknownScheme = -302;
+constexpr int kAborted = -3;
 constexpr int kInvalidUrl = -300;  // as Chromium's net::ERR_INVALID_URL
 
+const char* const kAbortedText = "net::ERR_ABORTED";
 const char* const kBlank = "about:blank";
 
 Json::Value Object(const char* name, const Json::Value& value) {
@@ -113,7 +115,10 @@ void Pages::Load(const std::string& page, const std::string& url) {
         if (session == mSessions.end()) return;
         if (!answer.Ok()) return Report(session->second, {Kind::Failed, answer.error, 0, kInvalidUrl, url});
         const std::string error = answer.result["errorText"].asString();
-        if (!error.empty()) session->second.failure = FailureOf(error);
+        if (answer.result["isDownload"].asBool())
+            return Report(session->second, {Kind::Failed, "it is not a page", 0, kAborted, url});
+        // A load that another one has replaced is aborted.
+        if (!error.empty() && error != kAbortedText) session->second.failure = FailureOf(error);
     });
 }
 
@@ -416,7 +421,7 @@ void Pages::Called(const Request& request) {
 void Pages::LoadFailed(const std::string& name, const std::string& frame, const LoadFailure& failure) {
     const auto found = mSessions.find(name);
     if (found == mSessions.end() || !found->second.main || frame != found->second.mainFrame) return;
-    found->second.failure = failure;
+    if (failure.code != kAborted) found->second.failure = failure;
 }
 
 void Pages::Report(const Session& session, const PageChange& change) {
