@@ -139,7 +139,7 @@ int Browser::Run() {
                          mTabs.Take(command, arguments, reply);
                          Painted();
                      },
-                     [this] { mHoldings.Clear(); }, [] {}});
+                     [this] { ObjectsLost("service"); }, [] {}, [this] { ObjectsLost("platform"); }});
     mLoop.OnSignals({SIGINT, SIGTERM}, [this] { End(kDone, ""); });
     mLoop.OnSignals({SIGUSR1}, [this] {
         WritePicture([](const std::string& problem) {
@@ -386,6 +386,16 @@ void Browser::DocumentGone(const std::string& document) {
         if (mScreen && release.second.isMember("vb")) mScreen->Released(release.second["vb"].asInt64());
         mPlatform.CallLater(release.first, release.second);
     }
+}
+
+// Pages are notified, so that they forget their handles.
+void Browser::ObjectsLost(const char* ended) {
+    mHoldings.Clear();
+    Json::Value event;
+    event["interface"] = "host";
+    event["event"] = "restart";
+    event["arguments"]["of"] = ended;
+    TakeEvent(event);
 }
 
 void Browser::ReleaseAll() {

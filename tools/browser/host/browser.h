@@ -60,6 +60,7 @@ class Browser {
     void GetXmlFile(const std::string& url, const Platform::Reply& reply);
     void TakeEvent(const Json::Value& event);
     void DocumentGone(const std::string& document);
+    void ObjectsLost(const char* ended);
     void ReleaseAll();
 
     // What the viewer sees and presses.
