@@ -67,7 +67,7 @@ TEST(BrowserObjects, AreAllThatAnApplicationNeeds) {
     const BrowserSystem system({"--stream-event-interval", "50ms"});
     ASSERT_TRUE(system.ready);
     const FinishedRun run = BrowserSystem::Run(
-        {"--alone", "--serve", HBBTV_SOURCE_DIR "/tools/demo/application", "index.html", "--console", "--keys",
+        {"--alone", "index.html", "--serve", HBBTV_SOURCE_DIR "/tools/demo/application", "--console", "--keys",
          "RED,DOWN,DOWN,OK,YELLOW,GREEN", "--until",
          "/arte HD/.test((document.querySelector('#channels .current') || {}).textContent) && "
          "document.querySelectorAll('#details *').length === 2 && "

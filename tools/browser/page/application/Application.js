@@ -16,6 +16,13 @@ class Application extends EventTarget {
         fire(application, topmost ? 'ApplicationTopmost' : 'ApplicationNotTopmost');
     }
 
+    static setShown(application, shown) { application.#visible = shown; }
+
+    static reportShown(application, shown) {
+        application.#visible = shown;
+        fire(application, shown ? 'ApplicationShown' : 'ApplicationHidden');
+    }
+
     get visible() { return this.#visible; }
 
     // The interface has no list of active applications and no permissions.
@@ -92,6 +99,7 @@ function ownApplication() {
         const results = callPlatform('IApplicationManager.GetCurrentApp', {});
         if (results === null) return applicationOf(-1, -1);
         own = applicationOf(results.appId, results.orgId);
+        Application.setShown(own, tabOfDocument().shown);
     }
     return own;
 }

@@ -1,9 +1,26 @@
-// Whether this document's application is broadcast-related, and what that allows (TS 102 796 6.2.2.6).
+// The tab of this document, and what its application's relation to the broadcast allows (TS 102 796 6.2.2.6).
 
-// Returns the tab of this document, 0 if the page was opened without the platform, and its relation to the broadcast.
+let tabState = null;
+
+// Returns what the host knows of the tab, see docs/browser.md. Its number is 0 if the page is not an application.
 function tabOfDocument() {
-    return {tab: 0, broadcastRelated: true, ...askHost('tab')};
+    if (tabState === null) {
+        const known = askHost('tab');
+        if (known.tab === undefined) return {tab: 0, broadcastRelated: true, origin: '', shown: true};
+        tabState = {...known, shown: known.tab === 0 || known.shown};
+    }
+    return tabState;
 }
+
+onPlatform('tab', (state) => {
+    const {tab, shown: wasShown} = tabOfDocument();
+    if (state.tab !== tab) return;
+    tabState = state;
+    if (state.shown !== wasShown) Application.reportShown(ownApplication(), state.shown);
+});
+
+// A page that closes its window ends its application.
+window.close = () => { askHost('close'); };
 
 function isBroadcastRelated() {
     return tabOfDocument().broadcastRelated;
