@@ -75,6 +75,7 @@ void AddOptions(CLI::App& app, Options& options) {
            "URL")
         ->type_name("[URL=]DIR")
         ->expected(1)
+        ->allow_extra_args(false)
         ->take_all()
         ->check([&options](const std::string& word) { return ReadServed(word, options); });
     app.add_option("--keys", options.keys, "Press these keys, one after the other, when the page has loaded")
