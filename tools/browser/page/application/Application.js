@@ -61,7 +61,7 @@ class Application extends EventTarget {
     // Returns null if the platform does not create it.
     createApplication(uri, createChild) {
         const results = callPlatform('IApplicationManager.CreateApplication', {...identityOf(this),
-            url: applicationUrl(String(uri)), child: Boolean(createChild), opapp: false});
+            url: platformUrl(String(uri)), child: Boolean(createChild), opapp: false});
         return results === null || results.newAppId === -1 ? null : applicationOf(results.newAppId, results.newOrgId);
     }
 
@@ -107,11 +107,6 @@ function ownApplication() {
 // The television's own software is what a document stands for while no application is running.
 function isOwn(application) {
     return application === ownApplication() || application === applicationOf(-1, -1);
-}
-
-// A URL of the broadcast or a CRID is the platform's to resolve; others are relative to the document.
-function applicationUrl(uri) {
-    return /^(dvb|crid):/i.test(uri) ? uri : new URL(uri, document.baseURI).href;
 }
 
 onPlatform('onApplicationTopMost', ({appId, orgId}) => Application.reportTopmost(applicationOf(appId, orgId), true));

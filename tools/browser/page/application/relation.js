@@ -40,10 +40,14 @@ function changeRelation(relation) {
     tellPlatform(`IApplicationManager.${relation === 'related' ? 'SetBIAppToBR' : 'SetBRAppToBI'}`, {tabId: tab});
 }
 
-// Returns what a URL of a page stands for in the broadcast: for a document of the carousel, the host knows where it is.
-function broadcastUrl(url) {
-    if (/^dvb:/i.test(url)) return url;
-    const {carousel} = tabOfDocument();
-    const absolute = new URL(url, document.baseURI);
-    return carousel && absolute.origin === location.origin ? carousel + absolute.pathname : absolute.href;
+// A document of the carousel has an origin of the host, such as http://1.3fb.283d.17.dvb.localhost for
+// dvb://1.3fb.283d.17.
+const kCarouselSuffix = '.dvb.localhost';
+
+// Returns what a URL of a page stands for on the platform, which resolves those of the broadcast and CRIDs itself.
+function platformUrl(url) {
+    if (/^(dvb|crid):/i.test(url)) return url;
+    const {hostname, pathname, search, href} = new URL(url, document.baseURI);
+    return hostname.endsWith(kCarouselSuffix) ?
+        `dvb://${hostname.slice(0, -kCarouselSuffix.length)}${pathname}${search}` : href;
 }
