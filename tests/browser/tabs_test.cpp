@@ -36,7 +36,11 @@ class System : public BrowserSystem {
     }
 
     std::vector<std::string> Command() const {
-        return {HBBTV_BROWSER_PROGRAM, "--serve", "http://arte.example/hbbtv/=" + directory.Path() + "/arte", "--serve",
+        return {HBBTV_BROWSER_PROGRAM,
+                "--headless",
+                "--serve",
+                "http://arte.example/hbbtv/=" + directory.Path() + "/arte",
+                "--serve",
                 "http://zdf.example/hbbtv/=" + directory.Path() + "/zdf"};
     }
 

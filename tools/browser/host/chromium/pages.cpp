@@ -50,6 +50,16 @@ Json::Value AutoAttach() {
     return params;
 }
 
+// Only to be notified when a page is painted.
+Json::Value SmallestPictures() {
+    Json::Value params;
+    params["format"] = "jpeg";
+    params["quality"] = 0;
+    params["maxWidth"] = 16;
+    params["maxHeight"] = 9;
+    return params;
+}
+
 PageChange Text(Kind kind, const std::string& text) {
     return {kind, text, 0, 0, ""};
 }
@@ -247,6 +257,10 @@ void Pages::Take(const std::string& name, const std::string& method, const Json:
     if (method == "Runtime.executionContextDestroyed")
         return ContextsGone(session, params["executionContextId"].asInt());
     if (method == "Runtime.executionContextsCleared") return ContextsGone(session, 0);
+    if (method == "Page.screencastFrame") {
+        mChromium.Send(name, "Page.screencastFrameAck", Object("sessionId", params["sessionId"]));
+        return mHandlers.onPainted();
+    }
     if (mConsole.Take(method, params)) return;
     if (session.main) TakePageEvent(name, session, method, params);
 }
@@ -280,6 +294,11 @@ void Pages::Prepare(const std::string& name, const Session& session) {
         size["deviceScaleFactor"] = 1;
         size["mobile"] = false;
         mChromium.Send(name, "Emulation.setDeviceMetricsOverride", size);
+        // Transparent, so that the picture is seen below an application.
+        Json::Value colour(Json::objectValue);
+        for (const char* part : {"r", "g", "b", "a"}) colour[part] = 0;
+        mChromium.Send(name, "Emulation.setDefaultBackgroundColorOverride", Object("color", colour));
+        if (mHandlers.onPainted) mChromium.Send(name, "Page.startScreencast", SmallestPictures());
         mChromium.Send(name, "Emulation.setFocusEmulationEnabled", Object("enabled", true));
     }
     mChromium.Send(name, "Runtime.runIfWaitingForDebugger", Json::Value(Json::objectValue),
@@ -290,10 +309,10 @@ void Pages::Prepared(const std::string& name) {
     const auto session = mSessions.find(name);
     if (session == mSessions.end()) return;
     session->second.prepared = true;
-    const auto awaited = mAwaited.find(session->second.target);
+    const std::string page = session->second.target;
+    const auto awaited = mAwaited.find(mAwaited.count(page) != 0 ? page : kFirst);
     if (awaited == mAwaited.end()) return;
     const auto onCreated = std::move(awaited->second);
-    const std::string page = awaited->first;
     mAwaited.erase(awaited);
     onCreated(page);
 }
