@@ -5,6 +5,7 @@
 
 #include <future>
 #include <set>
+#include <thread>
 
 #include "common/failure.h"
 #include "common/process.h"
@@ -16,7 +17,8 @@ namespace hbbtv::browser {
 namespace {
 
 constexpr size_t kThreads = 8;  // for events of several families, while a command is open
-constexpr Milliseconds kBetweenLookUps{250};
+constexpr Milliseconds kBetweenLookUps{100};
+constexpr Milliseconds kTimeToStart{3000};
 
 // The library gives a browser up after 10 seconds.
 constexpr std::chrono::seconds kMostForCommand{9};
@@ -56,8 +58,25 @@ Platform::Platform(devtools::Loop& loop, Milliseconds limit)
 
 void Platform::Start(Handlers handlers) {
     mHandlers = std::move(handlers);
+    AwaitService();
     CheckOtherBrowser();
     Register();
+    // So the platform knows that there is a browser, and that tabs of an earlier one are gone.
+    CallLater("IMtm.OnAllTabsDestroyed", Json::Value(Json::objectValue));
+}
+
+// The processes start in any order.
+void Platform::AwaitService() {
+    const auto end = std::chrono::steady_clock::now() + kTimeToStart;
+    while (true) {
+        try {
+            mServices.Of(Package::Get().FindInterface("IMtm"));
+            return;
+        } catch (const Failure& e) {
+            if (e.Code() != kUnavailable || std::chrono::steady_clock::now() >= end) throw;
+        }
+        std::this_thread::sleep_for(kBetweenLookUps);
+    }
 }
 
 void Platform::CheckOtherBrowser() {

@@ -62,6 +62,7 @@ class Platform : public EventSink {
 
     void Register();
     void RegisterObject(const std::string& method, const CallResult& created);
+    void AwaitService();
     void CheckOtherBrowser();
     void Lost();
     void FindAgain();
