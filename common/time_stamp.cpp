@@ -1,9 +1,9 @@
-#include "events/time_stamp.h"
+#include "common/time_stamp.h"
 
 #include <cstdio>
 #include <ctime>
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 namespace {
 
@@ -44,4 +44,4 @@ void TimeStamp::AddTo(Json::Value& line) const {
     line["monotonic_us"] = static_cast<Json::UInt64>(mMonotonic);
 }
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

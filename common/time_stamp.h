@@ -1,4 +1,4 @@
-// When an event arrived.
+// When something happened, on both clocks.
 #pragma once
 
 #include <json/value.h>
@@ -6,12 +6,18 @@
 #include <cstdint>
 #include <string>
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 class TimeStamp {
   public:
     // The present time.
     TimeStamp();
+
+    // Microseconds since 1970, and since the machine has started.
+    TimeStamp(uint64_t wall, uint64_t monotonic) : mWall(wall), mMonotonic(monotonic) {}
+
+    uint64_t Wall() const { return mWall; }
+    uint64_t Monotonic() const { return mMonotonic; }
 
     // Returns the wall-clock time and the seconds of the monotonic clock.
     std::string Text() const;
@@ -24,4 +30,4 @@ class TimeStamp {
     uint64_t mMonotonic;
 };
 
-}  // namespace hbbtv::ctl
+}  // namespace hbbtv

@@ -1,0 +1,143 @@
+#include "traffic/record/recording.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+#include <stdexcept>
+
+#include "common/failure.h"
+#include "common/text/json.h"
+#include "common/text/quote.h"
+
+namespace hbbtv::traffic {
+
+namespace {
+
+// Twice the largest message of a connection as Base64, and the rest of a record.
+constexpr size_t kLongestLine = 16u << 20;
+constexpr size_t kMostProblems = 100;
+
+int CreateFile(const std::string& path) {
+    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0644);
+    if (fd >= 0) return fd;
+    if (errno == EEXIST) throw Failure(kUsage, "the file " + path + " exists: remove it, or choose another name");
+    throw Failure(kUsage, "cannot create " + path + ": " + std::strerror(errno));
+}
+
+Json::Value ToJson(const RecordingHead& head) {
+    Json::Value line(Json::objectValue);
+    line["recording"] = head.version;
+    line["program"] = head.program;
+    line["directory"] = head.directory;
+    line["zone"] = head.zone;
+    head.time.AddTo(line);
+    return line;
+}
+
+RecordingHead HeadFrom(const std::string& path, const std::string& text) {
+    const std::string not_one = path + " is not a recording: ";
+    Json::Value line;
+    try {
+        line = ParseJson(text);
+    } catch (const BadJson& e) {
+        throw Failure(kUsage, not_one + "line 1 is " + e.what());
+    }
+    if (!line.isObject() || !line["recording"].isInt()) {
+        throw Failure(kUsage, not_one + "line 1 has no \"recording\"");
+    }
+    RecordingHead head;
+    head.version = line["recording"].asInt();
+    if (head.version != kRecordingVersion) {
+        throw Failure(kUsage, path + " is a recording of version " + std::to_string(head.version) +
+                                  "; this program reads version " + std::to_string(kRecordingVersion));
+    }
+    for (const auto& [key, member] : {std::pair{"program", &head.program}, std::pair{"directory", &head.directory},
+                                      std::pair{"zone", &head.zone}}) {
+        if (line[key].isString()) *member = line[key].asString();
+    }
+    const auto time = [&line](const char* key) { return line[key].isUInt64() ? line[key].asUInt64() : 0; };
+    head.time = TimeStamp(time("wall_us"), time("monotonic_us"));
+    return head;
+}
+
+}  // namespace
+
+RecordingWriter::RecordingWriter(const std::string& path, const RecordingHead& head) : mFile(CreateFile(path)) {
+    const std::string problem = Append(WriteJson(ToJson(head)) + "\n");
+    if (!problem.empty()) throw Failure(kUsage, "cannot write " + path + ": " + problem);
+}
+
+std::string RecordingWriter::Write(const Record& record) {
+    return Append(WriteJson(traffic::ToJson(record)) + "\n");
+}
+
+std::string RecordingWriter::Append(const std::string& line) {
+    size_t written = 0;
+    while (written < line.size()) {
+        const ssize_t count = write(mFile.Get(), line.data() + written, line.size() - written);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) {
+            const std::string reason = std::strerror(count < 0 ? errno : ENOSPC);
+            // A later record must not be appended to a part of this one.
+            const bool whole = ftruncate(mFile.Get(), static_cast<off_t>(mSize)) == 0;
+            return whole ? reason : reason + "; the last line of the file is cut";
+        }
+        written += static_cast<size_t>(count);
+    }
+    mSize += line.size();
+    return "";
+}
+
+RecordingReader::RecordingReader(const std::string& path)
+    : mPath(path == "-" ? "standard input" : path), mInput(&std::cin) {
+    if (path != "-") {
+        mFile.open(path, std::ios::binary);
+        if (!mFile) throw Failure(kUsage, "cannot read " + path + ": " + std::strerror(errno));
+        mInput = &mFile;
+    }
+    std::string line;
+    bool whole = false;
+    if (!Line(line, whole)) throw Failure(kUsage, mPath + " is not a recording: it is empty");
+    mHead = HeadFrom(mPath, line);
+}
+
+bool RecordingReader::Line(std::string& line, bool& whole) {
+    line.clear();
+    std::streambuf& buffer = *mInput->rdbuf();
+    int next = buffer.sbumpc();
+    if (next == EOF) return false;
+    ++mLine;
+    for (; next != EOF && next != '\n'; next = buffer.sbumpc()) {
+        if (line.size() <= kLongestLine) line += static_cast<char>(next);
+    }
+    whole = next == '\n';
+    return true;
+}
+
+void RecordingReader::Skip(const std::string& reason) {
+    ++mSkipped;
+    if (mProblems.size() < kMostProblems) mProblems.push_back(mPath + ":" + std::to_string(mLine) + ": " + reason);
+}
+
+std::optional<Record> RecordingReader::Next() {
+    std::string line;
+    bool whole = false;
+    while (Line(line, whole)) {
+        if (line.empty()) continue;
+        if (line.size() > kLongestLine) {
+            Skip("longer than " + std::to_string(kLongestLine >> 20) + " MiB");
+            continue;
+        }
+        try {
+            return FromJson(ParseJson(line, kDeepestJson + 8));  // a payload is some levels below its record
+        } catch (const std::runtime_error& e) {
+            Skip(whole ? e.what() : "cut: the file ends in this line");
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace hbbtv::traffic
