@@ -159,7 +159,7 @@ std::vector<Row> ServiceRows() {
         {kOne, Unit::kPerSecond, "", {}, [&] { return scene.CallsPerSecond(1); }},
         {"18 clients, each of its own family", Unit::kPerSecond, kOne, Target{true, 1.6},
          [&] { return scene.CallsPerSecond(kFamilies); }},
-        {"service, resident, all families used", Unit::kKiB, "", Target{false, 10752},
+        {"service, resident, all families used", Unit::kKiB, "", Target{false, 10240},
          [&] { return scene.ResidentKiB(); }},
         {"service, until all names are served", Unit::kMilliseconds, "", Target{false, 60}, StartMilliseconds},
     };

@@ -18,7 +18,7 @@ constexpr int kRecordingVersion = 1;
 // The first line of a recording.
 struct RecordingHead {
     int version = kRecordingVersion;
-    std::string program;    // "hbbtvctl 1.0.0"
+    std::string program;    // its name and version
     std::string directory;  // of the sockets
     std::string zone;       // of the machine's wall clock: "+01:00"
     TimeStamp time;         // of the beginning
