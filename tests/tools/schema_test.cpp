@@ -63,6 +63,13 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     WriteFile(play, kPlay);
     const std::vector<std::vector<std::string>> commands{
         {"list"},
+        {"describe", "IChannel"},
+        {"describe", "IMtmCallback.CreateApp"},
+        {"describe", "IChannel.GetOnid"},
+        {"describe", "TolmRect"},
+        {"describe", "TolmVBPlayState"},
+        {"describe", "channel"},
+        {"describe", "channel.GetOnid"},
         {"doctor"},
         {"check", "platform"},
         {"status"},

@@ -182,7 +182,8 @@ void Identify(Record& record, const std::string& socket) {
     record.event = !endpoint->ofPlatform;
     if (!record.message.json.isObject()) return;
     const WireFamily& family = FindFamily(record.family);
-    const Json::Value* entry = record.event ? family.EventOf(record.message.json) : family.RequestOf(record.message.json);
+    const Json::Value* entry =
+        record.event ? family.EventOf(record.message.json) : family.RequestOf(record.message.json);
     if (entry == nullptr) return;
     record.operation = (*entry)["name"].asString();
     record.code = (*entry)["code"].asInt();

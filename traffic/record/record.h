@@ -40,8 +40,8 @@ struct Record {
     };
 
     Kind kind = Kind::Exchange;
-    uint64_t number = 0;  // from 1, in the order in which records were completed
-    TimeStamp time{0, 0};  // when the message had arrived
+    uint64_t number = 0;      // from 1, in the order in which records were completed
+    TimeStamp time{0, 0};     // when the message had arrived
     uint64_t connection = 0;  // from 1; 0: none
     std::string socket;       // name of the file
     std::string family;       // "channel"; empty if the socket is not one of the wire
