@@ -129,7 +129,8 @@ class FilterParser {
             word.comparison = Comparison();
             if (!word.comparison.empty()) {
                 word.field = std::exchange(word.value, "");
-                if (word.field.empty()) FailAt(word.position, "a field is missing before " + hbbtv::Quoted(word.comparison));
+                if (word.field.empty())
+                    FailAt(word.position, "a field is missing before " + hbbtv::Quoted(word.comparison));
                 word.quoted = Here() == '"';
                 word.value = word.quoted ? Quoted() : Plain("&|()");
                 if (word.value.empty() && !word.quoted) FailAt(mAt + 1, "a value is missing after " + word.field);

@@ -184,7 +184,8 @@ FilterNode FamilyTest(const FilterWord& word) {
     }));
 }
 
-// Returns the names in protocol/ of an operation or an event: that of the wire, or those whose HIDL method has the name.
+// Returns the names in protocol/ of an operation or an event: that of the wire, or those whose HIDL method has the
+// name.
 std::set<std::string> OperationsNamed(const std::string& wanted, std::set<std::string>& known) {
     std::set<std::string> names;
     for (const WireFamily& family : WireFamilies()) {
@@ -209,8 +210,8 @@ FilterNode OperationTest(const FilterWord& word) {
     std::set<std::string> known;
     const std::set<std::string> names = OperationsNamed(wanted, known);
     if (names.empty() && !Contains(wanted, "*")) {
-        FailAt(word.position, "unknown operation or event " + Quoted(word.value) +
-                                  DidYouMean(word.value, known, kShortList));
+        FailAt(word.position,
+               "unknown operation or event " + Quoted(word.value) + DidYouMean(word.value, known, kShortList));
     }
     return Made(Equal(word, [names, wanted](const Subject& subject) {
         const std::string& operation = subject.Of().operation;

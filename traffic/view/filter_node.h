@@ -42,8 +42,8 @@ struct FilterWord {
     std::string field;       // empty: a word or text
     std::string comparison;  // ":", "!=", ">", ...
     std::string value;
-    bool quoted = false;     // the value
-    size_t position = 0;     // in the text, from 1
+    bool quoted = false;  // the value
+    size_t position = 0;  // in the text, from 1
 };
 
 // Returns the test that a word asks for. Throws Failure(kUsage) with the position.

@@ -77,8 +77,8 @@ bool IsKey(const std::string& key, const std::string& ofProtocol) {
     if (key.size() <= number + tail.size() || key.compare(0, number, ofProtocol, 0, number) != 0) return false;
     const size_t end = key.size() - tail.size();
     return key.compare(end, std::string::npos, tail) == 0 &&
-           std::all_of(key.begin() + static_cast<std::ptrdiff_t>(number), key.begin() + static_cast<std::ptrdiff_t>(end),
-                       [](char c) { return c >= '0' && c <= '9'; });
+           std::all_of(key.begin() + static_cast<std::ptrdiff_t>(number),
+                       key.begin() + static_cast<std::ptrdiff_t>(end), [](char c) { return c >= '0' && c <= '9'; });
 }
 
 bool IsError(const Record& record) {

@@ -29,7 +29,8 @@ std::optional<std::string> NameIn(const std::string& operation, const Json::Valu
 Names::Object& Names::Remembered(uint64_t handle) {
     const auto found = mObjects.find(handle);
     if (found != mObjects.end()) return found->second;
-    // What was released is still in the order, so this may remove nothing; but the order is as short as the map's limit.
+    // What was released is still in the order, so this may remove nothing; but the order is as short as the map's
+    // limit.
     if (mOrder.size() >= kMost) {
         mObjects.erase(mOrder.front());
         mOrder.pop_front();

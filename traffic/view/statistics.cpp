@@ -153,11 +153,10 @@ std::string Statistics::Text(const std::string& zone) const {
         const Durations& times = operation.durations;
         char row[160];
         const auto time = [&times](uint64_t value) { return times.Count() == 0 ? "-" : Milliseconds3(value); };
-        std::snprintf(row, sizeof(row), "%8llu %7llu %11llu %10s %10s %10s  ",
-                      static_cast<unsigned long long>(operation.calls),
-                      static_cast<unsigned long long>(operation.errors),
-                      static_cast<unsigned long long>(operation.bytes), time(times.Percentile(0.5)).c_str(),
-                      time(times.Percentile(0.99)).c_str(), time(times.Longest()).c_str());
+        std::snprintf(
+            row, sizeof(row), "%8llu %7llu %11llu %10s %10s %10s  ", static_cast<unsigned long long>(operation.calls),
+            static_cast<unsigned long long>(operation.errors), static_cast<unsigned long long>(operation.bytes),
+            time(times.Percentile(0.5)).c_str(), time(times.Percentile(0.99)).c_str(), time(times.Longest()).c_str());
         text += row + std::string(operation.event ? "* " : "") + Printable(name) + "\n";
     }
     if (!mSlowest.empty()) text += "slowest\n";

@@ -36,9 +36,8 @@ std::vector<std::pair<std::string, Record>> Sample() {
     bent.rule = "delay=2s";
     bent.library = {4711, 1000, "hbbtv-service"};
     Record other = Exchange("private_socket", R"({"a":1})", "no JSON");
-    return {{"name", GetName()},    {"set", SetChannel(0, 5000)}, {"bent", bent},
-            {"event", ChangedEvent()}, {"open", open},            {"damaged", damaged},
-            {"note", note},         {"other", other}};
+    return {{"name", GetName()}, {"set", SetChannel(0, 5000)}, {"bent", bent}, {"event", ChangedEvent()},
+            {"open", open},      {"damaged", damaged},         {"note", note}, {"other", other}};
 }
 
 std::string Passing(const std::string& filter) {
@@ -137,11 +136,13 @@ std::string Problem(const std::string& filter) {
 }
 
 TEST(Filter, RefusesWhatItDoesNotUnderstandWithItsPlace) {
-    EXPECT_EQ(Problem("famly:channel"), "filter, character 1: unknown field \"famly\"; did you mean \"family\"? (text with "
-                                        "\":\" in it has to be in quotes)");
+    EXPECT_EQ(Problem("famly:channel"),
+              "filter, character 1: unknown field \"famly\"; did you mean \"family\"? (text with "
+              "\":\" in it has to be in quotes)");
     EXPECT_EQ(Problem("event & family:chanel"),
               "filter, character 9: unknown family \"chanel\"; did you mean \"channel\"? (see `hbbtvctl list`)");
-    EXPECT_EQ(Problem("op:GetNam"), "filter, character 1: unknown operation or event \"GetNam\"; did you mean \"GetName\"?");
+    EXPECT_EQ(Problem("op:GetNam"),
+              "filter, character 1: unknown operation or event \"GetNam\"; did you mean \"GetName\"?");
     EXPECT_EQ(Problem("ms>fast"), "filter, character 1: \"fast\" is not a number");
     EXPECT_EQ(Problem("ms>"), "filter, character 4: a value is missing after ms");
     EXPECT_EQ(Problem("ms~5"), "filter, character 1: \"ms\" cannot be compared by \"~\"");

@@ -13,8 +13,9 @@ TEST(Line, ShowsAnExchange) {
     const Names names;
     EXPECT_EQ(Line(GetName(), names),
               R"(11:47:25.458629   channel.GetName c_handle=0x1388f0af -> 0 name="Das Erste HD"  0.312 ms)");
-    EXPECT_EQ(Line(SetChannel(-1, 5201000), names),
-              R"(11:47:25.458629   video_broadcast.SetChannel channel=0x1388f0af trickPlay=false url="" vb_handle=0x00001000 -> -1  5.201 s)");
+    EXPECT_EQ(
+        Line(SetChannel(-1, 5201000), names),
+        R"(11:47:25.458629   video_broadcast.SetChannel channel=0x1388f0af trickPlay=false url="" vb_handle=0x00001000 -> -1  5.201 s)");
 }
 
 TEST(Line, MarksEventsAndUsesTheZoneOfTheRecording) {
@@ -32,12 +33,14 @@ TEST(Line, ShowsWhatIsMissingOrDamagedOrWasDoneOnPurpose) {
     EXPECT_EQ(Line(open, Names()), "11:47:25.458629   channel.GetName c_handle=0x1388f0af -> no reply yet");
     open.open = false;
     open.note = "the platform has closed the connection";
-    EXPECT_EQ(Line(open, Names()), "11:47:25.458629   channel.GetName c_handle=0x1388f0af -> no reply  # the platform has "
-                                   "closed the connection");
+    EXPECT_EQ(Line(open, Names()),
+              "11:47:25.458629   channel.GetName c_handle=0x1388f0af -> no reply  # the platform has "
+              "closed the connection");
     Record damaged = GetName("\x1b[2J{");
     damaged.rule = "op:GetName corrupt";
-    EXPECT_EQ(Line(damaged, Names()), "11:47:25.458629   channel.GetName c_handle=0x1388f0af -> 5 bytes "
-                                      "\"\\u001b[2J{\"  0.312 ms  [op:GetName corrupt]");
+    EXPECT_EQ(Line(damaged, Names()),
+              "11:47:25.458629   channel.GetName c_handle=0x1388f0af -> 5 bytes "
+              "\"\\u001b[2J{\"  0.312 ms  [op:GetName corrupt]");
     const Record unknown = Exchange(kChannels, R"({"method":777})", R"({"ret":0})");
     EXPECT_NE(Line(unknown, Names()).find(" channel.? method=777"), std::string::npos) << Line(unknown, Names());
 }
@@ -59,8 +62,9 @@ TEST(Line, ShowsConnections) {
     record.time = TimeStamp(kWall, 0);
     record.library = {4711, 0, "hbbtv-service"};
     Identify(record, kChannels);
-    EXPECT_EQ(Line(record, Names()), "11:47:25.458629 + channel connection 3: library hbbtv-service (4711), platform an "
-                                     "unknown process");
+    EXPECT_EQ(Line(record, Names()),
+              "11:47:25.458629 + channel connection 3: library hbbtv-service (4711), platform an "
+              "unknown process");
     record.kind = Record::Kind::Closed;
     record.note = "by the library";
     EXPECT_EQ(Line(record, Names()), "11:47:25.458629 - channel connection 3 closed  # by the library");
@@ -83,7 +87,8 @@ TEST(Names, AreNotLearntFromWhatFailed) {
     Names names;
     names.Learn(GetName(R"({"name":"Das Erste HD","ret":-1})"));
     names.Learn(GetName("no JSON"));
-    names.Learn(Exchange(kChannels, R"({"c_handle":"0x1388f0af","method":27,"type":12})", R"({"longname":"x","ret":0})"));
+    names.Learn(
+        Exchange(kChannels, R"({"c_handle":"0x1388f0af","method":27,"type":12})", R"({"longname":"x","ret":0})"));
     EXPECT_EQ(names.Of(0x1388f0af), "");
 }
 
@@ -145,7 +150,8 @@ TEST(Statistics, CountCallsErrorsBytesAndTimes) {
     EXPECT_NE(text.find("22 exchanges, 1 errors"), std::string::npos) << text;
     EXPECT_NE(text.find("      20       1 "), std::string::npos) << text;
     EXPECT_NE(text.find("* channel_config.changed"), std::string::npos) << text;
-    EXPECT_NE(text.find("slowest\n  11:47:25.458629  20.000 ms  video_broadcast.SetChannel"), std::string::npos) << text;
+    EXPECT_NE(text.find("slowest\n  11:47:25.458629  20.000 ms  video_broadcast.SetChannel"), std::string::npos)
+        << text;
 }
 
 TEST(Statistics, StayShortWhateverAPeerInvents) {
