@@ -3,9 +3,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <iostream>
 #include <stdexcept>
 
 #include "common/failure.h"
@@ -19,12 +19,28 @@ namespace {
 // Twice the largest message of a connection as Base64, and the rest of a record.
 constexpr size_t kLongestLine = 16u << 20;
 constexpr size_t kMostProblems = 100;
+constexpr size_t kBuffer = 256u << 10;
 
 int CreateFile(const std::string& path) {
     const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0644);
     if (fd >= 0) return fd;
     if (errno == EEXIST) throw Failure(kUsage, "the file " + path + " exists: remove it, or choose another name");
     throw Failure(kUsage, "cannot create " + path + ": " + std::strerror(errno));
+}
+
+// "-" is standard input.
+int OpenFile(const std::string& path) {
+    const int fd = path == "-" ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) throw Failure(kUsage, "cannot read " + path + ": " + std::strerror(errno));
+    return fd;
+}
+
+ssize_t ReadSome(int fd, char* bytes, size_t most) {
+    ssize_t count = -1;
+    do {
+        count = read(fd, bytes, most);
+    } while (count < 0 && errno == EINTR);
+    return count;
 }
 
 Json::Value ToJson(const RecordingHead& head) {
@@ -91,13 +107,8 @@ std::string RecordingWriter::Append(const std::string& line) {
     return "";
 }
 
-RecordingReader::RecordingReader(const std::string& path)
-    : mPath(path == "-" ? "standard input" : path), mInput(&std::cin) {
-    if (path != "-") {
-        mFile.open(path, std::ios::binary);
-        if (!mFile) throw Failure(kUsage, "cannot read " + path + ": " + std::strerror(errno));
-        mInput = &mFile;
-    }
+RecordingReader::RecordingReader(const std::string& path, Payloads payloads)
+    : mPath(path == "-" ? "standard input" : path), mPayloads(payloads), mFile(OpenFile(path)) {
     std::string line;
     bool whole = false;
     if (!Line(line, whole)) throw Failure(kUsage, mPath + " is not a recording: it is empty");
@@ -106,20 +117,35 @@ RecordingReader::RecordingReader(const std::string& path)
 
 bool RecordingReader::Line(std::string& line, bool& whole) {
     line.clear();
-    std::streambuf& buffer = *mInput->rdbuf();
-    int next = buffer.sbumpc();
-    if (next == EOF) return false;
-    ++mLine;
-    for (; next != EOF && next != '\n'; next = buffer.sbumpc()) {
-        if (line.size() <= kLongestLine) line += static_cast<char>(next);
+    bool any = false;
+    for (whole = false; !whole;) {
+        if (mUsed == mBuffer.size()) {
+            mBuffer.resize(kBuffer);
+            const ssize_t count = ReadSome(mFile.Get(), mBuffer.data(), mBuffer.size());
+            if (count < 0) throw Failure(kUsage, "cannot read " + mPath + ": " + std::strerror(errno));
+            mBuffer.resize(static_cast<size_t>(count));
+            mUsed = 0;
+            if (count == 0) break;
+        }
+        any = true;
+        const size_t found = mBuffer.find('\n', mUsed);
+        whole = found != std::string::npos;
+        const size_t end = whole ? found : mBuffer.size();
+        if (line.size() <= kLongestLine) line.append(mBuffer, mUsed, std::min(end - mUsed, kLongestLine + 1));
+        mUsed = whole ? end + 1 : end;
     }
-    whole = next == '\n';
-    return true;
+    mLine += any ? 1 : 0;
+    return any;
 }
 
 void RecordingReader::Skip(const std::string& reason) {
     ++mSkipped;
     if (mProblems.size() < kMostProblems) mProblems.push_back(mPath + ":" + std::to_string(mLine) + ": " + reason);
+}
+
+Record RecordingReader::Parsed(const std::string& line) const {
+    if (std::optional<Record> record = ScanRecord(line, mPayloads)) return *std::move(record);
+    return FromJson(ParseJson(line, kDeepestJson + 8));  // a payload is some levels below its record
 }
 
 std::optional<Record> RecordingReader::Next() {
@@ -132,7 +158,7 @@ std::optional<Record> RecordingReader::Next() {
             continue;
         }
         try {
-            return FromJson(ParseJson(line, kDeepestJson + 8));  // a payload is some levels below its record
+            return Parsed(line);
         } catch (const std::runtime_error& e) {
             Skip(whole ? e.what() : "cut: the file ends in this line");
         }

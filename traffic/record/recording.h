@@ -2,14 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "common/local_socket.h"
 #include "traffic/record/record.h"
+#include "traffic/record/record_scan.h"
 
 namespace hbbtv::traffic {
 
@@ -45,7 +44,7 @@ class RecordingWriter {
 class RecordingReader {
   public:
     // "-" is standard input. Throws Failure(kUsage) if the file cannot be read or is not a recording of this version.
-    explicit RecordingReader(const std::string& path);
+    explicit RecordingReader(const std::string& path, Payloads payloads = Payloads::Read);
 
     const RecordingHead& Head() const { return mHead; }
 
@@ -60,10 +59,13 @@ class RecordingReader {
     // Reads a line. Returns false at the end of the file. A line without an end has been cut.
     bool Line(std::string& line, bool& whole);
     void Skip(const std::string& reason);
+    Record Parsed(const std::string& line) const;
 
     const std::string mPath;
-    std::ifstream mFile;
-    std::istream* mInput;
+    const Payloads mPayloads;
+    Descriptor mFile;
+    std::string mBuffer;  // bytes of the file
+    size_t mUsed = 0;     // of the buffer
     RecordingHead mHead;
     uint64_t mLine = 0;
     std::vector<std::string> mProblems;
