@@ -1,0 +1,42 @@
+// The thread that talks to Chromium: runs posted functions and timers. The networking library is hidden behind this
+// header; only the files of this folder use it.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "common/duration.h"
+
+namespace asio {
+class io_context;
+}
+
+namespace hbbtv::devtools {
+
+class Loop {
+  public:
+    Loop();
+    ~Loop();
+    Loop(const Loop&) = delete;
+    Loop& operator=(const Loop&) = delete;
+
+    // Runs the function after the current one. Thread-safe.
+    void Post(std::function<void()> function);
+
+    // Runs the function once, after at least this time.
+    void After(Milliseconds delay, std::function<void()> function);
+
+    // Runs functions until `done` returns true, which is asked after each of them. Returns false at the limit. May be
+    // called by a function that the loop runs.
+    bool RunUntil(const std::function<bool()>& done, Milliseconds limit);
+
+    // Runs functions until `done` returns true.
+    void RunUntil(const std::function<bool()>& done);
+
+    asio::io_context& Context() { return *mContext; }
+
+  private:
+    const std::unique_ptr<asio::io_context> mContext;
+};
+
+}  // namespace hbbtv::devtools
