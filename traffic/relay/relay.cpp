@@ -31,7 +31,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kConnectAgain{10};  // to a socket whose backlog is full
-constexpr milliseconds kLook{20};          // whether connections can be ended; longer than a message takes to be recorded
+constexpr milliseconds kLook{20};  // whether connections can be ended; longer than a message takes to be recorded
 constexpr milliseconds kLongestEnd{1000};
 constexpr size_t kMostShown = 100;
 
@@ -120,9 +120,8 @@ Relay::Body::Body(const RelaySettings& settings, std::function<void(const Record
     AllowDescriptors();
     mRestored = mPlaces.Restored();
     for (const std::string& directory : mDirectories) {
-        mControls.push_back(std::make_unique<Control>(mContext, Claim::ControlPath(directory), [this] {
-            return Answer();
-        }));
+        mControls.push_back(
+            std::make_unique<Control>(mContext, Claim::ControlPath(directory), [this] { return Answer(); }));
     }
     SayExisting(settings.breaks);
     mPlaces.Take();
