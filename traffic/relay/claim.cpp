@@ -29,7 +29,8 @@ std::string PathOfFile(const std::string& directory) {
 
 // Returns whether the descriptor is still that of the file at the path.
 bool IsAt(int fd, const std::string& path) {
-    struct stat open {}, named {};
+    struct stat open {
+    }, named{};
     return fstat(fd, &open) == 0 && lstat(path.c_str(), &named) == 0 && open.st_ino == named.st_ino &&
            open.st_dev == named.st_dev;
 }
@@ -38,7 +39,8 @@ std::string Read(int fd) {
     std::string text;
     char bytes[4096];
     ssize_t count;
-    while (text.size() < kLongestFile && (count = pread(fd, bytes, sizeof(bytes), static_cast<off_t>(text.size()))) > 0) {
+    while (text.size() < kLongestFile &&
+           (count = pread(fd, bytes, sizeof(bytes), static_cast<off_t>(text.size()))) > 0) {
         text.append(bytes, static_cast<size_t>(count));
     }
     return text;

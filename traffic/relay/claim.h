@@ -49,8 +49,8 @@ class Claim {
 
 // What is known about a relay in a directory.
 struct RelayFound {
-    pid_t process = 0;  // of a running one; 0: none
-    std::string name;   // "hbbtvctl monitor (4711)"
+    pid_t process = 0;                  // of a running one; 0: none
+    std::string name;                   // "hbbtvctl monitor (4711)"
     std::vector<std::string> restored;  // sockets that a killed one had left
     std::string problem;                // why they could not be restored
 };

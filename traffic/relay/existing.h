@@ -10,10 +10,10 @@
 namespace hbbtv::traffic {
 
 struct ExistingConnection {
-    std::string socket;     // name of the file
+    std::string socket;       // name of the file
     unsigned long inode = 0;  // of the end of the process that serves the socket, as /proc names it
-    pid_t process = 0;      // that process; 0: unknown
-    int descriptor = -1;    // its descriptor, if the process is known
+    pid_t process = 0;        // that process; 0: unknown
+    int descriptor = -1;      // its descriptor, if the process is known
 };
 
 // Returns the connections to sockets of these names in the directory. Call it before connecting to them: a connection

@@ -17,7 +17,8 @@ namespace hbbtv::traffic {
 // All functions are called by the thread of the io_context.
 class Link : public std::enable_shared_from_this<Link> {
   public:
-    // Takes ownership of the descriptors. `ofLibrary`: the library serves the socket. `onClosed` is called once, when both are closed.
+    // Takes ownership of the descriptors. `ofLibrary`: the library serves the socket. `onClosed` is called once, when
+    // both are closed.
     Link(asio::io_context& context, int caller, int server, uint64_t number, bool ofLibrary, Recorder& recorder,
          std::function<void(uint64_t)> onClosed);
 

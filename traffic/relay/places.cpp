@@ -87,6 +87,7 @@ void Places::GiveBack() {
         if (names->is_open()) names->cancel(ignored);
     }
     while (!mServed.empty()) Drop(mServed.begin()->first);
+    mClaims.clear();
 }
 
 std::set<std::string> Places::SocketsIn(const std::string& directory) const {
@@ -197,12 +198,13 @@ bool Places::Accept(const Key& key, Served& served) {
 // When its process has ended, the owner's file has to be at its name: whoever starts it again looks there.
 void Places::AwaitEnd(const Key& key, const std::shared_ptr<Served>& served) {
     if (!served->owner.is_open()) return;
-    served->owner.async_wait(asio::posix::descriptor_base::wait_read, [this, key, served](const asio::error_code& error) {
-        if (error || mServed.count(key) == 0 || mServed[key] != served) return;
-        asio::error_code ignored;
-        served->owner.close(ignored);
-        if (!served->place->HasOwner()) Drop(key);
-    });
+    served->owner.async_wait(asio::posix::descriptor_base::wait_read,
+                             [this, key, served](const asio::error_code& error) {
+                                 if (error || mServed.count(key) == 0 || mServed[key] != served) return;
+                                 asio::error_code ignored;
+                                 served->owner.close(ignored);
+                                 if (!served->place->HasOwner()) Drop(key);
+                             });
 }
 
 void Places::CheckOwner(const std::string& socket) {

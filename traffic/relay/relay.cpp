@@ -31,7 +31,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kConnectAgain{10};  // to a socket whose backlog is full
-constexpr milliseconds kLook{20};          // whether connections can be ended; longer than a message takes to be recorded
+constexpr milliseconds kLook{20};  // whether connections can be ended; longer than a message takes to be recorded
 constexpr milliseconds kLongestEnd{1000};
 constexpr size_t kMostShown = 100;
 
@@ -87,6 +87,7 @@ class Relay::Body {
     void Stop();
     std::vector<Record> Open() const { return mRecorder.Open(); }
     const std::vector<std::string>& Restored() const { return mRestored; }
+    std::set<std::string> Sockets() const { return mPlaces.Taken(); }
 
   private:
     PlacesHandlers Handlers();
@@ -120,9 +121,8 @@ Relay::Body::Body(const RelaySettings& settings, std::function<void(const Record
     AllowDescriptors();
     mRestored = mPlaces.Restored();
     for (const std::string& directory : mDirectories) {
-        mControls.push_back(std::make_unique<Control>(mContext, Claim::ControlPath(directory), [this] {
-            return Answer();
-        }));
+        mControls.push_back(
+            std::make_unique<Control>(mContext, Claim::ControlPath(directory), [this] { return Answer(); }));
     }
     SayExisting(settings.breaks);
     mPlaces.Take();
@@ -201,6 +201,7 @@ void Relay::Body::Stop() {
 // From the first step on, connections are made without the relay. Those that there are cannot be passed over to their
 // ends, so they end between two exchanges.
 void Relay::Body::Leave() {
+    mControls.clear();
     mPlaces.GiveBack();
     CloseIdle(std::chrono::steady_clock::now() + kLongestEnd);
 }
@@ -222,10 +223,10 @@ void Relay::Body::CloseIdle(std::chrono::steady_clock::time_point deadline) {
 }
 
 void Relay::Body::End() {
+    mControls.clear();
     mPlaces.GiveBack();
     const auto links = mLinks;
     for (const auto& [number, link] : links) link->Close("by the relay, which ends");
-    mControls.clear();
     mRecorder.Finish();
 }
 
@@ -261,6 +262,10 @@ void Relay::Stop() {
 
 std::vector<Record> Relay::Open() const {
     return mBody->Open();
+}
+
+std::set<std::string> Relay::Sockets() const {
+    return mBody->Sockets();
 }
 
 const std::vector<std::string>& Relay::Restored() const {
