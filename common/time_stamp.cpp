@@ -44,4 +44,13 @@ void TimeStamp::AddTo(Json::Value& line) const {
     line["monotonic_us"] = static_cast<Json::UInt64>(mMonotonic);
 }
 
+std::string LocalZone() {
+    const time_t now = std::time(nullptr);
+    tm parts{};
+    localtime_r(&now, &parts);
+    char zone[16];
+    std::strftime(zone, sizeof(zone), "%z", &parts);
+    return std::string(zone).insert(3, ":");
+}
+
 }  // namespace hbbtv

@@ -30,4 +30,7 @@ class TimeStamp {
     uint64_t mMonotonic;
 };
 
+// Returns what the machine's wall clock is ahead of UTC: "+01:00".
+std::string LocalZone();
+
 }  // namespace hbbtv

@@ -100,7 +100,7 @@ TEST(DocumentsOfHbbtvctl, ExplainEveryCommandAndExitCode) {
     for (std::sregex_iterator it(commands.begin(), commands.end(), command), end; it != end; ++it, ++count) {
         EXPECT_THAT(document, testing::HasSubstr("\n## " + (*it)[1].str())) << "each command has a section";
     }
-    EXPECT_EQ(count, 14u) << help;
+    EXPECT_EQ(count, 15u) << help;
     for (const int code : {0, 1, 2, 3, 4, 5, 6, 7, 130}) {
         EXPECT_THAT(document, testing::HasSubstr("\n| " + std::to_string(code) + " | "));
         EXPECT_THAT(help, testing::HasSubstr("\n  " + std::to_string(code) + "  "));
@@ -171,7 +171,7 @@ TEST_P(Help, ShowsExamplesThatWork) {
 
 INSTANTIATE_TEST_SUITE_P(Of, Help,
                          testing::Values("list", "describe", "call", "listen", "send", "emit", "play", "bench",
-                                         "status", "log", "check", "doctor", "completion", "man"),
+                                         "monitor", "status", "log", "check", "doctor", "completion", "man"),
                          [](const auto& command) { return std::string(command.param); });
 
 }  // namespace

@@ -87,6 +87,7 @@ void Places::GiveBack() {
         if (names->is_open()) names->cancel(ignored);
     }
     while (!mServed.empty()) Drop(mServed.begin()->first);
+    mClaims.clear();
 }
 
 std::set<std::string> Places::SocketsIn(const std::string& directory) const {

@@ -37,6 +37,8 @@ class Places {
 
     // Takes the places of the sockets that there are, and of later ones until GiveBack().
     void Take();
+
+    // Another relay can then begin.
     void GiveBack();
 
     // Returns the names of the sockets in a directory that a relay takes, if a process serves them.

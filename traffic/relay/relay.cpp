@@ -87,6 +87,7 @@ class Relay::Body {
     void Stop();
     std::vector<Record> Open() const { return mRecorder.Open(); }
     const std::vector<std::string>& Restored() const { return mRestored; }
+    std::set<std::string> Sockets() const { return mPlaces.Taken(); }
 
   private:
     PlacesHandlers Handlers();
@@ -200,6 +201,7 @@ void Relay::Body::Stop() {
 // From the first step on, connections are made without the relay. Those that there are cannot be passed over to their
 // ends, so they end between two exchanges.
 void Relay::Body::Leave() {
+    mControls.clear();
     mPlaces.GiveBack();
     CloseIdle(std::chrono::steady_clock::now() + kLongestEnd);
 }
@@ -221,10 +223,10 @@ void Relay::Body::CloseIdle(std::chrono::steady_clock::time_point deadline) {
 }
 
 void Relay::Body::End() {
+    mControls.clear();
     mPlaces.GiveBack();
     const auto links = mLinks;
     for (const auto& [number, link] : links) link->Close("by the relay, which ends");
-    mControls.clear();
     mRecorder.Finish();
 }
 
@@ -260,6 +262,10 @@ void Relay::Stop() {
 
 std::vector<Record> Relay::Open() const {
     return mBody->Open();
+}
+
+std::set<std::string> Relay::Sockets() const {
+    return mBody->Sockets();
 }
 
 const std::vector<std::string>& Relay::Restored() const {

@@ -41,6 +41,9 @@ class Relay {
     // Returns the exchanges that have no reply yet, as records without a number, oldest first. Thread-safe.
     std::vector<Record> Open() const;
 
+    // Returns the names of the sockets whose place it has. Not while Run() runs.
+    std::set<std::string> Sockets() const;
+
     // Returns the names of the sockets that an earlier relay, which was killed, had left and this one has restored.
     const std::vector<std::string>& Restored() const;
 
