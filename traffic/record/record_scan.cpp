@@ -94,7 +94,8 @@ class Scanner {
 
     bool Word(std::string_view word) {
         SkipBlanks();
-        if (static_cast<size_t>(mEnd - mAt) < word.size() || std::memcmp(mAt, word.data(), word.size()) != 0) return false;
+        if (static_cast<size_t>(mEnd - mAt) < word.size() || std::memcmp(mAt, word.data(), word.size()) != 0)
+            return false;
         mAt += word.size();
         return true;
     }
@@ -294,10 +295,10 @@ bool ScanField(Scanner& scanner, int field, Payloads payloads, Record& record, u
     }
 }
 
-constexpr std::string_view kFields[] = {
-    "number",    "kind",   "wall_us", "monotonic_us", "connection",  "socket", "family",
-    "event",     "operation", "code", "message",      "reply",       "duration_us", "status",
-    "open",      "library",   "platform", "rule",     "note"};
+constexpr std::string_view kFields[] = {"number",  "kind",     "wall_us",     "monotonic_us", "connection",
+                                        "socket",  "family",   "event",       "operation",    "code",
+                                        "message", "reply",    "duration_us", "status",       "open",
+                                        "library", "platform", "rule",        "note"};
 
 }  // namespace
 
@@ -306,9 +307,8 @@ std::optional<Record> ScanRecord(std::string_view line, Payloads payloads) {
     Scanner scanner(line);
     Keys keys;
     uint64_t times[2]{};
-    const bool read = scanner.Members([&](std::string_view key) {
-        return ScanField(scanner, keys.Find(kFields, key), payloads, *record, times);
-    });
+    const bool read = scanner.Members(
+        [&](std::string_view key) { return ScanField(scanner, keys.Find(kFields, key), payloads, *record, times); });
     const bool whole = read && scanner.AtEnd() && keys.Seen(0) && keys.Seen(1) && keys.Seen(2) && keys.Seen(3);
     if (!whole) return std::nullopt;
     record->time = TimeStamp(times[0], times[1]);

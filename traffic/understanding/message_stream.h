@@ -12,8 +12,8 @@ namespace hbbtv::traffic {
 
 class MessageStream {
   public:
-    // Called for each message that has become complete; of a payload, at most kLargestPayload bytes are kept. `damaged`:
-    // it is a piece of the bytes after a header that is not one, all of them in `raw`.
+    // Called for each message that has become complete; of a payload, at most kLargestPayload bytes are kept.
+    // `damaged`: it is a piece of the bytes after a header that is not one, all of them in `raw`.
     using Taker = std::function<void(Message&& message, bool damaged)>;
 
     void Take(const std::string& bytes, const Taker& take);
