@@ -14,6 +14,7 @@
 #include "common/failure.h"
 #include "common/interruption.h"
 #include "common/local_socket.h"
+#include "common/text/json.h"
 
 namespace hbbtv {
 
@@ -77,6 +78,16 @@ void PassForDebug(const ServiceCaller& service, int fd, const std::vector<std::s
     InTime(limit, service.Name() + ".debug",
            [base = service.Service(), copy, options, answered] { *answered = CallDebug(*base, copy, options); });
     CheckAnswered(service, *answered);
+}
+
+std::set<pid_t> ClientsOf(const ServiceCaller& service, Milliseconds limit) {
+    std::set<pid_t> clients;
+    try {
+        const Json::Value report = ParseJson(Debug(service, {"--json"}, limit));
+        for (const Json::Value& client : report["families"][0]["clients"]) clients.insert(client.asInt());
+    } catch (const BadJson&) {
+    }
+    return clients;
 }
 
 ServiceCaller AnyService(Milliseconds limit) {

@@ -26,6 +26,9 @@ class Loop {
     // Runs the function once, after at least this time.
     void After(Milliseconds delay, std::function<void()> function);
 
+    // Calls the function on SIGINT and SIGTERM, which then do not end the process.
+    void OnSignals(std::function<void()> function);
+
     // Runs functions until `done` returns true, which is asked after each of them. Returns false at the limit. May be
     // called by a function that the loop runs.
     bool RunUntil(const std::function<bool()>& done, Milliseconds limit);
@@ -36,7 +39,11 @@ class Loop {
     asio::io_context& Context() { return *mContext; }
 
   private:
+    struct Signals;
+    void WaitForSignal();
+
     const std::unique_ptr<asio::io_context> mContext;
+    std::unique_ptr<Signals> mSignals;
 };
 
 }  // namespace hbbtv::devtools

@@ -37,59 +37,6 @@ Json::Value ToJson(const Message& message) {
     return value;
 }
 
-// Reads a member, which must have the type if it is there.
-const Json::Value& Member(const Json::Value& object, const char* key, bool (Json::Value::*is)() const,
-                          const char* type) {
-    const Json::Value& value = object[key];
-    if (!value.isNull() && !(value.*is)()) throw std::runtime_error("\"" + std::string(key) + "\" is not " + type);
-    return value;
-}
-
-std::string Text(const Json::Value& object, const char* key) {
-    return Member(object, key, &Json::Value::isString, "a string").asString();
-}
-
-uint64_t Count(const Json::Value& object, const char* key) {
-    return Member(object, key, &Json::Value::isUInt64, "a count").asUInt64();
-}
-
-int Number(const Json::Value& object, const char* key) {
-    return Member(object, key, &Json::Value::isInt, "a number").asInt();
-}
-
-unsigned Unsigned(const Json::Value& object, const char* key) {
-    return Member(object, key, &Json::Value::isUInt, "a count below 2^32").asUInt();
-}
-
-bool Flag(const Json::Value& object, const char* key) {
-    return Member(object, key, &Json::Value::isBool, "true or false").asBool();
-}
-
-const Json::Value& Object(const Json::Value& object, const char* key) {
-    return Member(object, key, &Json::Value::isObject, "an object");
-}
-
-Peer PeerOf(const Json::Value& value) {
-    return {Number(value, "pid"), Unsigned(value, "uid"), Text(value, "name")};
-}
-
-Message MessageOf(const Json::Value& value) {
-    Message message;
-    message.type = Number(value, "type");
-    message.port = Number(value, "port");
-    message.size = Unsigned(value, "size");
-    message.json = value["json"];
-    if (!message.Readable()) message.raw = FromBase64(Text(value, "base64"));
-    return message;
-}
-
-Record::Kind KindOf(const std::string& name) {
-    for (size_t i = 0; i < kKinds.size(); ++i) {
-        if (name == kKinds[i]) return static_cast<Record::Kind>(i);
-    }
-    throw std::runtime_error("\"kind\" is not one of a record");
-}
-
 // Returns the endpoint of a socket by the name of its file.
 const Endpoint* EndpointOf(const std::string& socket) {
     static const std::map<std::string, Endpoint> endpoints = [] {
@@ -132,31 +79,11 @@ Json::Value ToJson(const Record& record) {
     return line;
 }
 
-Record FromJson(const Json::Value& line) {
-    if (!line.isObject()) throw std::runtime_error("it is not an object");
-    for (const char* key : {"number", "kind", "wall_us", "monotonic_us"}) {
-        if (!line.isMember(key)) throw std::runtime_error("\"" + std::string(key) + "\" is missing");
+Record::Kind KindOf(const std::string& name) {
+    for (size_t i = 0; i < kKinds.size(); ++i) {
+        if (name == kKinds[i]) return static_cast<Record::Kind>(i);
     }
-    Record record;
-    record.number = Count(line, "number");
-    record.kind = KindOf(Text(line, "kind"));
-    record.time = TimeStamp(Count(line, "wall_us"), Count(line, "monotonic_us"));
-    record.connection = Count(line, "connection");
-    record.socket = Text(line, "socket");
-    record.family = Text(line, "family");
-    record.event = Flag(line, "event");
-    record.operation = Text(line, "operation");
-    record.message = MessageOf(Object(line, "message"));
-    if (line.isMember("code")) record.code = Number(line, "code");
-    if (line.isMember("reply")) record.reply = MessageOf(Object(line, "reply"));
-    if (line.isMember("duration_us")) record.duration = Count(line, "duration_us");
-    if (line.isMember("status")) record.status = Number(line, "status");
-    record.open = Flag(line, "open");
-    record.library = PeerOf(Object(line, "library"));
-    record.platform = PeerOf(Object(line, "platform"));
-    record.rule = Text(line, "rule");
-    record.note = Text(line, "note");
-    return record;
+    throw std::runtime_error("\"kind\" is not one of a record");
 }
 
 void SetPayload(Message& message, const std::string& payload) {

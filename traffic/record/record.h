@@ -61,13 +61,12 @@ struct Record {
     bool WantsReply() const { return message.type == kRequest; }
 };
 
-// Returns the name of a kind, as a recording has it.
+// Returns the name of a kind, as a recording has it, and the kind of a name. Throws std::runtime_error.
 std::string NameOf(Record::Kind kind);
+Record::Kind KindOf(const std::string& name);
 
+// RecordReader reads it.
 Json::Value ToJson(const Record& record);
-
-// Members of other versions are ignored. Throws std::runtime_error with what is missing or has another type.
-Record FromJson(const Json::Value& line);
 
 // Sets message.json or message.raw from a payload. The header's members are the caller's.
 void SetPayload(Message& message, const std::string& payload);

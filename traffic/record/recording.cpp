@@ -108,7 +108,7 @@ std::string RecordingWriter::Append(const std::string& line) {
 }
 
 RecordingReader::RecordingReader(const std::string& path, Payloads payloads)
-    : mPath(path == "-" ? "standard input" : path), mPayloads(payloads), mFile(OpenFile(path)) {
+    : mPath(path == "-" ? "standard input" : path), mReader(payloads), mFile(OpenFile(path)) {
     std::string line;
     bool whole = false;
     if (!Line(line, whole)) throw Failure(kUsage, mPath + " is not a recording: it is empty");
@@ -143,11 +143,6 @@ void RecordingReader::Skip(const std::string& reason) {
     if (mProblems.size() < kMostProblems) mProblems.push_back(mPath + ":" + std::to_string(mLine) + ": " + reason);
 }
 
-Record RecordingReader::Parsed(const std::string& line) const {
-    if (std::optional<Record> record = ScanRecord(line, mPayloads)) return *std::move(record);
-    return FromJson(ParseJson(line, kDeepestJson + 8));  // a payload is some levels below its record
-}
-
 std::optional<Record> RecordingReader::Next() {
     std::string line;
     bool whole = false;
@@ -158,7 +153,7 @@ std::optional<Record> RecordingReader::Next() {
             continue;
         }
         try {
-            return Parsed(line);
+            return mReader.Read(line);
         } catch (const std::runtime_error& e) {
             Skip(whole ? e.what() : "cut: the file ends in this line");
         }

@@ -8,7 +8,7 @@
 
 #include "common/local_socket.h"
 #include "traffic/record/record.h"
-#include "traffic/record/record_scan.h"
+#include "traffic/record/record_reader.h"
 
 namespace hbbtv::traffic {
 
@@ -59,10 +59,9 @@ class RecordingReader {
     // Reads a line. Returns false at the end of the file. A line without an end has been cut.
     bool Line(std::string& line, bool& whole);
     void Skip(const std::string& reason);
-    Record Parsed(const std::string& line) const;
 
     const std::string mPath;
-    const Payloads mPayloads;
+    RecordReader mReader;
     Descriptor mFile;
     std::string mBuffer;  // bytes of the file
     size_t mUsed = 0;     // of the buffer

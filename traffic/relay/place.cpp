@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "common/local_socket.h"
 #include "wire/endpoint.h"
@@ -88,6 +89,7 @@ std::unique_ptr<Place> Place::Take(const std::string& owned, const std::string& 
         return nullptr;
     }
     place->mOwners = Identity::Of(place->mBehind);
+    place->mHas = true;
     return place;
 }
 
@@ -101,12 +103,15 @@ std::string Place::Listen(const std::string& at, const std::string& like) {
 }
 
 Place::~Place() {
-    if (mOwners == Identity{}) {  // nothing has been taken
-        if (mListener >= 0) close(mListener);
-        return;
-    }
     GiveBack();
-    close(mListener);
+    if (mListener >= 0) close(mListener);
+}
+
+bool Place::HasOwner() {
+    const Finding finding = LookAt(mBehind);
+    if (finding.state != Finding::State::Serving) return false;
+    mOwner = finding.process;
+    return true;
 }
 
 bool Place::IsRelays(const std::string& path) const {
@@ -118,6 +123,10 @@ bool Place::Holds() const {
 }
 
 void Place::GiveBack() {
+    if (std::exchange(mHas, false)) Restore();
+}
+
+void Place::Restore() {
     if (mOwned != mServed) {
         if (IsRelays(mServed)) unlink(mServed.c_str());
         return;

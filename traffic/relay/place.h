@@ -25,13 +25,19 @@ class Place {
     // directory. Returns null with a reason if it cannot; the reason is empty if there is no process.
     static std::unique_ptr<Place> Take(const std::string& owned, const std::string& served, std::string& reason);
 
-    // Gives the place back, if it is still the relay's. The socket has the mode that it has been given meanwhile.
     ~Place();
     Place(const Place&) = delete;
     Place& operator=(const Place&) = delete;
 
+    // Gives the place back, if it is still the relay's. The socket has the mode that it has been given meanwhile. The
+    // relay can still accept the connections that have come before.
+    void GiveBack();
+
     int Listener() const { return mListener; }
     pid_t Owner() const { return mOwner; }  // 0: unknown
+
+    // Connects to the owner's socket to find its owner. Returns whether a process serves it.
+    bool HasOwner();
 
     // Returns the path at which the owner is reached.
     const std::string& Behind() const { return mBehind; }
@@ -52,7 +58,7 @@ class Place {
 
     Place(const std::string& owned, const std::string& served, pid_t owner);
     std::string Listen(const std::string& at, const std::string& like);
-    void GiveBack();
+    void Restore();
 
     std::string mOwned;
     std::string mServed;
@@ -61,6 +67,7 @@ class Place {
     int mListener = -1;
     Identity mRelays;
     Identity mOwners;
+    bool mHas = false;  // the place
 };
 
 // Restores a socket that a relay has left without doing so, as after SIGKILL. Only for directories in which none runs.

@@ -24,7 +24,8 @@ constexpr int kLessUrgent = 10;
 Recorder::Recorder(std::function<void(const Record&)> onRecord)
     : mUnderstanding(std::move(onRecord)), mThread([this] { Run(); }) {}
 
-Recorder::~Recorder() {
+void Recorder::Finish() {
+    if (!mThread.joinable()) return;
     {
         std::lock_guard<std::mutex> lock(mMutex);
         mStop = true;

@@ -21,8 +21,7 @@ class Recorder {
     // `onRecord` is called by the recorder's thread.
     explicit Recorder(std::function<void(const Record&)> onRecord);
 
-    // Passes all that waits, and the exchanges that are still open, to the function.
-    ~Recorder();
+    ~Recorder() { Finish(); }
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
 
@@ -33,6 +32,9 @@ class Recorder {
 
     // `begin` is the place of the first message that begins in these bytes, or npos.
     void Bytes(uint64_t connection, Direction direction, std::string bytes, size_t begin, const std::string& rule);
+
+    // Passes all that waits, and the exchanges that are still open, to the function, and ends the thread.
+    void Finish();
 
     // Thread-safe.
     std::vector<Record> Open() const { return mUnderstanding.Open(); }

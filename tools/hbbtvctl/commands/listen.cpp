@@ -9,7 +9,6 @@
 #include "commands/commands.h"
 #include "common/failure.h"
 #include "common/nearest_name.h"
-#include "common/text/json.h"
 #include "common/text/printable.h"
 #include "common/text/quote.h"
 #include "events/death_notice.h"
@@ -299,18 +298,9 @@ bool KeepsItsClients(const Interface& interface) {
 }
 
 // Returns the processes that are registered, as words.
-std::string ClientsOf(const Interface& interface, Milliseconds limit) {
-    const std::string text = Debug(ServiceCaller(interface, limit), {"--json"}, limit);
-    Json::Value report;
-    try {
-        report = ParseJson(text);
-    } catch (const BadJson&) {
-        return "";  // an older service
-    }
-    std::set<std::string> processes;
-    for (const Json::Value& process : report["families"][0]["clients"]) processes.insert(process.asString());
+std::string WordsOf(const std::set<pid_t>& processes) {
     std::string words;
-    for (const std::string& process : processes) words += (words.empty() ? "process " : ", ") + process;
+    for (const pid_t process : processes) words += (words.empty() ? "process " : ", ") + std::to_string(process);
     return words;
 }
 
@@ -318,7 +308,8 @@ std::string ClientsOf(const Interface& interface, Milliseconds limit) {
 void CheckClients(const std::vector<const Interface*>& interfaces, const ListenOptions& options) {
     for (const Interface* interface : interfaces) {
         if (KeepsItsClients(*interface)) continue;
-        const std::string clients = ClientsOf(*interface, options.timeout.Value());
+        const Milliseconds limit = options.timeout.Value();
+        const std::string clients = WordsOf(ClientsOf(ServiceCaller(*interface, limit), limit));
         if (clients.empty()) continue;
         const std::string loses = interface->name + ": " + clients + " is registered and loses its events";
         if (!options.takeOver) {

@@ -1,0 +1,174 @@
+// hbbtv-browser as authors of pages use it: opens a page, does what it is asked to do with it, and ends.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "common/failure.h"
+#include "common/text/json.h"
+#include "system.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+// A page whose script begins with the function `call`.
+std::string Page(const std::string& script, const std::string& body = "") {
+    return "<!DOCTYPE html><title>Page</title><body>" + body +
+           "<script>\n"
+           "function call(...calls) {\n"
+           "    const request = new XMLHttpRequest();\n"
+           "    request.open('POST', '/.hbbtv/call', false);\n"
+           "    request.send(JSON.stringify({calls}));\n"
+           "    return JSON.parse(request.responseText).answers;\n"
+           "}\n" +
+           script + "</script>";
+}
+
+std::vector<std::string> FilesLeft(const std::string& directory) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+        const std::string name = entry.path().filename().string();
+        if (name.rfind("hbbtv-chromium", 0) == 0) names.push_back(name);
+    }
+    return names;
+}
+
+}  // namespace
+
+TEST(Browser, GivesAFileAnOriginAndCallsThePlatformForIt) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const std::string page = system.Write(
+        "a page.html", Page("const [current, failed, host] = call(\n"
+                            "    {method: 'IChannelConfig.GetCurrentChannel', arguments: {}},\n"
+                            "    {method: 'IChannel.GetName', arguments: {}}, {host: 'tab'});\n"
+                            "const [name] = call({method: 'IChannel.GetName', arguments: current.results});\n"));
+    const FinishedRun run = BrowserSystem::Run(
+        {page, "--print", "[location.href, name.results, failed.error, host.results.broadcastRelated]"});
+    EXPECT_EQ(run.exit, kDone) << run.Text();
+    EXPECT_EQ(run.output,
+              "[\"http://files.localhost/a%20page.html\",{\"name\":\"Das Erste HD\",\"status\":0},"
+              "\"IChannel.GetName: missing argument \\\"channel\\\"\",true]\n");
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(FilesLeft(system.directory.Path()), std::vector<std::string>());
+}
+
+TEST(Browser, PressesKeysThatThePageCanTrust) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const std::string page =
+        system.Write("page.html", Page("const keys = [];\n"
+                                       "addEventListener('keydown', e => keys.push([e.keyCode, e.isTrusted]));\n"));
+    const FinishedRun run =
+        BrowserSystem::Run({page, "--keys", "RED,DOWN,OK,BACK,TELETEXT,5", "--print", "keys.flat()"});
+    EXPECT_EQ(run.output, "[403,true,40,true,13,true,461,true,459,true,53,true]\n") << run.Text();
+}
+
+TEST(Browser, PrintsTheConsoleWithPositions) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const std::string page = system.Write("page.html",
+                                          "<!DOCTYPE html><script>\n"
+                                          "console.log('one', 2, {three: 3});\n"
+                                          "  console.warn('careful\\x1b');\n"
+                                          "undefinedFunction();\n"
+                                          "</script>");
+    const FinishedRun run = BrowserSystem::Run({page, "--console", "--print", "1"});
+    EXPECT_EQ(run.output,
+              "log: one 2 Object  (http://files.localhost/page.html:2:9)\n"
+              "warning: careful\\x1b  (http://files.localhost/page.html:3:11)\n"
+              "error: ReferenceError: undefinedFunction is not defined\\n"
+              "    at http://files.localhost/page.html:4:1  (http://files.localhost/page.html:4:1)\n"
+              "1\n");
+}
+
+TEST(Browser, TakesAPictureOfTheSizeThatIsAskedFor) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const std::string page = system.Write("page.html", Page(""));
+    const std::string picture = system.directory / "picture.png";
+    const FinishedRun run = BrowserSystem::Run({page, "--screenshot", picture, "--size", "640x360"});
+    EXPECT_EQ(run.exit, kDone) << run.Text();
+    std::ifstream file(picture, std::ios::binary);
+    std::string head(24, '\0');
+    file.read(head.data(), 24);
+    EXPECT_EQ(head.substr(1, 3), "PNG");
+    EXPECT_EQ(head.substr(16, 8), std::string("\0\0\x02\x80\0\0\x01\x68", 8));
+}
+
+TEST(Browser, ShowsAPageOfHbbtvWithItsDocumentTypeAndEntities) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    std::filesystem::create_directory(system.directory / "pages");
+    system.Write("pages/index.html",
+                 "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+                 "<!DOCTYPE html PUBLIC \"-//HbbTV//1.1.1//EN\" \"http://www.hbbtv.org/dtd/HbbTV-1.1.1.dtd\">\n"
+                 "<html xmlns=\"http://www.w3.org/1999/xhtml\"><head><title>a&nbsp;b</title></head><body/></html>\n");
+    const FinishedRun run =
+        BrowserSystem::Run({"--serve", system.directory / "pages", "--print",
+                            "[document.contentType, document.title, document.compatMode, navigator.userAgent]"});
+    EXPECT_EQ(run.output.find("[\"application/xhtml+xml\",\"a\\u00a0b\",\"CSS1Compat\",\"Mozilla/5.0 "), 0u)
+        << run.Text();
+    EXPECT_NE(run.output.find("HbbTV/1.5.1 ("), std::string::npos) << run.output;
+}
+
+TEST(Browser, ServesNoFileOutsideItsDirectory) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    std::filesystem::create_directory(system.directory / "pages");
+    system.Write("secret.txt", "secret");
+    system.Write("pages/index.html", Page("function status(path) {\n"
+                                          "    const request = new XMLHttpRequest();\n"
+                                          "    request.open('GET', path, false);\n"
+                                          "    request.send();\n"
+                                          "    return request.status;\n"
+                                          "}\n"));
+    const FinishedRun run = BrowserSystem::Run({"--serve", system.directory / "pages", "--print",
+                                                "['/index.html', '/../secret.txt', '/%2e%2e/secret.txt', "
+                                                "'/..%2fsecret.txt'].map(status)"});
+    EXPECT_EQ(run.output, "[200,404,404,404]\n") << run.Text();
+}
+
+TEST(Browser, AnswersACallWithinItsTimeWhenThePlatformHangs) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    EXPECT_EQ(BrowserSystem::Tell("stop-answering channel_config"), "ok\n");
+    const std::string page = system.Write(
+        "page.html", Page("const answers = call({host: 'tab'}, {method: 'IChannelConfig.GetCurrentChannel',\n"
+                          "    arguments: {}}, {method: 'ILocalSystem.GetVolume', arguments: {}});\n"));
+    const FinishedRun run = BrowserSystem::Run(
+        {page, "--call-timeout", "300ms", "--print", "answers.map(answer => answer.error || 'answered')"});
+    EXPECT_EQ(run.output, "[\"answered\",\"timeout\",\"timeout\"]\n") << run.Text();
+}
+
+TEST(Browser, SaysWhyAPageCannotBeLoaded) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const FinishedRun missing = BrowserSystem::Run({system.directory / "missing.html", "--print", "1"});
+    EXPECT_EQ(missing.exit, kUsage);
+    EXPECT_EQ(missing.errors,
+              "hbbtv-browser: \"" + system.directory.Path() + "/missing.html\" is neither a URL nor a file\n");
+    const FinishedRun refused = BrowserSystem::Run({"http://127.0.0.1:1/", "--print", "1"});
+    EXPECT_EQ(refused.exit, kUnavailable);
+    EXPECT_EQ(refused.errors, "hbbtv-browser: cannot load http://127.0.0.1:1/: net::ERR_UNSAFE_PORT\n");
+}
+
+TEST(Browser, SaysThatAConditionHasNotComeTrue) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const std::string page = system.Write("page.html", Page(""));
+    const FinishedRun run = BrowserSystem::Run({page, "--until", "window.never", "--timeout", "1500ms"});
+    EXPECT_EQ(run.exit, kTimeout);
+    EXPECT_EQ(run.errors, "hbbtv-browser: the condition of --until has not come true within 1500 ms\n");
+}
+
+TEST(Browser, NeedsAService) {
+    const ScratchDirectory directory;
+    const FinishedRun run = BrowserSystem::Run({"http://hbbtv.example/"});
+    EXPECT_EQ(run.exit, kUnavailable);
+    EXPECT_EQ(run.errors.find("hbbtv-browser: no process has registered vantorel.hardware.hbbtv@1.0::IMtm"), 0u)
+        << run.errors;
+    EXPECT_EQ(FilesLeft(directory.Path()), std::vector<std::string>());
+}
+
+}  // namespace hbbtv::test

@@ -1,0 +1,53 @@
+// The browser: Chromium's pages on one side, the platform on the other.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "chromium/console.h"
+#include "chromium/pages.h"
+#include "devtools/devtools.h"
+#include "devtools/loop.h"
+#include "errand.h"
+#include "options.h"
+#include "platform/holdings.h"
+#include "platform/page_calls.h"
+#include "platform/platform.h"
+
+namespace hbbtv::browser {
+
+class Browser {
+  public:
+    Browser(const Options& options, devtools::Loop& loop, Platform& platform);
+
+    // Runs until a signal, or until the page of the command line is done with. Returns the exit code. Throws Failure.
+    int Run();
+
+  private:
+    void StartChromium();
+    void OpenPage();
+    void End(int code, const std::string& message);
+
+    void Called(const Document& document, const Request& request);
+    Json::Value HostCall(const Document& document, const std::string& name);
+    void FileWanted(const Request& request);
+    void DocumentGone(const std::string& document);
+    void ReleaseAll();
+
+    const Options& mOptions;
+    devtools::Loop& mLoop;
+    Platform& mPlatform;
+    PageCalls mCalls;
+    Holdings mHoldings;
+    Console mConsole;
+    std::string mFiles;  // directory of our origin of files
+    std::string mUrl;    // page of the command line
+    std::unique_ptr<devtools::DevTools> mChromium;
+    std::unique_ptr<Pages> mPages;
+    std::optional<Errand> mErrand;
+    std::optional<int> mExit;
+    std::string mMessage;  // if mExit is not 0
+};
+
+}  // namespace hbbtv::browser

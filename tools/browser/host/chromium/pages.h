@@ -1,0 +1,122 @@
+// The pages of Chromium: a target for each, with the frames of other sites, which have targets of their own. Prepares
+// each document before its first script runs, and follows what becomes of it.
+#pragma once
+
+#include <json/value.h>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "chromium/console.h"
+#include "chromium/requests.h"
+#include "devtools/devtools.h"
+
+namespace hbbtv::browser {
+
+struct ScreenSize {
+    int width = 1280;
+    int height = 720;
+};
+
+// What has become of a page.
+struct PageChange {
+    enum class Kind { Loading, Stopped, Progress, Url, Title, DocumentLoaded, Finished, Failed, Crashed, Gone };
+
+    Kind kind;
+    std::string text;     // URL, title, or why it failed or crashed
+    double progress = 0;  // 0 to 1
+    int code = 0;         // of a failure
+    std::string url;      // of a failure
+};
+
+// A document that can make calls.
+struct Document {
+    std::string name;  // unique
+    std::string page;  // the target of the page, also for frames
+};
+
+class Pages {
+  public:
+    struct Handlers {
+        std::function<void(const std::string& page, const PageChange& change)> onChange;
+        std::function<void(const Document& document, const Request& request)> onCall;
+        std::function<void(const Request& request)> onFile;
+        std::function<void(const std::string& document)> onDocumentGone;
+    };
+
+    // `script` runs in each document before its own.
+    Pages(devtools::DevTools& chromium, Console& console, const std::string& script, ScreenSize size,
+          Handlers handlers);
+
+    // Takes an event of Chromium.
+    void Take(const std::string& name, const std::string& method, const Json::Value& params);
+
+    // Creates a page. `onCreated` gets its target, or an empty string.
+    void Create(const std::function<void(const std::string& page)>& onCreated);
+
+    // Loads a URL. What becomes of it is reported as changes.
+    void Load(const std::string& page, const std::string& url);
+
+    // Closes a page, which is reported as Gone.
+    void Close(const std::string& page);
+
+    // Sends a command to a page's own session, as DevTools::Send().
+    void Send(const std::string& page, const std::string& method, const Json::Value& params,
+              devtools::DevTools::OnAnswer onAnswer = nullptr);
+
+    // Evaluates an expression in the page's main document. `onValue` gets its value, or null.
+    void Evaluate(const std::string& page, const std::string& expression,
+                  const std::function<void(const Json::Value&)>& onValue);
+
+    // Calls the receiver of events in all documents of a page, or of all pages if it is empty.
+    void Deliver(const Json::Value& event, const std::string& page = "");
+
+    void Fulfill(const Request& request, const Response& response) { mRequests.Fulfill(request, response); }
+
+  private:
+    struct Context {
+        int id = 0;
+        std::string frame;
+        std::string name;
+    };
+    struct Session {
+        std::string target;
+        std::string page;
+        bool main = false;      // of the page, not of a frame
+        bool prepared = false;  // a document that is loaded before that would miss some of it
+        std::vector<Context> contexts;
+        std::string mainFrame;
+        LoadFailure failure{0, ""};  // of the document that is being loaded
+        std::string url;
+        std::string title;
+    };
+
+    void Attached(const std::string& parent, const Json::Value& params);
+    void Detached(const std::string& name);
+    void Prepare(const std::string& name, const Session& session);
+    void Prepared(const std::string& name);
+    void TakePageEvent(Session& session, const std::string& method, const Json::Value& params);
+    void Navigated(Session& session, const Json::Value& frame);
+    void Loaded(Session& session);
+    void InfoChanged(const Json::Value& info);
+    void ContextCreated(Session& session, const Json::Value& context);
+    void ContextsGone(Session& session, int id);
+    void Crashed(const Json::Value& params);
+    void Called(const Request& request);
+    void LoadFailed(const std::string& name, const std::string& frame, const LoadFailure& failure);
+    void Report(const Session& session, const PageChange& change);
+    std::string SessionOf(const std::string& page) const;
+
+    devtools::DevTools& mChromium;
+    Console& mConsole;
+    const std::string mScript;
+    const ScreenSize mSize;
+    const Handlers mHandlers;
+    Requests mRequests;
+    std::map<std::string, Session> mSessions;               // by the name of DevTools
+    std::map<std::string, std::function<void()>> mAwaited;  // by the target that is not prepared yet
+};
+
+}  // namespace hbbtv::browser

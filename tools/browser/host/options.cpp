@@ -1,0 +1,121 @@
+#include "options.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <cstdio>
+#include <cstdlib>
+
+#include "chromium/keys.h"
+#include "common/failure.h"
+#include "common/text/printable.h"
+
+namespace hbbtv::browser {
+
+namespace {
+
+const char* const kFooter =
+    "Without PAGE, applications are those that the platform starts.\n\n"
+    "Exit codes:\n"
+    "  0  success, or ended by Ctrl-C\n"
+    "  2  invalid command line, or a file cannot be written\n"
+    "  3  no service, another browser is registered, chromium is not installed, or the page cannot be loaded\n"
+    "  4  the page has not loaded, or the condition of --until has not come true, in time\n"
+    "  6  the service or Chromium ended\n\n"
+    "Environment:\n"
+    "  TMPDIR         directory of the sockets, and of Chromium's files while it runs (default: /tmp)\n"
+    "  HIDL_HOST_DIR  directory where interfaces are registered (default: hidl-host in that directory)\n\n"
+    "Examples:\n"
+    "  hbbtv-browser http://hbbtv.example/ --keys RED,DOWN,OK --screenshot page.png\n"
+    "  hbbtv-browser --serve pages index.html --console";
+
+constexpr int kLargest = 8192;
+
+std::string ReadSize(const std::string& word, ScreenSize& size) {
+    char rest = 0;
+    const bool read = std::sscanf(word.c_str(), "%dx%d%c", &size.width, &size.height, &rest) == 2;
+    if (read && size.width > 0 && size.height > 0 && size.width <= kLargest && size.height <= kLargest) return "";
+    return "\"" + word + "\" is not a size, for example 1280x720";
+}
+
+std::string ReadTime(const std::string& word, Milliseconds& time) {
+    const std::string problem = CheckDuration(word);
+    if (problem.empty()) time = *ParseDuration(word);
+    return problem;
+}
+
+std::string CheckKey(const std::string& name) {
+    try {
+        KeyCode(name);
+        return "";
+    } catch (const Failure& e) {
+        return e.what();
+    }
+}
+
+void AddOptions(CLI::App& app, Options& options) {
+    app.add_option("PAGE", options.page, "URL of a page, or a file")->type_name("PAGE");
+    app.add_option("--serve", options.serve, "Give the files of this directory an origin; PAGE is a path in it")
+        ->type_name("DIR")
+        ->check(CLI::ExistingDirectory);
+    app.add_option("--keys", options.keys, "Press these keys, one after the other, when the page has loaded")
+        ->type_name("NAME,...")
+        ->delimiter(',')
+        ->check(CheckKey);
+    app.add_option("--screenshot", options.screenshot, "Then write a picture of the page (PNG), and exit")
+        ->type_name("FILE");
+    app.add_option("--until", options.until, "Wait until this JavaScript expression is true, before keys and picture")
+        ->type_name("EXPRESSION");
+    app.add_option("--print", options.print, "Print the value of this JavaScript expression as JSON, and exit")
+        ->type_name("EXPRESSION");
+    app.add_flag("--console", options.console, "Print the consoles of pages, and their errors, with positions");
+    app.add_option("--user-agent", options.userAgent, "User agent (default: one with HbbTV/1.5.1)")->type_name("TEXT");
+    app.add_option_function<std::string>(
+           "--size", [](const std::string&) {}, "Size of the screen (default: 1280x720)")
+        ->type_name("WIDTHxHEIGHT")
+        ->check([&options](const std::string& word) { return ReadSize(word, options.size); });
+    app.add_option("--profile", options.profile, "Keep cookies and storage in this directory (default: discarded)")
+        ->type_name("DIR");
+    app.add_option_function<std::string>(
+           "--timeout", [](const std::string&) {}, "Maximum time for the page and for --until (default: 30s)")
+        ->type_name("TIME")
+        ->check([&options](const std::string& word) { return ReadTime(word, options.limit); });
+    app.add_option_function<std::string>(
+           "--call-timeout", [](const std::string&) {}, "Maximum time that a page waits for a call (default: 5s)")
+        ->type_name("TIME")
+        ->check([&options](const std::string& word) { return ReadTime(word, options.callLimit); });
+}
+
+}  // namespace
+
+std::optional<Options> ReadOptions(int argc, char** argv, int& exitCode) {
+    CLI::App app("Run HbbTV applications in Chromium, as a client of the HbbTV service library.");
+    app.name("hbbtv-browser");
+    app.set_version_flag("--version", "hbbtv-browser " HBBTV_VERSION, "Show the version and exit");
+    app.footer(kFooter);
+    Options options;
+    AddOptions(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp& e) {
+        exitCode = app.exit(e);
+        return std::nullopt;
+    } catch (const CLI::CallForVersion& e) {
+        exitCode = app.exit(e);
+        return std::nullopt;
+    } catch (const CLI::ParseError& e) {
+        std::fprintf(stderr, "hbbtv-browser: %s\nSee `hbbtv-browser --help`.\n",
+                     Printable(e.what(), LineBreaks::Kept).c_str());
+        exitCode = kUsage;
+        return std::nullopt;
+    }
+    if (options.page.empty() && !options.serve.empty()) options.page = "/";
+    if (options.page.empty() && options.EndsByItself()) {
+        std::fprintf(stderr, "hbbtv-browser: --keys, --screenshot, --until and --print require a PAGE\n");
+        exitCode = kUsage;
+        return std::nullopt;
+    }
+    return options;
+}
+
+}  // namespace hbbtv::browser
