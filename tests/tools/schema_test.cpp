@@ -54,6 +54,8 @@ for $i from 0 below $twice
 end
 )";
 
+const char* const kRecording = HBBTV_SOURCE_DIR "/examples/traffic/slow_channel_change.ndjson";
+
 class Schema : public InFrontOfTheSystem {};
 
 TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
@@ -84,6 +86,9 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
         {"send", "dsmcc.RequestFile", "dvb://1.2.3", "1"},
         {"send", "channel", "--raw", "x", "--timeout", "50ms"},
         {"play", play, "--coverage"},
+        {"show", kRecording},
+        {"show", kRecording, "--stats"},
+        {"show", kRecording, "--diff", kRecording},
     };
     std::string lines;
     const auto run = [&lines](std::vector<std::string> words) {
@@ -110,12 +115,17 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
 
     // Every command with --json is in the list above.
     for (const char* command : {"list", "describe", "call", "listen", "send", "emit", "play", "bench", "status",
-                                "check", "doctor", "completion", "man"}) {
+                                "check", "doctor", "show", "completion", "man"}) {
         const bool tried =
             std::string(command) == "listen" || std::string(command) == "emit" ||
             std::any_of(commands.begin(), commands.end(), [&](const auto& words) { return words[0] == command; });
         EXPECT_EQ(Ctl({command, "--help"}).output.find("  --json ") != std::string::npos, tried) << command;
     }
+}
+
+TEST(SchemaOfJson, DescribesEachLineOfARecording) {
+    ScratchDirectory directory;
+    EXPECT_THAT(Validate(ReadFile(kRecording)), testing::MatchesRegex("(valid\n)+"));
 }
 
 TEST(SchemaOfJson, RejectsOtherDocuments) {

@@ -48,7 +48,7 @@ const char* const kFooter =
 
 void AddCommands(CLI::App& app, Invocation& invocation) {
     for (const auto add : {AddList, AddDescribe, AddCall, AddListen, AddSend, AddEmit, AddPlay, AddBench, AddMonitor,
-                           AddStatus, AddLog, AddCheck, AddDoctor, AddCompletion, AddMan}) {
+                           AddShow, AddStatus, AddLog, AddCheck, AddDoctor, AddCompletion, AddMan}) {
         add(app, invocation);
     }
 }

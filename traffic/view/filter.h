@@ -11,7 +11,7 @@ namespace hbbtv::traffic {
 struct FilterNode;
 
 // Words are combined by "&" (or nothing), "|", "!" and parentheses; "!" binds most, "|" least. A word is a field with a
-// value (FilterFields()), a kind of record ("event", FilterWords()), or text, quoted or not, that the record contains.
+// value, a kind of record such as "event", or text, quoted or not, that the record contains.
 // Case does not matter. A comparison with what a record does not have, such as the status of a record without a reply,
 // does not hold.
 class Filter {
@@ -28,8 +28,7 @@ class Filter {
     std::shared_ptr<const FilterNode> mRoot;  // null: all
 };
 
-// Return what a filter can contain, one per line, for --help: "ms  duration in milliseconds".
-std::string FilterFields();
-std::string FilterWords();
+// Returns how a filter is written, with all fields and words, as a part of --help.
+std::string FilterHelp();
 
 }  // namespace hbbtv::traffic

@@ -1,5 +1,4 @@
 // The fields and words of filters: one row each.
-#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
@@ -86,6 +85,8 @@ const std::pair<const char*, const char*> kOthers[] = {
     {"family", "name of the family or of its interface; * stands for any letters"},
     {"op", "name of an operation, an event or the client's method; * stands for any letters"},
     {"handle", "handle in any member"},
+    {"app", "application, by its number"},
+    {"tab", "tab of the browser, by its number"},
     {"pid", "process at either end"},
     {"process", "part of a process's name"},
     {"request.NAME", "member of the message"},
@@ -219,15 +220,6 @@ FilterNode OperationTest(const FilterWord& word) {
     }));
 }
 
-// Handles have 32 bits on the wire; a client's are wider.
-bool HasHandle(const Json::Value& value, uint32_t wanted) {
-    if (value.isObject() || value.isArray()) {
-        return std::any_of(value.begin(), value.end(), [wanted](const Json::Value& v) { return HasHandle(v, wanted); });
-    }
-    const std::optional<uint64_t> handle = HandleIn(value);
-    return handle && static_cast<uint32_t>(*handle) == wanted;
-}
-
 FilterNode HandleTest(const FilterWord& word) {
     Allow(word, kEquality);
     const bool digits = word.value.find_first_not_of("0123456789abcdefABCDEFxX") == std::string::npos;
@@ -238,6 +230,22 @@ FilterNode HandleTest(const FilterWord& word) {
                           const Record& record = subject.Of();
                           return HasHandle(record.message.json, low) ||
                                  (record.reply && HasHandle(record.reply->json, low));
+                      }),
+                true);
+}
+
+// Applications and tabs are numbers in members of one name.
+FilterNode MemberOfAnySideTest(const FilterWord& word, const std::string& key) {
+    Allow(word, kEquality);
+    const std::optional<double> wanted = NumberIn(word.value);
+    if (!wanted) FailAt(word.position, Quoted(word.value) + " is not a number");
+    const auto is = [key, wanted = *wanted](const Json::Value& payload) {
+        return payload.isObject() && payload[key].isNumeric() && payload[key].asDouble() == wanted;
+    };
+    return Made(Equal(word,
+                      [is](const Subject& subject) {
+                          const Record& record = subject.Of();
+                          return is(record.message.json) || (record.reply && is(record.reply->json));
                       }),
                 true);
 }
@@ -297,6 +305,7 @@ FilterNode FieldTest(const FilterWord& word) {
     if (field == "family") return FamilyTest(word);
     if (field == "op" || field == "operation") return OperationTest(word);
     if (field == "handle") return HandleTest(word);
+    if (field == "app" || field == "tab") return MemberOfAnySideTest(word, field + "id");
     if (field == "pid" || field == "process") return ProcessTest(word);
     if (field.rfind("request.", 0) == 0) return MemberTest(word, false, word.field.substr(8));
     if (field.rfind("reply.", 0) == 0) return MemberTest(word, true, word.field.substr(6));
@@ -313,7 +322,7 @@ std::string Listed(const Rows& rows) {
     std::string text;
     for (const auto& row : rows) {
         const std::string name = row.name;
-        text += name + std::string(name.size() < 14 ? 14 - name.size() : 1, ' ') + row.doc + "\n";
+        text += "  " + name + std::string(name.size() < 14 ? 14 - name.size() : 1, ' ') + row.doc + "\n";
     }
     return text;
 }
@@ -356,18 +365,19 @@ FilterNode TestOf(const FilterWord& word) {
                 true);
 }
 
-std::string FilterFields() {
+std::string FilterHelp() {
     struct Row {
         const char* name;
         const char* doc;
     };
     std::vector<Row> rows;
     for (const auto& [name, doc] : kOthers) rows.push_back({name, doc});
-    return Listed(rows) + Listed(kNumbers) + Listed(kTexts);
-}
-
-std::string FilterWords() {
-    return Listed(kWords);
+    return "A filter combines words by & (or nothing), |, ! and parentheses. A word is a field with a value, a kind "
+           "of\n"
+           "record, or text that the record contains, in quotes if it has other characters than letters and digits.\n"
+           "Fields are compared by : = != < > <= >= ~ (contains).\n\n"
+           "Fields:\n" +
+           Listed(rows) + Listed(kNumbers) + Listed(kTexts) + "\nKinds of records:\n" + Listed(kWords);
 }
 
 }  // namespace hbbtv::traffic

@@ -70,6 +70,14 @@ std::optional<uint64_t> HandleIn(const Json::Value& value) {
     return handle && *handle != 0 ? handle : std::nullopt;
 }
 
+bool HasHandle(const Json::Value& value, uint32_t handle) {
+    if (value.isObject() || value.isArray()) {
+        return std::any_of(value.begin(), value.end(), [handle](const Json::Value& v) { return HasHandle(v, handle); });
+    }
+    const std::optional<uint64_t> found = HandleIn(value);
+    return found && static_cast<uint32_t>(*found) == handle;
+}
+
 bool IsKey(const std::string& key, const std::string& ofProtocol) {
     const size_t number = ofProtocol.find("%d");
     if (number == std::string::npos) return key == ofProtocol;

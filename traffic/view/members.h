@@ -21,6 +21,9 @@ std::vector<std::string> EnvelopeKeys(const Record& record);
 // Returns the handle that a string is: 0x and at most 16 hexadecimal digits, nothing else, and not null.
 std::optional<uint64_t> HandleIn(const Json::Value& value);
 
+// Returns whether a payload, or a value within it, is this handle. Handles have 32 bits on the wire.
+bool HasHandle(const Json::Value& value, uint32_t handle);
+
 // Returns whether a member of a payload has the key that protocol/ gives it: "channel3" is "channel%d".
 bool IsKey(const std::string& key, const std::string& ofProtocol);
 

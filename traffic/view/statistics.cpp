@@ -166,6 +166,18 @@ std::string Statistics::Text(const std::string& zone) const {
     return text;
 }
 
+Json::Value Statistics::Json(const Operation& operation) {
+    Json::Value numbers(Json::objectValue);
+    numbers["calls"] = Count(operation.calls);
+    numbers["errors"] = Count(operation.errors);
+    numbers["bytes"] = Count(operation.bytes);
+    if (operation.durations.Count() == 0) return numbers;
+    numbers["p50_us"] = Count(operation.durations.Percentile(0.5));
+    numbers["p99_us"] = Count(operation.durations.Percentile(0.99));
+    numbers["max_us"] = Count(operation.durations.Longest());
+    return numbers;
+}
+
 Json::Value Statistics::Json() const {
     Json::Value document(Json::objectValue);
     Json::Value& records = document["records"] = Json::Value(Json::objectValue);
@@ -175,17 +187,9 @@ Json::Value Statistics::Json() const {
     document["span_us"] = Count(mLast - mFirst);
     Json::Value& operations = document["operations"] = Json::Value(Json::arrayValue);
     for (const auto& [name, operation] : mOperations) {
-        Json::Value one(Json::objectValue);
+        Json::Value one = Json(operation);
         one["operation"] = name;
         one["event"] = operation.event;
-        one["calls"] = Count(operation.calls);
-        one["errors"] = Count(operation.errors);
-        one["bytes"] = Count(operation.bytes);
-        if (operation.durations.Count() > 0) {
-            one["p50_us"] = Count(operation.durations.Percentile(0.5));
-            one["p99_us"] = Count(operation.durations.Percentile(0.99));
-            one["max_us"] = Count(operation.durations.Longest());
-        }
         operations.append(one);
     }
     document["slowest"] = Listed(mSlowest);

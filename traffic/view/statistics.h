@@ -57,6 +57,10 @@ class Statistics {
     // Returns "records", "operations", "slowest" and "open", as record.schema.json defines them.
     Json::Value Json() const;
 
+    // Returns the numbers of an operation: "calls", "errors", "bytes"; if there were replies, "p50_us", "p99_us",
+    // "max_us".
+    static Json::Value Json(const Operation& operation);
+
     // By full name: "channel.GetName".
     const std::map<std::string, Operation>& Operations() const { return mOperations; }
 

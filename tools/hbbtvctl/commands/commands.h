@@ -23,5 +23,6 @@ void AddStatus(CLI::App& app, Invocation& invocation);
 void AddLog(CLI::App& app, Invocation& invocation);
 void AddCheck(CLI::App& app, Invocation& invocation);
 void AddDoctor(CLI::App& app, Invocation& invocation);
+void AddShow(CLI::App& app, Invocation& invocation);
 
 }  // namespace hbbtv::ctl
