@@ -54,6 +54,15 @@ for $i from 0 below $twice
 end
 )";
 
+// The platform replies otherwise.
+const char* const kRecording =
+    R"({"recording":1}
+{"number":1,"kind":"exchange","wall_us":1795276045000000,"monotonic_us":6031000000,"connection":1,)"
+    R"("socket":"service_plugin_to_hbbtv_vb_chn","family":"channel","operation":"GetName","code":13,)"
+    R"("message":{"type":2,"port":2,"size":54,"json":{"c_handle":"","method":13,"type":12}},)"
+    R"("reply":{"type":3,"port":2,"size":11,"json":{"ret":-2}},"duration_us":312,"status":-2}
+)";
+
 class Schema : public InFrontOfTheSystem {};
 
 TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
@@ -61,6 +70,8 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     const std::string vb = NewVideoBroadcast();
     const std::string play = mDirectory / "all.play";
     WriteFile(play, kPlay);
+    const std::string recording = mDirectory / "traffic.ndjson";
+    WriteFile(recording, kRecording);
     const std::vector<std::vector<std::string>> commands{
         {"list"},
         {"describe", "IChannel"},
@@ -84,6 +95,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
         {"send", "dsmcc.RequestFile", "dvb://1.2.3", "1"},
         {"send", "channel", "--raw", "x", "--timeout", "50ms"},
         {"play", play, "--coverage"},
+        {"replay", recording, "--as", "library"},
     };
     std::string lines;
     const auto run = [&lines](std::vector<std::string> words) {
@@ -110,7 +122,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
 
     // Every command with --json is in the list above.
     for (const char* command : {"list", "describe", "call", "listen", "send", "emit", "play", "bench", "status",
-                                "check", "doctor", "completion", "man"}) {
+                                "replay", "check", "doctor", "completion", "man"}) {
         const bool tried =
             std::string(command) == "listen" || std::string(command) == "emit" ||
             std::any_of(commands.begin(), commands.end(), [&](const auto& words) { return words[0] == command; });

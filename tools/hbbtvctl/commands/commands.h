@@ -22,5 +22,6 @@ void AddStatus(CLI::App& app, Invocation& invocation);
 void AddLog(CLI::App& app, Invocation& invocation);
 void AddCheck(CLI::App& app, Invocation& invocation);
 void AddDoctor(CLI::App& app, Invocation& invocation);
+void AddReplay(CLI::App& app, Invocation& invocation);
 
 }  // namespace hbbtv::ctl
