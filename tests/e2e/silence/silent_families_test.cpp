@@ -245,8 +245,7 @@ class SilentFamilies : public testing::TestWithParam<Silence> {
             // On a slow machine, the patience with the silent families has ended, and some are refused.
             ASSERT_TRUE(WaitFor([&] {
                 const size_t answered = Count("answered ", client.Output());
-                return answered == kCallersOfAClient ||
-                       SleepingThreads(client.Pid()) + answered > kCallersOfAClient;
+                return answered == kCallersOfAClient || SleepingThreads(client.Pid()) + answered > kCallersOfAClient;
             })) << i;
             client.Kill();
         }

@@ -153,7 +153,7 @@ void AddMonitor(CLI::App& app, Invocation& invocation) {
         "Examples:\n"
         "  hbbtvctl monitor channel channel_config --for 1s\n"
         "  hbbtvctl monitor --filter 'op:SetChannel | ms>5 | event' --for 1s\n"
-        "  hbbtvctl monitor --record traffic.ndjson --stats --for 1s\n"
+        "  hbbtvctl monitor --record monday.ndjson --stats --for 1s\n"
         "  hbbtvctl monitor --break --json --for 1s");
     command->callback([options, &invocation] {
         invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };
