@@ -1,7 +1,5 @@
 #include "traffic/web/record_ring.h"
 
-#include <algorithm>
-
 #include "common/text/json.h"
 
 namespace hbbtv::traffic {
@@ -10,25 +8,27 @@ void RecordRing::Add(const Record& record) {
     auto line = std::make_shared<const std::string>(WriteJson(ToJson(record)));
     const std::lock_guard<std::mutex> lock(mMutex);
     mBytes += line->size();
-    mEntries.push_back({record.number, std::move(line)});
-    while (mBytes > mMostBytes && mEntries.size() > 1) {
-        mBytes -= mEntries.front().line->size();
-        mDroppedUpTo = mEntries.front().number;
-        mEntries.pop_front();
+    mLines.push_back(std::move(line));
+    while (mBytes > mMostBytes && mLines.size() > 1) {
+        mBytes -= mLines.front()->size();
+        mLines.pop_front();
+        ++mDropped;
     }
 }
 
-RecordRing::Part RecordRing::After(uint64_t number, size_t bytes) const {
+RecordRing::Part RecordRing::After(uint64_t position, size_t bytes) const {
     const std::lock_guard<std::mutex> lock(mMutex);
     Part part;
-    if (number < mDroppedUpTo) part.missing = mDroppedUpTo - number;
-    auto entry = std::upper_bound(mEntries.begin(), mEntries.end(), number,
-                                  [](uint64_t wanted, const Entry& other) { return wanted < other.number; });
+    part.missing = position < mDropped ? mDropped - position : 0;
+    // A position of another server is not one of this one.
+    const uint64_t begin = position + part.missing > mDropped + mLines.size() ? mDropped : position + part.missing;
     size_t taken = 0;
-    for (; entry != mEntries.end() && (taken == 0 || taken + entry->line->size() <= bytes); ++entry) {
-        taken += entry->line->size();
-        part.lines.emplace_back(entry->number, entry->line);
+    size_t next = static_cast<size_t>(begin - mDropped);
+    for (; next < mLines.size() && (taken == 0 || taken + mLines[next]->size() <= bytes); ++next) {
+        taken += mLines[next]->size();
+        part.lines.push_back(mLines[next]);
     }
+    part.position = mDropped + next;
     return part;
 }
 

@@ -83,6 +83,16 @@ Json::Value Command(const std::string& directory, const std::string& command) {
     return value;
 }
 
+Json::Value Counted(const char* what, uint64_t count) {
+    Json::Value value(Json::objectValue);
+    value[what] = static_cast<Json::UInt64>(count);
+    return value;
+}
+
+std::string StateEvent(const Json::Value& state) {
+    return "event: state\ndata: " + WriteJson(state) + "\n\n";
+}
+
 HttpHandlers HandlersOf(WebSession* session, HttpResponse (WebSession::*get)(const std::string&) const,
                         HttpResponse (WebSession::*post)(const std::string&, const std::string&) const,
                         StreamPart (WebSession::*stream)(uint64_t) const, std::string (WebSession::*tick)() const) {
@@ -126,12 +136,11 @@ HttpResponse WebSession::Post(const std::string& path, const std::string& json) 
 
 StreamPart WebSession::Stream(uint64_t position) const {
     const RecordRing::Part records = mRing.After(position, kPartBytes);
-    StreamPart part{"", position};
-    if (records.missing > 0)
-        part.text += "event: state\ndata: {\"missing\":" + std::to_string(records.missing) + "}\n\n";
-    for (const auto& [number, line] : records.lines) {
-        part.text += "id: " + std::to_string(number) + "\nevent: record\ndata: " + *line + "\n\n";
-        part.position = number;
+    StreamPart part{"", records.position};
+    if (records.missing > 0) part.text = StateEvent(Counted("missing", records.missing));
+    uint64_t number = records.position - records.lines.size();
+    for (const auto& line : records.lines) {
+        part.text += "id: " + std::to_string(++number) + "\nevent: record\ndata: " + *line + "\n\n";
     }
     return part;
 }
@@ -139,14 +148,13 @@ StreamPart WebSession::Stream(uint64_t position) const {
 std::string WebSession::Tick() const {
     const std::vector<Record> open = mSettings.open ? mSettings.open() : std::vector<Record>();
     const uint64_t now = TimeStamp().Monotonic();
-    Json::Value state(Json::objectValue);
-    state["open"] = static_cast<Json::UInt64>(open.size());
+    Json::Value state = Counted("open", open.size());
     if (!open.empty()) {
         const uint64_t begun = open.front().time.Monotonic();
         state["oldest"] = open.front().family + "." + open.front().operation;
         state["oldest_us"] = static_cast<Json::UInt64>(now > begun ? now - begun : 0);
     }
-    return "event: state\ndata: " + WriteJson(state) + "\n\n";
+    return StateEvent(state);
 }
 
 }  // namespace hbbtv::traffic

@@ -24,7 +24,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-// A connection to the server, as a browser or somebody else opens it.
+// A connection to the server, as a browser or another program opens it.
 class Client {
   public:
     Client(int port, const std::string& bytes) : mSocket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -240,11 +240,16 @@ TEST(RecordRing, DropsTheOldestAndCountsThem) {
     const RecordRing::Part part = ring.After(0, 1 << 20);
     ASSERT_FALSE(part.lines.empty());
     EXPECT_LT(part.lines.size(), 20u);
-    EXPECT_EQ(part.lines.back().first, 100u);
-    EXPECT_EQ(part.missing, part.lines.front().first - 1);
+    EXPECT_EQ(part.position, 100u);
+    EXPECT_THAT(*part.lines.back(), HasSubstr("\"number\":100,"));
+    EXPECT_EQ(part.missing, 100 - part.lines.size());
     EXPECT_EQ(ring.After(part.missing, 1 << 20).missing, 0u);
-    EXPECT_EQ(ring.After(99, 1).lines.size(), 1u);
+    EXPECT_EQ(ring.After(part.missing, 1 << 20).lines.size(), part.lines.size());
+    EXPECT_EQ(ring.After(98, 1).lines.size(), 1u);
+    EXPECT_EQ(ring.After(98, 1).position, 99u);
     EXPECT_TRUE(ring.After(100, 1 << 20).lines.empty());
+    EXPECT_EQ(ring.After(100, 1 << 20).position, 100u);
+    EXPECT_EQ(ring.After(UINT64_MAX / 2, 1 << 20).lines.size(), part.lines.size());
 }
 
 }  // namespace

@@ -90,9 +90,10 @@ class Page {
     const shown = this.view.rowCount();
     const parts = [shown === total ? counted(total, "record") : `${countText(shown)} of ${counted(total, "record")}`];
     if (this.store.dropped > 0) parts.push(`the oldest ${countText(this.store.dropped)} were dropped here`);
+    if (this.store.missing > 0) parts.push(`${countText(this.store.missing)} are missing`);
     if (this.store.damaged > 0) parts.push(`${counted(this.store.damaged, "line")} could not be read`);
     if (this.paused) parts.push(`${countText(total - 1 - this.indexOfLimit())} since the pause`);
-    if (this.live?.open > 0) parts.push(`${countText(this.live.open)} open, ${durationText(this.live.oldest_us)}`);
+    if (this.live?.open > 0) parts.push(`${this.live.oldest} open for ${durationText(this.live.oldest_us)}${this.live.open > 1 ? `, ${this.live.open - 1} more` : ""}`);
     if (!this.settings.live && !this.loaded) parts.push("reading");
     const connection = !this.settings.live ? "" : this.live?.connected === false ? "disconnected" : this.paused ? "paused" : "live";
     byId("state").className = connection;
@@ -104,6 +105,7 @@ class Page {
   }
 
   reported(state) {
+    this.store.missing += state.missing ?? 0;
     this.live = {...this.live, ...state};
     this.drawState();
   }

@@ -12,6 +12,7 @@ class Store {
     this.television = new Television();
     this.rows = [];
     this.dropped = 0;  // the oldest ones, which a live page does not keep
+    this.missing = 0;  // that did not reach a live page
     this.damaged = 0;  // lines that are not records
     this.cache = new Map();
   }

@@ -120,15 +120,18 @@ class TelevisionView {
       if (answer.problem) this.problem ||= answer.problem;
       else this.answered(question, {}, answer.reply);
     }
-    if (this.store.television.channel && !this.store.names.of(this.store.television.channel)) await this.askName();
     this.asking = false;
     this.draw();
   }
 
+  // Once for each channel.
   async askName() {
     const handle = this.store.television.channel;
+    if (!handle || this.named === handle || this.store.names.of(handle)) return;
+    this.named = handle;
     const answer = await this.source.ask("channel.GetName", {c_handle: handle});
     if (!answer.problem) this.answered("channel.GetName", {c_handle: handle}, answer.reply);
+    this.draw();
   }
 
   // An answer teaches what a message of the traffic would.
@@ -142,6 +145,7 @@ class TelevisionView {
   draw() {
     const {television, names} = this.store;
     const name = names.of(television.channel);
+    if (this.source.live) this.askName();
     const channel = element("div", {className: "card wide"}, element("h3", {}, "Channel"),
       element("p", {className: "channel"}, television.channel ? name || handleText(television.channel) : "unknown"),
       element("p", {className: "hint"}, [name && handleText(television.channel), PLAY_STATES[television.playState]].filter(Boolean).join(", ")),
