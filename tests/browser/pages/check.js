@@ -1,7 +1,7 @@
 // What the test pages share. A page registers its checks with check(); they run in order when it has loaded.
 //
-// The page reports through its console: "@tell COMMAND" asks for a command to the simulated platform, "@result JSON" ends
-// the page. window.__result has the result as well: {"passed": [names], "failed": [{"check", "reason"}]}.
+// The page reports through its console: "@tell COMMAND" asks for a command to the simulated platform. At its end
+// window.__result has the result: {"passed": [names], "failed": [{"check", "reason"}]}.
 'use strict';
 
 const checks = [];
@@ -11,8 +11,9 @@ function check(name, run) {
 }
 
 function text(value) {
-    return value === undefined ? 'undefined' : typeof value === 'object' && value !== null && value.constructor !== Object &&
-        !Array.isArray(value) ? String(value) : JSON.stringify(value);
+    if (value === undefined) return 'undefined';
+    const isObject = typeof value === 'object' && value !== null;
+    return isObject && value.constructor !== Object && !Array.isArray(value) ? String(value) : JSON.stringify(value);
 }
 
 function expectEqual(actual, expected, what) {
@@ -66,5 +67,4 @@ window.addEventListener('load', async () => {
         }
     }
     window.__result = result;
-    console.info(`@result ${JSON.stringify(result)}`);
 });

@@ -75,11 +75,9 @@ function defineRead(Class, names, partOf) {
 
 // Makes the members of a class visible to `for (name in object)`, as those of a browser's own objects are.
 function makeEnumerable(Class) {
-    for (const name of Object.getOwnPropertyNames(Class.prototype)) {
-        if (name !== 'constructor') {
-            const descriptor = Object.getOwnPropertyDescriptor(Class.prototype, name);
-            if (descriptor.configurable) Object.defineProperty(Class.prototype, name, {...descriptor, enumerable: true});
-        }
+    for (const [name, descriptor] of Object.entries(Object.getOwnPropertyDescriptors(Class.prototype))) {
+        if (name === 'constructor' || !descriptor.configurable) continue;
+        Object.defineProperty(Class.prototype, name, {...descriptor, enumerable: true});
     }
 }
 

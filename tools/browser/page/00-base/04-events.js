@@ -32,8 +32,8 @@ function defineHandlers(Class, names) {
     }
 }
 
-// Calls the page's handler on<type> with the values of `detail`, then dispatches the DOM event with these as properties.
-// An error of the page is reported and changes nothing else.
+// Calls the page's handler on<type> with the values of `detail`, then dispatches the DOM event with these as its
+// properties. An error of the page is reported and changes nothing else.
 function fire(object, type, detail) {
     const target = targetOf(object);
     const handler = (handlers.get(object) || {})['on' + type];

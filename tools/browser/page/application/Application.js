@@ -26,13 +26,13 @@ class Application extends EventTarget {
 
     // The only symbol that is accessible is postMessage().
     get window() {
-        if (this !== ownApplication()) return undefined;
+        if (!isOwn(this)) return undefined;
         return {postMessage: (message, targetOrigin) => window.postMessage(message, targetOrigin)};
     }
 
     // Only that of this document's application is accessible.
     get privateData() {
-        if (this !== ownApplication()) throw new DOMException('not this application', 'SecurityError');
+        if (!isOwn(this)) throw new DOMException('not this application', 'SecurityError');
         if (this.#privateData === null) this.#privateData = new ApplicationPrivateData(this);
         return this.#privateData;
     }
@@ -46,7 +46,7 @@ class Application extends EventTarget {
     }
 
     activateInput(gainFocus) {
-        if (this === ownApplication() && gainFocus) window.focus();
+        if (isOwn(this) && gainFocus) window.focus();
     }
 
     deactivateInput() {}
@@ -89,10 +89,16 @@ let own = null;
 // running when the document asks first; -1 and -1, which stand for the television's own software, if none is.
 function ownApplication() {
     if (own === null) {
-        const results = callPlatform('IApplicationManager.GetCurrentApp', {}) || {appId: -1, orgId: -1};
+        const results = callPlatform('IApplicationManager.GetCurrentApp', {});
+        if (results === null) return applicationOf(-1, -1);
         own = applicationOf(results.appId, results.orgId);
     }
     return own;
+}
+
+// The television's own software is what a document stands for while no application is running.
+function isOwn(application) {
+    return application === ownApplication() || application === applicationOf(-1, -1);
 }
 
 // A URL of the broadcast or a CRID is the platform's to resolve; others are relative to the document.

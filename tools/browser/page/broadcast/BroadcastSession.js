@@ -20,24 +20,37 @@ class BroadcastSession {
 
     // Returns whether the platform has an object for this one.
     create() {
-        if (!this.handle) {
-            this.handle = askPlatform('IVideoBroadcast.Create', {context: 1}, 'vb', 0);
-            if (this.handle) followWindow(this);
-        }
-        return this.handle !== 0;
+        return this.handle !== 0 || this.createAgain();
     }
 
     // Calls a method that may change state and channel, and reads both in the same request. Its outcome is an event of
     // this object. Returns the method's results, or null if it failed.
     change(method, args) {
         if (!this.create()) return null;
-        const vb = this.handle;
-        const [results, state, channel] = exchangeCalls([callOf(method, {vb, ...args}),
-            callOf('IVideoBroadcast.GetPlayState', {vb}), callOf('IVideoBroadcast.GetCurrentChannel', {vb})]);
+        let [results, state, channel] = this.ask(method, args);
+        // A platform that has been restarted does not know the handle, nor the channels.
+        if (results === null && state === null && this.createAgain()) {
+            ChannelConfig.forget(channelConfig);
+            fireLater(channelConfig, 'ChannelListUpdate');
+            [results, state, channel] = this.ask(method, args);
+        }
         if (results !== null) asking = this;
         if (state !== null) this.enter(state.state);
         if (channel !== null) this.channel = channel.channel;
         return results;
+    }
+
+    ask(method, args) {
+        const vb = this.handle;
+        return exchangeCalls([callOf(method, {vb, ...args}), callOf('IVideoBroadcast.GetPlayState', {vb}),
+            callOf('IVideoBroadcast.GetCurrentChannel', {vb})]);
+    }
+
+    createAgain() {
+        this.handle = askPlatform('IVideoBroadcast.Create', {context: 1}, 'vb', 0);
+        this.enter(kUnrealized);
+        if (this.handle) followWindow(this);
+        return this.handle !== 0;
     }
 
     enter(playState) {
@@ -88,16 +101,25 @@ function isOfAnother(session, state) {
         askPlatform('IVideoBroadcast.GetPlayState', {vb: session.handle}, 'state', kUnrealized) !== kUnrealized;
 }
 
+// An event that was on its way when the page made a request reports a state that has passed. The state that was read
+// with the request is later; if an event differs from it, the platform decides.
+function stateAfterEvent(session, state) {
+    if (session !== asking || state === session.playState) return state;
+    return askPlatform('IVideoBroadcast.GetPlayState', {vb: session.handle}, 'state', state);
+}
+
 onBroadcast('onPlayStateChange', (session, {state, error}) => {
     if (isOfAnother(session, state)) return;
-    asking = null;
-    session.enter(state);
-    session.channel = state === kUnrealized ? 0 : state === kConnecting ? undefined : session.channel;
+    const present = stateAfterEvent(session, state);
+    if (present === state) asking = null;
+    session.enter(present);
+    if (present === kUnrealized) session.channel = 0;
+    if (present === kConnecting) session.channel = undefined;
     fire(session.object, 'PlayStateChange', {state, error: unlessZero(error)});
 });
 
 onBroadcast('onChannelChangeSucceeded', (session, {channel}) => {
-    session.channel = channel;
+    session.channel = session === asking ? undefined : channel;
     session.forget();
     fire(session.object, 'ChannelChangeSucceeded', {channel: channels.get(channel)});
 });

@@ -81,17 +81,13 @@ class Channel {
     get tunerid() { return this.tunerID; }
 
     get favIDs() {
-        const list = {channel: handleOf(this)};
-        const count = askPlatform('IChannel.GetFavIDsNum', list, 'num', 0);
-        const calls = Array.from({length: count}, (_, index) => callOf('IChannel.GetFavIDsNameByIndex', {...list, index}));
-        return new StringCollection(exchangeCalls(calls).filter(Boolean).map(({name}) => name));
+        return new StringCollection(fetchItems('IChannel.GetFavIDsNum', 'num', 'IChannel.GetFavIDsNameByIndex', 'name',
+            {channel: handleOf(this)}, (name) => name) || []);
     }
 
     get genre() {
-        const list = {channel: handleOf(this)};
-        const count = askPlatform('IChannel.GetGenreNum', list, 'num', 0);
-        const calls = Array.from({length: count}, (_, index) => callOf('IChannel.GetGenreByIndex', {...list, index}));
-        return new StringCollection(exchangeCalls(calls).filter(Boolean).map(({genre}) => genre));
+        return new StringCollection(fetchItems('IChannel.GetGenreNum', 'num', 'IChannel.GetGenreByIndex', 'genre',
+            {channel: handleOf(this)}, (genre) => genre) || []);
     }
 
     set genre(strings) {
@@ -107,7 +103,8 @@ class Channel {
     get is3D() { return undefined; }
 
     getField(fieldId) {
-        return askPlatform('IChannel.GetField', {channel: handleOf(this), fieldId: String(fieldId)}, 'field', undefined);
+        const args = {channel: handleOf(this), fieldId: String(fieldId)};
+        return askPlatform('IChannel.GetField', args, 'field', undefined);
     }
 
     getLogo(width, height) {

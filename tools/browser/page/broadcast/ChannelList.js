@@ -22,6 +22,8 @@ const listDetails = new WeakMap();
 
 function fetchHandles(prefix, list) {
     const found = fetchItems(`${prefix}.GetLength`, 'length', `${prefix}.Item`, 'channel', {list}, (handle) => handle);
+    // A platform that has been restarted does not know the list.
+    if (found === null) queueMicrotask(() => ChannelConfig.forget(channelConfig));
     return found && channelsOf(found);
 }
 

@@ -1,4 +1,5 @@
-// The video/broadcast object (OIPF DAE 7.13.1): state and channel. Its other members are in the files VideoBroadcast*.js.
+// The video/broadcast object (OIPF DAE 7.13.1): state and channel. Its other members are in the files
+// VideoBroadcast*.js.
 
 const sessions = new WeakMap();
 
@@ -56,8 +57,8 @@ class VideoBroadcast extends EmbeddedObject {
         const args = {channel: handleOf(channel), trickPlay: Boolean(trickplay), url: contentAccessDescriptorURL || ''};
         const results = quiet === undefined ? session.change('IVideoBroadcast.SetChannel', args) :
             session.change('IVideoBroadcast.SetChannel_Quiet', {...args, quiet: quiet | 0});
-        if (results === null) fireLater(this, 'ChannelChangeError', {channel: channel || null, errorState: kUnidentified});
-        else changeRelation(channel ? 'related' : 'independent');
+        if (results !== null) changeRelation(channel ? 'related' : 'independent');
+        else fireLater(this, 'ChannelChangeError', {channel: channel || null, errorState: kUnidentified});
     }
 
     nextChannel() { changeByList(this, 'IVideoBroadcast.NextChannel'); }

@@ -1,4 +1,4 @@
-// Components of video/broadcast (OIPF DAE 7.13.5, 7.16.5.1).
+// Components of video/broadcast (OIPF DAE 7.13.4, 7.16.5.1).
 
 extendClass(VideoBroadcast, {
     // All kinds if componentType is null or undefined.

@@ -12,12 +12,9 @@ defineHandlers(VideoBroadcast,
     ['onProgrammesChanged', 'onParentalRatingChange', 'onParentalRatingError', 'onDRMRightsError']);
 
 function fetchProgrammes(session) {
-    const vb = session.handle;
-    const count = askPlatform('IVideoBroadcast.GetProgrammeNum', {vb}, 'num', null);
-    if (count === null) return null;
-    const calls = Array.from({length: count}, (_, index) => callOf('IVideoBroadcast.GetProgrammeByIndex', {vb, index}));
-    return programmesOf(exchangeCalls(calls).filter((results) => results !== null && results.programme)
-        .map(({programme}) => programme));
+    const found = fetchItems('IVideoBroadcast.GetProgrammeNum', 'num', 'IVideoBroadcast.GetProgrammeByIndex',
+        'programme', {vb: session.handle}, (programme) => programme);
+    return found && programmesOf(found);
 }
 
 // Events without values have numbers only. These two follow from the order in which the standard defines its events.

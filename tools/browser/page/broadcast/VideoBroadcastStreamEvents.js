@@ -13,7 +13,8 @@ extendClass(VideoBroadcast, {
         const key = streamKey(url, eventName);
         if (!streamListeners.has(key)) {
             if (!requestStreamEvent('IVideoBroadcast.AddStreamEventListener', url, eventName)) {
-                setTimeout(() => callStreamListener(listener, url, {name: eventName, data: '', text: '', status: 'error'}));
+                const failure = {name: eventName, data: '', text: '', status: 'error'};
+                setTimeout(() => callStreamListener(listener, failure));
                 return;
             }
             streamListeners.set(key, new Set());
@@ -36,10 +37,11 @@ function requestStreamEvent(method, url, eventName) {
     return tellPlatform(method, {strurl: url, dvburl: broadcastUrl(url), eventName: String(eventName)});
 }
 
-function callStreamListener(listener, target, {name, data, text, status}) {
-    const event = Object.assign(new StreamEvent('StreamEvent'), {name, data, text, status});
+// `values` are the name, data, text and status of the event.
+function callStreamListener(listener, values) {
+    const event = Object.assign(new StreamEvent('StreamEvent'), values);
     try {
-        if (typeof listener === 'function') listener.call(target, event);
+        if (typeof listener === 'function') listener.call(window, event);
         else listener.handleEvent(event);
     } catch (error) {
         reportError(error);
@@ -51,6 +53,6 @@ onPlatform('onStreamEvent', ({url, eventName, data, text, status}) => {
     const listeners = Array.from(streamListeners.get(key) || []);
     // After an error no further event comes.
     if (status === 'error') streamListeners.delete(key);
-    const decoded = new TextDecoder().decode(Uint8Array.from(text || []));
-    for (const listener of listeners) callStreamListener(listener, window, {name: eventName, data, text: decoded, status});
+    const values = {name: eventName, data, text: new TextDecoder().decode(Uint8Array.from(text || [])), status};
+    for (const listener of listeners) callStreamListener(listener, values);
 });

@@ -36,6 +36,7 @@ onBroadcast('onFullScreenChange', (session, {fullScreen}) => {
 
 // Reports the place of the element to the platform: at once, and before each frame in which it has moved.
 function followWindow(session) {
+    const vb = session.handle;
     let sent = '';
     const report = () => {
         const element = elements.get(session.object);
@@ -43,10 +44,10 @@ function followWindow(session) {
         if (rect !== null && !session.fullScreen && rect.width > 0 && rect.height > 0) {
             const [x, y, width, height] = [rect.x, rect.y, rect.width, rect.height].map(Math.round);
             const place = `${x} ${y} ${width} ${height}`;
-            if (place !== sent) tellPlatform('IVideoBroadcast.SetWindow', {vb: session.handle, rect: {x, y, width, height}});
+            if (place !== sent) tellPlatform('IVideoBroadcast.SetWindow', {vb, rect: {x, y, width, height}});
             sent = place;
         }
-        requestAnimationFrame(report);
+        if (session.handle === vb) requestAnimationFrame(report);
     };
     report();
 }

@@ -9,7 +9,10 @@ class SearchManager extends EmbeddedObject {
         const manager = searchManager();
         const search = manager && askPlatform('ISearchManager.SearchManager_CreateSearch',
             {manager, target: searchTarget >>> 0}, 'search', 0);
-        if (!search) return null;
+        if (!search) {
+            managerHandle = 0;  // of a platform that has been restarted
+            return null;
+        }
         const created = new MetadataSearch(search);
         searches.set(search, {search: created, manager: this});
         return created;

@@ -7,7 +7,8 @@ class ParentalControlManager extends EmbeddedObject {
     #schemes = null;
 
     get parentalRatingSchemes() {
-        if (this.#schemes === null) {
+        // A platform that has been restarted does not know the manager, and gives no schemes.
+        if (this.#schemes === null || this.#schemes.length === 0) {
             const manager = askPlatform('IParentalControlManager.Create', {}, 'manager', 0);
             if (!manager) return new ParentalRatingSchemeCollection(0);
             this.#schemes = new ParentalRatingSchemeCollection(manager);

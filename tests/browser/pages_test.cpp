@@ -1,0 +1,128 @@
+// The pages of pages/ in Chromium. Each reports by itself what failed, see pages/check.js.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+
+#include "system.h"
+#include "wait_for.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kPages = fs::path(HBBTV_SOURCE_DIR) / "tests/browser/pages";
+const fs::path kMembers = fs::path(HBBTV_SOURCE_DIR) / "tools/browser/members.json";
+
+constexpr std::chrono::seconds kPatienceForPage{90};
+
+std::vector<std::string> PageNames() {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(kPages)) {
+        if (entry.path().extension() == ".html") names.push_back(entry.path().stem().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string TestName(const ::testing::TestParamInfo<std::string>& info) {
+    std::string name = info.param;
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+}
+
+void WriteManyChannels(const std::string& path) {
+    std::ofstream file(path);
+    file << "#EXTM3U\n";
+    for (int i = 1; i <= 500; ++i) file << "#EXTINF:-1,Channel " << i << "\nhttp://tv.example/" << i << ".mpd\n";
+}
+
+// A page in a browser that shows its console.
+class PageRun {
+  public:
+    PageRun(const std::string& folder, const std::string& page, const std::string& picture)
+        : mBrowser({HBBTV_BROWSER_PROGRAM, "--serve", folder, page + ".html", "--console", "--timeout", "60s",
+                    "--until", "window.__result", "--print", "window.__result.failed", "--screenshot", picture}) {}
+
+    // Sends the page's commands to the platform until the browser has ended. Returns its exit code.
+    std::optional<int> FollowToEnd() {
+        std::optional<int> exit;
+        WaitFor([&] { return (exit = mBrowser.WaitForExit(std::chrono::milliseconds(1))) || !ReadLines(); },
+                kPatienceForPage);
+        ReadLines();
+        return exit;
+    }
+
+    // What the page printed besides its commands.
+    std::string errors;
+    std::string failed;
+
+  private:
+    // Returns false if a command was refused.
+    bool ReadLines() {
+        const std::string text = mBrowser.Output();
+        for (size_t end; (end = text.find('\n', mRead)) != std::string::npos; mRead = end + 1) {
+            if (!Take(text.substr(mRead, end - mRead))) return false;
+        }
+        return true;
+    }
+
+    bool Take(const std::string& line) {
+        static const std::string kTell = "info: @tell ";
+        if (line.rfind(kTell, 0) == 0) {
+            const std::string command = line.substr(kTell.size(), line.find("  (") - kTell.size());
+            const std::string answer = BrowserSystem::Tell(command);
+            if (answer.rfind("ok", 0) != 0) errors += command + ": " + answer;
+            return answer.rfind("ok", 0) == 0;
+        }
+        if (line.rfind("[", 0) == 0)
+            failed = line;
+        else if (line.rfind("info: @", 0) != 0)
+            errors += line + "\n";
+        return true;
+    }
+
+    ChildProcess mBrowser;
+    size_t mRead = 0;
+};
+
+// Where the picture of a page that failed is kept.
+fs::path KeptPicture(const std::string& page) {
+    return fs::path(HBBTV_BUILD_DIR) / "failed-pages" / (page + ".png");
+}
+
+}  // namespace
+
+class Pages : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(Pages, ReportNoFailureAndNoErrorOfTheConsole) {
+    const std::string& page = GetParam();
+    const ScratchDirectory files;
+    WriteManyChannels(files / "many.m3u");
+    std::vector<std::string> options{"--stream-event-interval", "100ms"};
+    if (page == "many-channels") options.insert(options.end(), {"--line-up", files / "many.m3u"});
+    const BrowserSystem system(options);
+    ASSERT_TRUE(system.ready);
+    fs::copy(kPages, system.directory / "pages", fs::copy_options::recursive);
+    fs::copy(kMembers, system.directory / "pages/members.json");
+
+    const std::string picture = system.directory / "picture.png";
+    PageRun run(system.directory / "pages", page, picture);
+    EXPECT_EQ(run.FollowToEnd(), 0);
+    EXPECT_EQ(run.failed, "[]");
+    EXPECT_EQ(run.errors, "");
+
+    fs::remove(KeptPicture(page));
+    if (HasFailure() && fs::exists(picture)) {
+        fs::create_directories(KeptPicture(page).parent_path());
+        fs::copy(picture, KeptPicture(page));
+        ADD_FAILURE() << "a picture of the page is in " << KeptPicture(page);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Pages, ::testing::ValuesIn(PageNames()), TestName);
+
+}  // namespace hbbtv::test
