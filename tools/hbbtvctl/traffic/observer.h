@@ -50,13 +50,13 @@ class Observer {
     Output& mOutput;
     const std::function<void()> mOnCount;
     std::unique_ptr<traffic::RecordingWriter> mWriter;
-    std::string mProblem;    // of writing
+    std::string mProblem;  // of writing
     uint64_t mWritten = 0;
-    uint64_t mMissing = 0;   // in the file
+    uint64_t mMissing = 0;  // in the file
     uint64_t mShown = 0;
     std::mutex mMutex;
-    traffic::Names mNames;            // guarded by mMutex
-    traffic::Statistics mStatistics;  // guarded by mMutex
+    traffic::Names mNames;                                    // guarded by mMutex
+    traffic::Statistics mStatistics;                          // guarded by mMutex
     std::map<std::pair<uint64_t, uint64_t>, uint64_t> mAges;  // of open exchanges that were shown: connection, time
 };
 
