@@ -117,6 +117,15 @@ TEST(DocumentsOfHbbtvctl, ExplainEveryCommandAndExitCode) {
     }
 }
 
+// Of one exchange that every platform answers in the same way.
+const char* const kRecording =
+    R"({"recording":1}
+{"number":1,"kind":"exchange","wall_us":1795276045000000,"monotonic_us":6031000000,"connection":1,)"
+    R"("socket":"service_plugin_to_hbbtv_vb_chn","family":"channel","operation":"GetName","code":13,)"
+    R"("message":{"type":2,"port":2,"size":54,"json":{"c_handle":"","method":13,"type":12}},)"
+    R"("reply":{"type":3,"port":2,"size":11,"json":{"ret":-1}},"duration_us":312,"status":-1}
+)";
+
 // Returns the last lines, for the message of a failed assertion.
 std::string EndOf(const std::string& output) {
     constexpr size_t kMost = 4000;
@@ -145,6 +154,7 @@ class Help : public InFrontOfTheSystem, public testing::WithParamInterface<const
         WriteFile(mDirectory / "damaged.bin", "damaged");
         CopyRecording(mDirectory / "traffic.ndjson");
         WriteFile(mDirectory / "zap.play", "tell zap {$number} -> ok ZDF HD\n");
+        WriteFile(mDirectory / "names.ndjson", kRecording);
         mChannel = CurrentChannel();
         mVideoBroadcast = NewVideoBroadcast();
     }
@@ -182,7 +192,8 @@ TEST_P(Help, ShowsExamplesThatWork) {
 
 INSTANTIATE_TEST_SUITE_P(Of, Help,
                          testing::Values("list", "describe", "call", "listen", "send", "emit", "play", "bench",
-                                         "monitor", "show", "status", "log", "check", "doctor", "completion", "man"),
+                                         "monitor", "show", "replay", "status", "log", "check", "doctor", "completion",
+                                         "man"),
                          [](const auto& command) { return std::string(command.param); });
 
 }  // namespace

@@ -16,7 +16,7 @@ namespace {
 using testing::HasSubstr;
 
 const std::vector<std::string> kCommands{"bench",  "call", "check", "completion", "describe", "doctor", "emit",  "list",
-                                         "listen", "log",  "man",   "play",       "send",     "show",   "status"};
+                                         "listen", "log",  "man",   "play",  "replay",     "send",     "show",   "status"};
 
 std::set<std::string> NamesIn(const std::string& directory) {
     std::set<std::string> names;

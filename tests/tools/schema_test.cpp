@@ -55,6 +55,14 @@ end
 )";
 
 const char* const kRecording = HBBTV_SOURCE_DIR "/examples/traffic/slow_channel_change.ndjson";
+// The platform replies otherwise.
+const char* const kReplayed =
+    R"({"recording":1}
+{"number":1,"kind":"exchange","wall_us":1795276045000000,"monotonic_us":6031000000,"connection":1,)"
+    R"("socket":"service_plugin_to_hbbtv_vb_chn","family":"channel","operation":"GetName","code":13,)"
+    R"("message":{"type":2,"port":2,"size":54,"json":{"c_handle":"","method":13,"type":12}},)"
+    R"("reply":{"type":3,"port":2,"size":11,"json":{"ret":-2}},"duration_us":312,"status":-2}
+)";
 
 class Schema : public InFrontOfTheSystem {};
 
@@ -63,6 +71,8 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     const std::string vb = NewVideoBroadcast();
     const std::string play = mDirectory / "all.play";
     WriteFile(play, kPlay);
+    const std::string recording = mDirectory / "traffic.ndjson";
+    WriteFile(recording, kReplayed);
     const std::vector<std::vector<std::string>> commands{
         {"list"},
         {"describe", "IChannel"},
@@ -89,6 +99,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
         {"show", kRecording},
         {"show", kRecording, "--stats"},
         {"show", kRecording, "--diff", kRecording},
+        {"replay", recording, "--as", "library"},
     };
     std::string lines;
     const auto run = [&lines](std::vector<std::string> words) {
@@ -115,7 +126,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
 
     // Every command with --json is in the list above.
     for (const char* command : {"list", "describe", "call", "listen", "send", "emit", "play", "bench", "status",
-                                "check", "doctor", "show", "completion", "man"}) {
+                                "check", "doctor", "show", "replay", "completion", "man"}) {
         const bool tried =
             std::string(command) == "listen" || std::string(command) == "emit" ||
             std::any_of(commands.begin(), commands.end(), [&](const auto& words) { return words[0] == command; });

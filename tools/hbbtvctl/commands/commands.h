@@ -24,5 +24,6 @@ void AddLog(CLI::App& app, Invocation& invocation);
 void AddCheck(CLI::App& app, Invocation& invocation);
 void AddDoctor(CLI::App& app, Invocation& invocation);
 void AddShow(CLI::App& app, Invocation& invocation);
+void AddReplay(CLI::App& app, Invocation& invocation);
 
 }  // namespace hbbtv::ctl
