@@ -1,5 +1,5 @@
-// The demo is recorded by a relay and replayed: as the platform for the service and the demo, without a simulator, and as
-// the library for another simulator.
+// The demo is recorded by a relay and replayed: as the platform for the service and the demo, without a simulator, and
+// as the library for another simulator.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,7 +32,7 @@ class Recording {
   public:
     Recording(const std::string& library, const std::string& platform, const std::string& file)
         : mWriter(file, {}),
-          mRelay({library, platform, {}, false, "test"},
+          mRelay({library, platform, {}, {}, false, "test"},
                  [this](const traffic::Record& record) { EXPECT_EQ(mWriter.Write(record), ""); }),
           mThread([this] { mRelay.Run(); }) {}
 
