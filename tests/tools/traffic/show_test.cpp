@@ -137,7 +137,10 @@ TEST_F(Show, RefusesWhatIsNotARecording) {
     EXPECT_THAT(problem("\n"), HasSubstr("not a recording: line 1"));
     EXPECT_THAT(problem("{}\n"), HasSubstr("line 1 has no \"recording\""));
     EXPECT_THAT(problem("{\"recording\":2}\n"), HasSubstr("a recording of version 2; this program reads version 1"));
-    EXPECT_THAT(problem(std::string("\x7f" "ELF\0\1\x1b[2J", 10)), testing::Not(HasSubstr("\x1b")));
+    EXPECT_THAT(problem(std::string("\x7f"
+                                    "ELF\0\1\x1b[2J",
+                                    10)),
+                testing::Not(HasSubstr("\x1b")));
     EXPECT_THAT(problem(std::string(17u << 20, '[')), HasSubstr("line 1 is "));
     EXPECT_EQ(Ctl({"show", mDirectory / "absent"}).exit, 2);
     EXPECT_THAT(Ctl({"show", mDirectory.Path()}).errors, HasSubstr("Is a directory"));
@@ -157,8 +160,9 @@ TEST_F(Show, NeedsTheSameMemoryForALongRecording) {
 }
 
 TEST_F(Show, EndsWithItsReader) {
-    const FinishedRun run = RunToEnd({"bash", "-c", std::string("set -o pipefail; '") + HBBTVCTL_PROGRAM + "' show '" +
-                                                        Long(100000) + "' | head -1"});
+    const FinishedRun run =
+        RunToEnd({"bash", "-c",
+                  std::string("set -o pipefail; '") + HBBTVCTL_PROGRAM + "' show '" + Long(100000) + "' | head -1"});
     EXPECT_EQ(Lines(run.output).size(), 1u);
     EXPECT_EQ(run.errors, "");
 }
