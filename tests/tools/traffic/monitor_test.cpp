@@ -114,7 +114,8 @@ TEST_F(MonitorTest, ShowsHowLongAnExchangeIsOpen) {
     Monitor monitor({"--rule", "op:GetName hold"});
     CtlProcess asking({"send", "channel.GetName", "0x1", "--timeout", "10s"});
     ASSERT_TRUE(monitor.WaitForOutput("  open for 1.")) << monitor.Output();
-    EXPECT_THAT(monitor.Output(), HasSubstr("  channel.GetName c_handle=0x00000001 -> no reply yet  [hold]  open for 1."));
+    EXPECT_THAT(monitor.Output(),
+                HasSubstr("  channel.GetName c_handle=0x00000001 -> no reply yet  [hold]  open for 1."));
     const FinishedRun doctor = Ctl({"doctor"});
     EXPECT_EQ(doctor.exit, 4);
     EXPECT_THAT(doctor.output, MatchesRegex("[^$]*PROBLEM  requests +channel.GetName has been open for [0-9.]+ s; the "
@@ -179,8 +180,7 @@ TEST_F(MonitorTest, TrafficContinuesWhenItsOutputIsNotRead) {
     const FakePlatform platform("service_of_another_family", R"({"ret":0})");
     const std::string pipe = mDirectory / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    ChildProcess monitor(
-        {"bash", "-c", "exec 3<>\"$1\"; exec \"$0\" monitor --json >&3", HBBTVCTL_PROGRAM, pipe});
+    ChildProcess monitor({"bash", "-c", "exec 3<>\"$1\"; exec \"$0\" monitor --json >&3", HBBTVCTL_PROGRAM, pipe});
     ASSERT_TRUE(monitor.WaitForOutput("press Ctrl-C to stop\n"));
     RawConnection connection = RawConnection::To(mDirectory / "service_of_another_family");
     const std::string large(200000, 'x');
