@@ -164,7 +164,7 @@ void AddMonitor(CLI::App& app, Invocation& invocation) {
     CLI::App* command = app.add_subcommand("monitor", "Show and record what goes between the library and the platform");
     command->add_option("FAMILY", options->families, "Only these families (default: all sockets, also unknown ones)")
         ->type_name("FAMILY");
-    command->add_option("--filter", options->observer.filter, "Show only what matches, for example 'ms>5'")
+    command->add_option("--filter", options->observer.filter, "Show only what matches; see `hbbtvctl show --help`")
         ->type_name("FILTER");
     AddJson(*command, options->observer.json);
     command->add_option("--record", options->observer.file, "Write all records to a new file")->type_name("FILE");
@@ -201,7 +201,7 @@ void AddMonitor(CLI::App& app, Invocation& invocation) {
         "Examples:\n"
         "  hbbtvctl monitor channel channel_config --for 1s\n"
         "  hbbtvctl monitor --filter 'op:SetChannel | ms>5 | event' --for 1s\n"
-        "  hbbtvctl monitor --record monday.ndjson --stats --for 1s\n"
+        "  hbbtvctl monitor --record new.ndjson --stats --for 1s\n"
         "  hbbtvctl monitor --break --json --for 1s\n"
         "  hbbtvctl monitor --rule 'op:SetChannel delay=2s' --rule 'p=0.01 corrupt' --for 1s");
     command->callback([options, &invocation] {
