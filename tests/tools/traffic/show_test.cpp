@@ -107,7 +107,7 @@ TEST_F(Show, ReadsWhatCanBeReadAndNamesTheRest) {
     EXPECT_EQ(run.exit, 0);
     EXPECT_EQ(Lines(run.output).size(), 2u) << run.output;
     EXPECT_EQ(Lines(run.errors).size(), 4u) << run.errors;
-    EXPECT_THAT(run.errors, HasSubstr(path + ":3: not valid JSON: line 1, column 3"));
+    EXPECT_THAT(run.errors, HasSubstr(path + ":3: not valid JSON: column 3"));
     EXPECT_THAT(run.errors, HasSubstr(path + ":4: \"kind\" is missing; skipped\n"));
     EXPECT_THAT(run.errors, HasSubstr(path + ":6: longer than 16 MiB; skipped\n"));
     EXPECT_THAT(run.errors, HasSubstr(path + ":8: cut: the file ends in this line; skipped\n"));

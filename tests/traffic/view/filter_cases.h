@@ -118,8 +118,10 @@ inline std::vector<FilterCase> CombinedFilterCases() {
 
 inline std::vector<FilterProblem> FilterProblems() {
     return {
-        {"famly:channel", "character 1: unknown field \"famly\"; did you mean \"family\"? (text with \":\" in it has to be in quotes)"},
-        {"event & family:chanel", "character 9: unknown family \"chanel\"; did you mean \"channel\"? (see `hbbtvctl list`)"},
+        {"famly:channel",
+         "character 1: unknown field \"famly\"; did you mean \"family\"? (text with \":\" in it has to be in quotes)"},
+        {"event & family:chanel",
+         "character 9: unknown family \"chanel\"; did you mean \"channel\"? (see `hbbtvctl list`)"},
         {"op:GetNam", "character 1: unknown operation or event \"GetNam\"; did you mean \"GetName\"?"},
         {"ms>fast", "character 1: \"fast\" is not a number"},
         {"ms>", "character 4: a value is missing after ms"},
