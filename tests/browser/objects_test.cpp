@@ -38,7 +38,7 @@ TEST(BrowserObjects, AskThePlatformForNothingWhenTheyAreOnlyInTheDocument) {
     ASSERT_TRUE(system.ready);
     const std::string page =
         system.Write("page.html", Page("const states = [video.playState, video.currentChannel];\n"));
-    const FinishedRun run = BrowserSystem::Run({page, "--print", "states"});
+    const FinishedRun run = BrowserSystem::Run({"--alone", page, "--print", "states"});
     EXPECT_EQ(run.output, "[0,null]\n") << run.Text();
     EXPECT_THAT(system.platform.Output(), Not(HasSubstr("> Create ")));
 }
@@ -59,8 +59,22 @@ TEST(BrowserObjects, HaveDefaultsWhileThePlatformIsAway) {
             "    oipfObjectFactory.createCapabilitiesObject().hasCapability('+DVB_S'),\n"
             "    oipfObjectFactory.createParentalControlManagerObject().parentalRatingSchemes.length,\n"
             "    oipfObjectFactory.createSearchManagerObject().createSearch(1)];\n"));
-    const FinishedRun run = BrowserSystem::Run({page, "--console", "--print", "got"});
+    const FinishedRun run = BrowserSystem::Run({"--alone", page, "--console", "--print", "got"});
     EXPECT_EQ(run.output, "[null,null,null,null,null,0,0,100,true,\"#2\",null,false,0,null]\n") << run.Text();
+}
+
+TEST(BrowserObjects, AreAllThatAnApplicationNeeds) {
+    const BrowserSystem system({"--stream-event-interval", "50ms"});
+    ASSERT_TRUE(system.ready);
+    const FinishedRun run = BrowserSystem::Run(
+        {"--alone", "--serve", HBBTV_SOURCE_DIR "/tools/demo/application", "index.html", "--console", "--keys",
+         "RED,DOWN,DOWN,OK,YELLOW,GREEN", "--until",
+         "/arte HD/.test((document.querySelector('#channels .current') || {}).textContent) && "
+         "document.querySelectorAll('#details *').length === 2 && "
+         "document.getElementById('event').textContent.startsWith('quiz: ')",
+         "--print",
+         "['#channels .focus', '#language', '#mark'].map(name => document.querySelector(name).textContent)"});
+    EXPECT_EQ(run.output, "[\"3  arte HD  \\u2605\",\"eng\",\"remove the mark\"]\n") << run.Text();
 }
 
 TEST(BrowserObjects, WorkAgainAfterARestartOfThePlatform) {
@@ -77,8 +91,8 @@ TEST(BrowserObjects, WorkAgainAfterARestartOfThePlatform) {
                                                             "    return updated && video.playState > 0 &&\n"
                                                             "        config.channelList.length > 0;\n"
                                                             "}\n"));
-    ChildProcess browser(
-        {HBBTV_BROWSER_PROGRAM, page, "--console", "--until", "works()", "--print", "config.channelList[0].name"});
+    ChildProcess browser({HBBTV_BROWSER_PROGRAM, "--alone", page, "--console", "--until", "works()", "--print",
+                          "config.channelList[0].name"});
     ASSERT_TRUE(browser.WaitForOutput("bound to Das Erste HD")) << browser.Output();
     system.platform.Kill();
     SimulatedPlatform next;

@@ -156,7 +156,7 @@ class Help : public InFrontOfTheSystem, public testing::WithParamInterface<const
         WriteFile(mDirectory / "damaged.bin", "damaged");
         CopyTraffic(mDirectory.Path());
         WriteFile(mDirectory / "zap.play", "tell zap {$number} -> ok ZDF HD\n");
-        WriteFile(mDirectory / "recording.ndjson", kRecording);
+        WriteFile(mDirectory / "names.ndjson", kRecording);
         mChannel = CurrentChannel();
         mVideoBroadcast = NewVideoBroadcast();
     }

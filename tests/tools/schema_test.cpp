@@ -56,7 +56,7 @@ end
 
 const char* const kRecording = HBBTV_SOURCE_DIR "/examples/traffic/slow_channel_change.ndjson";
 // The platform replies otherwise.
-const char* const kOtherRecording =
+const char* const kReplayed =
     R"({"recording":1}
 {"number":1,"kind":"exchange","wall_us":1795276045000000,"monotonic_us":6031000000,"connection":1,)"
     R"("socket":"service_plugin_to_hbbtv_vb_chn","family":"channel","operation":"GetName","code":13,)"
@@ -71,8 +71,8 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     const std::string vb = NewVideoBroadcast();
     const std::string play = mDirectory / "all.play";
     WriteFile(play, kPlay);
-    const std::string recording = mDirectory / "recording.ndjson";
-    WriteFile(recording, kOtherRecording);
+    const std::string recording = mDirectory / "traffic.ndjson";
+    WriteFile(recording, kReplayed);
     const std::vector<std::vector<std::string>> commands{
         {"list"},
         {"describe", "IChannel"},

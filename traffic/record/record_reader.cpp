@@ -167,8 +167,10 @@ Record RecordReader::Read(std::string_view line) {
     // Iterative: a line that nests deeply must not end the program.
     document.Parse<rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag>(line.data(), line.size());
     if (document.HasParseError()) {
+        std::string reason = rapidjson::GetParseError_En(document.GetParseError());
+        if (reason.back() == '.') reason.pop_back();
         throw std::runtime_error("not valid JSON: column " + std::to_string(document.GetErrorOffset() + 1) + ": " +
-                                 rapidjson::GetParseError_En(document.GetParseError()));
+                                 reason);
     }
     if (!document.IsObject()) throw std::runtime_error("it is not an object");
     const Members members(&document);

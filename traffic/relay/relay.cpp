@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <future>
 #include <map>
 #include <utility>
 
@@ -86,6 +87,7 @@ class Relay::Body {
     void Run();
     void Stop();
     std::vector<Record> Open() const { return mRecorder.Open(); }
+    std::string Tell(const std::string& line);
     const std::vector<std::string>& Restored() const { return mRestored; }
     std::set<std::string> Sockets() const { return mPlaces.Taken(); }
 
@@ -105,6 +107,7 @@ class Relay::Body {
     const TimeStamp mSince;
     asio::io_context mContext{1};
     Recorder mRecorder;
+    Rules mRules;
     Places mPlaces;
     std::vector<std::unique_ptr<Control>> mControls;
     std::map<uint64_t, std::shared_ptr<Link>> mLinks;
@@ -118,6 +121,7 @@ Relay::Body::Body(const RelaySettings& settings, std::function<void(const Record
       mDirectories(DirectoriesOf(settings)),
       mRecorder(std::move(onRecord)),
       mPlaces(mContext, mDirectories, settings.sockets, settings.program, Handlers()) {
+    for (const std::string& rule : settings.rules) mRules.Add(rule);
     AllowDescriptors();
     mRestored = mPlaces.Restored();
     for (const std::string& directory : mDirectories) {
@@ -182,7 +186,7 @@ void Relay::Body::Connect(const std::shared_ptr<Descriptor>& caller, const std::
 void Relay::Body::Add(int caller, int server, const std::string& socket) {
     const RelayedConnection about{++mLast, socket, PeerOf(caller), PeerOf(server)};
     mRecorder.Connected(about);
-    const auto link = std::make_shared<Link>(mContext, caller, server, about.number, IsOfLibrary(socket), mRecorder,
+    const auto link = std::make_shared<Link>(mContext, caller, server, about, mRules, mRecorder,
                                              [this](uint64_t number) { mLinks.erase(number); });
     mLinks[about.number] = link;
     link->Start();
@@ -192,6 +196,19 @@ void Relay::Body::Run() {
     const auto keepRunning = asio::make_work_guard(mContext);
     mContext.run();
     End();
+}
+
+std::string Relay::Body::Tell(const std::string& line) {
+    const auto answer = std::make_shared<std::promise<std::string>>();
+    std::future<std::string> result = answer->get_future();
+    asio::post(mContext, [this, answer, line] {
+        try {
+            answer->set_value(mRules.Tell(line));
+        } catch (...) {
+            answer->set_exception(std::current_exception());
+        }
+    });
+    return result.get();
 }
 
 void Relay::Body::Stop() {
@@ -244,6 +261,7 @@ std::string Relay::Body::Answer() const {
     for (const Record& record : Open()) {
         if (document["open"].size() < kMostShown) document["open"].append(ShortJson(record));
     }
+    if (mRules.Any()) document["rules"] = mRules.List();
     return WriteJson(document);
 }
 
@@ -258,6 +276,10 @@ void Relay::Run() {
 
 void Relay::Stop() {
     mBody->Stop();
+}
+
+std::string Relay::Tell(const std::string& line) {
+    return mBody->Tell(line);
 }
 
 std::vector<Record> Relay::Open() const {

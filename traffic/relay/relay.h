@@ -13,17 +13,18 @@
 namespace hbbtv::traffic {
 
 struct RelaySettings {
-    std::string directory;          // of the sockets; of the library's if `platform` is set
-    std::string platform;           // directory of the platform's sockets; empty: the same
-    std::set<std::string> sockets;  // names of files; empty: all, also unknown ones
-    bool breaks = false;            // end the connections that exist already, so that their ends connect again
-    std::string program;            // "hbbtvctl monitor", for other programs that find the relay here
+    std::string directory;           // of the sockets; of the library's if `platform` is set
+    std::string platform;            // directory of the platform's sockets; empty: the same
+    std::set<std::string> sockets;   // names of files; empty: all, also unknown ones
+    std::vector<std::string> rules;  // what to do to messages on purpose
+    bool breaks = false;             // end the connections that exist already, so that their ends connect again
+    std::string program;             // "hbbtvctl monitor", for other programs that find the relay here
 };
 
 class Relay {
   public:
     // Takes the place of the sockets that there are. `onRecord` is called by one thread of the relay. Throws Failure if
-    // the directory cannot be used, or a relay is already there.
+    // the directory cannot be used, a relay is already there, or a rule is wrong.
     Relay(const RelaySettings& settings, std::function<void(const Record&)> onRecord);
 
     // Restores the sockets, if Run() has not done that.
@@ -40,6 +41,10 @@ class Relay {
 
     // Returns the exchanges that have no reply yet, as records without a number, oldest first. Thread-safe.
     std::vector<Record> Open() const;
+
+    // Carries out a line about rules: a rule to add, or a command; "help" returns a list. Returns the answer. Throws
+    // Failure(kUsage). Thread-safe, while Run() runs and has not been stopped.
+    std::string Tell(const std::string& line);
 
     // Returns the names of the sockets whose place it has. Not while Run() runs.
     std::set<std::string> Sockets() const;

@@ -58,7 +58,7 @@ TEST_F(RecordImport, HasWhatTheServiceHasExchanged) {
     EXPECT_EQ(records[1]["socket"], "service_plugin_to_hbbtv_vb_chn");
     EXPECT_EQ(records[1]["library"]["pid"], mService->Pid());
     EXPECT_FALSE(records[1].isMember("duration_us"));
-    EXPECT_EQ(records[4]["reply"]["base64"], "bnVsbAo=") << "null, for no client";
+    EXPECT_EQ(records[4]["reply"]["base64"], "bnVsbA==") << "null, for no client";
 }
 
 TEST_F(RecordImport, HasDurationsFromTheLevelVerbose) {

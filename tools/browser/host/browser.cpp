@@ -1,8 +1,11 @@
 #include "browser.h"
 
+#include <cstdio>
 #include <filesystem>
+#include <thread>
 
 #include "common/failure.h"
+#include "common/text/printable.h"
 #include "common/text/quote.h"
 #include "files.h"
 #include "page_script.h"
@@ -13,7 +16,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr Milliseconds kTimeToRelease{2000};
+constexpr Milliseconds kTimeToRelease{1000};
+constexpr Milliseconds kTimeToGetATab{3000};
 
 std::string Escaped(const std::string& name) {
     std::string text;
@@ -49,15 +53,19 @@ Browser::Browser(const Options& options, devtools::Loop& loop, Platform& platfor
       mPlatform(platform),
       mCalls(loop, platform, options.callLimit),
       mConsole(options.console),
-      mFiles(options.serve) {
+      mTabs(loop, platform, [this](const std::string& url, const Platform::Reply& reply) { GetXmlFile(url, reply); },
+            {[this](int id, const Tab& tab) { TabCreated(id, tab); },
+             [this](int id, const Tab&) { return BecomesRelated(id); }, [this](int id, const Tab&) { TabGone(id); }}) {
+    for (const auto& [url, directory] : options.serve) mFiles.Serve(url, directory);
     const std::string& page = options.page;
+    const bool served = !options.serve.empty() && options.serve[0].first == kFilesOrigin;
     if (page.empty() || page.find("://") != std::string::npos || page.rfind("data:", 0) == 0) {
         mUrl = page;
-    } else if (!mFiles.empty()) {
+    } else if (served) {
         mUrl = kFilesOrigin + page.substr(page[0] == '/' ? 1 : 0);
     } else if (fs::is_regular_file(page)) {
         const fs::path file = fs::absolute(page);
-        mFiles = file.parent_path().string();
+        mFiles.Serve(kFilesOrigin, file.parent_path().string());
         mUrl = kFilesOrigin + Escaped(file.filename().string());
     } else {
         throw Failure(kUsage, Quoted(page) + " is neither a URL nor a file");
@@ -65,9 +73,11 @@ Browser::Browser(const Options& options, devtools::Loop& loop, Platform& platfor
 }
 
 int Browser::Run() {
-    mPlatform.Start({[this](const Json::Value& event) { mPages->Deliver(event); },
-                     [](const std::string&, const Json::Value&, const Platform::Reply& reply) {
-                         reply(Json::Value(Json::objectValue));
+    mPlatform.Start({[this](const Json::Value& event) {
+                         if (mPages) mPages->Deliver(event);
+                     },
+                     [this](const std::string& command, const Json::Value& arguments, const Platform::Reply& reply) {
+                         mTabs.Take(command, arguments, reply);
                      },
                      [this] { mHoldings.Clear(); }, [] {}});
     mLoop.OnSignals([this] { End(kDone, ""); });
@@ -75,6 +85,8 @@ int Browser::Run() {
     if (!mUrl.empty()) OpenPage();
     mLoop.RunUntil([this] { return mExit.has_value(); });
     ReleaseAll();
+    mTabs.Use(nullptr);
+    mPlatform.Flush(kTimeToRelease);
     mChromium.reset();
     if (*mExit != kDone) throw Failure(static_cast<ExitCode>(*mExit), mMessage);
     return kDone;
@@ -82,26 +94,112 @@ int Browser::Run() {
 
 void Browser::StartChromium() {
     mChromium = std::make_unique<devtools::DevTools>(mLoop, ChromiumFor(mOptions));
-    Pages::Handlers handlers{[this](const std::string& page, const PageChange& change) {
-                                 if (mErrand) mErrand->Changed(page, change);
-                             },
+    Pages::Handlers handlers{[this](const std::string& page, const PageChange& change) { Changed(page, change); },
                              [this](const Document& document, const Request& request) { Called(document, request); },
                              [this](const Request& request) { FileWanted(request); },
                              [this](const std::string& document) { DocumentGone(document); }};
-    mPages = std::make_unique<Pages>(*mChromium, mConsole, kPageScript, mOptions.size, handlers);
+    mPages = std::make_unique<Pages>(*mChromium, mConsole,
+                                     Pages::Settings{kPageScript, mOptions.size, mFiles.Prefixes()}, handlers);
     mChromium->SetHandlers([this](const std::string& session, const std::string& method,
                                   const Json::Value& params) { mPages->Take(session, method, params); },
-                           [this] { End(kPeerLost, "Chromium has ended: " + mChromium->LastMessage()); });
+                           [this] { ChromiumEnded(); });
+    mTabs.Use(mPages.get());
+}
+
+// One that has not even started is not started again. Called by Chromium's own object, so the next one is started
+// later.
+void Browser::ChromiumEnded() {
+    const std::string message = "Chromium has ended: " + mChromium->LastMessage();
+    mTabs.Use(nullptr);
+    ReleaseAll();
+    if (mErrand || !mPages->Started()) return End(kPeerLost, message);
+    std::fprintf(stderr, "hbbtv-browser: %s; it is started again\n", Printable(message).c_str());
+    mLoop.Post([this] {
+        mPages.reset();
+        mChromium.reset();
+        StartChromium();
+    });
 }
 
 void Browser::OpenPage() {
     if (mOptions.EndsByItself())
         mErrand.emplace(mOptions, mLoop, *mPages, [this](int code, const std::string& text) { End(code, text); });
-    mPages->Create([this](const std::string& page) {
-        if (page.empty()) return End(kPeerLost, "Chromium does not create a page");
-        if (mErrand) mErrand->Start(page);
-        mPages->Load(page, mUrl);
+    if (mOptions.alone) return OpenAlone();
+    Json::Value arguments;
+    arguments["appId"] = -1;
+    arguments["orgId"] = -1;
+    arguments["url"] = mUrl;
+    arguments["child"] = false;
+    arguments["opapp"] = false;
+    std::thread([this, arguments] {
+        const CallResult result = mPlatform.Call("IApplicationManager.CreateApplication", arguments);
+        mLoop.Post([this, result] { Started(result); });
+    }).detach();
+    mLoop.After(kTimeToGetATab, [this] {
+        if (mTab == 0 && !mExit) OpenAlone();
     });
+}
+
+// The platform has started the page as an application, or not.
+void Browser::Started(const CallResult& application) {
+    if (!application.Ok()) return OpenAlone();
+    Json::Value arguments;
+    arguments["appId"] = application.results["newAppId"];
+    arguments["orgId"] = application.results["newOrgId"];
+    mPlatform.CallLater("IApplicationManager.Show", arguments);
+}
+
+// As if the platform had commanded it.
+void Browser::OpenAlone() {
+    if (!mOptions.alone)
+        std::fprintf(stderr,
+                     "hbbtv-browser: the platform does not start the page; it is opened without an application\n");
+    Json::Value arguments;
+    arguments["url"] = mUrl;
+    arguments["autoShow"] = true;
+    arguments["isBroadcastRelated"] = true;
+    mTabs.Take("CreateApp", arguments, [this, arguments](const Json::Value& created) {
+        if (!created.isMember("tabId")) return End(kPeerLost, "Chromium does not create a page");
+        Json::Value load = arguments;
+        load["tabId"] = created["tabId"];
+        mTabs.Take("LoadURLInTab", load, [](const Json::Value&) {});
+    });
+}
+
+void Browser::TabCreated(int id, const Tab& tab) {
+    if (mTab != 0 || mUrl.empty() || tab.url != mUrl) return;
+    mTab = id;
+    if (mErrand) mErrand->Start(tab.page);
+}
+
+// The platform starts it as one that is not.
+bool Browser::BecomesRelated(int id) {
+    if (id != mTab || mOptions.alone) return false;
+    Json::Value arguments;
+    arguments["tabId"] = id;
+    mPlatform.CallLater("IApplicationManager.SetBIAppToBR", arguments);
+    return true;
+}
+
+void Browser::TabGone(int id) {
+    if (id == mTab && mErrand) End(kUnavailable, "the platform has ended the application");
+}
+
+void Browser::Changed(const std::string& page, const PageChange& change) {
+    if (mErrand) mErrand->Changed(page, change);
+    mTabs.Changed(page, change);
+}
+
+void Browser::GetXmlFile(const std::string& url, const Platform::Reply& reply) {
+    const auto answer = [reply](const std::string& text) {
+        Json::Value results;
+        results["status"] = text.empty() ? -1 : 0;
+        results["xmlFile"] = text;
+        reply(results);
+    };
+    const std::optional<Response> file = mFiles.Answer(url, "");
+    if (!file) return mPages->GetFile(url, answer);
+    answer(file->status == 200 ? file->body : "");
 }
 
 void Browser::End(int code, const std::string& message) {
@@ -123,20 +221,16 @@ void Browser::Called(const Document& document, const Request& request) {
         });
 }
 
-Json::Value Browser::HostCall(const Document&, const std::string& name) {
-    Json::Value results(Json::objectValue);
-    if (name == "tab") {
-        results["tab"] = 0;
-        results["broadcastRelated"] = true;
-        results["origin"] = "";
-    }
-    return results;
+Json::Value Browser::HostCall(const Document& document, const std::string& name) {
+    const int tab = mTabs.Of(document.page);
+    if (name == "tab") return mTabs.Described(tab);
+    if (name == "close" && tab != 0) mTabs.CloseRequested(tab);
+    return Json::objectValue;
 }
 
 void Browser::FileWanted(const Request& request) {
-    const bool known = !mFiles.empty() && request.url.rfind(kFilesOrigin, 0) == 0;
-    mPages->Fulfill(request, known ? FileResponse(mFiles, PathOf(request.url), request.range)
-                                   : Response{404, "text/plain", "no such file", ""});
+    const std::optional<Response> file = mFiles.Answer(request.url, request.range);
+    mPages->Fulfill(request, file.value_or(Response{404, "text/plain", "no such file", ""}));
 }
 
 void Browser::DocumentGone(const std::string& document) {
@@ -145,7 +239,6 @@ void Browser::DocumentGone(const std::string& document) {
 
 void Browser::ReleaseAll() {
     for (const std::string& document : mHoldings.Documents()) DocumentGone(document);
-    mPlatform.Flush(kTimeToRelease);
 }
 
 }  // namespace hbbtv::browser

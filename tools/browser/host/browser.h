@@ -10,10 +10,12 @@
 #include "devtools/devtools.h"
 #include "devtools/loop.h"
 #include "errand.h"
+#include "files.h"
 #include "options.h"
 #include "platform/holdings.h"
 #include "platform/page_calls.h"
 #include "platform/platform.h"
+#include "tabs.h"
 
 namespace hbbtv::browser {
 
@@ -26,11 +28,19 @@ class Browser {
 
   private:
     void StartChromium();
+    void ChromiumEnded();
     void OpenPage();
+    void OpenAlone();
+    void Started(const CallResult& application);
+    void TabCreated(int id, const Tab& tab);
+    void TabGone(int id);
+    bool BecomesRelated(int id);
+    void GetXmlFile(const std::string& url, const Platform::Reply& reply);
     void End(int code, const std::string& message);
 
     void Called(const Document& document, const Request& request);
     Json::Value HostCall(const Document& document, const std::string& name);
+    void Changed(const std::string& page, const PageChange& change);
     void FileWanted(const Request& request);
     void DocumentGone(const std::string& document);
     void ReleaseAll();
@@ -41,10 +51,12 @@ class Browser {
     PageCalls mCalls;
     Holdings mHoldings;
     Console mConsole;
-    std::string mFiles;  // directory of our origin of files
-    std::string mUrl;    // page of the command line
+    Files mFiles;
+    std::string mUrl;  // page of the command line
+    int mTab = 0;      // of this page
     std::unique_ptr<devtools::DevTools> mChromium;
     std::unique_ptr<Pages> mPages;
+    Tabs mTabs;
     std::optional<Errand> mErrand;
     std::optional<int> mExit;
     std::string mMessage;  // if mExit is not 0

@@ -48,9 +48,7 @@ void Errand::Settle(const std::function<void()>& then) {
 void Errand::PressNext() {
     if (mPressed == mOptions.keys.size()) return WaitForCondition();
     const int code = KeyCode(mOptions.keys[mPressed++]);
-    mPages.Send(mPage, "Input.dispatchKeyEvent", KeyDown(code));
-    mPages.Send(mPage, "Input.dispatchKeyEvent", KeyUp(code),
-                [this](const devtools::Answer&) { Settle([this] { PressNext(); }); });
+    mPages.PressKey(mPage, code, [this] { Settle([this] { PressNext(); }); });
 }
 
 void Errand::WaitForCondition() {

@@ -79,6 +79,20 @@ bool IsBelow(const fs::path& file, const fs::path& directory) {
 
 }  // namespace
 
+std::optional<Response> Files::Answer(const std::string& url, const std::string& range) const {
+    for (const auto& [prefix, directory] : mServed) {
+        if (url.rfind(prefix, 0) == 0)
+            return FileResponse(directory, PathOf("x://x/" + url.substr(prefix.size())), range);
+    }
+    return std::nullopt;
+}
+
+std::vector<std::string> Files::Prefixes() const {
+    std::vector<std::string> prefixes;
+    for (const auto& served : mServed) prefixes.push_back(served.first);
+    return prefixes;
+}
+
 Response BytesResponse(const std::string& file, const std::string& name, const std::string& range) {
     std::error_code error;
     const uintmax_t size = fs::file_size(file, error);

@@ -5,10 +5,13 @@
 #include <CLI/Formatter.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include "chromium/keys.h"
 #include "common/failure.h"
 #include "common/text/printable.h"
+#include "common/text/quote.h"
+#include "files.h"
 
 namespace hbbtv::browser {
 
@@ -38,6 +41,17 @@ std::string ReadSize(const std::string& word, ScreenSize& size) {
     return "\"" + word + "\" is not a size, for example 1280x720";
 }
 
+// "http://hbbtv.example/=DIR", or "DIR".
+std::string ReadServed(const std::string& word, Options& options) {
+    const size_t equals = word.find("://") == std::string::npos ? std::string::npos : word.rfind('=');
+    const std::string directory = equals == std::string::npos ? word : word.substr(equals + 1);
+    std::string url = equals == std::string::npos ? kFilesOrigin : word.substr(0, equals);
+    if (url.back() != '/') url += '/';
+    if (!std::filesystem::is_directory(directory)) return Quoted(directory) + " is not a directory";
+    options.serve.emplace_back(url, directory);
+    return "";
+}
+
 std::string ReadTime(const std::string& word, Milliseconds& time) {
     const std::string problem = CheckDuration(word);
     if (problem.empty()) time = *ParseDuration(word);
@@ -55,9 +69,15 @@ std::string CheckKey(const std::string& name) {
 
 void AddOptions(CLI::App& app, Options& options) {
     app.add_option("PAGE", options.page, "URL of a page, or a file")->type_name("PAGE");
-    app.add_option("--serve", options.serve, "Give the files of this directory an origin; PAGE is a path in it")
-        ->type_name("DIR")
-        ->check(CLI::ExistingDirectory);
+    app.add_option_function<std::vector<std::string>>(
+           "--serve", [](const std::vector<std::string>&) {},
+           "Give the files of this directory an origin, so that PAGE can be a path in it, or the URLs that begin with "
+           "URL")
+        ->type_name("[URL=]DIR")
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->take_all()
+        ->check([&options](const std::string& word) { return ReadServed(word, options); });
     app.add_option("--keys", options.keys, "Press these keys, one after the other, when the page has loaded")
         ->type_name("NAME,...")
         ->delimiter(',')
@@ -69,6 +89,7 @@ void AddOptions(CLI::App& app, Options& options) {
     app.add_option("--print", options.print, "Print the value of this JavaScript expression as JSON, and exit")
         ->type_name("EXPRESSION");
     app.add_flag("--console", options.console, "Print the consoles of pages, and their errors, with positions");
+    app.add_flag("--alone", options.alone, "Open PAGE without an application: the platform neither starts nor ends it");
     app.add_option("--user-agent", options.userAgent, "User agent (default: one with HbbTV/1.5.1)")->type_name("TEXT");
     app.add_option_function<std::string>(
            "--size", [](const std::string&) {}, "Size of the screen (default: 1280x720)")
@@ -109,7 +130,8 @@ std::optional<Options> ReadOptions(int argc, char** argv, int& exitCode) {
         exitCode = kUsage;
         return std::nullopt;
     }
-    if (options.page.empty() && !options.serve.empty()) options.page = "/";
+    const bool served = !options.serve.empty() && options.serve[0].first == kFilesOrigin;
+    if (options.page.empty() && served) options.page = "/";
     if (options.page.empty() && options.EndsByItself()) {
         std::fprintf(stderr, "hbbtv-browser: --keys, --screenshot, --until and --print require a PAGE\n");
         exitCode = kUsage;

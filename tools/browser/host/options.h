@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "chromium/pages.h"
@@ -11,11 +12,12 @@
 namespace hbbtv::browser {
 
 struct Options {
-    std::string page;  // URL or file; empty: pages come from the platform only
-    std::string serve;
+    std::string page;                                        // URL or file; empty: pages come from the platform only
+    std::vector<std::pair<std::string, std::string>> serve;  // beginning of URLs, and directory
     std::string screenshot;
     std::vector<std::string> keys;
     bool console = false;
+    bool alone = false;
     std::string until;
     std::string print;
     std::string userAgent{

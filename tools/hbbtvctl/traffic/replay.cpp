@@ -133,9 +133,9 @@ void AddReplay(CLI::App& app, Invocation& invocation) {
     command->footer(
         "The exit code is 7 if something is not as recorded.\n\n"
         "Examples:\n"
-        "  hbbtvctl replay recording.ndjson --as library\n"
-        "  mkdir -p played; hbbtvctl --directory played replay recording.ndjson --as platform --for 100ms\n"
-        "  mkdir -p played; hbbtvctl --directory played replay recording.ndjson --as platform --repeat --for 100ms");
+        "  hbbtvctl replay names.ndjson --as library\n"
+        "  mkdir -p played; hbbtvctl --directory played replay traffic.ndjson --as platform --for 100ms\n"
+        "  mkdir -p played; hbbtvctl --directory played replay traffic.ndjson --as platform --repeat --for 100ms");
     command->callback([options, &invocation] {
         invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };
     });

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "chromium/base64.h"
+#include "chromium/keys.h"
 #include "common/text/json.h"
 
 namespace hbbtv::browser {
@@ -15,6 +17,18 @@ namespace {
 using Kind = PageChange::Kind;
 
 constexpr double kDocumentLoaded = 0.5;
+constexpr Milliseconds kTimeToAnswer{2000};
+constexpr Milliseconds kNoLimit = std::chrono::hours(24 * 365);
+
+const char* const kNextTitle =
+    "async last => {"
+    " while (document.title === last) await new Promise(changed => {"
+    "  const observer = new MutationObserver(() => { observer.disconnect(); changed(); });"
+    "  observer.observe(document.head || document.documentElement,"
+    "                   {subtree: true, childList: true, characterData: true});"
+    " });"
+    " return document.title;"
+    "}";
 constexpr int kUnknownScheme = -302;
 constexpr int kInvalidUrl = -300;  // as Chromium's net::ERR_INVALID_URL
 
@@ -46,19 +60,24 @@ PageChange Progress(double progress) {
 
 }  // namespace
 
-Pages::Pages(devtools::DevTools& chromium, Console& console, const std::string& script, ScreenSize size,
-             Handlers handlers)
+Pages::Pages(devtools::DevTools& chromium, Console& console, Settings settings, Handlers handlers)
     : mChromium(chromium),
       mConsole(console),
-      mScript(script),
-      mSize(size),
+      mSettings(std::move(settings)),
       mHandlers(std::move(handlers)),
-      mRequests(chromium, {[this](const Request& request) { Called(request); }, mHandlers.onFile,
-                           [this](const std::string& session, const std::string& frame, const LoadFailure& failure) {
-                               LoadFailed(session, frame, failure);
-                           }}) {
-    mChromium.Send(kBrowserSession, "Target.setDiscoverTargets", Object("discover", true));
+      mRequests(chromium, mSettings.own,
+                {[this](const Request& request) { Called(request); }, mHandlers.onFile,
+                 [this](const std::string& session, const std::string& frame, const LoadFailure& failure) {
+                     LoadFailed(session, frame, failure);
+                 }}) {
+    mChromium.Send(kBrowserSession, "Target.setDiscoverTargets", Object("discover", true),
+                   [this](const Answer& answer) { mStarted = answer.Ok(); });
     mChromium.Send(kBrowserSession, "Target.setAutoAttach", AutoAttach());
+}
+
+Pages::~Pages() {
+    for (const auto& awaited : std::exchange(mAwaited, {})) awaited.second("");
+    for (const auto& traced : std::exchange(mTraced, {})) traced.second(0);
 }
 
 void Pages::Create(const std::function<void(const std::string&)>& onCreated) {
@@ -69,7 +88,7 @@ void Pages::Create(const std::function<void(const std::string&)>& onCreated) {
         const std::string page = answer.result["targetId"].asString();
         const std::string name = SessionOf(page);
         if (!name.empty() && mSessions[name].prepared) return onCreated(page);
-        mAwaited[page] = [onCreated, page] { onCreated(page); };
+        mAwaited[page] = onCreated;
     });
 }
 
@@ -95,6 +114,95 @@ void Pages::Close(const std::string& page) {
 void Pages::Send(const std::string& page, const std::string& method, const Json::Value& params,
                  devtools::DevTools::OnAnswer onAnswer) {
     mChromium.Send(SessionOf(page), method, params, std::move(onAnswer));
+}
+
+void Pages::PressKey(const std::string& page, int code, const std::function<void()>& onTaken) {
+    Send(page, "Input.dispatchKeyEvent", KeyDown(code));
+    Send(page, "Input.dispatchKeyEvent", KeyUp(code), [onTaken](const Answer&) {
+        if (onTaken) onTaken();
+    });
+}
+
+void Pages::GetHistory(const std::string& page, const std::function<void(bool, bool)>& onHistory) {
+    Send(page, "Page.getNavigationHistory", Json::Value(Json::objectValue), [onHistory](const Answer& answer) {
+        const int current = answer.result["currentIndex"].asInt();
+        const Json::Value& first = answer.result["entries"][0];
+        const int start = first.isObject() && first["url"] == kBlank ? 1 : 0;  // where each page begins
+        onHistory(current > start, current + 1 < static_cast<int>(answer.result["entries"].size()));
+    });
+}
+
+void Pages::CheckChromium(const std::function<void(bool)>& onChecked) {
+    mChromium.Send(
+        kBrowserSession, "Browser.getVersion", Json::Value(Json::objectValue),
+        [onChecked](const Answer& answer) { onChecked(answer.Ok()); }, kTimeToAnswer);
+}
+
+// Chromium names the process of a page only at the start of a trace of the page, of which there is one at a time.
+void Pages::GetRenderProcess(const std::string& page, const std::function<void(int)>& onProcess) {
+    mTraced.emplace_back(page, onProcess);
+    if (mTraced.size() == 1) Trace();
+}
+
+void Pages::Trace() {
+    const std::string page = mTraced.front().first;
+    mProcess = 0;
+    Json::Value params = Object("transferMode", "ReportEvents");
+    params["traceConfig"]["includedCategories"].append("disabled-by-default-devtools.timeline");
+    Send(page, "Tracing.start", params, [this, page](const Answer& started) {
+        if (!started.Ok()) return EndTrace();
+        Send(page, "Tracing.end", Json::Value(Json::objectValue), [this](const Answer& ended) {
+            if (!ended.Ok()) EndTrace();
+        });
+    });
+}
+
+void Pages::TakeTrace(const Json::Value& events) {
+    if (mTraced.empty()) return;
+    for (const Json::Value& event : events) {
+        if (event["name"] != "TracingStartedInBrowser") continue;
+        for (const Json::Value& frame : event["args"]["data"]["frames"]) {
+            if (frame["frame"] == mTraced.front().first) mProcess = frame["processId"].asInt();
+        }
+    }
+}
+
+void Pages::EndTrace() {
+    if (mTraced.empty()) return;
+    const auto onProcess = std::move(mTraced.front().second);
+    mTraced.pop_front();
+    onProcess(mProcess);
+    if (!mTraced.empty()) Trace();
+}
+
+void Pages::GetFile(const std::string& url, const std::function<void(const std::string&)>& onText) {
+    if (mHelper.empty()) {
+        return Create([this, url, onText](const std::string& page) {
+            mHelper = page;
+            if (page.empty()) return onText("");
+            GetFile(url, onText);
+        });
+    }
+    Json::Value params = Object("url", url);
+    params["frameId"] = mHelper;
+    params["options"]["disableCache"] = true;
+    params["options"]["includeCredentials"] = true;
+    Send(mHelper, "Network.loadNetworkResource", params, [this, onText](const Answer& answer) {
+        const Json::Value& resource = answer.result["resource"];
+        if (!resource["success"].asBool()) return onText("");
+        ReadStream(mHelper, resource["stream"].asString(), "", onText);
+    });
+}
+
+void Pages::ReadStream(const std::string& page, const std::string& stream, const std::string& begin,
+                       const std::function<void(const std::string&)>& onText) {
+    Send(page, "IO.read", Object("handle", stream), [=](const Answer& answer) {
+        const std::string data = answer.result["data"].asString();
+        const std::string text = begin + (answer.result["base64Encoded"].asBool() ? FromBase64(data) : data);
+        if (answer.Ok() && !answer.result["eof"].asBool()) return ReadStream(page, stream, text, onText);
+        Send(page, "IO.close", Object("handle", stream));
+        onText(answer.Ok() ? text : "");
+    });
 }
 
 void Pages::Evaluate(const std::string& page, const std::string& expression,
@@ -128,8 +236,9 @@ std::string Pages::SessionOf(const std::string& page) const {
 void Pages::Take(const std::string& name, const std::string& method, const Json::Value& params) {
     if (method == "Target.attachedToTarget") return Attached(name, params);
     if (method == "Target.detachedFromTarget") return Detached(params["sessionId"].asString());
-    if (method == "Target.targetInfoChanged") return InfoChanged(params["targetInfo"]);
     if (method == "Target.targetCrashed") return Crashed(params);
+    if (method == "Tracing.dataCollected") return TakeTrace(params["value"]);
+    if (method == "Tracing.tracingComplete") return EndTrace();
     const auto found = mSessions.find(name);
     if (found == mSessions.end()) return;
     Session& session = found->second;
@@ -139,7 +248,7 @@ void Pages::Take(const std::string& name, const std::string& method, const Json:
         return ContextsGone(session, params["executionContextId"].asInt());
     if (method == "Runtime.executionContextsCleared") return ContextsGone(session, 0);
     if (mConsole.Take(method, params)) return;
-    if (session.main) TakePageEvent(session, method, params);
+    if (session.main) TakePageEvent(name, session, method, params);
 }
 
 void Pages::Attached(const std::string& parent, const Json::Value& params) {
@@ -163,11 +272,11 @@ void Pages::Prepare(const std::string& name, const Session& session) {
     mChromium.Send(name, "Log.enable");
     mRequests.Enable(name);
     mChromium.Send(name, "Page.setBypassCSP", Object("enabled", true));
-    mChromium.Send(name, "Page.addScriptToEvaluateOnNewDocument", Object("source", mScript));
+    mChromium.Send(name, "Page.addScriptToEvaluateOnNewDocument", Object("source", mSettings.script));
     mChromium.Send(name, "Target.setAutoAttach", AutoAttach());
     if (session.main) {
-        Json::Value size = Object("width", mSize.width);
-        size["height"] = mSize.height;
+        Json::Value size = Object("width", mSettings.size.width);
+        size["height"] = mSettings.size.height;
         size["deviceScaleFactor"] = 1;
         size["mobile"] = false;
         mChromium.Send(name, "Emulation.setDeviceMetricsOverride", size);
@@ -183,9 +292,10 @@ void Pages::Prepared(const std::string& name) {
     session->second.prepared = true;
     const auto awaited = mAwaited.find(session->second.target);
     if (awaited == mAwaited.end()) return;
-    const std::function<void()> onCreated = std::move(awaited->second);
+    const auto onCreated = std::move(awaited->second);
+    const std::string page = awaited->first;
     mAwaited.erase(awaited);
-    onCreated();
+    onCreated(page);
 }
 
 void Pages::Detached(const std::string& name) {
@@ -194,10 +304,12 @@ void Pages::Detached(const std::string& name) {
     ContextsGone(found->second, 0);
     const Session session = found->second;
     mSessions.erase(found);
+    if (session.page == mHelper) mHelper.clear();
     if (session.main) Report(session, Text(Kind::Gone, ""));
 }
 
-void Pages::TakePageEvent(Session& session, const std::string& method, const Json::Value& params) {
+void Pages::TakePageEvent(const std::string& name, Session& session, const std::string& method,
+                          const Json::Value& params) {
     const bool mainFrame = params["frameId"].asString() == session.mainFrame;
     if (method == "Page.frameNavigated") return Navigated(session, params["frame"]);
     if (method == "Page.navigatedWithinDocument" && mainFrame) {
@@ -211,7 +323,8 @@ void Pages::TakePageEvent(Session& session, const std::string& method, const Jso
     }
     if (method == "Page.domContentEventFired") {
         Report(session, Progress(kDocumentLoaded));
-        return Report(session, Text(Kind::DocumentLoaded, ""));
+        Report(session, Text(Kind::DocumentLoaded, ""));
+        return WatchTitle(name, "");
     }
     if (method == "Page.frameStoppedLoading" && mainFrame) return Loaded(session);
 }
@@ -233,15 +346,21 @@ void Pages::Loaded(Session& session) {
     Report(session, {Kind::Failed, failure.text, 0, failure.code, session.url});
 }
 
-void Pages::InfoChanged(const Json::Value& info) {
-    const std::string name = SessionOf(info["targetId"].asString());
-    const auto found = mSessions.find(name);
-    if (found == mSessions.end()) return;
-    const std::string title = info["title"].asString();
-    // Chromium's title of a page without one is its address.
-    if (title == found->second.title || info["url"].asString().find(title) != std::string::npos) return;
-    found->second.title = title;
-    Report(found->second, Text(Kind::Title, title));
+// Chromium reports changes of titles late or not at all, so the page is asked for the next title, again and again,
+// until it is left.
+void Pages::WatchTitle(const std::string& name, const std::string& last) {
+    Json::Value params = Object("expression", "(" + std::string(kNextTitle) + ")(" + WriteJson(last) + ")");
+    params["awaitPromise"] = true;
+    mChromium.Send(
+        name, "Runtime.evaluate", params,
+        [this, name](const Answer& answer) {
+            const Json::Value& title = answer.result["result"]["value"];
+            const auto session = mSessions.find(name);
+            if (!title.isString() || session == mSessions.end()) return;
+            Report(session->second, Text(Kind::Title, title.asString()));
+            WatchTitle(name, title.asString());
+        },
+        kNoLimit);
 }
 
 void Pages::ContextCreated(Session& session, const Json::Value& context) {

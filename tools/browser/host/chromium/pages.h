@@ -4,6 +4,7 @@
 
 #include <json/value.h>
 
+#include <deque>
 #include <functional>
 #include <map>
 #include <string>
@@ -46,9 +47,21 @@ class Pages {
         std::function<void(const std::string& document)> onDocumentGone;
     };
 
-    // `script` runs in each document before its own.
-    Pages(devtools::DevTools& chromium, Console& console, const std::string& script, ScreenSize size,
-          Handlers handlers);
+    struct Settings {
+        std::string script;  // runs in each document before its own
+        ScreenSize size;
+        std::vector<std::string> own;  // beginnings of URLs that Handlers::onFile answers
+    };
+
+    Pages(devtools::DevTools& chromium, Console& console, Settings settings, Handlers handlers);
+
+    // Calls the functions that wait for Chromium, with nothing.
+    ~Pages();
+    Pages(const Pages&) = delete;
+    Pages& operator=(const Pages&) = delete;
+
+    // Returns whether Chromium has answered.
+    bool Started() const { return mStarted; }
 
     // Takes an event of Chromium.
     void Take(const std::string& name, const std::string& method, const Json::Value& params);
@@ -65,6 +78,17 @@ class Pages {
     // Sends a command to a page's own session, as DevTools::Send().
     void Send(const std::string& page, const std::string& method, const Json::Value& params,
               devtools::DevTools::OnAnswer onAnswer = nullptr);
+
+    // Presses and releases a key. `onTaken` is called when the page has handled it.
+    void PressKey(const std::string& page, int code, const std::function<void()>& onTaken = nullptr);
+
+    // Return what the name says, or zeros if Chromium does not answer.
+    void GetRenderProcess(const std::string& page, const std::function<void(int process)>& onProcess);
+    void GetHistory(const std::string& page, const std::function<void(bool canBack, bool canForward)>& onHistory);
+    void CheckChromium(const std::function<void(bool answers)>& onChecked);
+
+    // Gets a file from a server, with the cookies of the pages. `onText` gets an empty string if that fails.
+    void GetFile(const std::string& url, const std::function<void(const std::string& text)>& onText);
 
     // Evaluates an expression in the page's main document. `onValue` gets its value, or null.
     void Evaluate(const std::string& page, const std::string& expression,
@@ -90,33 +114,41 @@ class Pages {
         std::string mainFrame;
         LoadFailure failure{0, ""};  // of the document that is being loaded
         std::string url;
-        std::string title;
     };
 
     void Attached(const std::string& parent, const Json::Value& params);
     void Detached(const std::string& name);
     void Prepare(const std::string& name, const Session& session);
     void Prepared(const std::string& name);
-    void TakePageEvent(Session& session, const std::string& method, const Json::Value& params);
+    void TakePageEvent(const std::string& name, Session& session, const std::string& method, const Json::Value& params);
     void Navigated(Session& session, const Json::Value& frame);
     void Loaded(Session& session);
-    void InfoChanged(const Json::Value& info);
+    void WatchTitle(const std::string& name, const std::string& last);
     void ContextCreated(Session& session, const Json::Value& context);
     void ContextsGone(Session& session, int id);
     void Crashed(const Json::Value& params);
     void Called(const Request& request);
+    void Trace();
+    void TakeTrace(const Json::Value& events);
+    void EndTrace();
+    void ReadStream(const std::string& page, const std::string& stream, const std::string& begin,
+                    const std::function<void(const std::string&)>& onText);
     void LoadFailed(const std::string& name, const std::string& frame, const LoadFailure& failure);
     void Report(const Session& session, const PageChange& change);
     std::string SessionOf(const std::string& page) const;
 
     devtools::DevTools& mChromium;
     Console& mConsole;
-    const std::string mScript;
-    const ScreenSize mSize;
+    const Settings mSettings;
     const Handlers mHandlers;
     Requests mRequests;
-    std::map<std::string, Session> mSessions;               // by the name of DevTools
-    std::map<std::string, std::function<void()>> mAwaited;  // by the target that is not prepared yet
+    std::map<std::string, Session> mSessions;  // by the name of DevTools
+    std::string mHelper;                       // a page that no tab shows
+    // Pages whose process is asked for, and the process of the first of them.
+    std::deque<std::pair<std::string, std::function<void(int process)>>> mTraced;
+    int mProcess = 0;
+    bool mStarted = false;
+    std::map<std::string, std::function<void(const std::string&)>> mAwaited;  // by the target that is not prepared yet
 };
 
 }  // namespace hbbtv::browser

@@ -17,13 +17,14 @@ const char* const kCallPath = "/.hbbtv/call";
 // Televisions do not show the icons of pages, and servers of their pages have none.
 const char* const kIconPath = "/favicon.ico";
 const char* const kIcons = "*://*/favicon.ico";
-const char* const kOwnDomain = ".localhost";
 const char* const kHbbtvType = "application/vnd.hbbtv.xhtml+xml";
 const char* const kShownType = "application/xhtml+xml";
 
 // Chromium knows the entities of this document type, and not those of HbbTV's.
 const char* const kKnownDocumentType =
     "<!DOCTYPE html PUBLIC \"-//W3C//DTD XHTML 1.0 Strict//EN\" \"http://www.w3.org/TR/xhtml1/DTD/xhtml1-strict.dtd\">";
+
+constexpr int kNotFound = 404;
 
 struct NetworkError {
     const char* reason;  // of the DevTools protocol
@@ -127,15 +128,14 @@ std::string PathOf(const std::string& url) {
     return path;
 }
 
-bool IsOwnHost(const std::string& host) {
-    const std::string domain = kOwnDomain;
-    return host.size() > domain.size() && host.compare(host.size() - domain.size(), domain.size(), domain) == 0;
+bool Requests::IsOwn(const std::string& url) const {
+    return std::any_of(mOwn.begin(), mOwn.end(), [&url](const std::string& begin) { return url.rfind(begin, 0) == 0; });
 }
 
 void Requests::Enable(const std::string& session) {
     Json::Value params;
     params["patterns"].append(Pattern("*://*/.hbbtv/*", "Request"));
-    params["patterns"].append(Pattern("*://*.localhost/*", "Request"));
+    for (const std::string& begin : mOwn) params["patterns"].append(Pattern((begin + "*").c_str(), "Request"));
     params["patterns"].append(Pattern(kIcons, "Request"));
     Json::Value documents = Pattern("*", "Response");
     documents["resourceType"] = "Document";
@@ -148,11 +148,16 @@ void Requests::Paused(const std::string& session, const Json::Value& params) {
     const std::string url = sent["url"].asString();
     const bool answered = params.isMember("responseStatusCode") || params.isMember("responseErrorReason");
     if (!answered) {
-        const Request request{session, params["requestId"].asString(),      params["frameId"].asString(),
-                              url,     sent["headers"]["Range"].asString(), sent["postData"].asString()};
+        const Request request{session,
+                              params["requestId"].asString(),
+                              params["frameId"].asString(),
+                              url,
+                              sent["headers"]["Range"].asString(),
+                              sent["postData"].asString(),
+                              params["resourceType"] == "Document"};
         if (PathOf(url) == kIconPath) return Fulfill(request, {204, "", "", ""});
         if (PathOf(url) == kCallPath) return mHandlers.onCall(request);
-        if (IsOwnHost(HostOf(url))) return mHandlers.onFile(request);
+        if (IsOwn(url)) return mHandlers.onFile(request);
         return Continue(session, params);
     }
     const std::string frame = params["frameId"].asString();
@@ -200,6 +205,8 @@ void Requests::Mend(const std::string& session, const Json::Value& params, const
 }
 
 void Requests::Fulfill(const Request& request, const Response& response) {
+    if (request.document && response.status == kNotFound)
+        mHandlers.onFailed(request.session, request.frame, {kNotFound, "Not Found"});
     Json::Value params;
     params["requestId"] = request.id;
     params["responseCode"] = response.status;

@@ -6,6 +6,8 @@
 
 #include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "devtools/devtools.h"
 
@@ -19,6 +21,7 @@ struct Request {
     std::string url;
     std::string range;  // header
     std::string body;
+    bool document = false;  // for a page or a frame
 };
 
 // The answer to a request.
@@ -46,7 +49,9 @@ class Requests {
         std::function<void(const std::string& session, const std::string& frame, const LoadFailure& failure)> onFailed;
     };
 
-    Requests(devtools::DevTools& chromium, Handlers handlers) : mChromium(chromium), mHandlers(std::move(handlers)) {}
+    // `own` are the beginnings of URLs that are answered here.
+    Requests(devtools::DevTools& chromium, std::vector<std::string> own, Handlers handlers)
+        : mChromium(chromium), mOwn(std::move(own)), mHandlers(std::move(handlers)) {}
 
     // Makes Chromium pass the requests of a target on.
     void Enable(const std::string& session);
@@ -60,12 +65,12 @@ class Requests {
     void Mend(const std::string& session, const Json::Value& params, const std::string& type);
     void Continue(const std::string& session, const Json::Value& params);
 
+    bool IsOwn(const std::string& url) const;
+
     devtools::DevTools& mChromium;
+    const std::vector<std::string> mOwn;
     const Handlers mHandlers;
 };
-
-// Returns whether a host name is one of ours: "files.localhost".
-bool IsOwnHost(const std::string& host);
 
 // Returns the host name of a URL in lower case, without the port; empty if there is none.
 std::string HostOf(const std::string& url);

@@ -26,7 +26,17 @@ function implementationOf(element) {
     const object = new Class();
     implementations.set(element, {type, object});
     elements.set(object, element);
+    adoptOwnValues(element, object);
     return object;
+}
+
+// What a page has set before the element got its type, such as handlers, belongs to the object.
+function adoptOwnValues(element, object) {
+    for (const name of Object.keys(element).filter((key) => exposed.has(key))) {
+        const value = element[name];
+        delete element[name];
+        Reflect.set(object, name, value);
+    }
 }
 
 function membersOf(Class) {

@@ -9,6 +9,7 @@ class BroadcastSession {
     constructor(object) {
         this.object = object;
         this.handle = 0;         // created when the page first uses the platform
+        this.wasCreated = false;
         this.playState = kUnrealized;
         this.fullScreen = false;
         this.channel = 0;        // handle of the current channel; undefined: not known
@@ -28,12 +29,8 @@ class BroadcastSession {
     change(method, args) {
         if (!this.create()) return null;
         let [results, state, channel] = this.ask(method, args);
-        // A platform that has been restarted does not know the handle, nor the channels.
-        if (results === null && state === null && this.createAgain()) {
-            ChannelConfig.forget(channelConfig);
-            fireLater(channelConfig, 'ChannelListUpdate');
-            [results, state, channel] = this.ask(method, args);
-        }
+        // A platform that has been restarted does not know the handle.
+        if (results === null && state === null && this.createAgain()) [results, state, channel] = this.ask(method, args);
         if (results !== null) asking = this;
         if (state !== null) this.enter(state.state);
         if (channel !== null) this.channel = channel.channel;
@@ -49,8 +46,15 @@ class BroadcastSession {
     createAgain() {
         this.handle = askPlatform('IVideoBroadcast.Create', {context: 1}, 'vb', 0);
         this.enter(kUnrealized);
-        if (this.handle) followWindow(this);
-        return this.handle !== 0;
+        if (!this.handle) return false;
+        // The restarted platform does not know the handles of channels either.
+        if (this.wasCreated) {
+            ChannelConfig.forget(channelConfig);
+            fireLater(channelConfig, 'ChannelListUpdate');
+        }
+        this.wasCreated = true;
+        followWindow(this);
+        return true;
     }
 
     enter(playState) {

@@ -1,0 +1,254 @@
+// The tabs of applications, as the platform commands them and as the browser reports them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "common/failure.h"
+#include "system.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr const char* kCall =
+    "<script>function call(...calls) {\n"
+    "    const request = new XMLHttpRequest();\n"
+    "    request.open('POST', '/.hbbtv/call', false);\n"
+    "    request.send(JSON.stringify({calls}));\n"
+    "    return JSON.parse(request.responseText).answers;\n"
+    "}</script>";
+
+// The system, and a browser whose application of arte HD is the file "index.html".
+class System : public BrowserSystem {
+  public:
+    explicit System(const std::string& application, const std::vector<std::string>& options = {"--trace"})
+        : BrowserSystem(options) {
+        std::filesystem::create_directory(directory / "arte");
+        std::filesystem::create_directory(directory / "zdf");
+        Write("arte/index.html", "<!DOCTYPE html><title>arte</title><body>" + application);
+        Write("zdf/index.html", "<!DOCTYPE html><title>ZDF</title><body>ZDF");
+    }
+
+    std::vector<std::string> Command() const {
+        return {HBBTV_BROWSER_PROGRAM, "--serve", "http://arte.example/hbbtv/=" + directory.Path() + "/arte", "--serve",
+                "http://zdf.example/hbbtv/=" + directory.Path() + "/zdf"};
+    }
+
+    // Tunes to arte HD and waits until its application has loaded.
+    static bool OpenArte() {
+        Tell("zap 3");
+        return ShowsTab("arte Start (14.1), loaded");
+    }
+
+    static bool ShowsTab(const std::string& text) {
+        return WaitFor([&] { return Tell("tabs").find(text) != std::string::npos; });
+    }
+
+    static bool HasNoTab() {
+        return WaitFor([&] { return Tell("tabs").find("; tab ") == std::string::npos; });
+    }
+
+    // The process that renders the first tab.
+    static pid_t RenderProcess() {
+        const std::string tabs = Tell("tabs");
+        const std::string before = "render process ";
+        const size_t at = tabs.find(before);
+        return at == std::string::npos ? 0 : std::atoi(tabs.c_str() + at + before.size());
+    }
+
+    // Chromium's first process.
+    pid_t Chromium() const {
+        for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+            std::ifstream file(entry.path() / "cmdline");
+            const std::string line((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+            if (line.rfind("/usr/lib/chromium/chromium", 0) == 0 && line.find(directory.Path()) != std::string::npos &&
+                line.find("--type=") == std::string::npos)
+                return std::atoi(entry.path().filename().c_str());
+        }
+        return 0;
+    }
+};
+
+std::vector<std::string> FilesOfChromium(const std::string& directory) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+        const std::string name = entry.path().filename().string();
+        if (name.rfind("hbbtv-chromium", 0) == 0) names.push_back(name);
+    }
+    return names;
+}
+
+}  // namespace
+
+TEST(Tabs, FollowThePlatformAndReportWhatBecomesOfThem) {
+    const System system("<script>addEventListener('keydown', e => document.title = 'key ' + e.keyCode);</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    const std::string tabs = System::Tell("tabs");
+    EXPECT_THAT(tabs, HasSubstr("browser there, status 1"));
+    EXPECT_THAT(tabs, HasSubstr("loaded, document, shown, focused, title \"arte\", url http://arte.example/hbbtv/, "
+                                "address http://arte.example/hbbtv/"));
+    EXPECT_TRUE(System::ShowsTab("render process "));
+    EXPECT_TRUE(std::filesystem::exists("/proc/" + std::to_string(System::RenderProcess())));
+    EXPECT_EQ(System::Tell("key RED"), "ok arte Start\n");
+    EXPECT_TRUE(System::ShowsTab("title \"key 403\"")) << System::Tell("tabs");
+    System::Tell("zap 1");
+    EXPECT_TRUE(System::HasNoTab()) << System::Tell("tabs");
+    for (const char* report :
+         {"OnTabCreated tabid=1", "OnTabShow tabid=1", "OnTabFocus tabid=1",
+          "OnLoadingStateChanged can_back=false can_forward=false is_loading=true",
+          "OnLoadingStateChanged can_back=false can_forward=false is_loading=false",
+          "OnLoadProgressChanged progress=1.0 tabid=1", "OnTabDestroyed tabid=1", "OnAllTabsDestroyed"}) {
+        EXPECT_TRUE(system.platform.WaitForOutput(std::string("> ") + report)) << report;
+    }
+}
+
+TEST(Tabs, KnowTheirNumberTheirOriginAndWhetherTheyAreBroadcastRelated) {
+    const System system(std::string(kCall) +
+                        "<script>const [{results}] = call({host: 'tab'});\n"
+                        "document.title = [results.tab, results.broadcastRelated, results.origin, results.mode];"
+                        "</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    EXPECT_TRUE(System::ShowsTab("title \"1,true,dvb://1.3fb.283e,hbbtv\"")) << System::Tell("tabs");
+}
+
+TEST(Tabs, ThatHangStopNeitherPingsNorOthersAndCanBeClosed) {
+    const System system("<script>addEventListener('keydown', () => { for (;;) {} });</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    System::Tell("key RED");
+    System::Tell("zap 2");
+    EXPECT_TRUE(System::ShowsTab("ZDF Start (11.1), loaded")) << System::Tell("tabs");
+    EXPECT_TRUE(WaitFor([] { return System::Tell("tabs").find("arte") == std::string::npos; })) << System::Tell("tabs");
+    EXPECT_THAT(System::Tell("tabs"), HasSubstr("browser there"));
+    EXPECT_THAT(system.platform.Output(), Not(HasSubstr("does not respond")));
+}
+
+TEST(Tabs, WhoseProcessCrashesAreReportedAndEnd) {
+    const System system("");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    ASSERT_TRUE(System::ShowsTab("render process "));
+    ASSERT_GT(System::RenderProcess(), 1);
+    kill(System::RenderProcess(), SIGKILL);
+    EXPECT_TRUE(system.platform.WaitForOutput("the process of the page has ended"));
+    EXPECT_TRUE(System::HasNoTab()) << System::Tell("tabs");
+    EXPECT_THAT(System::Tell("apps"), Not(HasSubstr("arte")));
+}
+
+TEST(Tabs, ThatCannotBeLoadedReportTheCodeAndTheReason) {
+    const System system("");
+    ASSERT_TRUE(system.ready);
+    std::filesystem::remove(system.directory / "arte/index.html");
+    ChildProcess browser(system.Command());
+    System::Tell("zap 3");
+    EXPECT_TRUE(System::ShowsTab("arte Start (14.1), failed (404 Not Found)")) << System::Tell("tabs");
+}
+
+TEST(Tabs, ReleaseWhatTheirDocumentsHaveCreated) {
+    const System system(std::string(kCall) +
+                        "<script>const [made] = call({method: 'IVideoBroadcast.Create', arguments: {context: 0}});\n"
+                        "document.title = 'vb ' + made.results.vb.toString(16);</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    EXPECT_TRUE(System::ShowsTab("title \"vb "));
+    EXPECT_THAT(system.platform.Output(), Not(HasSubstr("> Destroy vb_handle")));
+    System::Tell("zap 1");
+    EXPECT_TRUE(system.platform.WaitForOutput("> Destroy vb_handle"));
+}
+
+TEST(Tabs, AreReportedGoneWhenChromiumIsKilledWhichIsStartedAgain) {
+    const System system("");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    const pid_t first = system.Chromium();
+    ASSERT_GT(first, 0);
+    kill(first, SIGKILL);
+    EXPECT_TRUE(System::HasNoTab()) << System::Tell("tabs");
+    EXPECT_TRUE(browser.WaitForOutput("hbbtv-browser: Chromium has ended"));
+    EXPECT_TRUE(WaitFor([&] { return system.Chromium() != first && system.Chromium() != 0; }));
+    System::Tell("zap 1");
+    EXPECT_TRUE(System::OpenArte()) << browser.Output();
+}
+
+TEST(Tabs, AreCreatedAgainAfterThePlatformWasKilled) {
+    System system("");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    system.platform.Kill();
+    SimulatedPlatform next;
+    ASSERT_TRUE(next.Ready());
+    EXPECT_TRUE(System::OpenArte()) << System::Tell("tabs");
+}
+
+TEST(Tabs, AreCreatedAgainAfterTheServiceWasKilled) {
+    System system("");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    System::Tell("zap 1");
+    ASSERT_TRUE(System::HasNoTab());
+    system.service.Kill();
+    ServiceProcess next;
+    EXPECT_TRUE(WaitFor([] {
+        System::Tell("zap 1");
+        System::Tell("zap 3");
+        return WaitFor([] { return System::Tell("tabs").find("loaded") != std::string::npos; },
+                       std::chrono::milliseconds(1000));
+    })) << System::Tell("tabs");
+}
+
+TEST(Tabs, AreReportedGoneAtTheEndOfTheBrowserWhichLeavesNothingBehind) {
+    const System system("");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    browser.Signal(SIGINT);
+    EXPECT_EQ(browser.WaitForExit(), kDone);
+    EXPECT_EQ(browser.Output(), "");
+    EXPECT_TRUE(System::HasNoTab()) << System::Tell("tabs");
+    EXPECT_EQ(FilesOfChromium(system.directory.Path()), std::vector<std::string>());
+    EXPECT_EQ(system.Chromium(), 0);
+}
+
+TEST(Tabs, BelongToOneBrowser) {
+    const System system("");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    const FinishedRun second = RunToEnd(system.Command());
+    EXPECT_EQ(second.exit, kUnavailable);
+    EXPECT_EQ(second.errors, "hbbtv-browser: another browser is registered: hbbtv-browser (" +
+                                 std::to_string(browser.Pid()) +
+                                 "); end it, or use another TMPDIR with a service of its own\n");
+}
+
+TEST(Tabs, GetXmlFilesForThePlatform) {
+    const System system("");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    system.Write("arte/ait.aitx", "<ait>file</ait>");
+    const FinishedRun run =
+        RunToEnd({HBBTVCTL_PROGRAM, "emit", "mtm", "GetXmlFile", "url=http://arte.example/hbbtv/ait.aitx", "appID=1"});
+    EXPECT_THAT(run.output, HasSubstr("<ait>file</ait>")) << run.Text();
+    const FinishedRun missing =
+        RunToEnd({HBBTVCTL_PROGRAM, "emit", "mtm", "GetXmlFile", "url=http://127.0.0.1:1/ait.aitx", "appID=1"});
+    EXPECT_THAT(missing.output, HasSubstr("-1")) << missing.Text();
+}
+
+}  // namespace hbbtv::test
