@@ -41,24 +41,25 @@ TEST_F(RecordImport, HasWhatTheServiceHasExchanged) {
     ASSERT_EQ(Ctl({"log", "debug"}).exit, 0);
     const std::string channel = CurrentChannel();
     ASSERT_EQ(Ctl({"call", "IChannel.GetName", channel}).exit, 0);
+    ASSERT_EQ(Ctl({"call", "IChannel.GetOnid", "1"}).exit, 1);
     Listener listener({"channel_config"});
     ASSERT_TRUE(listener.Listens()) << listener.Output();
     ASSERT_EQ(Ctl({"emit", "channel_config", "changed", "reserved=A", "--one-way"}).exit, 0);
     ASSERT_TRUE(listener.WaitForEvents(1));
     EXPECT_EQ(Ctl({"emit", "channel_config", "changed", "reserved=A", "--request"}).exit, 3) << "another context";
-    ASSERT_EQ(Ctl({"call", "IChannel.GetName", "0"}).exit, 1);
     ASSERT_TRUE(mService->WaitForOutput("and out_msg:null"));
     const std::vector<Json::Value> records = Import();
     EXPECT_EQ(mImported.exit, 0) << mImported.Text();
     EXPECT_THAT(OperationsOf(records),
-                ElementsAre("GetCurrentChannel", "GetName", "RegisterCallback", "changed", "changed", "GetName"))
+                ElementsAre("GetCurrentChannel", "GetName", "GetOnid", "RegisterCallback", "changed", "changed"))
         << mImported.Text();
     EXPECT_THAT(mImported.errors, HasSubstr(" 0 messages cut, 0 mixed, 0 unknown; 0 lines lost\n"));
     EXPECT_EQ(records[1]["reply"]["json"]["name"], "Das Erste HD");
     EXPECT_EQ(records[1]["socket"], "service_plugin_to_hbbtv_vb_chn");
     EXPECT_EQ(records[1]["library"]["pid"], mService->Pid());
+    EXPECT_EQ(records[2]["status"], -1);
     EXPECT_FALSE(records[1].isMember("duration_us"));
-    EXPECT_EQ(records[4]["reply"]["base64"], "bnVsbA==") << "null, for no client";
+    EXPECT_EQ(records[5]["reply"]["base64"], "bnVsbA==") << "null, for no client";
 }
 
 TEST_F(RecordImport, HasDurationsFromTheLevelVerbose) {
