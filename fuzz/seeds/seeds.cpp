@@ -207,6 +207,8 @@ void WriteAll(const std::string& directory) {
     for (const std::string& input : FileSeeds()) files.Add(input);
     Folder values(directory, "values");
     for (const std::string& input : ValueSeeds()) values.Add(input);
+    Folder traffic(directory, "traffic");
+    for (const std::string& input : TrafficSeeds()) traffic.Add(input);
     WriteWords(directory + "/words");
 }
 

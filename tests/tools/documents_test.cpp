@@ -51,16 +51,18 @@ class Shell : public ChildProcess {
     int mTyped = 0;
 };
 
-// A recording to look at.
-void CopyRecording(const std::string& to) {
-    WriteFile(to, ReadFile(std::string(HBBTV_SOURCE_DIR) + "/examples/traffic/slow_channel_change.ndjson"));
+// Copies a recording and a log to look at.
+void CopyTraffic(const std::string& directory) {
+    const std::string examples = std::string(HBBTV_SOURCE_DIR) + "/examples/traffic/";
+    WriteFile(directory + "/traffic.ndjson", ReadFile(examples + "slow_channel_change.ndjson"));
+    WriteFile(directory + "/log.txt", ReadFile(examples + "logcat.txt"));
 }
 
 class Documents : public InFrontOfTheSystem {
   protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(InFrontOfTheSystem::SetUp());
-        CopyRecording(mDirectory / "traffic.ndjson");
+        CopyTraffic(mDirectory.Path());
     }
 
     void RunExamplesOf(const std::string& markdown, size_t atLeast) {
@@ -152,7 +154,7 @@ class Help : public InFrontOfTheSystem, public testing::WithParamInterface<const
         ASSERT_EQ(listen.exit, 0) << listen.Text();
         WriteFile(mDirectory / "request.bin", FrameBytes(kRequest, 2, R"({"type": 18, "method": 0})"));
         WriteFile(mDirectory / "damaged.bin", "damaged");
-        CopyRecording(mDirectory / "traffic.ndjson");
+        CopyTraffic(mDirectory.Path());
         WriteFile(mDirectory / "zap.play", "tell zap {$number} -> ok ZDF HD\n");
         WriteFile(mDirectory / "names.ndjson", kRecording);
         mChannel = CurrentChannel();
@@ -192,8 +194,8 @@ TEST_P(Help, ShowsExamplesThatWork) {
 
 INSTANTIATE_TEST_SUITE_P(Of, Help,
                          testing::Values("list", "describe", "call", "listen", "send", "emit", "play", "bench",
-                                         "monitor", "show", "replay", "status", "log", "check", "doctor", "completion",
-                                         "man"),
+                                         "monitor", "record", "show", "replay", "status", "log", "check", "doctor",
+                                         "completion", "man"),
                          [](const auto& command) { return std::string(command.param); });
 
 }  // namespace

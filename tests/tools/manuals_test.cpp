@@ -17,7 +17,7 @@ using testing::HasSubstr;
 
 const std::vector<std::string> kCommands{"bench", "call",   "check",  "completion", "describe", "doctor",
                                          "emit",  "list",   "listen", "log",        "man",      "monitor",
-                                         "play",  "replay", "send",   "show",       "status"};
+                                         "play",  "record", "replay", "send",       "show",     "status"};
 
 std::set<std::string> NamesIn(const std::string& directory) {
     std::set<std::string> names;

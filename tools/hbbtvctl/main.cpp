@@ -47,8 +47,9 @@ const char* const kFooter =
     "  NO_COLOR       disables colors";
 
 void AddCommands(CLI::App& app, Invocation& invocation) {
-    for (const auto add : {AddList, AddDescribe, AddCall, AddListen, AddSend, AddEmit, AddPlay, AddBench, AddMonitor,
-                           AddShow, AddReplay, AddStatus, AddLog, AddCheck, AddDoctor, AddCompletion, AddMan}) {
+    for (const auto add :
+         {AddList, AddDescribe, AddCall, AddListen, AddSend, AddEmit, AddPlay, AddBench, AddMonitor, AddRecord, AddShow,
+          AddReplay, AddStatus, AddLog, AddCheck, AddDoctor, AddCompletion, AddMan}) {
         add(app, invocation);
     }
 }

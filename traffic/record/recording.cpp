@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
@@ -19,28 +18,13 @@ namespace {
 // Twice the largest message of a connection as Base64, and the rest of a record.
 constexpr size_t kLongestLine = 16u << 20;
 constexpr size_t kMostProblems = 100;
-constexpr size_t kBuffer = 256u << 10;
 
 int CreateFile(const std::string& path) {
-    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0644);
+    const int fd = path == "-" ? fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0)
+                               : open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0644);
     if (fd >= 0) return fd;
     if (errno == EEXIST) throw Failure(kUsage, "the file " + path + " exists: remove it, or choose another name");
     throw Failure(kUsage, "cannot create " + path + ": " + std::strerror(errno));
-}
-
-// "-" is standard input.
-int OpenFile(const std::string& path) {
-    const int fd = path == "-" ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) throw Failure(kUsage, "cannot read " + path + ": " + std::strerror(errno));
-    return fd;
-}
-
-ssize_t ReadSome(int fd, char* bytes, size_t most) {
-    ssize_t count = -1;
-    do {
-        count = read(fd, bytes, most);
-    } while (count < 0 && errno == EINTR);
-    return count;
 }
 
 Json::Value ToJson(const RecordingHead& head) {
@@ -59,7 +43,7 @@ RecordingHead HeadFrom(const std::string& path, const std::string& text) {
     try {
         line = ParseJson(text);
     } catch (const BadJson& e) {
-        throw Failure(kUsage, not_one + "line 1 is " + e.what());
+        throw Failure(kUsage, not_one + "line 1 is " + e.what() + " (`hbbtvctl record` makes a recording of a log)");
     }
     if (!line.isObject() || !line["recording"].isInt()) {
         throw Failure(kUsage, not_one + "line 1 has no \"recording\"");
@@ -108,45 +92,20 @@ std::string RecordingWriter::Append(const std::string& line) {
 }
 
 RecordingReader::RecordingReader(const std::string& path, Payloads payloads)
-    : mPath(path == "-" ? "standard input" : path), mReader(payloads), mFile(OpenFile(path)) {
+    : mLines(path, kLongestLine), mReader(payloads) {
     std::string line;
-    bool whole = false;
-    if (!Line(line, whole)) throw Failure(kUsage, mPath + " is not a recording: it is empty");
-    mHead = HeadFrom(mPath, line);
-}
-
-bool RecordingReader::Line(std::string& line, bool& whole) {
-    line.clear();
-    bool any = false;
-    for (whole = false; !whole;) {
-        if (mUsed == mBuffer.size()) {
-            mBuffer.resize(kBuffer);
-            const ssize_t count = ReadSome(mFile.Get(), mBuffer.data(), mBuffer.size());
-            if (count < 0) throw Failure(kUsage, "cannot read " + mPath + ": " + std::strerror(errno));
-            mBuffer.resize(static_cast<size_t>(count));
-            mUsed = 0;
-            if (count == 0) break;
-        }
-        any = true;
-        const size_t found = mBuffer.find('\n', mUsed);
-        whole = found != std::string::npos;
-        const size_t end = whole ? found : mBuffer.size();
-        if (line.size() <= kLongestLine) line.append(mBuffer, mUsed, std::min(end - mUsed, kLongestLine + 1));
-        mUsed = whole ? end + 1 : end;
-    }
-    mLine += any ? 1 : 0;
-    return any;
+    if (!mLines.Next(line)) throw Failure(kUsage, mLines.Name() + " is not a recording: it is empty");
+    mHead = HeadFrom(mLines.Name(), line);
 }
 
 void RecordingReader::Skip(const std::string& reason) {
     ++mSkipped;
-    if (mProblems.size() < kMostProblems) mProblems.push_back(mPath + ":" + std::to_string(mLine) + ": " + reason);
+    if (mProblems.size() < kMostProblems) mProblems.push_back(mLines.Place() + ": " + reason);
 }
 
 std::optional<Record> RecordingReader::Next() {
     std::string line;
-    bool whole = false;
-    while (Line(line, whole)) {
+    while (mLines.Next(line)) {
         if (line.empty()) continue;
         if (line.size() > kLongestLine) {
             Skip("longer than " + std::to_string(kLongestLine >> 20) + " MiB");
@@ -155,7 +114,7 @@ std::optional<Record> RecordingReader::Next() {
         try {
             return mReader.Read(line);
         } catch (const std::runtime_error& e) {
-            Skip(whole ? e.what() : "cut: the file ends in this line");
+            Skip(mLines.Whole() ? e.what() : "cut: the file ends in this line");
         }
     }
     return std::nullopt;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "common/local_socket.h"
+#include "traffic/record/line_reader.h"
 #include "traffic/record/record.h"
 #include "traffic/record/record_reader.h"
 
@@ -26,7 +27,7 @@ struct RecordingHead {
 // Writes a recording to a new file. Each record is in the file when Write() returns, whatever happens to the process.
 class RecordingWriter {
   public:
-    // Throws Failure(kUsage) if the file exists or cannot be created.
+    // "-" is standard output. Throws Failure(kUsage) if the file exists or cannot be created.
     RecordingWriter(const std::string& path, const RecordingHead& head);
 
     // Returns what is wrong, or an empty string. After an error, the file ends with a whole line, and later records are
@@ -56,17 +57,11 @@ class RecordingReader {
     uint64_t Skipped() const { return mSkipped; }
 
   private:
-    // Reads a line. Returns false at the end of the file. A line without an end has been cut.
-    bool Line(std::string& line, bool& whole);
     void Skip(const std::string& reason);
 
-    const std::string mPath;
+    LineReader mLines;
     RecordReader mReader;
-    Descriptor mFile;
-    std::string mBuffer;  // bytes of the file
-    size_t mUsed = 0;     // of the buffer
     RecordingHead mHead;
-    uint64_t mLine = 0;
     std::vector<std::string> mProblems;
     uint64_t mSkipped = 0;
 };

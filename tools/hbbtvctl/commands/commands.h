@@ -23,6 +23,7 @@ void AddStatus(CLI::App& app, Invocation& invocation);
 void AddLog(CLI::App& app, Invocation& invocation);
 void AddCheck(CLI::App& app, Invocation& invocation);
 void AddDoctor(CLI::App& app, Invocation& invocation);
+void AddRecord(CLI::App& app, Invocation& invocation);
 void AddShow(CLI::App& app, Invocation& invocation);
 void AddReplay(CLI::App& app, Invocation& invocation);
 
