@@ -7,6 +7,7 @@
 
 #include "common/failure.h"
 #include "traffic/export/pcapng.h"
+#include "traffic/export/perfetto.h"
 
 namespace hbbtv::ctl {
 
@@ -43,9 +44,8 @@ class OutputFile {
     std::FILE* const mFile;
 };
 
-void WritePcapng(OutputFile& file, traffic::Selection& selection, bool live) {
-    traffic::PcapngWriter writer(selection.Head(), live ? 0 : kWindow,
-                                 [&file](const std::string& bytes) { file.Write(bytes); });
+template <typename Writer>
+void WriteAll(Writer writer, OutputFile& file, traffic::Selection& selection, bool live) {
     if (live) file.Flush();
     while (const std::optional<traffic::Record> record = selection.Next()) {
         writer.Add(*record);
@@ -58,12 +58,19 @@ void WritePcapng(OutputFile& file, traffic::Selection& selection, bool live) {
 
 std::vector<CLI::Option*> AddExports(CLI::App& command, ExportOptions& options) {
     return {command.add_option("--pcapng", options.pcapng, "Write the messages to this file, for Wireshark")
+                ->type_name("FILE"),
+            command.add_option("--perfetto", options.perfetto, "Write a trace to this file, for Perfetto's page")
                 ->type_name("FILE")};
 }
 
 void WriteExport(const ExportOptions& options, traffic::Selection& selection, bool live) {
-    OutputFile file(options.pcapng);
-    WritePcapng(file, selection, live);
+    OutputFile file(options.pcapng.empty() ? options.perfetto : options.pcapng);
+    const auto write = [&file](const std::string& bytes) { file.Write(bytes); };
+    if (!options.pcapng.empty()) {
+        WriteAll(traffic::PcapngWriter(selection.Head(), live ? 0 : kWindow, write), file, selection, live);
+    } else {
+        WriteAll(traffic::PerfettoWriter(selection.Head(), write), file, selection, live);
+    }
     file.Flush();
 }
 

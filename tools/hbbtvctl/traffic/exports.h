@@ -11,8 +11,9 @@ namespace hbbtv::ctl {
 
 struct ExportOptions {
     std::string pcapng;  // names of files; "-" is standard output
+    std::string perfetto;
 
-    bool Any() const { return !pcapng.empty(); }
+    bool Any() const { return !pcapng.empty() || !perfetto.empty(); }
 };
 
 // Returns the options, which exclude each other.
