@@ -15,9 +15,9 @@
 #include "common/process.h"
 #include "common/text/json.h"
 #include "common/text/printable.h"
+#include "service/relay_check.h"
 #include "service/service.h"
 #include "terminal/style.h"
-#include "traffic/relay_check.h"
 #include "wire/endpoint.h"
 
 namespace hbbtv::ctl {

@@ -1,4 +1,4 @@
-#include "traffic/relay_check.h"
+#include "service/relay_check.h"
 
 #include <sys/stat.h>
 
