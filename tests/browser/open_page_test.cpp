@@ -112,6 +112,44 @@ TEST(Browser, ShowsAPageOfHbbtvWithItsDocumentTypeAndEntities) {
     EXPECT_NE(run.output.find("HbbTV/1.5.1 ("), std::string::npos) << run.output;
 }
 
+TEST(Browser, LoadsAnApplicationOfTheBroadcastWithItsOtherFiles) {
+    const ScratchDirectory files;
+    std::filesystem::create_directories(files / "app");
+    std::ofstream(files / "app/index.html") << "<!DOCTYPE html><title>Broadcast</title><body><script "
+                                               "src='code.js'></script><img src='missing.png'>";
+    std::ofstream(files / "app/code.js") << "window.code = 'loaded';";
+    const BrowserSystem system({"--carousel", files.Path(), "--trace"});
+    ASSERT_TRUE(system.ready);
+    const std::string url = "dvb://1.3fb.283d.17/app/index.html";
+    const std::string got = "[document.title, window.code, document.images[0].naturalWidth, location.href]";
+    const std::string expected = "[\"Broadcast\",\"loaded\",0,\"http://1.3fb.283d.17.dvb.localhost/app/index.html\"]\n";
+    const FinishedRun application = BrowserSystem::Run({url, "--print", got});
+    EXPECT_EQ(application.output, expected) << application.Text();
+    EXPECT_EQ(application.errors, "");
+    const FinishedRun alone = BrowserSystem::Run({url, "--alone", "--print", got});
+    EXPECT_EQ(alone.output, expected) << alone.Text();
+    const FinishedRun missing = BrowserSystem::Run({"dvb://1.3fb.283d.17/none.html", "--alone", "--print", "1"});
+    EXPECT_EQ(missing.exit, kUnavailable);
+    EXPECT_EQ(missing.errors, "hbbtv-browser: cannot load http://1.3fb.283d.17.dvb.localhost/none.html: Not Found\n");
+}
+
+TEST(Browser, GetsTheVersionOfAFileThatIsBroadcastWhenItIsAskedForIt) {
+    const ScratchDirectory files;
+    std::ofstream(files / "index.html") << "<!DOCTYPE html><title>Broadcast</title>";
+    std::ofstream(files / "data.txt") << "one";
+    const BrowserSystem system({"--carousel", files.Path()});
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser({HBBTV_BROWSER_PROGRAM, "dvb://1.3fb.283d.17/index.html", "--alone", "--until",
+                          "fetch('data.txt').then(answer => answer.text()).then(text => (console.log(text), text === "
+                          "'two'))",
+                          "--console"});
+    EXPECT_TRUE(browser.WaitForOutput("log: one"));
+    std::ofstream(files / "data.txt") << "two";
+    EXPECT_EQ(BrowserSystem::Tell("carousel-change data.txt"), "ok version 1\n");
+    EXPECT_EQ(browser.WaitForExit(), kDone);
+    EXPECT_TRUE(browser.WaitForOutput("log: two"));
+}
+
 TEST(Browser, ServesNoFileOutsideItsDirectory) {
     const BrowserSystem system;
     ASSERT_TRUE(system.ready);

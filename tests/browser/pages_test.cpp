@@ -40,6 +40,30 @@ void WriteManyChannels(const std::string& path) {
     for (int i = 1; i <= 500; ++i) file << "#EXTINF:-1,Channel " << i << "\nhttp://tv.example/" << i << ".mpd\n";
 }
 
+// Pages of this name are opened as applications, which the platform knows; the others are alone.
+std::vector<std::string> Opening(const std::string& page) {
+    if (page.rfind("application-", 0) == 0) return {page + ".html"};
+    return {page + ".html", "--alone"};
+}
+
+std::vector<std::string> Command(const std::string& folder, const std::string& page, const std::string& picture) {
+    std::vector<std::string> command{HBBTV_BROWSER_PROGRAM,
+                                     "--serve",
+                                     folder,
+                                     "--console",
+                                     "--timeout",
+                                     "60s",
+                                     "--until",
+                                     "window.__result",
+                                     "--print",
+                                     "window.__result.failed",
+                                     "--screenshot",
+                                     picture};
+    const std::vector<std::string> opening = Opening(page);
+    command.insert(command.begin() + 1, opening.begin(), opening.end());
+    return command;
+}
+
 // A page in a browser that shows its console.
 class PageRun {
   public:

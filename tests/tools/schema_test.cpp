@@ -96,6 +96,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
         {"send", "dsmcc.RequestFile", "dvb://1.2.3", "1"},
         {"send", "channel", "--raw", "x", "--timeout", "50ms"},
         {"play", play, "--coverage"},
+        {"monitor", "--for", "100ms", "--stats"},
         {"show", kRecording},
         {"show", kRecording, "--stats"},
         {"show", kRecording, "--diff", kRecording},
@@ -113,6 +114,11 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     ASSERT_TRUE(listener.Listens()) << listener.Output();
     run({"emit", "channel_config", "changed", "reserved=1"});
     run({"emit", "video_broadcast", "--raw", "x", "--timeout", "50ms"});
+    CtlProcess monitor({"monitor", "channel", "--count", "2", "--json"});
+    ASSERT_TRUE(monitor.WaitForOutput("listening; press Ctrl-C to stop\n")) << monitor.Output();
+    run({"send", "channel.GetName", channel});
+    EXPECT_EQ(monitor.WaitForExit(), 0);
+    lines += monitor.Output().substr(monitor.Output().find('{'));
     Listener passive({"--passive", "--count", "1"});
     ASSERT_TRUE(passive.Listens()) << passive.Output();
     run({"emit", "channel_config", "changed", "reserved=1"});
@@ -126,7 +132,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
 
     // Every command with --json is in the list above.
     for (const char* command : {"list", "describe", "call", "listen", "send", "emit", "play", "bench", "status",
-                                "check", "doctor", "show", "replay", "completion", "man"}) {
+                                "check", "doctor", "monitor", "show", "replay", "completion", "man"}) {
         const bool tried =
             std::string(command) == "listen" || std::string(command) == "emit" ||
             std::any_of(commands.begin(), commands.end(), [&](const auto& words) { return words[0] == command; });

@@ -11,7 +11,7 @@
 #include <memory>
 #include <string>
 
-#include "traffic/relay/shaping.h"
+#include "traffic/rules/shaping.h"
 #include "traffic/understanding/frame_walk.h"
 #include "traffic/understanding/recorder.h"
 

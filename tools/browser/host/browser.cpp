@@ -53,9 +53,11 @@ Browser::Browser(const Options& options, devtools::Loop& loop, Platform& platfor
       mPlatform(platform),
       mCalls(loop, platform, options.callLimit),
       mConsole(options.console),
+      mCarousel(loop, platform),
       mTabs(loop, platform, [this](const std::string& url, const Platform::Reply& reply) { GetXmlFile(url, reply); },
             {[this](int id, const Tab& tab) { TabCreated(id, tab); },
-             [this](int id, const Tab&) { return BecomesRelated(id); }, [this](int id, const Tab&) { TabGone(id); }}) {
+             [this](int id, const Tab&) { return BecomesRelated(id); }, [this](int id, const Tab&) { TabGone(id); },
+             [this](const std::string& url) { return mCarousel.PageUrl(url); }}) {
     for (const auto& [url, directory] : options.serve) mFiles.Serve(url, directory);
     const std::string& page = options.page;
     const bool served = !options.serve.empty() && options.serve[0].first == kFilesOrigin;
@@ -73,9 +75,7 @@ Browser::Browser(const Options& options, devtools::Loop& loop, Platform& platfor
 }
 
 int Browser::Run() {
-    mPlatform.Start({[this](const Json::Value& event) {
-                         if (mPages) mPages->Deliver(event);
-                     },
+    mPlatform.Start({[this](const Json::Value& event) { TakeEvent(event); },
                      [this](const std::string& command, const Json::Value& arguments, const Platform::Reply& reply) {
                          mTabs.Take(command, arguments, reply);
                      },
@@ -99,7 +99,8 @@ void Browser::StartChromium() {
                              [this](const Request& request) { FileWanted(request); },
                              [this](const std::string& document) { DocumentGone(document); }};
     mPages = std::make_unique<Pages>(*mChromium, mConsole,
-                                     Pages::Settings{kPageScript, mOptions.size, mFiles.Prefixes()}, handlers);
+                                     Pages::Settings{kPageScript, mOptions.size, mFiles.Prefixes(), kBroadcastHosts},
+                                     handlers);
     mChromium->SetHandlers([this](const std::string& session, const std::string& method,
                                   const Json::Value& params) { mPages->Take(session, method, params); },
                            [this] { ChromiumEnded(); });
@@ -143,6 +144,7 @@ void Browser::OpenPage() {
 // The platform has started the page as an application, or not.
 void Browser::Started(const CallResult& application) {
     if (!application.Ok()) return OpenAlone();
+    mCarousel.StartApplication(mUrl);
     Json::Value arguments;
     arguments["appId"] = application.results["newAppId"];
     arguments["orgId"] = application.results["newOrgId"];
@@ -167,7 +169,7 @@ void Browser::OpenAlone() {
 }
 
 void Browser::TabCreated(int id, const Tab& tab) {
-    if (mTab != 0 || mUrl.empty() || tab.url != mUrl) return;
+    if (mTab != 0 || mUrl.empty() || mCarousel.PageUrl(tab.url) != mCarousel.PageUrl(mUrl)) return;
     mTab = id;
     if (mErrand) mErrand->Start(tab.page);
 }
@@ -197,6 +199,10 @@ void Browser::GetXmlFile(const std::string& url, const Platform::Reply& reply) {
         results["xmlFile"] = text;
         reply(results);
     };
+    if (!PageUrlOf(url).empty()) {
+        return mCarousel.Request(
+            url, [answer](const std::string& path) { answer(path.empty() ? "" : BytesResponse(path, path, "").body); });
+    }
     const std::optional<Response> file = mFiles.Answer(url, "");
     if (!file) return mPages->GetFile(url, answer);
     answer(file->status == 200 ? file->body : "");
@@ -212,13 +218,24 @@ void Browser::Called(const Document& document, const Request& request) {
     mCalls.Make(
         request.body, [&](const std::string& name, const Json::Value&) { return HostCall(document, name); },
         [this, document](const std::vector<MadeCall>& calls) {
-            for (const MadeCall& call : calls)
-                mHoldings.Called(document.name, call.method, call.arguments, call.results);
+            for (const MadeCall& call : calls) Made(document, call);
         },
         [this, request](const std::string& answer) {
             if (answer.empty()) return mPages->Fulfill(request, {400, "text/plain", "not a list of calls", ""});
             mPages->Fulfill(request, {200, "application/json", answer, ""});
         });
+}
+
+void Browser::Made(const Document& document, const MadeCall& call) {
+    mHoldings.Called(document.name, call.method, call.arguments, call.results);
+    if (call.method == "IApplicationManager.CreateApplication")
+        mCarousel.StartApplication(call.arguments["url"].asString());
+}
+
+void Browser::TakeEvent(const Json::Value& event) {
+    if (event["interface"] == "IDsmcc") return mCarousel.Take(event["arguments"]);
+    if (event["event"] == "onRequestDsmccFile") mCarousel.StartApplication(event["arguments"]["fileName"].asString());
+    if (mPages) mPages->Deliver(event);
 }
 
 Json::Value Browser::HostCall(const Document& document, const std::string& name) {
@@ -229,8 +246,14 @@ Json::Value Browser::HostCall(const Document& document, const std::string& name)
 }
 
 void Browser::FileWanted(const Request& request) {
-    const std::optional<Response> file = mFiles.Answer(request.url, request.range);
-    mPages->Fulfill(request, file.value_or(Response{404, "text/plain", "no such file", ""}));
+    const Response missing{404, "text/plain", "no such file", ""};
+    const std::string url = BroadcastUrl(request.url);
+    if (url.empty()) return mPages->Fulfill(request, mFiles.Answer(request.url, request.range).value_or(missing));
+    mCarousel.Request(url, [this, request, missing](const std::string& path) {
+        if (!mPages) return;
+        const std::string name = PathOf(request.url);
+        mPages->Fulfill(request, path.empty() ? missing : BytesResponse(path, name, request.range));
+    });
 }
 
 void Browser::DocumentGone(const std::string& document) {

@@ -12,6 +12,7 @@
 #include "errand.h"
 #include "files.h"
 #include "options.h"
+#include "platform/carousel.h"
 #include "platform/holdings.h"
 #include "platform/page_calls.h"
 #include "platform/platform.h"
@@ -38,7 +39,9 @@ class Browser {
     void GetXmlFile(const std::string& url, const Platform::Reply& reply);
     void End(int code, const std::string& message);
 
+    void TakeEvent(const Json::Value& event);
     void Called(const Document& document, const Request& request);
+    void Made(const Document& document, const MadeCall& call);
     Json::Value HostCall(const Document& document, const std::string& name);
     void Changed(const std::string& page, const PageChange& change);
     void FileWanted(const Request& request);
@@ -51,6 +54,7 @@ class Browser {
     PageCalls mCalls;
     Holdings mHoldings;
     Console mConsole;
+    Carousel mCarousel;
     Files mFiles;
     std::string mUrl;  // page of the command line
     int mTab = 0;      // of this page

@@ -53,7 +53,7 @@ void Errand::PressNext() {
 
 void Errand::WaitForCondition() {
     if (mOptions.until.empty()) return Print();
-    mPages.Evaluate(mPage, "Boolean(" + mOptions.until + ")", [this](const Json::Value& value) {
+    mPages.Evaluate(mPage, "Promise.resolve(" + mOptions.until + ").then(Boolean)", [this](const Json::Value& value) {
         if (value.isBool() && value.asBool()) return Settle([this] { Print(); });
         mLoop.After(kBetweenQuestions, [this] { WaitForCondition(); });
     });

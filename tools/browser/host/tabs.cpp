@@ -130,7 +130,7 @@ void Tabs::Load(int id) {
     Tab& tab = mTabs[id];
     tab.loading = true;
     tab.held = false;
-    if (!tab.url.empty()) mPages->Load(tab.page, tab.url);
+    if (!tab.url.empty()) mPages->Load(tab.page, mHandlers.pageUrl(tab.url));
 }
 
 void Tabs::Configure(const Json::Value& arguments, const Platform::Reply& reply) {

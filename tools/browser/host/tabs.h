@@ -36,6 +36,7 @@ class Tabs {
         OnTab onCreated;                                             // its page exists, and nothing is loaded
         std::function<bool(int id, const Tab& tab)> becomesRelated;  // returns whether loading waits for that
         OnTab onGone;
+        std::function<std::string(const std::string& url)> pageUrl;  // of what the platform wants to be loaded
     };
 
     // `getXml` gets an XML file, with the results of IMtmCallback.GetXmlFile.

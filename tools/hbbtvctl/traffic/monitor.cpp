@@ -1,7 +1,12 @@
 // hbbtvctl monitor: shows and records what goes between a library and a platform.
+#include <unistd.h>
+
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <exception>
+#include <fstream>
 #include <set>
 #include <thread>
 
@@ -10,25 +15,42 @@
 #include "common/failure.h"
 #include "common/interruption.h"
 #include "common/text/printable.h"
+#include "common/text/quote.h"
 #include "common/time_stamp.h"
 #include "traffic/observer.h"
 #include "traffic/output.h"
+#include "traffic/prompt.h"
 #include "traffic/relay/relay.h"
+#include "traffic/rules/rule.h"
 #include "wire/endpoint.h"
 
 namespace hbbtv::ctl {
 
 namespace {
 
-constexpr Milliseconds kTick{1000};
+constexpr Milliseconds kTick{250};
 
 struct MonitorOptions {
     std::vector<std::string> families;
     std::vector<std::string> between;
+    std::vector<std::string> rules;
+    std::string rulesFile;
     bool breaks = false;
     ObserverSettings observer;
     TimeOption duration{""};
 };
+
+// Returns the rules of a file, one on each line that is not empty and does not begin with "#".
+std::vector<std::string> RulesIn(const std::string& path) {
+    std::vector<std::string> rules;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        const size_t begin = line.find_first_not_of(" \t");
+        if (begin != std::string::npos && line[begin] != '#') rules.push_back(line);
+    }
+    if (!file.eof() || rules.empty()) throw Failure(kUsage, "no rules in " + Quoted(path) + ", or it cannot be read");
+    return rules;
+}
 
 traffic::RelaySettings SettingsOf(const std::string& directory, const MonitorOptions& options) {
     traffic::RelaySettings settings;
@@ -40,13 +62,19 @@ traffic::RelaySettings SettingsOf(const std::string& directory, const MonitorOpt
         if (family.protocol["endpoints"].isMember("events")) settings.sockets.insert(EventsOf(family).socket);
     }
     settings.breaks = options.breaks;
+    settings.rules = options.rules;
+    if (!options.rulesFile.empty() && options.rulesFile != "-") {
+        for (const std::string& rule : RulesIn(options.rulesFile)) settings.rules.push_back(rule);
+    }
+    for (const std::string& rule : settings.rules) traffic::ParseRule(rule);  // before anything else is done
     settings.program = "hbbtvctl monitor";
     return settings;
 }
 
-// Stopping the relay would stop the traffic, so the keys of a terminal that stop a program do nothing.
+// Stopping the relay would stop the traffic, so the keys of a terminal that stop a program do nothing. A recording that
+// has reached the limit of the size of files is an error of writing.
 void KeepRunning() {
-    for (const int signal : {SIGTSTP, SIGTTIN, SIGTTOU}) std::signal(signal, SIG_IGN);
+    for (const int signal : {SIGTSTP, SIGTTIN, SIGTTOU, SIGXFSZ}) std::signal(signal, SIG_IGN);
 }
 
 void SayStart(const traffic::Relay& relay, const traffic::RelaySettings& settings) {
@@ -115,9 +143,17 @@ int Run(const std::string& directory, const MonitorOptions& options) {
     traffic::Relay relay(settings, [&observer](const traffic::Record& record) { observer.Take(record); });
     SayStart(relay, settings);
     Running running(relay, interruption);
-    Wait(interruption, options.duration.Limit(), relay, observer);
+    {
+        // Standard input that is not a terminal may be meant for another program.
+        const bool typed = options.rulesFile == "-" || isatty(STDIN_FILENO) != 0;
+        const auto prompt = typed ? std::make_unique<Prompt>(relay) : nullptr;
+        Wait(interruption, options.duration.Limit(), relay, observer);
+    }
     running.Stop();
     observer.Finish();
+    if (output.Error() != 0 && output.Error() != EPIPE) {
+        throw Failure(kUsage, std::string("cannot write standard output: ") + std::strerror(output.Error()));
+    }
     return kDone;
 }
 
@@ -128,7 +164,7 @@ void AddMonitor(CLI::App& app, Invocation& invocation) {
     CLI::App* command = app.add_subcommand("monitor", "Show and record what goes between the library and the platform");
     command->add_option("FAMILY", options->families, "Only these families (default: all sockets, also unknown ones)")
         ->type_name("FAMILY");
-    command->add_option("--filter", options->observer.filter, "Show only what matches, for example 'ms>5'")
+    command->add_option("--filter", options->observer.filter, "Show only what matches; see `hbbtvctl show --help`")
         ->type_name("FILTER");
     AddJson(*command, options->observer.json);
     command->add_option("--record", options->observer.file, "Write all records to a new file")->type_name("FILE");
@@ -143,18 +179,31 @@ void AddMonitor(CLI::App& app, Invocation& invocation) {
         ->type_name("LIBRARY_DIR PLATFORM_DIR")
         ->expected(2);
     command->add_flag("--break", options->breaks, "End the connections that exist already, so that they are seen");
+    command->add_option("--rule", options->rules, "Do something to messages on purpose; can be given several times")
+        ->type_name("RULE")
+        ->expected(1)
+        ->take_all();
+    command->add_option("--rules", options->rulesFile, "Read rules from this file, or with - from standard input")
+        ->type_name("FILE");
     command->footer(
-        "Takes the place of the sockets, passes each message on unchanged, and shows it with its reply and duration.\n"
-        "At the end the sockets are as before; if the monitor is killed, the next one restores them, or `hbbtvctl "
-        "doctor`.\n"
-        "Connections that exist already are not seen until their ends connect again. --break makes them do so, which "
-        "fails\n"
-        "the first request of each family. So does the end of the monitor.\n\n"
+        std::string(
+            "Takes the place of the sockets, passes each message on unchanged, and shows it with its reply and "
+            "duration.\n"
+            "At the end the sockets are as before; if the monitor is killed, the next one restores them, or `hbbtvctl "
+            "doctor`.\n"
+            "Connections that exist already are not seen until their ends connect again. --break makes them do so, "
+            "which "
+            "fails\n"
+            "the first request of each family. So does the end of the monitor.\n\n"
+            "A rule is a filter, an action and options: 'op:SetChannel delay=2s count=3'. Actions:\n") +
+        traffic::RuleActions() + "Options of rules:\n" + traffic::RuleOptions() +
+        "On a terminal, rules can be typed while the monitor runs; \"help\" lists the commands.\n\n"
         "Examples:\n"
         "  hbbtvctl monitor channel channel_config --for 1s\n"
         "  hbbtvctl monitor --filter 'op:SetChannel | ms>5 | event' --for 1s\n"
-        "  hbbtvctl monitor --record monday.ndjson --stats --for 1s\n"
-        "  hbbtvctl monitor --break --json --for 1s");
+        "  hbbtvctl monitor --record new.ndjson --stats --for 1s\n"
+        "  hbbtvctl monitor --break --json --for 1s\n"
+        "  hbbtvctl monitor --rule 'op:SetChannel delay=2s' --rule 'p=0.01 corrupt' --for 1s");
     command->callback([options, &invocation] {
         invocation.run = [options, &invocation] { return Run(invocation.directory, *options); };
     });

@@ -63,7 +63,10 @@ void Observer::Record(const traffic::Record& record) {
 }
 
 void Observer::Show(const std::vector<traffic::Record>& open) {
-    if (mSettings.statistics) return ShowStatistics(open);
+    if (mSettings.statistics) {
+        if (++mTicks % 4 == 0) ShowStatistics(open);
+        return;
+    }
     if (mSettings.json) return;
     const uint64_t now = TimeStamp().Monotonic();
     decltype(mAges) ages;

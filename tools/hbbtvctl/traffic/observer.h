@@ -34,8 +34,8 @@ class Observer {
     // For the thread of the recorder.
     void Take(const traffic::Record& record);
 
-    // For another thread: shows each exchange that has been open for a second, and again each time its age has doubled;
-    // or the statistics.
+    // For another thread, four times a second: shows each exchange that has been open for a second, and again each time
+    // its age has doubled; or once a second the statistics.
     void Show(const std::vector<traffic::Record>& open);
 
     // Shows the statistics, and what has not been shown or written. Call it when there are no more records.
@@ -54,6 +54,7 @@ class Observer {
     uint64_t mWritten = 0;
     uint64_t mMissing = 0;  // in the file
     uint64_t mShown = 0;
+    uint64_t mTicks = 0;
     std::mutex mMutex;
     traffic::Names mNames;                                    // guarded by mMutex
     traffic::Statistics mStatistics;                          // guarded by mMutex

@@ -1,7 +1,9 @@
 #include "traffic/output.h"
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <thread>
 #include <utility>
 
@@ -38,6 +40,24 @@ uint64_t Output::Lost() const {
     return mShared->lost;
 }
 
+int Output::Error() const {
+    std::lock_guard<std::mutex> lock(mShared->mutex);
+    return mShared->error;
+}
+
+// Not by the stream, whose lock the end of the program needs.
+int Output::WriteAll(const std::string& text) {
+    for (size_t written = 0; written < text.size();) {
+        const ssize_t count = write(STDOUT_FILENO, text.data() + written, text.size() - written);
+        if (count >= 0) {
+            written += static_cast<size_t>(count);
+        } else if (errno != EINTR) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
 void Output::Write(const std::shared_ptr<Shared>& shared) {
     std::unique_lock<std::mutex> lock(shared->mutex);
     while (true) {
@@ -45,9 +65,9 @@ void Output::Write(const std::shared_ptr<Shared>& shared) {
         const std::string text = std::exchange(shared->waiting, "");
         shared->writing = true;
         lock.unlock();
-        std::fwrite(text.data(), 1, text.size(), stdout);
-        std::fflush(stdout);
+        const int error = WriteAll(text);
         lock.lock();
+        if (error != 0) shared->error = error;
         shared->writing = false;
         shared->changed.notify_all();
     }

@@ -22,6 +22,9 @@ class Output {
     // Adds a line break. Thread-safe.
     void Print(const std::string& line);
 
+    // Returns why lines could not be written: an error number, or 0. EPIPE: the reader has gone.
+    int Error() const;
+
     // Returns the number of lines that the reader has not taken in time.
     uint64_t Lost() const;
 
@@ -32,7 +35,9 @@ class Output {
         std::string waiting;  // guarded by the mutex, as the others
         bool writing = false;
         uint64_t lost = 0;
+        int error = 0;
     };
+    static int WriteAll(const std::string& text);
     static void Write(const std::shared_ptr<Shared>& shared);
 
     const std::shared_ptr<Shared> mShared = std::make_shared<Shared>();

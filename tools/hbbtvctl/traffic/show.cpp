@@ -11,6 +11,7 @@
 #include "common/text/pointer_text.h"
 #include "common/text/printable.h"
 #include "common/text/quote.h"
+#include "traffic/exports.h"
 #include "traffic/report/difference.h"
 #include "traffic/report/ladder.h"
 #include "traffic/report/slowest.h"
@@ -37,6 +38,7 @@ struct ShowOptions {
     std::string svg;
     std::string diff;
     std::string record;
+    ExportOptions exports;
 };
 
 std::string CheckHandle(const std::string& word) {
@@ -157,6 +159,11 @@ int Run(ShowOptions options) {
     if (!options.diff.empty()) return ShowDifference(options, selection);
     if (options.stats) return ShowStatistics(selection, options.json);
     if (!options.record.empty()) return WriteRecording(selection, options.record);
+    if (options.exports.Any()) {
+        WriteExport(options.exports, selection, options.selection.path == "-");
+        ReportProblems(selection);
+        return kDone;
+    }
     if (options.ladder || !options.svg.empty()) return ShowLadder(selection, options.svg);
     if (options.slow) return ShowSlowest(selection);
     return ShowLines(selection, options.json);
@@ -187,6 +194,7 @@ void AddForms(CLI::App& command, ShowOptions& options) {
         command.add_option("--diff", options.diff, "Compare with this recording, by operation")->type_name("FILE"),
         command.add_option("--record", options.record, "Write the records to this file, which must not exist")
             ->type_name("FILE")};
+    for (CLI::Option* form : AddExports(command, options.exports)) forms.push_back(form);
     for (CLI::Option* form : forms) {
         for (CLI::Option* other : forms) {
             if (form != other && form->get_name() + other->get_name() != "--ladder--svg" &&

@@ -65,7 +65,7 @@ Pages::Pages(devtools::DevTools& chromium, Console& console, Settings settings, 
       mConsole(console),
       mSettings(std::move(settings)),
       mHandlers(std::move(handlers)),
-      mRequests(chromium, mSettings.own,
+      mRequests(chromium, mSettings.own, mSettings.ownHosts,
                 {[this](const Request& request) { Called(request); }, mHandlers.onFile,
                  [this](const std::string& session, const std::string& frame, const LoadFailure& failure) {
                      LoadFailed(session, frame, failure);

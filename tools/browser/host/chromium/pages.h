@@ -51,6 +51,7 @@ class Pages {
         std::string script;  // runs in each document before its own
         ScreenSize size;
         std::vector<std::string> own;  // beginnings of URLs that Handlers::onFile answers
+        std::string ownHosts;          // end of the names of hosts whose URLs it answers
     };
 
     Pages(devtools::DevTools& chromium, Console& console, Settings settings, Handlers handlers);

@@ -129,6 +129,9 @@ std::string PathOf(const std::string& url) {
 }
 
 bool Requests::IsOwn(const std::string& url) const {
+    const std::string host = HostOf(url);
+    const size_t end = host.rfind(mOwnHosts);
+    if (end != std::string::npos && end + mOwnHosts.size() == host.size()) return true;
     return std::any_of(mOwn.begin(), mOwn.end(), [&url](const std::string& begin) { return url.rfind(begin, 0) == 0; });
 }
 
@@ -136,6 +139,7 @@ void Requests::Enable(const std::string& session) {
     Json::Value params;
     params["patterns"].append(Pattern("*://*/.hbbtv/*", "Request"));
     for (const std::string& begin : mOwn) params["patterns"].append(Pattern((begin + "*").c_str(), "Request"));
+    params["patterns"].append(Pattern(("http://*" + mOwnHosts + "/*").c_str(), "Request"));
     params["patterns"].append(Pattern(kIcons, "Request"));
     Json::Value documents = Pattern("*", "Response");
     documents["resourceType"] = "Document";

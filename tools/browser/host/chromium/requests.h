@@ -49,9 +49,9 @@ class Requests {
         std::function<void(const std::string& session, const std::string& frame, const LoadFailure& failure)> onFailed;
     };
 
-    // `own` are the beginnings of URLs that are answered here.
-    Requests(devtools::DevTools& chromium, std::vector<std::string> own, Handlers handlers)
-        : mChromium(chromium), mOwn(std::move(own)), mHandlers(std::move(handlers)) {}
+    // `own` are the beginnings of URLs that are answered here; `ownHosts` is the end of host names that are.
+    Requests(devtools::DevTools& chromium, std::vector<std::string> own, std::string ownHosts, Handlers handlers)
+        : mChromium(chromium), mOwn(std::move(own)), mOwnHosts(std::move(ownHosts)), mHandlers(std::move(handlers)) {}
 
     // Makes Chromium pass the requests of a target on.
     void Enable(const std::string& session);
@@ -69,6 +69,7 @@ class Requests {
 
     devtools::DevTools& mChromium;
     const std::vector<std::string> mOwn;
+    const std::string mOwnHosts;
     const Handlers mHandlers;
 };
 

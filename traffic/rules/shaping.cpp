@@ -1,4 +1,4 @@
-#include "traffic/relay/shaping.h"
+#include "traffic/rules/shaping.h"
 
 #include <cstring>
 #include <utility>
