@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <sstream>
 #include <string_view>
 
 #include "common/text/quote.h"
@@ -121,9 +122,15 @@ Json::Value ParseJson(const std::string& text, int deepest) {
 }
 
 std::string WriteJson(const Json::Value& value) {
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    return Json::writeString(builder, value);
+    // Creating a writer takes longer than writing a message.
+    thread_local const std::unique_ptr<Json::StreamWriter> writer = [] {
+        Json::StreamWriterBuilder builder;
+        builder["indentation"] = "";
+        return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
+    }();
+    std::ostringstream stream;
+    writer->write(value, &stream);
+    return stream.str();
 }
 
 }  // namespace hbbtv

@@ -40,7 +40,7 @@ int PortOf(const std::string& socket) {
     return 0;
 }
 
-Message MessageFrom(const LoggedMessage::Document& document, int32_t type, int32_t port) {
+Message MessageFrom(const LoggedDocument& document, int32_t type, int32_t port) {
     Message message;
     message.type = type;
     message.port = port;

@@ -57,12 +57,12 @@ Json::Value MembersOf(const std::string& text) {
     return members;
 }
 
-LoggedMessage::Document DocumentOf(const std::string& text) {
-    LoggedMessage::Document document;
+LoggedDocument DocumentOf(const std::string& text) {
+    LoggedDocument document;
     document.text = text;
     try {
-        document.json = ParseJson(text);
-        if (document.json.isObject()) document.members = document.json;
+        const Json::Value whole = ParseJson(text);
+        if (whole.isObject()) document.members = whole;
     } catch (const BadJson&) {
         document.members = MembersOf(text);
     }
@@ -75,7 +75,7 @@ void SkipBlanks(const std::string& text, size_t& at) {
 }
 
 // Reads a document at a place and moves behind it. Returns false if it is cut.
-bool TakeDocument(const std::string& text, size_t& at, LoggedMessage::Document& document) {
+bool TakeDocument(const std::string& text, size_t& at, LoggedDocument& document) {
     const size_t end = EndOfValue(text, at);
     document = DocumentOf(text.substr(at, end == std::string::npos ? end : end - at));
     at = end == std::string::npos ? text.size() : end;

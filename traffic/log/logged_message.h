@@ -8,17 +8,17 @@
 
 namespace hbbtv::traffic {
 
+// The text of a JSON document, which may be cut, and the members of it that can be read.
+struct LoggedDocument {
+    std::string text;
+    Json::Value members{Json::objectValue};
+};
+
 // A message, and its reply if the library has written both. What was cut is there as far as the log has it.
 struct LoggedMessage {
-    struct Document {
-        Json::Value json;  // null if the text is not a whole JSON document
-        std::string text;
-        Json::Value members{Json::objectValue};  // those that can be read, also of a document that is cut
-    };
-
     bool received = false;  // an event of the platform; else a request of the library
-    Document message;
-    std::optional<Document> reply;
+    LoggedDocument message;
+    std::optional<LoggedDocument> reply;
     std::optional<int> key;   // of the socket, for events
     std::optional<int> port;  // for events
     bool whole = false;       // nothing is missing at the end
