@@ -101,9 +101,9 @@ TEST(BentTraffic, DoesNotEndTheServiceAndTheNextRequestIsAnswered) {
     };
     for (const Bent& bent : kBent) {
         ASSERT_TRUE(tell(bent.rule, "(applied 0 times)")) << bent.rule << monitor.Output();
-        for (const auto& [name, arguments] : {std::pair{"IChannel.Release", "[1]"},
-                                              std::pair{"IVideoBroadcast.NextChannel", "[1]"},
-                                              std::pair{"IConfiguration.GetCountryId", "[]"}}) {
+        for (const auto& [name, arguments] :
+             {std::pair{"IChannel.Release", "[1]"}, std::pair{"IVideoBroadcast.NextChannel", "[1]"},
+              std::pair{"IConfiguration.GetCountryId", "[]"}}) {
             const int status = StatusOfCall(name, arguments);
             EXPECT_TRUE(Allowed(bent.expected, status)) << bent.rule << ": " << name << " -> " << status;
         }
