@@ -72,5 +72,5 @@ function(add_hidl_library target)
     target_include_directories(${target} SYSTEM PUBLIC $<BUILD_INTERFACE:${GENERATED_INCLUDE_DIR}>)
     # Its size is most of the service's memory, and its time to compile most of the library's.
     target_compile_options(${target} PRIVATE -w $<$<CONFIG:RelWithDebInfo>:-Os>)
-    target_link_libraries(${target} PUBLIC hidl_host)
+    target_link_libraries(${target} PUBLIC hidl_host PRIVATE hbbtv_lean_library)
 endfunction()

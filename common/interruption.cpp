@@ -22,11 +22,12 @@ int Checked(int fd) {
     return fd;
 }
 
-int OpenSignals() {
+int OpenSignals(std::initializer_list<int> more) {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
+    for (const int signal : more) sigaddset(&signals, signal);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     return Checked(signalfd(-1, &signals, SFD_CLOEXEC));
 }
@@ -51,8 +52,8 @@ bool Poll(pollfd* entries, nfds_t count, std::optional<Milliseconds> limit) {
 
 }  // namespace
 
-Interruption::Interruption() : mWake(Checked(eventfd(0, EFD_CLOEXEC))) {
-    gSignals = OpenSignals();
+Interruption::Interruption(std::initializer_list<int> more) : mWake(Checked(eventfd(0, EFD_CLOEXEC))) {
+    gSignals = OpenSignals(more);
 }
 
 Interruption::~Interruption() {

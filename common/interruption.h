@@ -1,6 +1,7 @@
 // Waits that end on Ctrl-C, SIGTERM, a deadline, a call of another thread, or when the reader of the output has gone.
 #pragma once
 
+#include <initializer_list>
 #include <optional>
 
 #include "common/duration.h"
@@ -16,7 +17,8 @@ class Interruption {
   public:
     enum class Cause { Signal, Deadline, Woken, NoReader };
 
-    Interruption();
+    // `more`: further signals that are taken like these two.
+    explicit Interruption(std::initializer_list<int> more = {});
     ~Interruption();
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;

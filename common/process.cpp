@@ -8,11 +8,14 @@
 
 namespace hbbtv {
 
-std::string DescribeProcess(pid_t pid) {
+std::string ProgramOf(pid_t pid) {
     std::error_code unknown;
-    const std::filesystem::path program =
-        std::filesystem::read_symlink("/proc/" + std::to_string(pid) + "/exe", unknown);
-    return (unknown ? "process" : Printable(program.filename().string())) + " (" + std::to_string(pid) + ")";
+    return std::filesystem::read_symlink("/proc/" + std::to_string(pid) + "/exe", unknown).filename().string();
+}
+
+std::string DescribeProcess(pid_t pid) {
+    const std::string program = ProgramOf(pid);
+    return (program.empty() ? "process" : Printable(program)) + " (" + std::to_string(pid) + ")";
 }
 
 // The state follows the name, which is in parentheses and may contain any character.

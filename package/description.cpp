@@ -18,8 +18,13 @@ const Method* Interface::Find(const std::string& method) const {
 }
 
 const Package& Package::Get() {
-    static const Package package(ParseJson(kDescription));
+    static const Package package(Description());
     return package;
+}
+
+const Json::Value& Package::Description() {
+    static const Json::Value description = ParseJson(kDescription);
+    return description;
 }
 
 Package::Package(const Json::Value& description) : name(description["package"].asString()) {

@@ -33,6 +33,9 @@ class Package {
     // Returns the package that was compiled in.
     static const Package& Get();
 
+    // Returns the same as JSON: "package", "interfaces" with their methods, and "types", as generate.py writes them.
+    static const Json::Value& Description();
+
     std::string name;  // "vantorel.hardware.hbbtv@1.0"
     std::vector<Interface> interfaces;
     std::vector<std::shared_ptr<const Type>> types;  // structs and enumerations

@@ -97,6 +97,15 @@ const Json::Value* WireFamily::OperationOf(const std::string& method) const {
     return Operation(method);
 }
 
+const Json::Value* WireFamily::RequestOf(const Json::Value& message) const {
+    if (!message.isObject()) return nullptr;
+    const Json::Value& code = message[protocol["envelope"]["code"]["key"].asString()];
+    for (const Json::Value& candidate : protocol["operations"]) {
+        if (candidate.isMember("code") && candidate["code"] == code) return &candidate;
+    }
+    return nullptr;
+}
+
 const Json::Value& WireFamily::FindEvent(const std::string& wanted) const {
     std::set<std::string> known;
     for (const Json::Value& event : protocol["events"]) {

@@ -23,6 +23,9 @@ struct WireFamily {
     // "method", else the one of the same name, else null.
     const Json::Value* OperationOf(const std::string& method) const;
 
+    // Returns the operation that a request of the library asks for, or null.
+    const Json::Value* RequestOf(const Json::Value& message) const;
+
     // Finds an event by code ("5", "mediasync:5"), name, or the client's callback method. Throws Failure(kUsage).
     const Json::Value& FindEvent(const std::string& event) const;
 

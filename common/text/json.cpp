@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <sstream>
 #include <string_view>
 
 #include "common/text/quote.h"
@@ -88,6 +89,20 @@ void CheckNumbers(const std::string& text) {
     }
 }
 
+// Creating a reader takes longer than reading a message.
+Json::CharReader& StrictReader() {
+    thread_local const std::unique_ptr<Json::CharReader> reader = [] {
+        Json::CharReaderBuilder builder;
+        builder["collectComments"] = false;
+        builder["allowComments"] = false;
+        builder["allowTrailingCommas"] = false;
+        builder["failIfExtra"] = true;
+        builder["rejectDupKeys"] = true;
+        return std::unique_ptr<Json::CharReader>(builder.newCharReader());
+    }();
+    return *reader;
+}
+
 }  // namespace
 
 BadJson::BadJson(unsigned line, unsigned column, const std::string& reason)
@@ -99,24 +114,23 @@ BadJson::BadJson(unsigned line, unsigned column, const std::string& reason)
 
 Json::Value ParseJson(const std::string& text, int deepest) {
     if (NestsDeeper(text, deepest)) throw BadJson(1, 1, "it nests deeper than " + std::to_string(deepest) + " levels");
-    Json::CharReaderBuilder builder;
-    builder["collectComments"] = false;
-    builder["allowComments"] = false;
-    builder["allowTrailingCommas"] = false;
-    builder["failIfExtra"] = true;
-    builder["rejectDupKeys"] = true;
-    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     Json::Value root;
     std::string errors;
-    if (!reader->parse(text.data(), text.data() + text.size(), &root, &errors)) throw FirstError(errors);
+    if (!StrictReader().parse(text.data(), text.data() + text.size(), &root, &errors)) throw FirstError(errors);
     CheckNumbers(text);
     return root;
 }
 
 std::string WriteJson(const Json::Value& value) {
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    return Json::writeString(builder, value);
+    // Creating a writer takes longer than writing a message.
+    thread_local const std::unique_ptr<Json::StreamWriter> writer = [] {
+        Json::StreamWriterBuilder builder;
+        builder["indentation"] = "";
+        return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
+    }();
+    std::ostringstream stream;
+    writer->write(value, &stream);
+    return stream.str();
 }
 
 }  // namespace hbbtv

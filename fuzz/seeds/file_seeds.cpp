@@ -1,5 +1,6 @@
 #include "file_seeds.h"
 
+#include "input.h"
 #include "line_up.h"
 #include "package_values.h"
 
@@ -91,6 +92,37 @@ std::vector<std::string> ValueSeeds() {
                                      "IVideoBroadcast.SetWindow", "IMtm.OnTabLoadFailed"}) {
         seeds.push_back(std::string("arguments ") + method + "\n1\nname=2\nurl=http://a.example/?b=c\n@@a\n[1,2]\n");
         seeds.push_back(std::string("object ") + method + "\n{\"vb\": \"0x10\", \"tabId\": 3, \"url\": \"u\"}");
+    }
+    return seeds;
+}
+
+std::vector<std::string> TrafficSeeds() {
+    const std::string head =
+        R"({"recording":1,"program":"p","directory":"d","zone":"+01:00","wall_us":5,"monotonic_us":6})";
+    const std::string exchange =
+        R"({"number":1,"kind":"exchange","wall_us":1795348045458629,"monotonic_us":6,"connection":3,"socket":)"
+        R"("service_plugin_to_hbbtv_vb_chn","family":"channel","event":false,"operation":"GetName","code":13,"message":)"
+        R"({"type":2,"port":2,"size":50,"json":{"c_handle":"0x1000","method":13,"type":12}},"reply":{"type":3,"port":2,)"
+        R"("size":20,"json":{"name":"Das Erste HD","ret":0,"serial":"DE-118842","url":"http://a.example/?b=c#d"}},)"
+        R"("duration_us":700,"status":0,"library":{"pid":4711,"uid":1000,"name":"service"}})";
+    const std::string other =
+        R"({"number":2,"kind":"damaged","wall_us":7,"monotonic_us":8,"message":{"type":9,"port":1,"size":4,"base64":)"
+        R"("AAEC/w=="},"open":true,"rule":"drop","note":"cut"})";
+    const std::string message =
+        "[tolm](tolm_base_client.cpp:75) SendIpc: send msg:{\n\t\"method\" : 2,\n\t\"type\" : 19\n}\n, out_msg:{\n"
+        "\t\"handle\" : \"0x1000\",\n\t\"ret\" : 0\n}\n[tolm](a.cpp:45) OnRecv: recv msg:{\n\t\"event\" : 0\n}\n"
+        " in m_ipc_id(35) port(3)\n[tolm](a.cpp:1) SendIpc: SendIpc failed 0 1 1\n";
+    std::vector<std::string> seeds{"recording\n" + head + "\n" + exchange + "\n" + other + "\n",
+                                   "log\n" + message,
+                                   "log\n[ 11-22 12:47:25.458  4711: 4712 D/[ipc_base] ]\n" + message,
+                                   "log\n11-22 12:47:25.500  4711  4712 I chatty  : expire 12 lines\n",
+                                   "filter\nfamily:channel & !op:Get* | (ms>5 status!=0) & reply.name~\"erste\"",
+                                   "filter\nhandle:0x1000 event | open error | app:11 | request.c_handle:0x1000"};
+    for (const char* format : {"11-22 12:47:25.458  4711  4712 D [ipc_base]: ", "D/[ipc_base]( 4711): ",
+                               "[ipc_base] D 11-22 12:47:25.458  4711  4712 "}) {
+        std::string log;
+        for (const std::string& line : LinesOf(message)) log += format + line + "\n";
+        seeds.push_back("log\n" + log);
     }
     return seeds;
 }

@@ -8,5 +8,6 @@ namespace hbbtv::fuzz {
 
 std::vector<std::string> FileSeeds();
 std::vector<std::string> ValueSeeds();
+std::vector<std::string> TrafficSeeds();
 
 }  // namespace hbbtv::fuzz

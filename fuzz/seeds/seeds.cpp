@@ -169,6 +169,15 @@ void WriteRequests(Folder folder) {
                "!carousel-change a\n!parental-rating dvb-si 12\n!fail 3\n!record\n");
 }
 
+void WriteHttp(Folder folder) {
+    const std::string head =
+        " HTTP/1.1\r\nHost: 127.0.0.1:40123\r\nUser-Agent: Mozilla/5.0\r\nSec-Fetch-Site: same-origin\r\n";
+    folder.Add("GET /0123456789abcdef/" + head + "\r\n");
+    folder.Add("GET /0123456789abcdef/events" + head + "Last-Event-ID: 17\r\nAccept: text/event-stream\r\n\r\n");
+    folder.Add("POST /0123456789abcdef/ask" + head + "Content-Type: application/json\r\nContent-Length: 2\r\n\r\n{}");
+    folder.Add("POST /ask HTTP/1.0\r\nTransfer-Encoding: chunked\r\nOrigin: null\r\n\r\n0\r\n\r\n");
+}
+
 // The names that messages have, for libFuzzer's own mutations.
 void WriteWords(const std::string& file) {
     std::set<std::string> words;
@@ -193,10 +202,13 @@ void WriteAll(const std::string& directory) {
     WriteStubs({directory, "stubs"});
     WriteSessions({directory, "session"});
     WriteRequests({directory, "simulator"});
+    WriteHttp({directory, "http"});
     Folder files(directory, "files");
     for (const std::string& input : FileSeeds()) files.Add(input);
     Folder values(directory, "values");
     for (const std::string& input : ValueSeeds()) values.Add(input);
+    Folder traffic(directory, "traffic");
+    for (const std::string& input : TrafficSeeds()) traffic.Add(input);
     WriteWords(directory + "/words");
 }
 

@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "common/failure.h"
 #include "system.h"
 
@@ -63,11 +65,30 @@ TEST(BrowserObjects, HaveDefaultsWhileThePlatformIsAway) {
     EXPECT_EQ(run.output, "[null,null,null,null,null,0,0,100,true,\"#2\",null,false,0,null]\n") << run.Text();
 }
 
+TEST(BrowserObjects, GiveThePlatformUrlsOfTheCarousel) {
+    const ScratchDirectory files;
+    std::filesystem::create_directory(files / "app");
+    std::ofstream(files / "app/index.html") << Page(
+        "video.bindToCurrentChannel();\n"
+        "video.addStreamEventListener('../events/quiz', 'quiz', () => { window.came = true; });\n"
+        "oipfObjectFactory.createApplicationManagerObject().getOwnerApplication(document)\n"
+        "    .createApplication('other.html?a=b', false);\n");
+    BrowserSystem system({"--carousel", files.Path(), "--trace", "--stream-event-interval", "20ms"});
+    ASSERT_TRUE(system.ready);
+    const FinishedRun run = BrowserSystem::Run(
+        {"--alone", "dvb://1.3fb.283d.17/app/index.html", "--until", "window.came", "--print", "location.hostname"});
+    EXPECT_EQ(run.output, "\"1.3fb.283d.17.dvb.localhost\"\n") << run.Text();
+    EXPECT_THAT(system.platform.Output(),
+                HasSubstr("> AddStreamEventListener dvburl=\"dvb://1.3fb.283d.17/events/quiz\" event_name=\"quiz\" "
+                          "strurl=\"../events/quiz\""));
+    EXPECT_THAT(system.platform.Output(), HasSubstr("url=\"dvb://1.3fb.283d.17/app/other.html?a=b\""));
+}
+
 TEST(BrowserObjects, AreAllThatAnApplicationNeeds) {
     const BrowserSystem system({"--stream-event-interval", "50ms"});
     ASSERT_TRUE(system.ready);
     const FinishedRun run = BrowserSystem::Run(
-        {"--alone", "--serve", HBBTV_SOURCE_DIR "/tools/demo/application", "index.html", "--console", "--keys",
+        {"--alone", "index.html", "--serve", HBBTV_SOURCE_DIR "/tools/demo/application", "--console", "--keys",
          "RED,DOWN,DOWN,OK,YELLOW,GREEN", "--until",
          "/arte HD/.test((document.querySelector('#channels .current') || {}).textContent) && "
          "document.querySelectorAll('#details *').length === 2 && "

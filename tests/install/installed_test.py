@@ -23,6 +23,7 @@ include/hidl-host/hidl/HidlSupport.h include/hidl-host/android/hidl/base/1.0/IBa
 share/hidl/vantorel/hardware/hbbtv/1.0/types.hal share/hidl/vantorel/hardware/hbbtv/1.0/IMtm.hal
 share/hidl/android/hidl/base/1.0/IBase.hal
 share/hbbtv/protocol/channel.json share/hbbtv/schemas/hbbtvctl.schema.json
+share/hbbtv/wireshark/hbbtv.lua share/hbbtv/wireshark/hbbtv-extcap
 share/man/man1/hbbtvctl.1 share/man/man1/hbbtvctl-call.1 share/man/man1/hbbtv-sim.1
 share/man/man8/vantorel.hardware.hbbtv@1.0-service.8
 share/bash-completion/completions/hbbtvctl share/bash-completion/completions/hbbtv-sim

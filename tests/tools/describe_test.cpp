@@ -63,6 +63,22 @@ TEST_F(Describe, AnInterfaceAClientsInterfaceAStructAFamilyAndAnOperation) {
                 HasSubstr("    channel%d (pointer), %d from 0 to \"size\" - 1: a channel\n"));
 }
 
+TEST_F(Describe, TheSameAsJson) {
+    const auto json = [](const std::string& name) { return Document(Ctl({"describe", name, "--json"})); };
+    const Json::Value method = json("IDsmcc.OnRequestFile");
+    EXPECT_EQ(method["interface"], "IDsmcc");
+    EXPECT_EQ(method["method"]["name"], "OnRequestFile");
+    EXPECT_EQ(method["wire"]["operation"]["form"], "one-way");
+    EXPECT_EQ(method["wire"]["endpoint"]["socket"], "service_dsmcc_to_hbbtv");
+    EXPECT_FALSE(json("IMtmCallback.CreateApp").isMember("wire")) << "a method of clients";
+    EXPECT_EQ(json("channel.GetOnid")["operation"]["code"], 5);
+    EXPECT_EQ(json("channel")["operations"][0]["name"], "Release");
+    EXPECT_EQ(json("TolmRect")["fields"][3]["name"], "height");
+    const Json::Value interface = json("IVideoBroadcastCallback");
+    EXPECT_TRUE(interface["callback"].asBool());
+    EXPECT_FALSE(interface["methods"].empty());
+}
+
 TEST_F(Describe, EverythingInLinesThatFitIntoATerminal) {
     std::vector<std::string> names = FamiliesOfProtocolFiles();
     const Json::Value list = Document(Ctl({"list", "--json"}));

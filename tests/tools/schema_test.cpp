@@ -54,6 +54,16 @@ for $i from 0 below $twice
 end
 )";
 
+const char* const kRecording = HBBTV_SOURCE_DIR "/examples/traffic/slow_channel_change.ndjson";
+// The platform replies otherwise.
+const char* const kReplayed =
+    R"({"recording":1}
+{"number":1,"kind":"exchange","wall_us":1795276045000000,"monotonic_us":6031000000,"connection":1,)"
+    R"("socket":"service_plugin_to_hbbtv_vb_chn","family":"channel","operation":"GetName","code":13,)"
+    R"("message":{"type":2,"port":2,"size":54,"json":{"c_handle":"","method":13,"type":12}},)"
+    R"("reply":{"type":3,"port":2,"size":11,"json":{"ret":-2}},"duration_us":312,"status":-2}
+)";
+
 class Schema : public InFrontOfTheSystem {};
 
 TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
@@ -61,8 +71,17 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     const std::string vb = NewVideoBroadcast();
     const std::string play = mDirectory / "all.play";
     WriteFile(play, kPlay);
+    const std::string recording = mDirectory / "traffic.ndjson";
+    WriteFile(recording, kReplayed);
     const std::vector<std::vector<std::string>> commands{
         {"list"},
+        {"describe", "IChannel"},
+        {"describe", "IMtmCallback.CreateApp"},
+        {"describe", "IChannel.GetOnid"},
+        {"describe", "TolmRect"},
+        {"describe", "TolmVBPlayState"},
+        {"describe", "channel"},
+        {"describe", "channel.GetOnid"},
         {"doctor"},
         {"check", "platform"},
         {"status"},
@@ -77,6 +96,11 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
         {"send", "dsmcc.RequestFile", "dvb://1.2.3", "1"},
         {"send", "channel", "--raw", "x", "--timeout", "50ms"},
         {"play", play, "--coverage"},
+        {"monitor", "--for", "100ms", "--stats"},
+        {"show", kRecording},
+        {"show", kRecording, "--stats"},
+        {"show", kRecording, "--diff", kRecording},
+        {"replay", recording, "--as", "library"},
     };
     std::string lines;
     const auto run = [&lines](std::vector<std::string> words) {
@@ -90,6 +114,11 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
     ASSERT_TRUE(listener.Listens()) << listener.Output();
     run({"emit", "channel_config", "changed", "reserved=1"});
     run({"emit", "video_broadcast", "--raw", "x", "--timeout", "50ms"});
+    CtlProcess monitor({"monitor", "channel", "--count", "2", "--json"});
+    ASSERT_TRUE(monitor.WaitForOutput("listening; press Ctrl-C to stop\n")) << monitor.Output();
+    run({"send", "channel.GetName", channel});
+    EXPECT_EQ(monitor.WaitForExit(), 0);
+    lines += monitor.Output().substr(monitor.Output().find('{'));
     Listener passive({"--passive", "--count", "1"});
     ASSERT_TRUE(passive.Listens()) << passive.Output();
     run({"emit", "channel_config", "changed", "reserved=1"});
@@ -103,12 +132,17 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
 
     // Every command with --json is in the list above.
     for (const char* command : {"list", "describe", "call", "listen", "send", "emit", "play", "bench", "status",
-                                "check", "doctor", "completion", "man"}) {
+                                "check", "doctor", "monitor", "show", "replay", "completion", "man"}) {
         const bool tried =
             std::string(command) == "listen" || std::string(command) == "emit" ||
             std::any_of(commands.begin(), commands.end(), [&](const auto& words) { return words[0] == command; });
         EXPECT_EQ(Ctl({command, "--help"}).output.find("  --json ") != std::string::npos, tried) << command;
     }
+}
+
+TEST(SchemaOfJson, DescribesEachLineOfARecording) {
+    ScratchDirectory directory;
+    EXPECT_THAT(Validate(ReadFile(kRecording)), testing::MatchesRegex("(valid\n)+"));
 }
 
 TEST(SchemaOfJson, RejectsOtherDocuments) {

@@ -13,7 +13,7 @@ import sys
 
 OPERATION = {"name", "method", "code", "form", "effect", "doc", "note", "request", "reply"}
 MEMBER = {"key", "type", "doc", "out", "repeat", "key_length", "max", "size", "fields", "when", "optional", "items",
-          "handle", "shared", "example"}
+          "handle", "shared", "clock", "example"}
 QUESTION = re.compile(r"(\w+_)?[Gg]et[A-Z]\w*|Item|HasCapability")
 
 

@@ -39,16 +39,17 @@ const char* const kFooter =
     "  4  no reply in time\n"
     "  5  invalid reply\n"
     "  6  connection lost\n"
-    "  7  a line of a play did not hold\n"
-    "  130  a play was interrupted\n\n"
+    "  7  a line of a play did not hold, or a replay was not as recorded\n"
+    "  130  a play, or a replay as the library, was interrupted\n\n"
     "Environment:\n"
     "  TMPDIR         directory of the sockets, unless --directory is given (default: /tmp)\n"
     "  HIDL_HOST_DIR  directory where interfaces are registered (default: hidl-host in that directory)\n"
     "  NO_COLOR       disables colors";
 
 void AddCommands(CLI::App& app, Invocation& invocation) {
-    for (const auto add : {AddList, AddDescribe, AddCall, AddListen, AddSend, AddEmit, AddPlay, AddBench, AddStatus,
-                           AddLog, AddCheck, AddDoctor, AddCompletion, AddMan}) {
+    for (const auto add :
+         {AddList, AddDescribe, AddCall, AddListen, AddSend, AddEmit, AddPlay, AddBench, AddMonitor, AddRecord, AddShow,
+          AddReplay, AddStatus, AddLog, AddCheck, AddDoctor, AddCompletion, AddMan}) {
         add(app, invocation);
     }
 }

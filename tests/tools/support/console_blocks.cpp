@@ -23,6 +23,7 @@ std::string Steady(std::string line) {
         {std::regex(
              "\"(ms|wall_us|monotonic_us|took_us|duration_ms|calls|calls_per_second|p50|p90|p99|p99\\.9|max)\":[0-9]+"),
          "\"$1\":N"},
+        {std::regex("[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{6}"), "CLOCK"},
         {std::regex("[0-9]+\\.[0-9]{3} ms"), "N ms"},
         {std::regex("[0-9]+\\.[0-9] s: [0-9]+ calls, [0-9]+ per second"), "N s: N calls, N per second"},
         {std::regex("\\([0-9]{2,}\\)"), "(PROCESS)"},

@@ -25,7 +25,7 @@ struct Options {
     std::string print;
     std::string userAgent{
         "Mozilla/5.0 (Linux; Linux x86_64) AppleWebKit/537.36 (KHTML, like Gecko) Chrome/156.0.0.0 Safari/537.36 "
-        "HbbTV/1.5.1 (+DRM; Vantorel; Desk; 1.0.0; 1.0.0; Vantorel-Desk;)"};
+        "HbbTV/1.5.1 (+DRM; Vantorel; Desk; " HBBTV_VERSION "; " HBBTV_VERSION "; Vantorel-Desk;)"};
     ScreenSize size;
     std::string profile;
     Milliseconds limit{30000};

@@ -18,9 +18,13 @@ void AddSend(CLI::App& app, Invocation& invocation);
 void AddEmit(CLI::App& app, Invocation& invocation);
 void AddPlay(CLI::App& app, Invocation& invocation);
 void AddBench(CLI::App& app, Invocation& invocation);
+void AddMonitor(CLI::App& app, Invocation& invocation);
 void AddStatus(CLI::App& app, Invocation& invocation);
 void AddLog(CLI::App& app, Invocation& invocation);
 void AddCheck(CLI::App& app, Invocation& invocation);
 void AddDoctor(CLI::App& app, Invocation& invocation);
+void AddRecord(CLI::App& app, Invocation& invocation);
+void AddShow(CLI::App& app, Invocation& invocation);
+void AddReplay(CLI::App& app, Invocation& invocation);
 
 }  // namespace hbbtv::ctl

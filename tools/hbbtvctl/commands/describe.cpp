@@ -5,6 +5,7 @@
 #include "commands/commands.h"
 #include "common/failure.h"
 #include "common/nearest_name.h"
+#include "common/text/json.h"
 #include "terminal/style.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
@@ -12,6 +13,11 @@
 namespace hbbtv::ctl {
 
 namespace {
+
+struct DescribeOptions {
+    std::string name;
+    bool json = false;
+};
 
 std::string List(const std::vector<Parameter>& parameters) {
     std::string text;
@@ -157,6 +163,40 @@ int DescribeFamily(const WireFamily& family) {
     return kDone;
 }
 
+// Returns the entry of a list of the package's description.
+const Json::Value& Entry(const Json::Value& list, const std::string& name) {
+    for (const Json::Value& entry : list) {
+        if (entry["name"] == name) return entry;
+    }
+    return Json::Value::nullSingleton();
+}
+
+Json::Value OperationDocument(const WireFamily& family, const Json::Value& operation) {
+    Json::Value document(Json::objectValue);
+    document["family"] = family.name;
+    document["envelope"] = family.protocol["envelope"];
+    document["endpoint"] = family.protocol["endpoints"]["requests"];
+    document["operation"] = operation;
+    return document;
+}
+
+Json::Value MethodDocument(const Interface& interface, const Method& method) {
+    const Json::Value& entry = Entry(Package::Description()["interfaces"], interface.name);
+    Json::Value document(Json::objectValue);
+    document["interface"] = interface.name;
+    document["method"] = Entry(entry["methods"], method.name);
+    const WireFamily* family = Package::Get().FamilyOf(interface);
+    if (const Json::Value* operation = family == nullptr ? nullptr : family->OperationOf(method.name)) {
+        document["wire"] = OperationDocument(*family, *operation);
+    }
+    return document;
+}
+
+int Print(const Json::Value& document) {
+    std::printf("%s\n", WriteJson(document).c_str());
+    return kDone;
+}
+
 std::set<std::string> AllNames(const Package& package) {
     std::set<std::string> names;
     for (const Interface& interface : package.interfaces) names.insert(interface.name);
@@ -167,30 +207,36 @@ std::set<std::string> AllNames(const Package& package) {
 
 // The part before a dot is an interface or a family; a name without a dot can also be a type. Exact names take
 // precedence, because the interface IChannel and the family channel differ.
-int Run(const std::string& name) {
+int Run(const DescribeOptions& options) {
+    const std::string& name = options.name;
     const Package& package = Package::Get();
+    const Json::Value& description = Package::Description();
     const size_t dot = name.find('.');
     const std::string owner = name.substr(0, dot);
     const std::string member = dot == std::string::npos ? "" : name.substr(dot + 1);
     for (const auto& type : package.types) {
         if (type->name != name) continue;
+        if (options.json) return Print(Entry(description["types"], name));
         PrintType(*type);
         return kDone;
     }
     for (const WireFamily& family : WireFamilies()) {
         if (family.name != owner) continue;
-        if (member.empty()) return DescribeFamily(family);
-        if (const Json::Value* operation = family.Operation(member)) return DescribeOperation(family, *operation);
+        if (member.empty()) return options.json ? Print(family.protocol) : DescribeFamily(family);
+        if (const Json::Value* operation = family.Operation(member)) {
+            return options.json ? Print(OperationDocument(family, *operation)) : DescribeOperation(family, *operation);
+        }
         throw Failure(kUsage, "family " + family.name + " has no operation \"" + member + "\"" +
                                   DidYouMean(member, family.OperationNames(), kShortList) +
                                   " (see `hbbtvctl describe " + family.name + "`)");
     }
     if (!member.empty()) {
         const auto [interface, method] = package.FindMethod(name);
-        return DescribeMethod(*interface, *method);
+        return options.json ? Print(MethodDocument(*interface, *method)) : DescribeMethod(*interface, *method);
     }
     try {
-        return DescribeInterface(package.FindInterface(name));
+        const Interface& interface = package.FindInterface(name);
+        return options.json ? Print(Entry(description["interfaces"], interface.name)) : DescribeInterface(interface);
     } catch (const Failure&) {
         throw Failure(kUsage, "unknown interface, family or type \"" + name + "\"" +
                                   DidYouMean(name, AllNames(package), kShortList) + " (see `hbbtvctl list`)");
@@ -200,19 +246,23 @@ int Run(const std::string& name) {
 }  // namespace
 
 void AddDescribe(CLI::App& app, Invocation& invocation) {
-    auto name = std::make_shared<std::string>();
+    auto options = std::make_shared<DescribeOptions>();
     CLI::App* command =
         app.add_subcommand("describe", "Explain an interface, a method, a type or a family of the wire");
-    command->add_option("NAME", *name, "For example IChannel, IChannel.GetOnid, TolmRect, channel, channel.GetOnid")
+    command
+        ->add_option("NAME", options->name,
+                     "For example IChannel, IChannel.GetOnid, TolmRect, channel, channel.GetOnid")
         ->type_name("NAME")
         ->required();
+    AddJson(*command, options->json);
     command->footer(
         "Examples:\n"
         "  hbbtvctl describe IChannel\n"
         "  hbbtvctl describe IVideoBroadcast.SetChannel\n"
         "  hbbtvctl describe TolmVBPlayState\n"
-        "  hbbtvctl describe channel_config");
-    command->callback([name, &invocation] { invocation.run = [name] { return Run(*name); }; });
+        "  hbbtvctl describe channel_config\n"
+        "  hbbtvctl describe channel.GetOnid --json");
+    command->callback([options, &invocation] { invocation.run = [options] { return Run(*options); }; });
 }
 
 }  // namespace hbbtv::ctl

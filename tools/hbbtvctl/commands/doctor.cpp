@@ -15,6 +15,7 @@
 #include "common/process.h"
 #include "common/text/json.h"
 #include "common/text/printable.h"
+#include "service/relay_check.h"
 #include "service/service.h"
 #include "terminal/style.h"
 #include "wire/endpoint.h"
@@ -109,7 +110,7 @@ Checks CheckPlatform(const std::string& directory) {
     size_t all = 0;
     for (const Endpoint& endpoint : AllEndpoints()) {
         if (!endpoint.ofPlatform) continue;
-        const Finding finding = LookAt(PathOf(directory, endpoint));
+        const Finding finding = LookAt(PathOfOwner(PathOf(directory, endpoint)));
         byState[finding.state].push_back(endpoint.socket);
         if (finding.state == Finding::State::Serving) peers.insert(finding.peer);
         if (finding.full) full.push_back(endpoint.socket);
@@ -147,7 +148,7 @@ Checks CheckLibrary(const std::string& directory) {
     size_t all = 0;
     for (const Endpoint& endpoint : AllEndpoints()) {
         if (endpoint.ofPlatform) continue;
-        const Finding finding = LookAt(PathOf(directory, endpoint));
+        const Finding finding = LookAt(PathOfOwner(PathOf(directory, endpoint)));
         ++all;
         if (finding.state == Finding::State::Serving) ++serving;
         if (finding.state == Finding::State::Serving || finding.state == Finding::State::Missing) continue;
@@ -168,7 +169,7 @@ Checks CheckLibrary(const std::string& directory) {
 Checks CheckRights(const std::string& directory) {
     Checks checks;
     for (const Endpoint& endpoint : AllEndpoints()) {
-        const Finding finding = LookAt(PathOf(directory, endpoint));
+        const Finding finding = LookAt(PathOfOwner(PathOf(directory, endpoint)));
         if (finding.state != Finding::State::Serving || (finding.mode & kEveryoneMayConnect) == kEveryoneMayConnect) {
             continue;
         }
@@ -213,6 +214,7 @@ int Run(const std::string& directory, const DoctorOptions& options) {
     const auto add = [&checks](const Checks& more) { checks.insert(checks.end(), more.begin(), more.end()); };
     // Sockets whose paths are too long cannot be checked, and a shorter directory changes the rest as well.
     if (checks.back().level == Check::Level::Good) {
+        add(CheckRelay(directory));
         add(CheckPlatform(directory));
         add(CheckLibrary(directory));
         add(CheckRights(directory));
@@ -239,7 +241,8 @@ void AddDoctor(CLI::App& app, Invocation& invocation) {
     AddJson(*command, options->json);
     AddTime(*command, "--timeout", options->timeout, "Maximum time to wait for the service");
     command->footer(
-        "Prints one line per check: the finding and, if there is a problem, what to do.\n\n"
+        "Prints one line per check: the finding and, if there is a problem, what to do. Restores the sockets that a\n"
+        "killed `hbbtvctl monitor` has left.\n\n"
         "Exit codes:\n"
         "  0  no problems; there may be warnings\n"
         "  3  something is missing or unreachable\n"

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "common/text/json.h"
-#include "events/time_stamp.h"
+#include "common/time_stamp.h"
 #include "package/handles.h"
 #include "wire/values.h"
 

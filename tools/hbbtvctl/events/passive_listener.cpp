@@ -12,7 +12,7 @@
 #include "common/text/json.h"
 #include "common/text/printable.h"
 #include "common/text/quote.h"
-#include "events/time_stamp.h"
+#include "common/time_stamp.h"
 #include "package/debug.h"
 
 namespace hbbtv::ctl {

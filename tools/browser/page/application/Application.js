@@ -16,6 +16,13 @@ class Application extends EventTarget {
         fire(application, topmost ? 'ApplicationTopmost' : 'ApplicationNotTopmost');
     }
 
+    static setShown(application, shown) { application.#visible = shown; }
+
+    static reportShown(application, shown) {
+        application.#visible = shown;
+        fire(application, shown ? 'ApplicationShown' : 'ApplicationHidden');
+    }
+
     get visible() { return this.#visible; }
 
     // The interface has no list of active applications and no permissions.
@@ -54,7 +61,7 @@ class Application extends EventTarget {
     // Returns null if the platform does not create it.
     createApplication(uri, createChild) {
         const results = callPlatform('IApplicationManager.CreateApplication', {...identityOf(this),
-            url: applicationUrl(String(uri)), child: Boolean(createChild), opapp: false});
+            url: platformUrl(String(uri)), child: Boolean(createChild), opapp: false});
         return results === null || results.newAppId === -1 ? null : applicationOf(results.newAppId, results.newOrgId);
     }
 
@@ -92,6 +99,7 @@ function ownApplication() {
         const results = callPlatform('IApplicationManager.GetCurrentApp', {});
         if (results === null) return applicationOf(-1, -1);
         own = applicationOf(results.appId, results.orgId);
+        Application.setShown(own, tabOfDocument().shown);
     }
     return own;
 }
@@ -99,11 +107,6 @@ function ownApplication() {
 // The television's own software is what a document stands for while no application is running.
 function isOwn(application) {
     return application === ownApplication() || application === applicationOf(-1, -1);
-}
-
-// A URL of the broadcast or a CRID is the platform's to resolve; others are relative to the document.
-function applicationUrl(uri) {
-    return /^(dvb|crid):/i.test(uri) ? uri : new URL(uri, document.baseURI).href;
 }
 
 onPlatform('onApplicationTopMost', ({appId, orgId}) => Application.reportTopmost(applicationOf(appId, orgId), true));

@@ -1,9 +1,26 @@
-// Whether this document's application is broadcast-related, and what that allows (TS 102 796 6.2.2.6).
+// The tab of this document, and what its application's relation to the broadcast allows (TS 102 796 6.2.2.6).
 
-// Returns the tab of this document, 0 if the page was opened without the platform, and its relation to the broadcast.
+let tabState = null;
+
+// Returns what the host knows of the tab, see docs/browser.md. Its number is 0 if the page is not an application.
 function tabOfDocument() {
-    return {tab: 0, broadcastRelated: true, ...askHost('tab')};
+    if (tabState === null) {
+        const known = askHost('tab');
+        if (known.tab === undefined) return {tab: 0, broadcastRelated: true, origin: '', shown: true};
+        tabState = {...known, shown: known.tab === 0 || known.shown};
+    }
+    return tabState;
 }
+
+onPlatform('tab', (state) => {
+    const {tab, shown: wasShown} = tabOfDocument();
+    if (state.tab !== tab) return;
+    tabState = state;
+    if (state.shown !== wasShown) Application.reportShown(ownApplication(), state.shown);
+});
+
+// A page that closes its window ends its application.
+window.close = () => { askHost('close'); };
 
 function isBroadcastRelated() {
     return tabOfDocument().broadcastRelated;
@@ -23,10 +40,14 @@ function changeRelation(relation) {
     tellPlatform(`IApplicationManager.${relation === 'related' ? 'SetBIAppToBR' : 'SetBRAppToBI'}`, {tabId: tab});
 }
 
-// Returns what a URL of a page stands for in the broadcast: for a document of the carousel, the host knows where it is.
-function broadcastUrl(url) {
-    if (/^dvb:/i.test(url)) return url;
-    const {carousel} = tabOfDocument();
-    const absolute = new URL(url, document.baseURI);
-    return carousel && absolute.origin === location.origin ? carousel + absolute.pathname : absolute.href;
+// A document of the carousel has an origin of the host, such as http://1.3fb.283d.17.dvb.localhost for
+// dvb://1.3fb.283d.17.
+const kCarouselSuffix = '.dvb.localhost';
+
+// Returns what a URL of a page stands for on the platform, which resolves those of the broadcast and CRIDs itself.
+function platformUrl(url) {
+    if (/^(dvb|crid):/i.test(url)) return url;
+    const {hostname, pathname, search, href} = new URL(url, document.baseURI);
+    return hostname.endsWith(kCarouselSuffix) ?
+        `dvb://${hostname.slice(0, -kCarouselSuffix.length)}${pathname}${search}` : href;
 }

@@ -34,7 +34,7 @@ extendClass(VideoBroadcast, {
 
 // The platform gets the URL as the page wrote it, and what it stands for in this document.
 function requestStreamEvent(method, url, eventName) {
-    return tellPlatform(method, {strurl: url, dvburl: broadcastUrl(url), eventName: String(eventName)});
+    return tellPlatform(method, {strurl: url, dvburl: platformUrl(url), eventName: String(eventName)});
 }
 
 // `values` are the name, data, text and status of the event.

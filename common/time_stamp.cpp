@@ -1,9 +1,9 @@
-#include "events/time_stamp.h"
+#include "common/time_stamp.h"
 
 #include <cstdio>
 #include <ctime>
 
-namespace hbbtv::ctl {
+namespace hbbtv {
 
 namespace {
 
@@ -44,4 +44,13 @@ void TimeStamp::AddTo(Json::Value& line) const {
     line["monotonic_us"] = static_cast<Json::UInt64>(mMonotonic);
 }
 
-}  // namespace hbbtv::ctl
+std::string LocalZone() {
+    const time_t now = std::time(nullptr);
+    tm parts{};
+    localtime_r(&now, &parts);
+    char zone[16];
+    std::strftime(zone, sizeof(zone), "%z", &parts);
+    return std::string(zone).insert(3, ":");
+}
+
+}  // namespace hbbtv

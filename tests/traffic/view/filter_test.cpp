@@ -1,0 +1,56 @@
+// Filters: what passes, and above all what does not.
+#include "traffic/view/filter.h"
+
+#include <gtest/gtest.h>
+
+#include "common/failure.h"
+#include "filter_cases.h"
+
+namespace hbbtv::traffic::test {
+namespace {
+
+bool Passes(const std::string& filter, const Record& record) {
+    return Filter(filter).Matches(record);
+}
+
+std::string Passing(const std::string& filter) {
+    std::string names;
+    for (const auto& [name, record] : FilteredRecords()) {
+        if (Passes(filter, record)) names += (names.empty() ? "" : " ") + name;
+    }
+    return names;
+}
+
+TEST(Filter, LetsThroughWhatItNamesAndNothingElse) {
+    for (const FilterCase& row : FilterCases()) EXPECT_EQ(Passing(row.filter), row.passes) << row.filter;
+}
+
+TEST(Filter, CombinesWordsAsPeopleExpect) {
+    for (const FilterCase& row : CombinedFilterCases()) EXPECT_EQ(Passing(row.filter), row.passes) << row.filter;
+}
+
+std::string Problem(const std::string& filter) {
+    try {
+        Filter parsed(filter);
+    } catch (const Failure& e) {
+        EXPECT_EQ(e.Code(), kUsage);
+        return e.what();
+    }
+    return "";
+}
+
+TEST(Filter, RefusesWhatItDoesNotUnderstandWithItsPlace) {
+    for (const auto& [filter, problem] : FilterProblems()) EXPECT_EQ(Problem(filter), "filter, " + problem);
+}
+
+TEST(Filter, KnowsWhetherItLooksIntoPayloads) {
+    for (const char* filter : {"", "family:channel & ms>5", "event | !status:0", "op:GetName"}) {
+        EXPECT_FALSE(Filter(filter).NeedsPayloads()) << filter;
+    }
+    for (const char* filter : {"erste", "handle:0x1", "ms>5 & !(event | reply.name:a)"}) {
+        EXPECT_TRUE(Filter(filter).NeedsPayloads()) << filter;
+    }
+}
+
+}  // namespace
+}  // namespace hbbtv::traffic::test

@@ -1,0 +1,113 @@
+#include "traffic/observer.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "common/text/json.h"
+#include "traffic/view/line.h"
+
+namespace hbbtv::ctl {
+
+namespace {
+
+constexpr uint64_t kLong = 1000000;  // microseconds that an exchange may be open
+
+// Moves the cursor of a terminal to its upper left corner and clears what is below.
+constexpr char kClear[] = "\x1b[H\x1b[J";
+
+}  // namespace
+
+Observer::Observer(const ObserverSettings& settings, Output& output, std::function<void()> onCount)
+    : mSettings(settings), mFilter(settings.filter), mOutput(output), mOnCount(std::move(onCount)) {
+    if (!settings.file.empty()) mWriter = std::make_unique<traffic::RecordingWriter>(settings.file, settings.head);
+}
+
+void Observer::Take(const traffic::Record& record) {
+    if (mWriter != nullptr) Record(record);
+    if (!mFilter.Matches(record)) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mNames.Learn(record);
+        return;
+    }
+    std::string line;
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mNames.Learn(record);
+        mStatistics.Add(record);
+        if (!mSettings.json && !mSettings.statistics) line = Line(record, mNames, mSettings.head.zone);
+    }
+    if (mSettings.count != 0 && mShown == mSettings.count) return;
+    if (mSettings.json) line = WriteJson(ToJson(record));
+    if (!mSettings.statistics) mOutput.Print(line);
+    if (++mShown == mSettings.count) mOnCount();
+}
+
+// The file is tried again with each record: there may be room later.
+void Observer::Record(const traffic::Record& record) {
+    const std::string problem = mWriter->Write(record);
+    if (problem.empty()) {
+        ++mWritten;
+    } else {
+        ++mMissing;
+    }
+    if (problem == mProblem) return;
+    mProblem = problem;
+    if (problem.empty()) {
+        std::fprintf(stderr, "hbbtvctl: %s can be written again; %llu records are missing\n", mSettings.file.c_str(),
+                     static_cast<unsigned long long>(mMissing));
+    } else {
+        std::fprintf(stderr, "hbbtvctl: cannot write %s: %s; the traffic continues, its records are lost\n",
+                     mSettings.file.c_str(), problem.c_str());
+    }
+}
+
+void Observer::Show(const std::vector<traffic::Record>& open) {
+    if (mSettings.statistics) {
+        if (++mTicks % 4 == 0) ShowStatistics(open);
+        return;
+    }
+    if (mSettings.json) return;
+    const uint64_t now = TimeStamp().Monotonic();
+    decltype(mAges) ages;
+    for (const traffic::Record& record : open) {
+        if (!mFilter.Matches(record)) continue;
+        const uint64_t age = now - record.time.Monotonic();
+        const std::pair<uint64_t, uint64_t> key{record.connection, record.time.Monotonic()};
+        const auto shown = mAges.find(key);
+        ages[key] = shown == mAges.end() ? 0 : shown->second;
+        if (age < kLong || age < 2 * ages[key]) continue;
+        ages[key] = age;
+        std::lock_guard<std::mutex> lock(mMutex);
+        mOutput.Print(Line(record, mNames, mSettings.head.zone) + "  open for " + traffic::DurationText(age));
+    }
+    mAges.swap(ages);
+}
+
+void Observer::ShowStatistics(const std::vector<traffic::Record>& open) {
+    traffic::Statistics statistics;
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        statistics = mStatistics;
+    }
+    for (const traffic::Record& record : open) {
+        if (mFilter.Matches(record)) statistics.Add(record);
+    }
+    if (mSettings.json) return mOutput.Print(WriteJson(statistics.Json()));
+    mOutput.Print((isatty(STDOUT_FILENO) != 0 ? kClear : "") + statistics.Text(mSettings.head.zone));
+}
+
+void Observer::Finish() {
+    if (!mSettings.json || mSettings.statistics) ShowStatistics({});
+    if (mOutput.Lost() > 0) {
+        std::fprintf(stderr, "hbbtvctl: %llu lines were not shown: standard output was not read in time\n",
+                     static_cast<unsigned long long>(mOutput.Lost()));
+    }
+    if (mWriter == nullptr) return;
+    std::fprintf(stderr, "hbbtvctl: %llu records in %s", static_cast<unsigned long long>(mWritten),
+                 mSettings.file.c_str());
+    if (mMissing > 0) std::fprintf(stderr, "; %llu are missing", static_cast<unsigned long long>(mMissing));
+    std::fprintf(stderr, "\n");
+}
+
+}  // namespace hbbtv::ctl

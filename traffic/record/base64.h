@@ -1,0 +1,13 @@
+// Bytes as text, as RFC 4648 defines it.
+#pragma once
+
+#include <string>
+
+namespace hbbtv::traffic {
+
+std::string Base64(const std::string& bytes);
+
+// Throws std::runtime_error if it is not Base64.
+std::string FromBase64(const std::string& text);
+
+}  // namespace hbbtv::traffic

@@ -1,0 +1,41 @@
+// The page that shows traffic in a browser: as one file with the records in it, or served by `hbbtvctl web`, which
+// sends the records as they come.
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include "traffic/record/record.h"
+#include "traffic/record/recording.h"
+
+namespace hbbtv::traffic {
+
+struct PageSettings {
+    RecordingHead head;
+    bool live = false;       // served, so that it asks the server for records
+    bool simulator = false;  // the server passes commands on to a simulator; live only
+};
+
+// Returns the document without records.
+std::string LivePage(const PageSettings& settings);
+
+// Writes a recording as one HTML file. It needs nothing else, and loads nothing from anywhere. The memory does not
+// depend on the number of records.
+class HtmlWriter {
+  public:
+    // `out` must exist as long as the writer. The caller checks it for errors after End().
+    HtmlWriter(std::ostream& out, const RecordingHead& head);
+
+    void Write(const Record& record);
+
+    // Writes the end of the document.
+    void End();
+
+  private:
+    void EndBlock();
+
+    std::ostream& mOut;
+    size_t mInBlock = 0;  // records; 0: no block has begun
+};
+
+}  // namespace hbbtv::traffic
