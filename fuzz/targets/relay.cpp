@@ -1,5 +1,5 @@
-// The bytes that a relay passes on. The first line is a rule, or empty. Then come chunks: a byte whose lowest bit is the
-// direction and whose others are the length, and the bytes.
+// The bytes that a relay passes on. The first line is a rule, or empty. Then come chunks: a byte whose lowest bit is
+// the direction and whose others are the length, and the bytes.
 #include "common/failure.h"
 #include "common/text/json.h"
 #include "input.h"

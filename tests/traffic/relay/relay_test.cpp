@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <set>
 
@@ -261,6 +262,25 @@ TEST_F(RelayTest, WhatAKilledRelayHasLeftIsRestoredByTheNext) {
         EXPECT_EQ(Ask("{}"), R"({"ret":0})");
     }
     EXPECT_EQ(InodeOf(directory / kChannel), inode);
+}
+
+// Needs root, as the other tests that change the user.
+TEST_F(RelayTest, AnotherUserCannotHaveSocketsRestored) {
+    constexpr uid_t kOther = 4711;
+    const std::string file = directory / "hbbtvctl-relay.json";
+    const auto plant = [&] {
+        { RawListener ended(directory / kChannel); }
+        std::ofstream(file) << R"({"moved":true,"process":1,"program":"a friend"})";
+        ASSERT_EQ(chown(file.c_str(), kOther, kOther), 0);
+    };
+    const RawListener planted(directory / "service_plugin_to_hbbtv_vb_chn.relay");
+    const ino_t inode = InodeOf(directory / "service_plugin_to_hbbtv_vb_chn.relay");
+    plant();
+    EXPECT_EQ(LookForRelay(directory.Path()).problem, file + " belongs to another user: remove it");
+    EXPECT_THROW(Relay(Here(), [](const Record&) {}), Failure);
+    unlink(file.c_str());
+    { const RunningRelay relay(Here()); }
+    EXPECT_NE(InodeOf(directory / kChannel), inode);
 }
 
 }  // namespace
