@@ -232,15 +232,15 @@ TEST_F(RelayTest, ConnectionsFromBeforeAreNamedOrBroken) {
     RawConnection server = platform.Accept();
     {
         const RunningRelay relay(Here(), platform);
-        EXPECT_TRUE(relay.WaitForNote("1 connections to traffic_tests (" + std::to_string(getpid()) +
-                                      ") exist already and are not seen; --break ends them"));
+        EXPECT_TRUE(relay.WaitForNote("traffic_tests (" + std::to_string(getpid()) +
+                                      ") has 1 connection from before, not seen here; --break ends them"));
         caller.Write("still there");
         EXPECT_EQ(server.Read(11), "still there");
     }
     RelaySettings settings = Here();
     settings.breaks = true;
     const RunningRelay relay(settings);
-    EXPECT_TRUE(relay.WaitForNote("were ended"));
+    EXPECT_TRUE(relay.WaitForNote("ended 1 connection of traffic_tests"));
     EXPECT_TRUE(caller.PeerCloses());
     EXPECT_TRUE(server.PeerCloses());
 }
