@@ -28,6 +28,10 @@ std::vector<std::string> ServiceCommand() {
     return Shielded({ProgramDirectory() + "/vantorel.hardware.hbbtv@1.0-service"});
 }
 
+std::vector<std::string> MonitorCommand(const std::string& file) {
+    return Shielded({ProgramDirectory() + "/hbbtvctl", "monitor", "--stats", "--record", file});
+}
+
 std::string ServiceEnvironment() {
     return "HIDL_HOST_PASSTHROUGH_PATH=" + ProgramDirectory() + "/../lib";
 }

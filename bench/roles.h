@@ -22,6 +22,9 @@ std::vector<std::string> Shielded(const std::vector<std::string>& command);
 std::vector<std::string> RoleCommand(const std::string& role);
 std::vector<std::string> ServiceCommand();
 
+// Records to a file, which must not exist.
+std::vector<std::string> MonitorCommand(const std::string& file);
+
 // Returns the addition to the environment with which the service finds its implementation.
 std::string ServiceEnvironment();
 

@@ -76,10 +76,24 @@ bool AllServed(const ScratchDirectory& directory) {
            kFamilies;
 }
 
-// A service with its platform, and a client for each family.
+enum class Between { Nothing, Monitor };
+
+// Returns whether a monitor has the place of the platform's sockets in this directory.
+bool AllTaken(const ScratchDirectory& directory) {
+    std::filesystem::directory_iterator entries(directory.Path());
+    return std::count_if(begin(entries), end(entries),
+                         [](const auto& entry) { return entry.path().extension() == ".relay"; }) >= kFamilies;
+}
+
+// A service with its platform, a client for each family, and between service and platform a monitor that records, or
+// nothing.
 class Scene {
   public:
-    Scene() {
+    explicit Scene(Between between = Between::Nothing) {
+        if (between == Between::Monitor) {
+            mMonitor = std::make_unique<ChildProcess>(MonitorCommand(mDirectory / "traffic.ndjson"));
+            Expect(test::WaitFor([this] { return AllTaken(mDirectory); }), "starting the monitor");
+        }
         Expect(test::WaitFor([this] { return AllServed(mDirectory); }), "starting the service");
         for (int family = 0; family < kFamilies; ++family) {
             std::vector<std::string> command = RoleCommand(kClient);
@@ -103,6 +117,9 @@ class Scene {
         return sum;
     }
 
+    // Returns whether the monitor has seen the calls.
+    bool Recorded() const { return std::filesystem::file_size(mDirectory / "traffic.ndjson") > (1u << 20); }
+
     double ResidentKiB() const { return static_cast<double>(test::UsageOf(mService.Pid()).residentKiB); }
 
     // Returns the resident memory for each connection of a platform that has sent an event.
@@ -112,6 +129,7 @@ class Scene {
     const ScratchDirectory mDirectory;
     ChildProcess mPlatform{RoleCommand(kLibraryPlatform)};
     ChildProcess mService{ServiceCommand(), {ServiceEnvironment()}};
+    std::unique_ptr<ChildProcess> mMonitor;
     std::vector<std::unique_ptr<ChildProcess>> mClients;
 };
 
@@ -154,16 +172,22 @@ double StartMilliseconds() {
 std::vector<Row> ServiceRows() {
     std::vector<Measurement> measurements;
     Scene scene;
+    Scene monitored(Between::Monitor);
     const char* const kOne = "calls over HIDL, 1 client, all processors";
+    const char* const kAll = "18 clients, each of its own family";
     measurements = {
         {kOne, Unit::kPerSecond, "", {}, [&] { return scene.CallsPerSecond(1); }},
-        {"18 clients, each of its own family", Unit::kPerSecond, kOne, Target{true, 1.6},
-         [&] { return scene.CallsPerSecond(kFamilies); }},
+        {kAll, Unit::kPerSecond, kOne, Target{true, 1.6}, [&] { return scene.CallsPerSecond(kFamilies); }},
+        {"the 1 client, while a monitor records", Unit::kPerSecond, kOne, Target{true, 1 / 1.9},
+         [&] { return monitored.CallsPerSecond(1); }},
+        {"the 18 clients, while a monitor records", Unit::kPerSecond, kAll, Target{true, 1 / 1.5},
+         [&] { return monitored.CallsPerSecond(kFamilies); }},
         {"service, resident, all families used", Unit::kKiB, "", Target{false, 10240},
          [&] { return scene.ResidentKiB(); }},
         {"service, until all names are served", Unit::kMilliseconds, "", Target{false, 60}, StartMilliseconds},
     };
     Run(measurements, kRounds);
+    Expect(monitored.Recorded(), "the monitor's recording");
     // At the end, since it keeps some of the memory.
     std::vector<Measurement> last = {{"service, resident per further connection", Unit::kKiB, "", Target{false, 24},
                                       [&] { return scene.KiBPerConnection(); }}};

@@ -68,9 +68,7 @@ std::vector<std::string> Command(const std::string& folder, const std::string& p
 class PageRun {
   public:
     PageRun(const std::string& folder, const std::string& page, const std::string& picture)
-        : mBrowser({HBBTV_BROWSER_PROGRAM, "--serve", folder, page + ".html", "--alone", "--console", "--timeout",
-                    "60s", "--until", "window.__result", "--print", "window.__result.failed", "--screenshot",
-                    picture}) {}
+        : mBrowser(Command(folder, page, picture)) {}
 
     // Sends the page's commands to the platform until the browser has ended. Returns its exit code.
     std::optional<int> FollowToEnd() {

@@ -9,11 +9,13 @@
 #include <thread>
 #include <vector>
 
+#include "event_connection.h"
 #include "family_calls.h"
 #include "raw_listener.h"
 #include "raw_socket.h"
 #include "scratch_directory.h"
 #include "system.h"
+#include "wire/endpoint.h"
 
 namespace hbbtv::test {
 
@@ -23,6 +25,7 @@ using vantorel::hardware::hbbtv::V1_0::IVideoBroadcast;
 using Clock = std::chrono::steady_clock;
 
 constexpr int64_t kVb = 0x1000;
+constexpr char kReply0[] = R"({"ret": 0})";
 
 TEST(ReplyTimeoutOfTheService, EndsTheCallClosesTheConnectionAndTheNextCallIsAnswered) {
     const ScratchDirectory directory;
@@ -80,6 +83,37 @@ TEST(ReplyTimeoutOfTheService, EndsTheCallsOfAllWhoWaitForASilentFamily) {
     EXPECT_LT(platform.Frames().size(), 10u);
     platform.SetReply(R"({"ret": 5})");
     EXPECT_EQ(Make(kFamilyCalls[0]), 5);
+}
+
+// Registrations wait for each other, and so does the death of a client. None waits for longer than the time.
+TEST(ReplyTimeoutOfTheService, EndsRegistrationsAndForgetsAClientThatDiesMeanwhile) {
+    const ScratchDirectory directory;
+    FakePlatform platform("service_plugin_to_hbbtv_vb", [](const Frame&) { return std::nullopt; });
+    ServiceProcess service("TOLM_REPLY_TIMEOUT_MS=300");
+    ASSERT_NE(FindVideoBroadcast(), nullptr);
+    RegisteredClient client;
+    ASSERT_TRUE(platform.WaitForFrames(1));
+    constexpr FamilyCall kRegister{"video_broadcast", "IVideoBroadcast", "RegisterCallback", R"([4096, "@listen", 1])"};
+    constexpr FamilyCall kUnregister{"video_broadcast", "IVideoBroadcast", "UnregisterCallback", "[4096]"};
+    std::vector<std::thread> callers;
+    std::atomic<int> failed{0};
+    for (const FamilyCall& call : {kUnregister, kUnregister, kUnregister, kRegister, kRegister, kRegister}) {
+        callers.emplace_back([&failed, call] { failed += Make(call) == -1; });
+    }
+    client.Kill();
+    for (std::thread& caller : callers) caller.join();
+    EXPECT_EQ(failed, 6);
+    EXPECT_TRUE(service.WaitForOutput("no turn for vantorel.hardware.hbbtv@1.0::IVideoBroadcastCallback"));
+    EXPECT_TRUE(service.WaitForOutput("client died"));
+    EXPECT_LT(platform.Frames().size(), 6u) << "those without a turn are not sent";
+
+    platform.SetReply(kReply0);
+    RegisteredClient next;
+    ASSERT_TRUE(next.Registered()) << next.Output();
+    const Endpoint endpoint = EventsOf(FindFamily("video_broadcast"));
+    EventConnection events(PathOf(directory.Path(), endpoint), endpoint.port);
+    ASSERT_TRUE(events.Send({R"({"type": "videobroadcast", "event": 7, "position": 7})"}));
+    EXPECT_TRUE(next.WaitForOutput("onPlayPositionChanged")) << next.Output();
 }
 
 }  // namespace

@@ -106,6 +106,23 @@ TEST_F(ReplayOfTheDemo, AsTheLibraryFindsNoDifference) {
     EXPECT_THAT(replay.output, HasSubstr("0 not in the recording, 0 replied differently, "));
 }
 
+TEST_F(ReplayOfTheDemo, AsAPlayHoldsOnAnotherPlatform) {
+    const std::string walk = mDirectory / "walk.play";
+    FinishedRun play;
+    for (auto minute = Minute() - std::chrono::minutes(1); minute != Minute();) {
+        minute = Minute();
+        unlink(File().c_str());
+        ASSERT_NO_FATAL_FAILURE(Record());
+        ASSERT_EQ(Ctl({"show", File(), "--walk", walk}).exit, 0);
+        SimulatedPlatform platform;
+        ASSERT_TRUE(platform.Ready()) << platform.Output();
+        ServiceProcess service;
+        ASSERT_TRUE(WaitFor([] { return Ctl({"call", "IChannelConfig.GetCurrentChannel"}).exit == 0; }));
+        play = Ctl({"play", walk});
+    }
+    EXPECT_EQ(play.exit, 0) << play.Text() << ReadFile(walk);
+}
+
 }  // namespace
 
 }  // namespace hbbtv::test

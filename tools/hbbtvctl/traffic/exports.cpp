@@ -8,6 +8,7 @@
 #include "common/failure.h"
 #include "traffic/export/pcapng.h"
 #include "traffic/export/perfetto.h"
+#include "traffic/walk.h"
 
 namespace hbbtv::ctl {
 
@@ -60,14 +61,18 @@ std::vector<CLI::Option*> AddExports(CLI::App& command, ExportOptions& options) 
     return {command.add_option("--pcapng", options.pcapng, "Write the messages to this file, for Wireshark")
                 ->type_name("FILE"),
             command.add_option("--perfetto", options.perfetto, "Write a trace to this file, for Perfetto's page")
+                ->type_name("FILE"),
+            command.add_option("--walk", options.walk, "Write a file for hbbtvctl play that expects what was recorded")
                 ->type_name("FILE")};
 }
 
 void WriteExport(const ExportOptions& options, traffic::Selection& selection, bool live) {
-    OutputFile file(options.pcapng.empty() ? options.perfetto : options.pcapng);
+    OutputFile file(options.File());
     const auto write = [&file](const std::string& bytes) { file.Write(bytes); };
     if (!options.pcapng.empty()) {
         WriteAll(traffic::PcapngWriter(selection.Head(), live ? 0 : kWindow, write), file, selection, live);
+    } else if (!options.walk.empty()) {
+        WriteAll(WalkWriter(selection.Head(), write), file, selection, live);
     } else {
         WriteAll(traffic::PerfettoWriter(selection.Head(), write), file, selection, live);
     }

@@ -12,8 +12,10 @@ namespace hbbtv::ctl {
 struct ExportOptions {
     std::string pcapng;  // names of files; "-" is standard output
     std::string perfetto;
+    std::string walk;
 
-    bool Any() const { return !pcapng.empty() || !perfetto.empty(); }
+    // Returns the name of the file, or an empty string.
+    std::string File() const { return pcapng + perfetto + walk; }
 };
 
 // Returns the options, which exclude each other.

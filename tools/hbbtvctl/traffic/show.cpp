@@ -159,7 +159,7 @@ int Run(ShowOptions options) {
     if (!options.diff.empty()) return ShowDifference(options, selection);
     if (options.stats) return ShowStatistics(selection, options.json);
     if (!options.record.empty()) return WriteRecording(selection, options.record);
-    if (options.exports.Any()) {
+    if (!options.exports.File().empty()) {
         WriteExport(options.exports, selection, options.selection.path == "-");
         ReportProblems(selection);
         return kDone;
