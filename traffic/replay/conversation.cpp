@@ -18,7 +18,8 @@ uint64_t TimeOf(const Record& record) {
 Exchange ExchangeOf(Record record) {
     Exchange exchange{std::move(record), 0, {}, false};
     exchange.begin = TimeOf(exchange);
-    if (exchange.reply) exchange.end = exchange.begin + exchange.duration.value_or(0);
+    const uint64_t duration = exchange.duration.value_or(0);
+    if (exchange.reply) exchange.end = exchange.begin + std::min(duration, UINT64_MAX - exchange.begin);
     return exchange;
 }
 

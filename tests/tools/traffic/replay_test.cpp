@@ -208,6 +208,16 @@ TEST_F(ReplayAsTheLibrary, ReportsOtherRepliesAndEventsThatDoNotCome) {
                                        "    it did not come\n"));
 }
 
+TEST_F(ReplayAsTheLibrary, NeedsTheSocketsOfTheLibraryOnlyForRecordedEvents) {
+    const Descriptor service(ListenOn(mDirectory / kChannelConfigEvents));
+    const FinishedRun refused = Ctl({"replay", File(), "--as", "library"});
+    EXPECT_EQ(refused.exit, 2);
+    EXPECT_THAT(refused.errors, HasSubstr("another process serves it"));
+    const std::string requests = mDirectory / "requests.ndjson";
+    ASSERT_EQ(Ctl({"show", File(), "--filter", "!event", "--record", requests}).exit, 0);
+    EXPECT_EQ(Ctl({"replay", requests, "--as", "library"}).exit, 0);
+}
+
 TEST_F(ReplayAsTheLibrary, ReportsThatThePlatformDoesNotReply) {
     mPlatform->Signal(SIGSTOP);
     const FinishedRun run = Ctl({"replay", File(), "--as", "library", "--timeout", "50ms", "--json"});

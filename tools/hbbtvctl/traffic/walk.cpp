@@ -154,7 +154,7 @@ void WalkWriter::Finish() {
         RegisterBefore(i);
         const uint64_t time = mRecords[i].time.Wall();
         if (mRecords[i].event) {
-            WriteEvent(mRecords[i], time - before);
+            WriteEvent(mRecords[i], time > before ? time - before : 0);
         } else {
             WriteRequest(mRecords[i]);
         }
