@@ -191,6 +191,14 @@ TEST(Browser, SaysWhyAPageCannotBeLoaded) {
     EXPECT_EQ(refused.errors, "hbbtv-browser: cannot load http://127.0.0.1:1/: net::ERR_UNSAFE_PORT\n");
 }
 
+TEST(Browser, SaysThatAFileIsNotAPage) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const FinishedRun run = BrowserSystem::Run({system.Write("file.bin", std::string(100, '\0')), "--print", "1"});
+    EXPECT_EQ(run.exit, kUnavailable);
+    EXPECT_EQ(run.errors, "hbbtv-browser: cannot load http://files.localhost/file.bin: it is not a page\n");
+}
+
 TEST(Browser, SaysThatAConditionHasNotComeTrue) {
     const BrowserSystem system;
     ASSERT_TRUE(system.ready);
