@@ -12,7 +12,6 @@ const toJson = JSON.stringify;
 let documentIsLeft = false;
 window.addEventListener('pagehide', () => { documentIsLeft = true; }, true);
 window.addEventListener('pageshow', () => { documentIsLeft = false; }, true);
-window.addEventListener('unload', () => { documentIsLeft = true; }, true);
 window.addEventListener('beforeunload', () => {
     documentIsLeft = true;
     setTimeout(() => { documentIsLeft = false; });
@@ -63,7 +62,7 @@ function tellPlatform(method, args) {
     return callPlatform(method, args) !== null;
 }
 
-// Asks the host itself, see "Requests to the host" in docs/browser.md.
+// Asks the host itself: docs/browser.md lists what it answers.
 function askHost(name, args) {
     return exchangeCalls([{host: name, arguments: args || {}}])[0] || {};
 }
