@@ -178,6 +178,22 @@ void WriteHttp(Folder folder) {
     folder.Add("POST /ask HTTP/1.0\r\nTransfer-Encoding: chunked\r\nOrigin: null\r\n\r\n0\r\n\r\n");
 }
 
+void WriteRelay(Folder folder) {
+    const auto chunk = [](bool toCaller, const std::string& bytes) {  // of at most 128 bytes
+        return static_cast<char>((bytes.size() - 1) * 2 + (toCaller ? 1 : 0)) + bytes;
+    };
+    const std::string request = Encode({kRequest, 2, R"({"c_handle":"0x1000","method":13,"type":12})"});
+    const std::string reply = Encode({kReply, 2, R"({"name":"arte","ret":0})"});
+    const std::string exchange =
+        chunk(false, request.substr(0, 20)) + chunk(false, request.substr(20)) + chunk(true, reply);
+    for (const char* rule : {"", "op:GetName drop", "on=reply set=name:1", "p=0.5 seed=7 corrupt=3", "answer={}", "cut",
+                             "family:channel & !event delay=2s count=3", "remove all"}) {
+        folder.Add(std::string(rule) + "\n" + exchange + exchange);
+    }
+    folder.Add("duplicate\n" + exchange + chunk(true, reply) + chunk(false, "these bytes are not a message"));
+    folder.Add("hold\n" + chunk(false, Encode({kOneWay, 2, "[]"}) + Encode({77, 2, ""})) + chunk(true, "cut"));
+}
+
 // The names that messages have, for libFuzzer's own mutations.
 void WriteWords(const std::string& file) {
     std::set<std::string> words;
@@ -203,6 +219,7 @@ void WriteAll(const std::string& directory) {
     WriteSessions({directory, "session"});
     WriteRequests({directory, "simulator"});
     WriteHttp({directory, "http"});
+    WriteRelay({directory, "relay"});
     Folder files(directory, "files");
     for (const std::string& input : FileSeeds()) files.Add(input);
     Folder values(directory, "values");

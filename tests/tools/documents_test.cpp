@@ -97,6 +97,10 @@ TEST_F(Documents, OfPlaysShowWhatHappens) {
     RunExamplesOf(document, 6);
 }
 
+TEST_F(Documents, OfATelevisionThatGoesWrongShowsWhatHappens) {
+    RunExamplesOf(ReadFile(std::string(HBBTV_SOURCE_DIR) + "/docs/something-goes-wrong.md"), 17);
+}
+
 TEST_F(Documents, ReadmeShowsWhatHappens) {
     RunExamplesOf(ReadFile(std::string(HBBTV_SOURCE_DIR) + "/README.md"), 3);
 }

@@ -35,6 +35,18 @@ bool IsAt(int fd, const std::string& path) {
            open.st_dev == named.st_dev;
 }
 
+// In a directory that others may write, they must not decide which sockets are restored. A file that is not of this
+// user, nor of root, is not a relay's.
+bool IsTrusted(int fd) {
+    struct stat status {};
+    return fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && (status.st_uid == geteuid() || status.st_uid == 0);
+}
+
+bool IsEmpty(int fd) {
+    struct stat status {};
+    return fstat(fd, &status) == 0 && status.st_size == 0;
+}
+
 std::string Read(int fd) {
     std::string text;
     char bytes[4096];
@@ -100,7 +112,9 @@ int OpenLocked(const std::string& directory, const std::string& path) {
             throw Failure(kUnavailable, HolderIn(Content(file.Get())) + " already passes on the sockets in " +
                                             directory + ": only one can");
         }
-        if (IsAt(file.Get(), path)) return file.Release();
+        if (!IsAt(file.Get(), path)) continue;
+        if (IsTrusted(file.Get())) return file.Release();
+        throw Failure(kUsage, path + " belongs to another user: remove it, or use another directory");
     }
 }
 
@@ -116,7 +130,7 @@ Claim::Claim(const std::string& directory, const std::string& program, bool move
       mMoved(moved),
       mPath(PathOfFile(directory)),
       mFile(OpenLocked(directory, mPath)) {
-    mRestored = RestoreAll(directory, Content(mFile.Get()));
+    if (!IsEmpty(mFile.Get())) mRestored = RestoreAll(directory, Content(mFile.Get()));
     Write();
 }
 
@@ -158,6 +172,10 @@ RelayFound LookForRelay(const std::string& directory) {
     }
     if (!IsAt(file.Get(), path)) return found;  // it has just ended
     found.name = HolderIn(content);
+    if (!IsTrusted(file.Get())) {
+        found.problem = path + " belongs to another user: remove it";
+        return found;
+    }
     found.restored = RestoreAll(directory, content);
     unlink(Claim::ControlPath(directory).c_str());
     if (unlink(path.c_str()) != 0) found.problem = "cannot remove " + path + ": " + std::strerror(errno);

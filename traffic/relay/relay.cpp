@@ -18,6 +18,7 @@
 #include "common/failure.h"
 #include "common/local_socket.h"
 #include "common/process.h"
+#include "common/text/counted.h"
 #include "common/text/json.h"
 #include "traffic/relay/claim.h"
 #include "traffic/relay/control.h"
@@ -151,14 +152,14 @@ void Relay::Body::SayExisting(bool breaks) {
         }
     }
     for (const auto& [process, count] : counts) {
-        const std::string which = std::to_string(count) + " connections to " + process;
-        mRecorder.Note(breaks ? which + " were ended, so that they are made again through the relay"
-                              : which + " exist already and are not seen; --break ends them",
+        const std::string which = Counted(count, "connection");
+        mRecorder.Note(breaks ? "ended " + which + " of " + process + ", to be made again through the relay"
+                              : process + " has " + which + " from before, not seen here; --break ends them",
                        "");
     }
     for (const auto& [failure, count] : failures) {
-        mRecorder.Note(std::to_string(count) + " connections exist already and are not seen; they cannot be ended: " +
-                           failure + "; restart one side",
+        mRecorder.Note(Counted(count, "connection") + " from before, not seen here, cannot be ended: " + failure +
+                           "; restart one side",
                        "");
     }
 }

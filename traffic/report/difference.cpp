@@ -41,10 +41,10 @@ std::string Change(const Operation* before, const Operation* after) {
     const uint64_t old = before->durations.Percentile(0.5);
     const uint64_t current = after->durations.Percentile(0.5);
     if (old == 0 || current == 0) return "";
-    char text[32];
     const double ratio = static_cast<double>(current) / static_cast<double>(old);
     if (ratio > 0.8 && ratio < 1.25) return "";
-    std::snprintf(text, sizeof(text), "%.1f times", ratio);
+    char text[48];
+    std::snprintf(text, sizeof(text), "%.1f times as %s", ratio > 1 ? ratio : 1 / ratio, ratio > 1 ? "slow" : "fast");
     return text;
 }
 

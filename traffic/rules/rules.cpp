@@ -5,6 +5,7 @@
 
 #include "common/failure.h"
 #include "common/frame.h"
+#include "common/text/counted.h"
 #include "common/text/printable.h"
 #include "common/text/quote.h"
 #include "traffic/understanding/frame_walk.h"
@@ -118,7 +119,8 @@ Verdict Rules::Apply(const Record& record, bool reply, const std::string& bytes)
 std::string Rules::List() const {
     std::ostringstream text;
     for (const auto& [number, entry] : mRules) {
-        text << number << "  " << Printable(entry.rule.text) << "  (applied " << entry.applied << " times)\n";
+        text << number << "  " << Printable(entry.rule.text) << "  (applied " << Counted(entry.applied, "time")
+             << ")\n";
     }
     return mRules.empty() ? "no rules\n" : text.str();
 }
@@ -127,7 +129,7 @@ std::string Rules::Go() {
     std::vector<std::function<void()>> held;
     held.swap(mHeld);
     for (const auto& function : held) function();
-    return std::to_string(held.size()) + " messages let go\n";
+    return Counted(held.size(), "message") + " let go\n";
 }
 
 std::string Rules::Remove(const std::string& number) {

@@ -106,8 +106,8 @@ std::string DurationText(uint64_t microseconds) {
 std::string MembersText(const Record& record, const Message& message, const Names& names) {
     if (!message.Readable()) return message.raw.empty() && message.size == 0 ? "" : BytesText(message.raw);
     if (!message.json.isObject()) return Shortened(WriteJson(message.json));
-    std::vector<std::string> hidden = EnvelopeKeys(record);
-    if (&message != &record.message) hidden = {"ret"};
+    static const std::vector<std::string> status{"ret"};
+    const std::vector<std::string>& hidden = &message == &record.message ? EnvelopeKeys(record) : status;
     std::string text;
     size_t shown = 0;
     size_t more = 0;

@@ -43,18 +43,23 @@ const Json::Value* ProtocolEntry(const Record& record) {
     return found == entries.end() ? nullptr : found->second;
 }
 
-std::vector<std::string> EnvelopeKeys(const Record& record) {
-    std::vector<std::string> keys;
-    if (record.operation.empty()) return keys;
-    const auto& families = WireFamilies();
-    const auto family = std::find_if(families.begin(), families.end(),
-                                     [&record](const WireFamily& one) { return one.name == record.family; });
-    if (family == families.end()) return keys;
-    const Json::Value& envelope = family->protocol[record.event ? "event_envelope" : "envelope"];
-    for (const char* part : {"type", "code"}) {
-        if (envelope.isObject() && envelope[part].isObject()) keys.push_back(envelope[part]["key"].asString());
-    }
-    return keys;
+const std::vector<std::string>& EnvelopeKeys(const Record& record) {
+    static const auto all = [] {
+        std::map<std::pair<std::string, bool>, std::vector<std::string>> map;
+        for (const WireFamily& family : WireFamilies()) {
+            for (const bool events : {false, true}) {
+                const Json::Value& envelope = family.protocol[events ? "event_envelope" : "envelope"];
+                for (const char* part : {"type", "code"}) {
+                    if (!envelope.isObject() || !envelope[part].isObject()) continue;
+                    map[{family.name, events}].push_back(envelope[part]["key"].asString());
+                }
+            }
+        }
+        return map;
+    }();
+    static const std::vector<std::string> none;
+    const auto found = record.operation.empty() ? all.end() : all.find({record.family, record.event});
+    return found == all.end() ? none : found->second;
 }
 
 std::optional<uint64_t> HandleIn(const Json::Value& value) {

@@ -16,7 +16,7 @@ namespace hbbtv::traffic {
 const Json::Value* ProtocolEntry(const Record& record);
 
 // Returns the keys that identify the operation, such as "type" and "method"; none if it is unknown.
-std::vector<std::string> EnvelopeKeys(const Record& record);
+const std::vector<std::string>& EnvelopeKeys(const Record& record);
 
 // Returns the handle that a string is: 0x and at most 16 hexadecimal digits, nothing else, and not null.
 std::optional<uint64_t> HandleIn(const Json::Value& value);

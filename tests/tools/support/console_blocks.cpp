@@ -25,6 +25,7 @@ std::string Steady(std::string line) {
          "\"$1\":N"},
         {std::regex("[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{6}"), "CLOCK"},
         {std::regex("[0-9]+\\.[0-9]{3} ms"), "N ms"},
+        {std::regex("[0-9]+\\.[0-9]{3} s"), "N s"},
         {std::regex("[0-9]+\\.[0-9] s: [0-9]+ calls, [0-9]+ per second"), "N s: N calls, N per second"},
         {std::regex("\\([0-9]{2,}\\)"), "(PROCESS)"},
         {std::regex("[0-9]+ of 107 bytes"), "N of 107 bytes"},

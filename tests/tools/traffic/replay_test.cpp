@@ -8,6 +8,7 @@
 #include "common/local_socket.h"
 #include "ctl.h"
 #include "traffic/record/recording.h"
+#include "wire/connection.h"
 
 namespace hbbtv::test {
 
@@ -46,6 +47,10 @@ class Replay : public Alone {
             record.duration = duration;
         }
         Identify(record, socket);
+        Append(record);
+    }
+
+    void Append(const traffic::Record& record) {
         if (!mWriter) mWriter = std::make_unique<traffic::RecordingWriter>(File(), traffic::RecordingHead());
         ASSERT_EQ(mWriter->Write(record), "");
     }
@@ -159,6 +164,32 @@ TEST_F(Replay, SendsAnEventAfterTheExchangeThatTheRecordingHasBeforeIt) {
     EXPECT_THAT(platform->Output(), HasSubstr(R"("events":1,"events_replayed":1,)"));
 }
 
+TEST_F(Replay, AnswersOnSocketsOfUnknownFamiliesAndWithWhatIsNotJson) {
+    Recorded("service_of_tomorrow", R"({"new":1})", "\x01 not JSON");
+    Recorded("service_of_tomorrow", "\x02", R"({"ret":0})");
+    const auto platform = Platform();
+    WireConnection connection(mDirectory / "service_of_tomorrow");
+    connection.Send(Encode({kRequest, 2, "\x02"}), kPatience);
+    EXPECT_EQ(connection.Receive(kPatience).payload, "{\n\t\"ret\" : 0\n}\n");
+    connection.Send(Encode({kRequest, 2, R"({"new": 1})"}), kPatience);
+    EXPECT_EQ(connection.Receive(kPatience).payload, "\x01 not JSON");
+    connection.Send("\x05", kPatience);  // a header that is cut
+    EXPECT_EQ(End(*platform), 0);
+}
+
+// The other side ended before it had answered.
+TEST_F(Replay, ClosesTheConnectionWhereTheRecordingDoes) {
+    Recorded(kChannels, GetName("0x1"), "");
+    traffic::Record closed;
+    closed.kind = traffic::Record::Kind::Closed;
+    closed.connection = 1;
+    closed.time = TimeStamp(1700000000002000, 2000);
+    Append(closed);
+    const auto platform = Platform();
+    EXPECT_EQ(Name("0x1").exit, 6);
+    EXPECT_EQ(End(*platform), 0);
+}
+
 TEST_F(Replay, RefusesWhatIsNotARecordingAndSocketsThatAreServed) {
     EXPECT_EQ(Ctl({"replay", mDirectory / "none", "--as", "platform"}).exit, 2);
     WriteFile(File(), "{}\n");
@@ -206,6 +237,16 @@ TEST_F(ReplayAsTheLibrary, ReportsOtherRepliesAndEventsThatDoNotCome) {
                                        "    \"name\" is \"Uno\", in the recording \"Due\"\n"
                                        "missing: record 8, channel_config.changed reserved=\"B\"\n"
                                        "    it did not come\n"));
+}
+
+TEST_F(ReplayAsTheLibrary, NeedsTheSocketsOfTheLibraryOnlyForRecordedEvents) {
+    const Descriptor service(ListenOn(mDirectory / kChannelConfigEvents));
+    const FinishedRun refused = Ctl({"replay", File(), "--as", "library"});
+    EXPECT_EQ(refused.exit, 2);
+    EXPECT_THAT(refused.errors, HasSubstr("another process serves it"));
+    const std::string requests = mDirectory / "requests.ndjson";
+    ASSERT_EQ(Ctl({"show", File(), "--filter", "!event", "--record", requests}).exit, 0);
+    EXPECT_EQ(Ctl({"replay", requests, "--as", "library"}).exit, 0);
 }
 
 TEST_F(ReplayAsTheLibrary, ReportsThatThePlatformDoesNotReply) {

@@ -63,7 +63,7 @@ TEST_F(Bending, AHeldMessageComesWhenItIsLetGo) {
     RawConnection connection = Asking();
     ASSERT_TRUE(WaitFor([&] { return relay.Of().Open().size() == 1; }));
     EXPECT_EQ(platform.Frames().size(), 0u);
-    EXPECT_EQ(relay.Of().Tell("go"), "1 messages let go\n");
+    EXPECT_EQ(relay.Of().Tell("go"), "1 message let go\n");
     EXPECT_TRUE(connection.ReadFrame().has_value());
 }
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <set>
 
@@ -231,15 +232,15 @@ TEST_F(RelayTest, ConnectionsFromBeforeAreNamedOrBroken) {
     RawConnection server = platform.Accept();
     {
         const RunningRelay relay(Here(), platform);
-        EXPECT_TRUE(relay.WaitForNote("1 connections to traffic_tests (" + std::to_string(getpid()) +
-                                      ") exist already and are not seen; --break ends them"));
+        EXPECT_TRUE(relay.WaitForNote("traffic_tests (" + std::to_string(getpid()) +
+                                      ") has 1 connection from before, not seen here; --break ends them"));
         caller.Write("still there");
         EXPECT_EQ(server.Read(11), "still there");
     }
     RelaySettings settings = Here();
     settings.breaks = true;
     const RunningRelay relay(settings);
-    EXPECT_TRUE(relay.WaitForNote("were ended"));
+    EXPECT_TRUE(relay.WaitForNote("ended 1 connection of traffic_tests"));
     EXPECT_TRUE(caller.PeerCloses());
     EXPECT_TRUE(server.PeerCloses());
 }
@@ -261,6 +262,25 @@ TEST_F(RelayTest, WhatAKilledRelayHasLeftIsRestoredByTheNext) {
         EXPECT_EQ(Ask("{}"), R"({"ret":0})");
     }
     EXPECT_EQ(InodeOf(directory / kChannel), inode);
+}
+
+// Needs root, as the other tests that change the user.
+TEST_F(RelayTest, AnotherUserCannotHaveSocketsRestored) {
+    constexpr uid_t kOther = 4711;
+    const std::string file = directory / "hbbtvctl-relay.json";
+    const auto plant = [&] {
+        { RawListener ended(directory / kChannel); }
+        std::ofstream(file) << R"({"moved":true,"process":1,"program":"a friend"})";
+        ASSERT_EQ(chown(file.c_str(), kOther, kOther), 0);
+    };
+    const RawListener planted(directory / "service_plugin_to_hbbtv_vb_chn.relay");
+    const ino_t inode = InodeOf(directory / "service_plugin_to_hbbtv_vb_chn.relay");
+    plant();
+    EXPECT_EQ(LookForRelay(directory.Path()).problem, file + " belongs to another user: remove it");
+    EXPECT_THROW(Relay(Here(), [](const Record&) {}), Failure);
+    unlink(file.c_str());
+    { const RunningRelay relay(Here()); }
+    EXPECT_NE(InodeOf(directory / kChannel), inode);
 }
 
 }  // namespace

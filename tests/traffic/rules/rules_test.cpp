@@ -149,10 +149,10 @@ TEST_F(RulesTest, AreListedRemovedAndLetGoByCommands) {
     rules.Apply(record, false, bytes);
     int released = 0;
     rules.WhenLetGo([&released] { ++released; });
-    EXPECT_EQ(rules.Tell("go"), "1 messages let go\n");
+    EXPECT_EQ(rules.Tell("go"), "1 message let go\n");
     EXPECT_EQ(released, 1);
     rules.WhenLetGo([&released] { ++released; });
-    EXPECT_EQ(rules.Tell("rules"), "1  op:GetName hold  (applied 1 times)\n");
+    EXPECT_EQ(rules.Tell("rules"), "1  op:GetName hold  (applied 1 time)\n");
     EXPECT_EQ(rules.Tell("remove 1"), "no rules\n");
     EXPECT_EQ(released, 2) << "what a removed rule has held";
     EXPECT_FALSE(rules.Any());

@@ -102,7 +102,7 @@ TEST(Difference, ShowsWhatOnlyOneHasAndHowTimesChanged) {
         << text;
     EXPECT_NE(text.find("channel_config.changed  (only after)\n"), std::string::npos) << text;
     EXPECT_NE(text.find("       1       1       0      1     1.000    5.000     1.000    5.000  "
-                        "video_broadcast.SetChannel  (5.0 times)\n"),
+                        "video_broadcast.SetChannel  (5.0 times as slow)\n"),
               std::string::npos)
         << text;
     const Json::Value json = DifferenceJson(before, after);

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "common/process.h"
+#include "common/text/counted.h"
 #include "traffic/relay/claim.h"
 #include "traffic/relay/place.h"
 
@@ -62,7 +63,7 @@ Checks CheckRunning(const std::string& directory, const traffic::RelayFound& rel
     const std::optional<Json::Value> answer = traffic::AskRelay(directory);
     if (!answer || !(*answer)["sockets"].isArray() || !(*answer)["open"].isArray()) return {Silent(relay)};
     Checks checks;
-    const std::string finding = relay.name + " passes on " + std::to_string((*answer)["sockets"].size()) + " sockets";
+    const std::string finding = relay.name + " passes on " + Counted((*answer)["sockets"].size(), "socket");
     if (answer->isMember("rules")) {
         checks.push_back({"monitor", Check::Level::Warning, finding + " and does something to messages on purpose",
                           "end it, or remove its rules", kDone});
@@ -86,9 +87,8 @@ Checks CheckRelay(const std::string& directory) {
     }
     if (relay.name.empty()) return {};
     return {{"monitor", Check::Level::Warning,
-             relay.name + " was killed; " + std::to_string(relay.restored.size()) +
-                 " sockets that it had left have been restored",
-             "", kDone}};
+             relay.name + " was killed; restored " + Counted(relay.restored.size(), "socket") + " that it had left", "",
+             kDone}};
 }
 
 std::string PathOfOwner(const std::string& path) {

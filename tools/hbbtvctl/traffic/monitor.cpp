@@ -14,6 +14,7 @@
 #include "commands/commands.h"
 #include "common/failure.h"
 #include "common/interruption.h"
+#include "common/text/counted.h"
 #include "common/text/printable.h"
 #include "common/text/quote.h"
 #include "common/time_stamp.h"
@@ -79,12 +80,13 @@ void KeepRunning() {
 
 void SayStart(const traffic::Relay& relay, const traffic::RelaySettings& settings) {
     if (!relay.Restored().empty()) {
-        std::fprintf(stderr, "hbbtvctl: restored %zu sockets that a killed relay had left\n", relay.Restored().size());
+        std::fprintf(stderr, "hbbtvctl: restored %s that a killed monitor had left\n",
+                     Counted(relay.Restored().size(), "socket").c_str());
     }
     const std::string where =
         settings.platform.empty() ? settings.directory : settings.directory + " and " + settings.platform;
-    std::fprintf(stderr, "hbbtvctl: %zu sockets in %s; listening; press Ctrl-C to stop\n", relay.Sockets().size(),
-                 Printable(where).c_str());
+    std::fprintf(stderr, "hbbtvctl: %s in %s; listening; press Ctrl-C to stop\n",
+                 Counted(relay.Sockets().size(), "socket").c_str(), Printable(where).c_str());
 }
 
 // The thread of a relay, which restores the sockets at its end, whatever ends the wait.
