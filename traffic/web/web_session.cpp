@@ -50,6 +50,10 @@ Json::Value Ask(const std::string& directory, const std::string& question, const
     return answer;
 }
 
+const std::string& PlatformOf(const WebSettings& settings) {
+    return settings.platform.empty() ? settings.directory : settings.platform;
+}
+
 std::string SimulatorPath(const std::string& directory) {
     return directory + "/hbbtv_sim_control";
 }
@@ -115,7 +119,7 @@ void WebSession::Add(const Record& record) {
 
 HttpResponse WebSession::Get(const std::string& path) const {
     if (!path.empty()) return {404, "text/plain; charset=utf-8", "Not Found\n"};
-    return {200, "text/html; charset=utf-8", LivePage({mSettings.head, true, HasSimulator(mSettings.directory)})};
+    return {200, "text/html; charset=utf-8", LivePage({mSettings.head, true, HasSimulator(PlatformOf(mSettings))})};
 }
 
 HttpResponse WebSession::Post(const std::string& path, const std::string& json) const {
@@ -126,7 +130,7 @@ HttpResponse WebSession::Post(const std::string& path, const std::string& json) 
             return JsonResponse(Ask(mSettings.directory, wish["operation"].asString(), wish["members"]));
         }
         if (path == "simulator" && wish["command"].isString()) {
-            return JsonResponse(Command(mSettings.directory, wish["command"].asString()));
+            return JsonResponse(Command(PlatformOf(mSettings), wish["command"].asString()));
         }
     } catch (const std::exception& e) {
         return JsonResponse(Problem(e.what()));

@@ -131,6 +131,16 @@ TEST_F(FilePage, ShowsBytesThatAreNotJson) {
     EXPECT_TRUE(page.Evaluate("byId('copy').disabled").asBool());
 }
 
+TEST_F(FilePage, ShowsAnEventThatNoClientReceived) {
+    Record record = ChangedEvent();
+    record.message.type = kRequest;
+    record.reply = traffic::Message{kReply, 2, 5, {}, ""};
+    traffic::SetPayload(*record.reply, "null\n");
+    record.duration = 100;
+    Show(Numbered({record}));
+    page.Await("document.querySelector('.row.error .result')?.textContent === 'null'");
+}
+
 TEST_F(FilePage, IsUsedByKeyboard) {
     Show(Sample());
     page.Press("j");

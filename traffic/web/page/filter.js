@@ -155,7 +155,7 @@ const WORDS = {
   ruled: (row) => row.ruled,
 };
 
-const OTHER_FIELDS = ["family", "op", "operation", "handle", "pid", "process", "request.NAME", "reply.NAME"];
+const OTHER_FIELDS = ["family", "op", "handle", "app", "tab", "pid", "process", "request.NAME", "reply.NAME"];
 const EQUALITY = [":", "=", "==", "!="];
 const ORDER = [...EQUALITY, "<", ">", "<=", ">="];
 
@@ -215,6 +215,7 @@ function fieldTest(word, protocol) {
   if (field === "family") return familyTest(word, protocol);
   if (field === "op" || field === "operation") return operationTest(word, protocol);
   if (field === "handle") return handleTest(word);
+  if (field === "app" || field === "tab") return numberOfAnySideTest(word, `${field}id`);
   if (field === "pid" || field === "process") return processTest(word, field);
   if (field.startsWith("request.")) return memberTest(word, (record) => record.message, word.field.slice(8));
   if (field.startsWith("reply.")) return memberTest(word, (record) => record.reply, word.field.slice(6));
@@ -268,6 +269,15 @@ function handleTest(word) {
   const wanted = parseInt(digits[2].slice(-8), 16);
   return unlessInverted(word, ({row, record}) =>
     row.kind === "exchange" && (hasHandle(record.message?.json, wanted) || hasHandle(record.reply?.json, wanted)));
+}
+
+// Applications and tabs are numbers in members of one name.
+function numberOfAnySideTest(word, key) {
+  allow(word, EQUALITY);
+  const wanted = numberIn(word.value);
+  if (wanted === null) throw new FilterError(word.position, `"${word.value}" is not a number`);
+  const has = (message) => message?.json?.[key] === wanted;
+  return unlessInverted(word, ({record}) => has(record.message) || has(record.reply));
 }
 
 function processTest(word, field) {

@@ -5,7 +5,7 @@ const PRESETS = [
   ["All", ""], ["Errors", "error"], ["Slow", "ms>100"], ["Open", "open"], ["Events", "event"],
   ["Channel changes", "op:SetChannel | op:TOLM_VB_EVENT_CHANNEL* | op:TOLM_VB_EVENT_PLAY_STATE"],
   ["Applications", "family:application_manager | family:mtm"], ["Connections", "kind:connected | kind:closed"],
-  ["Without pings", "!op:Ping"],
+  ["Without pings", "!op:Ping"], ["Without hbbtvctl", "!process:hbbtvctl"],
 ];
 
 const VIEWS = ["rows", "ladder", "statistics", "television"];
@@ -46,6 +46,7 @@ class Page {
     document.title = `HbbTV traffic ${head.directory ?? ""}`.trim();
     this.presets = PRESETS.map(([name, text]) => element("button", {type: "button", title: text || "everything", onclick: () => this.filterBy(text)}, name));
     byId("presets").append(...this.presets);
+    this.markPreset("");
     byId("filter").addEventListener("input", () => this.filterTyped());
     byId("filter-form").addEventListener("submit", (event) => (event.preventDefault(), byId("rows").focus()));
     byId("span").addEventListener("click", () => this.setSpan(null));
@@ -132,7 +133,7 @@ class Page {
 
   async filterTyped() {
     const text = byId("filter").value;
-    this.presets.forEach((button, index) => button.setAttribute("aria-pressed", PRESETS[index][1] === text));
+    this.markPreset(text);
     try {
       const done = this.view.setFilter(text);
       byId("filter-error").textContent = "";
@@ -144,6 +145,10 @@ class Page {
       return;
     }
     this.afterSelection();
+  }
+
+  markPreset(text) {
+    this.presets.forEach((button, index) => button.setAttribute("aria-pressed", PRESETS[index][1] === text));
   }
 
   async setSpan(span) {

@@ -21,9 +21,12 @@ function textOfMembers(json, names, without) {
     .map(([key, value]) => `${key}=${shortText(value, names)}`).join(" ");
 }
 
+// A payload that is not an object. The reply to an event that no client received is null.
 function rawText(message) {
   if (!message) return "";
-  return message.json === undefined ? `${sizeText(message.size ?? 0)}, not JSON` : JSON.stringify(message.json);
+  if (message.json !== undefined) return JSON.stringify(message.json);
+  const text = atob(message.base64 ?? "").trim();
+  return /^[ -~]{1,40}$/.test(text) ? text : `${sizeText(message.size ?? 0)}, not JSON`;
 }
 
 // Of a connection, or of a note.

@@ -77,7 +77,7 @@ const ENVELOPE = new Set(["type", "method", "event", "ret", "context", "t"]);
 // Named by the operation: "GetCountryId" returns the country id.
 function remember(facts, members, record) {
   if (!members) return;
-  const subject = record.operation.replace(/^(Get|Set)/, "").replace(/([a-z])([A-Z])/g, "$1 $2").replace(/^Preferred /, "").toLowerCase();
+  const subject = record.operation.replace(/^(Get|Set)/, "").replace(/([a-z])([A-Z])|([A-Z])(?=[A-Z][a-z])/g, "$1$3 $2").replace(/^Preferred /, "").toLowerCase();
   const values = Object.entries(members).filter(([name]) => !ENVELOPE.has(name));
   if (values.length === 1) facts.set(subject, values[0][1]);
   else values.forEach(([name, value]) => facts.set(`${subject} ${name}`, value));
@@ -93,7 +93,7 @@ const QUESTIONS = ["channel_config.GetCurrentChannel", "configuration.GetPreferr
 const REMOTE = [["zap previous", "CH −"], ["key UP", "▲"], ["zap next", "CH +"], ["key LEFT", "◀"], ["key ENTER", "OK"],
   ["key RIGHT", "▶"], ["key BACK", "BACK"], ["key DOWN", "▼"], ["key TELETEXT", "TEXT"],
   ["key RED", " ", "red"], ["key GREEN", " ", "green"], ["key YELLOW", " ", "yellow"], ["key BLUE", " ", "blue"],
-  ...["1", "2", "3", "4", "5", "6", "7", "8", "9"].map((digit) => [`key ${digit}`, digit]), ["key PLAY_PAUSE", "⏯"], ["key 0", "0"], ["key STOP", "⏹"]];
+  ...["1", "2", "3", "4", "5", "6", "7", "8", "9"].map((digit) => [`key ${digit}`, digit]), ["key PLAY_PAUSE", "PLAY"], ["key 0", "0"], ["key STOP", "STOP"]];
 
 class TelevisionView {
   // `source` asks and commands; it has neither in a file.
@@ -115,13 +115,15 @@ class TelevisionView {
     if (this.asking) return;
     this.asking = true;
     this.problem = "";
-    for (const question of QUESTIONS) {
-      const answer = await this.source.ask(question, {});
-      if (answer.problem) this.problem ||= answer.problem;
-      else this.answered(question, {}, answer.reply);
-    }
+    for (const question of QUESTIONS) await this.askOne(question);
     this.asking = false;
     this.draw();
+  }
+
+  async askOne(question, members = {}) {
+    const answer = await this.source.ask(question, members);
+    if (answer.problem) this.problem ||= answer.problem;
+    else this.answered(question, members, answer.reply);
   }
 
   // Once for each channel.
@@ -129,8 +131,7 @@ class TelevisionView {
     const handle = this.store.television.channel;
     if (!handle || this.named === handle || this.store.names.of(handle)) return;
     this.named = handle;
-    const answer = await this.source.ask("channel.GetName", {c_handle: handle});
-    if (!answer.problem) this.answered("channel.GetName", {c_handle: handle}, answer.reply);
+    await this.askOne("channel.GetName", {c_handle: handle});
     this.draw();
   }
 
@@ -180,6 +181,9 @@ class TelevisionView {
     this.answerList.prepend(element("li", {className: problem || /^error/.test(answer) ? "error" : ""},
       element("code", {}, command), " ", problem || answer));
     while (this.answerList.children.length > 30) this.answerList.lastChild.remove();
+    // Without an object that presents it, no event reports another channel.
+    await this.askOne("channel_config.GetCurrentChannel");
+    this.draw();
   }
 }
 
