@@ -70,7 +70,7 @@ class Page {
   added() {
     const dropped = this.store.trim();
     if (dropped > 0) this.view.dropped(dropped);
-    this.view.takeAdded();
+    if (this.view.takeAdded()) this.again ??= setTimeout(() => (this.again = null, this.added()));
     this.changed();
   }
 

@@ -42,11 +42,12 @@ class View {
   takeAdded() {
     const begun = performance.now();
     const rows = this.store.rows;
+    const first = this.taken;
     for (; this.taken < rows.length; ++this.taken) {
       const row = rows[this.taken];
       if (row.place > this.limit) return false;
+      if (this.taken % 64 === 0 && this.taken > first && performance.now() - begun > SLICE) return true;
       if (this.selects(row)) this.shown.push(row);
-      if ((this.taken & 63) === 0 && performance.now() - begun > SLICE) return true;
     }
     return false;
   }
