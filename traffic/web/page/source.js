@@ -77,20 +77,18 @@ class LiveSource {
     stream.addEventListener("error", () => onState({connected: false}));
   }
 
-  ask(operation, members) {
-    return post("ask", {operation, members});
-  }
+  ask(operation, members) { return post("ask", {operation, members}); }
 
-  command(command) {
-    return post("simulator", {command});
-  }
+  command(command) { return post("simulator", {command}); }
 }
 
 // Returns the answer, or an object with the `problem`.
 async function post(path, content) {
   try {
     const response = await fetch(path, {
-      method: "POST", headers: {"Content-Type": "application/json"}, body: JSON.stringify(content),
+      method: "POST",
+      headers: {"Content-Type": "application/json"},
+      body: JSON.stringify(content),
     });
     return await response.json();
   } catch {

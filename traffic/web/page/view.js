@@ -8,7 +8,7 @@ class View {
     this.zone = minutesOf(settings.head.zone);
     this.zoneName = settings.head.zone || "UTC";
     this.shown = [];
-    this.taken = 0;  // rows of the store that have been looked at
+    this.taken = 0;         // rows of the store that have been looked at
     this.limit = Infinity;  // while paused: the place of the last row that is looked at
     this.filter = new Filter("", store.protocol);
     this.span = null;
@@ -27,8 +27,10 @@ class View {
     let [low, high] = [0, this.shown.length];
     while (low < high) {
       const middle = (low + high) >> 1;
-      if (this.shown[middle].place < row.place) low = middle + 1;
-      else high = middle;
+      if (this.shown[middle].place < row.place)
+        low = middle + 1;
+      else
+        high = middle;
     }
     return this.shown[low] === row ? low : -1;
   }
@@ -82,7 +84,5 @@ class View {
     return this.restart();
   }
 
-  pause(paused) {
-    this.limit = paused ? this.store.rows.at(-1)?.place ?? -1 : Infinity;
-  }
+  pause(paused) { this.limit = paused ? this.store.rows.at(-1)?.place ?? -1 : Infinity; }
 }
