@@ -87,7 +87,7 @@ Json::Value Command(const std::string& directory, const std::string& command) {
     return value;
 }
 
-Json::Value Counted(const char* what, uint64_t count) {
+Json::Value StateOf(const char* what, uint64_t count) {
     Json::Value value(Json::objectValue);
     value[what] = static_cast<Json::UInt64>(count);
     return value;
@@ -141,7 +141,7 @@ HttpResponse WebSession::Post(const std::string& path, const std::string& json) 
 StreamPart WebSession::Stream(uint64_t position) const {
     const RecordRing::Part records = mRing.After(position, kPartBytes);
     StreamPart part{"", records.position};
-    if (records.missing > 0) part.text = StateEvent(Counted("missing", records.missing));
+    if (records.missing > 0) part.text = StateEvent(StateOf("missing", records.missing));
     uint64_t number = records.position - records.lines.size();
     for (const auto& line : records.lines) {
         part.text += "id: " + std::to_string(++number) + "\nevent: record\ndata: " + *line + "\n\n";
@@ -152,7 +152,7 @@ StreamPart WebSession::Stream(uint64_t position) const {
 std::string WebSession::Tick() const {
     const std::vector<Record> open = mSettings.open ? mSettings.open() : std::vector<Record>();
     const uint64_t now = TimeStamp().Monotonic();
-    Json::Value state = Counted("open", open.size());
+    Json::Value state = StateOf("open", open.size());
     if (!open.empty()) {
         const uint64_t begun = open.front().time.Monotonic();
         state["oldest"] = open.front().family + "." + open.front().operation;
