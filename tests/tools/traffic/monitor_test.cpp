@@ -103,6 +103,19 @@ TEST_F(MonitorOfTheSystem, LeavesTheSystemAsItWasBySignals) {
     CurrentChannel();
 }
 
+// The simulated platform refuses to start while a process answers at its sockets.
+TEST_F(MonitorOfTheSystem, FollowsAPlatformThatIsKilledAndStartedAgain) {
+    const Monitor monitor;
+    const std::vector<std::string> request{"send", "channel_config.GetCurrentChannel"};
+    ASSERT_EQ(Ctl(request).exit, 0);
+    mPlatform->Kill();
+    EXPECT_TRUE(WaitFor([&] { return Ctl(request).exit == 3; })) << "as without the monitor";
+    mPlatform = std::make_unique<SimulatedPlatform>();
+    ASSERT_TRUE(mPlatform->Ready()) << mPlatform->Output();
+    const std::string seen = "platform hbbtv-sim (" + std::to_string(mPlatform->Pid()) + ")";
+    EXPECT_TRUE(WaitFor([&] { return Ctl(request).exit == 0 && monitor.Output().find(seen) != std::string::npos; }));
+}
+
 TEST_F(MonitorOfTheSystem, IsNotStoppedByATerminal) {
     Monitor monitor;
     monitor.Signal(SIGTSTP);
