@@ -113,6 +113,14 @@ TEST_F(Show, ReadsWhatCanBeReadAndNamesTheRest) {
     EXPECT_THAT(run.errors, HasSubstr(path + ":8: cut: the file ends in this line; skipped\n"));
 }
 
+TEST_F(Show, ReadsRecordingsThatWerePutTogether) {
+    const std::string path = mDirectory / "both.ndjson";
+    WriteFile(path, ReadFile(kSample) + ReadFile(kSample));
+    const FinishedRun run = Ctl({"show", path});
+    EXPECT_EQ(Lines(run.output).size(), 38u);
+    EXPECT_EQ(run.errors, "hbbtvctl: " + path + ":21: another recording begins; skipped\n");
+}
+
 TEST_F(Show, CountsTheLinesThatItDoesNotName) {
     const std::string path = mDirectory / "damaged.ndjson";
     std::string text = Lines(ReadFile(kSample))[0] + "\n";
