@@ -17,9 +17,12 @@ window.addEventListener('beforeunload', () => {
     setTimeout(() => { documentIsLeft = false; });
 }, true);
 
+// Documents of data: URLs and Chromium's own have no origin to call.
+const hasOrigin = /^https?:/.test(window.origin);
+
 // Returns the text of the answer, or '' if there is none.
 function exchange(body) {
-    if (documentIsLeft) return '';
+    if (documentIsLeft || !hasOrigin) return '';
     const request = new NativeRequest();
     try {
         request.open('POST', kCallPath, false);
