@@ -165,6 +165,21 @@ TEST_F(MonitorTest, WhatAKilledOneHasLeftIsRestoredByTheNextOneAndByDoctor) {
     }
 }
 
+TEST_F(MonitorTest, OneBetweenTwoDirectoriesLeavesNothingWhenItIsKilled) {
+    const FakePlatform platform(kChannel, R"({"ret":0})");
+    const std::string library = mDirectory / "library";
+    mkdir(library.c_str(), 0777);
+    const auto before = Sockets();
+    Monitor killed({"--between", library, mDirectory.Path()});
+    EXPECT_EQ(Ctl({"--directory", library, "send", "channel.GetName", "0x1"}).exit, 0);
+    killed.Kill();
+    for (const std::string& directory : {library, mDirectory.Path()}) {
+        EXPECT_THAT(Ctl({"--directory", directory, "doctor"}).output, HasSubstr(" was killed; restored "));
+    }
+    EXPECT_EQ(Sockets(), before);
+    EXPECT_TRUE(std::filesystem::is_empty(library));
+}
+
 TEST_F(MonitorTest, DoctorReportsOneThatIsStopped) {
     const FakePlatform platform(kChannel, "{}");
     Monitor monitor;
