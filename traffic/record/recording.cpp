@@ -114,7 +114,8 @@ std::optional<Record> RecordingReader::Next() {
         try {
             return mReader.Read(line);
         } catch (const std::runtime_error& e) {
-            Skip(mLines.Whole() ? e.what() : "cut: the file ends in this line");
+            const bool head = line.find("\"recording\":") != std::string::npos;
+            Skip(!mLines.Whole() ? "cut: the file ends in this line" : head ? "another recording begins" : e.what());
         }
     }
     return std::nullopt;

@@ -96,9 +96,11 @@ bool Selection::Selected(const Record& record) {
 
 std::optional<Record> Selection::Next() {
     while (std::optional<Record> record = mReader.Next()) {
+        const bool selected = Selected(*record);
+        // Also of the others, whose ids may be within strings of those that are selected.
         if (mRedaction) mRedaction->Apply(*record);
         if (mLearns) mNames.Learn(*record);
-        if (Selected(*record)) return record;
+        if (selected) return record;
     }
     return std::nullopt;
 }

@@ -100,7 +100,7 @@ uint64_t Durations::Percentile(double part) const {
         if (slot < kSteps) return slot;
         // The largest time of the slot.
         const size_t power = slot / kSteps - 1;
-        return std::min(mLongest, ((slot % kSteps + kSteps + 1) << power) - 1);
+        return std::min(mLongest, (static_cast<uint64_t>(slot % kSteps + kSteps + 1) << power) - 1);
     }
     return mLongest;
 }

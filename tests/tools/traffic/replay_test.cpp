@@ -55,6 +55,9 @@ class Replay : public Alone {
         ASSERT_EQ(mWriter->Write(record), "");
     }
 
+    // The next record begins a new file.
+    void StartFile() { mWriter.reset(); }
+
     std::string File() const { return mDirectory / "traffic.ndjson"; }
 
     std::unique_ptr<CtlProcess> Platform(std::vector<std::string> options = {}) const {
@@ -202,6 +205,30 @@ TEST_F(Replay, RefusesWhatIsNotARecordingAndSocketsThatAreServed) {
     const FinishedRun served = Ctl({"replay", File(), "--as", "platform"});
     EXPECT_EQ(served.exit, 2);
     EXPECT_THAT(served.errors, HasSubstr("another process serves it"));
+}
+
+// Two recordings, one as each side.
+TEST_F(Replay, AsTheLibraryReportsOtherTimesWithoutFailing) {
+    const auto recorded = [this](const std::string& start) {
+        Recorded("service_plugin_to_hbbtv_program", R"({"handle":"0x1","method":13,"type":5})",
+                 R"({"out_startTime":)" + start + R"(,"ret":0})");
+    };
+    recorded("1000");
+    const std::string before = mDirectory / "before.ndjson";
+    ASSERT_EQ(Ctl({"show", File(), "--record", before}).exit, 0);
+    ASSERT_EQ(unlink(File().c_str()), 0);
+    StartFile();
+    recorded("2000");
+    const auto platform = Platform();
+    const FinishedRun run = Ctl({"replay", before, "--as", "library"});
+    EXPECT_EQ(run.exit, 0) << run.Text();
+    EXPECT_EQ(run.output,
+              "clock: record 1, programme.GetStartTime handle=0x00000001\n"
+              "    \"out_startTime\" is 2000, in the recording 1000\n"
+              "replayed 1 of 1 request and 0 of 0 events\n"
+              "0 not in the recording, 0 replied differently, 1 with other times only, 0 did not come, "
+              "0 not delivered\n");
+    EXPECT_EQ(End(*platform), 0);
 }
 
 // A platform that shares no code with this project.

@@ -7,6 +7,7 @@
 #include "common/text/json.h"
 #include "sample_records.h"
 #include "scratch_directory.h"
+#include "wire/protocol.h"
 
 namespace hbbtv::traffic::test {
 namespace {
@@ -131,6 +132,40 @@ TEST_F(SelectionTest, RedactsWhatIdentifiesATelevision) {
     EXPECT_EQ(PayloadOf(*records[2].reply), "redacted");
     EXPECT_EQ(records[3].reply->json["serialNumber"], records[0].reply->json["serialNumber"]);
     EXPECT_EQ(records[1].message.json["channel"].asString(), "0x1388f0af") << "the rest stays";
+}
+
+TEST_F(SelectionTest, FiltersByWhatItThenRedacts) {
+    Write({Exchange("service_plugin_to_hbbtv_local_system", R"({"method":12,"type":6})",
+                    R"({"ret":0,"serialNumber":"DE-118842"})"),
+           GetName(R"({"name":"DE-118842","ret":0})"), GetName()});
+    SelectionSettings settings = Settings();
+    settings.redacted = true;
+    settings.filter = "op:GetName 118842";
+    Selection selection(settings);
+    const std::optional<Record> record = selection.Next();
+    ASSERT_TRUE(record);
+    EXPECT_EQ(record->reply->json["name"].asString(), "redacted-1") << "by an id of a record that is not selected";
+    EXPECT_FALSE(selection.Next());
+}
+
+// A member of protocol/ that looks like an identification of the television is redacted.
+TEST(Redaction, KnowsTheMembersOfTheProtocolThatIdentifyATelevision) {
+    size_t found = 0;
+    for (const WireFamily& family : WireFamilies()) {
+        for (const Json::Value& operation : family.protocol["operations"]) {
+            for (const Json::Value& member : operation["reply"]) {
+                const std::string key = member["key"].asString();
+                const std::string folded = FoldedName(key);
+                if (folded.find("serial") == std::string::npos && folded != "deviceid") continue;
+                ++found;
+                Record record = GetName();
+                record.reply->json[key] = "secret";
+                Redaction().Apply(record);
+                EXPECT_NE(record.reply->json[key].asString(), "secret") << family.name << " " << key;
+            }
+        }
+    }
+    EXPECT_EQ(found, 3u);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@ const kCallPath = '/.hbbtv/call';
 
 // Pages replace globals, so what is used after their first script is kept here.
 const NativeRequest = window.XMLHttpRequest;
+const {open: openRequest, send: sendRequest} = NativeRequest.prototype;
 const fromJson = JSON.parse;
 const toJson = JSON.stringify;
 
@@ -17,13 +18,16 @@ window.addEventListener('beforeunload', () => {
     setTimeout(() => { documentIsLeft = false; });
 }, true);
 
+// Documents of data: URLs and Chromium's own have no origin to call.
+const hasOrigin = /^https?:/.test(window.origin);
+
 // Returns the text of the answer, or '' if there is none.
 function exchange(body) {
-    if (documentIsLeft) return '';
+    if (documentIsLeft || !hasOrigin) return '';
     const request = new NativeRequest();
     try {
-        request.open('POST', kCallPath, false);
-        request.send(body);
+        openRequest.call(request, 'POST', kCallPath, false);
+        sendRequest.call(request, body);
         return request.status === 200 ? request.responseText : '';
     } catch (refused) {
         return '';
