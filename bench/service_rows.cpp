@@ -91,7 +91,7 @@ class Scene {
   public:
     explicit Scene(Between between = Between::Nothing) {
         if (between == Between::Monitor) {
-            mMonitor = std::make_unique<ChildProcess>(MonitorCommand(mDirectory / "traffic.ndjson"));
+            mMonitor = std::make_unique<ChildProcess>(MonitorCommand(mDirectory / kRecording));
             Expect(test::WaitFor([this] { return AllTaken(mDirectory); }), "starting the monitor");
         }
         Expect(test::WaitFor([this] { return AllServed(mDirectory); }), "starting the service");
@@ -114,11 +114,12 @@ class Scene {
             Expect(test::WaitFor([&] { return answer().find('\n') != std::string::npos; }), "a client");
             sum += std::stod(answer());
         }
+        LetMonitorFinish();
         return sum;
     }
 
     // Returns whether the monitor has seen the calls.
-    bool Recorded() const { return std::filesystem::file_size(mDirectory / "traffic.ndjson") > (1u << 20); }
+    bool Recorded() const { return std::filesystem::file_size(mDirectory / kRecording) > (1u << 20); }
 
     double ResidentKiB() const { return static_cast<double>(test::UsageOf(mService.Pid()).residentKiB); }
 
@@ -126,6 +127,17 @@ class Scene {
     double KiBPerConnection() const;
 
   private:
+    // What it has not written yet must not take time of the next measurement.
+    void LetMonitorFinish() const {
+        if (mMonitor == nullptr) return;
+        for (uintmax_t last = 0, size = 1; size != last;) {
+            last = size;
+            std::this_thread::sleep_for(milliseconds(20));
+            size = std::filesystem::file_size(mDirectory / kRecording);
+        }
+    }
+
+    static constexpr char kRecording[] = "traffic.ndjson";
     const ScratchDirectory mDirectory;
     ChildProcess mPlatform{RoleCommand(kLibraryPlatform)};
     ChildProcess mService{ServiceCommand(), {ServiceEnvironment()}};

@@ -1,7 +1,7 @@
 # Where things are installed, and how installed programs and libraries find each other. An installed tree works wherever
 # it is moved to: paths within it are relative to the file that contains them.
 #
-# Each rule names its component: service, client, wire, sim, ctl or doc.
+# Each rule names its component: service, client, wire, sim, browser, ctl or doc.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -91,6 +91,24 @@ function(install_manuals program manuals completions component)
         install(FILES ${completions}/${program}.fish
             DESTINATION ${data}/fish/vendor_completions.d COMPONENT ${component})
     endif()
+endfunction()
+
+# Writes manual page and completion scripts of a program from its help, and installs them. The target <name>_manual has
+# their directories as its properties MANUALS and COMPLETIONS.
+function(add_manual target component summary see_also)
+    set(manuals ${CMAKE_CURRENT_BINARY_DIR}/man)
+    set(completions ${CMAKE_CURRENT_BINARY_DIR}/completion)
+    add_custom_command(
+        OUTPUT ${manuals}/${target}.1
+        COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/cmake/write_manual.py
+                --program "${CMAKE_CROSSCOMPILING_EMULATOR};$<TARGET_FILE:${target}>"
+                --summary ${summary} --see-also ${see_also} --manuals ${manuals} --completions ${completions}
+        DEPENDS ${target} ${PROJECT_SOURCE_DIR}/cmake/write_manual.py
+        COMMENT "${target}: manual page and completion"
+        VERBATIM)
+    add_custom_target(${target}_manual ALL DEPENDS ${manuals}/${target}.1)
+    set_target_properties(${target}_manual PROPERTIES MANUALS ${manuals} COMPLETIONS ${completions})
+    install_manuals(${target} ${manuals} ${completions} ${component})
 endfunction()
 
 # Installs the documents and the wire protocol.

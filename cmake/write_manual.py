@@ -3,8 +3,8 @@
     write_manual.py --program PROGRAM --summary TEXT --see-also PAGE [--section N] --manuals DIRECTORY
                     [--completions DIRECTORY]
 
-PROGRAM may have an emulator before it: EMULATOR;PROGRAM. Its help is a description, "Usage:", "Options:", and paragraphs
-that begin with "Examples:", "Environment:" and "Exit codes:".
+PROGRAM may have an emulator before it: EMULATOR;PROGRAM. Its help is a description, "Usage:", "Positionals:", "Options:",
+and paragraphs: those that begin with "Examples:", "Environment:" and "Exit codes:", and further description.
 """
 
 import argparse
@@ -16,15 +16,15 @@ BASH = """# bash completion of {program}: source it, or install it for bash-comp
 _{function}() {{
     local word=$2
     case $3 in
-        {files}) compopt -o default ;;
-        {directories}) compopt -o dirnames ;;
-        {choices_of}) mapfile -t COMPREPLY < <(compgen -W '{choices}' -- "$word") ;;
-        {values}) ;;
+{cases}
         *) mapfile -t COMPREPLY < <(compgen -W '{options}' -- "$word") ;;
     esac
 }}
 complete -F _{function} {program}
 """
+
+
+TITLES = ("Environment", "Examples", "Exit codes")
 
 
 def parse(text):
@@ -37,14 +37,20 @@ def parse(text):
     # A purpose that does not fit beside its option is on the next line.
     for line in re.sub(r"\n {20,}", "  ", listed).splitlines():
         names, value, purpose = re.match(r"  (-\S+)(?: (\S+(?: \.\.\.)?))? {2,}(.*)", line).groups()
-        value, _, default = (value or "").removesuffix(" ...").partition("=")
+        value = (value or "").removesuffix(" ...")
+        default = ""
+        if "[" not in value:  # as in [URL=]DIR
+            value, _, default = value.partition("=")
         value, _, choices = value.partition(":")
+        choices = "" if choices == value else choices
         # The default directory is that of the user who reads the page.
         default = "$TMPDIR, or /tmp" if value == "DIR" and default else default
         options.append((names.split(","), value, choices.split("|") if choices else [],
                         purpose + (f" (default: {default})" if default else "")))
-    paragraphs = dict(paragraph.split(":", 1) for paragraph in footer.split("\n\n"))
-    return " ".join(head.split()), usage.split()[1:], options, paragraphs
+    parts = [paragraph.partition(":") for paragraph in footer.split("\n\n")]
+    paragraphs = {title: rest for title, _, rest in parts if title in TITLES}
+    more = ["".join(part) for part in parts if part[0] not in TITLES]
+    return " ".join(" ".join([head, *more]).split()), usage.split()[1:], options, paragraphs
 
 
 def roff(text):
@@ -54,7 +60,7 @@ def roff(text):
 
 def manual(given, version, description, arguments, options, paragraphs):
     name = roff(given.program.name)
-    synopsis = ["[\\fIOPTION\\fR]..." if word == "[OPTIONS]" else re.sub(r"(\w+)", r"\\fI\1\\fR", word)
+    synopsis = ["[\\fIOPTION\\fR]...\\&" if word == "[OPTIONS]" else re.sub(r"(\w+)", r"\\fI\1\\fR", word)
                 for word in arguments]
     lines = [f'.TH {name.upper()} {given.section} "" "{version}" "HbbTV service library"', ".SH NAME",
              f"{name} \\- {given.summary}", ".SH SYNOPSIS", f"\\fB{name}\\fR", *synopsis,
@@ -69,18 +75,23 @@ def manual(given, version, description, arguments, options, paragraphs):
     if "Examples" in paragraphs:
         lines += [".SH EXAMPLES", ".nf", roff(paragraphs["Examples"].lstrip("\n")), ".fi"]
     lines.append(".SH EXIT STATUS")
-    for code, meaning in re.findall(r"(\d) (.*?)(?:, (?=\d )|\.$)", " ".join(paragraphs["Exit codes"].split())):
+    # A line for each, or a sentence.
+    codes = re.findall(r"^ +(\d+)  (.*)", paragraphs["Exit codes"], re.MULTILINE) or re.findall(
+        r"(\d) (.*?)(?:, (?=\d )|\.$)", " ".join(paragraphs["Exit codes"].split()))
+    for code, meaning in codes:
         lines += [".TP", code, roff(meaning) + "."]
     page, section = given.see_also.strip(")").split("(")
     return "\n".join(lines + [".SH SEE ALSO", f"\\fB{roff(page)}\\fR({section})"]) + "\n"
 
 
 def bash(program, options):
-    def named(*kinds):
-        return "|".join(name for names, value, _, _ in options if value in kinds for name in names)
-    choosing = [(names, choices) for names, _, choices, _ in options if choices]
-    return BASH.format(program=program, function=program.replace("-", "_"), files=named("FILE"), directories=named("DIR"), choices_of=choosing[0][0][0],
-                       choices=" ".join(choosing[0][1]), values=named("TIME", "NUMBER", "FAULT", "COMMAND"),
+    kinds = {"FILE": "compopt -o default", "DIR": "compopt -o dirnames", "[URL=]DIR": "compopt -o dirnames"}
+    cases = []
+    for names, value, choices, _ in options:
+        offer = f"mapfile -t COMPREPLY < <(compgen -W '{' '.join(choices)}' -- \"$word\")" if choices else kinds.get(value)
+        if value:
+            cases.append(f"        {'|'.join(names)}) {f'{offer} ' if offer else ''};;")
+    return BASH.format(program=program, function=program.replace("-", "_"), cases="\n".join(cases),
                        options=" ".join(name for names, _, _, _ in options for name in names))
 
 
@@ -88,8 +99,9 @@ def zsh(program, options):
     lines = [f"#compdef {program}", f"# zsh completion of {program}: install it as _{program} in a directory of $fpath.",
              "_arguments -s \\"]
     for names, value, choices, purpose in options:
+        value = value.replace("[URL=]", "")
         purpose = re.sub(r"([\[\]:\\])", r"\\\1", purpose).replace("'", "'\\''")
-        action = "_files" if value == "FILE" else "_files -/" if value == "DIR" else f"({' '.join(choices)})"
+        action = "_files" if value == "FILE" else "_files -/" if value.endswith("DIR") else f"({' '.join(choices)})"
         for name in names:
             lines.append(f"    '{name}[{purpose}]{f':{value}:{action}' if value else ''}' \\")
     return "\n".join(lines).removesuffix(" \\") + "\n"
@@ -101,7 +113,7 @@ def fish(program, options):
     for names, value, choices, purpose in options:
         words = " ".join(f"-l {name[2:]}" if name.startswith("--") else f"-s {name[1:]}" for name in names)
         needs = " -r" if value else ""
-        offers = " -F" if value in ("FILE", "DIR") else f" -x -a '{' '.join(choices)}'" if choices else ""
+        offers = " -F" if value == "FILE" or value.endswith("DIR") else f" -x -a '{' '.join(choices)}'" if choices else ""
         purpose = purpose.replace("\\", "\\\\").replace("'", "\\'")
         lines.append(f"complete -c {program} {words}{needs}{offers} -d '{purpose}'")
     return "\n".join(lines) + "\n"

@@ -3,8 +3,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <set>
 #include <sstream>
 
+#include "common/text/json.h"
 #include "system.h"
 #include "wait_for.h"
 
@@ -112,6 +115,40 @@ class PageRun {
     size_t mRead = 0;
 };
 
+// The names of operations on the wire are those of methods but for the case of the first letter.
+std::string Lower(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+    return text;
+}
+
+// Returns the operations of the requests in a trace of the platform.
+std::set<std::string> Operations(const std::string& trace) {
+    std::set<std::string> names;
+    std::istringstream lines(trace);
+    std::string time, sign, name, rest;
+    while (lines >> time >> sign && std::getline(lines, rest)) {
+        if (sign == ">" && std::istringstream(rest) >> name) names.insert(Lower(name));
+    }
+    return names;
+}
+
+// Returns the methods, such as IChannel.GetName, that carry read-only properties.
+std::vector<std::string> MethodsOfProperties() {
+    std::ifstream file(kMembers);
+    const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    const Json::Value table = ParseJson(text);
+    std::vector<std::string> methods;
+    for (const Json::Value& object : table["objects"]) {
+        for (const Json::Value& member : object["members"]) {
+            if (!member["readonly"].asBool()) continue;
+            for (const Json::Value& carrier : member["by"]) {
+                if (carrier.asString().find("Callback.") == std::string::npos) methods.push_back(carrier.asString());
+            }
+        }
+    }
+    return methods;
+}
+
 // Where the picture of a page that failed is kept.
 fs::path KeptPicture(const std::string& page) {
     return fs::path(HBBTV_BUILD_DIR) / "failed-pages" / (page + ".png");
@@ -143,6 +180,21 @@ TEST_P(Pages, ReportNoFailureAndNoErrorOfTheConsole) {
         fs::create_directories(KeptPicture(page).parent_path());
         fs::copy(picture, KeptPicture(page));
         ADD_FAILURE() << "a picture of the page is in " << KeptPicture(page);
+    }
+}
+
+// The page reads every property, so the platform has been asked for all that properties are carried by.
+TEST(MembersOfPages, AreReadByTheMethodsThatTheTableNames) {
+    BrowserSystem system({"--trace"});
+    ASSERT_TRUE(system.ready);
+    fs::copy(kPages, system.directory / "pages", fs::copy_options::recursive);
+    fs::copy(kMembers, system.directory / "pages/members.json");
+    EXPECT_EQ(PageRun(system.directory / "pages", "members", system.directory / "picture.png").FollowToEnd(), 0);
+    const std::set<std::string> asked = Operations(system.platform.Output());
+    const std::vector<std::string> methods = MethodsOfProperties();
+    EXPECT_GT(methods.size(), 100u);
+    for (const std::string& method : methods) {
+        EXPECT_TRUE(asked.count(Lower(method.substr(method.find('.') + 1)))) << method << " has not been called";
     }
 }
 

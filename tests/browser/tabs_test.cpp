@@ -36,7 +36,11 @@ class System : public BrowserSystem {
     }
 
     std::vector<std::string> Command() const {
-        return {HBBTV_BROWSER_PROGRAM, "--serve", "http://arte.example/hbbtv/=" + directory.Path() + "/arte", "--serve",
+        return {HBBTV_BROWSER_PROGRAM,
+                "--headless",
+                "--serve",
+                "http://arte.example/hbbtv/=" + directory.Path() + "/arte",
+                "--serve",
                 "http://zdf.example/hbbtv/=" + directory.Path() + "/zdf"};
     }
 
@@ -195,6 +199,32 @@ TEST(Tabs, AreCreatedAgainAfterThePlatformWasKilled) {
     EXPECT_TRUE(System::OpenArte()) << System::Tell("tabs");
 }
 
+TEST(Tabs, GetEventsOfAPlatformThatWasStartedAgain) {
+    BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const std::string page = system.Write("page.html",
+                                          "<!DOCTYPE html><title>Events</title><script>\n"
+                                          "const config = oipfObjectFactory.createChannelConfig();\n"
+                                          "config.onChannelListUpdate = () => console.log('updated');\n"
+                                          "console.log('ready');</script>");
+    ChildProcess browser({HBBTV_BROWSER_PROGRAM, "--headless", "--alone", "--console", page});
+    ASSERT_TRUE(browser.WaitForOutput("ready")) << browser.Output();
+    EXPECT_TRUE(WaitFor([&] {
+        BrowserSystem::Tell("hide 12");
+        BrowserSystem::Tell("show 12");
+        return browser.Output().find("updated") != std::string::npos;
+    }));
+    system.platform.Kill();
+    SimulatedPlatform next;
+    ASSERT_TRUE(next.Ready());
+    const size_t before = browser.Output().size();
+    EXPECT_TRUE(WaitFor([&] {
+        BrowserSystem::Tell("hide 12");
+        BrowserSystem::Tell("show 12");
+        return browser.Output().find("updated", before) != std::string::npos;
+    })) << browser.Output();
+}
+
 TEST(Tabs, AreCreatedAgainAfterTheServiceWasKilled) {
     System system("");
     ASSERT_TRUE(system.ready);
@@ -208,7 +238,7 @@ TEST(Tabs, AreCreatedAgainAfterTheServiceWasKilled) {
         System::Tell("zap 1");
         System::Tell("zap 3");
         return WaitFor([] { return System::Tell("tabs").find("loaded") != std::string::npos; },
-                       std::chrono::milliseconds(1000));
+                       std::chrono::milliseconds(5000));
     })) << System::Tell("tabs");
 }
 

@@ -13,7 +13,7 @@ import installed_tree
 from installed_tree import SERVICE, SOURCE, Tree, run
 
 PLACES = """
-bin/hbbtvctl bin/hbbtv-sim bin/vantorel.hardware.hbbtv@1.0-service
+bin/hbbtvctl bin/hbbtv-sim bin/hbbtv-browser bin/vantorel.hardware.hbbtv@1.0-service
 LIB/libhidlhost.so LIB/libhidlhost.so.1 LIB/vantorel.hardware.hbbtv@1.0.so LIB/vantorel.hardware.hbbtv@1.0.so.1
 LIB/hidl-host/vantorel.hardware.hbbtv@1.0-impl.so LIB/libhbbtv_wire.a LIB/libhbbtv_common.a
 LIB/cmake/hbbtv/hbbtvConfig.cmake LIB/cmake/hbbtv/hbbtvConfigVersion.cmake
@@ -24,7 +24,7 @@ share/hidl/vantorel/hardware/hbbtv/1.0/types.hal share/hidl/vantorel/hardware/hb
 share/hidl/android/hidl/base/1.0/IBase.hal
 share/hbbtv/protocol/channel.json share/hbbtv/schemas/hbbtvctl.schema.json
 share/hbbtv/wireshark/hbbtv.lua share/hbbtv/wireshark/hbbtv-extcap
-share/man/man1/hbbtvctl.1 share/man/man1/hbbtvctl-call.1 share/man/man1/hbbtv-sim.1
+share/man/man1/hbbtvctl.1 share/man/man1/hbbtvctl-call.1 share/man/man1/hbbtv-sim.1 share/man/man1/hbbtv-browser.1
 share/man/man8/vantorel.hardware.hbbtv@1.0-service.8
 share/bash-completion/completions/hbbtvctl share/bash-completion/completions/hbbtv-sim
 share/zsh/site-functions/_hbbtvctl share/zsh/site-functions/_hbbtv-sim
@@ -74,7 +74,7 @@ class Installed(Tree):
                 self.assertRegex(directory, r"^(\$ORIGIN/|/usr/lib/.*/android$)", path)
 
     def test_programs_print_their_version(self):
-        for name in ("hbbtvctl", "hbbtv-sim", SERVICE):
+        for name in ("hbbtvctl", "hbbtv-sim", "hbbtv-browser", SERVICE):
             self.assertEqual(self.check(self.program(name), "--version"), f"{name} {VERSION}\n")
 
     def test_the_service_finds_its_implementation_with_no_variable_set(self):

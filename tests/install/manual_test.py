@@ -33,7 +33,7 @@ class Manual(unittest.TestCase):
         self.assertLess(1, len(options))
         for option in options:
             self.assertRegex(self.shown, rf"(?m)^       (-h, )?--{option}\b")
-        codes = set(re.findall(r"\b(\d) [a-z-]", self.help.partition("Exit codes:")[2]))
+        codes = set(re.findall(r"\b(\d) {1,2}[a-z-]", self.help.partition("Exit codes:")[2]))
         self.assertEqual(set(re.findall(r"(?m)^       (\d) ", self.shown.partition("EXIT STATUS")[2])), codes)
         self.assertEqual(codes, set(CODES))
 

@@ -198,8 +198,8 @@ TEST_P(Help, ShowsExamplesThatWork) {
 
 INSTANTIATE_TEST_SUITE_P(Of, Help,
                          testing::Values("list", "describe", "call", "listen", "send", "emit", "play", "bench",
-                                         "monitor", "record", "show", "replay", "status", "log", "check", "doctor",
-                                         "completion", "man"),
+                                         "monitor", "record", "show", "web", "replay", "status", "log", "check",
+                                         "doctor", "completion", "man"),
                          [](const auto& command) { return std::string(command.param); });
 
 }  // namespace

@@ -15,9 +15,9 @@ namespace {
 
 using testing::HasSubstr;
 
-const std::vector<std::string> kCommands{"bench", "call",   "check",  "completion", "describe", "doctor",
-                                         "emit",  "list",   "listen", "log",        "man",      "monitor",
-                                         "play",  "record", "replay", "send",       "show",     "status"};
+const std::vector<std::string> kCommands{"bench",  "call",   "check", "completion", "describe", "doctor", "emit",
+                                         "list",   "listen", "log",   "man",        "monitor",  "play",   "record",
+                                         "replay", "send",   "show",  "status",     "web"};
 
 std::set<std::string> NamesIn(const std::string& directory) {
     std::set<std::string> names;

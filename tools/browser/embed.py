@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Writes the files of page/ as one function of JavaScript in a C++ string literal, in the order of their names.
+"""Writes files that pages need as C++ string literals: those of page/ as one function of JavaScript, in the order of their
+names, and the page of the television.
 
-    embed.py OUTPUT DIRECTORY FILE...
+    embed.py OUTPUT TELEVISION DIRECTORY FILE...
 """
 
 import pathlib
@@ -14,13 +15,14 @@ def literal(text):
 
 
 def main():
-    output, directory, *files = sys.argv[1:]
+    output, television, directory, *files = sys.argv[1:]
     script = "(() => {\n\"use strict\";\n"
     for path in sorted(map(pathlib.Path, files), key=lambda path: path.relative_to(directory).parts):
         script += f"\n// {path.relative_to(directory)}\n{path.read_text()}"
     script += "})();\n//# sourceURL=hbbtv-browser.js\n"
-    lines = ["// Generated from tools/browser/page/.", '#include "page_script.h"', "", "namespace hbbtv::browser {",
-             "const char* const kPageScript =", literal(script) + ";", "}  // namespace hbbtv::browser", ""]
+    lines = ["// Generated from tools/browser/.", '#include "page_script.h"', "", "namespace hbbtv::browser {",
+             "const char* const kPageScript =", literal(script) + ";", "const char* const kTelevision =",
+             literal(pathlib.Path(television).read_text()) + ";", "}  // namespace hbbtv::browser", ""]
     pathlib.Path(output).write_text("\n".join(lines))
 
 

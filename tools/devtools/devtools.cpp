@@ -36,6 +36,11 @@ class DevTools::Connection : public std::enable_shared_from_this<Connection> {
         mOnEnd = std::move(onEnd);
     }
 
+    void Forget() {
+        SetHandlers(nullptr, nullptr);
+        mOpen.clear();
+    }
+
     void Read();
     void Send(const std::string& session, const std::string& method, const Json::Value& params, OnAnswer onAnswer,
               Milliseconds limit);
@@ -144,9 +149,7 @@ void DevTools::Connection::Close() {
     asio::error_code ignored;
     mAnswers.close(ignored);
     mCommands.close(ignored);
-    mOnEvent = nullptr;
-    mOnEnd = nullptr;
-    mOpen.clear();
+    Forget();
 }
 
 // Posted, so that it follows the messages that have been received.
@@ -169,8 +172,12 @@ DevTools::DevTools(Loop& loop, const ChromiumOptions& options)
     mConnection->Read();
 }
 
+void DevTools::Forget() {
+    mConnection->Forget();
+}
+
 DevTools::~DevTools() {
-    mConnection->SetHandlers(nullptr, nullptr);
+    Forget();
     if (mConnection->IsOpen()) {
         Send(kBrowserSession, "Browser.close");
         mLoop.RunUntil([this] { return !mConnection->IsOpen(); }, kTimeToClose);

@@ -45,6 +45,9 @@ class DevTools {
     // Sets the receivers of events, and of the end of Chromium, for which there is no other cause than its death.
     void SetHandlers(OnEvent onEvent, OnEnd onEnd);
 
+    // Calls no function from now on, neither those of events nor those of commands that have been sent.
+    void Forget();
+
     // Sends a command. `onAnswer` is called once: with the answer, or with an error at the limit or when Chromium ends.
     // Does not block, and may be called by any of the functions.
     void Send(const std::string& session, const std::string& method,

@@ -6,14 +6,13 @@
 #include <asio/signal_set.hpp>
 #include <asio/steady_timer.hpp>
 #include <chrono>
-#include <csignal>
 
 namespace hbbtv::devtools {
 
 using Clock = std::chrono::steady_clock;
 
 struct Loop::Signals {
-    explicit Signals(asio::io_context& context) : set(context, SIGINT, SIGTERM) {}
+    explicit Signals(asio::io_context& context) : set(context) {}
     asio::signal_set set;
     std::function<void()> function;
 };
@@ -33,17 +32,19 @@ void Loop::After(Milliseconds delay, std::function<void()> function) {
     });
 }
 
-void Loop::OnSignals(std::function<void()> function) {
-    mSignals = std::make_unique<Signals>(*mContext);
-    mSignals->function = std::move(function);
-    WaitForSignal();
+void Loop::OnSignals(std::initializer_list<int> signals, std::function<void()> function) {
+    auto waiting = std::make_unique<Signals>(*mContext);
+    for (const int signal : signals) waiting->set.add(signal);
+    waiting->function = std::move(function);
+    Wait(*waiting);
+    mSignals.push_back(std::move(waiting));
 }
 
-void Loop::WaitForSignal() {
-    mSignals->set.async_wait([this](const asio::error_code& error, int) {
+void Loop::Wait(Signals& signals) {
+    signals.set.async_wait([&signals](const asio::error_code& error, int) {
         if (error) return;
-        mSignals->function();
-        WaitForSignal();
+        signals.function();
+        Wait(signals);
     });
 }
 

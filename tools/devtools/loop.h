@@ -3,7 +3,9 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
+#include <vector>
 
 #include "common/duration.h"
 
@@ -26,8 +28,8 @@ class Loop {
     // Runs the function once, after at least this time.
     void After(Milliseconds delay, std::function<void()> function);
 
-    // Calls the function on SIGINT and SIGTERM, which then do not end the process.
-    void OnSignals(std::function<void()> function);
+    // Calls the function on each of the signals, which then do not end the process.
+    void OnSignals(std::initializer_list<int> signals, std::function<void()> function);
 
     // Runs functions until `done` returns true, which is asked after each of them. Returns false at the limit. May be
     // called by a function that the loop runs.
@@ -40,10 +42,10 @@ class Loop {
 
   private:
     struct Signals;
-    void WaitForSignal();
+    static void Wait(Signals& signals);
 
     const std::unique_ptr<asio::io_context> mContext;
-    std::unique_ptr<Signals> mSignals;
+    std::vector<std::unique_ptr<Signals>> mSignals;
 };
 
 }  // namespace hbbtv::devtools

@@ -49,7 +49,7 @@ const char* const kFooter =
 void AddCommands(CLI::App& app, Invocation& invocation) {
     for (const auto add :
          {AddList, AddDescribe, AddCall, AddListen, AddSend, AddEmit, AddPlay, AddBench, AddMonitor, AddRecord, AddShow,
-          AddReplay, AddStatus, AddLog, AddCheck, AddDoctor, AddCompletion, AddMan}) {
+          AddWeb, AddReplay, AddStatus, AddLog, AddCheck, AddDoctor, AddCompletion, AddMan}) {
         add(app, invocation);
     }
 }

@@ -39,7 +39,6 @@ Json::Value Metadata(const char* name, int64_t process, int64_t track, const std
 
 Json::Value Arguments(const Record& record) {
     Json::Value arguments(Json::objectValue);
-    arguments["record"] = static_cast<Json::UInt64>(record.number);
     arguments["members"] = MembersText(record, record.message, Names());
     if (record.reply) arguments["reply"] = MembersText(record, *record.reply, Names());
     if (record.status) arguments["status"] = *record.status;
@@ -81,7 +80,8 @@ void PerfettoWriter::AddSide(const Record& record, bool sender) {
     event["name"] = record.kind == Record::Kind::Damaged ? "damaged" : FullName(record);
     event["cat"] = record.family.empty() ? "unknown" : record.family;
     if (IsError(record)) event["cname"] = "terrible";
-    event["args"] = Arguments(record);
+    if (sender) event["args"] = Arguments(record);
+    event["args"]["record"] = static_cast<Json::UInt64>(record.number);
     Write(event);
     if (!record.duration) return;
     Json::Value arrow = Event(sender ? "s" : "f", process, track, time);

@@ -4,7 +4,8 @@
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <array>
+#include <asio/buffer.hpp>
+#include <asio/error.hpp>
 #include <cerrno>
 #include <chrono>
 #include <utility>
@@ -13,7 +14,6 @@ namespace hbbtv::traffic {
 
 namespace {
 
-constexpr size_t kChunk = 65536;
 constexpr std::chrono::milliseconds kSlowStep{50};  // between two parts of a message that is passed on slowly
 
 // Returns whether the other end of a socket has been closed, not only half.
@@ -46,19 +46,19 @@ Direction Opposite(Direction direction) {
 
 Link::Link(asio::io_context& context, int caller, int server, const RelayedConnection& about, Rules& rules,
            Recorder& recorder, std::function<void(uint64_t)> onClosed)
-    : mCaller(context, caller),
-      mServer(context, server),
+    : mCaller(context, asio::local::stream_protocol(), caller),
+      mServer(context, asio::local::stream_protocol(), server),
       mAbout(about),
       mShaping(rules, about),
       mRecorder(recorder),
       mOnClosed(std::move(onClosed)),
       mWays{Way(context), Way(context)} {}
 
-asio::posix::stream_descriptor& Link::Sender(Direction direction) {
+Link::Socket& Link::Sender(Direction direction) {
     return direction == Direction::kToServer ? mCaller : mServer;
 }
 
-asio::posix::stream_descriptor& Link::Receiver(Direction direction) {
+Link::Socket& Link::Receiver(Direction direction) {
     return Sender(Opposite(direction));
 }
 
@@ -67,26 +67,24 @@ void Link::Start() {
     AwaitBytes(Direction::kToCaller);
 }
 
+// Three system calls pass a message on: to wait, to receive and to send. A wait for the socket alone would be a fourth.
 void Link::AwaitBytes(Direction direction) {
-    if (std::exchange(Of(direction).reading, true)) return;
-    Sender(direction).async_wait(asio::posix::descriptor_base::wait_read,
-                                 [self = shared_from_this(), direction](const asio::error_code& error) {
-                                     self->Of(direction).reading = false;
-                                     if (!error && !self->mClosed) self->Receive(direction);
-                                 });
+    Way& way = Of(direction);
+    if (std::exchange(way.reading, true)) return;
+    Sender(direction).async_receive(
+        asio::buffer(way.chunk), [self = shared_from_this(), direction](const asio::error_code& error, size_t count) {
+            self->Of(direction).reading = false;
+            if (!self->mClosed) self->Receive(direction, error, count);
+        });
 }
 
-// A reply of the relay's own may be waiting in this direction: then the next bytes come after it.
-void Link::Receive(Direction direction) {
+void Link::Receive(Direction direction, const asio::error_code& error, size_t count) {
     Way& way = Of(direction);
-    if (way.held || !way.waiting.empty()) return;
-    static thread_local std::array<char, kChunk> chunk;
-    const ssize_t count = recv(Sender(direction).native_handle(), chunk.data(), chunk.size(), MSG_DONTWAIT);
-    if (count > 0) {
-        Take(direction, chunk.data(), static_cast<size_t>(count));
-    } else if (count == 0 || (errno != EAGAIN && errno != EINTR)) {
+    if (error) {
         way.ended = true;
-        way.gone = count < 0 || IsHungUp(Sender(direction).native_handle());
+        way.gone = error != asio::error::eof || IsHungUp(Sender(direction).native_handle());
+    } else {
+        Take(direction, way.chunk.data(), count);
     }
     Continue(direction);
 }
@@ -144,7 +142,7 @@ void Link::Refuse(Direction direction) {
 
 void Link::AwaitRoom(Direction direction) {
     if (std::exchange(Of(direction).writing, true)) return;
-    Receiver(direction).async_wait(asio::posix::descriptor_base::wait_write,
+    Receiver(direction).async_wait(asio::socket_base::wait_write,
                                    [self = shared_from_this(), direction](const asio::error_code& error) {
                                        self->Of(direction).writing = false;
                                        if (!error && !self->mClosed) self->Flush(direction);

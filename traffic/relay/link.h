@@ -4,8 +4,9 @@
 // whole messages are passed on instead of chunks.
 #pragma once
 
+#include <array>
 #include <asio/io_context.hpp>
-#include <asio/posix/stream_descriptor.hpp>
+#include <asio/local/stream_protocol.hpp>
 #include <asio/steady_timer.hpp>
 #include <functional>
 #include <memory>
@@ -33,29 +34,32 @@ class Link : public std::enable_shared_from_this<Link> {
     bool Busy() const;
 
   private:
+    using Socket = asio::local::stream_protocol::socket;
+
     // One direction.
     struct Way {
         explicit Way(asio::io_context& context) : timer(context) {}
 
-        FrameWalk walk;        // of the bytes that were passed on without being collected
-        std::string waiting;   // bytes that the receiver has not taken
-        size_t sent = 0;       // of these
-        bool reading = false;  // waits for the sender
-        bool writing = false;  // waits for the receiver
-        bool ended = false;    // the sender sends no more
-        bool gone = false;     // it has closed its socket, so that it reads no more either
-        bool refused = false;  // the receiver takes no more
-        bool held = false;     // by a rule, as the next two
-        uint64_t rate = 0;     // bytes a second
+        std::array<char, 16384> chunk;  // for the sender's next bytes
+        FrameWalk walk;                 // of the bytes that were passed on without being collected
+        std::string waiting;            // bytes that the receiver has not taken
+        size_t sent = 0;                // of these
+        bool reading = false;           // waits for the sender
+        bool writing = false;           // waits for the receiver
+        bool ended = false;             // the sender sends no more
+        bool gone = false;              // it has closed its socket, so that it reads no more either
+        bool refused = false;           // the receiver takes no more
+        bool held = false;              // by a rule, as the next two
+        uint64_t rate = 0;              // bytes a second
         bool closing = false;
         asio::steady_timer timer;
     };
 
     Way& Of(Direction direction) { return mWays[static_cast<size_t>(direction)]; }
-    asio::posix::stream_descriptor& Sender(Direction direction);
-    asio::posix::stream_descriptor& Receiver(Direction direction);
+    Socket& Sender(Direction direction);
+    Socket& Receiver(Direction direction);
     void AwaitBytes(Direction direction);
-    void Receive(Direction direction);
+    void Receive(Direction direction, const asio::error_code& error, size_t count);
     void Take(Direction direction, const char* bytes, size_t count);
     void PassOn(Direction direction, const char* bytes, size_t count);
     size_t BeginIn(Way& way, const char* bytes, size_t count);
@@ -70,8 +74,8 @@ class Link : public std::enable_shared_from_this<Link> {
     void Deliver(Direction direction);
     void Finish(Direction direction);
 
-    asio::posix::stream_descriptor mCaller;
-    asio::posix::stream_descriptor mServer;
+    Socket mCaller;
+    Socket mServer;
     const RelayedConnection mAbout;
     Shaping mShaping;
     Recorder& mRecorder;

@@ -17,8 +17,14 @@ uint64_t TimeOf(const Record& record) {
 
 Exchange ExchangeOf(Record record) {
     Exchange exchange{std::move(record), 0, {}, false};
+    // By this program's protocol/, whatever that of the recorder was.
+    exchange.family.clear();
+    exchange.operation.clear();
+    exchange.code.reset();
+    Identify(exchange, std::string(exchange.socket));
     exchange.begin = TimeOf(exchange);
-    if (exchange.reply) exchange.end = exchange.begin + exchange.duration.value_or(0);
+    const uint64_t duration = exchange.duration.value_or(0);
+    if (exchange.reply) exchange.end = exchange.begin + std::min(duration, UINT64_MAX - exchange.begin);
     return exchange;
 }
 

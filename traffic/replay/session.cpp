@@ -18,6 +18,12 @@ namespace {
 
 using std::chrono::microseconds;
 
+// Times of a recording can be absurd.
+microseconds Bounded(uint64_t time) {
+    constexpr uint64_t kDay = 86400000000;
+    return microseconds(std::min(time, kDay));
+}
+
 std::string Bytes(const Message& message, const Json::Value& json) {
     const std::string payload = message.Readable() ? PayloadOf(Message{0, 0, 0, json, ""}) : message.raw;
     return Encode({message.type, message.port, payload});
@@ -65,8 +71,12 @@ ReplaySession::ReplaySession(const Conversation& conversation, const ReplaySetti
         ++mLinks[{exchange.socket, exchange.connection}].left;
         mUnsent[exchange.family].push_back(i);
     }
-    if (!settings.asPlatform) NeedPlatform();
-    PlanServing();
+    if (settings.asPlatform) {
+        ServeRequests();
+    } else {
+        NeedPlatform();
+        PlanServing();
+    }
 }
 
 void ReplaySession::NeedPlatform() const {
@@ -78,29 +88,36 @@ void ReplaySession::NeedPlatform() const {
     if (!path.empty()) throw Failure(kUnavailable, path + ": " + std::strerror(errno) + "; start the platform");
 }
 
-// A platform serves all sockets from its start. The library serves that of a family when a client first uses it, which
-// platforms notice: before the first request of the family, or the last request before its first event.
+void ReplaySession::ServeRequests() {
+    for (const Exchange& exchange : mConversation.exchanges) {
+        if (!Sends(exchange)) Serve(exchange.socket);
+    }
+    for (const Endpoint& endpoint : AllEndpoints()) {
+        if (endpoint.ofPlatform) Serve(endpoint.socket);
+    }
+}
+
+// The library serves the socket of a family when a client first uses it, which platforms notice: before the first
+// request of the family, or the last request before its first event.
 void ReplaySession::PlanServing() {
     std::set<std::string> families;
     std::optional<size_t> before;  // the latest request
     for (size_t i = 0; i < mConversation.exchanges.size(); ++i) {
         const Exchange& exchange = mConversation.exchanges[i];
         if (Sends(exchange)) before = i;
-        if (mSettings.asPlatform && !Sends(exchange)) Serve(exchange.socket);
-        if (mSettings.asPlatform || !families.insert(exchange.family).second) continue;
+        if (exchange.event) mHasEvents.insert(exchange.socket);
+        if (!families.insert(exchange.family.empty() ? exchange.socket : exchange.family).second) continue;
         std::string socket = exchange.socket;
-        if (Sends(exchange)) {
+        if (!exchange.event) {
             const bool events =
                 !exchange.family.empty() && FindFamily(exchange.family).protocol["endpoints"].isMember("events");
             if (!events) continue;
             socket = EventsOf(FindFamily(exchange.family)).socket;
         }
-        before ? mServeBefore[*before].push_back(socket) : Serve(socket);
+        mServeBefore[before.value_or(0)].push_back(socket);
     }
-    if (!mSettings.asPlatform) return;
-    for (const Endpoint& endpoint : AllEndpoints()) {
-        if (endpoint.ofPlatform) Serve(endpoint.socket);
-    }
+    // Before the first request there may be events only.
+    for (const std::string& socket : mServeBefore[0]) ServeEvents(socket);
 }
 
 void ReplaySession::Serve(const std::string& socket) {
@@ -108,6 +125,15 @@ void ReplaySession::Serve(const std::string& socket) {
     mListeners[socket] = std::make_unique<FrameListener>(
         mContext, mSettings.directory + "/" + socket,
         [this, socket](const std::shared_ptr<FrameSocket>& connection) { Accepted(socket, connection); });
+}
+
+// A service can serve the socket at the same time if the recording needs no event of it.
+void ReplaySession::ServeEvents(const std::string& socket) {
+    try {
+        Serve(socket);
+    } catch (const Failure&) {
+        if (mHasEvents.count(socket) != 0) throw;
+    }
 }
 
 ReplaySummary ReplaySession::Run() {
@@ -119,7 +145,9 @@ ReplaySummary ReplaySession::Run() {
     if (mSettings.limit) {
         mLimit.expires_after(*mSettings.limit);
         mLimit.async_wait([this](const asio::error_code& error) {
-            if (!error) mContext.stop();
+            if (error) return;
+            mSummary.interrupted = !mSettings.asPlatform;
+            mContext.stop();
         });
     }
     if (!mSettings.asPlatform) mAgenda.Add(microseconds(0), [this] { Advance(); });
@@ -157,7 +185,7 @@ void ReplaySession::Came(const std::string& socket, const std::shared_ptr<FrameS
     if (frame.type == kOneWay) return;
     if (!exchange.reply && !exchange.lost) return;  // the recorded one was not answered, either
     const bool now = !mSettings.asPlatform;
-    const microseconds recorded(*exchange.end - exchange.begin);
+    const microseconds recorded = Bounded(*exchange.end - exchange.begin);
     const microseconds delay = now ? microseconds(0) : mSettings.delay ? microseconds(*mSettings.delay) : recorded;
     mAgenda.Add(delay, [this, exchange = *found, connection] { Answer(exchange, connection); });
 }
@@ -192,7 +220,7 @@ void ReplaySession::Answer(size_t number, const std::shared_ptr<FrameSocket>& co
 void ReplaySession::Plan(size_t exchange, uint64_t gap) {
     if (mPlanned[exchange]) return;
     mPlanned[exchange] = true;
-    microseconds delay(gap);
+    microseconds delay = Bounded(gap);
     if (mSettings.delay)
         delay = mSettings.asPlatform ? std::min(delay, microseconds(*mSettings.delay)) : *mSettings.delay;
     mAgenda.Add(delay, [this, exchange] { Send(exchange); });
@@ -200,7 +228,7 @@ void ReplaySession::Plan(size_t exchange, uint64_t gap) {
 
 void ReplaySession::Send(size_t number) {
     const Exchange& exchange = mConversation.exchanges[number];
-    for (const std::string& socket : mServeBefore[number]) Serve(socket);
+    for (const std::string& socket : mServeBefore[number]) ServeEvents(socket);
     mServeBefore.erase(number);
     Link& link = mLinks[{exchange.socket, exchange.connection}];
     link.queue.push_back(number);
@@ -367,7 +395,7 @@ void ReplaySession::Watch() {
     if (Sends(exchange) && instant.side == Side::Message) return void(mPatience.cancel());
     // Events come at their times.
     const uint64_t before = mPosition == 0 ? instant.time : mConversation.instants[mPosition - 1].time;
-    mPatience.expires_after(mSettings.timeout + microseconds(instant.time - before));
+    mPatience.expires_after(mSettings.timeout + Bounded(instant.time - before));
     mPatience.async_wait([this](const asio::error_code& error) {
         if (!error) GiveUp();
     });

@@ -40,8 +40,10 @@ class ReplaySession {
     using LinkKey = std::pair<std::string, uint64_t>;  // socket, recorded connection
 
     void NeedPlatform() const;
+    void ServeRequests();
     void PlanServing();
     void Serve(const std::string& socket);
+    void ServeEvents(const std::string& socket);
     void Accepted(const std::string& socket, const std::shared_ptr<FrameSocket>& connection);
     void Came(const std::string& socket, const std::shared_ptr<FrameSocket>& connection, const Frame& frame);
     void Missed(const std::string& socket, const std::shared_ptr<FrameSocket>& connection, const Frame& frame,
@@ -89,6 +91,7 @@ class ReplaySession {
     ReplaySummary mSummary;
     std::map<std::string, std::unique_ptr<FrameListener>> mListeners;  // by socket
     std::map<size_t, std::vector<std::string>> mServeBefore;           // by exchange that this side sends: sockets
+    std::set<std::string> mHasEvents;                                  // sockets with recorded events
 };
 
 }  // namespace hbbtv::traffic

@@ -159,12 +159,12 @@ class HttpServer::Body {
     const HttpHandlers mHandlers;
     const std::string mToken = RandomToken();
     uint16_t mPort = 0;
+    size_t mOpen = 0;  // connections; the context ends some of them when it is destroyed
     asio::io_context mContext;
     tcp::acceptor mAcceptor;
     asio::steady_timer mTimer;
     asio::thread_pool mWorkers{4};
     std::atomic<bool> mNotified{false};
-    size_t mOpen = 0;  // connections
     std::set<std::shared_ptr<Connection>> mStreams;
 };
 

@@ -95,24 +95,24 @@ std::string LivePage(const PageSettings& settings) {
     return Begin(settings) + kEnd;
 }
 
-HtmlWriter::HtmlWriter(std::ostream& out, const RecordingHead& head) : mOut(out) {
-    mOut << Begin({head, false, false});
+HtmlWriter::HtmlWriter(const RecordingHead& head, Write write) : mWrite(std::move(write)) {
+    mWrite(Begin({head, false, false}));
 }
 
-void HtmlWriter::Write(const Record& record) {
-    if (mInBlock == 0) mOut << "<script type=\"application/x-ndjson\">\n";
-    mOut << Embedded(WriteJson(ToJson(record))) << "\n";
+void HtmlWriter::Add(const Record& record) {
+    const std::string begin = mInBlock == 0 ? "<script type=\"application/x-ndjson\">\n" : "";
+    mWrite(begin + Embedded(WriteJson(ToJson(record))) + "\n");
     if (++mInBlock == kBlock) EndBlock();
 }
 
 void HtmlWriter::EndBlock() {
-    if (mInBlock > 0) mOut << "</script>\n";
+    if (mInBlock > 0) mWrite("</script>\n");
     mInBlock = 0;
 }
 
-void HtmlWriter::End() {
+void HtmlWriter::Finish() {
     EndBlock();
-    mOut << kEnd;
+    mWrite(kEnd);
 }
 
 }  // namespace hbbtv::traffic

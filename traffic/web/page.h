@@ -2,7 +2,7 @@
 // sends the records as they come.
 #pragma once
 
-#include <ostream>
+#include <functional>
 #include <string>
 
 #include "traffic/record/record.h"
@@ -19,22 +19,24 @@ struct PageSettings {
 // Returns the document without records.
 std::string LivePage(const PageSettings& settings);
 
-// Writes a recording as one HTML file. It needs nothing else, and loads nothing from anywhere. The memory does not
+// Makes one HTML file of a recording. It needs nothing else, and loads nothing from anywhere. The memory does not
 // depend on the number of records.
 class HtmlWriter {
   public:
-    // `out` must exist as long as the writer. The caller checks it for errors after End().
-    HtmlWriter(std::ostream& out, const RecordingHead& head);
+    using Write = std::function<void(const std::string&)>;
 
-    void Write(const Record& record);
+    // `write` gets the file, part by part.
+    HtmlWriter(const RecordingHead& head, Write write);
+
+    void Add(const Record& record);
 
     // Writes the end of the document.
-    void End();
+    void Finish();
 
   private:
     void EndBlock();
 
-    std::ostream& mOut;
+    const Write mWrite;
     size_t mInBlock = 0;  // records; 0: no block has begun
 };
 

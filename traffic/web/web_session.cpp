@@ -50,6 +50,10 @@ Json::Value Ask(const std::string& directory, const std::string& question, const
     return answer;
 }
 
+const std::string& PlatformOf(const WebSettings& settings) {
+    return settings.platform.empty() ? settings.directory : settings.platform;
+}
+
 std::string SimulatorPath(const std::string& directory) {
     return directory + "/hbbtv_sim_control";
 }
@@ -83,7 +87,7 @@ Json::Value Command(const std::string& directory, const std::string& command) {
     return value;
 }
 
-Json::Value Counted(const char* what, uint64_t count) {
+Json::Value StateOf(const char* what, uint64_t count) {
     Json::Value value(Json::objectValue);
     value[what] = static_cast<Json::UInt64>(count);
     return value;
@@ -115,7 +119,7 @@ void WebSession::Add(const Record& record) {
 
 HttpResponse WebSession::Get(const std::string& path) const {
     if (!path.empty()) return {404, "text/plain; charset=utf-8", "Not Found\n"};
-    return {200, "text/html; charset=utf-8", LivePage({mSettings.head, true, HasSimulator(mSettings.directory)})};
+    return {200, "text/html; charset=utf-8", LivePage({mSettings.head, true, HasSimulator(PlatformOf(mSettings))})};
 }
 
 HttpResponse WebSession::Post(const std::string& path, const std::string& json) const {
@@ -126,7 +130,7 @@ HttpResponse WebSession::Post(const std::string& path, const std::string& json) 
             return JsonResponse(Ask(mSettings.directory, wish["operation"].asString(), wish["members"]));
         }
         if (path == "simulator" && wish["command"].isString()) {
-            return JsonResponse(Command(mSettings.directory, wish["command"].asString()));
+            return JsonResponse(Command(PlatformOf(mSettings), wish["command"].asString()));
         }
     } catch (const std::exception& e) {
         return JsonResponse(Problem(e.what()));
@@ -137,7 +141,7 @@ HttpResponse WebSession::Post(const std::string& path, const std::string& json) 
 StreamPart WebSession::Stream(uint64_t position) const {
     const RecordRing::Part records = mRing.After(position, kPartBytes);
     StreamPart part{"", records.position};
-    if (records.missing > 0) part.text = StateEvent(Counted("missing", records.missing));
+    if (records.missing > 0) part.text = StateEvent(StateOf("missing", records.missing));
     uint64_t number = records.position - records.lines.size();
     for (const auto& line : records.lines) {
         part.text += "id: " + std::to_string(++number) + "\nevent: record\ndata: " + *line + "\n\n";
@@ -148,7 +152,7 @@ StreamPart WebSession::Stream(uint64_t position) const {
 std::string WebSession::Tick() const {
     const std::vector<Record> open = mSettings.open ? mSettings.open() : std::vector<Record>();
     const uint64_t now = TimeStamp().Monotonic();
-    Json::Value state = Counted("open", open.size());
+    Json::Value state = StateOf("open", open.size());
     if (!open.empty()) {
         const uint64_t begun = open.front().time.Monotonic();
         state["oldest"] = open.front().family + "." + open.front().operation;

@@ -16,6 +16,7 @@ namespace hbbtv::traffic {
 
 struct WebSettings {
     std::string directory;  // of the sockets
+    std::string platform;   // directory of the platform, where a simulator takes commands; empty: the same
     uint16_t port = 0;      // 0: any
     RecordingHead head;
     std::function<std::vector<Record>()> open;  // returns the exchanges without a reply yet; may be empty. Thread-safe

@@ -131,6 +131,25 @@ TEST_F(FilePage, ShowsBytesThatAreNotJson) {
     EXPECT_TRUE(page.Evaluate("byId('copy').disabled").asBool());
 }
 
+TEST_F(FilePage, ShowsAnEventThatNoClientReceived) {
+    Record record = ChangedEvent();
+    record.message.type = kRequest;
+    record.reply = traffic::Message{kReply, 2, 5, {}, ""};
+    traffic::SetPayload(*record.reply, "null\n");
+    record.duration = 100;
+    Show(Numbered({record}));
+    page.Await("document.querySelector('.row.error .result')?.textContent === 'null'");
+}
+
+TEST_F(FilePage, ShowsEachRecordOnceHoweverOftenFilteringPauses) {
+    Show(Numbered(std::vector<Record>(1000, GetName())));
+    // A clock by which each look at it is another slice of time.
+    page.Evaluate("(() => { let now = 0; performance.now = () => (now += 1000); })()");
+    page.Evaluate("page.filterBy('op:GetName'), page.view.restart().then(() => 1)");
+    EXPECT_EQ(page.Evaluate("page.view.rowCount()"), 1000);
+    EXPECT_EQ(page.Evaluate("new Set(page.view.shown).size"), 1000);
+}
+
 TEST_F(FilePage, IsUsedByKeyboard) {
     Show(Sample());
     page.Press("j");

@@ -10,7 +10,7 @@ namespace hbbtv::test {
 
 namespace {
 
-constexpr Milliseconds kPatience{60000};
+constexpr Milliseconds kPatience{90000};
 
 Json::Value Object(std::initializer_list<std::pair<const char*, Json::Value>> members) {
     Json::Value object(Json::objectValue);
@@ -20,7 +20,9 @@ Json::Value Object(std::initializer_list<std::pair<const char*, Json::Value>> me
 
 }  // namespace
 
-PageInChromium::PageInChromium() : mChromium(mLoop, {"", false, {"--disable-gpu"}}) {
+// Letters without colored edges make small pictures.
+PageInChromium::PageInChromium(int width, int height)
+    : mChromium(mLoop, {"", false, {"--disable-gpu", "--disable-lcd-text"}}) {
     using devtools::kBrowserSession;
     const Json::Value target =
         mChromium.Command(kBrowserSession, "Target.createTarget", Object({{"url", "about:blank"}}));
@@ -31,7 +33,7 @@ PageInChromium::PageInChromium() : mChromium(mLoop, {"", false, {"--disable-gpu"
         nullptr);
     for (const char* domain : {"Runtime", "Log", "Network", "Page"}) Command(std::string(domain) + ".enable");
     Command("Emulation.setDeviceMetricsOverride",
-            Object({{"width", 1440}, {"height", 900}, {"deviceScaleFactor", 1}, {"mobile", false}}));
+            Object({{"width", width}, {"height", height}, {"deviceScaleFactor", 1}, {"mobile", false}}));
     PreferTheme("light");
 }
 
@@ -46,9 +48,10 @@ void PageInChromium::Heard(const std::string& method, const Json::Value& params)
     }
 }
 
-void PageInChromium::Open(const std::string& url) {
+void PageInChromium::Open(const std::string& url, bool ours) {
     Command("Page.navigate", Object({{"url", url}}));
-    Await("document.body !== null && typeof page !== 'undefined'");
+    Await("location.href === " + WriteJson(url) +
+          (ours ? " && typeof page !== 'undefined'" : " && document.readyState === 'complete'"));
 }
 
 Json::Value PageInChromium::Evaluate(const std::string& expression) {
@@ -63,12 +66,14 @@ Json::Value PageInChromium::Evaluate(const std::string& expression) {
 
 void PageInChromium::Await(const std::string& expression) {
     const Json::Value done = Evaluate(
-        "new Promise((resolve) => { const end = Date.now() + 30000; const look = () => { let done = false; try { done "
+        "new Promise((resolve) => { const end = Date.now() + 60000; const look = () => { let done = false; try { done "
         "= " +
         expression +
         "; } catch {} if (done || Date.now() > end) resolve(Boolean(done)); else setTimeout(look, 10); }; "
         "look(); })");
-    if (!done.asBool()) throw Failure(kTimeout, "has not become true: " + expression);
+    if (done.asBool()) return;
+    throw Failure(kTimeout, "has not become true: " + expression + "; the page is " + Text("document.readyState") +
+                                ": " + Text("document.body?.innerText.slice(0, 500)"));
 }
 
 void PageInChromium::Press(const std::string& key, const std::string& text) {

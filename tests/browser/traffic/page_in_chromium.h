@@ -13,16 +13,17 @@ namespace hbbtv::test {
 
 class PageInChromium {
   public:
-    // Opens a window of 1440 x 900 pixels without an address.
-    PageInChromium();
+    // Opens a window of this size, in pixels, without an address.
+    explicit PageInChromium(int width = 1440, int height = 900);
 
-    void Open(const std::string& url);
+    // Opens an address, and waits until it is there. `ours`: it is a page of traffic.
+    void Open(const std::string& url, bool ours = true);
 
     // Returns the value of an expression, which may be a promise. Throws Failure, also if the script throws.
     Json::Value Evaluate(const std::string& expression);
     std::string Text(const std::string& expression) { return Evaluate(expression).asString(); }
 
-    // Waits until the expression is true, at most for 30 seconds. Throws Failure.
+    // Waits until the expression is true, at most for a minute. Throws Failure.
     void Await(const std::string& expression);
 
     // Presses and releases a key, by the name that DOM events have for it. `text`: what it types.

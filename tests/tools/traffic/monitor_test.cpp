@@ -103,6 +103,19 @@ TEST_F(MonitorOfTheSystem, LeavesTheSystemAsItWasBySignals) {
     CurrentChannel();
 }
 
+// The simulated platform refuses to start while a process answers at its sockets.
+TEST_F(MonitorOfTheSystem, FollowsAPlatformThatIsKilledAndStartedAgain) {
+    const Monitor monitor;
+    const std::vector<std::string> request{"send", "channel_config.GetCurrentChannel"};
+    ASSERT_EQ(Ctl(request).exit, 0);
+    mPlatform->Kill();
+    EXPECT_TRUE(WaitFor([&] { return Ctl(request).exit == 3; })) << "as without the monitor";
+    mPlatform = std::make_unique<SimulatedPlatform>();
+    ASSERT_TRUE(mPlatform->Ready()) << mPlatform->Output();
+    const std::string seen = "platform hbbtv-sim (" + std::to_string(mPlatform->Pid()) + ")";
+    EXPECT_TRUE(WaitFor([&] { return Ctl(request).exit == 0 && monitor.Output().find(seen) != std::string::npos; }));
+}
+
 TEST_F(MonitorOfTheSystem, IsNotStoppedByATerminal) {
     Monitor monitor;
     monitor.Signal(SIGTSTP);
@@ -150,6 +163,21 @@ TEST_F(MonitorTest, WhatAKilledOneHasLeftIsRestoredByTheNextOneAndByDoctor) {
         EXPECT_EQ(Sockets(), before);
         EXPECT_EQ(GetName().exit, 0);
     }
+}
+
+TEST_F(MonitorTest, OneBetweenTwoDirectoriesLeavesNothingWhenItIsKilled) {
+    const FakePlatform platform(kChannel, R"({"ret":0})");
+    const std::string library = mDirectory / "library";
+    mkdir(library.c_str(), 0777);
+    const auto before = Sockets();
+    Monitor killed({"--between", library, mDirectory.Path()});
+    EXPECT_EQ(Ctl({"--directory", library, "send", "channel.GetName", "0x1"}).exit, 0);
+    killed.Kill();
+    for (const std::string& directory : {library, mDirectory.Path()}) {
+        EXPECT_THAT(Ctl({"--directory", directory, "doctor"}).output, HasSubstr(" was killed; restored "));
+    }
+    EXPECT_EQ(Sockets(), before);
+    EXPECT_TRUE(std::filesystem::is_empty(library));
 }
 
 TEST_F(MonitorTest, DoctorReportsOneThatIsStopped) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -131,27 +132,57 @@ TEST_F(Pcapng, GoesToStandardOutputAndReportsAFileThatCannotBeWritten) {
     EXPECT_THAT(run.errors, HasSubstr("cannot write " + mDirectory.Path() + "/none/file: No such file"));
 }
 
-TEST_F(Pcapng, IsCapturedByTheProgramForWireshark) {
-    const auto extcap = [](const std::string& option) {
-        return RunToEnd({kExtcap, option, "--extcap-interface", "hbbtv"}).output;
-    };
-    EXPECT_THAT(extcap("--extcap-interfaces"), HasSubstr("interface {value=hbbtv}"));
-    EXPECT_THAT(extcap("--extcap-dlts"), HasSubstr("{number=147}"));
-    EXPECT_THAT(extcap("--extcap-config"), HasSubstr("{call=--directory}"));
-    EXPECT_EQ(RunToEnd({kExtcap}).exit, 2);
+class Extcap : public Pcapng {
+  protected:
+    // Wireshark runs programs of users only without privileges.
+    static std::vector<std::string> Unprivileged(std::vector<std::string> command) {
+        if (geteuid() == 0) {
+            command.insert(command.begin(), {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"});
+        }
+        return command;
+    }
 
+    void SetUp() override {
+        const std::string programs = mDirectory / "extcap";
+        ASSERT_EQ(mkdir(programs.c_str(), 0755), 0);
+        ASSERT_EQ(symlink(kExtcap, (programs + "/hbbtv-extcap").c_str()), 0);
+        ASSERT_EQ(chmod(mDirectory.Path().c_str(), 0777), 0);
+        mEnvironment = {"WIRESHARK_EXTCAP_DIR=" + programs, "HOME=" + mDirectory.Path(),
+                        std::string("HBBTVCTL=") + HBBTVCTL_PROGRAM};
+    }
+
+    std::vector<std::string> mEnvironment;
+};
+
+TEST_F(Extcap, MakesTheServiceAnInterface) {
+    const FinishedRun interfaces = RunToEnd(Unprivileged({"tshark", "-D"}), "", mEnvironment);
+    EXPECT_THAT(interfaces.output, HasSubstr(". hbbtv (HbbTV service and platform)\n")) << interfaces.Text();
+    const FinishedRun types = RunToEnd(Unprivileged({"tshark", "-i", "hbbtv", "-L"}), "", mEnvironment);
+    EXPECT_THAT(types.Text(), HasSubstr("  USER0 (HbbTV service)\n"));
+    EXPECT_EQ(RunToEnd({kExtcap}).exit, 2);
+}
+
+TEST_F(Extcap, CapturesLiveAndLeavesTheSocketsAsTheyWere) {
     SimulatedPlatform platform;
     ASSERT_TRUE(platform.Ready()) << platform.Output();
-    ChildProcess capture({kExtcap, "--capture", "--extcap-interface", "hbbtv", "--fifo", Capture(), "--directory",
-                          mDirectory.Path(), "--families", "channel_config local_system"},
-                         {std::string("HBBTVCTL=") + HBBTVCTL_PROGRAM});
-    ASSERT_TRUE(capture.WaitForOutput("listening; press Ctrl-C to stop\n")) << capture.Output();
+    ChildProcess capture(Unprivileged({"tshark", "-X", "lua_script:" HBBTV_DISSECTOR, "-i", "hbbtv", "-o",
+                                       "extcap.hbbtv.directory:" + mDirectory.Path(), "-o",
+                                       "extcap.hbbtv.families:channel_config local_system", "-l", "-T", "fields", "-e",
+                                       "hbbtv.family", "-e", "hbbtv.op", "-e", "hbbtv.ret"}),
+                         mEnvironment);
+    // The first request may come before the capture has begun.
+    EXPECT_TRUE(WaitFor([&capture] {
+        EXPECT_EQ(Ctl({"send", "local_system.GetDeviceID"}).exit, 0);
+        return capture.WaitForOutput("local_system\tGetDeviceID\t0\n", std::chrono::milliseconds(100));
+    })) << capture.Output();
     EXPECT_EQ(Ctl({"send", "channel_config.GetCurrentChannel"}).exit, 0);
-    EXPECT_EQ(Ctl({"send", "local_system.GetDeviceID"}).exit, 0);
-    capture.Signal(SIGTERM);
+    EXPECT_TRUE(capture.WaitForOutput("channel_config\tGetCurrentChannel\t\nchannel_config\tGetCurrentChannel\t0\n"))
+        << capture.Output();
+    capture.Signal(SIGINT);
     EXPECT_EQ(capture.WaitForExit(), 0) << capture.Output();
-    EXPECT_EQ(Fields("hbbtv.type == 2", {"hbbtv.family", "hbbtv.op"}),
-              "channel_config|GetCurrentChannel\nlocal_system|GetDeviceID\n");
+    EXPECT_THAT(capture.Output(), testing::Not(HasSubstr("Error")));
+    EXPECT_TRUE(WaitFor(
+        [this] { return LookAt(mDirectory / "service_plugin_to_hbbtv_local_system").peer.find("hbbtv-sim") == 0; }));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "common/local_socket.h"
 #include "ctl.h"
 #include "traffic/record/recording.h"
+#include "wire/connection.h"
 
 namespace hbbtv::test {
 
@@ -46,9 +47,16 @@ class Replay : public Alone {
             record.duration = duration;
         }
         Identify(record, socket);
+        Append(record);
+    }
+
+    void Append(const traffic::Record& record) {
         if (!mWriter) mWriter = std::make_unique<traffic::RecordingWriter>(File(), traffic::RecordingHead());
         ASSERT_EQ(mWriter->Write(record), "");
     }
+
+    // The next record begins a new file.
+    void StartFile() { mWriter.reset(); }
 
     std::string File() const { return mDirectory / "traffic.ndjson"; }
 
@@ -159,6 +167,32 @@ TEST_F(Replay, SendsAnEventAfterTheExchangeThatTheRecordingHasBeforeIt) {
     EXPECT_THAT(platform->Output(), HasSubstr(R"("events":1,"events_replayed":1,)"));
 }
 
+TEST_F(Replay, AnswersOnSocketsOfUnknownFamiliesAndWithWhatIsNotJson) {
+    Recorded("service_of_tomorrow", R"({"new":1})", "\x01 not JSON");
+    Recorded("service_of_tomorrow", "\x02", R"({"ret":0})");
+    const auto platform = Platform();
+    WireConnection connection(mDirectory / "service_of_tomorrow");
+    connection.Send(Encode({kRequest, 2, "\x02"}), kPatience);
+    EXPECT_EQ(connection.Receive(kPatience).payload, "{\n\t\"ret\" : 0\n}\n");
+    connection.Send(Encode({kRequest, 2, R"({"new": 1})"}), kPatience);
+    EXPECT_EQ(connection.Receive(kPatience).payload, "\x01 not JSON");
+    connection.Send("\x05", kPatience);  // a header that is cut
+    EXPECT_EQ(End(*platform), 0);
+}
+
+// The other side ended before it had answered.
+TEST_F(Replay, ClosesTheConnectionWhereTheRecordingDoes) {
+    Recorded(kChannels, GetName("0x1"), "");
+    traffic::Record closed;
+    closed.kind = traffic::Record::Kind::Closed;
+    closed.connection = 1;
+    closed.time = TimeStamp(1700000000002000, 2000);
+    Append(closed);
+    const auto platform = Platform();
+    EXPECT_EQ(Name("0x1").exit, 6);
+    EXPECT_EQ(End(*platform), 0);
+}
+
 TEST_F(Replay, RefusesWhatIsNotARecordingAndSocketsThatAreServed) {
     EXPECT_EQ(Ctl({"replay", mDirectory / "none", "--as", "platform"}).exit, 2);
     WriteFile(File(), "{}\n");
@@ -171,6 +205,30 @@ TEST_F(Replay, RefusesWhatIsNotARecordingAndSocketsThatAreServed) {
     const FinishedRun served = Ctl({"replay", File(), "--as", "platform"});
     EXPECT_EQ(served.exit, 2);
     EXPECT_THAT(served.errors, HasSubstr("another process serves it"));
+}
+
+// Two recordings, one as each side.
+TEST_F(Replay, AsTheLibraryReportsOtherTimesWithoutFailing) {
+    const auto recorded = [this](const std::string& start) {
+        Recorded("service_plugin_to_hbbtv_program", R"({"handle":"0x1","method":13,"type":5})",
+                 R"({"out_startTime":)" + start + R"(,"ret":0})");
+    };
+    recorded("1000");
+    const std::string before = mDirectory / "before.ndjson";
+    ASSERT_EQ(Ctl({"show", File(), "--record", before}).exit, 0);
+    ASSERT_EQ(unlink(File().c_str()), 0);
+    StartFile();
+    recorded("2000");
+    const auto platform = Platform();
+    const FinishedRun run = Ctl({"replay", before, "--as", "library"});
+    EXPECT_EQ(run.exit, 0) << run.Text();
+    EXPECT_EQ(run.output,
+              "clock: record 1, programme.GetStartTime handle=0x00000001\n"
+              "    \"out_startTime\" is 2000, in the recording 1000\n"
+              "replayed 1 of 1 request and 0 of 0 events\n"
+              "0 not in the recording, 0 replied differently, 1 with other times only, 0 did not come, "
+              "0 not delivered\n");
+    EXPECT_EQ(End(*platform), 0);
 }
 
 // A platform that shares no code with this project.
@@ -206,6 +264,16 @@ TEST_F(ReplayAsTheLibrary, ReportsOtherRepliesAndEventsThatDoNotCome) {
                                        "    \"name\" is \"Uno\", in the recording \"Due\"\n"
                                        "missing: record 8, channel_config.changed reserved=\"B\"\n"
                                        "    it did not come\n"));
+}
+
+TEST_F(ReplayAsTheLibrary, NeedsTheSocketsOfTheLibraryOnlyForRecordedEvents) {
+    const Descriptor service(ListenOn(mDirectory / kChannelConfigEvents));
+    const FinishedRun refused = Ctl({"replay", File(), "--as", "library"});
+    EXPECT_EQ(refused.exit, 2);
+    EXPECT_THAT(refused.errors, HasSubstr("another process serves it"));
+    const std::string requests = mDirectory / "requests.ndjson";
+    ASSERT_EQ(Ctl({"show", File(), "--filter", "!event", "--record", requests}).exit, 0);
+    EXPECT_EQ(Ctl({"replay", requests, "--as", "library"}).exit, 0);
 }
 
 TEST_F(ReplayAsTheLibrary, ReportsThatThePlatformDoesNotReply) {

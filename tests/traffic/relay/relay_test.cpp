@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -243,25 +242,6 @@ TEST_F(RelayTest, ConnectionsFromBeforeAreNamedOrBroken) {
     EXPECT_TRUE(relay.WaitForNote("ended 1 connection of traffic_tests"));
     EXPECT_TRUE(caller.PeerCloses());
     EXPECT_TRUE(server.PeerCloses());
-}
-
-TEST_F(RelayTest, WhatAKilledRelayHasLeftIsRestoredByTheNext) {
-    const FakePlatform platform(kChannel, R"({"ret":0})");
-    const ino_t inode = InodeOf(directory / kChannel);
-    const pid_t child = fork();
-    if (child == 0) {
-        auto* relay = new Relay(Here(), [](const Record&) {});
-        (void)relay;
-        _exit(0);  // nothing is restored
-    }
-    waitpid(child, nullptr, 0);
-    EXPECT_EQ(InodeOf(directory / "service_plugin_to_hbbtv_vb_chn.relay"), inode);
-    {
-        const RunningRelay relay(Here());
-        EXPECT_EQ(relay.Of().Restored(), std::vector<std::string>{kChannel});
-        EXPECT_EQ(Ask("{}"), R"({"ret":0})");
-    }
-    EXPECT_EQ(InodeOf(directory / kChannel), inode);
 }
 
 // Needs root, as the other tests that change the user.

@@ -36,7 +36,7 @@ inline std::vector<std::pair<std::string, Record>> FilteredRecords() {
     Record bent = SetChannel(-1, 2500000);
     bent.rule = "delay=2s";
     bent.library = {4711, 1000, "hbbtv-service"};
-    Record other = Exchange("private_socket", R"({"a":1})", "no JSON");
+    Record other = Exchange("private_socket", R"({"a":1,"tabid":3})", "no JSON");
     return {{"name", GetName()}, {"set", SetChannel(0, 5000)}, {"bent", bent}, {"event", ChangedEvent()},
             {"open", open},      {"damaged", damaged},         {"note", note}, {"other", other}};
 }
@@ -78,6 +78,10 @@ inline std::vector<FilterCase> FilterCases() {
         {"socket:private", ""},
         {"rule~delay", "bent"},
         {"note~disk", "note"},
+        {"tab:3", "other"},
+        {"tab:4", ""},
+        {"tab!=3", "name set bent event open damaged note"},
+        {"app:3", ""},
         {"pid:4711", "bent"},
         {"pid:4712", ""},
         {"process:service", "bent"},

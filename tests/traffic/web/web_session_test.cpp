@@ -64,7 +64,7 @@ class Web : public testing::Test {
     void TearDown() override { End(); }
 
     void Serve(std::function<std::vector<Record>()> open) {
-        session = std::make_unique<WebSession>(WebSettings{directory.Path(), 0, {}, std::move(open)});
+        session = std::make_unique<WebSession>(WebSettings{directory.Path(), "", 0, {}, std::move(open)});
         thread = std::thread([this] { session->Run(); });
         const std::string address = session->Address();  // http://127.0.0.1:PORT/TOKEN/
         port = std::stoi(address.substr(address.rfind(':') + 1));
@@ -225,7 +225,7 @@ TEST_F(Web, RefusesMoreConnectionsThanPagesNeedAndRecovers) {
 
 TEST_F(Web, RefusesAPortThatIsInUse) {
     try {
-        WebSession second({directory.Path(), static_cast<uint16_t>(port), {}, {}});
+        WebSession second({directory.Path(), "", static_cast<uint16_t>(port), {}, {}});
         ADD_FAILURE() << "no failure";
     } catch (const Failure& e) {
         EXPECT_EQ(e.Code(), kUnavailable);

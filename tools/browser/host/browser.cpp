@@ -1,9 +1,18 @@
 #include "browser.h"
 
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
+#include "chromium/keys.h"
 #include "common/failure.h"
 #include "common/text/printable.h"
 #include "common/text/quote.h"
@@ -15,6 +24,9 @@ namespace hbbtv::browser {
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr int kWidthOfRemote = 220;
+constexpr int kHeightOfTitle = 40;
 
 constexpr Milliseconds kTimeToRelease{1000};
 constexpr Milliseconds kTimeToGetATab{3000};
@@ -45,6 +57,51 @@ devtools::ChromiumOptions ChromiumFor(const Options& options) {
     return chromium;
 }
 
+// The window has a remote control beside the screen.
+devtools::ChromiumOptions WindowFor(const Options& options) {
+    devtools::ChromiumOptions chromium;
+    chromium.window = true;
+    const ScreenSize& size = options.size;
+    chromium.arguments = {"--app=data:text/html,Television",
+                          "--window-size=" + std::to_string(size.width + kWidthOfRemote) + "," +
+                              std::to_string(size.height + kHeightOfTitle)};
+    return chromium;
+}
+
+// Returns the video of a channel: the file in the directory that has its name, with any extension; else "".
+std::string PictureFile(const std::string& directory, const std::string& channel) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(directory, error)) {
+        if (entry.path().stem() == channel || entry.path().filename() == channel) return entry.path().string();
+    }
+    return "";
+}
+
+// Returns what failed, or "". A reader sees the old file or the new one.
+std::string ReplaceFile(const std::string& name, const std::string& bytes) {
+    const std::string next = name + ".new";
+    std::ofstream file(next, std::ios::binary);
+    file << bytes;
+    file.close();
+    if (file && std::rename(next.c_str(), name.c_str()) == 0) return "";
+    const std::string problem = "cannot write " + Quoted(name) + ": " + std::strerror(errno);
+    std::remove(next.c_str());
+    return problem;
+}
+
+// Runs a program with one argument, and forgets it.
+void RunProgram(const std::string& program, const std::string& argument) {
+    std::thread([program, argument] {
+        pid_t pid = 0;
+        char* const words[] = {const_cast<char*>(program.c_str()), const_cast<char*>(argument.c_str()), nullptr};
+        if (posix_spawnp(&pid, program.c_str(), nullptr, nullptr, words, environ) == 0) {
+            waitpid(pid, nullptr, 0);
+        } else {
+            std::fprintf(stderr, "hbbtv-browser: cannot run %s\n", Quoted(program).c_str());
+        }
+    }).detach();
+}
+
 }  // namespace
 
 Browser::Browser(const Options& options, devtools::Loop& loop, Platform& platform)
@@ -58,6 +115,8 @@ Browser::Browser(const Options& options, devtools::Loop& loop, Platform& platfor
             {[this](int id, const Tab& tab) { TabCreated(id, tab); },
              [this](int id, const Tab&) { return BecomesRelated(id); }, [this](int id, const Tab&) { TabGone(id); },
              [this](const std::string& url) { return mCarousel.PageUrl(url); }}) {
+    mFiles.Serve(kTelevisionUrl, "");
+    mFiles.Serve(kPictureUrl, "");
     for (const auto& [url, directory] : options.serve) mFiles.Serve(url, directory);
     const std::string& page = options.page;
     const bool served = !options.serve.empty() && options.serve[0].first == kFilesOrigin;
@@ -78,53 +137,109 @@ int Browser::Run() {
     mPlatform.Start({[this](const Json::Value& event) { TakeEvent(event); },
                      [this](const std::string& command, const Json::Value& arguments, const Platform::Reply& reply) {
                          mTabs.Take(command, arguments, reply);
+                         Painted();
                      },
-                     [this] { mHoldings.Clear(); }, [] {}});
-    mLoop.OnSignals([this] { End(kDone, ""); });
-    StartChromium();
+                     [this] { ObjectsLost("service"); }, [] {}, [this] { ObjectsLost("platform"); }});
+    mLoop.OnSignals({SIGINT, SIGTERM}, [this] { End(kDone, ""); });
+    mLoop.OnSignals({SIGUSR1}, [this] {
+        WritePicture([](const std::string& problem) {
+            if (!problem.empty()) std::fprintf(stderr, "hbbtv-browser: %s\n", Printable(problem).c_str());
+        });
+    });
+    StartApplications();
+    if (mOptions.HasWindow()) OpenWindow();
     if (!mUrl.empty()) OpenPage();
     mLoop.RunUntil([this] { return mExit.has_value(); });
-    ReleaseAll();
-    mTabs.Use(nullptr);
-    mPlatform.Flush(kTimeToRelease);
-    mChromium.reset();
+    Stop();
     if (*mExit != kDone) throw Failure(static_cast<ExitCode>(*mExit), mMessage);
     return kDone;
 }
 
-void Browser::StartChromium() {
-    mChromium = std::make_unique<devtools::DevTools>(mLoop, ChromiumFor(mOptions));
-    Pages::Handlers handlers{[this](const std::string& page, const PageChange& change) { Changed(page, change); },
-                             [this](const Document& document, const Request& request) { Called(document, request); },
-                             [this](const Request& request) { FileWanted(request); },
-                             [this](const std::string& document) { DocumentGone(document); }};
-    mPages = std::make_unique<Pages>(*mChromium, mConsole,
-                                     Pages::Settings{kPageScript, mOptions.size, mFiles.Prefixes(), kBroadcastHosts},
-                                     handlers);
-    mChromium->SetHandlers([this](const std::string& session, const std::string& method,
-                                  const Json::Value& params) { mPages->Take(session, method, params); },
-                           [this] { ChromiumEnded(); });
-    mTabs.Use(mPages.get());
+void Browser::Stop() {
+    if (mErrand) mErrand->Stop();
+    ReleaseAll();
+    mTabs.Use(nullptr);
+    mPlatform.Flush(kTimeToRelease);
+    // Ending one runs the loop, and with it functions of the other.
+    for (Side* side : {&mWindow, &mApplications}) {
+        if (side->chromium) side->chromium->Forget();
+    }
+    mScreen.reset();
+    for (Side* side : {&mWindow, &mApplications}) {
+        side->pages.reset();
+        side->chromium.reset();
+    }
+}
+
+void Browser::Start(Side& side, const devtools::ChromiumOptions& options, bool window) {
+    side.chromium = std::make_unique<devtools::DevTools>(mLoop, options);
+    Pages::Handlers handlers{
+        [this, &side](const std::string& page, const PageChange& change) { Changed(side, page, change); },
+        [this, &side](const Document& document, const Request& request) { Called(side, document, request); },
+        [this, &side](const Request& request) { FileWanted(side, request); },
+        [this](const std::string& document) { DocumentGone(document); }, nullptr};
+    if (!window && mOptions.HasWindow()) handlers.onPainted = [this] { Painted(); };
+    ScreenSize size = mOptions.size;
+    if (window) size.width += kWidthOfRemote;
+    const Pages::Settings settings{kPageScript, size, mFiles.Prefixes(), kBroadcastHosts};
+    side.pages = std::make_unique<Pages>(*side.chromium, mConsole, settings, handlers);
+    side.chromium->SetHandlers([&side](const std::string& session, const std::string& method,
+                                       const Json::Value& params) { side.pages->Take(session, method, params); },
+                               [this, window] {
+                                   // The viewer has closed the window.
+                                   if (window) return End(kDone, "");
+                                   ApplicationsEnded();
+                               });
+}
+
+void Browser::StartApplications() {
+    Start(mApplications, ChromiumFor(mOptions), false);
+    mTabs.Use(mApplications.pages.get());
+    if (!mOptions.HasWindow()) MakeScreen(mApplications);
+}
+
+// In the window, or on a page that is only seen in pictures, and exists when the first one is taken.
+void Browser::MakeScreen(Side& side) {
+    mScreen = std::make_unique<Screen>(
+        *side.pages, [this] { return mApplications.pages.get(); }, [this] { return mTabs.Shown(); });
+}
+
+void Browser::OpenWindow() {
+    Start(mWindow, WindowFor(mOptions), true);
+    MakeScreen(mWindow);
+    mScreen->Start(true, [this] {
+        mWindow.pages->Evaluate(mScreen->Page(), "television.showRemote()", [](const Json::Value&) {});
+        Painted();
+    });
 }
 
 // One that has not even started is not started again. Called by Chromium's own object, so the next one is started
 // later.
-void Browser::ChromiumEnded() {
-    const std::string message = "Chromium has ended: " + mChromium->LastMessage();
+void Browser::ApplicationsEnded() {
+    const std::string message = "Chromium has ended: " + mApplications.chromium->LastMessage();
     mTabs.Use(nullptr);
     ReleaseAll();
-    if (mErrand || !mPages->Started()) return End(kPeerLost, message);
+    if (mErrand || !mApplications.pages->Started()) return End(kPeerLost, message);
     std::fprintf(stderr, "hbbtv-browser: %s; it is started again\n", Printable(message).c_str());
     mLoop.Post([this] {
-        mPages.reset();
-        mChromium.reset();
-        StartChromium();
+        if (!mOptions.HasWindow()) mScreen.reset();
+        mApplications.pages.reset();
+        mApplications.chromium.reset();
+        StartApplications();
     });
+}
+
+void Browser::End(int code, const std::string& message) {
+    if (mExit) return;
+    mExit = code;
+    mMessage = message;
 }
 
 void Browser::OpenPage() {
     if (mOptions.EndsByItself())
-        mErrand.emplace(mOptions, mLoop, *mPages, [this](int code, const std::string& text) { End(code, text); });
+        mErrand.emplace(
+            mOptions, mLoop, *mApplications.pages, [this](const auto& onTaken) { WritePicture(onTaken); },
+            [this](int code, const std::string& text) { End(code, text); });
     if (mOptions.alone) return OpenAlone();
     Json::Value arguments;
     arguments["appId"] = -1;
@@ -134,21 +249,11 @@ void Browser::OpenPage() {
     arguments["opapp"] = false;
     std::thread([this, arguments] {
         const CallResult result = mPlatform.Call("IApplicationManager.CreateApplication", arguments);
-        mLoop.Post([this, result] { Started(result); });
+        mLoop.Post([this, result] { PageStarted(result); });
     }).detach();
     mLoop.After(kTimeToGetATab, [this] {
         if (mTab == 0 && !mExit) OpenAlone();
     });
-}
-
-// The platform has started the page as an application, or not.
-void Browser::Started(const CallResult& application) {
-    if (!application.Ok()) return OpenAlone();
-    mCarousel.StartApplication(mUrl);
-    Json::Value arguments;
-    arguments["appId"] = application.results["newAppId"];
-    arguments["orgId"] = application.results["newOrgId"];
-    mPlatform.CallLater("IApplicationManager.Show", arguments);
 }
 
 // As if the platform had commanded it.
@@ -166,6 +271,16 @@ void Browser::OpenAlone() {
         load["tabId"] = created["tabId"];
         mTabs.Take("LoadURLInTab", load, [](const Json::Value&) {});
     });
+}
+
+// The platform has started the page as an application, or not.
+void Browser::PageStarted(const CallResult& application) {
+    if (!application.Ok()) return OpenAlone();
+    mCarousel.StartApplication(mUrl);
+    Json::Value arguments;
+    arguments["appId"] = application.results["newAppId"];
+    arguments["orgId"] = application.results["newOrgId"];
+    mPlatform.CallLater("IApplicationManager.Show", arguments);
 }
 
 void Browser::TabCreated(int id, const Tab& tab) {
@@ -187,9 +302,58 @@ void Browser::TabGone(int id) {
     if (id == mTab && mErrand) End(kUnavailable, "the platform has ended the application");
 }
 
-void Browser::Changed(const std::string& page, const PageChange& change) {
+void Browser::Changed(const Side& side, const std::string& page, const PageChange& change) {
+    if (mScreen) mScreen->Changed(page, change);
+    if (&side != &mApplications) return;
     if (mErrand) mErrand->Changed(page, change);
     mTabs.Changed(page, change);
+    if (change.kind == PageChange::Kind::Gone) Painted();
+}
+
+void Browser::Called(Side& side, const Document& document, const Request& request) {
+    mCalls.Make(
+        request.body,
+        [&](const std::string& name, const Json::Value& arguments) { return HostCall(document, name, arguments); },
+        [this, document](const std::vector<MadeCall>& calls) {
+            for (const MadeCall& call : calls) Made(document, call);
+        },
+        [&side, request](const std::string& answer) {
+            if (!side.pages) return;
+            if (answer.empty()) return side.pages->Fulfill(request, {400, "text/plain", "not a list of calls", ""});
+            side.pages->Fulfill(request, {200, "application/json", answer, ""});
+        });
+}
+
+void Browser::Made(const Document& document, const MadeCall& call) {
+    mHoldings.Called(document.name, call.method, call.arguments, call.results);
+    if (mScreen) mScreen->Made(call);
+    if (call.method == "IApplicationManager.CreateApplication")
+        mCarousel.StartApplication(call.arguments["url"].asString());
+}
+
+Json::Value Browser::HostCall(const Document& document, const std::string& name, const Json::Value& arguments) {
+    const int tab = mTabs.Of(document.page);
+    if (name == "tab") return mTabs.Described(tab);
+    if (name == "close" && tab != 0) mTabs.CloseRequested(tab);
+    if (name == "press" && mScreen && document.page == mScreen->Page()) Press(arguments["name"].asString());
+    return Json::objectValue;
+}
+
+void Browser::FileWanted(Side& side, const Request& request) {
+    const Response missing{404, "text/plain", "no such file", ""};
+    const Response none{204, "", "", ""};
+    if (request.url == kTelevisionUrl) return side.pages->Fulfill(request, {200, "text/html", kTelevision, ""});
+    if (request.url.rfind(kPictureUrl, 0) == 0) {
+        const std::string file = PictureFile(mOptions.picture, PathOf(request.url).substr(1));
+        return side.pages->Fulfill(request, file.empty() ? none : BytesResponse(file, file, request.range));
+    }
+    const std::string url = BroadcastUrl(request.url);
+    if (url.empty()) return side.pages->Fulfill(request, mFiles.Answer(request.url, request.range).value_or(missing));
+    mCarousel.Request(url, [&side, request, missing](const std::string& path) {
+        if (!side.pages) return;
+        const std::string name = PathOf(request.url);
+        side.pages->Fulfill(request, path.empty() ? missing : BytesResponse(path, name, request.range));
+    });
 }
 
 void Browser::GetXmlFile(const std::string& url, const Platform::Reply& reply) {
@@ -204,64 +368,62 @@ void Browser::GetXmlFile(const std::string& url, const Platform::Reply& reply) {
             url, [answer](const std::string& path) { answer(path.empty() ? "" : BytesResponse(path, path, "").body); });
     }
     const std::optional<Response> file = mFiles.Answer(url, "");
-    if (!file) return mPages->GetFile(url, answer);
+    if (!file) return mApplications.pages->GetFile(url, answer);
     answer(file->status == 200 ? file->body : "");
-}
-
-void Browser::End(int code, const std::string& message) {
-    if (mExit) return;
-    mExit = code;
-    mMessage = message;
-}
-
-void Browser::Called(const Document& document, const Request& request) {
-    mCalls.Make(
-        request.body, [&](const std::string& name, const Json::Value&) { return HostCall(document, name); },
-        [this, document](const std::vector<MadeCall>& calls) {
-            for (const MadeCall& call : calls) Made(document, call);
-        },
-        [this, request](const std::string& answer) {
-            if (answer.empty()) return mPages->Fulfill(request, {400, "text/plain", "not a list of calls", ""});
-            mPages->Fulfill(request, {200, "application/json", answer, ""});
-        });
-}
-
-void Browser::Made(const Document& document, const MadeCall& call) {
-    mHoldings.Called(document.name, call.method, call.arguments, call.results);
-    if (call.method == "IApplicationManager.CreateApplication")
-        mCarousel.StartApplication(call.arguments["url"].asString());
 }
 
 void Browser::TakeEvent(const Json::Value& event) {
     if (event["interface"] == "IDsmcc") return mCarousel.Take(event["arguments"]);
     if (event["event"] == "onRequestDsmccFile") mCarousel.StartApplication(event["arguments"]["fileName"].asString());
-    if (mPages) mPages->Deliver(event);
-}
-
-Json::Value Browser::HostCall(const Document& document, const std::string& name) {
-    const int tab = mTabs.Of(document.page);
-    if (name == "tab") return mTabs.Described(tab);
-    if (name == "close" && tab != 0) mTabs.CloseRequested(tab);
-    return Json::objectValue;
-}
-
-void Browser::FileWanted(const Request& request) {
-    const Response missing{404, "text/plain", "no such file", ""};
-    const std::string url = BroadcastUrl(request.url);
-    if (url.empty()) return mPages->Fulfill(request, mFiles.Answer(request.url, request.range).value_or(missing));
-    mCarousel.Request(url, [this, request, missing](const std::string& path) {
-        if (!mPages) return;
-        const std::string name = PathOf(request.url);
-        mPages->Fulfill(request, path.empty() ? missing : BytesResponse(path, name, request.range));
-    });
+    if (mScreen) mScreen->Take(event);
+    for (const Side* side : {&mApplications, &mWindow}) {
+        if (side->pages) side->pages->Deliver(event);
+    }
 }
 
 void Browser::DocumentGone(const std::string& document) {
-    for (const Release& release : mHoldings.Gone(document)) mPlatform.CallLater(release.first, release.second);
+    for (const Release& release : mHoldings.Gone(document)) {
+        if (mScreen && release.second.isMember("vb")) mScreen->Released(release.second["vb"].asInt64());
+        mPlatform.CallLater(release.first, release.second);
+    }
+}
+
+// Pages are notified, so that they forget their handles.
+void Browser::ObjectsLost(const char* ended) {
+    mHoldings.Clear();
+    Json::Value event;
+    event["interface"] = "host";
+    event["event"] = "restart";
+    event["arguments"]["of"] = ended;
+    TakeEvent(event);
 }
 
 void Browser::ReleaseAll() {
     for (const std::string& document : mHoldings.Documents()) DocumentGone(document);
+}
+
+void Browser::Painted() {
+    if (mScreen && mOptions.HasWindow()) mScreen->Refresh();
+}
+
+void Browser::WritePicture(const std::function<void(const std::string&)>& onWritten) {
+    if (mScreen->Page().empty()) return mScreen->Start(false, [this, onWritten] { WritePicture(onWritten); });
+    mScreen->Capture([this, onWritten](const std::string& png) {
+        if (png.empty()) return onWritten("cannot take a picture");
+        onWritten(ReplaceFile(mOptions.screenshot, png));
+    });
+}
+
+// A key of the remote control in the window, or of the keyboard.
+void Browser::Press(const std::string& key) {
+    if (!mOptions.remote.empty()) return RunProgram(mOptions.remote, key);
+    const std::vector<std::string> shown = mTabs.Shown();
+    if (shown.empty()) return;
+    try {
+        mApplications.pages->PressKey(shown.back(), KeyCode(key));
+    } catch (const Failure&) {
+        // A key for the television, such as P+, which has no remote control here.
+    }
 }
 
 }  // namespace hbbtv::browser

@@ -16,6 +16,7 @@
 #include "platform/holdings.h"
 #include "platform/page_calls.h"
 #include "platform/platform.h"
+#include "screen.h"
 #include "tabs.h"
 
 namespace hbbtv::browser {
@@ -28,25 +29,44 @@ class Browser {
     int Run();
 
   private:
-    void StartChromium();
-    void ChromiumEnded();
+    // A Chromium: that of the applications, and that of the window, if there is one.
+    struct Side {
+        std::unique_ptr<devtools::DevTools> chromium;
+        std::unique_ptr<Pages> pages;
+    };
+
+    void Start(Side& side, const devtools::ChromiumOptions& options, bool window);
+    void StartApplications();
+    void MakeScreen(Side& side);
+    void OpenWindow();
+    void ApplicationsEnded();
+    void End(int code, const std::string& message);
+    void Stop();
+
+    // The page of the command line.
     void OpenPage();
     void OpenAlone();
-    void Started(const CallResult& application);
+    void PageStarted(const CallResult& application);
     void TabCreated(int id, const Tab& tab);
     void TabGone(int id);
     bool BecomesRelated(int id);
-    void GetXmlFile(const std::string& url, const Platform::Reply& reply);
-    void End(int code, const std::string& message);
 
-    void TakeEvent(const Json::Value& event);
-    void Called(const Document& document, const Request& request);
+    // What pages and the platform want.
+    void Changed(const Side& side, const std::string& page, const PageChange& change);
+    void Called(Side& side, const Document& document, const Request& request);
     void Made(const Document& document, const MadeCall& call);
-    Json::Value HostCall(const Document& document, const std::string& name);
-    void Changed(const std::string& page, const PageChange& change);
-    void FileWanted(const Request& request);
+    Json::Value HostCall(const Document& document, const std::string& name, const Json::Value& arguments);
+    void FileWanted(Side& side, const Request& request);
+    void GetXmlFile(const std::string& url, const Platform::Reply& reply);
+    void TakeEvent(const Json::Value& event);
     void DocumentGone(const std::string& document);
+    void ObjectsLost(const char* ended);
     void ReleaseAll();
+
+    // What the viewer sees and presses.
+    void Painted();
+    void WritePicture(const std::function<void(const std::string& problem)>& onWritten);
+    void Press(const std::string& key);
 
     const Options& mOptions;
     devtools::Loop& mLoop;
@@ -58,8 +78,9 @@ class Browser {
     Files mFiles;
     std::string mUrl;  // page of the command line
     int mTab = 0;      // of this page
-    std::unique_ptr<devtools::DevTools> mChromium;
-    std::unique_ptr<Pages> mPages;
+    Side mApplications;
+    Side mWindow;
+    std::unique_ptr<Screen> mScreen;
     Tabs mTabs;
     std::optional<Errand> mErrand;
     std::optional<int> mExit;

@@ -1,15 +1,10 @@
 #include "errand.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
-#include <fstream>
 
-#include "chromium/base64.h"
 #include "chromium/keys.h"
 #include "common/failure.h"
 #include "common/text/json.h"
-#include "common/text/quote.h"
 
 namespace hbbtv::browser {
 
@@ -52,6 +47,7 @@ void Errand::PressNext() {
 }
 
 void Errand::WaitForCondition() {
+    if (!mOnDone) return;
     if (mOptions.until.empty()) return Print();
     mPages.Evaluate(mPage, "Promise.resolve(" + mOptions.until + ").then(Boolean)", [this](const Json::Value& value) {
         if (value.isBool() && value.asBool()) return Settle([this] { Print(); });
@@ -60,26 +56,17 @@ void Errand::WaitForCondition() {
 }
 
 void Errand::Print() {
-    if (mOptions.print.empty()) return TakePicture();
+    if (mOptions.print.empty()) return Depict();
     mPages.Evaluate(mPage, mOptions.print, [this](const Json::Value& value) {
         std::printf("%s\n", WriteJson(value).c_str());
         std::fflush(stdout);
-        TakePicture();
+        Depict();
     });
 }
 
-void Errand::TakePicture() {
+void Errand::Depict() {
     if (mOptions.screenshot.empty()) return Finish(kDone, "");
-    mPages.Send(
-        mPage, "Page.captureScreenshot", Json::Value(Json::objectValue), [this](const devtools::Answer& answer) {
-            if (!answer.Ok()) return Finish(kPeerLost, "cannot take a picture: " + answer.error);
-            std::ofstream file(mOptions.screenshot, std::ios::binary);
-            file << FromBase64(answer.result["data"].asString());
-            file.close();
-            if (!file)
-                return Finish(kUsage, "cannot write " + Quoted(mOptions.screenshot) + ": " + std::strerror(errno));
-            Finish(kDone, "");
-        });
+    mTakePicture([this](const std::string& problem) { Finish(problem.empty() ? kDone : kUsage, problem); });
 }
 
 void Errand::Finish(int code, const std::string& message) {

@@ -82,8 +82,16 @@ void AddOptions(CLI::App& app, Options& options) {
         ->type_name("NAME,...")
         ->delimiter(',')
         ->check(CheckKey);
-    app.add_option("--screenshot", options.screenshot, "Then write a picture of the page (PNG), and exit")
+    app.add_option("--screenshot", options.screenshot,
+                   "Then write a picture of the screen (PNG), and exit; without PAGE, at each SIGUSR1")
         ->type_name("FILE");
+    app.add_flag("--headless", options.headless, "Open no window, although there is a display");
+    app.add_option("--picture", options.picture, "Play the video that has the name of the channel in this directory")
+        ->type_name("DIR")
+        ->check(CLI::ExistingDirectory);
+    app.add_option("--remote", options.remote,
+                   "Run this program, with the name of the key, for each key that is pressed in the window")
+        ->type_name("PROGRAM");
     app.add_option("--until", options.until, "Wait until this JavaScript expression is true, before keys and picture")
         ->type_name("EXPRESSION");
     app.add_option("--print", options.print, "Print the value of this JavaScript expression as JSON, and exit")
@@ -109,6 +117,15 @@ void AddOptions(CLI::App& app, Options& options) {
 
 }  // namespace
 
+bool Options::EndsByItself() const {
+    return !page.empty() && (!screenshot.empty() || !keys.empty() || !until.empty() || !print.empty());
+}
+
+bool Options::HasWindow() const {
+    const bool display = std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
+    return display && !headless && !EndsByItself();
+}
+
 std::optional<Options> ReadOptions(int argc, char** argv, int& exitCode) {
     CLI::App app("Run HbbTV applications in Chromium, as a client of the HbbTV service library.");
     app.name("hbbtv-browser");
@@ -132,8 +149,8 @@ std::optional<Options> ReadOptions(int argc, char** argv, int& exitCode) {
     }
     const bool served = !options.serve.empty() && options.serve[0].first == kFilesOrigin;
     if (options.page.empty() && served) options.page = "/";
-    if (options.page.empty() && options.EndsByItself()) {
-        std::fprintf(stderr, "hbbtv-browser: --keys, --screenshot, --until and --print require a PAGE\n");
+    if (options.page.empty() && !(options.keys.empty() && options.until.empty() && options.print.empty())) {
+        std::fprintf(stderr, "hbbtv-browser: --keys, --until and --print require a PAGE\n");
         exitCode = kUsage;
         return std::nullopt;
     }

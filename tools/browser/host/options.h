@@ -18,6 +18,9 @@ struct Options {
     std::vector<std::string> keys;
     bool console = false;
     bool alone = false;
+    bool headless = false;
+    std::string picture;
+    std::string remote;
     std::string until;
     std::string print;
     std::string userAgent{
@@ -28,8 +31,11 @@ struct Options {
     Milliseconds limit{30000};
     Milliseconds callLimit{5000};
 
+    // Whether there is a display, and the program stays.
+    bool HasWindow() const;
+
     // Whether the program ends when it has done what it was asked to do with the page.
-    bool EndsByItself() const { return !screenshot.empty() || !keys.empty() || !until.empty() || !print.empty(); }
+    bool EndsByItself() const;
 };
 
 // Returns the options, or the exit code if the program must not run: help was shown, or the command line is invalid.

@@ -102,7 +102,9 @@ void Tabs::Create(const Json::Value& arguments, const Platform::Reply& reply) {
         if (arguments["autoShow"].asBool()) Show(id, true);
         mLoop.After(kTimeToLoad, [this, id] {
             const Tab* tab = Find(id);
-            if (tab != nullptr && !tab->loading && !tab->held) Load(id);
+            if (tab == nullptr || tab->loading || tab->held) return;
+            mTabs[id].early = true;
+            Load(id);
         });
     });
 }
@@ -115,10 +117,12 @@ void Tabs::Created(int id, const std::string& page) {
 
 void Tabs::LoadUrl(const Json::Value& arguments, const Platform::Reply& reply) {
     const int id = arguments["tabId"].asInt();
-    Fill(mTabs[id], arguments);
+    Tab& tab = mTabs[id];
+    const bool begun = std::exchange(tab.early, false) && tab.url == arguments["url"].asString();
+    Fill(tab, arguments);
     Done(reply);
     if (arguments["autoShow"].asBool()) Show(id, true);
-    Tab& tab = mTabs[id];
+    if (begun) return;
     tab.held = !tab.broadcastRelated && mHandlers.becomesRelated(id, tab);
     if (!tab.held) return Load(id);
     mLoop.After(kTimeToBecomeRelated, [this, id] {

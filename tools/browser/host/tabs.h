@@ -23,6 +23,7 @@ struct Tab {
     std::vector<std::string> boundaries;
     bool shown = false;
     bool loading = false;    // its URL, or loaded
+    bool early = false;      // loading began before the platform's command
     bool held = false;       // loading waits until it is broadcast-related
     bool destroyed = false;  // as the platform commanded, or after a crash
 };

@@ -144,6 +144,9 @@
         if (open && event.state === 2) showProgrammes();
     });
     video.onProgrammesChanged = showProgrammes;
+    video.onFullScreenChange = function() {
+        document.body.className = video.fullScreen ? 'full' : '';
+    };
 
     video.bindToCurrentChannel();
     listen();

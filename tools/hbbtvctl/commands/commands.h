@@ -19,6 +19,7 @@ void AddEmit(CLI::App& app, Invocation& invocation);
 void AddPlay(CLI::App& app, Invocation& invocation);
 void AddBench(CLI::App& app, Invocation& invocation);
 void AddMonitor(CLI::App& app, Invocation& invocation);
+void AddWeb(CLI::App& app, Invocation& invocation);
 void AddStatus(CLI::App& app, Invocation& invocation);
 void AddLog(CLI::App& app, Invocation& invocation);
 void AddCheck(CLI::App& app, Invocation& invocation);

@@ -9,6 +9,7 @@
 #include "traffic/export/pcapng.h"
 #include "traffic/export/perfetto.h"
 #include "traffic/walk.h"
+#include "traffic/web/page.h"
 
 namespace hbbtv::ctl {
 
@@ -58,12 +59,14 @@ void WriteAll(Writer writer, OutputFile& file, traffic::Selection& selection, bo
 }  // namespace
 
 std::vector<CLI::Option*> AddExports(CLI::App& command, ExportOptions& options) {
-    return {command.add_option("--pcapng", options.pcapng, "Write the messages to this file, for Wireshark")
-                ->type_name("FILE"),
-            command.add_option("--perfetto", options.perfetto, "Write a trace to this file, for Perfetto's page")
-                ->type_name("FILE"),
-            command.add_option("--walk", options.walk, "Write a file for hbbtvctl play that expects what was recorded")
-                ->type_name("FILE")};
+    return {
+        command.add_option("--pcapng", options.pcapng, "Write the messages to this file, for Wireshark")
+            ->type_name("FILE"),
+        command.add_option("--perfetto", options.perfetto, "Write a trace to this file, for Perfetto's page")
+            ->type_name("FILE"),
+        command.add_option("--walk", options.walk, "Write a file for hbbtvctl play that expects what was recorded")
+            ->type_name("FILE"),
+        command.add_option("--html", options.html, "Write a page to this file, for web browsers")->type_name("FILE")};
 }
 
 void WriteExport(const ExportOptions& options, traffic::Selection& selection, bool live) {
@@ -73,6 +76,8 @@ void WriteExport(const ExportOptions& options, traffic::Selection& selection, bo
         WriteAll(traffic::PcapngWriter(selection.Head(), live ? 0 : kWindow, write), file, selection, live);
     } else if (!options.walk.empty()) {
         WriteAll(WalkWriter(selection.Head(), write), file, selection, live);
+    } else if (!options.html.empty()) {
+        WriteAll(traffic::HtmlWriter(selection.Head(), write), file, selection, live);
     } else {
         WriteAll(traffic::PerfettoWriter(selection.Head(), write), file, selection, live);
     }

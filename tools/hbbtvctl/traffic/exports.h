@@ -13,9 +13,10 @@ struct ExportOptions {
     std::string pcapng;  // names of files; "-" is standard output
     std::string perfetto;
     std::string walk;
+    std::string html;
 
     // Returns the name of the file, or an empty string.
-    std::string File() const { return pcapng + perfetto + walk; }
+    std::string File() const { return pcapng + perfetto + walk + html; }
 };
 
 // Returns the options, which exclude each other.

@@ -218,7 +218,8 @@ void AddShow(CLI::App& app, Invocation& invocation) {
                     "  hbbtvctl show traffic.ndjson --filter 'family:channel & !op:GetName & ms>0.1'\n"
                     "  hbbtvctl show traffic.ndjson --stats --json\n"
                     "  hbbtvctl show traffic.ndjson --follow 0x1000\n"
-                    "  hbbtvctl show traffic.ndjson --filter 'event | error' --ladder");
+                    "  hbbtvctl show traffic.ndjson --filter 'event | error' --ladder\n"
+                    "  hbbtvctl show traffic.ndjson --html traffic.html");
     command->callback([options, &invocation] { invocation.run = [options] { return Run(*options); }; });
 }
 

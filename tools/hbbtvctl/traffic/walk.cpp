@@ -145,7 +145,7 @@ void WalkWriter::Finish() {
         const Record& record = mRecords[i];
         if (!record.event) request = i;
         if (Registers(record)) families.insert(record.family);
-        if (!record.event || !WasReceived(record) || record.family.empty()) continue;
+        if (!record.event || !WasReceived(record) || ProtocolEntry(record) == nullptr) continue;
         // Some families register for events without a request.
         if (families.insert(record.family).second) mRegisterBefore[request.value_or(i)].push_back(record.family);
     }
@@ -154,7 +154,7 @@ void WalkWriter::Finish() {
         RegisterBefore(i);
         const uint64_t time = mRecords[i].time.Wall();
         if (mRecords[i].event) {
-            WriteEvent(mRecords[i], time - before);
+            WriteEvent(mRecords[i], time > before ? time - before : 0);
         } else {
             WriteRequest(mRecords[i]);
         }

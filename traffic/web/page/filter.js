@@ -12,9 +12,7 @@ class FilterError extends Error {
 const DEEPEST = 100;
 
 class FilterParser {
-  constructor(text, protocol) {
-    Object.assign(this, {text, protocol, at: 0, depth: 0});
-  }
+  constructor(text, protocol) { Object.assign(this, {text, protocol, at: 0, depth: 0}); }
 
   // Returns a function of a subject, or null for an empty text.
   parse() {
@@ -27,7 +25,9 @@ class FilterParser {
 
   atEnd() { return this.at >= this.text.length; }
   here() { return this.text[this.at] ?? ""; }
-  skipBlanks() { while (/\s/.test(this.here())) ++this.at; }
+  skipBlanks() {
+    while (/\s/.test(this.here())) ++this.at;
+  }
 
   // Takes "&" or "&&".
   take(sign) {
@@ -52,7 +52,9 @@ class FilterParser {
 
   operand() {
     if (++this.depth > DEEPEST) throw new FilterError(this.at + 1, "nested too deeply");
-    const result = this.take("!") ? inverted(this.operand()) : this.here() === "(" ? this.group() : testOf(this.word(), this.protocol);
+    const result = this.take("!") ? inverted(this.operand()) :
+        this.here() === "("       ? this.group() :
+                                    testOf(this.word(), this.protocol);
     --this.depth;
     return result;
   }
@@ -113,15 +115,17 @@ class Subject {
 }
 
 // Only ASCII letters change, as on the command line.
-function lowerCase(text) {
-  return text.replace(/[A-Z]+/g, (letters) => letters.toLowerCase());
-}
+function lowerCase(text) { return text.replace(/[A-Z]+/g, (letters) => letters.toLowerCase()); }
 
 function textOfRecord(row, record) {
-  const payload = (message) => !message ? "" : message.json !== undefined && message.json !== null
-    ? JSON.stringify(message.json) : atob(message.base64 ?? "");
-  return [fullName(row), record.socket, record.note, record.rule, record.library?.name, record.platform?.name,
-    payload(record.message), payload(record.reply)].map((part) => part ?? "").join("\n");
+  const payload = (message) => !message                   ? "" :
+      message.json !== undefined && message.json !== null ? JSON.stringify(message.json) :
+                                                            atob(message.base64 ?? "");
+  return [
+    fullName(row), record.socket, record.note, record.rule, record.library?.name, record.platform?.name,
+    payload(record.message), payload(record.reply)
+  ].map((part) => part ?? "")
+      .join("\n");
 }
 
 function fullName(row) {
@@ -155,7 +159,7 @@ const WORDS = {
   ruled: (row) => row.ruled,
 };
 
-const OTHER_FIELDS = ["family", "op", "operation", "handle", "pid", "process", "request.NAME", "reply.NAME"];
+const OTHER_FIELDS = ["family", "op", "handle", "app", "tab", "pid", "process", "request.NAME", "reply.NAME"];
 const EQUALITY = [":", "=", "==", "!="];
 const ORDER = [...EQUALITY, "<", ">", "<=", ">="];
 
@@ -165,18 +169,22 @@ function allow(word, comparisons) {
   }
 }
 
-function numberIn(text) {
-  return /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i.test(text) ? Number(text) : null;
-}
+function numberIn(text) { return /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i.test(text) ? Number(text) : null; }
 
 function holds(comparison, left, right) {
   switch (comparison) {
-    case "!=": return left !== right;
-    case ">": return left > right;
-    case "<": return left < right;
-    case ">=": return left >= right;
-    case "<=": return left <= right;
-    default: return left === right;
+    case "!=":
+      return left !== right;
+    case ">":
+      return left > right;
+    case "<":
+      return left < right;
+    case ">=":
+      return left >= right;
+    case "<=":
+      return left <= right;
+    default:
+      return left === right;
   }
 }
 
@@ -215,12 +223,15 @@ function fieldTest(word, protocol) {
   if (field === "family") return familyTest(word, protocol);
   if (field === "op" || field === "operation") return operationTest(word, protocol);
   if (field === "handle") return handleTest(word);
+  if (field === "app" || field === "tab") return numberOfAnySideTest(word, `${field}id`);
   if (field === "pid" || field === "process") return processTest(word, field);
   if (field.startsWith("request.")) return memberTest(word, (record) => record.message, word.field.slice(8));
   if (field.startsWith("reply.")) return memberTest(word, (record) => record.reply, word.field.slice(6));
   const known = [...OTHER_FIELDS, ...Object.keys(NUMBER_FIELDS), ...Object.keys(TEXT_FIELDS)];
-  throw new FilterError(word.position, `unknown field "${word.field}"; known are ${known.join(", ")} ` +
-    `(text with "${word.comparison}" in it has to be in quotes)`);
+  throw new FilterError(
+      word.position,
+      `unknown field "${word.field}"; known are ${known.join(", ")} ` +
+          `(text with "${word.comparison}" in it has to be in quotes)`);
 }
 
 function numberTest(word, value) {
@@ -239,7 +250,8 @@ function textTest(word, value) {
 
 function familyTest(word, protocol) {
   allow(word, EQUALITY);
-  const known = Object.keys(protocol.families).find((name) => [folded(name), "i" + folded(name)].includes(folded(word.value)));
+  const known =
+      Object.keys(protocol.families).find((name) => [folded(name), "i" + folded(name)].includes(folded(word.value)));
   if (!known && !word.value.includes("*")) throw new FilterError(word.position, `unknown family "${word.value}"`);
   const equal = fits(folded(known ?? word.value));
   return unlessInverted(word, ({row}) => equal(folded(row.knownFamily)));
@@ -248,8 +260,10 @@ function familyTest(word, protocol) {
 function operationTest(word, protocol) {
   allow(word, EQUALITY);
   const equal = fits(folded(word.value));
-  const names = new Set(protocol.entries().filter((entry) => [entry.name, entry.method, entry.callback]
-    .some((name) => name && equal(folded(name)))).map((entry) => entry.name));
+  const names = new Set(
+      protocol.entries()
+          .filter((entry) => [entry.name, entry.method, entry.callback].some((name) => name && equal(folded(name))))
+          .map((entry) => entry.name));
   if (names.size === 0 && !word.value.includes("*")) {
     throw new FilterError(word.position, `unknown operation or event "${word.value}"`);
   }
@@ -266,15 +280,27 @@ function handleTest(word) {
   const digits = /^(0x)?([0-9a-f]{1,16})$/i.exec(word.value);
   if (!digits) throw new FilterError(word.position, `"${word.value}" is not a handle, such as 0x1388f0af`);
   const wanted = parseInt(digits[2].slice(-8), 16);
-  return unlessInverted(word, ({row, record}) =>
-    row.kind === "exchange" && (hasHandle(record.message?.json, wanted) || hasHandle(record.reply?.json, wanted)));
+  return unlessInverted(
+      word,
+      ({row, record}) => row.kind === "exchange" &&
+          (hasHandle(record.message?.json, wanted) || hasHandle(record.reply?.json, wanted)));
+}
+
+// Applications and tabs are numbers in members of one name.
+function numberOfAnySideTest(word, key) {
+  allow(word, EQUALITY);
+  const wanted = numberIn(word.value);
+  if (wanted === null) throw new FilterError(word.position, `"${word.value}" is not a number`);
+  const has = (message) => message?.json?.[key] === wanted;
+  return unlessInverted(word, ({record}) => has(record.message) || has(record.reply));
 }
 
 function processTest(word, field) {
   allow(word, EQUALITY);
   const wanted = field === "pid" ? numberIn(word.value) : lowerCase(word.value);
   if (wanted === null) throw new FilterError(word.position, `"${word.value}" is not a number`);
-  const equal = field === "pid" ? (peer) => (peer?.pid ?? 0) === wanted : (peer) => lowerCase(peer?.name ?? "").includes(wanted);
+  const equal =
+      field === "pid" ? (peer) => (peer?.pid ?? 0) === wanted : (peer) => lowerCase(peer?.name ?? "").includes(wanted);
   return unlessInverted(word, ({record}) => equal(record.library) || equal(record.platform));
 }
 
@@ -300,17 +326,11 @@ function memberHolds(word, value) {
 }
 
 // Returns a text as a filter can contain it: quoted if necessary.
-function quotedWord(text) {
-  return /^[\w.*-]+$/.test(text) ? text : `"${text.replace(/["\\]/g, "\\$&")}"`;
-}
+function quotedWord(text) { return /^[\w.*-]+$/.test(text) ? text : `"${text.replace(/["\\]/g, "\\$&")}"`; }
 
 class Filter {
   // Throws FilterError.
-  constructor(text, protocol) {
-    this.root = new FilterParser(text, protocol).parse();
-  }
+  constructor(text, protocol) { this.root = new FilterParser(text, protocol).parse(); }
 
-  matches(row) {
-    return this.root === null || this.root(new Subject(row));
-  }
+  matches(row) { return this.root === null || this.root(new Subject(row)); }
 }

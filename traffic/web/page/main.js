@@ -2,10 +2,16 @@
 "use strict";
 
 const PRESETS = [
-  ["All", ""], ["Errors", "error"], ["Slow", "ms>100"], ["Open", "open"], ["Events", "event"],
+  ["All", ""],
+  ["Errors", "error"],
+  ["Slow", "ms>100"],
+  ["Open", "open"],
+  ["Events", "event"],
   ["Channel changes", "op:SetChannel | op:TOLM_VB_EVENT_CHANNEL* | op:TOLM_VB_EVENT_PLAY_STATE"],
-  ["Applications", "family:application_manager | family:mtm"], ["Connections", "kind:connected | kind:closed"],
+  ["Applications", "family:application_manager | family:mtm"],
+  ["Connections", "kind:connected | kind:closed"],
   ["Without pings", "!op:Ping"],
+  ["Without hbbtvctl", "!process:hbbtvctl"],
 ];
 
 const VIEWS = ["rows", "ladder", "statistics", "television"];
@@ -28,9 +34,14 @@ class Page {
   parts() {
     const {view, store} = this;
     Object.assign(view, {
-      select: (index) => this.select(view.row(index)), selectRow: (row) => this.select(row), show: (name) => this.show(name),
-      go: (row) => (this.show("rows"), this.select(row)), filterBy: (text) => this.filterBy(text), notice: (text) => this.notice(text),
-      showLadder: (row) => (this.select(row), this.show("ladder")), setSpan: (span) => this.setSpan(span),
+      select: (index) => this.select(view.row(index)),
+      selectRow: (row) => this.select(row),
+      show: (name) => this.show(name),
+      go: (row) => (this.show("rows"), this.select(row)),
+      filterBy: (text) => this.filterBy(text),
+      notice: (text) => this.notice(text),
+      showLadder: (row) => (this.select(row), this.show("ladder")),
+      setSpan: (span) => this.setSpan(span),
     });
     this.list = new RowList(view, store, byId("rows"), byId("row-space"), byId("row-head"));
     this.detail = new Detail(view, store, byId("detail"));
@@ -44,8 +55,11 @@ class Page {
     const {head} = this.settings;
     byId("origin").textContent = [head.directory, head.program].filter(Boolean).join(", ");
     document.title = `HbbTV traffic ${head.directory ?? ""}`.trim();
-    this.presets = PRESETS.map(([name, text]) => element("button", {type: "button", title: text || "everything", onclick: () => this.filterBy(text)}, name));
+    this.presets = PRESETS.map(
+        ([name, text]) =>
+            element("button", {type: "button", title: text || "everything", onclick: () => this.filterBy(text)}, name));
     byId("presets").append(...this.presets);
+    this.markPreset("");
     byId("filter").addEventListener("input", () => this.filterTyped());
     byId("filter-form").addEventListener("submit", (event) => (event.preventDefault(), byId("rows").focus()));
     byId("span").addEventListener("click", () => this.setSpan(null));
@@ -53,7 +67,8 @@ class Page {
     byId("pause").addEventListener("click", () => this.pause());
     byId("theme").addEventListener("click", () => this.nextTheme());
     byId("help").addEventListener("click", () => this.showKeys());
-    document.querySelectorAll("[role=tab]").forEach((tab) => tab.addEventListener("click", () => this.show(tab.dataset.view)));
+    document.querySelectorAll("[role=tab]")
+        .forEach((tab) => tab.addEventListener("click", () => this.show(tab.dataset.view)));
     makeSplitter(byId("splitter"), byId("detail"));
   }
 
@@ -69,7 +84,7 @@ class Page {
   added() {
     const dropped = this.store.trim();
     if (dropped > 0) this.view.dropped(dropped);
-    this.view.takeAdded();
+    if (this.view.takeAdded()) this.again ??= setTimeout(() => (this.again = null, this.added()));
     this.changed();
   }
 
@@ -93,16 +108,19 @@ class Page {
     if (this.store.missing > 0) parts.push(`${countText(this.store.missing)} are missing`);
     if (this.store.damaged > 0) parts.push(`${counted(this.store.damaged, "line")} could not be read`);
     if (this.paused) parts.push(`${countText(total - 1 - this.indexOfLimit())} since the pause`);
-    if (this.live?.open > 0) parts.push(`${this.live.oldest} open for ${durationText(this.live.oldest_us)}${this.live.open > 1 ? `, ${this.live.open - 1} more` : ""}`);
+    if (this.live?.open > 0)
+      parts.push(`${this.live.oldest} open for ${durationText(this.live.oldest_us)}${
+          this.live.open > 1 ? `, ${this.live.open - 1} more` : ""}`);
     if (!this.settings.live && !this.loaded) parts.push("reading");
-    const connection = !this.settings.live ? "" : this.live?.connected === false ? "disconnected" : this.paused ? "paused" : "live";
+    const connection = !this.settings.live ? "" :
+        this.live?.connected === false     ? "disconnected" :
+        this.paused                        ? "paused" :
+                                             "live";
     byId("state").className = connection;
     byId("state").textContent = [connection, ...parts].filter(Boolean).join(" · ");
   }
 
-  indexOfLimit() {
-    return Math.min(this.view.limit - this.store.dropped, this.store.rows.length - 1);
-  }
+  indexOfLimit() { return Math.min(this.view.limit - this.store.dropped, this.store.rows.length - 1); }
 
   reported(state) {
     this.store.missing += state.missing ?? 0;
@@ -114,15 +132,20 @@ class Page {
     this.view.selected = row;
     this.detail.show(row);
     const index = this.view.indexOf(row);
-    if (index >= 0) this.list.show(index);
-    else this.list.draw();
+    if (index >= 0)
+      this.list.show(index);
+    else
+      this.list.draw();
     if (this.shownView === "ladder") this.ladder.draw();
   }
 
   move(by) {
     const index = this.view.indexOf(this.view.selected);
     const count = this.view.rowCount();
-    if (count > 0) this.select(this.view.row(index < 0 ? Math.min(count - 1, Math.max(0, Math.ceil(this.list.first))) : Math.min(count - 1, Math.max(0, index + by))));
+    if (count > 0)
+      this.select(this.view.row(
+          index < 0 ? Math.min(count - 1, Math.max(0, Math.ceil(this.list.first))) :
+                      Math.min(count - 1, Math.max(0, index + by))));
   }
 
   filterBy(text) {
@@ -132,7 +155,7 @@ class Page {
 
   async filterTyped() {
     const text = byId("filter").value;
-    this.presets.forEach((button, index) => button.setAttribute("aria-pressed", PRESETS[index][1] === text));
+    this.markPreset(text);
     try {
       const done = this.view.setFilter(text);
       byId("filter-error").textContent = "";
@@ -146,18 +169,25 @@ class Page {
     this.afterSelection();
   }
 
+  markPreset(text) {
+    this.presets.forEach((button, index) => button.setAttribute("aria-pressed", PRESETS[index][1] === text));
+  }
+
   async setSpan(span) {
     this.view.span = span;
     byId("span").hidden = !span;
-    if (span) byId("span").textContent = `${clockText(span.begin, this.view.zone)} to ${clockText(span.end, this.view.zone)} ×`;
+    const clock = (time) => clockText(time, this.view.zone);
+    if (span) byId("span").textContent = `${clock(span.begin)} to ${clock(span.end)} ×`;
     await this.view.restart();
     this.afterSelection();
   }
 
   afterSelection() {
     const index = this.view.indexOf(this.view.selected);
-    if (index >= 0) this.list.show(index);
-    else if (!this.list.follow) this.list.scrollTo(Math.min(this.list.first, this.list.lastFirst()));
+    if (index >= 0)
+      this.list.show(index);
+    else if (!this.list.follow)
+      this.list.scrollTo(Math.min(this.list.first, this.list.lastFirst()));
     if (this.shownView !== "rows") this.show(this.shownView);
   }
 
@@ -196,8 +226,12 @@ class Page {
   }
 
   showKeys() {
-    const rows = KEYS.map(([names, meaning]) => element("tr", {}, element("td", {}, ...names.split(" ").flatMap((name) => [key(name), " "])), element("td", {}, meaning)));
-    byId("keys").replaceChildren(element("table", {}, ...rows), element("form", {method: "dialog"}, element("button", {}, "Close")));
+    const rows = KEYS.map(
+        ([names, meaning]) => element(
+            "tr", {}, element("td", {}, ...names.split(" ").flatMap((name) => [key(name), " "])),
+            element("td", {}, meaning)));
+    byId("keys").replaceChildren(
+        element("table", {}, ...rows), element("form", {method: "dialog"}, element("button", {}, "Close")));
     byId("keys").showModal();
   }
 
@@ -216,21 +250,36 @@ class Page {
 const VERTICAL = new Set(["ArrowDown", "ArrowUp", "PageDown", "PageUp", "Home", "End"]);
 
 const ACTIONS = {
-  ArrowDown: (page) => page.move(1), j: (page) => page.move(1),
-  ArrowUp: (page) => page.move(-1), k: (page) => page.move(-1),
-  PageDown: (page) => page.move(page.list.visibleCount()), PageUp: (page) => page.move(-page.list.visibleCount()),
-  Home: (page) => page.move(-Infinity), End: (page) => page.move(Infinity),
-  "/": () => byId("filter").focus(), x: (page) => page.filterBy(""),
-  c: () => byId("copy")?.click(), l: (page) => page.show("ladder"),
-  p: (page) => page.pause(), d: (page) => page.nextTheme(), "?": (page) => page.showKeys(),
+  ArrowDown: (page) => page.move(1),
+  j: (page) => page.move(1),
+  ArrowUp: (page) => page.move(-1),
+  k: (page) => page.move(-1),
+  PageDown: (page) => page.move(page.list.visibleCount()),
+  PageUp: (page) => page.move(-page.list.visibleCount()),
+  Home: (page) => page.move(-Infinity),
+  End: (page) => page.move(Infinity),
+  "/": () => byId("filter").focus(),
+  x: (page) => page.filterBy(""),
+  c: () => byId("copy")?.click(),
+  l: (page) => page.show("ladder"),
+  p: (page) => page.pause(),
+  d: (page) => page.nextTheme(),
+  "?": (page) => page.showKeys(),
   Escape: (page) => page.setSpan(null),
   ...Object.fromEntries(VIEWS.map((name, index) => [String(index + 1), (page) => page.show(name)])),
 };
 
 const KEYS = [
-  ["↑ ↓", "previous, next message (also k, j)"], ["PgUp PgDn Home End", "further"], ["1 2 3 4", "messages, ladder, statistics, television"],
-  ["/", "edit the filter; Esc leaves it"], ["x", "remove the filter"], ["Esc", "remove the span of time"], ["c", "copy the command of the message"],
-  ["l", "ladder around the message"], ["p", "pause a live view; nothing is lost"], ["d", "theme: system, light, dark"],
+  ["↑ ↓", "previous, next message (also k, j)"],
+  ["PgUp PgDn Home End", "further"],
+  ["1 2 3 4", "messages, ladder, statistics, television"],
+  ["/", "edit the filter; Esc leaves it"],
+  ["x", "remove the filter"],
+  ["Esc", "remove the span of time"],
+  ["c", "copy the command of the message"],
+  ["l", "ladder around the message"],
+  ["p", "pause a live view; nothing is lost"],
+  ["d", "theme: system, light, dark"],
 ];
 
 // Changes the height of what is below it.
@@ -238,7 +287,8 @@ function makeSplitter(bar, below) {
   bar.addEventListener("pointerdown", (event) => {
     bar.setPointerCapture(event.pointerId);
     const height = below.clientHeight + event.clientY;
-    bar.onpointermove = (moved) => (below.style.height = `${Math.max(60, Math.min(height - moved.clientY, window.innerHeight - 300))}px`);
+    bar.onpointermove = (moved) =>
+        (below.style.height = `${Math.max(60, Math.min(height - moved.clientY, window.innerHeight - 300))}px`);
     bar.onpointerup = () => (bar.onpointermove = bar.onpointerup = null);
   });
 }

@@ -11,9 +11,7 @@ class Names {
   }
 
   // Returns the name of a handle, or "".
-  of(handle) {
-    return this.names.get(handle) ?? "";
-  }
+  of(handle) { return this.names.get(handle) ?? ""; }
 
   learn(record) {
     if (record.kind !== "exchange" || record.event || record.status !== 0) return;
@@ -21,8 +19,10 @@ class Names {
     const definition = this.protocol.definition(record);
     const object = handleOf(request?.[definition?.members.find((member) => member.handle)?.key]);
     if (!object) return;
-    if (definition.effect === "release") this.names.delete(object);
-    else if (/.Name$/.test(record.operation)) this.remember(object, nameIn(record.reply?.json) ?? nameIn(request));
+    if (definition.effect === "release")
+      this.names.delete(object);
+    else if (/.Name$/.test(record.operation))
+      this.remember(object, nameIn(record.reply?.json) ?? nameIn(request));
   }
 
   remember(handle, name) {

@@ -4,9 +4,7 @@
 
 class Protocol {
   // `families`: an object by name of those parts of the files that are used here.
-  constructor(families) {
-    this.families = families;
-  }
+  constructor(families) { this.families = families; }
 
   definition(record) {
     const family = this.families[record.family];
@@ -14,9 +12,7 @@ class Protocol {
   }
 
   // Returns all operations and events.
-  entries() {
-    return Object.values(this.families).flatMap((family) => [...family.operations, ...family.events]);
-  }
+  entries() { return Object.values(this.families).flatMap((family) => [...family.operations, ...family.events]); }
 
   // Returns the keys that say which operation or event it is.
   envelopeKeys(record) {
@@ -32,8 +28,10 @@ class Protocol {
     let known = true;
     for (const member of members) {
       const word = member.repeat ? listWord(member, left, json) : plainWord(member, left);
-      if (word === undefined) known = false;
-      else if (word !== "") words.push(word);
+      if (word === undefined)
+        known = false;
+      else if (word !== "")
+        words.push(word);
     }
     if (known && left.size === 0) return {words, known};
     // As it is on the wire.
@@ -48,7 +46,10 @@ const FITS = {
   pointer: (value) => value === "" || /^0x[1-9a-f][0-9a-f]{0,7}$/.test(value),
   string: (value) => typeof value === "string",
   bool: (value) => typeof value === "boolean",
-  int: isWhole, uint: isWhole, int64: isWhole, uint64: isWhole,
+  int: isWhole,
+  uint: isWhole,
+  int64: isWhole,
+  uint64: isWhole,
   double: Number.isFinite,
   array: Array.isArray,
 };

@@ -7,8 +7,14 @@ const SPARE_ROWS = 6;  // above and below what is visible
 const HIGHEST = 16000000;
 
 const COLUMNS = [
-  ["number", "#"], ["time", "time"], ["sign", ""], ["family", "family"], ["operation", "operation"],
-  ["members", "members"], ["result", "result"], ["duration", "duration"],
+  ["number", "#"],
+  ["time", "time"],
+  ["sign", ""],
+  ["family", "family"],
+  ["operation", "operation"],
+  ["members", "members"],
+  ["result", "result"],
+  ["duration", "duration"],
 ];
 
 class RowList {
@@ -24,13 +30,9 @@ class RowList {
     new ResizeObserver(() => this.update()).observe(list);
   }
 
-  visibleCount() {
-    return Math.max(1, Math.floor(this.list.clientHeight / ROW_HEIGHT));
-  }
+  visibleCount() { return Math.max(1, Math.floor(this.list.clientHeight / ROW_HEIGHT)); }
 
-  lastFirst() {
-    return Math.max(0, this.view.rowCount() - this.list.clientHeight / ROW_HEIGHT);
-  }
+  lastFirst() { return Math.max(0, this.view.rowCount() - this.list.clientHeight / ROW_HEIGHT); }
 
   // Sets what is at the top.
   scrollTo(first) {
@@ -52,9 +54,12 @@ class RowList {
   }
 
   show(index) {
-    if (index < this.first + 1) this.scrollTo(index - 1);
-    else if (index > this.first + this.visibleCount() - 2) this.scrollTo(index - this.visibleCount() + 2);
-    else this.draw();
+    if (index < this.first + 1)
+      this.scrollTo(index - 1);
+    else if (index > this.first + this.visibleCount() - 2)
+      this.scrollTo(index - this.visibleCount() + 2);
+    else
+      this.draw();
   }
 
   // Draws after rows were added or removed, or the size has changed.
@@ -102,14 +107,17 @@ class RowList {
     const selected = row === this.view.selected;
     line.style.transform = `translateY(${top + index * ROW_HEIGHT}px)`;
     line.index = index;
-    const version = `${row.number}/${this.store.rows.length > 0 ? this.store.names.names.size : 0}/${selected}/${index % 2}`;
+    const version =
+        `${row.number}/${this.store.rows.length > 0 ? this.store.names.names.size : 0}/${selected}/${index % 2}`;
     if (line.version === version && line.row === row) return;
     [line.row, line.version] = [row, version];
     line.className = classesOf(row, index, selected);
     line.setAttribute("aria-selected", selected);
     const record = this.store.record(row);
-    const texts = [String(row.number), this.view.clock(row), signOf(row), row.family, row.operation || row.kind,
-      membersText(record, this.store), resultText(row, record, this.store)];
+    const texts = [
+      String(row.number), this.view.clock(row), signOf(row), row.family, row.operation || row.kind,
+      membersText(record, this.store), resultText(row, record, this.store)
+    ];
     texts.forEach((text, column) => {
       const cell = line.children[column];
       if (cell.textContent !== text) cell.textContent = text;
@@ -125,13 +133,14 @@ class RowList {
 }
 
 // Returns whether an index in [begin, end) has this place in a ring of `size`.
-function within(slot, begin, end, size) {
-  return (slot - (begin % size) + size) % size < end - begin;
-}
+function within(slot, begin, end, size) { return (slot - (begin % size) + size) % size < end - begin; }
 
 function classesOf(row, index, selected) {
-  return ["row", row.kind, row.event ? "event" : "", row.error ? "error" : "", row.open ? "open" : "",
-    selected ? "selected" : "", index % 2 ? "odd" : ""].filter(Boolean).join(" ");
+  return [
+    "row", row.kind, row.event ? "event" : "", row.error ? "error" : "", row.open ? "open" : "",
+    selected ? "selected" : "", index % 2 ? "odd" : ""
+  ].filter(Boolean)
+      .join(" ");
 }
 
 // From 100 microseconds to 10 seconds, each power of ten has the same width.

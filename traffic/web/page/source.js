@@ -3,12 +3,16 @@
 
 const SLICE = 12;  // milliseconds of work before the page may draw
 
-// Lets the page draw and take input.
+// Kept, since a channel that nothing refers to may be collected before its message arrives.
+const BREATHS = new MessageChannel();
+const breathing = [];
+BREATHS.port1.onmessage = () => breathing.shift()();
+
+// Lets the page draw and take input. A timer would wait for longer.
 function breathe() {
   return new Promise((resolve) => {
-    const channel = new MessageChannel();
-    channel.port1.onmessage = () => (channel.port1.close(), resolve());
-    channel.port2.postMessage(null);
+    breathing.push(resolve);
+    BREATHS.port2.postMessage(null);
   });
 }
 
@@ -73,20 +77,18 @@ class LiveSource {
     stream.addEventListener("error", () => onState({connected: false}));
   }
 
-  ask(operation, members) {
-    return post("ask", {operation, members});
-  }
+  ask(operation, members) { return post("ask", {operation, members}); }
 
-  command(command) {
-    return post("simulator", {command});
-  }
+  command(command) { return post("simulator", {command}); }
 }
 
 // Returns the answer, or an object with the `problem`.
 async function post(path, content) {
   try {
     const response = await fetch(path, {
-      method: "POST", headers: {"Content-Type": "application/json"}, body: JSON.stringify(content),
+      method: "POST",
+      headers: {"Content-Type": "application/json"},
+      body: JSON.stringify(content),
     });
     return await response.json();
   } catch {

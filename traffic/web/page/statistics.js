@@ -41,8 +41,13 @@ function finished(entry) {
 }
 
 const STATISTICS_COLUMNS = [
-  ["operation", (entry) => entry.name], ["calls", (entry) => entry.count], ["errors", (entry) => entry.errors],
-  ["bytes", (entry) => entry.bytes], ["p50", (entry) => entry.p50], ["p99", (entry) => entry.p99], ["max", (entry) => entry.max],
+  ["operation", (entry) => entry.name],
+  ["calls", (entry) => entry.count],
+  ["errors", (entry) => entry.errors],
+  ["bytes", (entry) => entry.bytes],
+  ["p50", (entry) => entry.p50],
+  ["p99", (entry) => entry.p99],
+  ["max", (entry) => entry.max],
 ];
 
 class Statistics {
@@ -59,21 +64,43 @@ class Statistics {
     const errors = operations.reduce((sum, entry) => sum + entry.errors, 0);
     const bytes = operations.reduce((sum, entry) => sum + entry.bytes, 0);
     this.panel.replaceChildren(
-      element("div", {className: "tiles"}, tile(countText(calls), calls === 1 ? "call or event" : "calls and events"),
-        tile(countText(errors), errors === 1 ? "error" : "errors", errors > 0 ? "error" : ""), tile(sizeText(bytes), "with headers"),
-        tile(countText(open.length), "without reply yet", open.length > 0 ? "very-slow" : "")),
-      element("div", {className: "columns"}, this.table(operations),
-        element("div", {}, this.list("Slowest", slowest), ...(open.length > 0 ? [this.list("Open", open.slice(0, 100))] : []))));
+        element(
+            "div", {className: "tiles"}, tile(countText(calls), calls === 1 ? "call or event" : "calls and events"),
+            tile(countText(errors), errors === 1 ? "error" : "errors", errors > 0 ? "error" : ""),
+            tile(sizeText(bytes), "with headers"),
+            tile(countText(open.length), "without reply yet", open.length > 0 ? "very-slow" : "")),
+        element(
+            "div", {className: "columns"}, this.table(operations),
+            element(
+                "div", {}, this.list("Slowest", slowest),
+                ...(open.length > 0 ? [this.list("Open", open.slice(0, 100))] : []))));
   }
 
   table(operations) {
     const longest = Math.max(1, ...operations.map((entry) => entry.max));
-    const head = STATISTICS_COLUMNS.map(([title], column) => element("th", {ariaSort: this.order.column !== column ? "none" : this.order.down ? "descending" : "ascending"},
-      element("button", {onclick: () => this.sort(column)}, title)));
-    const body = operations.map((entry) => element("tr", {},
-      element("td", {}, element("button", {className: "link", onclick: () => this.view.filterBy(`family:${entry.row.family} & op:${quotedWord(entry.row.operation)}`)}, entry.name)),
-      element("td", {}, countText(entry.count)), element("td", {className: entry.errors > 0 ? "error" : "zero"}, countText(entry.errors)),
-      element("td", {}, sizeText(entry.bytes)), ...[entry.p50, entry.p99, entry.max].map((us) => durationCell(us, longest))));
+    const head = STATISTICS_COLUMNS.map(
+        ([title], column) => element(
+            "th",
+            {ariaSort: this.order.column !== column ? "none" :
+                 this.order.down                    ? "descending" :
+                                                      "ascending"},
+            element("button", {onclick: () => this.sort(column)}, title)));
+    const body = operations.map(
+        (entry) => element(
+            "tr", {},
+            element(
+                "td", {},
+                element(
+                    "button", {
+                      className: "link",
+                      onclick: () =>
+                          this.view.filterBy(`family:${entry.row.family} & op:${quotedWord(entry.row.operation)}`)
+                    },
+                    entry.name)),
+            element("td", {}, countText(entry.count)),
+            element("td", {className: entry.errors > 0 ? "error" : "zero"}, countText(entry.errors)),
+            element("td", {}, sizeText(entry.bytes)),
+            ...[entry.p50, entry.p99, entry.max].map((us) => durationCell(us, longest))));
     return element("table", {}, element("thead", {}, element("tr", {}, ...head)), element("tbody", {}, ...body));
   }
 
@@ -83,10 +110,18 @@ class Statistics {
   }
 
   list(title, rows) {
-    return element("div", {}, element("h3", {}, title), element("ol", {className: "links"}, ...rows.map((row) =>
-      element("li", {}, element("button", {className: "link", onclick: () => this.view.go(row)},
-        element("b", {className: speedOf(row)}, row.duration >= 0 ? durationText(row.duration) : "open"), ` ${row.family}.${row.operation} `,
-        element("small", {}, this.view.clock(row)))))));
+    return element(
+        "div", {}, element("h3", {}, title),
+        element(
+            "ol", {className: "links"},
+            ...rows.map(
+                (row) => element(
+                    "li", {},
+                    element(
+                        "button", {className: "link", onclick: () => this.view.go(row)},
+                        element(
+                            "b", {className: speedOf(row)}, row.duration >= 0 ? durationText(row.duration) : "open"),
+                        ` ${row.family}.${row.operation} `, element("small", {}, this.view.clock(row)))))));
   }
 }
 

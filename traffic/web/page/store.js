@@ -1,5 +1,5 @@
-// The records. A row keeps what is shown, sorted and counted; the rest is parsed again from the record's line when it is
-// needed, since 200,000 parsed records would not fit into a page.
+// The records. A row keeps what is shown, sorted and counted; the rest is parsed again from the record's line when it
+// is needed, since 200,000 parsed records would not fit into a page.
 "use strict";
 
 const MOST_ROWS = 200000;  // of a live page; a file has as many as it has

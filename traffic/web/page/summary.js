@@ -1,11 +1,14 @@
 // One line of text for each part of a record: what was asked, what came back.
 "use strict";
 
-const KIND_SIGNS = {connected: "+", closed: "−", damaged: "✗", note: "i"};
+const KIND_SIGNS = {
+  connected: "+",
+  closed: "−",
+  damaged: "✗",
+  note: "i"
+};
 
-function signOf(row) {
-  return KIND_SIGNS[row.kind] ?? (row.event ? "★" : "→");
-}
+function signOf(row) { return KIND_SIGNS[row.kind] ?? (row.event ? "★" : "→"); }
 
 // Returns the members of the message that are not of its envelope.
 function membersText(record, store) {
@@ -17,13 +20,18 @@ function membersText(record, store) {
 }
 
 function textOfMembers(json, names, without) {
-  return Object.entries(json).filter(([key]) => !without.has(key))
-    .map(([key, value]) => `${key}=${shortText(value, names)}`).join(" ");
+  return Object.entries(json)
+      .filter(([key]) => !without.has(key))
+      .map(([key, value]) => `${key}=${shortText(value, names)}`)
+      .join(" ");
 }
 
+// A payload that is not an object. The reply to an event that no client received is null.
 function rawText(message) {
   if (!message) return "";
-  return message.json === undefined ? `${sizeText(message.size ?? 0)}, not JSON` : JSON.stringify(message.json);
+  if (message.json !== undefined) return JSON.stringify(message.json);
+  const text = atob(message.base64 ?? "").trim();
+  return /^[ -~]{1,40}$/.test(text) ? text : `${sizeText(message.size ?? 0)}, not JSON`;
 }
 
 // Of a connection, or of a note.
@@ -50,13 +58,11 @@ function commandLine(record, protocol) {
   const json = record.message?.json;
   if (!record.family || !record.operation || !json || Array.isArray(json) || typeof json !== "object") return "";
   const {words, known} = protocol.arguments(record, json);
-  const target = record.event
-    ? `emit ${record.family} ${shellWord(record.operation)}` : `send ${record.family}.${record.operation}`;
+  const target = record.event ? `emit ${record.family} ${shellWord(record.operation)}` :
+                                `send ${record.family}.${record.operation}`;
   const form = record.event ? [record.message.type === 2 ? "--request" : "--one-way"] : [];
   const flags = known ? form : [...form, "--unchecked"];
   return ["hbbtvctl", target, ...words.map(shellWord), ...flags].join(" ");
 }
 
-function shellWord(word) {
-  return /^[\w@%+=:,./-]+$/.test(word) ? word : `'${word.replaceAll("'", "'\\''")}'`;
-}
+function shellWord(word) { return /^[\w@%+=:,./-]+$/.test(word) ? word : `'${word.replaceAll("'", "'\\''")}'`; }

@@ -17,15 +17,16 @@ function handleNumber(value) {
 }
 
 // Returns 0x and eight digits.
-function handleText(handle) {
-  return "0x" + handle.slice(2).padStart(8, "0");
-}
+function handleText(handle) { return "0x" + handle.slice(2).padStart(8, "0"); }
 
 // Parses a document whose integers may be above 2^53.
 function parseExactly(text) {
-  return JSON.parse(text, (key, value, context) =>
-    typeof value === "number" && Math.abs(value) > Number.MAX_SAFE_INTEGER && /^-?\d+$/.test(context?.source ?? "")
-      ? BigInt(context.source) : value);
+  return JSON.parse(
+      text,
+      (key, value, context) => typeof value === "number" && Math.abs(value) > Number.MAX_SAFE_INTEGER &&
+              /^-?\d+$/.test(context?.source ?? "") ?
+          BigInt(context.source) :
+          value);
 }
 
 // Returns the text of a value that was parsed exactly.
@@ -41,20 +42,14 @@ function shortText(value, names, longest = 60) {
   return text.length > longest ? text.slice(0, longest - 1) + "…" : text;
 }
 
-function withName(text, name) {
-  return name ? `${text} ${JSON.stringify(name)}` : text;
-}
+function withName(text, name) { return name ? `${text} ${JSON.stringify(name)}` : text; }
 
 const THOUSANDS = new Intl.NumberFormat("en");
 
-function countText(count) {
-  return THOUSANDS.format(count);
-}
+function countText(count) { return THOUSANDS.format(count); }
 
 // Returns "1 message", "2 messages".
-function counted(count, noun) {
-  return `${countText(count)} ${noun}${count === 1 ? "" : "s"}`;
-}
+function counted(count, noun) { return `${countText(count)} ${noun}${count === 1 ? "" : "s"}`; }
 
 function sizeText(bytes) {
   if (bytes < 10000) return `${countText(bytes)} B`;
@@ -75,13 +70,9 @@ function minutesOf(zone) {
 }
 
 // Returns "17:04:05.311" of microseconds since 1970, `minutes` east of Greenwich.
-function clockText(us, minutes) {
-  return new Date(us / 1000 + minutes * 60000).toISOString().slice(11, 23);
-}
+function clockText(us, minutes) { return new Date(us / 1000 + minutes * 60000).toISOString().slice(11, 23); }
 
-function dateText(us, minutes) {
-  return new Date(us / 1000 + minutes * 60000).toISOString().slice(0, 10);
-}
+function dateText(us, minutes) { return new Date(us / 1000 + minutes * 60000).toISOString().slice(0, 10); }
 
 // Returns the characters of Base64 as a dump: offset, hexadecimal, printable.
 function hexDump(base64, most = 4096) {
@@ -101,9 +92,12 @@ function hexDump(base64, most = 4096) {
 function element(name, attributes = {}, ...content) {
   const created = document.createElement(name);
   for (const [key, value] of Object.entries(attributes)) {
-    if (key.startsWith("on")) created.addEventListener(key.slice(2), value);
-    else if (key in created && key !== "role" && key !== "title") created[key] = value;
-    else created.setAttribute(key, value);
+    if (key.startsWith("on"))
+      created.addEventListener(key.slice(2), value);
+    else if (key in created && key !== "role" && key !== "title")
+      created[key] = value;
+    else
+      created.setAttribute(key, value);
   }
   created.append(...content);
   return created;

@@ -8,7 +8,7 @@ class View {
     this.zone = minutesOf(settings.head.zone);
     this.zoneName = settings.head.zone || "UTC";
     this.shown = [];
-    this.taken = 0;  // rows of the store that have been looked at
+    this.taken = 0;         // rows of the store that have been looked at
     this.limit = Infinity;  // while paused: the place of the last row that is looked at
     this.filter = new Filter("", store.protocol);
     this.span = null;
@@ -27,8 +27,10 @@ class View {
     let [low, high] = [0, this.shown.length];
     while (low < high) {
       const middle = (low + high) >> 1;
-      if (this.shown[middle].place < row.place) low = middle + 1;
-      else high = middle;
+      if (this.shown[middle].place < row.place)
+        low = middle + 1;
+      else
+        high = middle;
     }
     return this.shown[low] === row ? low : -1;
   }
@@ -42,11 +44,12 @@ class View {
   takeAdded() {
     const begun = performance.now();
     const rows = this.store.rows;
+    const first = this.taken;
     for (; this.taken < rows.length; ++this.taken) {
       const row = rows[this.taken];
       if (row.place > this.limit) return false;
+      if (this.taken % 64 === 0 && this.taken > first && performance.now() - begun > SLICE) return true;
       if (this.selects(row)) this.shown.push(row);
-      if ((this.taken & 63) === 0 && performance.now() - begun > SLICE) return true;
     }
     return false;
   }
@@ -81,7 +84,5 @@ class View {
     return this.restart();
   }
 
-  pause(paused) {
-    this.limit = paused ? this.store.rows.at(-1)?.place ?? -1 : Infinity;
-  }
+  pause(paused) { this.limit = paused ? this.store.rows.at(-1)?.place ?? -1 : Infinity; }
 }

@@ -30,8 +30,10 @@ const char* const kNextTitle =
     " return document.title;"
     "}";
 constexpr int kUnknownScheme = -302;
+constexpr int kAborted = -3;
 constexpr int kInvalidUrl = -300;  // as Chromium's net::ERR_INVALID_URL
 
+const char* const kAbortedText = "net::ERR_ABORTED";
 const char* const kBlank = "about:blank";
 
 Json::Value Object(const char* name, const Json::Value& value) {
@@ -47,6 +49,16 @@ Json::Value AutoAttach() {
     params["flatten"] = true;
     for (const char* type : {"page", "iframe"}) params["filter"].append(Object("type", type));
     params["filter"].append(Object("exclude", true));
+    return params;
+}
+
+// Only to be notified when a page is painted.
+Json::Value SmallestPictures() {
+    Json::Value params;
+    params["format"] = "jpeg";
+    params["quality"] = 0;
+    params["maxWidth"] = 16;
+    params["maxHeight"] = 9;
     return params;
 }
 
@@ -103,7 +115,10 @@ void Pages::Load(const std::string& page, const std::string& url) {
         if (session == mSessions.end()) return;
         if (!answer.Ok()) return Report(session->second, {Kind::Failed, answer.error, 0, kInvalidUrl, url});
         const std::string error = answer.result["errorText"].asString();
-        if (!error.empty()) session->second.failure = FailureOf(error);
+        if (answer.result["isDownload"].asBool())
+            return Report(session->second, {Kind::Failed, "it is not a page", 0, kAborted, url});
+        // A load that another one has replaced is aborted.
+        if (!error.empty() && error != kAbortedText) session->second.failure = FailureOf(error);
     });
 }
 
@@ -247,6 +262,10 @@ void Pages::Take(const std::string& name, const std::string& method, const Json:
     if (method == "Runtime.executionContextDestroyed")
         return ContextsGone(session, params["executionContextId"].asInt());
     if (method == "Runtime.executionContextsCleared") return ContextsGone(session, 0);
+    if (method == "Page.screencastFrame") {
+        mChromium.Send(name, "Page.screencastFrameAck", Object("sessionId", params["sessionId"]));
+        return mHandlers.onPainted();
+    }
     if (mConsole.Take(method, params)) return;
     if (session.main) TakePageEvent(name, session, method, params);
 }
@@ -280,6 +299,11 @@ void Pages::Prepare(const std::string& name, const Session& session) {
         size["deviceScaleFactor"] = 1;
         size["mobile"] = false;
         mChromium.Send(name, "Emulation.setDeviceMetricsOverride", size);
+        // Transparent, so that the picture is seen below an application.
+        Json::Value colour(Json::objectValue);
+        for (const char* part : {"r", "g", "b", "a"}) colour[part] = 0;
+        mChromium.Send(name, "Emulation.setDefaultBackgroundColorOverride", Object("color", colour));
+        if (mHandlers.onPainted) mChromium.Send(name, "Page.startScreencast", SmallestPictures());
         mChromium.Send(name, "Emulation.setFocusEmulationEnabled", Object("enabled", true));
     }
     mChromium.Send(name, "Runtime.runIfWaitingForDebugger", Json::Value(Json::objectValue),
@@ -290,10 +314,10 @@ void Pages::Prepared(const std::string& name) {
     const auto session = mSessions.find(name);
     if (session == mSessions.end()) return;
     session->second.prepared = true;
-    const auto awaited = mAwaited.find(session->second.target);
+    const std::string page = session->second.target;
+    const auto awaited = mAwaited.find(mAwaited.count(page) != 0 ? page : kFirst);
     if (awaited == mAwaited.end()) return;
     const auto onCreated = std::move(awaited->second);
-    const std::string page = awaited->first;
     mAwaited.erase(awaited);
     onCreated(page);
 }
@@ -397,7 +421,7 @@ void Pages::Called(const Request& request) {
 void Pages::LoadFailed(const std::string& name, const std::string& frame, const LoadFailure& failure) {
     const auto found = mSessions.find(name);
     if (found == mSessions.end() || !found->second.main || frame != found->second.mainFrame) return;
-    found->second.failure = failure;
+    if (failure.code != kAborted) found->second.failure = failure;
 }
 
 void Pages::Report(const Session& session, const PageChange& change) {

@@ -45,6 +45,7 @@ class Pages {
         std::function<void(const Document& document, const Request& request)> onCall;
         std::function<void(const Request& request)> onFile;
         std::function<void(const std::string& document)> onDocumentGone;
+        std::function<void()> onPainted;  // by any page; null: not reported
     };
 
     struct Settings {
@@ -69,6 +70,9 @@ class Pages {
 
     // Creates a page. `onCreated` gets its target, or an empty string.
     void Create(const std::function<void(const std::string& page)>& onCreated);
+
+    // Waits for the page that a Chromium with a window opens by itself.
+    void AwaitFirst(const std::function<void(const std::string& page)>& onCreated) { mAwaited[kFirst] = onCreated; }
 
     // Loads a URL. What becomes of it is reported as changes.
     void Load(const std::string& page, const std::string& url);
@@ -101,6 +105,8 @@ class Pages {
     void Fulfill(const Request& request, const Response& response) { mRequests.Fulfill(request, response); }
 
   private:
+    static constexpr const char* kFirst = "";  // in mAwaited: the first of all pages
+
     struct Context {
         int id = 0;
         std::string frame;

@@ -71,18 +71,19 @@ void PageCalls::Make(const std::string& request, const HostCall& hostCall, const
         if (!text.empty()) onAnswer(text);
     };
     mLoop.After(mLimit, answer);
-    std::thread([this, batch, onMade, answer] {
+    // May run longer than this object, but not than platform and loop, which are not destroyed.
+    std::thread([&platform = mPlatform, &loop = mLoop, batch, onMade, answer] {
         std::vector<MadeCall> made;
         for (Json::ArrayIndex i = 0; i < batch->calls.size() && !batch->Answered(); ++i) {
             const Json::Value& call = batch->calls[i];
             if (call["host"].isString()) continue;
             const std::string method = call["method"].isString() ? call["method"].asString() : "";
             const Json::Value arguments = call["arguments"].isObject() ? call["arguments"] : Json::objectValue;
-            const CallResult result = mPlatform.Call(method, arguments);
+            const CallResult result = platform.Call(method, arguments);
             batch->Set(i, result.error.empty() ? Results(result.results) : Error(result.error));
             if (result.Ok()) made.push_back({method, arguments, result.results});
         }
-        mLoop.Post([made, onMade, answer] {
+        loop.Post([made, onMade, answer] {
             onMade(made);
             answer();
         });

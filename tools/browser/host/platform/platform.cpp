@@ -1,10 +1,14 @@
 #include "platform/platform.h"
 
 #include <hidl/HidlTransportSupport.h>
+#include <signal.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <future>
 #include <set>
+#include <thread>
+#include <utility>
 
 #include "common/failure.h"
 #include "common/process.h"
@@ -16,7 +20,11 @@ namespace hbbtv::browser {
 namespace {
 
 constexpr size_t kThreads = 8;  // for events of several families, while a command is open
-constexpr Milliseconds kBetweenLookUps{250};
+constexpr Milliseconds kBetweenLookUps{100};
+constexpr Milliseconds kTimeToStart{3000};
+constexpr Milliseconds kBetweenLooks{1000};
+
+const char* const kWatcher = "watcher";
 
 // The library gives a browser up after 10 seconds.
 constexpr std::chrono::seconds kMostForCommand{9};
@@ -56,8 +64,33 @@ Platform::Platform(devtools::Loop& loop, Milliseconds limit)
 
 void Platform::Start(Handlers handlers) {
     mHandlers = std::move(handlers);
+    AwaitService();
     CheckOtherBrowser();
     Register();
+    Watch();
+    // So the platform knows that there is a browser, and that tabs of an earlier one are gone.
+    CallLater("IMtm.OnAllTabsDestroyed", Json::Value(Json::objectValue));
+}
+
+void Platform::Watch() {
+    mLoop.After(kBetweenLooks, [this] {
+        LookAtPlatform();
+        Watch();
+    });
+}
+
+// The processes start in any order.
+void Platform::AwaitService() {
+    const auto end = std::chrono::steady_clock::now() + kTimeToStart;
+    while (true) {
+        try {
+            mServices.Of(Package::Get().FindInterface("IMtm"));
+            return;
+        } catch (const Failure& e) {
+            if (e.Code() != kUnavailable || std::chrono::steady_clock::now() >= end) throw;
+        }
+        std::this_thread::sleep_for(kBetweenLookUps);
+    }
 }
 
 void Platform::CheckOtherBrowser() {
@@ -73,18 +106,60 @@ void Platform::Register() {
     if (!service->Service()->linkToDeath(mDeath, 0).withDefault(false))
         throw Failure(kUnavailable, "the service has just ended; start it again");
     CallLater("IMtm.RegisterCallback", Arguments({{"callback", "@listen"}}));
-    CallLater("IChannelConfig.RegisterCallback", Arguments({{"cb", "@listen"}, {"context", 0}}));
-    CallLater("IConfiguration.RegisterCallback", Arguments({{"callback", "@listen"}}));
-    CallLater("IDsmcc.RegisterCallback", Arguments({{"cb", "@listen"}}));
-    CallLater("IAVControl.RegisterCallback", Arguments({{"cb", "@listen"}, {"context", 0}}));
+    mWorkers[kWatcher].Post([this] { mPlatform = 0; });
+    LookAtPlatform();
+}
+
+// The callbacks of families whose platform has to know that there is a client.
+void Platform::RegisterForEvents() {
+    Repeat("IConfiguration.RegisterCallback", Arguments({{"callback", "@listen"}}));
+    Repeat("IDsmcc.RegisterCallback", Arguments({{"cb", "@listen"}}));
+    Repeat("IAVControl.RegisterCallback", Arguments({{"cb", "@listen"}, {"context", 0}}));
     for (const auto& type : Package::Get().types) {
         if (type->name != "TolmAIPEvent") continue;
         for (const Enumerator& event : type->enumerators) {
-            CallLater("IApplicationManager.RegisterCallback",
-                      Arguments({{"event", static_cast<Json::Int64>(event.value)},
-                                 {"callback", "@listen"},
-                                 {"context", static_cast<Json::Int64>(event.value)}}));
+            Repeat("IApplicationManager.RegisterCallback",
+                   Arguments({{"event", static_cast<Json::Int64>(event.value)},
+                              {"callback", "@listen"},
+                              {"context", static_cast<Json::Int64>(event.value)}}));
         }
+    }
+}
+
+// The first request of a family fails after a restart of the platform.
+void Platform::Repeat(const std::string& method, const Json::Value& arguments) {
+    mWorkers[method.substr(0, method.find('.'))].Post([this, method, arguments] {
+        if (!Call(method, arguments).Ok()) Call(method, arguments);
+    });
+}
+
+// The service does not say when the platform ends: its process is looked at.
+void Platform::LookAtPlatform() {
+    mWorkers[kWatcher].Post([this] { WatchPlatform(); });
+}
+
+void Platform::WatchPlatform() {
+    if (mPlatform > 0 && (kill(mPlatform, 0) == 0 || errno != ESRCH)) return;
+    const Json::Value arguments = Arguments({{"cb", "@listen"}, {"context", 0}});
+    const char* const method = "IChannelConfig.RegisterCallback";
+    if (!Call(method, arguments).Ok() && !Call(method, arguments).Ok()) return;
+    const pid_t process = ConnectedTo();
+    if (process == 0) return;
+    const bool restarted = std::exchange(mPlatform, process) != 0;
+    mLoop.Post([this, restarted] {
+        RegisterForEvents();
+        if (restarted) mHandlers.onRestarted();
+    });
+}
+
+// Returns the platform's process, or 0.
+pid_t Platform::ConnectedTo() {
+    try {
+        const auto service = mServices.Of(Package::Get().FindInterface("IChannelConfig"));
+        const Json::Value report = ParseJson(Debug(*service, {"--json"}, mLimit));
+        return report["families"][0]["requests"]["connected_to"].asInt();
+    } catch (const std::exception&) {
+        return 0;  // the service is ending
     }
 }
 

@@ -3,6 +3,8 @@
 
 #include <json/value.h>
 
+#include <sys/types.h>
+
 #include <functional>
 #include <map>
 #include <memory>
@@ -34,6 +36,9 @@ class Platform : public EventSink {
         // The service has ended; and it is there again, where no object of the old one exists.
         std::function<void()> onLost;
         std::function<void()> onFound;
+
+        // The platform has been started again: it knows no object and no client of the old one.
+        std::function<void()> onRestarted;
     };
 
     // `limit` is that of looking the service up.
@@ -61,7 +66,14 @@ class Platform : public EventSink {
     class Death;
 
     void Register();
+    void RegisterForEvents();
+    void Repeat(const std::string& method, const Json::Value& arguments);
+    void WatchPlatform();
+    void LookAtPlatform();
+    void Watch();
+    pid_t ConnectedTo();
     void RegisterObject(const std::string& method, const CallResult& created);
+    void AwaitService();
     void CheckOtherBrowser();
     void Lost();
     void FindAgain();
@@ -73,7 +85,8 @@ class Platform : public EventSink {
     std::map<std::string, Worker> mWorkers;  // by the interface
     Handlers mHandlers;
     android::sp<android::hardware::hidl_death_recipient> mDeath;
-    bool mLost = false;  // on the loop
+    bool mLost = false;   // on the loop
+    pid_t mPlatform = 0;  // on the worker that watches it; 0: not known
 };
 
 }  // namespace hbbtv::browser

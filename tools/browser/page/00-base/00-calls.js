@@ -12,15 +12,17 @@ const toJson = JSON.stringify;
 let documentIsLeft = false;
 window.addEventListener('pagehide', () => { documentIsLeft = true; }, true);
 window.addEventListener('pageshow', () => { documentIsLeft = false; }, true);
-window.addEventListener('unload', () => { documentIsLeft = true; }, true);
 window.addEventListener('beforeunload', () => {
     documentIsLeft = true;
     setTimeout(() => { documentIsLeft = false; });
 }, true);
 
+// Documents of data: URLs and Chromium's own have no origin to call.
+const hasOrigin = /^https?:/.test(window.origin);
+
 // Returns the text of the answer, or '' if there is none.
 function exchange(body) {
-    if (documentIsLeft) return '';
+    if (documentIsLeft || !hasOrigin) return '';
     const request = new NativeRequest();
     try {
         request.open('POST', kCallPath, false);
@@ -63,7 +65,7 @@ function tellPlatform(method, args) {
     return callPlatform(method, args) !== null;
 }
 
-// Asks the host itself, see "Requests to the host" in docs/browser.md.
+// Asks the host itself: docs/browser.md lists what it answers.
 function askHost(name, args) {
     return exchangeCalls([{host: name, arguments: args || {}}])[0] || {};
 }

@@ -3,8 +3,7 @@
 // A reader is [method, result, convert]. `convert` is optional and makes the value that the standard wants.
 
 // The platform returns 0 and '' for what an object does not have, where the standard wants undefined.
-const unlessZero = (value) => value || undefined;
-const unlessEmpty = (value) => value || undefined;
+const orUndefined = (value) => value || undefined;
 
 // Some properties of one object.
 class Properties {

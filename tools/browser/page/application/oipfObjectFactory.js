@@ -30,7 +30,8 @@ for (const [name, type] of Object.entries(factoryTypes)) {
     OipfObjectFactory.prototype[name] = {[name]() { return new (classesByType.get(type.toLowerCase()))(); }}[name];
 }
 makeEnumerable(OipfObjectFactory);
-Object.defineProperty(window, 'oipfObjectFactory', {value: new OipfObjectFactory(), enumerable: true});
+Object.defineProperty(window, 'oipfObjectFactory',
+    {value: new OipfObjectFactory(), enumerable: true, writable: true, configurable: true});
 
 // Debug output of an application (OIPF DAE 7.15.5).
 Object.defineProperty(window, 'debug', {value(text) { console.debug(text); }, writable: true, configurable: true});

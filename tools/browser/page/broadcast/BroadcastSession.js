@@ -119,7 +119,7 @@ onBroadcast('onPlayStateChange', (session, {state, error}) => {
     session.enter(present);
     if (present === kUnrealized) session.channel = 0;
     if (present === kConnecting) session.channel = undefined;
-    fire(session.object, 'PlayStateChange', {state, error: unlessZero(error)});
+    fire(session.object, 'PlayStateChange', {state, error: orUndefined(error)});
 });
 
 onBroadcast('onChannelChangeSucceeded', (session, {channel}) => {

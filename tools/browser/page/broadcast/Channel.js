@@ -10,36 +10,36 @@ const kChannelConstants = {
 const channelIdentity = {
     channelType: ['IChannel.GetChannelType', 'channelType'],
     idType: ['IChannel.GetIdType', 'idType'],
-    ccid: ['IChannel.GetCcid', 'ccid', unlessEmpty],
+    ccid: ['IChannel.GetCcid', 'ccid', orUndefined],
     onid: ['IChannel.GetOnid', 'onid'],
     nid: ['IChannel.GetNid', 'nid'],
     tsid: ['IChannel.GetTsid', 'tsid'],
     sid: ['IChannel.GetSid', 'sid'],
     name: ['IChannel.GetName', 'name'],
-    majorChannel: ['IChannel.GetMajorChannel', 'majorChannel', unlessZero],
-    minorChannel: ['IChannel.GetMinorChannel', 'minorChannel', unlessZero],
-    terminalChannel: ['IChannel.GetTerminalChannel', 'terminalChannel', unlessZero],
-    ipBroadcastID: ['IChannel.GetIpBroadcastID', 'ipBroadcastId', unlessEmpty],
+    majorChannel: ['IChannel.GetMajorChannel', 'majorChannel', orUndefined],
+    minorChannel: ['IChannel.GetMinorChannel', 'minorChannel', orUndefined],
+    terminalChannel: ['IChannel.GetTerminalChannel', 'terminalChannel', orUndefined],
+    ipBroadcastID: ['IChannel.GetIpBroadcastID', 'ipBroadcastId', orUndefined],
 };
 
 // The rest, which changes without an event.
 const channelState = {
-    tunerID: ['IChannel.GetTunerID', 'tunerId', unlessEmpty],
+    tunerID: ['IChannel.GetTunerID', 'tunerId', orUndefined],
     sourceID: ['IChannel.GetSourceID', 'sourceId'],
     freq: ['IChannel.GetFreq', 'freq'],
     cni: ['IChannel.GetCni', 'cni'],
-    dsd: ['IChannel.GetDsd', 'dsd', unlessEmpty],
+    dsd: ['IChannel.GetDsd', 'dsd', orUndefined],
     favourite: ['IChannel.GetFavourite', 'favourite'],
     locked: ['IChannel.GetLocked', 'locked'],
     manualBlock: ['IChannel.GetManualBlock', 'manualBlock'],
     channelMaxBitRate: ['IChannel.GetChannelMaxBitRate', 'maxBitrate'],
     channelTTR: ['IChannel.GetChannelTTR', 'ttr'],
     recordable: ['IChannel.GetRecordable', 'recordable'],
-    longName: ['IChannel.GetLongName', 'name', unlessEmpty],
-    description: ['IChannel.GetDescription', 'description', unlessEmpty],
+    longName: ['IChannel.GetLongName', 'name', orUndefined],
+    description: ['IChannel.GetDescription', 'description', orUndefined],
     authorised: ['IChannel.GetAuthorized', 'authorized'],
     hidden: ['IChannel.GetHidden', 'hidden'],
-    logoURL: ['IChannel.GetLogoURL', 'url', unlessEmpty],
+    logoURL: ['IChannel.GetLogoURL', 'url', orUndefined],
 };
 
 // Kinds of channels that have a property; the others have undefined.

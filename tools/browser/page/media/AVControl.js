@@ -1,4 +1,5 @@
-// The A/V control object: <object type="video/mp4"> and the like (OIPF DAE 7.14, CEA-2014). A <video> element in it plays.
+// The A/V control object: <object type="video/mp4"> and the like (OIPF DAE 7.14, CEA-2014). A <video> element in it
+// plays the content.
 
 const kAvTypes = ['video/mp4', 'video/mpeg', 'video/webm', 'audio/mp4', 'audio/mpeg', 'audio/webm'];
 

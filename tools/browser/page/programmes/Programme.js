@@ -2,8 +2,8 @@
 
 const programmeReaders = {
     name: ['IProgramme.GetName', 'name'],
-    description: ['IProgramme.GetDescription', 'description', unlessEmpty],
-    longDescription: ['IProgramme.GetLongDescription', 'description', unlessEmpty],
+    description: ['IProgramme.GetDescription', 'description', orUndefined],
+    longDescription: ['IProgramme.GetLongDescription', 'description', orUndefined],
     startTime: ['IProgramme.GetStartTime', 'startTime'],
     duration: ['IProgramme.GetDuration', 'duration'],
     channelID: ['IProgramme.GetChannelID', 'channelId'],

@@ -5,7 +5,7 @@ const ratingReaders = {
     scheme: ['IParentalControlManager.GetScheme', 'scheme'],
     value: ['IParentalControlManager.GetValue', 'value'],
     labels: ['IParentalControlManager.GetLabel', 'labels'],
-    region: ['IParentalControlManager.GetRegion', 'region', unlessEmpty],
+    region: ['IParentalControlManager.GetRegion', 'region', orUndefined],
 };
 
 class ParentalRating {

@@ -1,0 +1,103 @@
+// What a viewer sees: the picture of the channel below the applications, in pictures and in a window.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <filesystem>
+
+#include "common/failure.h"
+#include "system.h"
+
+namespace hbbtv::test {
+
+namespace {
+
+// The colours of the picture's first two bars.
+const char* const kGrey = "191,191,191";
+const char* const kYellow = "191,191,0";
+
+// Returns the colours of a picture at these points, by a page that draws it.
+std::string ColoursOf(const BrowserSystem& system, const std::string& picture, const std::string& points) {
+    const std::string page =
+        system.Write("colours.html",
+                     "<!DOCTYPE html><title>Colours</title><script>\n"
+                     "async function colours(points) {\n"
+                     "    const image = Object.assign(new Image(), {src: '" +
+                         picture +
+                         "'});\n"
+                         "    await image.decode();\n"
+                         "    const canvas = new OffscreenCanvas(image.width, image.height).getContext('2d');\n"
+                         "    canvas.drawImage(image, 0, 0);\n"
+                         "    return points.map(([x, y]) => canvas.getImageData(x, y, 1, 1).data.slice(0, 3).join());\n"
+                         "}\n</script>");
+    const FinishedRun run = BrowserSystem::Run({page, "--alone", "--print", "colours(" + points + ")"});
+    return run.output + run.errors;
+}
+
+std::string Application(const std::string& videoStyle) {
+    return "<!DOCTYPE html><title>Application</title><style>body { margin: 0; } div, object { position: absolute; }"
+           "</style><body><object id='video' type='video/broadcast' style='" +
+           videoStyle +
+           "'></object><div style='left: 0; top: 0; width: 100px; height: 100px; background: red'></div>"
+           "<script>document.getElementById('video').bindToCurrentChannel();</script>";
+}
+
+// Whether the process has a handler for SIGUSR1.
+bool TakesTheSignal(pid_t pid) {
+    std::ifstream file("/proc/" + std::to_string(pid) + "/status");
+    for (std::string line; std::getline(file, line);) {
+        if (line.rfind("SigCgt:", 0) == 0) return (std::stoull(line.substr(7), nullptr, 16) >> (SIGUSR1 - 1) & 1) != 0;
+    }
+    return false;
+}
+
+}  // namespace
+
+TEST(Screen, ShowsThePictureOfTheChannelBelowTheApplication) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const std::string page = system.Write("page.html", Application("left: 0; top: 0; width: 1280px; height: 720px"));
+    const FinishedRun run =
+        BrowserSystem::Run({page, "--until", "video.playState === 2", "--screenshot", system.directory / "all.png"});
+    ASSERT_EQ(run.exit, kDone) << run.Text();
+    EXPECT_EQ(ColoursOf(system, "all.png", "[[50, 50], [150, 50], [170, 50]]"),
+              std::string("[\"255,0,0\",\"") + kGrey + "\",\"" + kYellow + "\"]\n");
+}
+
+TEST(Screen, ShowsThePictureWhereTheApplicationPlacesIt) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const std::string page =
+        system.Write("page.html", Application("left: 640px; top: 360px; width: 640px; height: 360px"));
+    const FinishedRun run =
+        BrowserSystem::Run({page, "--until", "video.playState === 2", "--screenshot", system.directory / "part.png"});
+    ASSERT_EQ(run.exit, kDone) << run.Text();
+    EXPECT_EQ(ColoursOf(system, "part.png", "[[50, 50], [630, 400], [650, 350], [650, 370], [730, 370]]"),
+              std::string("[\"255,0,0\",\"0,0,0\",\"0,0,0\",\"") + kGrey + "\",\"" + kYellow + "\"]\n");
+}
+
+TEST(Screen, IsWrittenToTheFileAtEachSignal) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const std::string picture = system.directory / "picture.png";
+    ChildProcess browser({HBBTV_BROWSER_PROGRAM, "--headless", "--screenshot", picture});
+    ASSERT_TRUE(WaitFor([&] { return TakesTheSignal(browser.Pid()); }));
+    for (int i = 0; i < 2; ++i) {
+        browser.Signal(SIGUSR1);
+        EXPECT_TRUE(WaitFor([&] { return std::filesystem::exists(picture); })) << browser.Output();
+        std::filesystem::remove(picture);
+    }
+    browser.Signal(SIGINT);
+    EXPECT_EQ(browser.WaitForExit(), kDone);
+    EXPECT_EQ(browser.Output(), "");
+}
+
+TEST(Screen, ReportsAPictureThatCannotBeWritten) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const std::string page = system.Write("page.html", Application(""));
+    const FinishedRun run = BrowserSystem::Run({page, "--screenshot", "/dev/full/picture.png"});
+    EXPECT_EQ(run.exit, kUsage);
+    EXPECT_EQ(run.errors, "hbbtv-browser: cannot write \"/dev/full/picture.png\": Not a directory\n");
+}
+
+}  // namespace hbbtv::test
