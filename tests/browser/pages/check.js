@@ -28,7 +28,7 @@ function expectTrue(condition, what) {
 
 // Waits until a condition holds; it is tried again after each task. A page that waits for long has failed.
 async function until(condition, what) {
-    const end = performance.now() + 10000;
+    const end = performance.now() + 20000;
     while (!condition()) {
         if (performance.now() > end) throw new Error(`waited in vain for ${what}`);
         await new Promise((resolve) => setTimeout(resolve));

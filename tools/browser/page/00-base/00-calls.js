@@ -5,6 +5,7 @@ const kCallPath = '/.hbbtv/call';
 
 // Pages replace globals, so what is used after their first script is kept here.
 const NativeRequest = window.XMLHttpRequest;
+const {open: openRequest, send: sendRequest} = NativeRequest.prototype;
 const fromJson = JSON.parse;
 const toJson = JSON.stringify;
 
@@ -25,8 +26,8 @@ function exchange(body) {
     if (documentIsLeft || !hasOrigin) return '';
     const request = new NativeRequest();
     try {
-        request.open('POST', kCallPath, false);
-        request.send(body);
+        openRequest.call(request, 'POST', kCallPath, false);
+        sendRequest.call(request, body);
         return request.status === 200 ? request.responseText : '';
     } catch (refused) {
         return '';
