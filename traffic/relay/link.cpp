@@ -105,9 +105,10 @@ void Link::Take(Direction direction, const char* bytes, size_t count) {
 }
 
 void Link::PassOn(Direction direction, const char* bytes, size_t count) {
+    const TimeStamp arrived;
     Send(direction, bytes, count);
     const size_t begin = BeginIn(Of(direction), bytes, count);
-    mRecorder.Bytes(mAbout.number, direction, std::string(bytes, count), begin, "");
+    mRecorder.Bytes(mAbout.number, direction, std::string(bytes, count), begin, arrived, "");
 }
 
 // Returns where the first message begins that begins in these bytes, or npos.
@@ -193,7 +194,7 @@ void Link::Continue(Direction direction) {
 }
 
 void Link::Follow(Direction direction, const Shaping::Step& step) {
-    mRecorder.Bytes(mAbout.number, direction, step.message, 0, step.verdict.applied);
+    mRecorder.Bytes(mAbout.number, direction, step.message, 0, TimeStamp(), step.verdict.applied);
     mVerdicts[static_cast<size_t>(direction)] = step.verdict;
     if (step.verdict.hold) {
         Of(direction).held = true;
@@ -219,7 +220,7 @@ void Link::Deliver(Direction direction) {
     Of(direction).rate = verdict.rate;
     Of(direction).closing = verdict.close;
     if (!verdict.answer.empty()) {
-        mRecorder.Bytes(mAbout.number, Opposite(direction), verdict.answer, 0, "");
+        mRecorder.Bytes(mAbout.number, Opposite(direction), verdict.answer, 0, TimeStamp(), "");
         Send(Opposite(direction), verdict.answer.data(), verdict.answer.size());
     }
     Send(direction, verdict.forward.data(), verdict.forward.size());

@@ -71,9 +71,8 @@ void Recorder::Note(const std::string& note, const std::string& socket) {
     Push([=, time = TimeStamp()](Understanding& to) { to.Note(note, socket, time); });
 }
 
-void Recorder::Bytes(uint64_t connection, Direction direction, std::string bytes, size_t begin,
+void Recorder::Bytes(uint64_t connection, Direction direction, std::string bytes, size_t begin, const TimeStamp& time,
                      const std::string& rule) {
-    const TimeStamp time;
     const auto lost = mLost.find({connection, direction});
     if (lost != mLost.end() || Full()) {
         if (lost == mLost.end() || begin == std::string::npos || Full()) {

@@ -30,8 +30,10 @@ class Recorder {
     void Closed(uint64_t connection, const std::string& how);
     void Note(const std::string& note, const std::string& socket);
 
-    // `begin` is the place of the first message that begins in these bytes, or npos.
-    void Bytes(uint64_t connection, Direction direction, std::string bytes, size_t begin, const std::string& rule);
+    // `begin` is the place of the first message that begins in these bytes, or npos; `time` is that before they were
+    // passed on: the receiver may answer before the call that passes them on returns.
+    void Bytes(uint64_t connection, Direction direction, std::string bytes, size_t begin, const TimeStamp& time,
+               const std::string& rule);
 
     // Passes all that waits, and the exchanges that are still open, to the function, and ends the thread.
     void Finish();

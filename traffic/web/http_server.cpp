@@ -234,9 +234,12 @@ class HttpServer::Body::Connection : public std::enable_shared_from_this<Connect
 
     void AnswerLater(const std::string& path, const std::string& json) {
         mTimer.cancel();
-        asio::post(mBody.mWorkers, [self = shared_from_this(), path, json] {
-            HttpResponse response = self->mBody.mHandlers.post(path, json);
-            asio::post(self->mBody.mContext, [self, response = std::move(response)] { self->Respond(response); });
+        asio::post(mBody.mWorkers, [self = shared_from_this(), path, json]() mutable {
+            Body& body = self->mBody;
+            HttpResponse response = body.mHandlers.post(path, json);
+            // Handed over entirely: a connection ends on the server's thread.
+            asio::post(body.mContext,
+                       [self = std::move(self), response = std::move(response)] { self->Respond(response); });
         });
     }
 

@@ -255,7 +255,8 @@ TEST_F(LogImportTest, ContinuesItsClockWhenTheTelevisionSetsItsOwn) {
 }
 
 TEST_F(LogImportTest, FindsNothingInOtherFiles) {
-    Import(std::string("\0\xff\x1b[[[{\n\n\t\"x\n[ \n[tolm](\nD/(:\n11-22 \n", 40) + std::string(1u << 20, '{'));
+    constexpr char kBytes[] = "\0\xff\x1b[[[{\n\n\t\"x\n[ \n[tolm](\nD/(:\n11-22 \n";
+    Import(std::string(kBytes, sizeof(kBytes) - 1) + std::string(1u << 20, '{'));
     EXPECT_TRUE(records.empty());
     EXPECT_THROW(LogImport({directory.Path() + "/absent", "", {}}, [](const Record&) {}), Failure);
 }

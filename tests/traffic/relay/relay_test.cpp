@@ -35,6 +35,31 @@ TEST_F(RelayTest, PassesOnRequestsAndRepliesAndRecordsThem) {
     EXPECT_EQ(record.library.name, "traffic_tests");
 }
 
+// The receiver runs before the call that has passed the message on returns, on a machine with one processor always.
+TEST_F(RelayTest, RecordsTheTimesAtWhichMessagesArriveAndNotThoseAfterTheirReceivers) {
+    constexpr size_t kExchanges = 200;
+    std::vector<uint64_t> received;  // of the platform's thread until Ask() returns
+    const FakePlatform platform(kChannel, [&received](const test::Frame&) -> std::optional<std::string> {
+        received.push_back(TimeStamp().Monotonic());
+        return "{}";
+    });
+    RunningRelay relay(Here());
+    std::vector<uint64_t> asked;
+    std::vector<uint64_t> answered;
+    for (size_t i = 0; i < kExchanges; ++i) {
+        asked.push_back(TimeStamp().Monotonic());
+        ASSERT_EQ(Ask(R"({"c_handle":"0x1","method":13,"type":12})"), "{}");
+        answered.push_back(TimeStamp().Monotonic());
+    }
+    ASSERT_TRUE(relay.WaitForExchanges(kExchanges));
+    for (size_t i = 0; i < kExchanges; ++i) {
+        const Record record = relay.Exchanges()[i];
+        EXPECT_GE(record.time.Monotonic(), asked[i]);
+        EXPECT_LE(record.time.Monotonic(), received[i]) << i;
+        EXPECT_LE(record.time.Monotonic() + *record.duration, answered[i]) << i;
+    }
+}
+
 TEST_F(RelayTest, FilesAreAsBeforeAtTheEnd) {
     const FakePlatform platform(kChannel, "{}");
     chmod((directory / kChannel).c_str(), 0750);

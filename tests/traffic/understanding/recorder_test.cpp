@@ -38,9 +38,9 @@ TEST(Recorder, CountsWhatDoesNotFitAndContinuesWithTheNextMessage) {
     const std::string large = Encode({kOneWay, 1, std::string(1u << 20, ' ')});
     constexpr uint64_t kSent = 80;
     for (uint64_t i = 0; i < kSent; ++i) {
-        slow.recorder.Bytes(1, Direction::kToServer, large, 0, "");
+        slow.recorder.Bytes(1, Direction::kToServer, large, 0, TimeStamp(), "");
     }
-    slow.recorder.Bytes(1, Direction::kToServer, large.substr(0, 1000), 0, "");
+    slow.recorder.Bytes(1, Direction::kToServer, large.substr(0, 1000), 0, TimeStamp(), "");
     slow.Go();
     uint64_t exchanges = 0;
     for (const Record& record : slow.records) exchanges += record.kind == Record::Kind::Exchange ? 1 : 0;
@@ -52,7 +52,7 @@ TEST(Recorder, SaysHowManyBytesAreMissing) {
     Slow slow;
     slow.recorder.Connected({1, "service_of_a_family", {}, {}});
     const std::string large = Encode({kOneWay, 1, std::string(1u << 20, ' ')});
-    for (int i = 0; i < 80; ++i) slow.recorder.Bytes(1, Direction::kToServer, large, 0, "");
+    for (int i = 0; i < 80; ++i) slow.recorder.Bytes(1, Direction::kToServer, large, 0, TimeStamp(), "");
     slow.recorder.Closed(1, "by the library");
     slow.Go();
     ASSERT_GT(slow.records.size(), 2u);
@@ -68,13 +68,13 @@ TEST(Recorder, BeginsAgainWithAWholeMessage) {
     Slow slow;
     slow.recorder.Connected({1, "service_of_a_family", {}, {}});
     const std::string large = Encode({kOneWay, 1, std::string(1u << 20, ' ')});
-    for (int i = 0; i < 80; ++i) slow.recorder.Bytes(1, Direction::kToServer, large, 0, "");
+    for (int i = 0; i < 80; ++i) slow.recorder.Bytes(1, Direction::kToServer, large, 0, TimeStamp(), "");
     slow.gate.set_value();
     // The end of a message and the beginning of the next one, until there is room.
     const std::string small = Encode({kOneWay, 1, "{}"});
     const std::string chunk = small.substr(5) + small.substr(0, 5);
     ASSERT_TRUE(test::WaitFor([&] {
-        slow.recorder.Bytes(1, Direction::kToServer, chunk, small.size() - 5, "");
+        slow.recorder.Bytes(1, Direction::kToServer, chunk, small.size() - 5, TimeStamp(), "");
         return slow.small.load();
     }));
     slow.recorder.Closed(1, "");

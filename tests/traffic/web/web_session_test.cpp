@@ -43,7 +43,8 @@ class Client {
     // Reads until the text has arrived. Returns all that has, also at the end of the connection.
     const std::string& Until(const std::string& text) {
         char bytes[65536];
-        while (mText.find(text) == std::string::npos) {
+        for (size_t from = 0; mText.find(text, from) == std::string::npos;) {
+            from = mText.size() < text.size() ? 0 : mText.size() - text.size();
             const ssize_t count = recv(mSocket.Get(), bytes, sizeof(bytes), 0);
             if (count <= 0) break;
             mText.append(bytes, static_cast<size_t>(count));
@@ -208,10 +209,10 @@ TEST_F(Web, ServesOthersWhileAPageDoesNotRead) {
     Client lazy(port, Head("GET", path + "events"));
     lazy.Until("retry");
     Record large = GetName(R"({"ret":0,"name":")" + std::string(200000, 'x') + "\"}");
-    for (large.number = 1; large.number <= 200; ++large.number) session->Add(large);
+    for (large.number = 1; large.number <= 60; ++large.number) session->Add(large);
     Client page(port, Head("GET", path + "events"));
-    EXPECT_THAT(page.Until("id: 200\n"), HasSubstr("id: 200\n"));
-    EXPECT_THAT(lazy.Until("id: 200\n"), HasSubstr("id: 200\n"));
+    EXPECT_THAT(page.Until("id: 60\n"), HasSubstr("id: 60\n"));
+    EXPECT_THAT(lazy.Until("id: 60\n"), HasSubstr("id: 60\n"));
 }
 
 TEST_F(Web, RefusesMoreConnectionsThanPagesNeedAndRecovers) {

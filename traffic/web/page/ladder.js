@@ -3,6 +3,7 @@
 
 const MOST_STEPS = 400;
 const STEP = 26;
+const GAP_STEP = 34;
 const GAP = 1000000;  // a longer pause, in microseconds, is marked
 
 class Ladder {
@@ -38,7 +39,7 @@ class Ladder {
     let y = 44;
     let last = steps[0].time;
     for (const step of steps) {
-      if (step.time - last > GAP) nodes.push(...gapNodes(lines, (y += STEP) - STEP / 2, step.time - last));
+      if (step.time - last > GAP) nodes.push(...gapNodes(lines, (y += GAP_STEP) - GAP_STEP / 2 + 4, step.time - last));
       nodes.push(this.stepNode(step, lines, (y += STEP)));
       last = step.time;
     }
