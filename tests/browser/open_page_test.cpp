@@ -66,6 +66,27 @@ TEST(Browser, PressesKeysThatThePageCanTrust) {
     EXPECT_EQ(run.output, "[403,true,40,true,13,true,461,true,459,true,53,true]\n") << run.Text();
 }
 
+TEST(Browser, MakesCallsAndPressesKeysInAFrameOfAnotherSite) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    for (const char* site : {"one", "two"}) std::filesystem::create_directory(system.directory / site);
+    system.Write("one/index.html",
+                 "<!DOCTYPE html><title>One</title><body><iframe src='http://two.example/'></iframe>"
+                 "<script>const got = [];\n"
+                 "addEventListener('message', event => got.push(event.data));</script>");
+    system.Write("two/index.html",
+                 Page("const [current] = call({method: 'IChannelConfig.GetCurrentChannel', arguments: {}});\n"
+                      "const [{results}] = call({method: 'IChannel.GetName', arguments: current.results});\n"
+                      "addEventListener('keydown', e => parent.postMessage([e.keyCode, e.isTrusted], '*'));\n"
+                      "window.focus();\n"
+                      "parent.postMessage(results.name, '*');\n"));
+    const FinishedRun run =
+        BrowserSystem::Run({"--serve", "http://one.example/=" + system.directory.Path() + "/one", "--serve",
+                            "http://two.example/=" + system.directory.Path() + "/two", "http://one.example/", "--keys",
+                            "RED", "--until", "got.length === 2", "--print", "got", "--timeout", "8s"});
+    EXPECT_EQ(run.output, "[\"Das Erste HD\",[403,true]]\n") << run.Text();
+}
+
 TEST(Browser, PrintsTheConsoleWithPositions) {
     const BrowserSystem system;
     ASSERT_TRUE(system.ready);

@@ -91,6 +91,32 @@ TEST(Screen, IsWrittenToTheFileAtEachSignal) {
     EXPECT_EQ(browser.Output(), "");
 }
 
+TEST(Screen, IsInAWindowBesideARemoteControlIfThereIsADisplay) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    ChildProcess display({"Xvfb", "-displayfd", "1", "-screen", "0", "1600x900x24", "-nolisten", "tcp"});
+    ASSERT_TRUE(display.WaitForOutput("\n"));
+    const std::string number = display.Output().substr(0, display.Output().find('\n'));
+    const std::string picture = system.directory / "window.png";
+    ChildProcess browser({HBBTV_BROWSER_PROGRAM, "--screenshot", picture}, {"DISPLAY=:" + number});
+    ASSERT_TRUE(WaitFor([&] { return TakesTheSignal(browser.Pid()); }));
+    browser.Signal(SIGUSR1);
+    EXPECT_TRUE(WaitFor([&] { return std::filesystem::exists(picture); })) << browser.Output();
+    browser.Signal(SIGINT);
+    EXPECT_EQ(browser.WaitForExit(), kDone);
+    EXPECT_EQ(browser.Output(), "");
+    // The remote control is dark grey, a red key is at its upper left corner.
+    EXPECT_EQ(ColoursOf(system, "window.png", "[[1285, 5], [1300, 30]]"), "[\"32,36,40\",\"221,51,51\"]\n");
+}
+
+TEST(Screen, SaysThatADisplayCannotBeUsed) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const FinishedRun run = RunToEnd({HBBTV_BROWSER_PROGRAM}, std::nullopt, {"DISPLAY=:nowhere"});
+    EXPECT_EQ(run.exit, kUnavailable);
+    EXPECT_EQ(run.errors.find("hbbtv-browser: cannot open a window: "), 0u) << run.Text();
+}
+
 TEST(Screen, ReportsAPictureThatCannotBeWritten) {
     const BrowserSystem system;
     ASSERT_TRUE(system.ready);

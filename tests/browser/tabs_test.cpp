@@ -70,7 +70,8 @@ class System : public BrowserSystem {
     pid_t Chromium() const {
         for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
             std::ifstream file(entry.path() / "cmdline");
-            const std::string line((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+            std::string line;
+            std::getline(file, line, '\x01');  // which takes a process that has just ended for an empty one
             if (line.rfind("/usr/lib/chromium/chromium", 0) == 0 && line.find(directory.Path()) != std::string::npos &&
                 line.find("--type=") == std::string::npos)
                 return std::atoi(entry.path().filename().c_str());
@@ -171,6 +172,16 @@ TEST(Tabs, ReleaseWhatTheirDocumentsHaveCreated) {
     EXPECT_THAT(system.platform.Output(), Not(HasSubstr("> Destroy vb_handle")));
     System::Tell("zap 1");
     EXPECT_TRUE(system.platform.WaitForOutput("> Destroy vb_handle"));
+}
+
+TEST(Tabs, AreClosedByThePlatformWhenTheirPageAsksForThat) {
+    const System system("<script>addEventListener('keydown', () => window.close());</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    System::Tell("key RED");
+    EXPECT_TRUE(system.platform.WaitForOutput("> OnRenderRequestCloseTab tabid=1"));
+    EXPECT_TRUE(System::HasNoTab()) << System::Tell("tabs");
 }
 
 TEST(Tabs, AreReportedGoneWhenChromiumIsKilledWhichIsStartedAgain) {

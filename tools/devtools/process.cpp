@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <thread>
 
@@ -34,9 +33,12 @@ constexpr int kAboveThose = 10;
 
 constexpr Milliseconds kPatience{5000};
 
+const char* const kMessages = "/messages";  // file of its directory, which the shell below opens
+
 // Arguments: the directory to remove, and Chromium's command line. The shell keeps no end of the pipes, so that they
 // close when Chromium ends. Processes that end a little later than Chromium may still write files.
 const char* const kKeeper =
+    "exec 2>/dev/null\n"  // where the shell says that Chromium was killed
     "directory=$1; shift\n"
     "\"$@\" 5>&- </dev/null >/dev/null 2>\"$directory/messages\" &\n"
     "exec 3<&- 4>&-\n"
@@ -151,7 +153,9 @@ std::pair<int, int> ChromiumProcess::Pipe::Open() {
     return {fcntl(ends[0], F_DUPFD_CLOEXEC, kAboveThose), fcntl(ends[1], F_DUPFD_CLOEXEC, kAboveThose)};
 }
 
-ChromiumProcess::ChromiumProcess(const ChromiumOptions& options) : mDirectory((Program(), MakeDirectory())) {
+ChromiumProcess::ChromiumProcess(const ChromiumOptions& options)
+    : mDirectory((Program(), MakeDirectory())),
+      mMessages(open((mDirectory + kMessages).c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0600)) {
     Start(options);
     // Chromium has the other ends.
     close(mCommands.reader.Release());
@@ -203,10 +207,12 @@ bool ChromiumProcess::WaitForEnd(Milliseconds limit) {
 }
 
 std::string ChromiumProcess::LastMessage() const {
-    std::ifstream file(mDirectory + "/messages");
-    std::string last;
-    for (std::string line; std::getline(file, line);) last = line;
-    return last;
+    std::string text;
+    char bytes[4096];
+    for (ssize_t count; (count = pread(mMessages.Get(), bytes, sizeof(bytes), static_cast<off_t>(text.size()))) > 0;)
+        text.append(bytes, static_cast<size_t>(count));
+    while (!text.empty() && text.back() == '\n') text.pop_back();
+    return text.substr(text.rfind('\n') + 1);
 }
 
 }  // namespace hbbtv::devtools

@@ -59,7 +59,8 @@ class ChromiumProcess {
     Pipe mCommands;
     Pipe mAnswers;
     const std::string mDirectory;
-    pid_t mKeeper = -1;  // -1: it has been reaped
+    const Descriptor mMessages;  // of Chromium; can be read after the file is removed
+    pid_t mKeeper = -1;          // -1: it has been reaped
     pid_t mPid = -1;
 };
 

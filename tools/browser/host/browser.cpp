@@ -1,15 +1,8 @@
 #include "browser.h"
 
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "chromium/keys.h"
@@ -17,6 +10,7 @@
 #include "common/text/printable.h"
 #include "common/text/quote.h"
 #include "files.h"
+#include "host_programs.h"
 #include "page_script.h"
 
 namespace hbbtv::browser {
@@ -25,82 +19,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kWidthOfRemote = 220;
-constexpr int kHeightOfTitle = 40;
-
 constexpr Milliseconds kTimeToRelease{1000};
 constexpr Milliseconds kTimeToGetATab{3000};
-
-std::string Escaped(const std::string& name) {
-    std::string text;
-    for (const char c : name) {
-        char escape[4];
-        std::snprintf(escape, sizeof(escape), "%%%02X", static_cast<unsigned char>(c));
-        const bool plain = std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '.' || c == '-' || c == '_';
-        text += plain ? std::string(1, c) : escape;
-    }
-    return text;
-}
-
-devtools::ChromiumOptions ChromiumFor(const Options& options) {
-    devtools::ChromiumOptions chromium;
-    chromium.profile = options.profile;
-    chromium.arguments = {"--no-startup-window",
-                          "--user-agent=" + options.userAgent,
-                          "--autoplay-policy=no-user-gesture-required",
-                          "--disable-features=BackForwardCache,Translate,HttpsUpgrades",
-                          "--disable-popup-blocking",
-                          "--disable-renderer-backgrounding",
-                          "--disable-background-timer-throttling",
-                          "--disable-backgrounding-occluded-windows",
-                          "--hide-scrollbars"};
-    return chromium;
-}
-
-// The window has a remote control beside the screen.
-devtools::ChromiumOptions WindowFor(const Options& options) {
-    devtools::ChromiumOptions chromium;
-    chromium.window = true;
-    const ScreenSize& size = options.size;
-    chromium.arguments = {"--app=data:text/html,Television",
-                          "--window-size=" + std::to_string(size.width + kWidthOfRemote) + "," +
-                              std::to_string(size.height + kHeightOfTitle)};
-    return chromium;
-}
-
-// Returns the video of a channel: the file in the directory that has its name, with any extension; else "".
-std::string PictureFile(const std::string& directory, const std::string& channel) {
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(directory, error)) {
-        if (entry.path().stem() == channel || entry.path().filename() == channel) return entry.path().string();
-    }
-    return "";
-}
-
-// Returns what failed, or "". A reader sees the old file or the new one.
-std::string ReplaceFile(const std::string& name, const std::string& bytes) {
-    const std::string next = name + ".new";
-    std::ofstream file(next, std::ios::binary);
-    file << bytes;
-    file.close();
-    if (file && std::rename(next.c_str(), name.c_str()) == 0) return "";
-    const std::string problem = "cannot write " + Quoted(name) + ": " + std::strerror(errno);
-    std::remove(next.c_str());
-    return problem;
-}
-
-// Runs a program with one argument, and forgets it.
-void RunProgram(const std::string& program, const std::string& argument) {
-    std::thread([program, argument] {
-        pid_t pid = 0;
-        char* const words[] = {const_cast<char*>(program.c_str()), const_cast<char*>(argument.c_str()), nullptr};
-        if (posix_spawnp(&pid, program.c_str(), nullptr, nullptr, words, environ) == 0) {
-            waitpid(pid, nullptr, 0);
-        } else {
-            std::fprintf(stderr, "hbbtv-browser: cannot run %s\n", Quoted(program).c_str());
-        }
-    }).detach();
-}
 
 }  // namespace
 
@@ -147,7 +67,11 @@ int Browser::Run() {
         });
     });
     StartApplications();
-    if (mOptions.HasWindow()) OpenWindow();
+    if (mOptions.HasWindow()) {
+        OpenWindow();
+    } else if (!mOptions.headless && !mOptions.EndsByItself()) {
+        std::fprintf(stderr, "hbbtv-browser: there is no display, so nothing is shown; see --screenshot\n");
+    }
     if (!mUrl.empty()) OpenPage();
     mLoop.RunUntil([this] { return mExit.has_value(); });
     Stop();
@@ -164,11 +88,11 @@ void Browser::Stop() {
     for (Side* side : {&mWindow, &mApplications}) {
         if (side->chromium) side->chromium->Forget();
     }
-    mScreen.reset();
     for (Side* side : {&mWindow, &mApplications}) {
         side->pages.reset();
         side->chromium.reset();
     }
+    mScreen.reset();
 }
 
 void Browser::Start(Side& side, const devtools::ChromiumOptions& options, bool window) {
@@ -186,9 +110,9 @@ void Browser::Start(Side& side, const devtools::ChromiumOptions& options, bool w
     side.chromium->SetHandlers([&side](const std::string& session, const std::string& method,
                                        const Json::Value& params) { side.pages->Take(session, method, params); },
                                [this, window] {
-                                   // The viewer has closed the window.
-                                   if (window) return End(kDone, "");
-                                   ApplicationsEnded();
+                                   if (!window) return ApplicationsEnded();
+                                   if (mScreen->Ready()) return End(kDone, "");  // the viewer has closed it
+                                   End(kUnavailable, "cannot open a window: " + mWindow.chromium->LastMessage());
                                });
 }
 
@@ -222,7 +146,6 @@ void Browser::ApplicationsEnded() {
     if (mErrand || !mApplications.pages->Started()) return End(kPeerLost, message);
     std::fprintf(stderr, "hbbtv-browser: %s; it is started again\n", Printable(message).c_str());
     mLoop.Post([this] {
-        if (!mOptions.HasWindow()) mScreen.reset();
         mApplications.pages.reset();
         mApplications.chromium.reset();
         StartApplications();
@@ -407,10 +330,11 @@ void Browser::Painted() {
 }
 
 void Browser::WritePicture(const std::function<void(const std::string&)>& onWritten) {
-    if (mScreen->Page().empty()) return mScreen->Start(false, [this, onWritten] { WritePicture(onWritten); });
-    mScreen->Capture([this, onWritten](const std::string& png) {
-        if (png.empty()) return onWritten("cannot take a picture");
-        onWritten(ReplaceFile(mOptions.screenshot, png));
+    mScreen->Start(mOptions.HasWindow(), [this, onWritten] {
+        mScreen->Capture([this, onWritten](const std::string& png) {
+            if (png.empty()) return onWritten("cannot take a picture");
+            onWritten(ReplaceFile(mOptions.screenshot, png));
+        });
     });
 }
 

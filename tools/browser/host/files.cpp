@@ -1,10 +1,16 @@
 #include "files.h"
 
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <sstream>
+
+#include "common/text/quote.h"
 
 namespace hbbtv::browser {
 
@@ -124,6 +130,36 @@ Response FileResponse(const std::string& directory, const std::string& path, con
     }
     if (!fs::is_regular_file(file, error)) return kNotFound;
     return BytesResponse(file.string(), file.filename().string(), range);
+}
+
+std::string Escaped(const std::string& name) {
+    std::string text;
+    for (const char c : name) {
+        char escape[4];
+        std::snprintf(escape, sizeof(escape), "%%%02X", static_cast<unsigned char>(c));
+        const bool plain = std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '.' || c == '-' || c == '_';
+        text += plain ? std::string(1, c) : escape;
+    }
+    return text;
+}
+
+std::string PictureFile(const std::string& directory, const std::string& channel) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(directory, error)) {
+        if (entry.path().stem() == channel || entry.path().filename() == channel) return entry.path().string();
+    }
+    return "";
+}
+
+std::string ReplaceFile(const std::string& name, const std::string& bytes) {
+    const std::string next = name + ".new";
+    std::ofstream file(next, std::ios::binary);
+    file << bytes;
+    file.close();
+    if (file && std::rename(next.c_str(), name.c_str()) == 0) return "";
+    const std::string problem = "cannot write " + Quoted(name) + ": " + std::strerror(errno);
+    std::remove(next.c_str());
+    return problem;
 }
 
 }  // namespace hbbtv::browser

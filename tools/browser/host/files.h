@@ -34,4 +34,13 @@ Response FileResponse(const std::string& directory, const std::string& path, con
 // Returns the bytes of a file as a response; `name` determines its type. `range` is a header of the request, or empty.
 Response BytesResponse(const std::string& file, const std::string& name, const std::string& range);
 
+// Returns the name of a file as a part of a URL.
+std::string Escaped(const std::string& name);
+
+// Returns the video of a channel: the file in the directory that has its name, with any extension; else "".
+std::string PictureFile(const std::string& directory, const std::string& channel);
+
+// Replaces a file; a reader sees the old one or the new one. Returns what failed, or "".
+std::string ReplaceFile(const std::string& name, const std::string& bytes);
+
 }  // namespace hbbtv::browser

@@ -14,8 +14,11 @@ Screen::Screen(Pages& television, std::function<Pages*()> applications, Shown sh
     : mTelevision(television), mApplications(std::move(applications)), mShown(std::move(shown)) {}
 
 void Screen::Start(bool window, std::function<void()> onReady) {
-    mOnReady = std::move(onReady);
+    if (mReady) return onReady();
+    mOnReady.push_back(std::move(onReady));
+    if (mOnReady.size() > 1) return;
     const auto load = [this](const std::string& page) {
+        if (page.empty()) return;
         mPage = page;
         mTelevision.Load(page, kTelevisionUrl);
     };
@@ -25,7 +28,8 @@ void Screen::Start(bool window, std::function<void()> onReady) {
 
 void Screen::Changed(const std::string& page, const PageChange& change) {
     if (page != mPage || change.kind != PageChange::Kind::Finished) return;
-    if (mOnReady) std::exchange(mOnReady, nullptr)();
+    mReady = true;
+    for (const auto& onReady : std::exchange(mOnReady, {})) onReady();
 }
 
 void Screen::Made(const MadeCall& call) {
@@ -52,7 +56,7 @@ void Screen::Released(int64_t vb) {
 
 void Screen::Refresh(std::function<void()> onDone) {
     if (onDone) mNext.push_back(std::move(onDone));
-    if (mPage.empty() || mOnReady) return;
+    if (!mReady) return;
     mAgain = mRunning;
     if (mRunning) return;
     mRunning = true;

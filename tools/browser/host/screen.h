@@ -27,8 +27,11 @@ class Screen {
     // are asked at each refresh, since there may be another Chromium by then; null if there is none.
     Screen(Pages& television, std::function<Pages*()> applications, Shown shown);
 
-    // Creates the page, or takes the one of the window. `onReady` is called when it has loaded.
+    // Creates the page, or takes the one of the window, the first time. `onReady` is called when it has loaded.
     void Start(bool window, std::function<void()> onReady);
+
+    // Returns whether the page has loaded.
+    bool Ready() const { return mReady; }
 
     // Takes what has become of a page of `television`.
     void Changed(const std::string& page, const PageChange& change);
@@ -55,7 +58,8 @@ class Screen {
     const std::function<Pages*()> mApplications;
     const Shown mShown;
     std::string mPage;
-    std::function<void()> mOnReady;
+    bool mReady = false;
+    std::vector<std::function<void()>> mOnReady;
     std::vector<std::function<void()>> mWaiting;  // for the refresh that is running
     std::vector<std::function<void()>> mNext;     // for the one after it
     bool mRunning = false;

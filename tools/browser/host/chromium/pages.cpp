@@ -81,7 +81,9 @@ Pages::Pages(devtools::DevTools& chromium, Console& console, Settings settings, 
                 {[this](const Request& request) { Called(request); }, mHandlers.onFile,
                  [this](const std::string& session, const std::string& frame, const LoadFailure& failure) {
                      LoadFailed(session, frame, failure);
-                 }}) {
+                 }}),
+      mProcesses([this](const std::string& page, const std::string& method, const Json::Value& params,
+                        devtools::DevTools::OnAnswer onAnswer) { Send(page, method, params, std::move(onAnswer)); }) {
     mChromium.Send(kBrowserSession, "Target.setDiscoverTargets", Object("discover", true),
                    [this](const Answer& answer) { mStarted = answer.Ok(); });
     mChromium.Send(kBrowserSession, "Target.setAutoAttach", AutoAttach());
@@ -89,7 +91,6 @@ Pages::Pages(devtools::DevTools& chromium, Console& console, Settings settings, 
 
 Pages::~Pages() {
     for (const auto& awaited : std::exchange(mAwaited, {})) awaited.second("");
-    for (const auto& traced : std::exchange(mTraced, {})) traced.second(0);
 }
 
 void Pages::Create(const std::function<void(const std::string&)>& onCreated) {
@@ -151,43 +152,6 @@ void Pages::CheckChromium(const std::function<void(bool)>& onChecked) {
     mChromium.Send(
         kBrowserSession, "Browser.getVersion", Json::Value(Json::objectValue),
         [onChecked](const Answer& answer) { onChecked(answer.Ok()); }, kTimeToAnswer);
-}
-
-// Chromium names the process of a page only at the start of a trace of the page, of which there is one at a time.
-void Pages::GetRenderProcess(const std::string& page, const std::function<void(int)>& onProcess) {
-    mTraced.emplace_back(page, onProcess);
-    if (mTraced.size() == 1) Trace();
-}
-
-void Pages::Trace() {
-    const std::string page = mTraced.front().first;
-    mProcess = 0;
-    Json::Value params = Object("transferMode", "ReportEvents");
-    params["traceConfig"]["includedCategories"].append("disabled-by-default-devtools.timeline");
-    Send(page, "Tracing.start", params, [this, page](const Answer& started) {
-        if (!started.Ok()) return EndTrace();
-        Send(page, "Tracing.end", Json::Value(Json::objectValue), [this](const Answer& ended) {
-            if (!ended.Ok()) EndTrace();
-        });
-    });
-}
-
-void Pages::TakeTrace(const Json::Value& events) {
-    if (mTraced.empty()) return;
-    for (const Json::Value& event : events) {
-        if (event["name"] != "TracingStartedInBrowser") continue;
-        for (const Json::Value& frame : event["args"]["data"]["frames"]) {
-            if (frame["frame"] == mTraced.front().first) mProcess = frame["processId"].asInt();
-        }
-    }
-}
-
-void Pages::EndTrace() {
-    if (mTraced.empty()) return;
-    const auto onProcess = std::move(mTraced.front().second);
-    mTraced.pop_front();
-    onProcess(mProcess);
-    if (!mTraced.empty()) Trace();
 }
 
 void Pages::GetFile(const std::string& url, const std::function<void(const std::string&)>& onText) {
@@ -252,8 +216,7 @@ void Pages::Take(const std::string& name, const std::string& method, const Json:
     if (method == "Target.attachedToTarget") return Attached(name, params);
     if (method == "Target.detachedFromTarget") return Detached(params["sessionId"].asString());
     if (method == "Target.targetCrashed") return Crashed(params);
-    if (method == "Tracing.dataCollected") return TakeTrace(params["value"]);
-    if (method == "Tracing.tracingComplete") return EndTrace();
+    if (mProcesses.Take(method, params)) return;
     const auto found = mSessions.find(name);
     if (found == mSessions.end()) return;
     Session& session = found->second;

@@ -4,13 +4,13 @@
 
 #include <json/value.h>
 
-#include <deque>
 #include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "chromium/console.h"
+#include "chromium/render_processes.h"
 #include "chromium/requests.h"
 #include "devtools/devtools.h"
 
@@ -88,7 +88,9 @@ class Pages {
     void PressKey(const std::string& page, int code, const std::function<void()>& onTaken = nullptr);
 
     // Return what the name says, or zeros if Chromium does not answer.
-    void GetRenderProcess(const std::string& page, const std::function<void(int process)>& onProcess);
+    void GetRenderProcess(const std::string& page, const RenderProcesses::OnProcess& onProcess) {
+        mProcesses.Get(page, onProcess);
+    }
     void GetHistory(const std::string& page, const std::function<void(bool canBack, bool canForward)>& onHistory);
     void CheckChromium(const std::function<void(bool answers)>& onChecked);
 
@@ -135,9 +137,6 @@ class Pages {
     void ContextsGone(Session& session, int id);
     void Crashed(const Json::Value& params);
     void Called(const Request& request);
-    void Trace();
-    void TakeTrace(const Json::Value& events);
-    void EndTrace();
     void ReadStream(const std::string& page, const std::string& stream, const std::string& begin,
                     const std::function<void(const std::string&)>& onText);
     void LoadFailed(const std::string& name, const std::string& frame, const LoadFailure& failure);
@@ -151,9 +150,7 @@ class Pages {
     Requests mRequests;
     std::map<std::string, Session> mSessions;  // by the name of DevTools
     std::string mHelper;                       // a page that no tab shows
-    // Pages whose process is asked for, and the process of the first of them.
-    std::deque<std::pair<std::string, std::function<void(int process)>>> mTraced;
-    int mProcess = 0;
+    RenderProcesses mProcesses;
     bool mStarted = false;
     std::map<std::string, std::function<void(const std::string&)>> mAwaited;  // by the target that is not prepared yet
 };
