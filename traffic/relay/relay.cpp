@@ -195,7 +195,12 @@ void Relay::Body::Add(int caller, int server, const std::string& socket) {
 
 void Relay::Body::Run() {
     const auto keepRunning = asio::make_work_guard(mContext);
-    mContext.run();
+    try {
+        mContext.run();
+    } catch (...) {
+        End();  // the sockets come first
+        throw;
+    }
     End();
 }
 

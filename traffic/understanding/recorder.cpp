@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <exception>
 
 namespace hbbtv::traffic {
 
@@ -87,6 +88,15 @@ void Recorder::Bytes(uint64_t connection, Direction direction, std::string bytes
     Push([=, held = std::move(bytes)](Understanding& to) { to.Take(connection, direction, held, time, rule); }, size);
 }
 
+// An error, as of memory, must not end the relay.
+void Recorder::Carry(const Step& step) {
+    try {
+        step(mUnderstanding);
+    } catch (const std::exception& e) {
+        mUnderstanding.Note(std::string("a message was passed on, but not recorded: ") + e.what(), "", TimeStamp());
+    }
+}
+
 void Recorder::Run() {
     setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), kLessUrgent);
     std::vector<Step> steps;
@@ -99,7 +109,7 @@ void Recorder::Run() {
         steps.swap(mSteps);
         const size_t bytes = mBytes;
         lock.unlock();
-        for (const Step& step : steps) step(mUnderstanding);
+        for (const Step& step : steps) Carry(step);
         steps.clear();
         lock.lock();
         mBytes -= bytes;  // what is being understood takes memory as well

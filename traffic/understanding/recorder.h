@@ -46,6 +46,7 @@ class Recorder {
 
     void Push(Step step, size_t bytes = 0);
     bool Full();
+    void Carry(const Step& step);
     void Run();
 
     Understanding mUnderstanding;

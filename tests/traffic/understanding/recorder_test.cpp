@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <future>
+#include <stdexcept>
 
 #include "common/frame.h"
 #include "wait_for.h"
@@ -46,6 +47,18 @@ TEST(Recorder, CountsWhatDoesNotFitAndContinuesWithTheNextMessage) {
     for (const Record& record : slow.records) exchanges += record.kind == Record::Kind::Exchange ? 1 : 0;
     EXPECT_GT(exchanges, 60u);
     EXPECT_LT(exchanges, 66u) << "64 MiB";
+}
+
+TEST(Recorder, ContinuesAfterAnError) {
+    std::vector<std::string> notes;
+    Recorder recorder([&notes](const Record& record) {
+        if (record.note == "first") throw std::runtime_error("no memory");
+        notes.push_back(record.note);
+    });
+    for (const char* note : {"first", "second"}) recorder.Note(note, "");
+    recorder.Finish();
+    const std::vector<std::string> expected{"a message was passed on, but not recorded: no memory", "second"};
+    EXPECT_EQ(notes, expected);
 }
 
 TEST(Recorder, SaysHowManyBytesAreMissing) {

@@ -100,8 +100,8 @@ RunningRelay::RunningRelay(traffic::Relay& relay, Interruption& interruption)
     : mRelay(relay), mThread([this, &interruption] {
           try {
               mRelay.Run();
-          } catch (...) {
-              mError = std::current_exception();
+          } catch (const std::exception& e) {
+              mError = e.what();
           }
           interruption.Wake();
       }) {}
@@ -114,7 +114,7 @@ RunningRelay::~RunningRelay() {
 void RunningRelay::Stop() {
     mRelay.Stop();
     mThread.join();
-    if (mError) std::rethrow_exception(mError);
+    if (!mError.empty()) throw Failure(kUnavailable, "the relay has ended: " + mError);
 }
 
 }  // namespace hbbtv::ctl

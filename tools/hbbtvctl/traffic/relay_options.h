@@ -2,7 +2,6 @@
 #pragma once
 
 #include <CLI/App.hpp>
-#include <exception>
 #include <memory>
 #include <string>
 #include <thread>
@@ -52,12 +51,12 @@ class RunningRelay {
     RunningRelay(const RunningRelay&) = delete;
     RunningRelay& operator=(const RunningRelay&) = delete;
 
-    // Throws what has ended the relay.
+    // Throws Failure if an error has ended the relay.
     void Stop();
 
   private:
     traffic::Relay& mRelay;
-    std::exception_ptr mError;
+    std::string mError;
     std::thread mThread;
 };
 
