@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <cstdio>
 #include <filesystem>
 
 #include "common/failure.h"
@@ -73,6 +74,47 @@ TEST(Screen, ShowsThePictureWhereTheApplicationPlacesIt) {
     ASSERT_EQ(run.exit, kDone) << run.Text();
     EXPECT_EQ(ColoursOf(system, "part.png", "[[50, 50], [630, 400], [650, 350], [650, 370], [730, 370]]"),
               std::string("[\"255,0,0\",\"0,0,0\",\"0,0,0\",\"") + kGrey + "\",\"" + kYellow + "\"]\n");
+}
+
+TEST(Screen, PlaysTheVideoThatHasTheNameOfTheChannel) {
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    const std::string recorder =
+        system.Write("recorder.html",
+                     "<!DOCTYPE html><title>Recorder</title><canvas width='320' height='180'></canvas><script>\n"
+                     "async function record() {\n"
+                     "    const canvas = document.querySelector('canvas');\n"
+                     "    const context = canvas.getContext('2d');\n"
+                     "    const recorder = new MediaRecorder(canvas.captureStream(25), {mimeType: 'video/webm'});\n"
+                     "    const data = new Promise(got => { recorder.ondataavailable = ({data}) => got(data); });\n"
+                     "    recorder.start();\n"
+                     "    for (let i = 0; i < 10; ++i) {\n"
+                     "        context.fillStyle = 'rgb(0, 0, 255)';\n"
+                     "        context.fillRect(0, 0, 320, 180);\n"
+                     "        await new Promise(done => setTimeout(done, 40));\n"
+                     "    }\n"
+                     "    recorder.stop();\n"
+                     "    return btoa(String.fromCharCode(...new Uint8Array(await (await data).arrayBuffer())));\n"
+                     "}</script>");
+    const FinishedRun recorded = BrowserSystem::Run({recorder, "--alone", "--print", "record()"});
+    ASSERT_GT(recorded.output.size(), 100u) << recorded.Text();
+    std::filesystem::create_directory(system.directory / "videos");
+    const std::string text = recorded.output.substr(1, recorded.output.rfind('"') - 1);
+    RunToEnd({"sh", "-c", "base64 -d >\"$0\"", system.directory / "videos/Das Erste HD.webm"}, text);
+
+    const std::string page = system.Write("page.html", "<!DOCTYPE html><title>Application</title>");
+    const FinishedRun run = BrowserSystem::Run(
+        {page, "--picture", system.directory / "videos", "--screenshot", system.directory / "video.png"});
+    ASSERT_EQ(run.exit, kDone) << run.Text();
+    // Compressed, so the blue is not exact.
+    const std::string colour = ColoursOf(system, "video.png", "[[640, 360]]");
+    int red = 255;
+    int green = 255;
+    int blue = 0;
+    ASSERT_EQ(std::sscanf(colour.c_str(), "[\"%d,%d,%d", &red, &green, &blue), 3) << colour;
+    EXPECT_LT(red, 40);
+    EXPECT_LT(green, 40);
+    EXPECT_GT(blue, 200);
 }
 
 TEST(Screen, IsWrittenToTheFileAtEachSignal) {
