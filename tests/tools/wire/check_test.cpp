@@ -176,6 +176,7 @@ TEST_F(Check, NamesOperationsThatAreNotAnsweredAndGivesUpAfterThree) {
         EXPECT_THAT(FindingsOf(operations.at(silent)), ElementsAre(HasSubstr("no reply within 20 ms"))) << silent;
     }
     EXPECT_EQ(operations.at("local_system.GetFamilyName")["reason"].asString(), "the family does not reply");
+    EXPECT_TRUE(platform.WaitForFrames(3));
     EXPECT_EQ(platform.Frames().size(), 3u);
     EXPECT_EQ(platform.Connections(), 3) << "a late reply is not taken for another";
 }

@@ -104,10 +104,10 @@ void Observer::Finish() {
                      static_cast<unsigned long long>(mOutput.Lost()));
     }
     if (mWriter == nullptr) return;
-    std::fprintf(stderr, "hbbtvctl: %llu records in %s", static_cast<unsigned long long>(mWritten),
-                 mSettings.file.c_str());
-    if (mMissing > 0) std::fprintf(stderr, "; %llu are missing", static_cast<unsigned long long>(mMissing));
-    std::fprintf(stderr, "\n");
+    // In one piece, since other output may go to the same place.
+    const std::string missing = mMissing > 0 ? "; " + std::to_string(mMissing) + " are missing" : "";
+    std::fprintf(stderr, "hbbtvctl: %llu records in %s%s\n", static_cast<unsigned long long>(mWritten),
+                 mSettings.file.c_str(), missing.c_str());
 }
 
 }  // namespace hbbtv::ctl

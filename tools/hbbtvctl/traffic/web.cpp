@@ -139,7 +139,7 @@ void AddWeb(CLI::App& app, Invocation& invocation) {
         "sockets as `hbbtvctl monitor` does, with the same effects on the system.\n\n"
         "Examples:\n"
         "  hbbtvctl web --for 1s\n"
-        "  hbbtvctl web --port 8123 --break --for 1s\n"
+        "  hbbtvctl web --break --record kept.ndjson --for 1s\n"
         "  hbbtvctl web traffic.ndjson --for 1s");
     command->callback([options, &invocation] {
         invocation.run = [options, &invocation] {
