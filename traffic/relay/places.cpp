@@ -232,17 +232,29 @@ void Places::AwaitNames(size_t side) {
     if (!mNames[side]->is_open()) return;
     mNames[side]->async_wait(asio::posix::descriptor_base::wait_read, [this, side](const asio::error_code& error) {
         if (error || mEnded) return;
-        bool all = false;
-        const std::set<std::string> names = mWatches[side]->Names(all);
-        for (const std::string& name : names) {
-            Check({side, name});
-            if (!IsMoved()) Check({Opposite(side), name});  // its process may have removed the relay's file
-            if (IsRelayable(name)) mPause = kSoon;
-        }
-        if (all) CheckAll();
-        if (mPause == kSoon) AwaitTime();
+        LookAtNames(side);
         AwaitNames(side);
     });
+}
+
+void Places::LookAtNames(size_t side) {
+    bool all = false;
+    const std::set<std::string> names = mWatches[side]->Names(all);
+    for (const std::string& name : names) {
+        Check({side, name});
+        if (!IsMoved()) Check({Opposite(side), name});  // its process may have removed the relay's file
+        if (IsRelayable(name)) mPause = kSoon;
+    }
+    if (all) CheckAll();
+    if (mPause == kSoon) AwaitTime();
+}
+
+void Places::Look() {
+    if (mEnded) return;
+    for (size_t side = 0; side < mDirectories.size(); ++side) {
+        if (mNames[side]->is_open()) LookAtNames(side);
+    }
+    if (mPause < kRarely) CheckAll();
 }
 
 void Places::AwaitTime() {

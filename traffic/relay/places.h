@@ -38,6 +38,9 @@ class Places {
     // Takes the places of the sockets that there are, and of later ones until GiveBack().
     void Take();
 
+    // Takes the places of sockets that have appeared by now. Not to be called by a handler.
+    void Look();
+
     // Another relay can then begin.
     void GiveBack();
 
@@ -77,6 +80,7 @@ class Places {
     bool Accept(const Key& key, Served& served);
     void AwaitEnd(const Key& key, const std::shared_ptr<Served>& served);
     void AwaitNames(size_t side);
+    void LookAtNames(size_t side);
     void AwaitTime();
 
     asio::io_context& mContext;

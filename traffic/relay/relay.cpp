@@ -165,7 +165,12 @@ void Relay::Body::SayExisting(bool breaks) {
 }
 
 void Relay::Body::Accept(int fd, const std::string& socket, const std::string& behind) {
-    Connect(std::make_shared<Descriptor>(fd), socket, behind);
+    // What the caller has created before it has connected, as the library its socket for the events of a family, is
+    // taken before the other side hears from the caller, and may connect there.
+    asio::post(mContext, [this, caller = std::make_shared<Descriptor>(fd), socket, behind] {
+        mPlaces.Look();
+        Connect(caller, socket, behind);
+    });
 }
 
 void Relay::Body::Connect(const std::shared_ptr<Descriptor>& caller, const std::string& socket,

@@ -8,8 +8,10 @@
 #include <fstream>
 #include <random>
 #include <set>
+#include <thread>
 
 #include "common/failure.h"
+#include "common/local_socket.h"
 #include "running_relay.h"
 
 namespace hbbtv::traffic {
@@ -216,6 +218,33 @@ TEST_F(RelayTest, StandsBetweenTwoDirectories) {
     }
     EXPECT_EQ(FilesIn(directory.Path()), files);
     EXPECT_EQ(FilesIn(library), std::set<std::string>{});
+}
+
+// The library creates its socket for events just before it sends the first request of a family, and a platform may send
+// an event at once.
+TEST_F(RelayTest, ASocketForEventsIsThereBeforeThePlatformHasTheRequestThatCausesThem) {
+    const std::string library = directory / "library";
+    mkdir(library.c_str(), 0777);
+    RawListener platform(directory / kChannel);
+    RelaySettings settings = Here();
+    settings.directory = library;
+    settings.platform = directory.Path();
+    RunningRelay relay(settings, platform);
+    for (int i = 0; i < 50; ++i) {
+        const std::string name = "service_hbbtv_to_plugin_" + std::to_string(i);
+        const std::string path = library + "/" + name;
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+        const Descriptor events(socket(AF_UNIX, SOCK_STREAM, 0));
+        ASSERT_EQ(bind(events.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));  // the relay sees a file that no process serves
+        ASSERT_EQ(listen(events.Get(), 10), 0);
+        RawConnection caller = RawConnection::To(library + "/" + kChannel);
+        RawConnection server = platform.Accept();
+        const Descriptor event(ConnectTo(directory / name));
+        ASSERT_GE(event.Get(), 0) << i;
+    }
 }
 
 TEST_F(RelayTest, TheSecondRelayOfADirectoryNamesTheFirst) {
