@@ -103,6 +103,20 @@ Json::CharReader& StrictReader() {
     return *reader;
 }
 
+// Creating a writer takes longer than writing a message.
+std::unique_ptr<Json::StreamWriter> Writer(bool utf8) {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    builder["emitUTF8"] = utf8;
+    return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
+}
+
+std::string Written(Json::StreamWriter& writer, const Json::Value& value) {
+    std::ostringstream stream;
+    writer.write(value, &stream);
+    return stream.str();
+}
+
 }  // namespace
 
 BadJson::BadJson(unsigned line, unsigned column, const std::string& reason)
@@ -122,15 +136,13 @@ Json::Value ParseJson(const std::string& text, int deepest) {
 }
 
 std::string WriteJson(const Json::Value& value) {
-    // Creating a writer takes longer than writing a message.
-    thread_local const std::unique_ptr<Json::StreamWriter> writer = [] {
-        Json::StreamWriterBuilder builder;
-        builder["indentation"] = "";
-        return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
-    }();
-    std::ostringstream stream;
-    writer->write(value, &stream);
-    return stream.str();
+    thread_local const auto writer = Writer(false);
+    return Written(*writer, value);
+}
+
+std::string WriteJsonAsUtf8(const Json::Value& value) {
+    thread_local const auto writer = Writer(true);
+    return Written(*writer, value);
 }
 
 }  // namespace hbbtv

@@ -29,7 +29,8 @@ constexpr int kDeepestJson = 100;
 // 01, anything after the document, and nesting deeper than `deepest` levels (at most 1000) are errors. Throws BadJson.
 Json::Value ParseJson(const std::string& text, int deepest = kDeepestJson);
 
-// Returns the document on one line, in ASCII.
+// Returns the document on one line, in ASCII, or with all characters as they are.
 std::string WriteJson(const Json::Value& value);
+std::string WriteJsonAsUtf8(const Json::Value& value);
 
 }  // namespace hbbtv

@@ -267,7 +267,7 @@ FilterNode ProcessTest(const FilterWord& word) {
 }
 
 std::string TextOf(const Json::Value& value) {
-    return LowerCase(value.isString() ? value.asString() : WriteJson(value));
+    return LowerCase(value.isString() ? value.asString() : WriteJsonAsUtf8(value));
 }
 
 // Compares as numbers if both are numbers, as handles if both are handles, else as text.
@@ -343,7 +343,7 @@ const std::string& Subject::Text() const {
     std::string text = FullName(mRecord) + "\n" + mRecord.socket + "\n" + mRecord.note + "\n" + mRecord.rule + "\n" +
                        mRecord.library.name + "\n" + mRecord.platform.name + "\n";
     const auto add = [&text](const Message& message) {
-        text += message.Readable() ? WriteJson(message.json) : message.raw;
+        text += message.Readable() ? WriteJsonAsUtf8(message.json) : message.raw;
         text += "\n";
     };
     add(mRecord.message);

@@ -25,6 +25,14 @@ TEST(Filter, LetsThroughWhatItNamesAndNothingElse) {
     for (const FilterCase& row : FilterCases()) EXPECT_EQ(Passing(row.filter), row.passes) << row.filter;
 }
 
+TEST(Filter, FindsTextOfAnyLanguage) {
+    const Record record = GetName(R"({"name":"Fernsehen f\u00fcr alle","ret":0})");
+    EXPECT_TRUE(Filter("für").Matches(record));
+    EXPECT_TRUE(Filter("\"für alle\"").Matches(record));
+    EXPECT_TRUE(Filter("reply.name~für").Matches(record));
+    EXPECT_FALSE(Filter("fur").Matches(record));
+}
+
 TEST(Filter, CombinesWordsAsPeopleExpect) {
     for (const FilterCase& row : CombinedFilterCases()) EXPECT_EQ(Passing(row.filter), row.passes) << row.filter;
 }
