@@ -65,7 +65,7 @@ class Installed(Tree):
             self.assertEqual([path for path in texts if str(place) in path.read_text()], [])
         binaries = [path for path in self.prefix.rglob("*") if path.is_file() and not path.is_symlink()
                     and path.read_bytes()[:4] == b"\x7fELF"]
-        self.assertEqual(len(binaries), 6)
+        self.assertEqual(len(binaries), 7)
         for path in binaries:
             if path.name == "hbbtv-sim":
                 self.assertEqual(self.dynamic(path, "RUNPATH"), [])
