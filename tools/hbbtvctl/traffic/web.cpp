@@ -101,17 +101,19 @@ int ShowTraffic(const std::string& directory, const WebOptions& options) {
     const traffic::RelaySettings settings = SettingsOf(directory, options.relay, "hbbtvctl web");
     const traffic::RecordingHead head = HeadOf(settings);
     Keeper keeper(options.record, head);
-    std::unique_ptr<WebSession> session;
+    traffic::Relay* known = nullptr;  // asked by the page, once it is served
+    WebSession session(traffic::WebSettings{settings.directory, settings.platform, options.port, head,
+                                            [&known] { return known->Open(); }});
+    // The first records come while the relay is created.
     traffic::Relay relay(settings, [&](const Record& record) {
         keeper.Keep(record);
-        session->Add(record);
+        session.Add(record);
     });
-    session = std::make_unique<WebSession>(traffic::WebSettings{settings.directory, settings.platform, options.port,
-                                                                head, [&relay] { return relay.Open(); }});
+    known = &relay;
     SayStart(relay, settings);
-    const Serving serving(*session);
+    const Serving serving(session);
     RunningRelay running(relay, interruption);
-    PrintAddress(*session);
+    PrintAddress(session);
     {
         const auto prompt = PromptOf(options.relay, relay);
         interruption.Wait(options.duration.Limit());
