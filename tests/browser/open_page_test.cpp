@@ -26,15 +26,6 @@ std::string Page(const std::string& script, const std::string& body = "") {
            script + "</script>";
 }
 
-std::vector<std::string> FilesLeft(const std::string& directory) {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
-        const std::string name = entry.path().filename().string();
-        if (name.rfind("hbbtv-chromium", 0) == 0) names.push_back(name);
-    }
-    return names;
-}
-
 }  // namespace
 
 TEST(Browser, GivesAFileAnOriginAndCallsThePlatformForIt) {
@@ -52,7 +43,7 @@ TEST(Browser, GivesAFileAnOriginAndCallsThePlatformForIt) {
               "[\"http://files.localhost/a%20page.html\",{\"name\":\"Das Erste HD\",\"status\":0},"
               "\"IChannel.GetName: missing argument \\\"channel\\\"\",true]\n");
     EXPECT_EQ(run.errors, "");
-    EXPECT_EQ(FilesLeft(system.directory.Path()), std::vector<std::string>());
+    EXPECT_EQ(FilesOfChromium(system.directory.Path()), std::vector<std::string>());
 }
 
 TEST(Browser, PressesKeysThatThePageCanTrust) {
@@ -259,7 +250,7 @@ TEST(Browser, NamesThePackageIfChromiumIsMissing) {
         RunToEnd({HBBTV_BROWSER_PROGRAM, "http://hbbtv.example/"}, std::nullopt, {"PATH=" + system.directory.Path()});
     EXPECT_EQ(run.exit, kUnavailable);
     EXPECT_EQ(run.errors, "hbbtv-browser: chromium is not installed; install the Debian package chromium\n");
-    EXPECT_EQ(FilesLeft(system.directory.Path()), std::vector<std::string>());
+    EXPECT_EQ(FilesOfChromium(system.directory.Path()), std::vector<std::string>());
 }
 
 TEST(Browser, LeavesNothingBehindWheneverItIsInterrupted) {
@@ -274,7 +265,7 @@ TEST(Browser, LeavesNothingBehindWheneverItIsInterrupted) {
         const std::optional<int> exit = browser.WaitForExit();
         EXPECT_TRUE(exit == kDone || exit == -SIGINT) << milliseconds;
         EXPECT_EQ(browser.Output(), "") << milliseconds;
-        EXPECT_TRUE(WaitFor([&] { return FilesLeft(system.directory.Path()).empty(); })) << milliseconds;
+        EXPECT_TRUE(WaitFor([&] { return FilesOfChromium(system.directory.Path()).empty(); })) << milliseconds;
     }
 }
 
@@ -284,7 +275,7 @@ TEST(Browser, NeedsAService) {
     EXPECT_EQ(run.exit, kUnavailable);
     EXPECT_EQ(run.errors.find("hbbtv-browser: no process has registered vantorel.hardware.hbbtv@1.0::IMtm"), 0u)
         << run.errors;
-    EXPECT_EQ(FilesLeft(directory.Path()), std::vector<std::string>());
+    EXPECT_EQ(FilesOfChromium(directory.Path()), std::vector<std::string>());
 }
 
 }  // namespace hbbtv::test

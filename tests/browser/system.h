@@ -3,6 +3,7 @@
 
 #include <vantorel/hardware/hbbtv/1.0/IMtm.h>
 
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -12,6 +13,16 @@
 #include "scratch_directory.h"
 
 namespace hbbtv::test {
+
+// Returns the names of the files that Chromium has in the directory while it runs.
+inline std::vector<std::string> FilesOfChromium(const std::string& directory) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+        const std::string name = entry.path().filename().string();
+        if (name.rfind("hbbtv-chromium", 0) == 0) names.push_back(name);
+    }
+    return names;
+}
 
 // Platform and service in a directory of their own.
 class BrowserSystem {

@@ -80,15 +80,6 @@ class System : public BrowserSystem {
     }
 };
 
-std::vector<std::string> FilesOfChromium(const std::string& directory) {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
-        const std::string name = entry.path().filename().string();
-        if (name.rfind("hbbtv-chromium", 0) == 0) names.push_back(name);
-    }
-    return names;
-}
-
 }  // namespace
 
 TEST(Tabs, FollowThePlatformAndReportWhatBecomesOfThem) {

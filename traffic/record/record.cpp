@@ -4,8 +4,8 @@
 #include <map>
 #include <stdexcept>
 
+#include "common/text/base64.h"
 #include "common/text/json.h"
-#include "traffic/record/base64.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
 #include "wire/protocol.h"
@@ -15,14 +15,6 @@ namespace hbbtv::traffic {
 namespace {
 
 constexpr std::array kKinds{"exchange", "connected", "closed", "damaged", "note"};
-
-Json::Value ToJson(const Peer& peer) {
-    Json::Value value(Json::objectValue);
-    value["pid"] = peer.pid;
-    value["uid"] = peer.uid;
-    value["name"] = peer.name;
-    return value;
-}
 
 Json::Value ToJson(const Message& message) {
     Json::Value value(Json::objectValue);
@@ -52,6 +44,14 @@ const Endpoint* EndpointOf(const std::string& socket) {
 
 std::string NameOf(Record::Kind kind) {
     return kKinds[static_cast<size_t>(kind)];
+}
+
+Json::Value ToJson(const Peer& peer) {
+    Json::Value value(Json::objectValue);
+    value["pid"] = peer.pid;
+    value["uid"] = peer.uid;
+    value["name"] = peer.name;
+    return value;
 }
 
 Json::Value ToJson(const Record& record) {

@@ -67,6 +67,7 @@ Record::Kind KindOf(const std::string& name);
 
 // RecordReader reads it.
 Json::Value ToJson(const Record& record);
+Json::Value ToJson(const Peer& peer);
 
 // Sets message.json or message.raw from a payload. The header's members are the caller's.
 void SetPayload(Message& message, const std::string& payload);

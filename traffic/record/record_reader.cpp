@@ -5,7 +5,7 @@
 
 #include <stdexcept>
 
-#include "traffic/record/base64.h"
+#include "common/text/base64.h"
 
 namespace hbbtv::traffic {
 

@@ -57,13 +57,6 @@ std::vector<std::string> DirectoriesOf(const RelaySettings& settings) {
     return {settings.directory, settings.platform};
 }
 
-Json::Value ToJson(const Peer& peer) {
-    Json::Value value(Json::objectValue);
-    value["pid"] = peer.pid;
-    value["name"] = peer.name;
-    return value;
-}
-
 // Returns an open exchange without its content, for other programs.
 Json::Value ShortJson(const Record& record) {
     Json::Value value(Json::objectValue);

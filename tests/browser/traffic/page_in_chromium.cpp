@@ -3,8 +3,8 @@
 #include <fstream>
 
 #include "common/failure.h"
+#include "common/text/base64.h"
 #include "common/text/json.h"
-#include "traffic/record/base64.h"
 
 namespace hbbtv::test {
 
@@ -100,7 +100,7 @@ void PageInChromium::AllowClipboard() {
 
 void PageInChromium::Screenshot(const std::string& file) {
     const Json::Value picture = Command("Page.captureScreenshot", Object({{"format", "png"}}));
-    std::ofstream(file, std::ios::binary) << traffic::FromBase64(picture["data"].asString());
+    std::ofstream(file, std::ios::binary) << FromBase64(picture["data"].asString());
 }
 
 }  // namespace hbbtv::test

@@ -13,7 +13,7 @@ namespace hbbtv::test {
 
 namespace {
 
-// A document with larger pictures is a burden for everyone who has the repository.
+// Pictures stay in the history of the repository, so they must be small.
 constexpr uintmax_t kLargest = 200000;
 
 // Starts platform, page and service, and plays the demo.

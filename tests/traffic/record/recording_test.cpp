@@ -10,7 +10,6 @@
 #include "common/failure.h"
 #include "common/text/json.h"
 #include "scratch_directory.h"
-#include "traffic/record/base64.h"
 
 namespace hbbtv::traffic {
 namespace {
@@ -115,17 +114,6 @@ TEST_F(RecordingTest, AFullDiskCutsNoRecord) {
     EXPECT_TRUE(reader.Next());
     EXPECT_FALSE(reader.Next());
     EXPECT_EQ(reader.Skipped(), 0u);
-}
-
-TEST(Base64, KeepsBytesOfEveryLength) {
-    std::string bytes;
-    for (int i = 0; i < 300; ++i) {
-        EXPECT_EQ(FromBase64(Base64(bytes)), bytes);
-        bytes += static_cast<char>(i * 7);
-    }
-    EXPECT_EQ(Base64("foob"), "Zm9vYg==");
-    EXPECT_THROW(FromBase64("Zm9"), std::runtime_error);
-    EXPECT_THROW(FromBase64("Zm9*"), std::runtime_error);
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include <fstream>
 #include <random>
 #include <set>
-#include <thread>
 
 #include "common/failure.h"
 #include "common/local_socket.h"
@@ -238,10 +237,12 @@ TEST_F(RelayTest, ASocketForEventsIsThereBeforeThePlatformHasTheRequestThatCause
         path.copy(address.sun_path, sizeof(address.sun_path) - 1);
         const Descriptor events(socket(AF_UNIX, SOCK_STREAM, 0));
         ASSERT_EQ(bind(events.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));  // the relay sees a file that no process serves
+        // With this connection, the relay has seen the file, which no process serves yet.
+        const RawConnection before = RawConnection::To(library + "/" + kChannel);
+        const RawConnection its = platform.Accept();
         ASSERT_EQ(listen(events.Get(), 10), 0);
-        RawConnection caller = RawConnection::To(library + "/" + kChannel);
-        RawConnection server = platform.Accept();
+        const RawConnection caller = RawConnection::To(library + "/" + kChannel);
+        const RawConnection server = platform.Accept();
         const Descriptor event(ConnectTo(directory / name));
         ASSERT_GE(event.Get(), 0) << i;
     }

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "chromium/base64.h"
+#include "common/text/base64.h"
 #include "common/text/json.h"
 
 namespace hbbtv::browser {

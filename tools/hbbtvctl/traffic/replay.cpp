@@ -7,6 +7,7 @@
 #include "cli/options.h"
 #include "commands/commands.h"
 #include "common/failure.h"
+#include "common/text/counted.h"
 #include "common/text/json.h"
 #include "common/text/printable.h"
 #include "common/text/quote.h"
@@ -50,10 +51,6 @@ void Print(const ReplayFinding& finding, bool json) {
                     Printable(finding.message).c_str(), Printable(finding.text).c_str());
     }
     std::fflush(stdout);
-}
-
-std::string Counted(uint64_t count, const std::string& noun) {
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 void PrintSummary(const ReplaySummary& summary, bool json, const traffic::Conversation& conversation) {

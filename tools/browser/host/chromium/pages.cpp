@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "chromium/base64.h"
 #include "chromium/keys.h"
+#include "common/text/base64.h"
 #include "common/text/json.h"
 
 namespace hbbtv::browser {

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "chromium/base64.h"
+#include "common/text/base64.h"
 
 namespace hbbtv::browser {
 

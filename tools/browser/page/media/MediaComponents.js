@@ -20,8 +20,8 @@ function activate(track, active) {
     else track.mode = active ? 'showing' : 'disabled';
 }
 
-// Chromium has text tracks always, and tracks of video and audio with a switch. Without it, there is one of each that
-// the media has.
+// Chromium always lists text tracks. It lists tracks of video and audio only if that is enabled; otherwise, one of each
+// kind that the media has is assumed.
 function tracksOf(media, type) {
     if (type === kComponentTypes.COMPONENT_TYPE_VIDEO) {
         return Array.from(media.videoTracks || (media.videoWidth > 0 ? [{selected: true}] : []));

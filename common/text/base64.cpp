@@ -1,10 +1,10 @@
-#include "traffic/record/base64.h"
+#include "common/text/base64.h"
 
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
 
-namespace hbbtv::traffic {
+namespace hbbtv {
 
 namespace {
 
@@ -12,7 +12,7 @@ constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz
 
 uint32_t ValueOf(char digit) {
     const char* found = digit == '\0' ? nullptr : std::strchr(kDigits, digit);
-    if (found == nullptr) throw std::runtime_error("\"base64\" has a character that is not Base64");
+    if (found == nullptr) throw std::runtime_error("not Base64: a character that it does not have");
     return static_cast<uint32_t>(found - kDigits);
 }
 
@@ -34,7 +34,7 @@ std::string Base64(const std::string& bytes) {
 }
 
 std::string FromBase64(const std::string& text) {
-    if (text.size() % 4 != 0) throw std::runtime_error("\"base64\" is cut");
+    if (text.size() % 4 != 0) throw std::runtime_error("not Base64: it is cut");
     std::string bytes;
     for (size_t at = 0; at < text.size(); at += 4) {
         const size_t digits = at + 4 < text.size() || text[at + 3] != '=' ? 4 : text[at + 2] != '=' ? 3 : 2;
@@ -45,4 +45,4 @@ std::string FromBase64(const std::string& text) {
     return bytes;
 }
 
-}  // namespace hbbtv::traffic
+}  // namespace hbbtv

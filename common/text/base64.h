@@ -3,11 +3,11 @@
 
 #include <string>
 
-namespace hbbtv::traffic {
+namespace hbbtv {
 
 std::string Base64(const std::string& bytes);
 
-// Throws std::runtime_error if it is not Base64.
+// Throws std::runtime_error with the reason if it is not Base64.
 std::string FromBase64(const std::string& text);
 
-}  // namespace hbbtv::traffic
+}  // namespace hbbtv
