@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr Milliseconds kTimeToRelease{1000};
-constexpr Milliseconds kTimeToGetATab{3000};
+constexpr Milliseconds kTimeToCommandATab{3000};
 
 }  // namespace
 
@@ -56,6 +56,7 @@ Browser::Browser(const Options& options, devtools::Loop& loop, Platform& platfor
 int Browser::Run() {
     mPlatform.Start({[this](const Json::Value& event) { TakeEvent(event); },
                      [this](const std::string& command, const Json::Value& arguments, const Platform::Reply& reply) {
+                         if (command == "CreateApp" && IsOpened(arguments["url"].asString())) mCommanded = true;
                          mTabs.Take(command, arguments, reply);
                          Painted();
                      },
@@ -164,6 +165,13 @@ void Browser::OpenPage() {
             mOptions, mLoop, *mApplications.pages, [this](const auto& onTaken) { WritePicture(onTaken); },
             [this](int code, const std::string& text) { End(code, text); });
     if (mOptions.alone) return OpenAlone();
+    mPlatform.AfterRegistration([this] { StartPage(); });
+    mLoop.After(kTimeToCommandATab, [this] { OpenAlone(); });
+}
+
+// As an application of the platform.
+void Browser::StartPage() {
+    if (mCommanded) return;
     Json::Value arguments;
     arguments["appId"] = -1;
     arguments["orgId"] = -1;
@@ -174,13 +182,12 @@ void Browser::OpenPage() {
         const CallResult result = mPlatform.Call("IApplicationManager.CreateApplication", arguments);
         mLoop.Post([this, result] { PageStarted(result); });
     }).detach();
-    mLoop.After(kTimeToGetATab, [this] {
-        if (mTab == 0 && !mExit) OpenAlone();
-    });
 }
 
 // As if the platform had commanded it.
 void Browser::OpenAlone() {
+    if (mCommanded || mExit) return;
+    mCommanded = true;
     if (!mOptions.alone)
         std::fprintf(stderr,
                      "hbbtv-browser: the platform does not start the page; it is opened without an application\n");
@@ -196,6 +203,10 @@ void Browser::OpenAlone() {
     });
 }
 
+bool Browser::IsOpened(const std::string& url) const {
+    return !mUrl.empty() && mCarousel.PageUrl(url) == mCarousel.PageUrl(mUrl);
+}
+
 // The platform has started the page as an application, or not.
 void Browser::PageStarted(const CallResult& application) {
     if (!application.Ok()) return OpenAlone();
@@ -207,7 +218,7 @@ void Browser::PageStarted(const CallResult& application) {
 }
 
 void Browser::TabCreated(int id, const Tab& tab) {
-    if (mTab != 0 || mUrl.empty() || mCarousel.PageUrl(tab.url) != mCarousel.PageUrl(mUrl)) return;
+    if (mTab != 0 || !IsOpened(tab.url)) return;
     mTab = id;
     if (mErrand) mErrand->Start(tab.page);
 }

@@ -45,7 +45,9 @@ class Browser {
 
     // The page of the command line.
     void OpenPage();
+    void StartPage();
     void OpenAlone();
+    bool IsOpened(const std::string& url) const;  // by the command line
     void PageStarted(const CallResult& application);
     void TabCreated(int id, const Tab& tab);
     void TabGone(int id);
@@ -76,8 +78,9 @@ class Browser {
     Console mConsole;
     Carousel mCarousel;
     Files mFiles;
-    std::string mUrl;  // page of the command line
-    int mTab = 0;      // of this page
+    std::string mUrl;         // page of the command line
+    bool mCommanded = false;  // to create a tab for this page
+    int mTab = 0;             // of this page
     Side mApplications;
     Side mWindow;
     std::unique_ptr<Screen> mScreen;

@@ -185,6 +185,17 @@ void Platform::CallLater(const std::string& method, const Json::Value& arguments
     mWorkers[method.substr(0, method.find('.'))].Post([this, method, arguments] { Call(method, arguments); });
 }
 
+void Platform::AfterRegistration(const std::function<void()>& function) {
+    Worker& applications = mWorkers["IApplicationManager"];
+    Worker& tabs = mWorkers["IMtm"];
+    // The watcher's end lets the loop post the registrations to the other two.
+    mWorkers[kWatcher].Post([this, function, &applications, &tabs] {
+        mLoop.Post([this, function, &applications, &tabs] {
+            applications.Post([this, function, &tabs] { tabs.Post([this, function] { mLoop.Post(function); }); });
+        });
+    });
+}
+
 void Platform::Flush(Milliseconds limit) {
     const auto end = std::chrono::steady_clock::now() + limit;
     for (auto& worker : mWorkers) worker.second.Flush(end);

@@ -56,6 +56,10 @@ class Platform : public EventSink {
     // hangs stops no other. Failures are ignored. For the thread of the loop.
     void CallLater(const std::string& method, const Json::Value& arguments);
 
+    // Calls the function on the loop once commands and events of applications reach this browser, or cannot. Never if
+    // the platform hangs.
+    void AfterRegistration(const std::function<void()>& function);
+
     // Waits until the calls so far have been made, at most for this time.
     void Flush(Milliseconds limit);
 
