@@ -3,10 +3,12 @@
 #include <json/json.h>
 #include <sys/utsname.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <thread>
 
 namespace hbbtv::bench {
@@ -43,6 +45,8 @@ Machine ThisMachine() {
             std::string(system.sysname) + " " + system.release, load};
 }
 
+constexpr Unit kUnits[] = {Unit::kMicroseconds, Unit::kMilliseconds, Unit::kPerSecond, Unit::kKiB, Unit::kInstructions};
+
 const char* NameOf(Unit unit) {
     switch (unit) {
         case Unit::kMicroseconds:
@@ -59,16 +63,20 @@ const char* NameOf(Unit unit) {
     return "";
 }
 
+Unit UnitNamed(const std::string& name) {
+    return *std::find_if(std::begin(kUnits), std::end(kUnits) - 1, [&](Unit unit) { return name == NameOf(unit); });
+}
+
 bool HasFraction(Unit unit) {
     return unit == Unit::kMicroseconds || unit == Unit::kMilliseconds;
 }
 
 }  // namespace
 
-bool Row::Met() const {
-    if (!target) return true;
+double Row::Margin() const {
+    if (!target) return 1;
     const double measured = ratio.value_or(value);
-    return target->atLeast ? measured >= target->bound : measured <= target->bound;
+    return target->atLeast ? measured / target->bound : target->bound / measured;
 }
 
 void PrintTable(const std::vector<Row>& rows) {
@@ -114,6 +122,22 @@ void PrintJson(const std::vector<Row>& rows) {
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "  ";
     std::cout << Json::writeString(builder, document) << "\n";
+}
+
+std::optional<std::vector<Row>> ReadRows(const std::string& json) {
+    Json::Value document;
+    if (!Json::Reader().parse(json, document) || !document.isObject()) return {};
+    std::vector<Row> rows;
+    for (const Json::Value& written : document["rows"]) {
+        Row row{written["name"].asString(), UnitNamed(written["unit"].asString()), written["median"].asDouble()};
+        if (written.isMember("ratio")) row.ratio = written["ratio"].asDouble();
+        for (const char* const bound : {"at_least", "at_most"}) {
+            if (written.isMember(bound))
+                row.target = Target{bound == std::string("at_least"), written[bound].asDouble()};
+        }
+        rows.push_back(row);
+    }
+    return rows;
 }
 
 }  // namespace hbbtv::bench

@@ -21,11 +21,16 @@ struct Row {
     std::optional<double> ratio = {};   // to the row that it is compared with
     std::optional<Target> target = {};  // of the ratio if there is one, else of the value
 
-    bool Met() const;
+    // How many times better than its target it is; 1 without one.
+    double Margin() const;
+    bool Met() const { return Margin() >= 1; }
 };
 
 // Prints the machine and the rows.
 void PrintTable(const std::vector<Row>& rows);
 void PrintJson(const std::vector<Row>& rows);
+
+// Returns the rows that PrintJson() has printed; nothing if the text is none of its.
+std::optional<std::vector<Row>> ReadRows(const std::string& json);
 
 }  // namespace hbbtv::bench

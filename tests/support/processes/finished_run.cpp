@@ -12,7 +12,7 @@ std::string FinishedRun::Text() const {
 }
 
 FinishedRun RunToEnd(const std::vector<std::string>& argv, const std::optional<std::string>& input,
-                     const std::vector<std::string>& environment) {
+                     const std::vector<std::string>& environment, std::chrono::milliseconds patience) {
     static std::atomic<int> number{0};
     const std::string errors = std::string(std::getenv("TMPDIR")) + "/errors-" + std::to_string(++number);
     std::vector<std::string> command{"/bin/sh", "-c", "errors=$0; exec \"$@\" 2>\"$errors\"", errors};
@@ -23,7 +23,7 @@ FinishedRun RunToEnd(const std::vector<std::string>& argv, const std::optional<s
         child.CloseInput();
     }
     FinishedRun run;
-    run.exit = child.WaitForExit();
+    run.exit = child.WaitForExit(patience);
     run.output = child.Output();
     std::ifstream file(errors);
     run.errors.assign(std::istreambuf_iterator<char>(file), {});

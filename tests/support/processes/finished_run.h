@@ -21,6 +21,6 @@ struct FinishedRun {
 // argv[0] is found through PATH. Without `input`, its standard input stays open and empty. TMPDIR must name a
 // ScratchDirectory.
 FinishedRun RunToEnd(const std::vector<std::string>& argv, const std::optional<std::string>& input = std::nullopt,
-                     const std::vector<std::string>& environment = {});
+                     const std::vector<std::string>& environment = {}, std::chrono::milliseconds patience = kPatience);
 
 }  // namespace hbbtv::test
