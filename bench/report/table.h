@@ -30,7 +30,7 @@ struct Row {
 void PrintTable(const std::vector<Row>& rows);
 void PrintJson(const std::vector<Row>& rows);
 
-// Returns the rows that PrintJson() has printed; nothing if the text is none of its.
+// Returns the rows that PrintJson() has printed; nothing for another text.
 std::optional<std::vector<Row>> ReadRows(const std::string& json);
 
 }  // namespace hbbtv::bench
