@@ -17,6 +17,7 @@
 #include "common/text/json.h"
 #include "event_connection.h"
 #include "package/debug.h"
+#include "raw_listener.h"
 #include "raw_socket.h"
 #include "scratch_directory.h"
 #include "silence/family_calls.h"
@@ -116,6 +117,35 @@ TEST_F(Status, ShowsTheOpenRequestAndTheCallersThatWait) {
     answers = true;
     EXPECT_TRUE(WaitFor([] { return StatusOf("IVideoBroadcast")["requests"]["answered"].asInt() == 3; }));
     EXPECT_TRUE(StatusOf("IVideoBroadcast")["requests"]["open"].isNull());
+}
+
+// One-way messages are written until the socket is full.
+TEST_F(Status, ShowsTheOneWayMessageThatThePlatformDoesNotRead) {
+    RawListener listener(mDirectory / RequestsOf(FindFamily(kOneWayCall.family)).socket);
+    const auto requests = [] { return StatusOf(kOneWayCall.interface)["requests"]; };
+    std::atomic<bool> done{false};
+    std::vector<std::thread> callers;
+    for (int i = 0; i < 2; ++i) {
+        callers.emplace_back([&done] {
+            while (!done) Make(kOneWayCall);
+        });
+    }
+    // Watched for a second, for which the service logs it.
+    EXPECT_TRUE(WaitFor([&] { return requests()["sending"]["age_ms"].asInt() >= 1000; }));
+    const Json::Value blocked = requests();
+    EXPECT_EQ(blocked["sending"]["operation"].asString(), kOneWayCall.method);
+    EXPECT_EQ(blocked["sending"]["process"].asInt(), getpid());
+    ASSERT_EQ(blocked["waiting_to_send"].size(), 1u);
+    EXPECT_EQ(blocked["waiting_to_send"][0].asInt(), getpid());
+    EXPECT_TRUE(blocked["open"].isNull());
+    EXPECT_NE(Text().find("  sending      ComponentUpdate (0) of process "), std::string::npos) << Text();
+    EXPECT_TRUE(mService.WaitForOutput(" (IAVControl.ComponentUpdate) of process " + std::to_string(getpid()) +
+                                       " has been in the middle of being sent for "));
+    done = true;
+    { const RawConnection closed = listener.Accept(); }
+    for (std::thread& caller : callers) caller.join();
+    EXPECT_TRUE(requests()["sending"].isNull());
+    EXPECT_TRUE(requests()["waiting_to_send"].empty());
 }
 
 // Many more callers than threads: those above the limits are refused, and the pool is as full as it becomes.

@@ -1,9 +1,10 @@
-// hbbtvctl listen beside a client that is registered, and the level of the service's log.
+// Commands that register beside a client that is registered, and the level of the service's log.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <regex>
+#include <utility>
 
 #include "ctl.h"
 
@@ -14,7 +15,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-class ListenBesideAClient : public InFrontOfTheSystem {
+class BesideAClient : public InFrontOfTheSystem {
   protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(InFrontOfTheSystem::SetUp());
@@ -22,37 +23,87 @@ class ListenBesideAClient : public InFrontOfTheSystem {
         ASSERT_TRUE(mClient->Listens());
     }
 
+    std::string WhoLosesItsEvents() const {
+        return "IChannelConfig: process " + std::to_string(mClient->Pid()) + " is registered and loses its events";
+    }
+
+    void ExpectRefused(const FinishedRun& run) const {
+        EXPECT_EQ(run.exit, 2) << run.Text();
+        EXPECT_THAT(run.errors, HasSubstr(WhoLosesItsEvents() + "; use --take-over to replace it, or `hbbtvctl listen "
+                                                                "--passive` to see its events without registering\n"));
+        EXPECT_EQ(run.output, "");
+        Emit();
+        EXPECT_TRUE(mClient->WaitForEvents(1)) << "the client is still registered";
+    }
+
+    void ExpectReplaced(const std::string& output) const {
+        EXPECT_THAT(output, HasSubstr(WhoLosesItsEvents() + " until it registers again\n"));
+        EXPECT_EQ(mClient->Events().size(), 1u);
+    }
+
     static void Emit() { EXPECT_EQ(Ctl({"emit", "channel_config", "changed", "reserved=A", "--one-way"}).exit, 0); }
 
     std::unique_ptr<Listener> mClient;
 };
 
-TEST_F(ListenBesideAClient, NeedsTakeOverAndSaysWhoLosesItsEvents) {
-    const FinishedRun refused = Ctl({"listen", "channel_config", "--for", "1ms"});
-    EXPECT_EQ(refused.exit, 2);
-    const std::string who =
-        "IChannelConfig: process " + std::to_string(mClient->Pid()) + " is registered and loses its events";
-    EXPECT_THAT(refused.errors,
-                HasSubstr(who + "; use --passive to listen without registering, or --take-over to replace it\n"));
-    Emit();
-    EXPECT_TRUE(mClient->WaitForEvents(1)) << "the client is still registered";
-
+TEST_F(BesideAClient, ListenNeedsTakeOverAndSaysWhoLosesItsEvents) {
+    ExpectRefused(Ctl({"listen", "channel_config", "--for", "1ms"}));
     Listener next({"channel_config", "--take-over"});
     ASSERT_TRUE(next.Listens());
-    EXPECT_THAT(next.Output(), HasSubstr(who + " until it registers again\n"));
     Emit();
     EXPECT_TRUE(next.WaitForEvents(1));
-    EXPECT_EQ(mClient->Events().size(), 1u);
+    ExpectReplaced(next.Output());
 }
 
-TEST_F(ListenBesideAClient, IsFreeForAFamilyThatKeepsItsClients) {
+TEST_F(BesideAClient, CallNeedsTakeOverToRegister) {
+    const std::vector<std::string> call{"call", "IChannelConfig.RegisterCallback", "@listen", "5", "--count", "1"};
+    ExpectRefused(Ctl(call));
+    std::vector<std::string> takeOver = call;
+    takeOver.push_back("--take-over");
+    CtlProcess next(takeOver);
+    ASSERT_TRUE(next.WaitForOutput("status  0\n")) << next.Output();
+    Emit();
+    EXPECT_EQ(next.WaitForExit(), 0);
+    ExpectReplaced(next.Output());
+}
+
+TEST_F(BesideAClient, CallAndPlayDoNotAskForWhatReplacesNobody) {
+    Listener other({"configuration"});
+    ASSERT_TRUE(other.Listens()) << other.Output();
+    for (const char* method : {"IConfiguration.RegisterCallback", "IDsmcc.RegisterCallback"}) {
+        EXPECT_EQ(Ctl({"call", method, "@listen", "--for", "1ms"}).errors, "") << method;
+    }
+    // Its own registration, too.
+    WriteFile(mDirectory / "own.play", "IDsmcc.RegisterCallback(@listen)\nIDsmcc.RegisterCallback(@listen)\n");
+    const FinishedRun play = Ctl({"play", mDirectory / "own.play"});
+    EXPECT_EQ(play.exit, 0) << play.Text();
+}
+
+TEST_F(BesideAClient, PlayNeedsTakeOverToRegisterAndEndsItsObjectsOtherwise) {
+    WriteFile(mDirectory / "a.play", R"(IVideoBroadcast.Create(7) -> 0, $vb
+IChannelConfig.RegisterCallback(@listen, 5)
+tell zap 2
+finally
+IVideoBroadcast.Destroy($vb)
+print "destroyed"
+)");
+    FinishedRun refused = Ctl({"play", mDirectory / "a.play"});
+    EXPECT_EQ(std::exchange(refused.output, ""), "destroyed\n");
+    EXPECT_THAT(refused.errors, HasSubstr("a.play:2: IChannelConfig.RegisterCallback(@listen, 5)\n"));
+    ExpectRefused(refused);
+    const FinishedRun replaced = Ctl({"play", mDirectory / "a.play", "--take-over"});
+    EXPECT_EQ(replaced.exit, 0) << replaced.Text();
+    ExpectReplaced(replaced.errors);
+}
+
+TEST_F(BesideAClient, ListenIsFreeForAFamilyThatKeepsItsClients) {
     Listener first({"configuration"});
     ASSERT_TRUE(first.Listens());
     Listener second({"configuration"});
     EXPECT_TRUE(second.Listens()) << second.Output();
 }
 
-TEST_F(ListenBesideAClient, PassivelyShowsTheMessagesAndLeavesThemToTheClient) {
+TEST_F(BesideAClient, ListenPassivelyShowsTheMessagesAndLeavesThemToTheClient) {
     Listener passive({"--passive"});
     ASSERT_TRUE(passive.Listens());
     Emit();
@@ -67,7 +118,7 @@ TEST_F(ListenBesideAClient, PassivelyShowsTheMessagesAndLeavesThemToTheClient) {
     EXPECT_EQ(Document(Ctl({"status", "channel_config", "--json"}))["families"][0]["clients"].size(), 1u);
 }
 
-TEST_F(ListenBesideAClient, PassivelyShowsTheFamiliesAndEventsThatAreNamed) {
+TEST_F(BesideAClient, ListenPassivelyShowsTheFamiliesAndEventsThatAreNamed) {
     Listener others({"--passive", "video_broadcast"});
     Listener named({"--passive", "channel_config", "--event", "changed", "--count", "1"});
     ASSERT_TRUE(others.Listens());
@@ -81,7 +132,7 @@ TEST_F(ListenBesideAClient, PassivelyShowsTheFamiliesAndEventsThatAreNamed) {
     EXPECT_EQ(text.exit, 0) << text.Text();
 }
 
-TEST_F(ListenBesideAClient, CannotBePassiveAndTakeOver) {
+TEST_F(BesideAClient, ListenCannotBePassiveAndTakeOver) {
     EXPECT_EQ(Ctl({"listen", "--passive", "--take-over"}).exit, 2);
     EXPECT_THAT(Ctl({"listen"}).errors, HasSubstr("FAMILY is required"));
 }

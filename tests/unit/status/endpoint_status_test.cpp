@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <memory>
 #include <thread>
 
 #include "ipc/src/tolm_status_report.h"
@@ -57,22 +58,59 @@ TEST(StatusOfRequests, NamesTheOpenOneAndTheCallersThatWait) {
     EXPECT_NE(text.find("  waiting      2 callers, of processes 200, 300\n"), std::string::npos) << text;
 }
 
+TEST(StatusOfRequests, NamesTheOneWayMessageThatIsBeingSentBesideTheOpenRequest) {
+    EndpointStatus::Request request(Requests(), {11, "SetChannel"}, 100);
+    request.Begin(Clock::now());
+    EndpointStatus::Request oneWay(Requests(), {12, "Post"}, 200, EndpointStatus::Form::kOneWay);
+    oneWay.Begin(Clock::now() - std::chrono::seconds(3));
+    EndpointStatus::Request next(Requests(), {}, 300, EndpointStatus::Form::kOneWay);
+    next.Waits();
+    const Json::Value requests = Report()["requests"];
+    EXPECT_EQ(requests["open"]["operation"].asString(), "SetChannel");
+    EXPECT_TRUE(requests["waiting"].empty());
+    EXPECT_EQ(requests["sending"]["operation"].asString(), "Post");
+    EXPECT_EQ(requests["sending"]["code"].asInt(), 12);
+    EXPECT_EQ(requests["sending"]["process"].asInt(), 200);
+    EXPECT_GE(requests["sending"]["age_ms"].asInt(), 3000);
+    ASSERT_EQ(requests["waiting_to_send"].size(), 1u);
+    EXPECT_EQ(requests["waiting_to_send"][0].asInt(), 300);
+    const std::string text = tolm::StatusText(tolm::StatusReport({&kVideoBroadcast}));
+    EXPECT_NE(text.find("\n  sending      Post (12) of process 200 for 3."), std::string::npos) << text;
+    EXPECT_NE(text.find(" s\n  waiting      1 callers, of processes 300\n"), std::string::npos) << text;
+}
+
+// A turn ends before what was done in it.
+TEST(StatusOfRequests, KeepTheNextOneWhenOneEndsAfterItsTurn) {
+    auto first = std::make_unique<EndpointStatus::Request>(Requests(), EndpointStatus::Operation{1, "First"}, 100);
+    first->Begin(Clock::now());
+    EndpointStatus::Request next(Requests(), {2, "Next"}, 200);
+    next.Begin(Clock::now());
+    first.reset();
+    EXPECT_EQ(Report()["requests"]["open"]["operation"].asString(), "Next");
+}
+
 TEST(StatusOfRequests, CountsAnsweredAndFailedOnes) {
     {
         EndpointStatus::Request answered(Requests(), {}, 1);
         answered.Begin(Clock::now());
-        answered.Answered();
+        answered.Succeeded();
         const EndpointStatus::Request refused(Requests(), {}, 2);
     }
     {
         EndpointStatus::Request failed(Requests(), {}, 1);
         failed.Begin(Clock::now());
     }
-    Requests().SentOneWay(true);
-    Requests().SentOneWay(false);
+    {
+        EndpointStatus::Request sent(Requests(), {}, 1, EndpointStatus::Form::kOneWay);
+        sent.Begin(Clock::now());
+        sent.Succeeded();
+        const EndpointStatus::Request notSent(Requests(), {}, 2, EndpointStatus::Form::kOneWay);
+    }
     const Json::Value requests = Report()["requests"];
     EXPECT_TRUE(requests["open"].isNull());
     EXPECT_TRUE(requests["waiting"].empty());
+    EXPECT_TRUE(requests["sending"].isNull());
+    EXPECT_TRUE(requests["waiting_to_send"].empty());
     EXPECT_EQ(requests["answered"].asInt(), 1);
     EXPECT_EQ(requests["failed"].asInt(), 3);
     EXPECT_EQ(requests["one_way"].asInt(), 1);
@@ -198,6 +236,22 @@ TEST(Watcher, LogsAnEventWithWhichAClientDoesNotReturnOnce) {
         line.rfind("5 [ipc_base] the client of IVideoBroadcast, process 4711, has not returned from an event for 1", 0),
         0u)
         << line;
+}
+
+TEST(Watcher, LogsAOneWayMessageThatIsNotRead) {
+    const LogCapture log;
+    EndpointStatus::Request message(Requests(), {12, "Post"}, 100, EndpointStatus::Form::kOneWay);
+    message.Begin(Clock::now() - std::chrono::seconds(2));
+    tolm::Watcher::Wake();
+    ASSERT_TRUE(WaitFor([&] { return !LinesOf(log).empty(); }));
+    const std::string line = LinesOf(log)[0];
+    EXPECT_EQ(
+        line.rfind("5 [ipc_base] request 12 (IVideoBroadcast.Post) of process 100 has been in the middle of being "
+                   "sent for 2",
+                   0),
+        0u)
+        << line;
+    EXPECT_NE(line.find(", no callers wait"), std::string::npos) << line;
 }
 
 // It sleeps after a few seconds without work.

@@ -70,6 +70,10 @@ void AddJson(CLI::App& command, bool& json) {
     command.add_flag("--json", json, "Print JSON");
 }
 
+CLI::Option* AddTakeOver(CLI::App& command, bool& takeOver) {
+    return command.add_flag("--take-over", takeOver, "Replace a client that is registered; it loses its events");
+}
+
 std::vector<std::string> PreparedWords(const CLI::App& app, int argc, char** argv) {
     std::vector<std::string> words(argv + 1, argv + argc);
     const auto command = std::find_if(words.begin(), words.end(), [&app](const std::string& word) {

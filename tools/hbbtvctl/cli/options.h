@@ -42,6 +42,9 @@ void AddArguments(CLI::App& command, ArgumentOptions& options);
 // Adds --json for the output only.
 void AddJson(CLI::App& command, bool& json);
 
+// Adds --take-over, of commands that register callback objects.
+CLI::Option* AddTakeOver(CLI::App& command, bool& takeOver);
+
 // Returns the words of the command line as the parser needs them. In commands that take arguments, "--json {...}"
 // becomes "--json --json-arguments={...}", so that --json takes a value only if the next word looks like one, and
 // "[...]" is marked as one argument.

@@ -12,6 +12,7 @@
 #include "events/event_printer.h"
 #include "package/caller.h"
 #include "package/handles.h"
+#include "service/registration.h"
 #include "terminal/style.h"
 #include "wire/values.h"
 
@@ -28,6 +29,7 @@ struct CallOptions {
     TimeOption timeout{"10s"};
     TimeOption duration{""};
     uint64_t count = 0;
+    bool takeOver = false;
 };
 
 void PrintForPeople(const Method& method, const Json::Value& results, double milliseconds, bool time) {
@@ -100,6 +102,7 @@ int CallAndListen(const Interface& interface, const Method& method, const Json::
     static Interruption interruption;
     static EventPrinter events({options.arguments.json, options.numbers, {}, {}, options.count}, interruption);
     ServiceCaller service(interface, options.timeout.Value());
+    if (Registers(method)) CheckOtherClients(service, options.takeOver, options.timeout.Value());
     const android::sp<DeathNotice> notice = new DeathNotice(interruption);
     notice->Watch(service);
     if (const int code = CallAndPrint(service, method, arguments, events, options); code != kDone) return code;
@@ -119,8 +122,8 @@ int Run(const CallOptions& options) {
     const Json::Value byName = ReadArguments(name, method->arguments, options.arguments.given, true);
     const Json::Value arguments = InOrder(method->arguments, byName);
     if (Listens(arguments)) return CallAndListen(*interface, *method, arguments, options);
-    if (options.count != 0 || options.duration.Limit()) {
-        throw Failure(kUsage, "--for and --count require an argument @listen");
+    if (options.count != 0 || options.duration.Limit() || options.takeOver) {
+        throw Failure(kUsage, "--for, --count and --take-over require an argument @listen");
     }
     static NoEvents events;
     ServiceCaller service(*interface, options.timeout.Value());
@@ -144,6 +147,7 @@ void AddCall(CLI::App& app, Invocation& invocation) {
     command->add_option("--count", options->count, "With @listen, stop after this many events")
         ->type_name("NUMBER")
         ->check(WholeNumber(1));
+    AddTakeOver(*command, options->takeOver);
     command->footer(
         "Examples:\n"
         "  hbbtvctl call IChannelConfig.GetCurrentChannel\n"

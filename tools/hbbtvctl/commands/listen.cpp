@@ -16,6 +16,7 @@
 #include "events/passive_listener.h"
 #include "package/caller.h"
 #include "package/debug.h"
+#include "service/registration.h"
 #include "wire/values.h"
 
 namespace hbbtv::ctl {
@@ -38,13 +39,6 @@ struct ListenOptions {
     TimeOption timeout{"10s"};
 };
 
-const Parameter* CallbackOf(const Method& method) {
-    for (const Parameter& argument : method.arguments) {
-        if (argument.type->kind == Type::Kind::Callback) return &argument;
-    }
-    return nullptr;
-}
-
 bool Holds(const std::string& name, const std::string& word) {
     return name.find(word) != std::string::npos;
 }
@@ -52,7 +46,7 @@ bool Holds(const std::string& name, const std::string& word) {
 // Returns the method that registers a callback object, such as RegisterCallback.
 const Method* Registrar(const Interface& interface) {
     for (const Method& method : interface.methods) {
-        if (CallbackOf(method) != nullptr && !Holds(method.name, "Unregister")) return &method;
+        if (Registers(method)) return &method;
     }
     return nullptr;
 }
@@ -292,34 +286,6 @@ std::set<std::string> MethodsOf(const std::vector<std::string>& events,
     return methods;
 }
 
-// The only service that keeps its other clients when one more registers.
-bool KeepsItsClients(const Interface& interface) {
-    return interface.name == "IConfiguration";
-}
-
-// Returns the processes that are registered, as words.
-std::string WordsOf(const std::set<pid_t>& processes) {
-    std::string words;
-    for (const pid_t process : processes) words += (words.empty() ? "process " : ", ") + std::to_string(process);
-    return words;
-}
-
-// Registering ends the events of the client that is registered, for good.
-void CheckClients(const std::vector<const Interface*>& interfaces, const ListenOptions& options) {
-    for (const Interface* interface : interfaces) {
-        if (KeepsItsClients(*interface)) continue;
-        const Milliseconds limit = options.timeout.Value();
-        const std::string clients = WordsOf(ClientsOf(ServiceCaller(*interface, limit), limit));
-        if (clients.empty()) continue;
-        const std::string loses = interface->name + ": " + clients + " is registered and loses its events";
-        if (!options.takeOver) {
-            throw Failure(kUsage,
-                          loses + "; use --passive to listen without registering, or --take-over to replace it");
-        }
-        std::fprintf(stderr, "hbbtvctl: %s until it registers again\n", loses.c_str());
-    }
-}
-
 int RunPassively(const ListenOptions& options) {
     const Interruption interruption;
     std::vector<std::string> interfaces;
@@ -346,7 +312,10 @@ int Run(const ListenOptions& options) {
     static Interruption interruption;
     android::hardware::configureRpcThreadpool(kThreads, false);
     static EventPrinter events(settings, interruption);
-    CheckClients(interfaces, options);
+    const Milliseconds limit = options.timeout.Value();
+    for (const Interface* interface : interfaces) {
+        CheckOtherClients(ServiceCaller(*interface, limit), options.takeOver, limit);
+    }
     const android::sp<DeathNotice> notice = new DeathNotice(interruption);
     std::vector<std::unique_ptr<Listening>> listenings;
     for (const Interface* interface : interfaces) {
@@ -377,8 +346,7 @@ void AddListen(CLI::App& app, Invocation& invocation) {
         ->take_all();
     CLI::Option* passive = command->add_flag(
         "--passive", options->passive, "Show what the platform sends, without registering (default: all families)");
-    command->add_flag("--take-over", options->takeOver, "Replace a client that is registered; it loses its events")
-        ->excludes(passive);
+    AddTakeOver(*command, options->takeOver)->excludes(passive);
     AddJson(*command, options->json);
     command->add_flag("--numbers", options->numbers, "In JSON, print enumerators as numbers instead of names");
     command->add_option("--count", options->count, "Stop after this many events")

@@ -26,6 +26,7 @@ struct PlayOptions {
     bool json = false;
     bool verbose = false;
     bool coverage = false;
+    bool takeOver = false;
     TimeOption timeout{"10s"};
 };
 
@@ -71,7 +72,7 @@ int Run(const std::string& directory, const PlayOptions& options) {
                                                    : Transcript::Mode::PrintedLines);
     static Display display;
     static Arrivals arrivals(transcript, display);
-    Peers peers(directory, options.timeout.Value(), arrivals);
+    Peers peers({directory, options.timeout.Value(), options.takeOver}, arrivals);
     Coverage coverage;
     int code = kDone;
     for (const Script& script : scripts) {
@@ -101,6 +102,7 @@ void AddPlay(CLI::App& app, Invocation& invocation) {
         ->type_name("NAME=VALUE")
         ->expected(1)
         ->take_all();
+    AddTakeOver(*command, options->takeOver);
     AddTime(*command, "--timeout", options->timeout, "Longest wait for a reply or an event");
     command->footer(
         "A line of a file is a call with its expected results, an expected event, a message of the wire, or a\n"

@@ -58,7 +58,8 @@ void AddStatus(CLI::App& app, Invocation& invocation) {
     AddJson(*command, options->json);
     AddTime(*command, "--timeout", options->timeout, "Maximum time to wait for the service");
     command->footer(
-        "Per family: the open request, its age and the callers that wait; requests, events and connections so far;\n"
+        "Per family: the open request or one-way message, its age and the callers that wait; requests, events and "
+        "connections so far;\n"
         "the registered client; the last error. The service answers also while all families hang.\n\n"
         "Examples:\n"
         "  hbbtvctl status\n"

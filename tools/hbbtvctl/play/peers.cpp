@@ -12,6 +12,7 @@
 #include "common/local_socket.h"
 #include "common/text/json.h"
 #include "common/text/quote.h"
+#include "service/registration.h"
 #include "wire/endpoint.h"
 #include "wire/message.h"
 #include "wire/values.h"
@@ -84,17 +85,22 @@ std::string Converse(const std::string& path, const std::string& line, Milliseco
 
 }  // namespace
 
-Peers::Peers(std::string directory, Milliseconds timeout, Arrivals& arrivals)
-    : mDirectory(std::move(directory)), mTimeout(timeout), mArrivals(arrivals), mDeath(new DeathOfService(arrivals)) {}
+Peers::Peers(Settings settings, Arrivals& arrivals)
+    : mSettings(std::move(settings)), mArrivals(arrivals), mDeath(new DeathOfService(arrivals)) {}
 
 ServiceCaller& Peers::ServiceOf(const Interface& interface) {
     std::unique_ptr<ServiceCaller>& service = mServices[interface.name];
     if (service == nullptr) {
-        auto found = std::make_unique<ServiceCaller>(interface, mTimeout);
+        auto found = std::make_unique<ServiceCaller>(interface, mSettings.timeout);
         if (!found->Service()->linkToDeath(mDeath, 0).withDefault(false)) mArrivals.ServiceDied();
         service = std::move(found);
     }
     return *service;
+}
+
+void Peers::CheckOtherClients(const Package::QualifiedMethod& method) {
+    if (!Registers(*method.method)) return;
+    ctl::CheckOtherClients(ServiceOf(*method.interface), mSettings.takeOver, mSettings.timeout);
 }
 
 Json::Value Peers::Call(const Package::QualifiedMethod& method, const Json::Value& arguments) {
@@ -103,7 +109,7 @@ Json::Value Peers::Call(const Package::QualifiedMethod& method, const Json::Valu
 
 bool Peers::Has(const Interface& interface) const {
     try {
-        ServiceCaller(interface, mTimeout);
+        ServiceCaller(interface, mSettings.timeout);
         return true;
     } catch (const Failure& e) {
         if (e.Code() == kUnavailable) return false;
@@ -112,15 +118,16 @@ bool Peers::Has(const Interface& interface) const {
 }
 
 Json::Value Peers::Exchange(const std::string& socket, int port, const Json::Value& message, bool withReply) {
-    const std::string path = mDirectory + "/" + socket;
+    const std::string path = mSettings.directory + "/" + socket;
     std::shared_ptr<WireConnection> connection = mConnections[path];
     if (connection == nullptr) connection = std::make_shared<WireConnection>(path);
     mConnections.erase(path);  // stored again if the exchange succeeds
     const std::string bytes = Encode({withReply ? kRequest : kOneWay, port, WireText(message)});
-    const auto reply = Interruptibly<std::string>(mTimeout, path, [connection, bytes, withReply, limit = mTimeout] {
-        connection->Send(bytes, limit);
-        return withReply ? connection->Receive(limit).payload : std::string();
-    });
+    const auto reply =
+        Interruptibly<std::string>(mSettings.timeout, path, [connection, bytes, withReply, limit = mSettings.timeout] {
+            connection->Send(bytes, limit);
+            return withReply ? connection->Receive(limit).payload : std::string();
+        });
     mConnections[path] = connection;
     if (!withReply) return Json::Value();
     try {
@@ -132,9 +139,9 @@ Json::Value Peers::Exchange(const std::string& socket, int port, const Json::Val
 }
 
 std::string Peers::Tell(const std::string& line) const {
-    const std::string path = mDirectory + kControlSocket;
-    return Interruptibly<std::string>(mTimeout, path,
-                                      [path, line, limit = mTimeout] { return Converse(path, line, limit); });
+    const std::string path = mSettings.directory + kControlSocket;
+    return Interruptibly<std::string>(mSettings.timeout, path,
+                                      [path, line, limit = mSettings.timeout] { return Converse(path, line, limit); });
 }
 
 }  // namespace hbbtv::ctl

@@ -16,7 +16,16 @@ namespace hbbtv::ctl {
 
 class Peers {
   public:
-    Peers(std::string directory, Milliseconds timeout, Arrivals& arrivals);
+    struct Settings {
+        std::string directory;
+        Milliseconds timeout;
+        bool takeOver;  // see CheckOtherClients()
+    };
+
+    Peers(Settings settings, Arrivals& arrivals);
+
+    // To be called before a method that is called with @listen. Throws Failure if another process is registered.
+    void CheckOtherClients(const Package::QualifiedMethod& method);
 
     // Calls a method of the service. Throws Failure.
     Json::Value Call(const Package::QualifiedMethod& method, const Json::Value& arguments);
@@ -30,13 +39,12 @@ class Peers {
     // Sends the line to the simulated platform and returns its answer.
     std::string Tell(const std::string& line) const;
 
-    const std::string& Directory() const { return mDirectory; }
+    const std::string& Directory() const { return mSettings.directory; }
 
   private:
     ServiceCaller& ServiceOf(const Interface& interface);
 
-    const std::string mDirectory;
-    const Milliseconds mTimeout;
+    const Settings mSettings;
     Arrivals& mArrivals;
     const android::sp<android::hardware::hidl_death_recipient> mDeath;  // of any service that was called
     std::map<std::string, std::unique_ptr<ServiceCaller>> mServices;

@@ -72,7 +72,8 @@ void Player::Run(const Script& script) {
     } catch (const PlacedFailure& e) {
         failure = e;
     }
-    const bool reachable = !failure || failure->Code() == kUnexpected || failure->Code() == kInterrupted;
+    const bool reachable = !failure || failure->Code() == kUnexpected || failure->Code() == kInterrupted ||
+                           failure->Code() == kUsage;  // another client is registered
     if (reachable) RunFinally(script, failure.has_value());
     if (failure) throw PlacedFailure(*failure);
 }
@@ -150,6 +151,10 @@ void Player::Do(const PrintStep& step, StepReport& report) {
 void Player::Do(const CallStep& step, StepReport& report) {
     const std::vector<Parameter>& parameters = step.called.method->results;
     const Json::Value arguments = ValuesOf(step.arguments, step.called.method->arguments);
+    if (Listens(arguments)) {
+        mStage.peers.CheckOtherClients(step.called);
+        mStage.transcript.Begin();  // the time of the step is that of the call
+    }
     const auto deadline = Clock::now() + step.within.value_or(mStage.timeout);
     report.asked = mStage.display.Call(step, arguments);
     report.details["method"] = FullName(step.called);

@@ -84,30 +84,44 @@ void CheckProcesses(const std::string& directory, Milliseconds limit, Checks& tr
     }
 }
 
-Check OpenRequest(const Json::Value& family) {
-    const Json::Value& requests = family["requests"];
-    const Json::Value& open = requests["open"];
-    const std::string operation = family["family"].asString() + "." + open["operation"].asString();
-    const std::string waiting = requests["waiting"].empty() ? "no callers wait"
-                                                            : std::to_string(requests["waiting"].size()) +
-                                                                  " callers wait (" + Listed(requests["waiting"]) + ")";
-    const std::string begin = operation + " has been open for " + Seconds(open["age_ms"]) + ", " + waiting;
-    if (requests["connected_to"].isNull()) {
+// A request that is open, or a one-way message that is being written.
+struct Overdue {
+    const char* state;
+    const char* platform;  // what it does not do
+    const Json::Value& open;
+    const Json::Value& waiting;
+};
+
+Check TroubleOf(const Json::Value& family, const Overdue& overdue) {
+    const std::string operation = family["family"].asString() + "." + overdue.open["operation"].asString();
+    const std::string waiting = overdue.waiting.empty() ? "no callers wait"
+                                                        : std::to_string(overdue.waiting.size()) + " callers wait (" +
+                                                              Listed(overdue.waiting) + ")";
+    const std::string begin =
+        operation + " has been " + overdue.state + " for " + Seconds(overdue.open["age_ms"]) + ", " + waiting;
+    const Json::Value& peer = family["requests"]["connected_to"];
+    if (peer.isNull()) {
         return {"requests", Check::Level::Problem, begin + "; the platform accepts no connection",
                 "check the platform's log", kTimeout};
     }
-    const pid_t platform = requests["connected_to"].asInt();
+    const pid_t platform = peer.asInt();
     if (IsStopped(platform)) {
         return {"requests", Check::Level::Problem, begin + "; " + DescribeProcess(platform) + " is stopped",
                 "continue it: kill -CONT " + std::to_string(platform), kTimeout};
     }
-    return {"requests", Check::Level::Problem, begin + "; " + DescribeProcess(platform) + " does not reply",
+    return {"requests", Check::Level::Problem,
+            begin + "; " + DescribeProcess(platform) + " does not " + overdue.platform,
             "attach a debugger to it to see where it is, or restart it", kTimeout};
 }
 
 void CheckFamily(const Json::Value& family, Checks& troubles) {
-    const Json::Value& open = family["requests"]["open"];
-    if (!open.isNull() && open["age_ms"].asInt64() > kLongMs) troubles.push_back(OpenRequest(family));
+    const Json::Value& requests = family["requests"];
+    for (const Overdue& overdue :
+         {Overdue{"open", "reply", requests["open"], requests["waiting"]},
+          Overdue{"in the middle of being sent", "read", requests["sending"], requests["waiting_to_send"]}}) {
+        const bool isLong = !overdue.open.isNull() && overdue.open["age_ms"].asInt64() > kLongMs;
+        if (isLong) troubles.push_back(TroubleOf(family, overdue));
+    }
     const Json::Value& event = family["events"]["open_ms"];
     if (event.isNull() || event.asInt64() <= kLongMs) return;
     troubles.push_back({"clients", Check::Level::Problem,

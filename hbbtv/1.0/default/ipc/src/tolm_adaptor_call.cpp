@@ -2,7 +2,6 @@
 
 #include "ipc/src/tolm_hbbtv_ipc_tools.h"
 #include "ipc/src/tolm_json_text.h"
-#include "ipc/status/tolm_endpoint_status.h"
 #include "ipc/tolm_ipc_key_converter.h"
 #include "ipc/tolm_log.h"
 #include "ipc/tolm_reply_timeout.h"
@@ -133,8 +132,7 @@ int TolmAdaptorClient::Call(const Method& method, std::initializer_list<Member> 
 int TolmAdaptorClient::Post(const Method& method, std::initializer_list<Member> request,
                             void (*logFailure)(const Method& method)) {
     LogScope scope(mFamily.tag, method.place);
-    const int status = SendIpcWithNoRet(RequestText(mFamily, method, request));
-    EndpointStatus::Of(mFamily.requests).SentOneWay(status == 0);
+    const int status = SendIpcWithNoRet(RequestText(mFamily, method, request), {method.code, method.place.function});
     if (status != 0 && logFailure != nullptr) logFailure(method);
     return status;
 }

@@ -26,14 +26,19 @@ TolmBaseClient::TolmBaseClient(TolmIpcKeyId key, int port)
       mPosts(tolm::TolmIpcKeyConverter::GetInstance()->GetSocketName(key), tolm::ReplyTimeout()) {}
 
 int TolmBaseClient::SendIpcWithNoRet(const Json::Value& req) {
-    return SendIpcWithNoRet(tolm::ToStyledBytes(req));
+    return SendIpcWithNoRet(tolm::ToStyledBytes(req), {});
 }
 
-int TolmBaseClient::SendIpcWithNoRet(const std::vector<unsigned char>& request) {
-    const tolm::CallerQueue::Turn turn(mPosts);
-    if (!turn || mClient == nullptr || !mClient->Send(request)) return -1;
+int TolmBaseClient::SendIpcWithNoRet(const std::vector<unsigned char>& message, const Operation& operation) {
+    tolm::EndpointStatus::Request status(mStatus, operation, tolm::ServedPid(), tolm::EndpointStatus::Form::kOneWay);
+    const tolm::CallerQueue::Turn turn(mPosts, &status);
+    if (!turn || mClient == nullptr) return -1;
+    status.Begin(turn.Begin());
+    tolm::Watcher::Wake();
+    if (!mClient->Send(message)) return -1;
+    status.Succeeded();
     if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
-        TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s", ToString(request).c_str());
+        TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s", ToString(message).c_str());
     }
     return 0;
 }
@@ -70,7 +75,7 @@ int TolmBaseClient::SendIpc(const std::vector<unsigned char>& request, const Ope
                  outcome != Outcome::kNotJson, outcome != Outcome::kNoStatus);
         return -1;
     }
-    status.Answered();
+    status.Succeeded();
     if (tolm::LogEnabled(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag)) {
         TOLM_LOG_DOCUMENTS(ANDROID_LOG_DEBUG, tolm::kIpcBaseTag, "send msg:%s, out_msg:%s", ToString(request).c_str(),
                            reply.toStyledString().c_str());

@@ -35,8 +35,8 @@ class TolmBaseClient {
 
     ~TolmBaseClient() = default;
 
-    // As above, with the text of the request.
-    int SendIpcWithNoRet(const std::vector<unsigned char>& request);
+    // As above, with the text of the message and what it is for.
+    int SendIpcWithNoRet(const std::vector<unsigned char>& message, const Operation& operation);
 
     // As above, with the text of the request and what it is for. `claim` must outlive the use of the reply. Sets `late`
     // if the request was given up because there was no reply within ReplyTimeout().

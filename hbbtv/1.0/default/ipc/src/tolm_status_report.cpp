@@ -48,16 +48,22 @@ std::string TimeOf(std::chrono::system_clock::time_point time) {
     return text;
 }
 
+Json::Value OpenOne(const std::optional<EndpointStatus::Open>& open, Clock::time_point now) {
+    if (!open) return {};
+    Json::Value one(Json::objectValue);
+    one["operation"] = open->operation.name;
+    one["code"] = open->operation.code;
+    one["age_ms"] = AgeMs(open->since, now);
+    one["process"] = open->caller;
+    return one;
+}
+
 Json::Value Requests(const State& state, Clock::time_point now) {
     Json::Value requests(Json::objectValue);
-    Json::Value& open = requests["open"];
-    if (state.open) {
-        open["operation"] = state.open->operation.name;
-        open["code"] = state.open->operation.code;
-        open["age_ms"] = AgeMs(state.open->since, now);
-        open["process"] = state.open->caller;
-    }
+    requests["open"] = OpenOne(state.open, now);
     requests["waiting"] = Processes(state.waiting);
+    requests["sending"] = OpenOne(state.sending, now);
+    requests["waiting_to_send"] = Processes(state.waitingToSend);
     requests["answered"] = Number(state.answered);
     requests["failed"] = Number(state.failed);
     requests["one_way"] = Number(state.oneWay);
@@ -133,18 +139,22 @@ std::string Line(const char* name, const std::string& text) {
     return head + text + "\n";
 }
 
-std::string TextOfRequests(const Json::Value& requests) {
-    const Json::Value& open = requests["open"];
+std::string TextOfOpen(const char* name, const Json::Value& open, const Json::Value& waiting) {
     std::string text;
     if (!open.isNull()) {
         const std::string code = " (" + open["code"].asString() + ")";
-        text += Line("open", open["operation"].asString() + code + " of " + Process(open["process"]) + " for " +
-                                 Seconds(open["age_ms"]));
+        text += Line(name, open["operation"].asString() + code + " of " + Process(open["process"]) + " for " +
+                               Seconds(open["age_ms"]));
     }
-    const Json::Value& waiting = requests["waiting"];
     if (!waiting.empty()) {
         text += Line("waiting", std::to_string(waiting.size()) + " callers, of processes" + List(waiting));
     }
+    return text;
+}
+
+std::string TextOfRequests(const Json::Value& requests) {
+    std::string text = TextOfOpen("open", requests["open"], requests["waiting"]);
+    text += TextOfOpen("sending", requests["sending"], requests["waiting_to_send"]);
     text += Line("requests", requests["answered"].asString() + " answered, " + requests["failed"].asString() +
                                  " failed, " + requests["one_way"].asString() + " one-way");
     const Json::Value& peer = requests["connected_to"];

@@ -18,6 +18,7 @@ namespace tolm {
 namespace {
 
 using Clock = EndpointStatus::Clock;
+using State = EndpointStatus::State;
 
 constexpr std::chrono::seconds kLong{1};
 constexpr std::chrono::milliseconds kInterval{100};
@@ -33,16 +34,17 @@ long long Milliseconds(Clock::duration duration) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(duration).count();
 }
 
-void LogRequest(const Family& family, const EndpointStatus::State& state, Clock::time_point now) {
-    const std::string waiting =
-        state.waiting.empty() ? "no callers wait" : "callers of processes " + Processes(state.waiting) + " wait";
+void LogRequest(const Family& family, const EndpointStatus::Open& open, const char* state,
+                const std::vector<pid_t>& waiting, pid_t platform, Clock::time_point now) {
+    const std::string callers =
+        waiting.empty() ? "no callers wait" : "callers of processes " + Processes(waiting) + " wait";
     TOLM_LOG(ANDROID_LOG_WARN, kIpcBaseTag,
-             "request %d (%s.%s) of process %d has been open for %lld ms, the platform is process %d, %s",
-             state.open->operation.code, family.interface, state.open->operation.name, state.open->caller,
-             Milliseconds(now - state.open->since), state.peer, waiting.c_str());
+             "request %d (%s.%s) of process %d has been %s for %lld ms, the platform is process %d, %s",
+             open.operation.code, family.interface, open.operation.name, open.caller, state,
+             Milliseconds(now - open.since), platform, callers.c_str());
 }
 
-void LogEvent(const Family& family, const EndpointStatus::State& state, Clock::time_point now) {
+void LogEvent(const Family& family, const State& state, Clock::time_point now) {
     TOLM_LOG(ANDROID_LOG_WARN, kIpcBaseTag,
              "the client of %s, process %s, has not returned from an event for %lld ms, further events wait",
              family.interface, state.clients.empty() ? "unknown" : Processes(state.clients).c_str(),
@@ -55,11 +57,17 @@ bool Look() {
     bool open = false;
     for (const Family* family : families::kAll) {
         EndpointStatus& requests = EndpointStatus::Of(family->requests);
-        if (const auto overdue = requests.TakeOverdue(now - kLong)) LogRequest(*family, *overdue, now);
+        if (const auto overdue = requests.TakeOverdue(&State::open, now - kLong)) {
+            LogRequest(*family, *overdue->open, "open", overdue->waiting, overdue->peer, now);
+        }
+        if (const auto overdue = requests.TakeOverdue(&State::sending, now - kLong)) {
+            LogRequest(*family, *overdue->sending, "in the middle of being sent", overdue->waitingToSend, overdue->peer,
+                       now);
+        }
         open = open || requests.IsOpen();
         if (!family->events) continue;
         EndpointStatus& events = EndpointStatus::Of(*family->events);
-        if (const auto overdue = events.TakeOverdue(now - kLong)) LogEvent(*family, *overdue, now);
+        if (const auto overdue = events.TakeOverdue(&State::open, now - kLong)) LogEvent(*family, *overdue, now);
         open = open || events.IsOpen();
     }
     return open;

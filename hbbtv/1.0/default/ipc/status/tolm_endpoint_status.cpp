@@ -40,7 +40,7 @@ EndpointStatus::State EndpointStatus::Get() const {
 
 bool EndpointStatus::IsOpen() const {
     std::lock_guard<std::mutex> lock(mMutex);
-    return mState.open.has_value();
+    return mState.open.has_value() || mState.sending.has_value();
 }
 
 void EndpointStatus::Connected(pid_t peer) {
@@ -63,11 +63,6 @@ void EndpointStatus::SetError(const std::string& text) {
 
 void EndpointStatus::SetErrorLocked(const std::string& text) {
     mState.error = Error{text, std::chrono::system_clock::now()};
-}
-
-void EndpointStatus::SentOneWay(bool sent) {
-    std::lock_guard<std::mutex> lock(mMutex);
-    ++(sent ? mState.oneWay : mState.failed);
 }
 
 void EndpointStatus::EventWaits() {
@@ -96,31 +91,35 @@ void EndpointStatus::RemoveClient(pid_t process) {
     RemoveOne(mState.clients, process);
 }
 
-std::optional<EndpointStatus::State> EndpointStatus::TakeOverdue(Clock::time_point before) {
+std::optional<EndpointStatus::State> EndpointStatus::TakeOverdue(std::optional<Open> State::*member,
+                                                                 Clock::time_point before) {
     std::lock_guard<std::mutex> lock(mMutex);
-    if (!mState.open || mState.open->reported || mState.open->since > before) return std::nullopt;
-    mState.open->reported = true;
+    std::optional<Open>& open = mState.*member;
+    if (!open || open->reported || open->since > before) return std::nullopt;
+    open->reported = true;
     return mState;
 }
 
 void EndpointStatus::Request::Waits() {
     std::lock_guard<std::mutex> lock(mStatus.mMutex);
-    mStatus.mState.waiting.push_back(mCaller);
+    mWaiting.push_back(mCaller);
     mWaits = true;
 }
 
 void EndpointStatus::Request::Begin(Clock::time_point now) {
-    mOpen = true;
     std::lock_guard<std::mutex> lock(mStatus.mMutex);
-    if (std::exchange(mWaits, false)) RemoveOne(mStatus.mState.waiting, mCaller);
-    mStatus.mState.open = Open{++mStatus.mNumber, mOperation, mCaller, now};
+    if (std::exchange(mWaits, false)) RemoveOne(mWaiting, mCaller);
+    mNumber = ++mStatus.mNumber;
+    mOpen = Open{mNumber, mOperation, mCaller, now};
 }
 
+// The turn of the next one may have begun already.
 EndpointStatus::Request::~Request() {
     std::lock_guard<std::mutex> lock(mStatus.mMutex);
-    if (mOpen) mStatus.mState.open.reset();
-    if (mWaits) RemoveOne(mStatus.mState.waiting, mCaller);
-    ++(mAnswered ? mStatus.mState.answered : mStatus.mState.failed);
+    if (mNumber != 0 && mOpen && mOpen->number == mNumber) mOpen.reset();
+    if (mWaits) RemoveOne(mWaiting, mCaller);
+    State& state = mStatus.mState;
+    ++(!mSucceeded ? state.failed : mForm == Form::kOneWay ? state.oneWay : state.answered);
 }
 
 EndpointStatus::Event::Event(EndpointStatus& status) : mStatus(status) {

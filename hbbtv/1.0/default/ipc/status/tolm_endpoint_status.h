@@ -26,11 +26,11 @@ class EndpointStatus {
         const char* name = "";
     };
 
-    // A request that waits for its reply, or an event that is being handled.
+    // A request that waits for its reply, a one-way message that is being written, or an event that is being handled.
     struct Open {
         uint64_t number = 0;  // counts those of the endpoint
-        Operation operation;  // of a request
-        pid_t caller = 0;     // of a request: the client's process, this one, or 0
+        Operation operation;  // not of an event
+        pid_t caller = 0;     // not of an event: the client's process, this one, or 0
         Clock::time_point since;
         bool reported = false;  // see TakeOverdue()
     };
@@ -48,7 +48,9 @@ class EndpointStatus {
         std::optional<Error> error;  // the last one
 
         // Of an endpoint that the platform serves.
-        std::vector<pid_t> waiting;  // callers that wait for their turn
+        std::vector<pid_t> waiting;        // callers that wait for their turn
+        std::optional<Open> sending;       // a one-way message
+        std::vector<pid_t> waitingToSend;  // callers that wait for it
         uint64_t answered = 0;
         uint64_t failed = 0;  // not sent, not answered, or refused
         uint64_t oneWay = 0;  // sent
@@ -67,7 +69,7 @@ class EndpointStatus {
 
     State Get() const;
 
-    // Returns whether a request or an event is open.
+    // Returns whether a request, a one-way message or an event is open.
     bool IsOpen() const;
 
     // Of the connections.
@@ -75,11 +77,18 @@ class EndpointStatus {
     void Disconnected();
     void SetError(const std::string& text);
 
-    // A request, which has ended when this is destroyed.
+    enum class Form { kWithReply, kOneWay };
+
+    // A request or a one-way message, which has ended when this is destroyed.
     class Request {
       public:
-        Request(EndpointStatus& status, const Operation& operation, pid_t caller)
-            : mStatus(status), mOperation(operation), mCaller(caller) {}
+        Request(EndpointStatus& status, const Operation& operation, pid_t caller, Form form = Form::kWithReply)
+            : mStatus(status),
+              mOpen(form == Form::kOneWay ? status.mState.sending : status.mState.open),
+              mWaiting(form == Form::kOneWay ? status.mState.waitingToSend : status.mState.waiting),
+              mOperation(operation),
+              mCaller(caller),
+              mForm(form) {}
         ~Request();
         Request(const Request&) = delete;
         Request& operator=(const Request&) = delete;
@@ -90,20 +99,20 @@ class EndpointStatus {
         // Its turn has begun.
         void Begin(Clock::time_point now);
 
-        // A valid reply has come.
-        void Answered() { mAnswered = true; }
+        // A valid reply has come, or the one-way message is written.
+        void Succeeded() { mSucceeded = true; }
 
       private:
         EndpointStatus& mStatus;
+        std::optional<Open>& mOpen;    // guarded by mMutex of mStatus
+        std::vector<pid_t>& mWaiting;  // guarded by mMutex of mStatus
         const Operation mOperation;
         const pid_t mCaller;
+        const Form mForm;
         bool mWaits = false;
-        bool mOpen = false;
-        bool mAnswered = false;
+        uint64_t mNumber = 0;  // 0: its turn has not begun
+        bool mSucceeded = false;
     };
-
-    // A one-way message was sent, or was not.
-    void SentOneWay(bool sent);
 
     // An event that is being handled on this thread. Counts as dropped unless a client receives it.
     class Event {
@@ -144,8 +153,8 @@ class EndpointStatus {
     void AddClient(pid_t process);
     void RemoveClient(pid_t process);
 
-    // Returns a copy if something has been open since `before` or longer and this has not been returned yet.
-    std::optional<State> TakeOverdue(Clock::time_point before);
+    // Returns a copy if that member has been open since `before` or longer and this has not been returned yet.
+    std::optional<State> TakeOverdue(std::optional<Open> State::*member, Clock::time_point before);
 
   private:
     EndpointStatus() = default;
