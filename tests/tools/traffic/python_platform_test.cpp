@@ -40,8 +40,8 @@ class OnAnotherPlatform : public InFrontOfTheSystem {
         mChannel = Get({"IChannelConfig.GetCurrentChannel"}, "channel");
         EXPECT_EQ(Name(mChannel), "First");
         mObject = Get({"IVideoBroadcast.Create", "7"}, "vb");
-        Listener listener({"channel_config", "video_broadcast", "--with", "vb=" + mObject, "--with", "context=7",
-                           "--count", "4"});
+        Listener listener(
+            {"channel_config", "video_broadcast", "--with", "vb=" + mObject, "--with", "context=7", "--count", "4"});
         EXPECT_TRUE(listener.Listens()) << listener.Output();
         EXPECT_EQ(Ctl({"call", "IChannel.SetName", mChannel, "Uno"}).exit, 0);
         EXPECT_EQ(Ctl({"call", "IVideoBroadcast.SetChannel", mObject, mChannel, "false", ""}).exit, 0);
@@ -125,8 +125,8 @@ TEST_F(OnAnotherPlatform, TheLogOfTheServiceHasWhatTheMonitorHasSeen) {
     for (const char* filter : {"op:GetName", "op:SetName", "event & family:video_broadcast", "op:GetSerialNumber"}) {
         std::vector<Json::Value> bodies[2];
         for (const bool log : {false, true}) {
-            const FinishedRun show = CtlWithInput({"show", "-", "--json", "--filter", filter},
-                                                  log ? import.output : ReadFile(recorded));
+            const FinishedRun show =
+                CtlWithInput({"show", "-", "--json", "--filter", filter}, log ? import.output : ReadFile(recorded));
             for (const Json::Value& record : Documents(show.output)) {
                 bodies[log].push_back(record["message"]["json"]);
                 bodies[log].push_back(record["reply"]["json"]);
@@ -162,10 +162,9 @@ TEST_F(OnAnotherPlatform, ItsRecordingIsExported) {
     const std::string recorded = Recorded();
     const std::string capture = mDirectory / "capture.pcapng";
     ASSERT_EQ(Ctl({"show", recorded, "--pcapng", capture}).exit, 0);
-    const FinishedRun tshark =
-        RunToEnd({"tshark", "-X", "lua_script:" HBBTV_DISSECTOR, "-r", capture, "-Y", "hbbtv.op == \"GetName\"", "-T",
-                  "fields", "-e", "hbbtv.channel.name"},
-                 "", {"HOME=" + mDirectory.Path()});
+    const FinishedRun tshark = RunToEnd({"tshark", "-X", "lua_script:" HBBTV_DISSECTOR, "-r", capture, "-Y",
+                                         "hbbtv.op == \"GetName\"", "-T", "fields", "-e", "hbbtv.channel.name"},
+                                        "", {"HOME=" + mDirectory.Path()});
     EXPECT_EQ(tshark.output, "\nFirst\n\nUno\n") << tshark.errors;
     const FinishedRun trace =
         RunToEnd({"python3", "-c",
@@ -259,7 +258,8 @@ TEST_F(OnAnotherPlatform, RulesBendItsMessages) {
         return WaitFor([&] { return monitor.Output().find(answer, before) != std::string::npos; });
     };
     const auto ask = [this](bool inVain) {
-        return Ctl({"send", "channel.GetName", "c_handle=" + mChannel, "--json", "--timeout", inVain ? "400ms" : "20s"});
+        return Ctl(
+            {"send", "channel.GetName", "c_handle=" + mChannel, "--json", "--timeout", inVain ? "400ms" : "20s"});
     };
     for (const Bent& bent : kBent) {
         ASSERT_TRUE(tell(std::string("op:GetName ") + bent.rule, "(applied 0 times)")) << monitor.Output();
@@ -276,8 +276,7 @@ TEST_F(OnAnotherPlatform, RulesBendItsEvents) {
     Listener listener({"video_broadcast", "--with", "vb=" + mObject, "--with", "context=7", "--count", "3"});
     ASSERT_TRUE(listener.Listens()) << listener.Output();
     CtlProcess monitor({"monitor", "--rule", "op:onPlayStateChange set=error:3 count=1", "--rule",
-                        "op:onPlayStateChange duplicate count=1", "--rule",
-                        "op:onChannelChangeSucceeded drop"});
+                        "op:onPlayStateChange duplicate count=1", "--rule", "op:onChannelChangeSucceeded drop"});
     ASSERT_TRUE(monitor.WaitForOutput("listening; press Ctrl-C to stop\n")) << monitor.Output();
     EXPECT_EQ(Ctl({"send", "video_broadcast.SetChannel", "vb_handle=" + mObject, "channel=" + mChannel,
                    "trickPlay=false", "url="})
