@@ -1,5 +1,6 @@
 #include "wire/protocol.h"
 
+#include <algorithm>
 #include <cctype>
 #include <memory>
 #include <mutex>
@@ -62,6 +63,14 @@ std::string FoldedEvent(const std::string& name) {
     return folded;
 }
 
+// Returns whether a message has all the members of a request, but for numbered ones.
+bool HasMembers(const Json::Value& message, const Json::Value& request) {
+    return std::all_of(request.begin(), request.end(), [&message](const Json::Value& member) {
+        const std::string key = member["key"].asString();
+        return key.find('%') != std::string::npos || message.isMember(key);
+    });
+}
+
 }  // namespace
 
 std::string FoldedName(const std::string& name) {
@@ -100,10 +109,13 @@ const Json::Value* WireFamily::OperationOf(const std::string& method) const {
 const Json::Value* WireFamily::RequestOf(const Json::Value& message) const {
     if (!message.isObject()) return nullptr;
     const Json::Value& code = message[protocol["envelope"]["code"]["key"].asString()];
+    const Json::Value* first = nullptr;
     for (const Json::Value& candidate : protocol["operations"]) {
-        if (candidate.isMember("code") && candidate["code"] == code) return &candidate;
+        if (!candidate.isMember("code") || candidate["code"] != code) continue;
+        if (HasMembers(message, candidate["request"])) return &candidate;
+        if (first == nullptr) first = &candidate;
     }
-    return nullptr;
+    return first;
 }
 
 const Json::Value& WireFamily::FindEvent(const std::string& wanted) const {

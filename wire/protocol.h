@@ -23,7 +23,8 @@ struct WireFamily {
     // "method", else the one of the same name, else null.
     const Json::Value* OperationOf(const std::string& method) const;
 
-    // Returns the operation that a request of the library asks for, or null.
+    // Returns the operation that a request of the library asks for, or null. If two have the same code, it is the first
+    // one whose members the request has.
     const Json::Value* RequestOf(const Json::Value& message) const;
 
     // Finds an event by code ("5", "mediasync:5"), name, or the client's callback method. Throws Failure(kUsage).

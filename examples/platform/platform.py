@@ -163,13 +163,16 @@ class Events:
                 self.connection = None
 
 
-def main():
-    directory = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else os.environ.get("TMPDIR") or "/tmp")
-    events = Events(directory / ChannelConfiguration.event_socket_name)
+def directory():
+    return pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else os.environ.get("TMPDIR") or "/tmp")
+
+
+def main(families=(ChannelConfiguration, Channels)):
+    events = Events(directory() / ChannelConfiguration.event_socket_name)
     television = Television(lambda: events.send(ChannelConfiguration.port, {"event": 0, "reserved": "\x01"}))
     signals = {signal.SIGINT, signal.SIGTERM}
     signal.pthread_sigmask(signal.SIG_BLOCK, signals)
-    paths = [serve(family(television), directory) for family in (ChannelConfiguration, Channels)]
+    paths = [serve(family(television), directory()) for family in families]
     print("ready", flush=True)
     signal.sigwait(signals)
     for path in paths:

@@ -97,8 +97,22 @@ TEST_F(Documents, OfPlaysShowWhatHappens) {
     RunExamplesOf(document, 6);
 }
 
+const char* const kSomethingGoesWrong = HBBTV_SOURCE_DIR "/docs/something-goes-wrong.md";
+
 TEST_F(Documents, OfATelevisionThatGoesWrongShowsWhatHappens) {
-    RunExamplesOf(ReadFile(std::string(HBBTV_SOURCE_DIR) + "/docs/something-goes-wrong.md"), 17);
+    RunExamplesOf(ReadFile(kSomethingGoesWrong), 17);
+}
+
+class DocumentsOnAnotherPlatform : public Documents {
+  protected:
+    void StartPlatform() override { ASSERT_TRUE(mPython.Ready()) << mPython.Output(); }
+
+  private:
+    PlatformInPython mPython;
+};
+
+TEST_F(DocumentsOnAnotherPlatform, OfATelevisionThatGoesWrongShowsWhatHappens) {
+    RunExamplesOf(ReadFile(kSomethingGoesWrong), 17);
 }
 
 TEST_F(Documents, ReadmeShowsWhatHappens) {

@@ -104,9 +104,13 @@ void WriteFile(const std::string& path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;
 }
 
-void InFrontOfTheSystem::SetUp() {
+void InFrontOfTheSystem::StartPlatform() {
     mPlatform = std::make_unique<SimulatedPlatform>(std::vector<std::string>{"--seed", "7"});
     ASSERT_TRUE(mPlatform->Ready()) << mPlatform->Output();
+}
+
+void InFrontOfTheSystem::SetUp() {
+    ASSERT_NO_FATAL_FAILURE(StartPlatform());
     mService = std::make_unique<ServiceProcess>();
     // The service registers it last.
     ASSERT_NE(FindVideoBroadcast(), nullptr) << mService->Output();

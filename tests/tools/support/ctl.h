@@ -57,10 +57,13 @@ class Alone : public testing::Test {
     ScratchDirectory mDirectory;
 };
 
-// A simulated platform and the service, ready for calls.
+// A platform and the service, ready for calls.
 class InFrontOfTheSystem : public Alone {
   protected:
     void SetUp() override;
+
+    // Starts the simulated platform.
+    virtual void StartPlatform();
 
     // Return handles: the current channel, and a new video/broadcast object.
     std::string CurrentChannel() const;
@@ -68,6 +71,14 @@ class InFrontOfTheSystem : public Alone {
 
     std::unique_ptr<SimulatedPlatform> mPlatform;
     std::unique_ptr<ServiceProcess> mService;
+};
+
+// A platform in Python, which shares no code with the tools: see traffic/platform_in_python.py.
+class PlatformInPython : public ChildProcess {
+  public:
+    PlatformInPython() : ChildProcess({"python3", HBBTV_SOURCE_DIR "/tests/tools/traffic/platform_in_python.py"}) {}
+
+    bool Ready() { return WaitForOutput("ready\n"); }
 };
 
 }  // namespace hbbtv::test

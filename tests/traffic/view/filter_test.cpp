@@ -51,6 +51,20 @@ TEST(Filter, RefusesWhatItDoesNotUnderstandWithItsPlace) {
     for (const auto& [filter, problem] : FilterProblems()) EXPECT_EQ(Problem(filter), "filter, " + problem);
 }
 
+TEST(Filter, TellsOperationsOfTheSameCodeApart) {
+    const char* const configuration = "service_plugin_to_hbbtv_conf";
+    const char* const mtm = "service_mtm_to_hbbtv";
+    for (const auto& [name, record] : std::initializer_list<std::pair<const char*, Record>>{
+             {"op:GetText", Exchange(configuration, R"({"key_type":1,"method":22,"type":9})")},
+             {"op:SetText", Exchange(configuration, R"({"info":"a","method":22,"type":9})")},
+             {"op:GetText", Exchange(configuration, R"({"method":22,"type":9})")},
+             {"op:OnTabShow", Exchange(mtm, R"({"method":6,"tabid":1,"type":0})")},
+             {"op:OnLoadingStateChanged",
+              Exchange(mtm, R"({"can_back":true,"can_forward":true,"is_loading":true,"method":6,"type":0})")}}) {
+        EXPECT_TRUE(Passes(name, record)) << name << ", and not " << record.operation;
+    }
+}
+
 TEST(Filter, KnowsWhetherItLooksIntoPayloads) {
     for (const char* filter : {"", "family:channel & ms>5", "event | !status:0", "op:GetName"}) {
         EXPECT_FALSE(Filter(filter).NeedsPayloads()) << filter;

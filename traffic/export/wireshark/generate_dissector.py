@@ -26,6 +26,26 @@ def operations_of(family, events):
     return names.items()
 
 
+def variants_of(family):
+    """By code: the operations that have it, with the keys of their members, if there are several."""
+    variants = {}
+    for entry in family["operations"]:
+        if "code" in entry:
+            keys = [member["key"] for member in entry["request"] if "%" not in member["key"]]
+            variants.setdefault(entry["code"], []).append((entry["name"], keys))
+    return {code: several for code, several in variants.items() if len(several) > 1}
+
+
+def variant_lines(family):
+    lines = []
+    for code, several in variants_of(family).items():
+        lines.append(f"            [{code}] = {{")
+        for name, keys in several:
+            lines.append(f"                {{name = {quoted(name)}, keys = {{{', '.join(map(quoted, keys))}}}}},")
+        lines.append("            },")
+    return lines
+
+
 def socket_table(family, kind):
     events = kind == "events"
     envelope = family["event_envelope" if events else "envelope"]
@@ -36,7 +56,10 @@ def socket_table(family, kind):
         lines.append(f"        object = {quoted(envelope['type']['key'])},")
     lines.append("        operations = {")
     lines += [f"            [{quoted(key)}] = {quoted(name)}," for key, name in operations_of(family, events)]
-    return "\n".join(lines + ["        },", "    },"])
+    lines.append("        },")
+    if not events and variants_of(family):
+        lines += ["        variants = {", *variant_lines(family), "        },"]
+    return "\n".join(lines + ["    },"])
 
 
 def member_types(family):
