@@ -4,10 +4,9 @@
 #include <signal.h>
 
 #include <filesystem>
-#include <fstream>
 
+#include "application_system.h"
 #include "common/failure.h"
-#include "system.h"
 
 namespace hbbtv::test {
 
@@ -16,6 +15,8 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
+using System = ApplicationSystem;
+
 constexpr const char* kCall =
     "<script>function call(...calls) {\n"
     "    const request = new XMLHttpRequest();\n"
@@ -23,62 +24,6 @@ constexpr const char* kCall =
     "    request.send(JSON.stringify({calls}));\n"
     "    return JSON.parse(request.responseText).answers;\n"
     "}</script>";
-
-// The system, and a browser whose application of arte HD is the file "index.html".
-class System : public BrowserSystem {
-  public:
-    explicit System(const std::string& application, const std::vector<std::string>& options = {"--trace"})
-        : BrowserSystem(options) {
-        std::filesystem::create_directory(directory / "arte");
-        std::filesystem::create_directory(directory / "zdf");
-        Write("arte/index.html", "<!DOCTYPE html><title>arte</title><body>" + application);
-        Write("zdf/index.html", "<!DOCTYPE html><title>ZDF</title><body>ZDF");
-    }
-
-    std::vector<std::string> Command() const {
-        return {HBBTV_BROWSER_PROGRAM,
-                "--headless",
-                "--serve",
-                "http://arte.example/hbbtv/=" + directory.Path() + "/arte",
-                "--serve",
-                "http://zdf.example/hbbtv/=" + directory.Path() + "/zdf"};
-    }
-
-    // Tunes to arte HD and waits until its application has loaded.
-    static bool OpenArte() {
-        Tell("zap 3");
-        return ShowsTab("arte Start (14.1), loaded");
-    }
-
-    static bool ShowsTab(const std::string& text) {
-        return WaitFor([&] { return Tell("tabs").find(text) != std::string::npos; });
-    }
-
-    static bool HasNoTab() {
-        return WaitFor([&] { return Tell("tabs").find("; tab ") == std::string::npos; });
-    }
-
-    // The process that renders the first tab.
-    static pid_t RenderProcess() {
-        const std::string tabs = Tell("tabs");
-        const std::string before = "render process ";
-        const size_t at = tabs.find(before);
-        return at == std::string::npos ? 0 : std::atoi(tabs.c_str() + at + before.size());
-    }
-
-    // Chromium's first process.
-    pid_t Chromium() const {
-        for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-            std::ifstream file(entry.path() / "cmdline");
-            std::string line;
-            std::getline(file, line, '\x01');  // which takes a process that has just ended for an empty one
-            if (line.rfind("/usr/lib/chromium/chromium", 0) == 0 && line.find(directory.Path()) != std::string::npos &&
-                line.find("--type=") == std::string::npos)
-                return std::atoi(entry.path().filename().c_str());
-        }
-        return 0;
-    }
-};
 
 }  // namespace
 
@@ -150,19 +95,6 @@ TEST(Tabs, ThatCannotBeLoadedReportTheCodeAndTheReason) {
     ChildProcess browser(system.Command());
     System::Tell("zap 3");
     EXPECT_TRUE(System::ShowsTab("arte Start (14.1), failed (404 Not Found)")) << System::Tell("tabs");
-}
-
-TEST(Tabs, ReleaseWhatTheirDocumentsHaveCreated) {
-    const System system(std::string(kCall) +
-                        "<script>const [made] = call({method: 'IVideoBroadcast.Create', arguments: {context: 0}});\n"
-                        "document.title = 'vb ' + made.results.vb.toString(16);</script>");
-    ASSERT_TRUE(system.ready);
-    ChildProcess browser(system.Command());
-    ASSERT_TRUE(System::OpenArte()) << browser.Output();
-    EXPECT_TRUE(System::ShowsTab("title \"vb "));
-    EXPECT_THAT(system.platform.Output(), Not(HasSubstr("> Destroy vb_handle")));
-    System::Tell("zap 1");
-    EXPECT_TRUE(system.platform.WaitForOutput("> Destroy vb_handle"));
 }
 
 TEST(Tabs, AreClosedByThePlatformWhenTheirPageAsksForThat) {

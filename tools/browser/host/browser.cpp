@@ -310,13 +310,19 @@ void Browser::TakeEvent(const Json::Value& event) {
     if (event["interface"] == "IDsmcc") return mCarousel.Take(event["arguments"]);
     if (event["event"] == "onRequestDsmccFile") mCarousel.StartApplication(event["arguments"]["fileName"].asString());
     if (mScreen) mScreen->Take(event);
+    if (event["interface"] == "IVideoBroadcast")
+        MakeReleases(mHoldings.Received("IVideoBroadcast." + event["event"].asString(), event["arguments"]));
     for (const Side* side : {&mApplications, &mWindow}) {
         if (side->pages) side->pages->Deliver(event);
     }
 }
 
 void Browser::DocumentGone(const std::string& document) {
-    for (const Release& release : mHoldings.Gone(document)) {
+    MakeReleases(mHoldings.Gone(document));
+}
+
+void Browser::MakeReleases(const std::vector<Release>& releases) {
+    for (const Release& release : releases) {
         if (mScreen && release.second.isMember("vb")) mScreen->Released(release.second["vb"].asInt64());
         mPlatform.CallLater(release.first, release.second);
     }

@@ -62,6 +62,7 @@ class Browser {
     void GetXmlFile(const std::string& url, const Platform::Reply& reply);
     void TakeEvent(const Json::Value& event);
     void DocumentGone(const std::string& document);
+    void MakeReleases(const std::vector<Release>& releases);
     void ObjectsLost(const char* ended);
     void ReleaseAll();
 
