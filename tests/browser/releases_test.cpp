@@ -47,7 +47,8 @@ addEventListener('keydown', () => { location = 'other.html'; });
 
 // All pages get the same handle for a channel of the television, which the platform keeps.
 bool IsOfTheTelevision(const std::string& line) {
-    static const std::regex kChannels("> (Item cl_handle|GetCurrentChannel|BindToCurrentChannel|GetBroadcastSupervisor)");
+    static const std::regex kChannels(
+        "> (Item cl_handle|GetCurrentChannel|BindToCurrentChannel|GetBroadcastSupervisor)");
     return std::regex_search(line, kChannels);
 }
 
