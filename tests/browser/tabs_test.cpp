@@ -25,6 +25,12 @@ constexpr const char* kCall =
     "    return JSON.parse(request.responseText).answers;\n"
     "}</script>";
 
+// Sends a command to the browser as a platform does. Returns the exit code.
+std::optional<int> Emit(std::vector<std::string> words) {
+    words.insert(words.begin(), {HBBTVCTL_PROGRAM, "emit", "mtm"});
+    return RunToEnd(words).exit;
+}
+
 }  // namespace
 
 TEST(Tabs, FollowThePlatformAndReportWhatBecomesOfThem) {
@@ -95,6 +101,45 @@ TEST(Tabs, ThatCannotBeLoadedReportTheCodeAndTheReason) {
     ChildProcess browser(system.Command());
     System::Tell("zap 3");
     EXPECT_TRUE(System::ShowsTab("arte Start (14.1), failed (404 Not Found)")) << System::Tell("tabs");
+}
+
+TEST(Tabs, SeeThatTheyAreHiddenAndShown) {
+    const System system(
+        "<script>const seen = [];\n"
+        "document.onvisibilitychange = ({isTrusted, bubbles}) => {\n"
+        "    seen.push(document.visibilityState, document.hidden, bubbles);\n"
+        "    document.title = seen;\n"
+        "};</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    EXPECT_EQ(Emit({"ShowHideTab", "tabid=1", "showHide=false", "isMulti=false"}), 0);
+    EXPECT_TRUE(System::ShowsTab("title \"hidden,true,true\"")) << System::Tell("tabs");
+    EXPECT_EQ(Emit({"ShowHideTab", "tabid=1", "showHide=true", "isMulti=false"}), 0);
+    EXPECT_TRUE(System::ShowsTab("title \"hidden,true,true,visible,false,true\"")) << System::Tell("tabs");
+}
+
+TEST(Tabs, GetKeysThatArePressedHeldAndReleased) {
+    const System system(
+        "<script>const seen = [];\n"
+        "for (const type of ['keydown', 'keyup']) addEventListener(type, ({keyCode, repeat, isTrusted}) => {\n"
+        "    seen.push(type.slice(3) + keyCode + (repeat ? ' again' : '') + (isTrusted ? '' : ' not trusted'));\n"
+        "    document.title = seen;\n"
+        "});</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    std::string seen;
+    const std::vector<std::pair<std::string, std::string>> keys{{"keyType=0", "down40,up40"},
+                                                                {"keyType=1", ",down40"},
+                                                                {"keyType=1", ",down40 again"},
+                                                                {"keyType=2", ",up40"},
+                                                                {"keyType=1", ",down40"}};
+    for (const auto& [type, events] : keys) {
+        EXPECT_EQ(Emit({"SendKey", "key=40", type, "keyeventId=1"}), 0);
+        seen += events;
+        ASSERT_TRUE(System::ShowsTab("title \"" + seen + "\"")) << System::Tell("tabs");
+    }
 }
 
 TEST(Tabs, AreClosedByThePlatformWhenTheirPageAsksForThat) {

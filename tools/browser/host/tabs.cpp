@@ -13,7 +13,10 @@ namespace {
 constexpr Milliseconds kTimeToLoad{200};
 constexpr Milliseconds kTimeToBecomeRelated{1000};
 
-constexpr int kPressed = 0;  // type of a key that is pressed and released
+// Types of keys.
+constexpr int kPressed = 0;  // and released
+constexpr int kDown = 1;
+constexpr int kUp = 2;
 
 const char* const kOutOfMemory = "oom";
 
@@ -168,11 +171,12 @@ Json::Value Tabs::Described(int id) const {
     return values;
 }
 
-void Tabs::TellPage(const Tab& tab, int id) {
+void Tabs::TellPage(const Tab& tab, int id, bool shownChanged) {
     Json::Value event;
     event["interface"] = "host";
     event["event"] = "tab";
     event["arguments"] = Described(id);
+    event["arguments"]["shownChanged"] = shownChanged;
     mPages->Deliver(event, tab.page);
 }
 
@@ -196,7 +200,7 @@ void Tabs::Show(int id, bool multi) {
     mOrder.erase(std::remove(mOrder.begin(), mOrder.end(), id), mOrder.end());
     mOrder.push_back(id);
     if (!wasShown) Report("OnTabShow", id);
-    if (!wasShown) TellPage(mTabs[id], id);
+    if (!wasShown) TellPage(mTabs[id], id, true);
     Focus();
 }
 
@@ -204,7 +208,7 @@ void Tabs::Hide(int id) {
     if (!std::exchange(mTabs[id].shown, false)) return;
     mOrder.erase(std::remove(mOrder.begin(), mOrder.end(), id), mOrder.end());
     Report("OnTabHide", id);
-    TellPage(mTabs[id], id);
+    TellPage(mTabs[id], id, true);
     Focus();
 }
 
@@ -242,9 +246,13 @@ void Tabs::Gone(int id) {
 // The platform does not name the tab: it is the one with the focus.
 void Tabs::SendKey(const Json::Value& arguments, const Platform::Reply& reply) {
     const Tab* tab = Find(mFocused);
-    if (tab == nullptr || arguments["keyType"].asInt() != kPressed) return Refuse(reply);
+    const int type = arguments["keyType"].asInt();
+    if (tab == nullptr || type < kPressed || type > kUp) return Refuse(reply);
     const int code = arguments["key"].asInt();
-    mPages->PressKey(tab->page, code);
+    if (type == kPressed) mPages->PressKey(tab->page, code);
+    if (type == kDown) mPages->HoldKey(tab->page, code, !mHeldKeys.insert(code).second);
+    if (type == kUp) mPages->ReleaseKey(tab->page, code);
+    if (type != kDown) mHeldKeys.erase(code);
     Done(reply);
 }
 

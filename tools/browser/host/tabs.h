@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -90,7 +91,7 @@ class Tabs {
     void Focus();
     void Close(int id);
     void Gone(int id);
-    void TellPage(const Tab& tab, int id);
+    void TellPage(const Tab& tab, int id, bool shownChanged = false);
     void ReportFailure(int id, const PageChange& change, const std::string& description);
     void ReportLoading(int id, bool loading);
     void Report(const char* name, int id, const Json::Value& further = Json::Value(Json::objectValue));
@@ -104,6 +105,7 @@ class Tabs {
     std::vector<int> mOrder;  // of the shown tabs, the topmost last
     int mLast = 0;            // number of the newest tab
     int mFocused = 0;
+    std::set<int> mHeldKeys;
 };
 
 }  // namespace hbbtv::browser

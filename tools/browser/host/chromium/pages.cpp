@@ -139,6 +139,16 @@ void Pages::PressKey(const std::string& page, int code, const std::function<void
     });
 }
 
+void Pages::HoldKey(const std::string& page, int code, bool repeated) {
+    Json::Value params = KeyDown(code);
+    params["autoRepeat"] = repeated;
+    Send(page, "Input.dispatchKeyEvent", params);
+}
+
+void Pages::ReleaseKey(const std::string& page, int code) {
+    Send(page, "Input.dispatchKeyEvent", KeyUp(code));
+}
+
 void Pages::GetHistory(const std::string& page, const std::function<void(bool, bool)>& onHistory) {
     Send(page, "Page.getNavigationHistory", Json::Value(Json::objectValue), [onHistory](const Answer& answer) {
         const int current = answer.result["currentIndex"].asInt();

@@ -87,6 +87,10 @@ class Pages {
     // Presses and releases a key. `onTaken` is called when the page has handled it.
     void PressKey(const std::string& page, int code, const std::function<void()>& onTaken = nullptr);
 
+    // Press a key, again if `repeated`; release it.
+    void HoldKey(const std::string& page, int code, bool repeated);
+    void ReleaseKey(const std::string& page, int code);
+
     // Return what the name says, or zeros if Chromium does not answer.
     void GetRenderProcess(const std::string& page, const RenderProcesses::OnProcess& onProcess) {
         mProcesses.Get(page, onProcess);
