@@ -25,6 +25,15 @@ constexpr const char* kCall =
     "    return JSON.parse(request.responseText).answers;\n"
     "}</script>";
 
+// A Chromium that runs scripts with these flags. Returns the variable that makes the browser find it.
+std::string ChromiumWithFlags(const System& system, const std::string& flags) {
+    std::filesystem::create_directory(system.directory / "bin");
+    const std::string program =
+        system.Write("bin/chromium", "#!/bin/sh\nPATH=${PATH#*:}\nexec chromium '--js-flags=" + flags + "' \"$@\"\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    return "PATH=" + (system.directory / "bin") + ":" + std::getenv("PATH");
+}
+
 // Sends a command to the browser as a platform does. Returns the exit code.
 std::optional<int> Emit(std::vector<std::string> words) {
     words.insert(words.begin(), {HBBTVCTL_PROGRAM, "emit", "mtm"});
@@ -92,6 +101,46 @@ TEST(Tabs, WhoseProcessCrashesAreReportedAndEnd) {
     EXPECT_TRUE(system.platform.WaitForOutput("the process of the page has ended"));
     EXPECT_TRUE(System::HasNoTab()) << System::Tell("tabs");
     EXPECT_THAT(System::Tell("apps"), Not(HasSubstr("arte")));
+}
+
+TEST(Tabs, WhoseMemoryRunsOutAreReportedAndEnd) {
+    const System system(
+        "<script>addEventListener('keydown', () => {\n"
+        "    for (const all = [];;) all.push(new Array(10000).fill(all.length));\n"
+        "});</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command(), {ChromiumWithFlags(system, "--max-heap-size=64")});
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    System::Tell("key RED");
+    EXPECT_TRUE(system.platform.WaitForOutput("> OnBlinkOutOfMemory tabid=1")) << System::Tell("tabs");
+    EXPECT_TRUE(System::HasNoTab()) << System::Tell("tabs");
+    EXPECT_THAT(system.platform.Output(), Not(HasSubstr("OnTabLoadFailed")));
+}
+
+TEST(Tabs, ThatUseTooMuchMemoryAreReportedUntilTheyHaveReleasedIt) {
+    const System system(
+        "<script>let all = [];\n"
+        "oipfObjectFactory.createApplicationManagerObject().onLowMemory = () => { document.title = 'low'; };\n"
+        "function fill() { while (all.length < 40) all.push(new Array(1000000).fill(all.length + 0.5)); }\n"
+        "addEventListener('keydown', ({keyCode}) => {\n"
+        "    if (keyCode === VK_RED) return fill();\n"
+        "    all = [];\n"
+        "    gc();\n"
+        "});</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command(), {ChromiumWithFlags(system, "--expose-gc")});
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    EXPECT_THAT(System::Tell("tabs"), HasSubstr("memory 0"));
+    System::Tell("key RED");
+    EXPECT_TRUE(System::ShowsTab("memory 1")) << System::Tell("tabs");
+    EXPECT_TRUE(System::ShowsTab("title \"low\"")) << System::Tell("tabs");
+    System::Tell("key DOWN");
+    EXPECT_TRUE(System::ShowsTab("memory 0")) << System::Tell("tabs");
+    EXPECT_TRUE(System::ShowsTab("memory level ")) << System::Tell("tabs");
+    System::Tell("key RED");
+    EXPECT_TRUE(System::ShowsTab("memory 1")) << System::Tell("tabs");
+    System::Tell("zap 1");
+    EXPECT_TRUE(System::ShowsTab("memory 0")) << System::Tell("tabs");
 }
 
 TEST(Tabs, ThatCannotBeLoadedReportTheCodeAndTheReason) {

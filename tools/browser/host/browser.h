@@ -17,7 +17,7 @@
 #include "platform/page_calls.h"
 #include "platform/platform.h"
 #include "screen.h"
-#include "tabs.h"
+#include "tabs/tabs.h"
 
 namespace hbbtv::browser {
 

@@ -158,6 +158,15 @@ void Pages::GetHistory(const std::string& page, const std::function<void(bool, b
     });
 }
 
+void Pages::GetHeap(const std::string& page, const std::function<void(double)>& onHeap) {
+    mChromium.Send(
+        SessionOf(page), "Runtime.getHeapUsage", Json::Value(Json::objectValue),
+        [onHeap](const Answer& answer) {
+            onHeap(answer.result["usedSize"].asDouble() + answer.result["backingStorageSize"].asDouble());
+        },
+        kTimeToAnswer);
+}
+
 void Pages::CheckChromium(const std::function<void(bool)>& onChecked) {
     mChromium.Send(
         kBrowserSession, "Browser.getVersion", Json::Value(Json::objectValue),
@@ -379,8 +388,15 @@ void Pages::Crashed(const Json::Value& params) {
     const auto found = mSessions.find(SessionOf(params["targetId"].asString()));
     if (found == mSessions.end()) return;
     ContextsGone(found->second, 0);
-    Report(found->second,
-           {Kind::Crashed, params["status"].asString(), 0, params["errorCode"].asInt(), found->second.url});
+    const std::string status = ReportedNoMemory() ? kOutOfMemory : params["status"].asString();
+    Report(found->second, {Kind::Crashed, status, 0, params["errorCode"].asInt(), found->second.url});
+}
+
+// A process whose memory has run out says so before it ends as one that crashes.
+bool Pages::ReportedNoMemory() {
+    const std::string messages = mChromium.Messages(mReadMessages);
+    mReadMessages += messages.size();
+    return messages.find(" OOM ") != std::string::npos || messages.find("Out of memory") != std::string::npos;
 }
 
 void Pages::Called(const Request& request) {

@@ -1,4 +1,4 @@
-#include "tabs.h"
+#include "tabs/tabs.h"
 
 #include <algorithm>
 #include <utility>
@@ -17,8 +17,6 @@ constexpr Milliseconds kTimeToBecomeRelated{1000};
 constexpr int kPressed = 0;  // and released
 constexpr int kDown = 1;
 constexpr int kUp = 2;
-
-const char* const kOutOfMemory = "oom";
 
 void Done(const Platform::Reply& reply) {
     Json::Value results;
@@ -41,7 +39,11 @@ void Fill(Tab& tab, const Json::Value& arguments) {
 }  // namespace
 
 Tabs::Tabs(devtools::Loop& loop, Platform& platform, GetXml getXml, Handlers handlers)
-    : mLoop(loop), mPlatform(platform), mGetXml(std::move(getXml)), mHandlers(std::move(handlers)) {}
+    : mLoop(loop),
+      mPlatform(platform),
+      mGetXml(std::move(getXml)),
+      mHandlers(std::move(handlers)),
+      mMemory(loop, platform, [this](int id) { TellLowMemory(id); }) {}
 
 const std::map<std::string, Tabs::Row>& Tabs::Rows() {
     static const std::map<std::string, Row> rows{
@@ -62,6 +64,7 @@ const std::map<std::string, Tabs::Row>& Tabs::Rows() {
 
 void Tabs::Use(Pages* pages) {
     mPages = pages;
+    mMemory.Use(pages);
     if (pages != nullptr) return;
     while (!mTabs.empty()) Gone(mTabs.begin()->first);
 }
@@ -114,6 +117,7 @@ void Tabs::Create(const Json::Value& arguments, const Platform::Reply& reply) {
 
 void Tabs::Created(int id, const std::string& page) {
     mTabs[id].page = page;
+    mMemory.Add(id, page);
     Report("OnTabCreated", id);
     mHandlers.onCreated(id, mTabs[id]);
 }
@@ -169,6 +173,13 @@ Json::Value Tabs::Described(int id) const {
     if (tab == nullptr) return values;
     for (const std::string& boundary : tab->boundaries) values["boundaries"].append(boundary);
     return values;
+}
+
+void Tabs::TellLowMemory(int id) {
+    Json::Value event;
+    event["interface"] = "host";
+    event["event"] = "lowMemory";
+    mPages->Deliver(event, mTabs[id].page);
 }
 
 void Tabs::TellPage(const Tab& tab, int id, bool shownChanged) {
@@ -236,6 +247,7 @@ void Tabs::Close(int id) {
 void Tabs::Gone(int id) {
     const Tab tab = mTabs[id];
     mTabs.erase(id);
+    mMemory.Remove(id);
     mOrder.erase(std::remove(mOrder.begin(), mOrder.end(), id), mOrder.end());
     Report("OnTabDestroyed", id);
     if (mTabs.empty()) mPlatform.CallLater("IMtm.OnAllTabsDestroyed", Json::Value(Json::objectValue));

@@ -12,6 +12,7 @@
 #include "chromium/pages.h"
 #include "devtools/loop.h"
 #include "platform/platform.h"
+#include "tabs/memory.h"
 
 namespace hbbtv::browser {
 
@@ -91,6 +92,7 @@ class Tabs {
     void Focus();
     void Close(int id);
     void Gone(int id);
+    void TellLowMemory(int id);
     void TellPage(const Tab& tab, int id, bool shownChanged = false);
     void ReportFailure(int id, const PageChange& change, const std::string& description);
     void ReportLoading(int id, bool loading);
@@ -101,6 +103,7 @@ class Tabs {
     const GetXml mGetXml;
     Pages* mPages = nullptr;
     const Handlers mHandlers;
+    Memory mMemory;
     std::map<int, Tab> mTabs;
     std::vector<int> mOrder;  // of the shown tabs, the topmost last
     int mLast = 0;            // number of the newest tab
