@@ -9,8 +9,8 @@
 #include "chromium/pages.h"
 #include "devtools/devtools.h"
 #include "devtools/loop.h"
-#include "errand.h"
 #include "files.h"
+#include "opened_page.h"
 #include "options.h"
 #include "platform/carousel.h"
 #include "platform/holdings.h"
@@ -43,16 +43,6 @@ class Browser {
     void End(int code, const std::string& message);
     void Stop();
 
-    // The page of the command line.
-    void OpenPage();
-    void StartPage();
-    void OpenAlone();
-    bool IsOpened(const std::string& url) const;  // by the command line
-    void PageStarted(const CallResult& application);
-    void TabCreated(int id, const Tab& tab);
-    void TabGone(int id);
-    bool BecomesRelated(int id);
-
     // What pages and the platform want.
     void Changed(const Side& side, const std::string& page, const PageChange& change);
     void Called(Side& side, const Document& document, const Request& request);
@@ -79,14 +69,11 @@ class Browser {
     Console mConsole;
     Carousel mCarousel;
     Files mFiles;
-    std::string mUrl;         // page of the command line
-    bool mCommanded = false;  // to create a tab for this page
-    int mTab = 0;             // of this page
     Side mApplications;
     Side mWindow;
     std::unique_ptr<Screen> mScreen;
     Tabs mTabs;
-    std::optional<Errand> mErrand;
+    OpenedPage mOpened;
     std::optional<int> mExit;
     std::string mMessage;  // if mExit is not 0
 };
