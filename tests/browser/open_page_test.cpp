@@ -147,6 +147,23 @@ TEST(Browser, LoadsAnApplicationOfTheBroadcastWithItsOtherFiles) {
     EXPECT_EQ(missing.errors, "hbbtv-browser: cannot load http://1.3fb.283d.17.dvb.localhost/none.html: Not Found\n");
 }
 
+// The platform knows the page of an application that the current service announces.
+TEST(Browser, OpensAnApplicationThatTheServiceAnnounces) {
+    const ScratchDirectory files;
+    std::ofstream(files / "index.html") << "<!DOCTYPE html><title>Announced</title><script src='code.js'></script>";
+    std::ofstream(files / "code.js") << "window.code = 'loaded';";
+    const BrowserSystem system;
+    ASSERT_TRUE(system.ready);
+    BrowserSystem::Tell("zap 3");
+    ASSERT_TRUE(WaitFor([] { return BrowserSystem::Tell("apps").find("14.1") != std::string::npos; }));
+    BrowserSystem::Tell("stop 14.1");
+    const FinishedRun run =
+        BrowserSystem::Run({"dvb://current.ait/14.1?lang=de", "--serve", "http://arte.example/hbbtv/=" + files.Path(),
+                            "--print", "[document.title, window.code, location.href]"});
+    EXPECT_EQ(run.output, "[\"Announced\",\"loaded\",\"http://arte.example/hbbtv/?lang=de\"]\n") << run.Text();
+    EXPECT_EQ(run.errors, "");
+}
+
 TEST(Browser, GetsTheVersionOfAFileThatIsBroadcastWhenItIsAskedForIt) {
     const ScratchDirectory files;
     std::ofstream(files / "index.html") << "<!DOCTYPE html><title>Broadcast</title>";

@@ -97,12 +97,16 @@ class PageRun {
     }
 
     bool Take(const std::string& line) {
-        static const std::string kTell = "info: @tell ";
-        if (line.rfind(kTell, 0) == 0) {
-            const std::string command = line.substr(kTell.size(), line.find("  (") - kTell.size());
+        const std::string words = line.substr(0, line.find("  ("));
+        if (words.rfind(kTell, 0) == 0) {
+            const std::string command = words.substr(kTell.size());
             const std::string answer = BrowserSystem::Tell(command);
-            if (answer.rfind("ok", 0) != 0) errors += command + ": " + answer;
-            return answer.rfind("ok", 0) == 0;
+            return Check(answer.rfind("ok", 0) == 0, command, answer);
+        }
+        if (words.rfind(kEmit, 0) == 0) {
+            const std::string event = words.substr(kEmit.size());
+            const FinishedRun run = Emit(event);
+            return Check(run.exit == 0, event, run.Text());
         }
         if (line.rfind("[", 0) == 0)
             failed = line;
@@ -110,6 +114,21 @@ class PageRun {
             errors += line + "\n";
         return true;
     }
+
+    bool Check(bool done, const std::string& command, const std::string& answer) {
+        if (!done) errors += command + ": " + answer;
+        return done;
+    }
+
+    static FinishedRun Emit(const std::string& event) {
+        std::vector<std::string> command{HBBTVCTL_PROGRAM, "emit"};
+        std::istringstream words(event);
+        for (std::string word; words >> word;) command.push_back(word);
+        return RunToEnd(command);
+    }
+
+    const std::string kTell = "info: @tell ";
+    const std::string kEmit = "info: @emit ";
 
     ChildProcess mBrowser;
     size_t mRead = 0;

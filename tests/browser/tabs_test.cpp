@@ -4,10 +4,9 @@
 #include <signal.h>
 
 #include <filesystem>
-#include <fstream>
 
+#include "application_system.h"
 #include "common/failure.h"
-#include "system.h"
 
 namespace hbbtv::test {
 
@@ -15,6 +14,8 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
+
+using System = ApplicationSystem;
 
 constexpr const char* kCall =
     "<script>function call(...calls) {\n"
@@ -24,61 +25,20 @@ constexpr const char* kCall =
     "    return JSON.parse(request.responseText).answers;\n"
     "}</script>";
 
-// The system, and a browser whose application of arte HD is the file "index.html".
-class System : public BrowserSystem {
-  public:
-    explicit System(const std::string& application, const std::vector<std::string>& options = {"--trace"})
-        : BrowserSystem(options) {
-        std::filesystem::create_directory(directory / "arte");
-        std::filesystem::create_directory(directory / "zdf");
-        Write("arte/index.html", "<!DOCTYPE html><title>arte</title><body>" + application);
-        Write("zdf/index.html", "<!DOCTYPE html><title>ZDF</title><body>ZDF");
-    }
+// A Chromium that runs scripts with these flags. Returns the variable that makes the browser find it.
+std::string ChromiumWithFlags(const System& system, const std::string& flags) {
+    std::filesystem::create_directory(system.directory / "bin");
+    const std::string program =
+        system.Write("bin/chromium", "#!/bin/sh\nPATH=${PATH#*:}\nexec chromium '--js-flags=" + flags + "' \"$@\"\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    return "PATH=" + (system.directory / "bin") + ":" + std::getenv("PATH");
+}
 
-    std::vector<std::string> Command() const {
-        return {HBBTV_BROWSER_PROGRAM,
-                "--headless",
-                "--serve",
-                "http://arte.example/hbbtv/=" + directory.Path() + "/arte",
-                "--serve",
-                "http://zdf.example/hbbtv/=" + directory.Path() + "/zdf"};
-    }
-
-    // Tunes to arte HD and waits until its application has loaded.
-    static bool OpenArte() {
-        Tell("zap 3");
-        return ShowsTab("arte Start (14.1), loaded");
-    }
-
-    static bool ShowsTab(const std::string& text) {
-        return WaitFor([&] { return Tell("tabs").find(text) != std::string::npos; });
-    }
-
-    static bool HasNoTab() {
-        return WaitFor([&] { return Tell("tabs").find("; tab ") == std::string::npos; });
-    }
-
-    // The process that renders the first tab.
-    static pid_t RenderProcess() {
-        const std::string tabs = Tell("tabs");
-        const std::string before = "render process ";
-        const size_t at = tabs.find(before);
-        return at == std::string::npos ? 0 : std::atoi(tabs.c_str() + at + before.size());
-    }
-
-    // Chromium's first process.
-    pid_t Chromium() const {
-        for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-            std::ifstream file(entry.path() / "cmdline");
-            std::string line;
-            std::getline(file, line, '\x01');  // which takes a process that has just ended for an empty one
-            if (line.rfind("/usr/lib/chromium/chromium", 0) == 0 && line.find(directory.Path()) != std::string::npos &&
-                line.find("--type=") == std::string::npos)
-                return std::atoi(entry.path().filename().c_str());
-        }
-        return 0;
-    }
-};
+// Sends a command to the browser as a platform does. Returns the exit code.
+std::optional<int> Emit(std::vector<std::string> words) {
+    words.insert(words.begin(), {HBBTVCTL_PROGRAM, "emit", "mtm"});
+    return RunToEnd(words).exit;
+}
 
 }  // namespace
 
@@ -143,6 +103,46 @@ TEST(Tabs, WhoseProcessCrashesAreReportedAndEnd) {
     EXPECT_THAT(System::Tell("apps"), Not(HasSubstr("arte")));
 }
 
+TEST(Tabs, WhoseMemoryRunsOutAreReportedAndEnd) {
+    const System system(
+        "<script>addEventListener('keydown', () => {\n"
+        "    for (const all = [];;) all.push(new Array(10000).fill(all.length));\n"
+        "});</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command(), {ChromiumWithFlags(system, "--max-heap-size=64")});
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    System::Tell("key RED");
+    EXPECT_TRUE(system.platform.WaitForOutput("> OnBlinkOutOfMemory tabid=1")) << System::Tell("tabs");
+    EXPECT_TRUE(System::HasNoTab()) << System::Tell("tabs");
+    EXPECT_THAT(system.platform.Output(), Not(HasSubstr("OnTabLoadFailed")));
+}
+
+TEST(Tabs, ThatUseTooMuchMemoryAreReportedUntilTheyHaveReleasedIt) {
+    const System system(
+        "<script>let all = [];\n"
+        "oipfObjectFactory.createApplicationManagerObject().onLowMemory = () => { document.title = 'low'; };\n"
+        "function fill() { while (all.length < 40) all.push(new Array(1000000).fill(all.length + 0.5)); }\n"
+        "addEventListener('keydown', ({keyCode}) => {\n"
+        "    if (keyCode === VK_RED) return fill();\n"
+        "    all = [];\n"
+        "    gc();\n"
+        "});</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command(), {ChromiumWithFlags(system, "--expose-gc")});
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    EXPECT_THAT(System::Tell("tabs"), HasSubstr("memory 0"));
+    System::Tell("key RED");
+    EXPECT_TRUE(System::ShowsTab("memory 1")) << System::Tell("tabs");
+    EXPECT_TRUE(System::ShowsTab("title \"low\"")) << System::Tell("tabs");
+    System::Tell("key DOWN");
+    EXPECT_TRUE(System::ShowsTab("memory 0")) << System::Tell("tabs");
+    EXPECT_TRUE(System::ShowsTab("memory level ")) << System::Tell("tabs");
+    System::Tell("key RED");
+    EXPECT_TRUE(System::ShowsTab("memory 1")) << System::Tell("tabs");
+    System::Tell("zap 1");
+    EXPECT_TRUE(System::ShowsTab("memory 0")) << System::Tell("tabs");
+}
+
 TEST(Tabs, ThatCannotBeLoadedReportTheCodeAndTheReason) {
     const System system("");
     ASSERT_TRUE(system.ready);
@@ -152,17 +152,43 @@ TEST(Tabs, ThatCannotBeLoadedReportTheCodeAndTheReason) {
     EXPECT_TRUE(System::ShowsTab("arte Start (14.1), failed (404 Not Found)")) << System::Tell("tabs");
 }
 
-TEST(Tabs, ReleaseWhatTheirDocumentsHaveCreated) {
-    const System system(std::string(kCall) +
-                        "<script>const [made] = call({method: 'IVideoBroadcast.Create', arguments: {context: 0}});\n"
-                        "document.title = 'vb ' + made.results.vb.toString(16);</script>");
+TEST(Tabs, SeeThatTheyAreHiddenAndShown) {
+    const System system(
+        "<script>const seen = [];\n"
+        "document.onvisibilitychange = ({isTrusted, bubbles}) => {\n"
+        "    seen.push(document.visibilityState, document.hidden, bubbles);\n"
+        "    document.title = seen;\n"
+        "};</script>");
     ASSERT_TRUE(system.ready);
     ChildProcess browser(system.Command());
     ASSERT_TRUE(System::OpenArte()) << browser.Output();
-    EXPECT_TRUE(System::ShowsTab("title \"vb "));
-    EXPECT_THAT(system.platform.Output(), Not(HasSubstr("> Destroy vb_handle")));
-    System::Tell("zap 1");
-    EXPECT_TRUE(system.platform.WaitForOutput("> Destroy vb_handle"));
+    EXPECT_EQ(Emit({"ShowHideTab", "tabid=1", "showHide=false", "isMulti=false"}), 0);
+    EXPECT_TRUE(System::ShowsTab("title \"hidden,true,true\"")) << System::Tell("tabs");
+    EXPECT_EQ(Emit({"ShowHideTab", "tabid=1", "showHide=true", "isMulti=false"}), 0);
+    EXPECT_TRUE(System::ShowsTab("title \"hidden,true,true,visible,false,true\"")) << System::Tell("tabs");
+}
+
+TEST(Tabs, GetKeysThatArePressedHeldAndReleased) {
+    const System system(
+        "<script>const seen = [];\n"
+        "for (const type of ['keydown', 'keyup']) addEventListener(type, ({keyCode, repeat, isTrusted}) => {\n"
+        "    seen.push(type.slice(3) + keyCode + (repeat ? ' again' : '') + (isTrusted ? '' : ' not trusted'));\n"
+        "    document.title = seen;\n"
+        "});</script>");
+    ASSERT_TRUE(system.ready);
+    ChildProcess browser(system.Command());
+    ASSERT_TRUE(System::OpenArte()) << browser.Output();
+    std::string seen;
+    const std::vector<std::pair<std::string, std::string>> keys{{"keyType=0", "down40,up40"},
+                                                                {"keyType=1", ",down40"},
+                                                                {"keyType=1", ",down40 again"},
+                                                                {"keyType=2", ",up40"},
+                                                                {"keyType=1", ",down40"}};
+    for (const auto& [type, events] : keys) {
+        EXPECT_EQ(Emit({"SendKey", "key=40", type, "keyeventId=1"}), 0);
+        seen += events;
+        ASSERT_TRUE(System::ShowsTab("title \"" + seen + "\"")) << System::Tell("tabs");
+    }
 }
 
 TEST(Tabs, AreClosedByThePlatformWhenTheirPageAsksForThat) {

@@ -215,6 +215,10 @@ pid_t DevTools::Pid() const {
     return mProcess.Pid();
 }
 
+std::string DevTools::Messages(size_t begin) const {
+    return mProcess.Messages(begin);
+}
+
 std::string DevTools::LastMessage() const {
     return mProcess.LastMessage();
 }

@@ -65,6 +65,9 @@ class DevTools {
     // Of Chromium's first process.
     pid_t Pid() const;
 
+    // Returns its standard error, and that of its processes, after this many bytes.
+    std::string Messages(size_t begin) const;
+
     // Returns the last line of its standard error.
     std::string LastMessage() const;
 

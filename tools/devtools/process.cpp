@@ -206,11 +206,17 @@ bool ChromiumProcess::WaitForEnd(Milliseconds limit) {
     return true;
 }
 
-std::string ChromiumProcess::LastMessage() const {
+std::string ChromiumProcess::Messages(size_t begin) const {
     std::string text;
     char bytes[4096];
-    for (ssize_t count; (count = pread(mMessages.Get(), bytes, sizeof(bytes), static_cast<off_t>(text.size()))) > 0;)
+    for (ssize_t count;
+         (count = pread(mMessages.Get(), bytes, sizeof(bytes), static_cast<off_t>(begin + text.size()))) > 0;)
         text.append(bytes, static_cast<size_t>(count));
+    return text;
+}
+
+std::string ChromiumProcess::LastMessage() const {
+    std::string text = Messages(0);
     while (!text.empty() && text.back() == '\n') text.pop_back();
     return text.substr(text.rfind('\n') + 1);
 }

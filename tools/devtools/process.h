@@ -41,6 +41,9 @@ class ChromiumProcess {
     // Waits until it has ended and its files are removed. Returns false at the limit.
     bool WaitForEnd(Milliseconds limit);
 
+    // Returns what it has written to its standard error after this many bytes.
+    std::string Messages(size_t begin) const;
+
     // Returns the last line that it has written to its standard error.
     std::string LastMessage() const;
 

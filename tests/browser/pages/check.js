@@ -1,6 +1,7 @@
 // What the test pages share. A page registers its checks with check(); they run in order when it has loaded.
 //
-// The page reports through its console: "@tell COMMAND" asks for a command to the simulated platform. At its end
+// The page reports through its console: "@tell COMMAND" asks for a command to the simulated platform, "@emit WORDS" for
+// an event of a platform by `hbbtvctl emit`. At its end
 // window.__result has the result: {"passed": [names], "failed": [{"check", "reason"}]}.
 'use strict';
 
@@ -38,6 +39,11 @@ async function until(condition, what) {
 // Sends a command to the platform, such as "zap next".
 function tell(command) {
     console.info(`@tell ${command}`);
+}
+
+// Sends an event to the library as a platform does: family, event and NAME=VALUE.
+function emit(words) {
+    console.info(`@emit ${words}`);
 }
 
 // Returns an array that collects the DOM events of these types as [type, property, ...].

@@ -2,25 +2,19 @@
 
 #include <csignal>
 #include <cstdio>
-#include <filesystem>
-#include <thread>
 
 #include "chromium/keys.h"
 #include "common/failure.h"
 #include "common/text/printable.h"
-#include "common/text/quote.h"
 #include "files.h"
 #include "host_programs.h"
 #include "page_script.h"
 
 namespace hbbtv::browser {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 constexpr Milliseconds kTimeToRelease{1000};
-constexpr Milliseconds kTimeToCommandATab{3000};
 
 }  // namespace
 
@@ -32,31 +26,20 @@ Browser::Browser(const Options& options, devtools::Loop& loop, Platform& platfor
       mConsole(options.console),
       mCarousel(loop, platform),
       mTabs(loop, platform, [this](const std::string& url, const Platform::Reply& reply) { GetXmlFile(url, reply); },
-            {[this](int id, const Tab& tab) { TabCreated(id, tab); },
-             [this](int id, const Tab&) { return BecomesRelated(id); }, [this](int id, const Tab&) { TabGone(id); },
-             [this](const std::string& url) { return mCarousel.PageUrl(url); }}) {
+            {[this](int id, const Tab& tab) { mOpened.TabCreated(id, tab); },
+             [this](int id, const Tab&) { return mOpened.BecomesRelated(id); },
+             [this](int id, const Tab&) { mOpened.TabGone(id); },
+             [this](const std::string& url) { return mCarousel.PageUrl(url); }}),
+      mOpened(options, loop, platform, mCarousel, mFiles) {
     mFiles.Serve(kTelevisionUrl, "");
     mFiles.Serve(kPictureUrl, "");
     for (const auto& [url, directory] : options.serve) mFiles.Serve(url, directory);
-    const std::string& page = options.page;
-    const bool served = !options.serve.empty() && options.serve[0].first == kFilesOrigin;
-    if (page.empty() || page.find("://") != std::string::npos || page.rfind("data:", 0) == 0) {
-        mUrl = page;
-    } else if (served) {
-        mUrl = kFilesOrigin + page.substr(page[0] == '/' ? 1 : 0);
-    } else if (fs::is_regular_file(page)) {
-        const fs::path file = fs::absolute(page);
-        mFiles.Serve(kFilesOrigin, file.parent_path().string());
-        mUrl = kFilesOrigin + Escaped(file.filename().string());
-    } else {
-        throw Failure(kUsage, Quoted(page) + " is neither a URL nor a file");
-    }
 }
 
 int Browser::Run() {
     mPlatform.Start({[this](const Json::Value& event) { TakeEvent(event); },
                      [this](const std::string& command, const Json::Value& arguments, const Platform::Reply& reply) {
-                         if (command == "CreateApp" && IsOpened(arguments["url"].asString())) mCommanded = true;
+                         mOpened.Commanded(command, arguments);
                          mTabs.Take(command, arguments, reply);
                          Painted();
                      },
@@ -73,7 +56,9 @@ int Browser::Run() {
     } else if (!mOptions.headless && !mOptions.EndsByItself()) {
         std::fprintf(stderr, "hbbtv-browser: there is no display, so nothing is shown; see --screenshot\n");
     }
-    if (!mUrl.empty()) OpenPage();
+    mOpened.Open(
+        mTabs, *mApplications.pages, [this](const auto& onTaken) { WritePicture(onTaken); },
+        [this](int code, const std::string& text) { End(code, text); });
     mLoop.RunUntil([this] { return mExit.has_value(); });
     Stop();
     if (*mExit != kDone) throw Failure(static_cast<ExitCode>(*mExit), mMessage);
@@ -81,7 +66,7 @@ int Browser::Run() {
 }
 
 void Browser::Stop() {
-    if (mErrand) mErrand->Stop();
+    mOpened.Stop();
     ReleaseAll();
     mTabs.Use(nullptr);
     mPlatform.Flush(kTimeToRelease);
@@ -144,7 +129,7 @@ void Browser::ApplicationsEnded() {
     const std::string message = "Chromium has ended: " + mApplications.chromium->LastMessage();
     mTabs.Use(nullptr);
     ReleaseAll();
-    if (mErrand || !mApplications.pages->Started()) return End(kPeerLost, message);
+    if (mOpened.HasErrand() || !mApplications.pages->Started()) return End(kPeerLost, message);
     std::fprintf(stderr, "hbbtv-browser: %s; it is started again\n", Printable(message).c_str());
     mLoop.Post([this] {
         mApplications.pages.reset();
@@ -159,87 +144,10 @@ void Browser::End(int code, const std::string& message) {
     mMessage = message;
 }
 
-void Browser::OpenPage() {
-    if (mOptions.EndsByItself())
-        mErrand.emplace(
-            mOptions, mLoop, *mApplications.pages, [this](const auto& onTaken) { WritePicture(onTaken); },
-            [this](int code, const std::string& text) { End(code, text); });
-    if (mOptions.alone) return OpenAlone();
-    mPlatform.AfterRegistration([this] { StartPage(); });
-    mLoop.After(kTimeToCommandATab, [this] { OpenAlone(); });
-}
-
-// As an application of the platform.
-void Browser::StartPage() {
-    if (mCommanded) return;
-    Json::Value arguments;
-    arguments["appId"] = -1;
-    arguments["orgId"] = -1;
-    arguments["url"] = mUrl;
-    arguments["child"] = false;
-    arguments["opapp"] = false;
-    std::thread([this, arguments] {
-        const CallResult result = mPlatform.Call("IApplicationManager.CreateApplication", arguments);
-        mLoop.Post([this, result] { PageStarted(result); });
-    }).detach();
-}
-
-// As if the platform had commanded it.
-void Browser::OpenAlone() {
-    if (mCommanded || mExit) return;
-    mCommanded = true;
-    if (!mOptions.alone)
-        std::fprintf(stderr,
-                     "hbbtv-browser: the platform does not start the page; it is opened without an application\n");
-    Json::Value arguments;
-    arguments["url"] = mUrl;
-    arguments["autoShow"] = true;
-    arguments["isBroadcastRelated"] = true;
-    mTabs.Take("CreateApp", arguments, [this, arguments](const Json::Value& created) {
-        if (!created.isMember("tabId")) return End(kPeerLost, "Chromium does not create a page");
-        Json::Value load = arguments;
-        load["tabId"] = created["tabId"];
-        mTabs.Take("LoadURLInTab", load, [](const Json::Value&) {});
-    });
-}
-
-bool Browser::IsOpened(const std::string& url) const {
-    return !mUrl.empty() && mCarousel.PageUrl(url) == mCarousel.PageUrl(mUrl);
-}
-
-// The platform has started the page as an application, or not.
-void Browser::PageStarted(const CallResult& application) {
-    if (!application.Ok()) return OpenAlone();
-    mCarousel.StartApplication(mUrl);
-    Json::Value arguments;
-    arguments["appId"] = application.results["newAppId"];
-    arguments["orgId"] = application.results["newOrgId"];
-    mPlatform.CallLater("IApplicationManager.Show", arguments);
-}
-
-void Browser::TabCreated(int id, const Tab& tab) {
-    if (mTab != 0 || !IsOpened(tab.url)) return;
-    mTab = id;
-    if (mErrand) mErrand->Start(tab.page);
-}
-
-// The platform starts it as one that is not.
-bool Browser::BecomesRelated(int id) {
-    if (id != mTab || mOptions.alone) return false;
-    Json::Value arguments;
-    arguments["tabId"] = id;
-    mPlatform.CallLater("IApplicationManager.SetBIAppToBR", arguments);
-    return true;
-}
-
-void Browser::TabGone(int id) {
-    if (id == mTab && mErrand) End(kUnavailable, "the platform has ended the application");
-}
-
 void Browser::Changed(const Side& side, const std::string& page, const PageChange& change) {
     if (mScreen) mScreen->Changed(page, change);
     if (&side != &mApplications) return;
-    if (mErrand) mErrand->Changed(page, change);
+    mOpened.Changed(page, change);
     mTabs.Changed(page, change);
     if (change.kind == PageChange::Kind::Gone) Painted();
 }
@@ -310,13 +218,19 @@ void Browser::TakeEvent(const Json::Value& event) {
     if (event["interface"] == "IDsmcc") return mCarousel.Take(event["arguments"]);
     if (event["event"] == "onRequestDsmccFile") mCarousel.StartApplication(event["arguments"]["fileName"].asString());
     if (mScreen) mScreen->Take(event);
+    if (event["interface"] == "IVideoBroadcast")
+        MakeReleases(mHoldings.Received("IVideoBroadcast." + event["event"].asString(), event["arguments"]));
     for (const Side* side : {&mApplications, &mWindow}) {
         if (side->pages) side->pages->Deliver(event);
     }
 }
 
 void Browser::DocumentGone(const std::string& document) {
-    for (const Release& release : mHoldings.Gone(document)) {
+    MakeReleases(mHoldings.Gone(document));
+}
+
+void Browser::MakeReleases(const std::vector<Release>& releases) {
+    for (const Release& release : releases) {
         if (mScreen && release.second.isMember("vb")) mScreen->Released(release.second["vb"].asInt64());
         mPlatform.CallLater(release.first, release.second);
     }

@@ -9,15 +9,15 @@
 #include "chromium/pages.h"
 #include "devtools/devtools.h"
 #include "devtools/loop.h"
-#include "errand.h"
 #include "files.h"
+#include "opened_page.h"
 #include "options.h"
 #include "platform/carousel.h"
 #include "platform/holdings.h"
 #include "platform/page_calls.h"
 #include "platform/platform.h"
 #include "screen.h"
-#include "tabs.h"
+#include "tabs/tabs.h"
 
 namespace hbbtv::browser {
 
@@ -43,16 +43,6 @@ class Browser {
     void End(int code, const std::string& message);
     void Stop();
 
-    // The page of the command line.
-    void OpenPage();
-    void StartPage();
-    void OpenAlone();
-    bool IsOpened(const std::string& url) const;  // by the command line
-    void PageStarted(const CallResult& application);
-    void TabCreated(int id, const Tab& tab);
-    void TabGone(int id);
-    bool BecomesRelated(int id);
-
     // What pages and the platform want.
     void Changed(const Side& side, const std::string& page, const PageChange& change);
     void Called(Side& side, const Document& document, const Request& request);
@@ -62,6 +52,7 @@ class Browser {
     void GetXmlFile(const std::string& url, const Platform::Reply& reply);
     void TakeEvent(const Json::Value& event);
     void DocumentGone(const std::string& document);
+    void MakeReleases(const std::vector<Release>& releases);
     void ObjectsLost(const char* ended);
     void ReleaseAll();
 
@@ -78,14 +69,11 @@ class Browser {
     Console mConsole;
     Carousel mCarousel;
     Files mFiles;
-    std::string mUrl;         // page of the command line
-    bool mCommanded = false;  // to create a tab for this page
-    int mTab = 0;             // of this page
     Side mApplications;
     Side mWindow;
     std::unique_ptr<Screen> mScreen;
     Tabs mTabs;
-    std::optional<Errand> mErrand;
+    OpenedPage mOpened;
     std::optional<int> mExit;
     std::string mMessage;  // if mExit is not 0
 };

@@ -139,6 +139,16 @@ void Pages::PressKey(const std::string& page, int code, const std::function<void
     });
 }
 
+void Pages::HoldKey(const std::string& page, int code, bool repeated) {
+    Json::Value params = KeyDown(code);
+    params["autoRepeat"] = repeated;
+    Send(page, "Input.dispatchKeyEvent", params);
+}
+
+void Pages::ReleaseKey(const std::string& page, int code) {
+    Send(page, "Input.dispatchKeyEvent", KeyUp(code));
+}
+
 void Pages::GetHistory(const std::string& page, const std::function<void(bool, bool)>& onHistory) {
     Send(page, "Page.getNavigationHistory", Json::Value(Json::objectValue), [onHistory](const Answer& answer) {
         const int current = answer.result["currentIndex"].asInt();
@@ -146,6 +156,15 @@ void Pages::GetHistory(const std::string& page, const std::function<void(bool, b
         const int start = first.isObject() && first["url"] == kBlank ? 1 : 0;  // where each page begins
         onHistory(current > start, current + 1 < static_cast<int>(answer.result["entries"].size()));
     });
+}
+
+void Pages::GetHeap(const std::string& page, const std::function<void(double)>& onHeap) {
+    mChromium.Send(
+        SessionOf(page), "Runtime.getHeapUsage", Json::Value(Json::objectValue),
+        [onHeap](const Answer& answer) {
+            onHeap(answer.result["usedSize"].asDouble() + answer.result["backingStorageSize"].asDouble());
+        },
+        kTimeToAnswer);
 }
 
 void Pages::CheckChromium(const std::function<void(bool)>& onChecked) {
@@ -369,8 +388,15 @@ void Pages::Crashed(const Json::Value& params) {
     const auto found = mSessions.find(SessionOf(params["targetId"].asString()));
     if (found == mSessions.end()) return;
     ContextsGone(found->second, 0);
-    Report(found->second,
-           {Kind::Crashed, params["status"].asString(), 0, params["errorCode"].asInt(), found->second.url});
+    const std::string status = ReportedNoMemory() ? kOutOfMemory : params["status"].asString();
+    Report(found->second, {Kind::Crashed, status, 0, params["errorCode"].asInt(), found->second.url});
+}
+
+// A process whose memory has run out says so before it ends as one that crashes.
+bool Pages::ReportedNoMemory() {
+    const std::string messages = mChromium.Messages(mReadMessages);
+    mReadMessages += messages.size();
+    return messages.find(" OOM ") != std::string::npos || messages.find("Out of memory") != std::string::npos;
 }
 
 void Pages::Called(const Request& request) {

@@ -26,11 +26,14 @@ struct PageChange {
     enum class Kind { Loading, Stopped, Progress, Url, Title, DocumentLoaded, Finished, Failed, Crashed, Gone };
 
     Kind kind;
-    std::string text;     // URL, title, or why it failed or crashed
+    std::string text;     // URL, title, or why it failed or crashed; kOutOfMemory
     double progress = 0;  // 0 to 1
     int code = 0;         // of a failure
     std::string url;      // of a failure
 };
+
+// Why a page has crashed whose memory has run out.
+inline constexpr const char* kOutOfMemory = "oom";
 
 // A document that can make calls.
 struct Document {
@@ -87,11 +90,18 @@ class Pages {
     // Presses and releases a key. `onTaken` is called when the page has handled it.
     void PressKey(const std::string& page, int code, const std::function<void()>& onTaken = nullptr);
 
+    // Press a key, again if `repeated`; release it.
+    void HoldKey(const std::string& page, int code, bool repeated);
+    void ReleaseKey(const std::string& page, int code);
+
     // Return what the name says, or zeros if Chromium does not answer.
     void GetRenderProcess(const std::string& page, const RenderProcesses::OnProcess& onProcess) {
         mProcesses.Get(page, onProcess);
     }
     void GetHistory(const std::string& page, const std::function<void(bool canBack, bool canForward)>& onHistory);
+    // Gets the bytes that objects of the page's scripts use, with those of pages of the same process; 0 if the page
+    // does not answer.
+    void GetHeap(const std::string& page, const std::function<void(double bytes)>& onHeap);
     void CheckChromium(const std::function<void(bool answers)>& onChecked);
 
     // Gets a file from a server, with the cookies of the pages. `onText` gets an empty string if that fails.
@@ -136,6 +146,7 @@ class Pages {
     void ContextCreated(Session& session, const Json::Value& context);
     void ContextsGone(Session& session, int id);
     void Crashed(const Json::Value& params);
+    bool ReportedNoMemory();
     void Called(const Request& request);
     void ReadStream(const std::string& page, const std::string& stream, const std::string& begin,
                     const std::function<void(const std::string&)>& onText);
@@ -152,6 +163,7 @@ class Pages {
     std::string mHelper;                       // a page that no tab shows
     RenderProcesses mProcesses;
     bool mStarted = false;
+    size_t mReadMessages = 0;                                                 // bytes of those of Chromium
     std::map<std::string, std::function<void(const std::string&)>> mAwaited;  // by the target that is not prepared yet
 };
 

@@ -50,6 +50,11 @@ function childrenOf(application) {
     return results === null ? [] : results.appIds.map((appId, index) => applicationOf(appId, results.orgIds[index]));
 }
 
+// The program sends this to a page that uses more memory than a tab should.
+onPlatform('lowMemory', () => {
+    for (const manager of managers) fire(manager, 'LowMemory');
+});
+
 // Event 1 reports an application whose page has been loaded.
 const kApplicationLoaded = 1;
 

@@ -13,11 +13,23 @@ function tabOfDocument() {
 }
 
 onPlatform('tab', (state) => {
-    const {tab, shown: wasShown} = tabOfDocument();
-    if (state.tab !== tab) return;
+    const changed = tabState === null ? state.shownChanged : state.shown !== tabState.shown;
     tabState = state;
-    if (state.shown !== wasShown) Application.reportShown(ownApplication(), state.shown);
+    if (!changed) return;
+    document.dispatchEvent(new Event('visibilitychange', {bubbles: true}));
+    Application.reportShown(ownApplication(), state.shown);
 });
+
+// Chromium takes every page for a visible one.
+const visibility = {
+    hidden: () => !tabOfDocument().shown,
+    visibilityState: () => tabOfDocument().shown ? 'visible' : 'hidden',
+};
+for (const [name, ownValueOf] of Object.entries(visibility)) {
+    const native = Object.getOwnPropertyDescriptor(Document.prototype, name);
+    Object.defineProperty(Document.prototype, name,
+        {...native, get() { return this === document ? ownValueOf() : native.get.call(this); }});
+}
 
 // A page that closes its window ends its application.
 window.close = () => { askHost('close'); };

@@ -1,4 +1,4 @@
-#include "tabs.h"
+#include "tabs/tabs.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,9 +13,10 @@ namespace {
 constexpr Milliseconds kTimeToLoad{200};
 constexpr Milliseconds kTimeToBecomeRelated{1000};
 
-constexpr int kPressed = 0;  // type of a key that is pressed and released
-
-const char* const kOutOfMemory = "oom";
+// Types of keys.
+constexpr int kPressed = 0;  // and released
+constexpr int kDown = 1;
+constexpr int kUp = 2;
 
 void Done(const Platform::Reply& reply) {
     Json::Value results;
@@ -38,7 +39,11 @@ void Fill(Tab& tab, const Json::Value& arguments) {
 }  // namespace
 
 Tabs::Tabs(devtools::Loop& loop, Platform& platform, GetXml getXml, Handlers handlers)
-    : mLoop(loop), mPlatform(platform), mGetXml(std::move(getXml)), mHandlers(std::move(handlers)) {}
+    : mLoop(loop),
+      mPlatform(platform),
+      mGetXml(std::move(getXml)),
+      mHandlers(std::move(handlers)),
+      mMemory(loop, platform, [this](int id) { TellLowMemory(id); }) {}
 
 const std::map<std::string, Tabs::Row>& Tabs::Rows() {
     static const std::map<std::string, Row> rows{
@@ -59,6 +64,7 @@ const std::map<std::string, Tabs::Row>& Tabs::Rows() {
 
 void Tabs::Use(Pages* pages) {
     mPages = pages;
+    mMemory.Use(pages);
     if (pages != nullptr) return;
     while (!mTabs.empty()) Gone(mTabs.begin()->first);
 }
@@ -111,6 +117,7 @@ void Tabs::Create(const Json::Value& arguments, const Platform::Reply& reply) {
 
 void Tabs::Created(int id, const std::string& page) {
     mTabs[id].page = page;
+    mMemory.Add(id, page);
     Report("OnTabCreated", id);
     mHandlers.onCreated(id, mTabs[id]);
 }
@@ -168,11 +175,19 @@ Json::Value Tabs::Described(int id) const {
     return values;
 }
 
-void Tabs::TellPage(const Tab& tab, int id) {
+void Tabs::TellLowMemory(int id) {
+    Json::Value event;
+    event["interface"] = "host";
+    event["event"] = "lowMemory";
+    mPages->Deliver(event, mTabs[id].page);
+}
+
+void Tabs::TellPage(const Tab& tab, int id, bool shownChanged) {
     Json::Value event;
     event["interface"] = "host";
     event["event"] = "tab";
     event["arguments"] = Described(id);
+    event["arguments"]["shownChanged"] = shownChanged;
     mPages->Deliver(event, tab.page);
 }
 
@@ -196,7 +211,7 @@ void Tabs::Show(int id, bool multi) {
     mOrder.erase(std::remove(mOrder.begin(), mOrder.end(), id), mOrder.end());
     mOrder.push_back(id);
     if (!wasShown) Report("OnTabShow", id);
-    if (!wasShown) TellPage(mTabs[id], id);
+    if (!wasShown) TellPage(mTabs[id], id, true);
     Focus();
 }
 
@@ -204,7 +219,7 @@ void Tabs::Hide(int id) {
     if (!std::exchange(mTabs[id].shown, false)) return;
     mOrder.erase(std::remove(mOrder.begin(), mOrder.end(), id), mOrder.end());
     Report("OnTabHide", id);
-    TellPage(mTabs[id], id);
+    TellPage(mTabs[id], id, true);
     Focus();
 }
 
@@ -232,6 +247,7 @@ void Tabs::Close(int id) {
 void Tabs::Gone(int id) {
     const Tab tab = mTabs[id];
     mTabs.erase(id);
+    mMemory.Remove(id);
     mOrder.erase(std::remove(mOrder.begin(), mOrder.end(), id), mOrder.end());
     Report("OnTabDestroyed", id);
     if (mTabs.empty()) mPlatform.CallLater("IMtm.OnAllTabsDestroyed", Json::Value(Json::objectValue));
@@ -242,9 +258,13 @@ void Tabs::Gone(int id) {
 // The platform does not name the tab: it is the one with the focus.
 void Tabs::SendKey(const Json::Value& arguments, const Platform::Reply& reply) {
     const Tab* tab = Find(mFocused);
-    if (tab == nullptr || arguments["keyType"].asInt() != kPressed) return Refuse(reply);
+    const int type = arguments["keyType"].asInt();
+    if (tab == nullptr || type < kPressed || type > kUp) return Refuse(reply);
     const int code = arguments["key"].asInt();
-    mPages->PressKey(tab->page, code);
+    if (type == kPressed) mPages->PressKey(tab->page, code);
+    if (type == kDown) mPages->HoldKey(tab->page, code, !mHeldKeys.insert(code).second);
+    if (type == kUp) mPages->ReleaseKey(tab->page, code);
+    if (type != kDown) mHeldKeys.erase(code);
     Done(reply);
 }
 

@@ -5,12 +5,14 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "chromium/pages.h"
 #include "devtools/loop.h"
 #include "platform/platform.h"
+#include "tabs/memory.h"
 
 namespace hbbtv::browser {
 
@@ -90,7 +92,8 @@ class Tabs {
     void Focus();
     void Close(int id);
     void Gone(int id);
-    void TellPage(const Tab& tab, int id);
+    void TellLowMemory(int id);
+    void TellPage(const Tab& tab, int id, bool shownChanged = false);
     void ReportFailure(int id, const PageChange& change, const std::string& description);
     void ReportLoading(int id, bool loading);
     void Report(const char* name, int id, const Json::Value& further = Json::Value(Json::objectValue));
@@ -100,10 +103,12 @@ class Tabs {
     const GetXml mGetXml;
     Pages* mPages = nullptr;
     const Handlers mHandlers;
+    Memory mMemory;
     std::map<int, Tab> mTabs;
     std::vector<int> mOrder;  // of the shown tabs, the topmost last
     int mLast = 0;            // number of the newest tab
     int mFocused = 0;
+    std::set<int> mHeldKeys;
 };
 
 }  // namespace hbbtv::browser
