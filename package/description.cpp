@@ -31,7 +31,8 @@ Package::Package(const Json::Value& description) : name(description["package"].a
     const auto parametersOf = [this](const Json::Value& list) {
         std::vector<Parameter> parameters;
         for (const Json::Value& entry : list) {
-            parameters.push_back({entry["name"].asString(), MakeType(entry["type"].asString(), types)});
+            const auto type = entry["bytes"].asBool() ? MakeBytes() : MakeType(entry["type"].asString(), types);
+            parameters.push_back({entry["name"].asString(), type});
         }
         return parameters;
     };

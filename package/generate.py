@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Generates the description of the HIDL package as data, and the C++ bindings that call it.
 
-    generate.py --vts DIR --headers DIR --out DIR
+    generate.py --vts DIR --headers DIR --protocol DIR --out DIR
 
-Names and types come from the .vts files of hidl-gen, documentation and exact signatures from its headers. The output
+Names and types come from the .vts files of hidl-gen, documentation and exact signatures from its headers, and which
+strings are bytes from the wire protocol. The output
 is description.cpp (one JSON string), struct_conversions.{h,cpp}, a bindings_<Interface>.cpp per interface, and an
 <Interface>Listener.h for each interface that clients implement.
 """
@@ -88,6 +89,25 @@ def describe_types(vts, header):
                                 "doc": doc_before(body, enumerator + r" = ")})
         types[name] = {"kind": "enum", "doc": doc, "of": values["scalar_type"][0], "enumerators": enumerators}
     return types
+
+
+def strings_of_bytes(protocol):
+    """Returns interface, method and result of what a .hal file calls a string, but is a list of numbers on the wire."""
+    strings = set()
+    for path in protocol.glob("*.json"):
+        interface = "i" + path.stem.replace("_", "")
+        for operation in json.loads(path.read_text())["operations"]:
+            method = operation.get("method", operation["name"])
+            strings |= {(interface, method, member.get("out")) for member in operation["reply"] if "repeat" in member}
+    return strings
+
+
+def mark_bytes(interface, strings):
+    for method in interface["methods"]:
+        for result in method["results"]:
+            is_string = result["type"] == "string"
+            if is_string and (interface["name"].lower(), method["name"], result["name"]) in strings:
+                result["bytes"] = True
 
 
 def describe_interface(vts, header):
@@ -183,7 +203,7 @@ def write_bindings(out, includes, interface, header, is_callback):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n", maxsplit=1)[0])
-    for name in ("vts", "headers", "out"):
+    for name in ("vts", "headers", "protocol", "out"):
         parser.add_argument("--" + name, type=pathlib.Path, required=True)
     options = parser.parse_args()
     options.out.mkdir(parents=True, exist_ok=True)
@@ -198,11 +218,13 @@ def main():
 
     interfaces = []
     headers = {}
+    strings = strings_of_bytes(options.protocol)
     for path in sorted(options.vts.glob("*.vts")):
         if path.name == "types.vts":
             continue
         header = (options.headers / f"I{path.stem}.h").read_text()
         interface = describe_interface(parse_vts(path.read_text()), header)
+        mark_bytes(interface, strings)
         interfaces.append(interface)
         headers[interface["name"]] = header
     callbacks = {argument["type"] for interface in interfaces for method in interface["methods"]

@@ -52,4 +52,10 @@ std::shared_ptr<const Type> MakeType(const std::string& name, const std::vector<
     return type;
 }
 
+std::shared_ptr<const Type> MakeBytes() {
+    auto type = std::make_shared<Type>(*MakeType("string"));
+    type->bytes = true;
+    return type;
+}
+
 }  // namespace hbbtv

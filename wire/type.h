@@ -27,6 +27,7 @@ struct Type {
     std::string name;  // as in the .hal file
     Kind kind = Kind::Text;
     std::string doc;                      // of a struct or an enumeration
+    bool bytes = false;                   // Text: any bytes, not UTF-8
     int bits = 0;                         // Integer and Enum
     bool isSigned = true;                 // Integer and Enum
     std::shared_ptr<const Type> element;  // Vector
@@ -37,6 +38,9 @@ struct Type {
 // Returns the type of this name: one of `known`, a built-in one, a vector of such types, or, for "IName", a callback.
 std::shared_ptr<const Type> MakeType(const std::string& name,
                                      const std::vector<std::shared_ptr<const Type>>& known = {});
+
+// Returns the type of a string that is not text.
+std::shared_ptr<const Type> MakeBytes();
 
 // Sets size and sign from the name of an integer type.
 void MakeInteger(Type& type, const std::string& name);

@@ -3,13 +3,16 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <sstream>
+#include <string_view>
 
 #include "common/nearest_name.h"
 #include "common/text/json.h"
 #include "common/text/pointer_text.h"
 #include "common/text/quote.h"
+#include "common/text/utf8.h"
 
 namespace hbbtv {
 
@@ -127,6 +130,44 @@ Json::Value StructFromJson(const Type& type, const Json::Value& value) {
     throw BadValue(WriteJson(value) + " is not a valid " + type.name);
 }
 
+std::string CharactersOf(const std::string& bytes) {
+    std::string text;
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80) {
+            text += c;
+        } else {
+            text += static_cast<char>(0xC0 | byte >> 6);
+            text += static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    return text;
+}
+
+// As in a play.
+std::string QuotedBytes(const std::string& bytes) {
+    std::string text = "\"";
+    for (const char c : bytes) {
+        char escaped[8];
+        std::snprintf(escaped, sizeof(escaped), "\\x%02x", static_cast<unsigned char>(c));
+        const bool plain = c >= ' ' && c <= '~' && c != '"' && c != '\\';
+        text += plain ? std::string(1, c) : escaped;
+    }
+    return text + "\"";
+}
+
+std::string BytesOf(const Type& type, const Json::Value& value) {
+    const std::string text = value.asString();
+    std::string bytes;
+    for (size_t i = 0, length = 0; i < text.size(); i += length) {
+        uint32_t code = 0;
+        length = Utf8Length(std::string_view(text).substr(i), code);
+        if (length == 0 || code > 0xFF) WrongJson(type, value);
+        bytes += static_cast<char>(code);
+    }
+    return bytes;
+}
+
 Json::Value IntegerFromJson(const Type& type, const Json::Value& value) {
     if (value.isString()) {
         return type.kind == Type::Kind::Enum ? EnumeratorOf(type, value.asString()) : Integer(type, value.asString());
@@ -211,7 +252,7 @@ Json::Value FromJsonValue(const Type& type, const Json::Value& value) {
             return value.asDouble();
         case Type::Kind::Text:
             if (!value.isString()) WrongJson(type, value);
-            return value;
+            return type.bytes ? BytesOf(type, value) : value;
         case Type::Kind::Vector: {
             if (!value.isArray()) WrongJson(type, value);
             Json::Value values(Json::arrayValue);
@@ -230,7 +271,7 @@ Json::Value FromJsonValue(const Type& type, const Json::Value& value) {
 std::string ForPeople(const Type& type, const Json::Value& value, bool handle) {
     switch (type.kind) {
         case Type::Kind::Text:
-            return Quoted(value.asString());
+            return type.bytes ? QuotedBytes(value.asString()) : Quoted(value.asString());
         case Type::Kind::Enum: {
             const Enumerator* enumerator = Named(type, value);
             const std::string number = value.asString();
@@ -248,6 +289,7 @@ std::string ForPeople(const Type& type, const Json::Value& value, bool handle) {
 }
 
 Json::Value ForPrograms(const Type& type, const Json::Value& value, bool numbers) {
+    if (type.bytes) return CharactersOf(value.asString());
     if (type.kind == Type::Kind::Enum && !numbers) {
         const Enumerator* enumerator = Named(type, value);
         return enumerator == nullptr ? value : Json::Value(enumerator->name);

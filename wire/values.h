@@ -25,10 +25,11 @@ Json::Value FromWord(const Type& type, const std::string& word);
 // for both, checked to be in range. Throws BadValue.
 Json::Value FromJsonValue(const Type& type, const Json::Value& value);
 
-// Formats a value for people; an integer that is a `handle` is 0x and eight digits.
+// Formats a value for people; an integer that is a `handle` is 0x and eight digits, a string of bytes as in a play.
 std::string ForPeople(const Type& type, const Json::Value& value, bool handle);
 
-// Returns a value as FromJsonValue() takes it. Enumerators are names if they have one, unless `numbers` is set.
+// Returns a value as FromJsonValue() takes it. Enumerators are names if they have one, unless `numbers` is set. Since
+// JSON has no bytes, those of a string of bytes are the characters 0 to 255.
 Json::Value ForPrograms(const Type& type, const Json::Value& value, bool numbers);
 
 }  // namespace hbbtv

@@ -11,6 +11,7 @@ namespace {
 
 using testing::HasSubstr;
 using testing::MatchesRegex;
+using testing::StartsWith;
 
 class Call : public InFrontOfTheSystem {};
 
@@ -171,6 +172,35 @@ TEST_F(Call, ShowsHowLongItTook) {
     const Json::Value document = Document(Ctl({"call", "IChannelConfig.GetCurrentChannel", "--time", "--json"}));
     EXPECT_LT(0, document["took_us"].asInt64());
     EXPECT_FALSE(Document(Ctl({"call", "IChannelConfig.GetCurrentChannel", "--json"})).isMember("took_us"));
+}
+
+TEST_F(Call, ShowsBytesThatAreNotTextAsCharactersInJson) {
+    const std::string vb = NewVideoBroadcast();
+    ASSERT_EQ(Ctl({"call", "IVideoBroadcast.BindToCurrentChannel", vb}).exit, 0);
+    const auto handle = [](const FinishedRun& run) { return run.output.substr(0, run.output.find('\n')); };
+    const std::string programme =
+        handle(Ctl({"call", "IVideoBroadcast.GetProgrammeByIndex", vb, "0", "--get", "programme"}));
+    // A descriptor with the length 0xfe, which begins no character, and one with the two bytes of an umlaut.
+    ASSERT_EQ(Ctl({"call", "IProgramme.SetLongDescription", programme, std::string(258, 'x')}).exit, 0);
+    ASSERT_EQ(Ctl({"call", "IProgramme.GetSIDescriptorByEventId", programme, "0x4e", "0", "0"}).exit, 0);
+    const std::vector<std::string> call{"call", "IProgramme.GetSIDescriptorByIndex", programme, "0"};
+    const auto with = [&call](std::vector<std::string> options) {
+        options.insert(options.begin(), call.begin(), call.end());
+        return Ctl(options);
+    };
+    EXPECT_THAT(with({"--json"}).output, HasSubstr(R"("descriptor":"N\u00fe\u0001)"));
+    EXPECT_THAT(with({"--get", "descriptor", "--json"}).output, StartsWith(R"("N\u00fe\u0001)"));
+    EXPECT_THAT(with({"--get", "descriptor"}).output, StartsWith(R"(N\xfe\x01)"));
+    EXPECT_THAT(with({}).output, HasSubstr(R"("N\xfe\x01)"));
+
+    ASSERT_EQ(Ctl({"call", "IProgramme.SetName", programme, "K\xc3\xb6ln"}).exit, 0);
+    ASSERT_EQ(Ctl({"call", "IProgramme.GetSIDescriptorByEventId", programme, "0x4d", "0", "0"}).exit, 0);
+    EXPECT_THAT(with({"--json"}).output, HasSubstr(R"(\u0015K\u00c3\u00b6ln)"));
+    EXPECT_THAT(with({}).output, HasSubstr(R"(\x15K\xc3\xb6ln)"));
+    EXPECT_THAT(Ctl({"call", "IProgramme.GetName", programme, "--json"}).output, HasSubstr(R"("name":"K\u00f6ln")"));
+    const Json::Value results =
+        Document(Ctl({"describe", "IProgramme.GetSIDescriptorByIndex", "--json"}))["method"]["results"];
+    EXPECT_TRUE(results[1]["bytes"].asBool());
 }
 
 TEST_F(Call, ListensWithACallbackObjectOfItsOwn) {

@@ -78,6 +78,7 @@ TEST_F(Schema, DescribesTheOutputOfEveryCommandWithJson) {
         {"describe", "IChannel"},
         {"describe", "IMtmCallback.CreateApp"},
         {"describe", "IChannel.GetOnid"},
+        {"describe", "IProgramme.GetSIDescriptorByIndex"},
         {"describe", "TolmRect"},
         {"describe", "TolmVBPlayState"},
         {"describe", "channel"},

@@ -49,12 +49,15 @@ void PrintOne(const Method& method, const Json::Value& results, const CallOption
     for (Json::ArrayIndex i = 0; i < method.results.size(); ++i) {
         const Parameter& result = method.results[i];
         if (result.name != options.get) continue;
-        const Json::Value value = ForPrograms(*result.type, results[i], options.numbers);
-        const bool plain = !options.arguments.json && value.isString();
-        const bool handle = !options.arguments.json && IsHandle(result);
-        std::printf("%s\n", plain    ? Printable(value.asString()).c_str()
-                            : handle ? ForPeople(*result.type, results[i], true).c_str()
-                                     : WriteJson(value).c_str());
+        const Type& type = *result.type;
+        const Json::Value value = ForPrograms(type, results[i], options.numbers);
+        std::string text = WriteJson(value);
+        if (!options.arguments.json) {
+            if (value.isString()) text = Printable(value.asString());
+            if (IsHandle(result) || type.bytes) text = ForPeople(type, results[i], true);
+            if (type.bytes) text = text.substr(1, text.size() - 2);
+        }
+        std::printf("%s\n", text.c_str());
     }
 }
 
@@ -149,6 +152,8 @@ void AddCall(CLI::App& app, Invocation& invocation) {
         ->check(WholeNumber(1));
     AddTakeOver(*command, options->takeOver);
     command->footer(
+        "In JSON, the bytes of a result that is not text (see IProgramme.GetSIDescriptorByIndex) are the characters 0\n"
+        "to 255.\n\n"
         "Examples:\n"
         "  hbbtvctl call IChannelConfig.GetCurrentChannel\n"
         "  hbbtvctl call IChannelConfig.GetCurrentChannel --get channel\n"

@@ -50,8 +50,10 @@ Json::Value ByName(const std::vector<Parameter>& parameters, const Json::Value& 
 std::string Listed(const std::vector<Parameter>& parameters, const Json::Value& values) {
     std::string text;
     for (Json::ArrayIndex i = 0; i < parameters.size(); ++i) {
-        const Json::Value value = ForPrograms(*parameters[i].type, values[i], true);
-        text += (i == 0 ? "" : ", ") + (value.isString() ? Quoted(value.asString()) : WriteJson(value));
+        const Type& type = *parameters[i].type;
+        const Json::Value value = ForPrograms(type, values[i], true);
+        const bool isText = type.kind == Type::Kind::Text;
+        text += (i == 0 ? "" : ", ") + (isText ? ForPeople(type, values[i], false) : WriteJson(value));
     }
     return text;
 }

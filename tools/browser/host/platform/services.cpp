@@ -32,26 +32,12 @@ Json::Value InOrder(const std::string& name, const Method& method, const Json::V
     return values;
 }
 
-// Returns the characters 0 to 255 in UTF-8, since JSON has no bytes.
-std::string AsCharacters(const std::string& bytes) {
-    std::string text;
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x80) {
-            text += c;
-        } else {
-            text += static_cast<char>(0xC0 | byte >> 6);
-            text += static_cast<char>(0x80 | (byte & 0x3F));
-        }
-    }
-    return text;
-}
-
 Json::Value ByName(const Method& method, const Json::Value& values) {
     Json::Value named(Json::objectValue);
-    for (Json::ArrayIndex i = 0; i < method.results.size(); ++i) named[method.results[i].name] = values[i];
-    // The only string of the interface that is not text.
-    if (method.name == "GetSIDescriptorByIndex") named["descriptor"] = AsCharacters(named["descriptor"].asString());
+    for (Json::ArrayIndex i = 0; i < method.results.size(); ++i) {
+        const Parameter& result = method.results[i];
+        named[result.name] = ForPrograms(*result.type, values[i], true);
+    }
     return named;
 }
 
