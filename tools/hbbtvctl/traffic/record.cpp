@@ -10,6 +10,7 @@
 #include "common/text/printable.h"
 #include "traffic/log/log_import.h"
 #include "traffic/record/recording.h"
+#include "traffic/select/redaction.h"
 
 namespace hbbtv::ctl {
 
@@ -25,6 +26,7 @@ struct RecordOptions {
     LogSettings log;
     std::string file{"-"};
     std::string year;
+    bool redacted = false;
 };
 
 std::string ZoneHere() {
@@ -87,7 +89,12 @@ int Run(RecordOptions options) {
     if (!options.year.empty()) options.log.year = std::stoi(options.year);
     Writer writer(options.file);
     LogImport* reader = nullptr;
-    LogImport import(options.log, [&](const Record& record) { writer.Write(record, reader->Zone()); });
+    traffic::Redaction redaction;
+    LogImport import(options.log, [&](const Record& record) {
+        Record written = record;
+        if (options.redacted) redaction.Apply(written);
+        writer.Write(written, reader->Zone());
+    });
     reader = &import;
     import.Run();
     Report(import);
@@ -118,6 +125,7 @@ void AddRecord(CLI::App& app, Invocation& invocation) {
     command->add_option("--year", options->year, "Year of the log's times (default: the latest that is possible)")
         ->type_name("YEAR")
         ->check(WholeNumber(1970, 2200));
+    AddRedact(*command, options->redacted);
     command->footer(
         "Reads the messages that the service writes at the level debug, from logcat in the formats brief, tag, "
         "process,\n"
@@ -127,6 +135,7 @@ void AddRecord(CLI::App& app, Invocation& invocation) {
         "the log also has the level verbose and the threads.\n\n"
         "Examples:\n"
         "  hbbtvctl record import log.txt --record imported.ndjson\n"
+        "  hbbtvctl record import log.txt --redact --record for-the-supplier.ndjson\n"
         "  hbbtvctl record import log.txt --zone +01:00 --year 2026 | hbbtvctl show -");
     command->callback([options, &invocation] { invocation.run = [options] { return Run(*options); }; });
 }
