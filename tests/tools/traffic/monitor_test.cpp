@@ -136,6 +136,33 @@ TEST_F(MonitorTest, ShowsHowLongAnExchangeIsOpen) {
     EXPECT_THAT(doctor.output, HasSubstr("does something to messages on purpose"));
 }
 
+// A child of the process that listened keeps the connections, which the kernel attributes to the one that listened.
+TEST_F(MonitorTest, DoctorNamesAPlatformThatHasEndedButWhoseConnectionsAreOpen) {
+    ChildProcess platform({"python3", "-c",
+                           "import os, signal, socket, sys\n"
+                           "listener = socket.socket(socket.AF_UNIX)\n"
+                           "listener.bind(sys.argv[1])\n"
+                           "listener.listen()\n"
+                           "if os.fork():\n"
+                           "    print('ready', flush=True)\n"
+                           "    signal.pause()\n"
+                           "os.close(1), os.close(2)\n"
+                           "sys.stdin.read()\n",
+                           mDirectory / kChannel});
+    ASSERT_TRUE(platform.WaitForOutput("ready\n"));
+    Monitor monitor;
+    CtlProcess asking({"send", "channel.GetName", "0x1", "--timeout", "20s"});
+    ASSERT_TRUE(monitor.WaitForOutput("  open for 1.")) << monitor.Output();
+    EXPECT_THAT(Ctl({"doctor"}).output, HasSubstr(" is alive but does not reply; "));
+    platform.Kill();
+    const FinishedRun doctor = Ctl({"doctor"});
+    EXPECT_EQ(doctor.exit, 3);
+    EXPECT_THAT(doctor.output,
+                MatchesRegex("[^$]*PROBLEM  requests +channel.GetName has been open for [0-9.]+ s; the platform, "
+                             "python3[0-9.]* \\(" +
+                             std::to_string(platform.Pid()) + "\\), has ended; another process keeps[^$]*"));
+}
+
 TEST_F(MonitorTest, TheSecondOneSaysWhoIsThere) {
     const FakePlatform platform(kChannel, "{}");
     Monitor first;

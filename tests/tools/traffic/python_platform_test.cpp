@@ -120,6 +120,26 @@ TEST_F(OnAnotherPlatform, AKilledMonitorIsRepaired) {
     Use();
 }
 
+TEST_F(OnAnotherPlatform, TheDoctorTellsWhetherItHangsOrIsDead) {
+    CtlProcess monitor({"monitor"});
+    ASSERT_TRUE(monitor.WaitForOutput("listening; ")) << monitor.Output();
+    EXPECT_EQ(Ctl({"send", "channel_config.GetCurrentChannel"}).exit, 0);
+    mPython->Signal(SIGSTOP);
+    CtlProcess asking({"send", "channel_config.GetCurrentChannel", "--timeout", "20s"});
+    ASSERT_TRUE(monitor.WaitForOutput("  open for 1.")) << monitor.Output();
+    const std::string process = " \\(" + std::to_string(mPython->Pid()) + "\\)";
+    EXPECT_THAT(Ctl({"doctor"}).output,
+                ContainsRegex("PROBLEM  requests +channel_config.GetCurrentChannel has been open for [0-9.]+ s; the "
+                              "platform, python3[0-9.]*" +
+                              process + ", is stopped; continue it"));
+    mPython->Kill();
+    EXPECT_EQ(asking.WaitForExit(), 6) << "the request ends with its platform";
+    ASSERT_TRUE(WaitFor([] {
+        return Ctl({"doctor"}).output.find("18 of 18 sockets are stale; its process has ended") != std::string::npos;
+    })) << Ctl({"doctor"}).output;
+    EXPECT_THAT(Ctl({"doctor"}).output, Not(HasSubstr("has been open")));
+}
+
 TEST_F(OnAnotherPlatform, TheLogOfTheServiceHasWhatTheMonitorHasSeen) {
     ASSERT_EQ(Ctl({"log", "debug"}).exit, 0);
     const std::string recorded = Recorded();
