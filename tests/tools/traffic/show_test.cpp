@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "build_kind.h"
@@ -167,6 +168,23 @@ TEST_F(Show, NeedsTheSameMemoryForALongRecording) {
         const long before = MemoryOf(words);
         words[1] = large;
         EXPECT_LT(MemoryOf(words), before + allowed) << (form.empty() ? "lines" : form[0]);
+    }
+}
+
+// They need all records in their order. As JSON values, these would take three times the size of the file.
+TEST_F(Show, KeepsRecordsAsTextWhereItNeedsAllOfThem) {
+    const size_t count = kSanitized ? 4000 : 60000;
+    const std::string small = Long(10);
+    const std::string large = Long(count);
+    const auto size = static_cast<long>(std::filesystem::file_size(large) >> 10);
+    const long allowed = size * 2 + (kSanitized ? 64 << 10 : 8 << 10);
+    for (const std::vector<std::string>& form : {std::vector<std::string>{"show", "", "--walk", "/dev/null"},
+                                                 {"replay", "", "--as", "platform", "--for", "1ms"}}) {
+        std::vector<std::string> words = form;
+        words[1] = small;
+        const long before = MemoryOf(words);
+        words[1] = large;
+        EXPECT_LT(MemoryOf(words), before + allowed) << form[0];
     }
 }
 
