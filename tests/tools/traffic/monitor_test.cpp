@@ -172,6 +172,20 @@ TEST_F(MonitorTest, TheSecondOneSaysWhoIsThere) {
                                  ") already passes on the sockets in " + mDirectory.Path() + ": only one can\n");
 }
 
+TEST_F(MonitorTest, RefusesDirectoriesThatAreMissingOrTheSame) {
+    const std::string missing = mDirectory / "missing";
+    for (const char* command : {"monitor", "web"}) {
+        const FinishedRun run = Ctl({"--directory", missing, command, "--for", "1ms"});
+        EXPECT_EQ(run.exit, 3);
+        EXPECT_EQ(run.errors,
+                  "hbbtvctl: " + missing + ": No such file or directory; create it, or use that of the sockets\n");
+    }
+    EXPECT_EQ(Ctl({"monitor", "--between", mDirectory.Path(), missing, "--for", "1ms"}).exit, 3);
+    const FinishedRun same = Ctl({"monitor", "--between", mDirectory.Path(), mDirectory / ".", "--for", "1ms"});
+    EXPECT_EQ(same.exit, 2);
+    EXPECT_EQ(same.errors, "hbbtvctl: --between needs two directories; leave it out if there is one\n");
+}
+
 TEST_F(MonitorTest, WhatAKilledOneHasLeftIsRestoredByTheNextOneAndByDoctor) {
     const FakePlatform platform(kChannel, R"({"ret":0})");
     const auto before = Sockets();
@@ -275,7 +289,7 @@ TEST_F(MonitorTest, ShowsStatisticsEverySecond) {
     const FakePlatform platform(kChannel, R"({"ret":0})");
     Monitor monitor({"--stats"});
     GetName();
-    EXPECT_TRUE(monitor.WaitForOutput("\n1 exchanges, 0 errors, ")) << monitor.Output();
+    EXPECT_TRUE(monitor.WaitForOutput("\n1 exchange, 0 errors, ")) << monitor.Output();
     EXPECT_THAT(monitor.Output(), Not(HasSubstr("c_handle")));
 }
 

@@ -133,6 +133,14 @@ TEST_F(Show, CountsTheLinesThatItDoesNotName) {
     EXPECT_THAT(run.errors, EndsWith("hbbtvctl: 290 further lines were skipped\n"));
 }
 
+TEST_F(Show, RefusesJsonOfAFormThatHasNone) {
+    for (const char* form : {"--slow", "--ladder", "--svg=x", "--record=x", "--pcapng=x", "--html=x"}) {
+        const FinishedRun run = Ctl({"show", kSample, "--json", form});
+        EXPECT_EQ(run.exit, 2) << form;
+        EXPECT_THAT(run.errors, HasSubstr(" excludes ")) << form;
+    }
+}
+
 TEST_F(Show, RefusesWhatIsNotARecording) {
     const auto problem = [this](const std::string& text) {
         const std::string path = mDirectory / "file";

@@ -7,6 +7,7 @@
 #include "cli/options.h"
 #include "commands/commands.h"
 #include "common/failure.h"
+#include "common/text/counted.h"
 #include "common/text/printable.h"
 #include "traffic/log/log_import.h"
 #include "traffic/record/recording.h"
@@ -76,12 +77,12 @@ void Report(const LogImport& import) {
     for (const std::string& problem : import.Problems()) {
         std::fprintf(stderr, "hbbtvctl: %s\n", Printable(problem).c_str());
     }
-    const auto number = [](uint64_t count) { return static_cast<unsigned long long>(count); };
-    std::fprintf(stderr,
-                 "%llu lines: %llu requests, %llu events, %llu warnings of the library; %llu messages cut, %llu mixed, "
-                 "%llu unknown; %llu lines lost\n",
-                 number(counts.lines), number(counts.exchanges), number(counts.events), number(counts.notes),
-                 number(counts.cut), number(counts.mixed), number(counts.unknown), number(counts.lost));
+    const std::string text = Counted(counts.lines, "line") + ": " + Counted(counts.exchanges, "request") + ", " +
+                             Counted(counts.events, "event") + ", " + Counted(counts.notes, "warning") +
+                             " of the library; " + Counted(counts.cut, "message") + " cut, " +
+                             std::to_string(counts.mixed) + " mixed, " + std::to_string(counts.unknown) + " unknown; " +
+                             Counted(counts.lost, "line") + " lost";
+    std::fprintf(stderr, "%s\n", text.c_str());
 }
 
 int Run(RecordOptions options) {

@@ -203,6 +203,10 @@ void AddForms(CLI::App& command, ShowOptions& options) {
         }
     }
     AddJson(command, options.json);
+    CLI::Option* const json = command.get_option("--json");
+    for (CLI::Option* form : forms) {
+        if (form->get_name() != "--stats" && form->get_name() != "--diff") form->excludes(json);
+    }
 }
 
 }  // namespace
