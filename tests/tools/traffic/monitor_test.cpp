@@ -206,6 +206,20 @@ TEST_F(MonitorTest, WhatAKilledOneHasLeftIsRestoredByTheNextOneAndByDoctor) {
     }
 }
 
+TEST_F(MonitorTest, AKilledOneLeavesARecordingWithAllThatItHasShown) {
+    const FakePlatform platform(kChannel, R"({"ret":0})");
+    const std::string file = mDirectory / "kept.ndjson";
+    Monitor killed({"--record", file});
+    for (int i = 1; i <= 3; ++i) EXPECT_EQ(GetName("0x100" + std::to_string(i)).exit, 0);
+    ASSERT_TRUE(killed.WaitForOutput("c_handle=0x00001003 -> 0")) << killed.Output();
+    killed.Kill();
+    const FinishedRun show = Ctl({"show", file});
+    EXPECT_EQ(show.exit, 0) << show.Text();
+    EXPECT_EQ(show.errors, "") << "no line is cut";
+    for (int i = 1; i <= 3; ++i) EXPECT_THAT(show.output, HasSubstr("c_handle=0x0000100" + std::to_string(i)));
+    Ctl({"doctor"});
+}
+
 TEST_F(MonitorTest, OneBetweenTwoDirectoriesLeavesNothingWhenItIsKilled) {
     const FakePlatform platform(kChannel, R"({"ret":0})");
     const std::string library = mDirectory / "library";
