@@ -8,6 +8,7 @@
 
 #include "console_blocks.h"
 #include "ctl.h"
+#include "traffic/select/private_members.h"
 
 namespace hbbtv::test {
 
@@ -134,6 +135,22 @@ TEST(DocumentsOfHbbtvctl, ExplainEveryCommandAndExitCode) {
     for (const int code : {0, 1, 2, 3, 4, 5, 6, 7, 130}) {
         EXPECT_THAT(document, testing::HasSubstr("\n| " + std::to_string(code) + " | "));
         EXPECT_THAT(help, testing::HasSubstr("\n  " + std::to_string(code) + "  "));
+    }
+}
+
+TEST(DocumentsOfHbbtvctl, ListEveryPrivateMember) {
+    const std::string document = ReadFile(std::string(HBBTV_SOURCE_DIR) + "/docs/hbbtvctl.md");
+    const size_t begin = document.find("\n### What is redacted\n");
+    ASSERT_NE(begin, std::string::npos);
+    const std::string section = document.substr(begin, document.find("\n##", begin + 5) - begin);
+    for (const traffic::PrivateMember& member : traffic::PrivateMembers()) {
+        const std::string operation = std::string("`") + member.family + "." + member.operation + "`";
+        const size_t row = section.find(operation);
+        ASSERT_NE(row, std::string::npos) << operation;
+        const size_t line = section.rfind('\n', row) + 1;
+        EXPECT_THAT(section.substr(line, section.find('\n', row) - line),
+                    testing::HasSubstr(std::string("`") + member.key + "`"))
+            << operation;
     }
 }
 

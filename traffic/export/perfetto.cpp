@@ -1,5 +1,7 @@
 #include "traffic/export/perfetto.h"
 
+#include <algorithm>
+
 #include "common/text/json.h"
 #include "traffic/view/line.h"
 #include "traffic/view/members.h"
@@ -13,8 +15,8 @@ namespace {
 constexpr int64_t kLibrary = 1;
 constexpr int64_t kPlatform = 2;
 
-// The first track for messages whose connection is unknown.
-constexpr int64_t kFirstSocketTrack = int64_t{1} << 40;
+// The first track that is not named by a connection. Perfetto takes 32 bits.
+constexpr int64_t kFirstOtherTrack = int64_t{1} << 31;
 
 int64_t ProcessOf(const Record& record, bool library) {
     const Peer& peer = library ? record.library : record.platform;
@@ -59,22 +61,36 @@ PerfettoWriter::PerfettoWriter(const RecordingHead& head, std::function<void(con
 }
 
 void PerfettoWriter::Add(const Record& record) {
+    if (record.kind == Record::Kind::Note) return AddNote(record);
     if (record.kind != Record::Kind::Exchange && record.kind != Record::Kind::Damaged) return;
-    AddSide(record, true);
-    AddSide(record, false);
+    const int64_t track = TrackOf(record);
+    AddSide(record, track, true);
+    AddSide(record, track, false);
 }
 
 void PerfettoWriter::Finish() {
     mWrite("\n]}\n");
 }
 
-void PerfettoWriter::AddSide(const Record& record, bool sender) {
+// The library's, such as a warning about a client.
+void PerfettoWriter::AddNote(const Record& record) {
+    const int64_t process = ProcessOf(record, true);
+    NameProcess(record, true, process);
+    if (mTracks.insert({process, 0}).second) Write(Metadata("thread_name", process, 0, "notes"));
+    Json::Value event = Event("i", process, 0, record.time.Wall());
+    event["s"] = "p";
+    event["name"] = record.note;
+    event["cat"] = "note";
+    event["args"]["record"] = static_cast<Json::UInt64>(record.number);
+    Write(event);
+}
+
+void PerfettoWriter::AddSide(const Record& record, int64_t track, bool sender) {
     const bool library = record.event != sender;
     const int64_t process = ProcessOf(record, library);
-    const int64_t track = TrackOf(record);
     const uint64_t time = record.time.Wall();
     NameTrack(record, library, process, track);
-    Json::Value event = Event(record.duration ? "X" : "I", process, track, time);
+    Json::Value event = Event(record.duration ? "X" : "i", process, track, time);
     if (record.duration) event["dur"] = static_cast<Json::UInt64>(*record.duration);
     if (!record.duration) event["s"] = "t";  // the mark is on its track only
     event["name"] = record.kind == Record::Kind::Damaged ? "damaged" : FullName(record);
@@ -92,12 +108,15 @@ void PerfettoWriter::AddSide(const Record& record, bool sender) {
     Write(arrow);
 }
 
-void PerfettoWriter::NameTrack(const Record& record, bool library, int64_t process, int64_t track) {
+void PerfettoWriter::NameProcess(const Record& record, bool library, int64_t process) {
+    if (!mProcesses.insert(process).second) return;
     const Peer& peer = library ? record.library : record.platform;
     const std::string role = library ? "library" : "platform";
-    if (mProcesses.insert(process).second) {
-        Write(Metadata("process_name", process, 0, peer.name.empty() ? role : role + ", " + peer.name));
-    }
+    Write(Metadata("process_name", process, 0, peer.name.empty() ? role : role + ", " + peer.name));
+}
+
+void PerfettoWriter::NameTrack(const Record& record, bool library, int64_t process, int64_t track) {
+    NameProcess(record, library, process);
     if (!mTracks.insert({process, track}).second) return;
     const std::string name = record.family.empty() ? record.socket : record.family;
     const std::string connection = record.connection == 0 ? "" : ", connection " + std::to_string(record.connection);
@@ -110,9 +129,17 @@ void PerfettoWriter::Write(const Json::Value& event) {
 }
 
 int64_t PerfettoWriter::TrackOf(const Record& record) {
-    if (record.connection != 0) return static_cast<int64_t>(record.connection);
-    const int64_t next = kFirstSocketTrack + static_cast<int64_t>(mSockets.size());
-    return mSockets.emplace(record.socket, next).first->second;
+    std::vector<Track>& tracks = mOfConnections[{record.connection, record.connection == 0 ? record.socket : ""}];
+    const uint64_t begin = record.time.Wall();
+    const auto idle = std::find_if(tracks.begin(), tracks.end(), [begin](const Track& t) { return t.end <= begin; });
+    const bool isMissing = idle == tracks.end();
+    Track& track = isMissing ? tracks.emplace_back() : *idle;
+    if (isMissing) {
+        const bool first = tracks.size() == 1 && record.connection != 0;
+        track.number = first ? static_cast<int64_t>(record.connection) : kFirstOtherTrack + mOthers++;
+    }
+    track.end = begin + record.duration.value_or(0);
+    return track.number;
 }
 
 }  // namespace hbbtv::traffic

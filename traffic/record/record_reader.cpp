@@ -38,6 +38,14 @@ class Members {
         return value == nullptr ? 0 : value->GetUint64();
     }
 
+    // Microseconds. Sums of a few of them, and numbers of JavaScript, hold them.
+    uint64_t Time(const char* key) const {
+        const uint64_t time = Count(key);
+        if (time >= uint64_t{1} << 53)
+            throw std::runtime_error(std::string("\"") + key + "\" is not a time below 2^53 us");
+        return time;
+    }
+
     unsigned Unsigned(const char* key) const {
         const Value* value = Typed(key, &Value::IsUint, "a count below 2^32");
         return value == nullptr ? 0 : value->GetUint();
@@ -131,7 +139,7 @@ Record RecordOf(const Members& line, Payloads payloads) {
     Record record;
     record.number = line.Count("number");
     record.kind = KindOf(line.Text("kind"));
-    record.time = TimeStamp(line.Count("wall_us"), line.Count("monotonic_us"));
+    record.time = TimeStamp(line.Time("wall_us"), line.Time("monotonic_us"));
     record.connection = line.Count("connection");
     record.socket = line.Text("socket");
     record.family = line.Text("family");
@@ -140,7 +148,7 @@ Record RecordOf(const Members& line, Payloads payloads) {
     record.message = MessageOf(line.Object("message"), payloads);
     if (line.Find("code") != nullptr) record.code = line.Number("code");
     if (line.Find("reply") != nullptr) record.reply = MessageOf(line.Object("reply"), payloads);
-    if (line.Find("duration_us") != nullptr) record.duration = line.Count("duration_us");
+    if (line.Find("duration_us") != nullptr) record.duration = line.Time("duration_us");
     if (line.Find("status") != nullptr) record.status = line.Number("status");
     record.open = line.Flag("open");
     record.library = PeerOf(line.Object("library"));

@@ -5,12 +5,14 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <set>
 #include <sstream>
 
 #include "common/local_socket.h"
@@ -84,6 +86,16 @@ std::map<unsigned long, Holder> HoldersOf(const std::vector<ExistingConnection>&
     return found;
 }
 
+// Removes those without a holder that have ended since they were listed: no process is to be blamed for them.
+void RemoveEnded(std::vector<ExistingConnection>& connections) {
+    std::set<unsigned long> present;
+    for (const Line& line : ConnectedSockets()) present.insert(line.inode);
+    const auto ended = [&present](const ExistingConnection& connection) {
+        return connection.process == 0 && present.count(connection.inode) == 0;
+    };
+    connections.erase(std::remove_if(connections.begin(), connections.end(), ended), connections.end());
+}
+
 }  // namespace
 
 std::vector<ExistingConnection> ExistingConnections(const std::string& directory, const std::set<std::string>& names) {
@@ -103,6 +115,7 @@ std::vector<ExistingConnection> ExistingConnections(const std::string& directory
         connection.process = holder->second.process;
         connection.descriptor = holder->second.descriptor;
     }
+    RemoveEnded(connections);
     return connections;
 }
 

@@ -107,17 +107,21 @@ void Link::Take(Direction direction, const char* bytes, size_t count) {
 void Link::PassOn(Direction direction, const char* bytes, size_t count) {
     const TimeStamp arrived;
     Send(direction, bytes, count);
-    const size_t begin = BeginIn(Of(direction), bytes, count);
+    const size_t begin = BeginIn(direction, bytes, count);
     mRecorder.Bytes(mAbout.number, direction, std::string(bytes, count), begin, arrived, "");
 }
 
 // Returns where the first message begins that begins in these bytes, or npos.
-size_t Link::BeginIn(Way& way, const char* bytes, size_t count) {
+size_t Link::BeginIn(Direction direction, const char* bytes, size_t count) {
+    Way& way = Of(direction);
     size_t begin = std::string::npos;
     for (size_t at = 0; at < count;) {
         if (way.walk.AtBegin() && begin == std::string::npos) begin = at;
         at += way.walk.Step(bytes + at, count - at);
-        if (way.walk.InPayload() && way.walk.Left() == 0 && !way.walk.Damaged()) way.walk.Begin();
+        if (way.walk.InPayload() && way.walk.Left() == 0 && !way.walk.Damaged()) {
+            mShaping.PassedOn(direction, way.walk.Header());
+            way.walk.Begin();
+        }
     }
     return begin;
 }
@@ -219,11 +223,10 @@ void Link::Deliver(Direction direction) {
     const Verdict verdict = std::exchange(mVerdicts[static_cast<size_t>(direction)], {});
     Of(direction).rate = verdict.rate;
     Of(direction).closing = verdict.close;
-    if (!verdict.answer.empty()) {
-        mRecorder.Bytes(mAbout.number, Opposite(direction), verdict.answer, 0, TimeStamp(), "");
-        Send(Opposite(direction), verdict.answer.data(), verdict.answer.size());
-    }
     Send(direction, verdict.forward.data(), verdict.forward.size());
+    if (verdict.answer.empty()) return;
+    mShaping.Answer(verdict.answer);
+    Continue(Opposite(direction));
 }
 
 // All that the sender has sent has been passed on.

@@ -62,7 +62,7 @@ class Link : public std::enable_shared_from_this<Link> {
     void Receive(Direction direction, const asio::error_code& error, size_t count);
     void Take(Direction direction, const char* bytes, size_t count);
     void PassOn(Direction direction, const char* bytes, size_t count);
-    size_t BeginIn(Way& way, const char* bytes, size_t count);
+    size_t BeginIn(Direction direction, const char* bytes, size_t count);
     void Send(Direction direction, const char* bytes, size_t count);
     void Refuse(Direction direction);
     void AwaitRoom(Direction direction);

@@ -140,7 +140,7 @@ void Relay::Body::SayExisting(bool breaks) {
             const std::string failure = breaks ? Break(connection) : "";
             if (!failure.empty()) ++failures[failure];
             if (failure.empty()) {
-                ++counts[connection.process == 0 ? "unknown processes" : DescribeProcess(connection.process)];
+                ++counts[connection.process == 0 ? "an unknown process" : DescribeProcess(connection.process)];
             }
         }
     }

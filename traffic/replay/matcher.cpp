@@ -43,12 +43,12 @@ const MessageFacts& FactsOfMessage(const Exchange& exchange) {
 Matcher::Matcher(const Conversation& conversation, bool events, const Handles& handles, Settings settings)
     : mConversation(conversation), mHandles(handles), mSettings(settings), mTaken(conversation.exchanges.size()) {
     for (size_t i = 0; i < conversation.exchanges.size(); ++i) {
-        const Exchange& exchange = conversation.exchanges[i];
-        if (exchange.event != events) continue;
+        if (conversation.exchanges.Brief(i).event != events) continue;
+        const Exchange exchange = conversation.exchanges[i];
         const MessageFacts& facts = FactsOfMessage(exchange);
         mServed.push_back(i);
-        mExact[ExactKey(exchange.socket, exchange.message, facts)].push_back(i);
-        mSimilar[SimilarKey(exchange.socket, exchange.message, facts)].push_back(i);
+        mExact[ExactKey(exchange.socket, exchange.message, facts)].all.push_back(i);
+        mSimilar[SimilarKey(exchange.socket, exchange.message, facts)].all.push_back(i);
     }
 }
 
@@ -72,10 +72,15 @@ std::optional<size_t> Matcher::Take(const std::string& socket, const Message& me
 std::optional<size_t> Matcher::TakeNext(const Record& live) {
     while (mNext < mServed.size() && mTaken[mServed[mNext]]) ++mNext;
     if (mNext == mServed.size()) return std::nullopt;
-    const Exchange& next = mConversation.exchanges[mServed[mNext]];
+    const Exchange next = mConversation.exchanges[mServed[mNext]];
     if (next.socket != live.socket) return std::nullopt;
     if (!Differences(FactsOfMessage(next), next.message, live.message, mHandles).empty()) return std::nullopt;
     return Mark(mServed[mNext]);
+}
+
+bool Matcher::Shorten(List& list) const {
+    while (list.first < list.all.size() && mTaken[list.all[list.first]]) ++list.first;
+    return list.first < list.all.size();
 }
 
 std::optional<size_t> Matcher::TakeExact(const Record& live, const MessageFacts& facts) {
@@ -85,18 +90,18 @@ std::optional<size_t> Matcher::TakeExact(const Record& live, const MessageFacts&
     });
     const auto list = mExact.find(key);
     if (list == mExact.end()) return std::nullopt;
-    std::deque<size_t>& left = list->second;
-    while (!left.empty() && mTaken[left.front()]) left.pop_front();
-    if (left.empty()) return std::nullopt;
-    return Mark(left.front());
+    List& left = list->second;
+    if (!Shorten(left)) return std::nullopt;
+    return Mark(left.all[left.first]);
 }
 
 std::optional<size_t> Matcher::TakeSimilar(const Record& live, const MessageFacts& facts, const Test& test) {
     const auto list = mSimilar.find(SimilarKey(live.socket, live.message, facts));
     if (list == mSimilar.end()) return std::nullopt;
-    std::deque<size_t>& left = list->second;
-    while (!left.empty() && mTaken[left.front()]) left.pop_front();
-    for (const size_t exchange : left) {
+    List& left = list->second;
+    Shorten(left);
+    for (size_t i = left.first; i < left.all.size(); ++i) {
+        const size_t exchange = left.all[i];
         if (!mTaken[exchange] && HandlesMatch(exchange, live, facts, test)) return Mark(exchange);
     }
     return std::nullopt;
@@ -108,7 +113,7 @@ std::optional<size_t> Matcher::Repeated(const Record& live, const MessageFacts& 
     const auto same = [this](const auto& kind, auto recorded, auto other) {
         return mHandles.Same(kind, recorded, other);
     };
-    for (auto exchange = list->second.rbegin(); exchange != list->second.rend(); ++exchange) {
+    for (auto exchange = list->second.all.rbegin(); exchange != list->second.all.rend(); ++exchange) {
         if (HandlesMatch(*exchange, live, facts, same)) return *exchange;
     }
     return std::nullopt;
@@ -116,7 +121,7 @@ std::optional<size_t> Matcher::Repeated(const Record& live, const MessageFacts& 
 
 bool Matcher::HandlesMatch(size_t exchange, const Record& live, const MessageFacts& facts, const Test& test) const {
     bool match = true;
-    const Json::Value& recorded = mConversation.exchanges[exchange].message.json;
+    const Json::Value recorded = mConversation.exchanges[exchange].message.json;
     ForEachHandle(facts, live.message.json, [&](const std::string& key, const std::string& kind, uint32_t handle) {
         const std::optional<uint32_t> other = ReadHandle(recorded[key]);
         match = match && other && test(kind, *other, handle);
@@ -127,8 +132,8 @@ bool Matcher::HandlesMatch(size_t exchange, const Record& live, const MessageFac
 size_t Matcher::Mark(size_t exchange) {
     mTaken[exchange] = true;
     if (mSettings.repeats) {
-        const Exchange& taken = mConversation.exchanges[exchange];
-        mUsed[SimilarKey(taken.socket, taken.message, FactsOfMessage(taken))].push_back(exchange);
+        const Exchange taken = mConversation.exchanges[exchange];
+        mUsed[SimilarKey(taken.socket, taken.message, FactsOfMessage(taken))].all.push_back(exchange);
     }
     return exchange;
 }
@@ -141,22 +146,23 @@ std::string Matcher::Nearest(const std::string& socket, const Message& message) 
         }
         return "all records have been replayed";
     }
-    const Exchange* nearest = nullptr;
+    std::optional<Exchange> nearest;
     std::vector<Difference> fewest;
     bool used = false;
     for (const size_t i : mServed) {
-        const Exchange& exchange = mConversation.exchanges[i];
-        if (exchange.socket != socket || exchange.operation != live.operation) continue;
+        const ExchangeBrief& brief = mConversation.exchanges.Brief(i);
+        if (*brief.socket != socket || *brief.operation != live.operation) continue;
+        const Exchange exchange = mConversation.exchanges[i];
         std::vector<Difference> differences =
             Differences(FactsOfMessage(exchange), exchange.message, live.message, mHandles);
-        const bool better = nearest == nullptr || differences.size() < fewest.size() ||
+        const bool better = !nearest || differences.size() < fewest.size() ||
                             (differences.size() == fewest.size() && used && !mTaken[i]);
         if (!better) continue;
-        nearest = &exchange;
+        nearest = exchange;
         fewest = std::move(differences);
         used = mTaken[i];
     }
-    if (nearest == nullptr) return "the recording has no such message";
+    if (!nearest) return "the recording has no such message";
     if (fewest.empty()) return "all records of this message have been replayed; the nearest is " + nearest->Name();
     std::string text = "the nearest is " + nearest->Name();
     for (size_t i = 0; i < fewest.size(); ++i) text += (i == 0 ? ": " : "; ") + fewest[i].text;

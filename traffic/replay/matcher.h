@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
@@ -38,7 +37,16 @@ class Matcher {
 
   private:
     using Test = std::function<bool(const std::string& kind, uint32_t recorded, uint32_t live)>;
-    using Lists = std::unordered_map<std::string, std::deque<size_t>>;
+
+    // A queue of exchanges that takes little memory: most messages of a long recording have one of their own.
+    struct List {
+        std::vector<size_t> all;
+        size_t first = 0;  // of those that are left
+    };
+    using Lists = std::unordered_map<std::string, List>;
+
+    // Removes the exchanges at the front that were taken. Returns whether any are left.
+    bool Shorten(List& list) const;
 
     std::optional<size_t> TakeNext(const Record& live);
     std::optional<size_t> TakeExact(const Record& live, const MessageFacts& facts);

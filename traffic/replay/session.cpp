@@ -65,11 +65,11 @@ ReplaySession::ReplaySession(const Conversation& conversation, const ReplaySetti
       mHappened(conversation.instants.size()),
       mPlanned(conversation.exchanges.size()) {
     for (size_t i = 0; i < conversation.exchanges.size(); ++i) {
-        const Exchange& exchange = conversation.exchanges[i];
+        const ExchangeBrief& exchange = conversation.exchanges.Brief(i);
         ++(exchange.event ? mSummary.events : mSummary.requests);
         if (!Sends(exchange)) continue;
-        ++mLinks[{exchange.socket, exchange.connection}].left;
-        mUnsent[exchange.family].push_back(i);
+        ++mLinks[{*exchange.socket, exchange.connection}].left;
+        mUnsent[*exchange.family].push_back(i);
     }
     if (settings.asPlatform) {
         ServeRequests();
@@ -89,8 +89,9 @@ void ReplaySession::NeedPlatform() const {
 }
 
 void ReplaySession::ServeRequests() {
-    for (const Exchange& exchange : mConversation.exchanges) {
-        if (!Sends(exchange)) Serve(exchange.socket);
+    for (size_t i = 0; i < mConversation.exchanges.size(); ++i) {
+        const ExchangeBrief& exchange = mConversation.exchanges.Brief(i);
+        if (!Sends(exchange)) Serve(*exchange.socket);
     }
     for (const Endpoint& endpoint : AllEndpoints()) {
         if (endpoint.ofPlatform) Serve(endpoint.socket);
@@ -103,16 +104,16 @@ void ReplaySession::PlanServing() {
     std::set<std::string> families;
     std::optional<size_t> before;  // the latest request
     for (size_t i = 0; i < mConversation.exchanges.size(); ++i) {
-        const Exchange& exchange = mConversation.exchanges[i];
+        const ExchangeBrief& exchange = mConversation.exchanges.Brief(i);
         if (Sends(exchange)) before = i;
-        if (exchange.event) mHasEvents.insert(exchange.socket);
-        if (!families.insert(exchange.family.empty() ? exchange.socket : exchange.family).second) continue;
-        std::string socket = exchange.socket;
+        if (exchange.event) mHasEvents.insert(*exchange.socket);
+        if (!families.insert(exchange.family->empty() ? *exchange.socket : *exchange.family).second) continue;
+        std::string socket = *exchange.socket;
         if (!exchange.event) {
             const bool events =
-                !exchange.family.empty() && FindFamily(exchange.family).protocol["endpoints"].isMember("events");
+                !exchange.family->empty() && FindFamily(*exchange.family).protocol["endpoints"].isMember("events");
             if (!events) continue;
-            socket = EventsOf(FindFamily(exchange.family)).socket;
+            socket = EventsOf(FindFamily(*exchange.family)).socket;
         }
         mServeBefore[before.value_or(0)].push_back(socket);
     }
@@ -175,7 +176,7 @@ void ReplaySession::Came(const std::string& socket, const std::shared_ptr<FrameS
     const Message message = MessageOf(frame);
     const std::optional<size_t> found = mMatcher.Take(socket, message);
     if (!found) return Missed(socket, connection, frame, message);
-    const Exchange& exchange = mConversation.exchanges[*found];
+    const Exchange exchange = mConversation.exchanges[*found];
     mHandles.Learn(FactsOf(exchange, Side::Message), exchange.message.json, message.json);
     if (!mHappened[mConversation.begins[*found]]) {
         ++(exchange.event ? mSummary.eventsReplayed : mSummary.requestsReplayed);
@@ -205,7 +206,7 @@ void ReplaySession::Missed(const std::string& socket, const std::shared_ptr<Fram
 }
 
 void ReplaySession::Answer(size_t number, const std::shared_ptr<FrameSocket>& connection) {
-    const Exchange& exchange = mConversation.exchanges[number];
+    const Exchange exchange = mConversation.exchanges[number];
     if (exchange.lost) {
         connection->Close();
     } else {
@@ -227,7 +228,7 @@ void ReplaySession::Plan(size_t exchange, uint64_t gap) {
 }
 
 void ReplaySession::Send(size_t number) {
-    const Exchange& exchange = mConversation.exchanges[number];
+    const Exchange exchange = mConversation.exchanges[number];
     for (const std::string& socket : mServeBefore[number]) ServeEvents(socket);
     mServeBefore.erase(number);
     Link& link = mLinks[{exchange.socket, exchange.connection}];
@@ -241,7 +242,7 @@ void ReplaySession::Send(size_t number) {
 void ReplaySession::SendFirst(Link& link) {
     while (!link.open && !link.queue.empty()) {
         const size_t number = link.queue.front();
-        const Exchange& exchange = mConversation.exchanges[number];
+        const Exchange exchange = mConversation.exchanges[number];
         if (!link.socket && !Connect(link, exchange)) {
             const int reason = errno;
             const bool unheard = mSettings.asPlatform && exchange.reply && !exchange.reply->json.isObject();
@@ -294,7 +295,7 @@ void ReplaySession::Replied(const LinkKey& key, const Frame& frame) {
     Link& link = mLinks[key];
     if (!link.open) return;
     const size_t number = link.queue.front();
-    const Exchange& exchange = mConversation.exchanges[number];
+    const Exchange exchange = mConversation.exchanges[number];
     const Message reply = MessageOf(frame);
     CompareReply(exchange, reply);
     mHandles.Learn(FactsOf(exchange, Side::Reply), exchange.reply->json, reply.json);
@@ -320,7 +321,7 @@ void ReplaySession::LinkLost(const LinkKey& key) {
 
 // Ends the first exchange of the link.
 void ReplaySession::Finish(Link& link, bool replied) {
-    const Exchange& exchange = mConversation.exchanges[link.queue.front()];
+    const Exchange exchange = mConversation.exchanges[link.queue.front()];
     link.queue.pop_front();
     link.open = false;
     --link.left;
@@ -349,7 +350,7 @@ void ReplaySession::Happened(std::optional<size_t> instant) {
     const size_t next = *instant + 1;
     if (next == mConversation.instants.size()) return;
     const Instant& following = mConversation.instants[next];
-    if (following.side == Side::Reply || !Sends(mConversation.exchanges[following.exchange])) return;
+    if (following.side == Side::Reply || !Sends(mConversation.exchanges.Brief(following.exchange))) return;
     Plan(following.exchange, following.time - mConversation.instants[*instant].time);
 }
 
@@ -361,7 +362,7 @@ void ReplaySession::HappenedBoth(size_t exchange) {
 // Sends the events of the family that the recording has before the request, as what they wait for may not be asked.
 void ReplaySession::SendOverdue(const Exchange& came) {
     std::deque<size_t>& unsent = mUnsent[came.family];
-    while (!unsent.empty() && mConversation.exchanges[unsent.front()].begin < came.begin) {
+    while (!unsent.empty() && mConversation.exchanges.Brief(unsent.front()).begin < came.begin) {
         const size_t event = unsent.front();
         unsent.pop_front();
         if (mPlanned[event]) continue;
@@ -375,9 +376,9 @@ void ReplaySession::Advance() {
     const std::vector<Instant>& instants = mConversation.instants;
     for (; mPosition < instants.size(); ++mPosition) {
         const Instant& instant = instants[mPosition];
-        const Exchange& exchange = mConversation.exchanges[instant.exchange];
+        const ExchangeBrief& exchange = mConversation.exchanges.Brief(instant.exchange);
         const bool unneeded = (exchange.lost && instant.side == Side::Reply) ||
-                              (!Sends(exchange) && mGivenUp.count(exchange.socket + exchange.operation) != 0);
+                              (!Sends(exchange) && mGivenUp.count(*exchange.socket + *exchange.operation) != 0);
         if (mHappened[mPosition] || unneeded) continue;
         if (Sends(exchange) && instant.side == Side::Message) {
             Plan(instant.exchange, mPosition == 0 ? 0 : instant.time - instants[mPosition - 1].time);
@@ -391,7 +392,7 @@ void ReplaySession::Advance() {
 // Gives up what the recording has next if nothing happens for too long.
 void ReplaySession::Watch() {
     const Instant& instant = mConversation.instants[mPosition];
-    const Exchange& exchange = mConversation.exchanges[instant.exchange];
+    const ExchangeBrief& exchange = mConversation.exchanges.Brief(instant.exchange);
     if (Sends(exchange) && instant.side == Side::Message) return void(mPatience.cancel());
     // Events come at their times.
     const uint64_t before = mPosition == 0 ? instant.time : mConversation.instants[mPosition - 1].time;
@@ -403,7 +404,7 @@ void ReplaySession::Watch() {
 
 void ReplaySession::GiveUp() {
     const Instant& instant = mConversation.instants[mPosition];
-    const Exchange& exchange = mConversation.exchanges[instant.exchange];
+    const Exchange exchange = mConversation.exchanges[instant.exchange];
     if (!Sends(exchange)) {
         mGivenUp.insert(exchange.socket + exchange.operation);
         return Advance();

@@ -66,7 +66,10 @@ class ReplaySession {
     void HappenedBoth(size_t exchange);
     void SendOverdue(const Exchange& came);
     void Advance();
-    bool Sends(const Exchange& exchange) const { return exchange.event == mSettings.asPlatform; }
+    template <typename AnyExchange>
+    bool Sends(const AnyExchange& exchange) const {
+        return exchange.event == mSettings.asPlatform;
+    }
     void Watch();
     void GiveUp();
 

@@ -150,6 +150,7 @@ std::vector<Ladder::Step> Ladder::Sorted() const {
 }
 
 std::string Ladder::Text() const {
+    if (mSteps.empty()) return "no messages\n";
     size_t gap = mColumns.size() > 2 ? 44 : 76;
     for (const std::string& name : mColumns) gap = std::max(gap, Width(name) + 2);
     const std::string begin(kTime + 2, ' ');

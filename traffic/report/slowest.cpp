@@ -7,7 +7,11 @@ namespace hbbtv::traffic {
 void Slowest::Add(const Record& record, const Names& names) {
     if (record.kind != Record::Kind::Exchange || !record.WantsReply()) return;
     if (!record.reply) {
-        if (mOpen.size() < kMost) mOpen.push_back(Line(record, names, mZone));
+        if (mOpen.size() < kMost) {
+            mOpen.push_back(Line(record, names, mZone));
+        } else {
+            ++mMoreOpen;
+        }
         return;
     }
     if (!record.duration) return;
@@ -18,6 +22,7 @@ void Slowest::Add(const Record& record, const Names& names) {
 
 std::vector<std::string> Slowest::Lines() const {
     std::vector<std::string> lines = mOpen;
+    if (mMoreOpen > 0) lines.push_back("and " + std::to_string(mMoreOpen) + " more without a reply");
     for (auto it = mSlowest.rbegin(); it != mSlowest.rend(); ++it) lines.push_back(it->second);
     return lines;
 }

@@ -20,13 +20,14 @@ class Slowest {
 
     void Add(const Record& record, const Names& names);
 
-    // Returns the lines of the exchanges without a reply (at most kMost), then those of the slowest ones, slowest
-    // first.
+    // Returns the lines of the exchanges without a reply (at most kMost, and how many more there are), then those of
+    // the slowest ones, slowest first.
     std::vector<std::string> Lines() const;
 
   private:
     const std::string mZone;
     std::vector<std::string> mOpen;
+    uint64_t mMoreOpen = 0;
     std::multimap<uint64_t, std::string> mSlowest;  // by duration
 };
 

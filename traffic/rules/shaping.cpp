@@ -42,7 +42,38 @@ void Shaping::Collect(Direction direction, const char* bytes, size_t count) {
     Bytes(direction).append(bytes, count);
 }
 
+void Shaping::PassedOn(Direction direction, const FrameHeader& header) {
+    if (direction == Direction::kToCaller) {
+        if (!mAsked.empty() && mAsked.front().answer.empty()) mAsked.pop_front();
+    } else if (header.type == kRequest && mAsked.size() < kMostAsked) {
+        mAsked.push_back({});
+    }
+}
+
+void Shaping::Answer(const std::string& message) {
+    if (mAsked.size() >= kMostAsked) {
+        mAsked.clear();
+        mAnswers = 0;
+    }
+    mAsked.push_back({nullptr, message});
+    ++mAnswers;
+}
+
+std::optional<Shaping::Step> Shaping::NextAnswer() {
+    if (mAsked.empty() || mAsked.front().answer.empty()) return std::nullopt;
+    Step step;
+    step.message = std::move(mAsked.front().answer);
+    step.verdict.forward = step.message;
+    mAsked.pop_front();
+    --mAnswers;
+    return step;
+}
+
 std::optional<Shaping::Step> Shaping::Next(Direction direction) {
+    if (direction == Direction::kToCaller) {
+        std::optional<Step> answer = NextAnswer();
+        if (answer) return answer;
+    }
     std::string& bytes = Bytes(direction);
     if (!IsComplete(bytes) || IsTooLong(bytes)) return std::nullopt;
     Step step;
@@ -61,7 +92,7 @@ Verdict Shaping::Judge(Direction direction, const std::string& message) {
     Record record;
     if (reply) {
         if (!mAsked.empty()) {
-            record = std::move(mAsked.front());
+            if (mAsked.front().request) record = std::move(*mAsked.front().request);
             mAsked.pop_front();
         }
         record.reply = MessageOf(message);
@@ -80,7 +111,7 @@ Verdict Shaping::Judge(Direction direction, const std::string& message) {
     const Verdict verdict = mRules.Apply(record, reply, message);
 
     if (!reply && record.WantsReply() && !verdict.forward.empty() && mAsked.size() < kMostAsked) {
-        mAsked.push_back(std::move(record));
+        mAsked.push_back({std::make_unique<Record>(std::move(record)), ""});
     }
     return verdict;
 }

@@ -3,10 +3,12 @@
 #pragma once
 
 #include <deque>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "traffic/rules/rules.h"
+#include "traffic/understanding/frame_walk.h"
 #include "traffic/understanding/understanding.h"
 
 namespace hbbtv::traffic {
@@ -16,7 +18,12 @@ class Shaping {
     Shaping(Rules& rules, const RelayedConnection& about) : mRules(rules), mAbout(about) {}
 
     // Returns whether bytes of this direction are collected. They begin with a message.
-    bool Collects(Direction direction) const { return mRules.Any() || !Bytes(direction).empty(); }
+    bool Collects(Direction direction) const {
+        return mRules.Any() || !Bytes(direction).empty() || (direction == Direction::kToCaller && mAnswers > 0);
+    }
+
+    // Call it for each message that was passed on without being collected.
+    void PassedOn(Direction direction, const FrameHeader& header);
 
     void Collect(Direction direction, const char* bytes, size_t count);
 
@@ -24,6 +31,10 @@ class Shaping {
         std::string message;  // as it has arrived, with its header
         Verdict verdict;
     };
+
+    // Replies to the request that was judged last: the message is the next one to the caller after the replies to the
+    // requests before it.
+    void Answer(const std::string& message);
 
     // Returns the next message that is complete.
     std::optional<Step> Next(Direction direction);
@@ -38,11 +49,19 @@ class Shaping {
     const std::string& Bytes(Direction direction) const { return mBytes[static_cast<size_t>(direction)]; }
     std::string& Bytes(Direction direction) { return mBytes[static_cast<size_t>(direction)]; }
     Verdict Judge(Direction direction, const std::string& message);
+    std::optional<Step> NextAnswer();
+
+    // A request without reply so far.
+    struct Asked {
+        std::unique_ptr<Record> request;  // null if it was not judged
+        std::string answer;               // of a rule; empty: the other side replies
+    };
 
     Rules& mRules;
     const RelayedConnection mAbout;
     std::string mBytes[2];
-    std::deque<Record> mAsked;  // requests that were passed on, without reply so far
+    std::deque<Asked> mAsked;
+    size_t mAnswers = 0;  // in mAsked
 };
 
 }  // namespace hbbtv::traffic

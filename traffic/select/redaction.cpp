@@ -2,12 +2,11 @@
 
 #include <algorithm>
 
+#include "traffic/view/members.h"
+
 namespace hbbtv::traffic {
 
 namespace {
-
-// Members that protocol/ has for what identifies a television.
-constexpr const char* kIds[] = {"deviceID", "serialNumber", "serial"};
 
 // Shorter ones are found everywhere.
 constexpr size_t kShortestId = 5;
@@ -16,17 +15,25 @@ constexpr size_t kMostReplacements = 100000;
 
 constexpr const char* kRedacted = "redacted";
 
-bool IsId(const std::string& key) {
-    return std::find(std::begin(kIds), std::end(kIds), key) != std::end(kIds);
+bool IsUrlKey(const Record& record, const std::string& key) {
+    return key.find("url") != std::string::npos || key.find("Url") != std::string::npos ||
+           (record.operation == "OnTabURLChanged" && key == "title");
 }
 
 }  // namespace
 
+// Returns 0 if there are too many.
+size_t Redaction::NumberOf(const std::string& secret) {
+    const auto found = mNumbers.find(secret);
+    if (found != mNumbers.end()) return found->second;
+    if (mNumbers.size() >= kMostReplacements) return 0;
+    const size_t number = mNumbers.size() + 1;
+    return mNumbers[secret] = number;
+}
+
 std::string Redaction::Replacement(const std::string& secret) {
-    const auto found = mReplacements.find(secret);
-    if (found != mReplacements.end()) return found->second;
-    if (mReplacements.size() >= kMostReplacements) return kRedacted;
-    return mReplacements[secret] = kRedacted + ("-" + std::to_string(mReplacements.size() + 1));
+    const size_t number = NumberOf(secret);
+    return number == 0 ? kRedacted : kRedacted + ("-" + std::to_string(number));
 }
 
 std::string Redaction::WithoutIds(std::string text) const {
@@ -38,54 +45,77 @@ std::string Redaction::WithoutIds(std::string text) const {
     return text;
 }
 
+// Of a URL from the end of its authority on. A fragment may have a secret of its own.
+std::string Redaction::WithoutQuery(const std::string& url) {
+    const size_t query = std::min(url.find('?'), url.find('#'));
+    if (query == std::string::npos) return url;
+    const size_t fragment = std::min(url.find('#', query), url.size());
+    std::string result = url.substr(0, query);
+    if (fragment > query) result += "?";
+    if (fragment > query + 1) result += Replacement(url.substr(query + 1, fragment - query - 1));
+    if (fragment < url.size()) result += "#";
+    return fragment + 1 < url.size() ? result + Replacement(url.substr(fragment + 1)) : result;
+}
+
 std::string Redaction::WithoutQueries(const std::string& text) {
     std::string result;
     size_t done = 0;
     for (size_t url = text.find("://"); url != std::string::npos; url = text.find("://", done)) {
         const size_t end = std::min(text.find_first_of(" \t\r\n\"'<>", url), text.size());
-        const size_t query = std::min(text.find('?', url), end);
-        const size_t queryEnd = std::min(text.find('#', query), end);
-        result += text.substr(done, query - done);
-        if (query + 1 < queryEnd) result += "?" + Replacement(text.substr(query + 1, queryEnd - query - 1));
-        if (query + 1 == queryEnd) result += "?";
-        done = queryEnd;
-        // A fragment may have a secret of its own.
-        if (queryEnd + 1 < end) result += "#" + Replacement(text.substr(queryEnd + 1, end - queryEnd - 1));
+        const size_t authority = url + 3;
+        const size_t authorityEnd = std::min(text.find_first_of("/?#", authority), end);
+        const size_t user = text.substr(authority, authorityEnd - authority).rfind('@');
+        result += text.substr(done, authority - done);
+        size_t rest = authority;
+        if (user != std::string::npos && user > 0) {
+            result += Replacement(text.substr(authority, user));
+            rest += user;
+        }
+        result += WithoutQuery(text.substr(rest, end - rest));
         done = end;
     }
     return result + text.substr(done);
 }
 
-void Redaction::Apply(Json::Value& value, const std::string& key) {
-    if (value.isObject()) {
-        for (const std::string& name : value.getMemberNames()) Apply(value[name], name);
-    } else if (value.isArray()) {
-        for (Json::Value& item : value) Apply(item, key);
-    } else if (value.isString()) {
-        const std::string text = value.asString();
-        if (!IsId(key) || text.empty()) {
-            value = WithoutQueries(WithoutIds(text));
-            return;
-        }
-        const std::string replacement = Replacement(text);
-        if (text.size() >= kShortestId && mIds.size() < kMostIds) mIds[text] = replacement;
-        value = replacement;
-    } else if (IsId(key) && !value.isNull()) {
-        value = Replacement(value.asString());
+// A member that is private is so with all that is in it.
+void Redaction::Apply(Json::Value& value, Privacy privacy, bool isUrl) {
+    if (value.isObject() || value.isArray()) {
+        for (Json::Value& item : value) Apply(item, privacy, isUrl);
+        return;
     }
+    const bool isPrivate = privacy == Privacy::Identifier || privacy == Privacy::Personal;
+    if (!value.isString()) {
+        if (isPrivate && value.isNumeric()) value = static_cast<Json::UInt64>(NumberOf(value.asString()));
+        return;
+    }
+    const std::string text = value.asString();
+    const bool isUnknown = privacy == Privacy::Unknown && !HandleIn(value);
+    if (text.empty() || (!isPrivate && !isUnknown)) {
+        const std::string known = WithoutQueries(WithoutIds(text));
+        value = isUrl && known.find("://") == std::string::npos ? WithoutQuery(known) : known;
+        return;
+    }
+    const std::string replacement = Replacement(text);
+    if (privacy == Privacy::Identifier && text.size() >= kShortestId && mIds.size() < kMostIds) {
+        mIds[text] = replacement;
+    }
+    value = replacement;
 }
 
-void Redaction::Apply(Message& message) {
-    if (message.Readable()) {
-        Apply(message.json, "");
-    } else if (!message.raw.empty()) {
-        message.raw = kRedacted;
+void Redaction::Apply(const Record& record, Message& message, bool isReply) {
+    if (!message.Readable()) {
+        if (!message.raw.empty()) message.raw = kRedacted;
+        return;
+    }
+    if (!message.json.isObject()) return Apply(message.json, Privacy::Unknown, false);
+    for (const std::string& key : message.json.getMemberNames()) {
+        Apply(message.json[key], PrivacyOf(record, isReply, key), IsUrlKey(record, key));
     }
 }
 
 void Redaction::Apply(Record& record) {
-    Apply(record.message);
-    if (record.reply) Apply(*record.reply);
+    Apply(record, record.message, false);
+    if (record.reply) Apply(record, *record.reply, true);
     record.note = WithoutQueries(WithoutIds(record.note));
     record.rule = WithoutQueries(WithoutIds(record.rule));
 }

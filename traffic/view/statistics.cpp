@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "common/text/counted.h"
 #include "common/text/printable.h"
 #include "traffic/view/line.h"
 #include "traffic/view/members.h"
@@ -144,8 +145,8 @@ void Statistics::Add(const Record& record) {
 
 std::string Statistics::Text(const std::string& zone) const {
     const uint64_t exchanges = mKinds[static_cast<size_t>(Record::Kind::Exchange)];
-    std::string text = std::to_string(exchanges) + " exchanges, " + std::to_string(mErrors) + " errors, " +
-                       std::to_string(mBytes) + " bytes in " + DurationText(mLast - mFirst) + "; " +
+    std::string text = Counted(exchanges, "exchange") + ", " + Counted(mErrors, "error") + ", " +
+                       Counted(mBytes, "byte") + " in " + DurationText(mLast - mFirst) + "; " +
                        std::to_string(mOpenCount) + " open, " +
                        std::to_string(mKinds[static_cast<size_t>(Record::Kind::Damaged)]) + " damaged\n";
     if (!mOperations.empty()) text += "   calls  errors       bytes     p50 ms     p99 ms     max ms  operation\n";
@@ -163,6 +164,7 @@ std::string Statistics::Text(const std::string& zone) const {
     for (const Record& record : mSlowest) text += Printable(Row(record, zone), LineBreaks::Kept);
     if (!mOpen.empty()) text += "open\n";
     for (const Record& record : mOpen) text += Printable(Row(record, zone), LineBreaks::Kept);
+    if (mOpenCount > mOpen.size()) text += "  and " + std::to_string(mOpenCount - mOpen.size()) + " more\n";
     return text;
 }
 

@@ -33,23 +33,6 @@ Json::Value Problem(const std::string& text) {
     return value;
 }
 
-// Sends a request that changes nothing, and returns the reply. A page must not do more than look.
-Json::Value Ask(const std::string& directory, const std::string& question, const Json::Value& members) {
-    const size_t dot = question.find('.');
-    const WireFamily& family = FindFamily(question.substr(0, dot));
-    const Json::Value* operation = dot == std::string::npos ? nullptr : family.Operation(question.substr(dot + 1));
-    if (operation == nullptr) return Problem("unknown operation \"" + question + "\"");
-    if ((*operation)["effect"] != "none") return Problem(question + " changes something; a page only asks");
-    const Json::Value request = MakeRequest(family, *operation, members);
-    for (const std::string& problem : CheckRequest(family, *operation, request)) return Problem(problem);
-    const Endpoint endpoint = RequestsOf(family);
-    WireConnection connection(PathOf(directory, endpoint));
-    connection.Send(Encode({kRequest, endpoint.port, WireText(request)}), kPatience);
-    Json::Value answer(Json::objectValue);
-    answer["reply"] = ParseJson(connection.Receive(kPatience).payload);
-    return answer;
-}
-
 const std::string& PlatformOf(const WebSettings& settings) {
     return settings.platform.empty() ? settings.directory : settings.platform;
 }
@@ -122,12 +105,34 @@ HttpResponse WebSession::Get(const std::string& path) const {
     return {200, "text/html; charset=utf-8", LivePage({mSettings.head, true, HasSimulator(PlatformOf(mSettings))})};
 }
 
+// Sends a request that changes nothing, and returns the reply. A page must not do more than look.
+Json::Value WebSession::Ask(const std::string& question, const Json::Value& members) const {
+    const size_t dot = question.find('.');
+    const WireFamily& family = FindFamily(question.substr(0, dot));
+    const Json::Value* operation = dot == std::string::npos ? nullptr : family.Operation(question.substr(dot + 1));
+    if (operation == nullptr) return Problem("unknown operation \"" + question + "\"");
+    if ((*operation)["effect"] != "none") return Problem(question + " changes something; a page only asks");
+    const Json::Value request = MakeRequest(family, *operation, members);
+    for (const std::string& problem : CheckRequest(family, *operation, request)) return Problem(problem);
+    const Endpoint endpoint = RequestsOf(family);
+    WireConnection connection(PathOf(mSettings.directory, endpoint));
+    connection.Send(Encode({kRequest, endpoint.port, WireText(request)}), kPatience);
+    Record record;
+    record.message.json = request;
+    Identify(record, endpoint.socket);
+    record.reply.emplace().json = ParseJson(connection.Receive(kPatience).payload);
+    if (mSettings.redact) mSettings.redact(record);
+    Json::Value answer(Json::objectValue);
+    answer["reply"] = record.reply->json;
+    return answer;
+}
+
 HttpResponse WebSession::Post(const std::string& path, const std::string& json) const {
     try {
         const Json::Value wish = ParseJson(json);
         if (!wish.isObject()) return JsonResponse(Problem("not an object"));
         if (path == "ask" && wish["operation"].isString()) {
-            return JsonResponse(Ask(mSettings.directory, wish["operation"].asString(), wish["members"]));
+            return JsonResponse(Ask(wish["operation"].asString(), wish["members"]));
         }
         if (path == "simulator" && wish["command"].isString()) {
             return JsonResponse(Command(PlatformOf(mSettings), wish["command"].asString()));

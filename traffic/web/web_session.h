@@ -20,6 +20,7 @@ struct WebSettings {
     uint16_t port = 0;      // 0: any
     RecordingHead head;
     std::function<std::vector<Record>()> open;  // returns the exchanges without a reply yet; may be empty. Thread-safe
+    std::function<void(Record&)> redact = nullptr;  // what is shown; may be empty. Thread-safe
 };
 
 class WebSession {
@@ -29,7 +30,7 @@ class WebSession {
 
     std::string Address() const { return mServer.Address(); }
 
-    // Shows the record in all pages, also in those that are opened later. Thread-safe.
+    // Shows the record, which is redacted already, in all pages, also in those that are opened later. Thread-safe.
     void Add(const Record& record);
 
     // Serves until Stop().
@@ -38,6 +39,7 @@ class WebSession {
 
   private:
     HttpResponse Get(const std::string& path) const;
+    Json::Value Ask(const std::string& question, const Json::Value& members) const;
     HttpResponse Post(const std::string& path, const std::string& json) const;
     StreamPart Stream(uint64_t position) const;
     std::string Tick() const;

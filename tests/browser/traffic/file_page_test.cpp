@@ -226,6 +226,15 @@ TEST_F(FilePage, DrawsALadderOfWhatIsShown) {
     EXPECT_EQ(Selected(), "3");
 }
 
+TEST_F(FilePage, SaysThatALadderDoesNotHaveAllMessages) {
+    Show(Numbered(std::vector<Record>(401, GetName())));
+    page.Press("l", "l");
+    EXPECT_EQ(
+        Texts("#view-ladder p.hint"),
+        std::vector<std::string>{"400 of 401 messages, around the selected one; a filter selects an object or a span"});
+    EXPECT_EQ(Texts("#view-ladder .step").size(), 800u);
+}
+
 TEST_F(FilePage, SelectsASpanOfTime) {
     Show(Sample());
     page.Evaluate("page.setSpan({begin: page.view.row(1).wall, end: page.view.row(2).wall})");

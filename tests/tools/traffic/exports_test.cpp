@@ -22,7 +22,7 @@ trace = json.load(sys.stdin)
 tracks, named, flows, slices = {}, set(), {}, set()
 for event in trace["traceEvents"]:
     track = (event["pid"], event["tid"])
-    assert isinstance(event["ts"], int) and all(isinstance(number, int) and number >= 0 for number in track), event
+    assert isinstance(event["ts"], int) and all(isinstance(number, int) and 0 <= number < 2**32 for number in track), event
     if event["ph"] == "M":
         assert event["name"] in ("process_name", "thread_name") and event["args"]["name"], event
         named.add(track if event["name"] == "thread_name" else event["pid"])
@@ -32,8 +32,8 @@ for event in trace["traceEvents"]:
         assert isinstance(event["dur"], int) and event["dur"] >= 0, event
         tracks.setdefault(track, []).append((event["ts"], event["ts"] + event["dur"]))
         slices.add(track + (event["ts"],))
-    elif event["ph"] == "I":
-        assert event["s"] == "t", event
+    elif event["ph"] == "i":
+        assert event["s"] in "tp", event
     else:
         assert event["ph"] in "sf" and track + (event["ts"],) in slices, event
         assert (event["ph"] == "f") == (event.get("bp") == "e"), event
@@ -52,6 +52,33 @@ TEST_F(Exports, ToPerfettoFollowTheFormatOfTraces) {
     EXPECT_EQ(trace.exit, 0) << trace.Text();
     const FinishedRun check = RunToEnd({"python3", "-c", kCheckTrace}, trace.output);
     EXPECT_EQ(check.output, "24 slices, 12 arrows\n") << check.Text();
+}
+
+// Requests that do not wait for each other, messages without a connection, and the library's notes about clients.
+TEST_F(Exports, ToPerfettoHaveSlicesThatDoNotOverlap) {
+    const std::string recording = mDirectory / "pipelined.ndjson";
+    traffic::RecordingWriter writer(recording, {});
+    traffic::Record record;
+    for (const uint64_t connection : {1, 1, 1, 0, 0}) {
+        ++record.number;
+        record.time = TimeStamp(1700000000000000 + 10 * record.number, 10 * record.number);
+        record.connection = connection;
+        record.message.type = kRequest;
+        SetPayload(record.message, R"({"method":13,"type":12})");
+        Identify(record, "service_plugin_to_hbbtv_vb_chn");
+        record.duration = record.number == 3 ? 5 : 15;  // the second one begins before the first one has ended
+        ASSERT_EQ(writer.Write(record), "");
+    }
+    const FinishedRun check =
+        RunToEnd({"python3", "-c", kCheckTrace}, Ctl({"show", recording, "--perfetto", "-"}).output);
+    EXPECT_EQ(check.output, "10 slices, 5 arrows\n") << check.Text();
+    const FinishedRun import = Ctl(
+        {"record", "import", HBBTV_SOURCE_DIR "/examples/traffic/logcat.txt", "--record", mDirectory / "log.ndjson"});
+    ASSERT_EQ(import.exit, 0) << import.Text();
+    const FinishedRun trace = Ctl({"show", mDirectory / "log.ndjson", "--perfetto", "-"});
+    EXPECT_THAT(trace.output,
+                HasSubstr(R"("name":"LogRequest: request 11 (IVideoBroadcast.SetChannel) of process 5120 )"));
+    EXPECT_EQ(RunToEnd({"python3", "-c", kCheckTrace}, trace.output).output, "0 slices, 0 arrows\n");
 }
 
 TEST_F(Exports, ToPerfettoHaveAProcessForEachSideAndTheFactsOfTheExchange) {

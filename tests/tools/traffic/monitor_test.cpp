@@ -136,6 +136,33 @@ TEST_F(MonitorTest, ShowsHowLongAnExchangeIsOpen) {
     EXPECT_THAT(doctor.output, HasSubstr("does something to messages on purpose"));
 }
 
+// A child of the process that listened keeps the connections, which the kernel attributes to the one that listened.
+TEST_F(MonitorTest, DoctorNamesAPlatformThatHasEndedButWhoseConnectionsAreOpen) {
+    ChildProcess platform({"python3", "-c",
+                           "import os, signal, socket, sys\n"
+                           "listener = socket.socket(socket.AF_UNIX)\n"
+                           "listener.bind(sys.argv[1])\n"
+                           "listener.listen()\n"
+                           "if os.fork():\n"
+                           "    print('ready', flush=True)\n"
+                           "    signal.pause()\n"
+                           "os.close(1), os.close(2)\n"
+                           "sys.stdin.read()\n",
+                           mDirectory / kChannel});
+    ASSERT_TRUE(platform.WaitForOutput("ready\n"));
+    Monitor monitor;
+    CtlProcess asking({"send", "channel.GetName", "0x1", "--timeout", "20s"});
+    ASSERT_TRUE(monitor.WaitForOutput("  open for 1.")) << monitor.Output();
+    EXPECT_THAT(Ctl({"doctor"}).output, HasSubstr(" is alive but does not reply; "));
+    platform.Kill();
+    const FinishedRun doctor = Ctl({"doctor"});
+    EXPECT_EQ(doctor.exit, 3);
+    EXPECT_THAT(doctor.output,
+                MatchesRegex("[^$]*PROBLEM  requests +channel.GetName has been open for [0-9.]+ s; the platform, "
+                             "python3[0-9.]* \\(" +
+                             std::to_string(platform.Pid()) + "\\), has ended; another process keeps[^$]*"));
+}
+
 TEST_F(MonitorTest, TheSecondOneSaysWhoIsThere) {
     const FakePlatform platform(kChannel, "{}");
     Monitor first;
@@ -143,6 +170,20 @@ TEST_F(MonitorTest, TheSecondOneSaysWhoIsThere) {
     EXPECT_EQ(second.exit, 3);
     EXPECT_EQ(second.errors, "hbbtvctl: hbbtvctl monitor (" + std::to_string(first.Pid()) +
                                  ") already passes on the sockets in " + mDirectory.Path() + ": only one can\n");
+}
+
+TEST_F(MonitorTest, RefusesDirectoriesThatAreMissingOrTheSame) {
+    const std::string missing = mDirectory / "missing";
+    for (const char* command : {"monitor", "web"}) {
+        const FinishedRun run = Ctl({"--directory", missing, command, "--for", "1ms"});
+        EXPECT_EQ(run.exit, 3);
+        EXPECT_EQ(run.errors,
+                  "hbbtvctl: " + missing + ": No such file or directory; create it, or use that of the sockets\n");
+    }
+    EXPECT_EQ(Ctl({"monitor", "--between", mDirectory.Path(), missing, "--for", "1ms"}).exit, 3);
+    const FinishedRun same = Ctl({"monitor", "--between", mDirectory.Path(), mDirectory / ".", "--for", "1ms"});
+    EXPECT_EQ(same.exit, 2);
+    EXPECT_EQ(same.errors, "hbbtvctl: --between needs two directories; leave it out if there is one\n");
 }
 
 TEST_F(MonitorTest, WhatAKilledOneHasLeftIsRestoredByTheNextOneAndByDoctor) {
@@ -163,6 +204,20 @@ TEST_F(MonitorTest, WhatAKilledOneHasLeftIsRestoredByTheNextOneAndByDoctor) {
         EXPECT_EQ(Sockets(), before);
         EXPECT_EQ(GetName().exit, 0);
     }
+}
+
+TEST_F(MonitorTest, AKilledOneLeavesARecordingWithAllThatItHasShown) {
+    const FakePlatform platform(kChannel, R"({"ret":0})");
+    const std::string file = mDirectory / "kept.ndjson";
+    Monitor killed({"--record", file});
+    for (int i = 1; i <= 3; ++i) EXPECT_EQ(GetName("0x100" + std::to_string(i)).exit, 0);
+    ASSERT_TRUE(killed.WaitForOutput("c_handle=0x00001003 -> 0")) << killed.Output();
+    killed.Kill();
+    const FinishedRun show = Ctl({"show", file});
+    EXPECT_EQ(show.exit, 0) << show.Text();
+    EXPECT_EQ(show.errors, "") << "no line is cut";
+    for (int i = 1; i <= 3; ++i) EXPECT_THAT(show.output, HasSubstr("c_handle=0x0000100" + std::to_string(i)));
+    Ctl({"doctor"});
 }
 
 TEST_F(MonitorTest, OneBetweenTwoDirectoriesLeavesNothingWhenItIsKilled) {
@@ -248,7 +303,7 @@ TEST_F(MonitorTest, ShowsStatisticsEverySecond) {
     const FakePlatform platform(kChannel, R"({"ret":0})");
     Monitor monitor({"--stats"});
     GetName();
-    EXPECT_TRUE(monitor.WaitForOutput("\n1 exchanges, 0 errors, ")) << monitor.Output();
+    EXPECT_TRUE(monitor.WaitForOutput("\n1 exchange, 0 errors, ")) << monitor.Output();
     EXPECT_THAT(monitor.Output(), Not(HasSubstr("c_handle")));
 }
 

@@ -41,7 +41,7 @@ class LocalSystem:
     def __init__(self, television):
         self.television = television
         self.methods = {
-            0: lambda request: {"deviceID": "7f3c-4711"},
+            0: lambda request: {"deviceID": "7f3c-anna"},
             12: lambda request: {"serialNumber": "PY-2204-118842"},
         }
 

@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
+#include <iterator>
+#include <sstream>
 
 #include "ctl.h"
 
@@ -16,6 +19,8 @@ using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
+
+constexpr const char* kUrl = "http://first.example/?user=anna";
 
 class OnAnotherPlatform : public InFrontOfTheSystem {
   protected:
@@ -44,7 +49,7 @@ class OnAnotherPlatform : public InFrontOfTheSystem {
             {"channel_config", "video_broadcast", "--with", "vb=" + mObject, "--with", "context=7", "--count", "4"});
         EXPECT_TRUE(listener.Listens()) << listener.Output();
         EXPECT_EQ(Ctl({"call", "IChannel.SetName", mChannel, "Uno"}).exit, 0);
-        EXPECT_EQ(Ctl({"call", "IVideoBroadcast.SetChannel", mObject, mChannel, "false", ""}).exit, 0);
+        EXPECT_EQ(Ctl({"call", "IVideoBroadcast.SetChannel", mObject, mChannel, "false", kUrl}).exit, 0);
         EXPECT_EQ(listener.WaitForExit(), 0) << listener.Output();
         EXPECT_EQ(Name(mChannel), "Uno");
         EXPECT_EQ(Get({"ILocalSystem.GetSerialNumber"}, "serialNumber"), "PY-2204-118842");
@@ -113,6 +118,26 @@ TEST_F(OnAnotherPlatform, AKilledMonitorIsRepaired) {
     EXPECT_EQ(Ctl({"send", "channel_config.GetCurrentChannel"}).exit, 3);
     EXPECT_THAT(Ctl({"doctor"}).output, HasSubstr("was killed; restored 18 sockets that it had left\n"));
     Use();
+}
+
+TEST_F(OnAnotherPlatform, TheDoctorTellsWhetherItHangsOrIsDead) {
+    CtlProcess monitor({"monitor"});
+    ASSERT_TRUE(monitor.WaitForOutput("listening; ")) << monitor.Output();
+    EXPECT_EQ(Ctl({"send", "channel_config.GetCurrentChannel"}).exit, 0);
+    mPython->Signal(SIGSTOP);
+    CtlProcess asking({"send", "channel_config.GetCurrentChannel", "--timeout", "20s"});
+    ASSERT_TRUE(monitor.WaitForOutput("  open for 1.")) << monitor.Output();
+    const std::string process = " \\(" + std::to_string(mPython->Pid()) + "\\)";
+    EXPECT_THAT(Ctl({"doctor"}).output,
+                ContainsRegex("PROBLEM  requests +channel_config.GetCurrentChannel has been open for [0-9.]+ s; the "
+                              "platform, python3[0-9.]*" +
+                              process + ", is stopped; continue it"));
+    mPython->Kill();
+    EXPECT_EQ(asking.WaitForExit(), 6) << "the request ends with its platform";
+    ASSERT_TRUE(WaitFor([] {
+        return Ctl({"doctor"}).output.find("18 of 18 sockets are stale; its process has ended") != std::string::npos;
+    })) << Ctl({"doctor"}).output;
+    EXPECT_THAT(Ctl({"doctor"}).output, Not(HasSubstr("has been open")));
 }
 
 TEST_F(OnAnotherPlatform, TheLogOfTheServiceHasWhatTheMonitorHasSeen) {
@@ -208,6 +233,71 @@ TEST_F(OnAnotherPlatform, ItsRecordingAsTheLibraryFindsNoDifference) {
     const FinishedRun replay = Ctl({"replay", recorded, "--as", "library"});
     EXPECT_EQ(replay.exit, 0) << replay.Text();
     EXPECT_THAT(replay.output, HasSubstr("replayed 11 of 11 requests and 4 of 4 events\n"));
+}
+
+// Fails for each secret of Use() that a text contains.
+void ExpectNothingPrivate(const std::string& text, const std::string& from) {
+    for (const char* secret : {"118842", "anna"}) EXPECT_THAT(text, Not(HasSubstr(secret))) << from;
+}
+
+TEST_F(OnAnotherPlatform, NothingPrivateLeavesAMonitorThatRedacts) {
+    mChannel = Get({"IChannelConfig.GetCurrentChannel"}, "channel");
+    mObject = Get({"IVideoBroadcast.Create", "7"}, "vb");
+    const std::string file = mDirectory / "monitored.ndjson";
+    for (const char* command : {"monitor", "monitor --json", "web"}) {
+        std::vector<std::string> words{"--redact", "--record", file};
+        std::istringstream stream(command);
+        words.insert(words.begin(), std::istream_iterator<std::string>(stream), {});
+        CtlProcess relay(words);
+        ASSERT_TRUE(relay.WaitForOutput(words[0] == "web" ? "/\n" : "listening; ")) << relay.Output();
+        EXPECT_EQ(Ctl({"send", "local_system.GetSerialNumber"}).output,
+                  "ret           0\nserialNumber  \"PY-2204-118842\"\n");
+        EXPECT_EQ(Ctl({"send", "video_broadcast.SetChannel", "vb_handle=" + mObject, "channel=" + mChannel,
+                       "trickPlay=false", std::string("url=") + kUrl})
+                      .exit,
+                  0);
+        relay.Signal(SIGINT);
+        EXPECT_EQ(relay.WaitForExit(), 0) << relay.Output();
+        ExpectNothingPrivate(relay.Output(), command);
+        ExpectNothingPrivate(ReadFile(file), command);
+        EXPECT_THAT(ReadFile(file), HasSubstr("\"serialNumber\":\"redacted-1\""));
+        EXPECT_THAT(ReadFile(file), HasSubstr("http://first.example/?redacted-2"));
+        EXPECT_THAT(ReadFile(file), Not(HasSubstr(mDirectory.Path())));
+        std::filesystem::remove(file);
+    }
+}
+
+// What the engineer sees while a request is open is a line of its own.
+TEST_F(OnAnotherPlatform, NothingPrivateIsShownOfAnOpenRequest) {
+    CtlProcess monitor({"monitor", "--redact", "--rule", "op:SetText hold"});
+    ASSERT_TRUE(monitor.WaitForOutput("listening; ")) << monitor.Output();
+    CtlProcess asking({"send", "configuration.SetText", "info=of anna", "--timeout", "20s"});
+    ASSERT_TRUE(monitor.WaitForOutput("  open for 1.")) << monitor.Output();
+    EXPECT_THAT(monitor.Output(), HasSubstr("configuration.SetText info=\"redacted-1\" -> no reply yet  [hold]  open"));
+    ExpectNothingPrivate(monitor.Output(), "monitor");
+}
+
+TEST_F(OnAnotherPlatform, NothingPrivateLeavesARecordingOrALogThatIsRedacted) {
+    ASSERT_EQ(Ctl({"log", "debug"}).exit, 0);
+    const std::string recorded = Recorded();
+    EXPECT_THAT(ReadFile(recorded), HasSubstr("?user=anna"));
+    const std::string file = mDirectory / "out";
+    for (const char* form : {"--record", "--svg", "--pcapng", "--perfetto", "--walk", "--html"}) {
+        EXPECT_EQ(Ctl({"show", recorded, "--redact", form, file}).exit, 0) << form;
+        ExpectNothingPrivate(ReadFile(file), form);
+        std::filesystem::remove(file);
+    }
+    for (const char* form : {"--json", "--stats", "--slow", "--ladder", "--follow=0x4f20"}) {
+        const FinishedRun show = Ctl({"show", recorded, "--redact", form});
+        EXPECT_EQ(show.exit, 0) << show.Text();
+        ExpectNothingPrivate(show.output, form);
+    }
+    WriteFile(mDirectory / "service.log", mService->Output());
+    EXPECT_THAT(ReadFile(mDirectory / "service.log"), HasSubstr("118842"));
+    const FinishedRun import = Ctl({"record", "import", mDirectory / "service.log", "--redact"});
+    EXPECT_EQ(import.exit, 0) << import.errors;
+    EXPECT_THAT(import.output, HasSubstr("\"serialNumber\":\"redacted-"));
+    ExpectNothingPrivate(import.Text(), "record import");
 }
 
 struct Bent {

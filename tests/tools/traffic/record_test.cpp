@@ -79,7 +79,7 @@ TEST_F(RecordImport, NamesTheMessagesThatTheLogCuts) {
     ASSERT_TRUE(mService->WaitForOutput("channel100"));
     const std::vector<Json::Value> records = Import();
     EXPECT_THAT(mImported.errors, HasSubstr("the log has cut channel_config.CreateChannelList"));
-    EXPECT_THAT(mImported.errors, HasSubstr(" 1 messages cut, 0 mixed, "));
+    EXPECT_THAT(mImported.errors, HasSubstr(" 1 message cut, 0 mixed, "));
     EXPECT_THAT(records.back()["note"].asString(), HasSubstr("the log has cut this after "));
 }
 

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "build_kind.h"
@@ -132,6 +133,14 @@ TEST_F(Show, CountsTheLinesThatItDoesNotName) {
     EXPECT_THAT(run.errors, EndsWith("hbbtvctl: 290 further lines were skipped\n"));
 }
 
+TEST_F(Show, RefusesJsonOfAFormThatHasNone) {
+    for (const char* form : {"--slow", "--ladder", "--svg=x", "--record=x", "--pcapng=x", "--html=x"}) {
+        const FinishedRun run = Ctl({"show", kSample, "--json", form});
+        EXPECT_EQ(run.exit, 2) << form;
+        EXPECT_THAT(run.errors, HasSubstr(" excludes ")) << form;
+    }
+}
+
 TEST_F(Show, RefusesWhatIsNotARecording) {
     const auto problem = [this](const std::string& text) {
         const std::string path = mDirectory / "file";
@@ -167,6 +176,23 @@ TEST_F(Show, NeedsTheSameMemoryForALongRecording) {
         const long before = MemoryOf(words);
         words[1] = large;
         EXPECT_LT(MemoryOf(words), before + allowed) << (form.empty() ? "lines" : form[0]);
+    }
+}
+
+// They need all records in their order. As JSON values, these would take three times the size of the file.
+TEST_F(Show, KeepsRecordsAsTextWhereItNeedsAllOfThem) {
+    const size_t count = kSanitized ? 4000 : 60000;
+    const std::string small = Long(10);
+    const std::string large = Long(count);
+    const auto size = static_cast<long>(std::filesystem::file_size(large) >> 10);
+    const long allowed = size * 2 + (kSanitized ? 64 << 10 : 8 << 10);
+    for (const std::vector<std::string>& form : {std::vector<std::string>{"show", "", "--walk", "/dev/null"},
+                                                 {"replay", "", "--as", "platform", "--for", "1ms"}}) {
+        std::vector<std::string> words = form;
+        words[1] = small;
+        const long before = MemoryOf(words);
+        words[1] = large;
+        EXPECT_LT(MemoryOf(words), before + allowed) << form[0];
     }
 }
 

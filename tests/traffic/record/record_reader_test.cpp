@@ -71,6 +71,11 @@ TEST(RecordReader, SaysWhyALineIsNotARecord) {
     EXPECT_EQ(WhyNot("[]"), "it is not an object");
     EXPECT_EQ(WhyNot(R"({"number":1})"), "\"kind\" is missing");
     EXPECT_EQ(WhyNot(R"({"number":"1","kind":"note","wall_us":1,"monotonic_us":1})"), "\"number\" is not a count");
+    EXPECT_EQ(WhyNot(R"({"number":1,"kind":"note","wall_us":9007199254740992,"monotonic_us":1})"),
+              "\"wall_us\" is not a time below 2^53 us");
+    EXPECT_EQ(WhyNot(R"({"number":1,"kind":"note","wall_us":1,"monotonic_us":1,"duration_us":18446744073709551615})"),
+              "\"duration_us\" is not a time below 2^53 us")
+        << "a reply before its request";
     EXPECT_EQ(WhyNot(R"({"number":1,"kind":"song","wall_us":1,"monotonic_us":1})"), "\"kind\" is not one of a record");
     EXPECT_THAT(WhyNot(R"({"number":1,})"), testing::StartsWith("not valid JSON: column 13: "));
     EXPECT_THAT(WhyNot(std::string(1000000, '[')), testing::StartsWith("not valid JSON"));

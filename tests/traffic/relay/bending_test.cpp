@@ -44,6 +44,37 @@ TEST_F(Bending, AnAnswerComesFromTheRelay) {
     EXPECT_EQ(platform.Frames().size(), 1u);
 }
 
+// As no library does, but what is recorded and what the caller takes for the reply must not depend on it.
+TEST_F(Bending, AnAnswerComesAfterTheRepliesToTheRequestsBeforeIt) {
+    RawListener listener(directory / "service_plugin_to_hbbtv_cap");
+    RunningRelay relay(Here(), listener);
+    RawConnection caller = Connect("service_plugin_to_hbbtv_cap");
+    RawConnection server = listener.Accept();
+    const auto request = [](int method) {
+        return FrameBytes(test::kRequest, 2, R"({"method":)" + std::to_string(method) + R"(,"type":7})");
+    };
+    caller.Write(request(1));  // before there are rules
+    ASSERT_TRUE(server.ReadFrame().has_value());
+    relay.Of().Tell("request.method:3 answer={\"ret\":3}");
+    relay.Of().Tell("request.method:5 answer={\"ret\":5}");
+    caller.Write(request(2) + request(3) + request(4) + request(5));
+    for (int i = 0; i < 2; ++i) ASSERT_TRUE(server.ReadFrame().has_value());
+    relay.Of().Tell("remove all");
+    for (const char* reply : {"1", "2", "4"}) server.Write(FrameBytes(test::kReply, 2, reply));
+    for (const char* reply : {"1", "2", "{\n\t\"ret\" : 3\n}\n", "4", "{\n\t\"ret\" : 5\n}\n"}) {
+        const auto frame = caller.ReadFrame();
+        ASSERT_TRUE(frame.has_value()) << reply;
+        EXPECT_EQ(frame->payload, reply);
+    }
+    ASSERT_TRUE(relay.WaitForExchanges(5));
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(relay.Exchanges()[i].message.json["method"], i + 1);
+    EXPECT_EQ(relay.Exchanges()[4].status, 5);
+    caller.Write(request(6));
+    ASSERT_TRUE(server.ReadFrame().has_value());
+    server.Write(FrameBytes(test::kReply, 2, "6"));
+    EXPECT_EQ(caller.ReadFrame()->payload, "6");
+}
+
 TEST_F(Bending, ADelayedMessageComesLaterAndInOrder) {
     RunningRelay relay(With("op:GetName delay=150ms count=1"));
     const auto start = std::chrono::steady_clock::now();

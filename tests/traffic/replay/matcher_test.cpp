@@ -17,7 +17,7 @@ struct MatcherTest : testing::Test {
         traffic::Exchange exchange{test::Exchange(socket, request, reply), 0, {}, false};
         exchange.number = conversation.exchanges.size() + 1;
         exchange.begin = 1000 * exchange.number;
-        conversation.exchanges.push_back(exchange);
+        conversation.exchanges.Add(exchange);
     }
 
     // Returns the number of the record that the message is, or 0.
@@ -25,7 +25,7 @@ struct MatcherTest : testing::Test {
         const Message live = test::Exchange(socket, request).message;
         const std::optional<size_t> found = matcher.Take(socket, live);
         if (!found) return 0;
-        const traffic::Exchange& exchange = conversation.exchanges[*found];
+        const traffic::Exchange exchange = conversation.exchanges[*found];
         const MessageFacts& facts = FactsOf(exchange.family, exchange.operation, exchange.event, Side::Message);
         handles.Learn(facts, exchange.message.json, live.json);
         return exchange.number;

@@ -147,7 +147,7 @@ TEST(Statistics, CountCallsErrorsBytesAndTimes) {
     ASSERT_EQ(json["open"].size(), 1u);
     EXPECT_EQ(json["open"][0]["operation"].asString(), "channel.GetName");
     const std::string text = statistics.Text();
-    EXPECT_NE(text.find("22 exchanges, 1 errors"), std::string::npos) << text;
+    EXPECT_NE(text.find("22 exchanges, 1 error,"), std::string::npos) << text;
     EXPECT_NE(text.find("      20       1 "), std::string::npos) << text;
     EXPECT_NE(text.find("* channel_config.changed"), std::string::npos) << text;
     EXPECT_NE(text.find("slowest\n  11:47:25.458629  20.000 ms  video_broadcast.SetChannel"), std::string::npos)

@@ -70,7 +70,16 @@ TEST(Ladder, RefusesAChartThatIsUnreadable) {
     Ladder ladder("");
     const Record record = GetName();
     for (size_t i = 0; i < Ladder::kMost; ++i) ladder.Add(record, Names());
-    EXPECT_THROW(ladder.Add(record, Names()), Failure);
+    try {
+        ladder.Add(record, Names());
+        ADD_FAILURE() << "no failure";
+    } catch (const Failure& e) {
+        EXPECT_EQ(std::string(e.what()).find("a chart of more than 2000 records is unreadable; select fewer"), 0u);
+    }
+}
+
+TEST(Ladder, SaysThatThereAreNoMessages) {
+    EXPECT_EQ(Ladder("").Text(), "no messages\n");
 }
 
 TEST(Slowest, ListsWhatHasNoReplyAndThenTheSlowest) {
@@ -85,6 +94,15 @@ TEST(Slowest, ListsWhatHasNoReplyAndThenTheSlowest) {
     EXPECT_NE(lines[0].find("no reply"), std::string::npos);
     EXPECT_NE(lines[1].find("100.000 ms"), std::string::npos) << lines[1];
     EXPECT_NE(lines.back().find("81.000 ms"), std::string::npos) << lines.back();
+}
+
+TEST(Slowest, SaysHowManyItDoesNotList) {
+    Slowest slowest("");
+    Record open = GetName();
+    open.reply.reset();
+    for (size_t i = 0; i < Slowest::kMost + 3; ++i) slowest.Add(open, Names());
+    EXPECT_EQ(slowest.Lines().size(), Slowest::kMost + 1);
+    EXPECT_EQ(slowest.Lines().back(), "and 3 more without a reply");
 }
 
 TEST(Difference, ShowsWhatOnlyOneHasAndHowTimesChanged) {

@@ -12,8 +12,10 @@
 #include <thread>
 
 #include "common/failure.h"
+#include "raw_listener.h"
 #include "sample_records.h"
 #include "scratch_directory.h"
+#include "traffic/select/redaction.h"
 #include "wait_for.h"
 
 namespace hbbtv::traffic {
@@ -64,8 +66,9 @@ class Web : public testing::Test {
     void SetUp() override { Serve({}); }
     void TearDown() override { End(); }
 
-    void Serve(std::function<std::vector<Record>()> open) {
-        session = std::make_unique<WebSession>(WebSettings{directory.Path(), "", 0, {}, std::move(open)});
+    void Serve(std::function<std::vector<Record>()> open, std::function<void(Record&)> redact = nullptr) {
+        session =
+            std::make_unique<WebSession>(WebSettings{directory.Path(), "", 0, {}, std::move(open), std::move(redact)});
         thread = std::thread([this] { session->Run(); });
         const std::string address = session->Address();  // http://127.0.0.1:PORT/TOKEN/
         port = std::stoi(address.substr(address.rfind(':') + 1));
@@ -169,6 +172,16 @@ TEST_F(Web, AsksOnlyWhatChangesNothing) {
     EXPECT_THAT(Post("ask", R"({"operation":"channel.GetName","members":[]})"), HasSubstr("\"problem\""));
     EXPECT_THAT(Post("simulator", R"({"command":"zap next"})"), HasSubstr("no simulator in"));
     EXPECT_THAT(Post("simulator", R"({"command":"zap\nzap"})"), HasSubstr("not a command"));
+}
+
+TEST_F(Web, RedactsWhatThePlatformReplies) {
+    const hbbtv::test::FakePlatform platform("service_plugin_to_hbbtv_local_system",
+                                             R"({"ret":0,"serialNumber":"DE-118842"})");
+    const std::string question = R"({"operation":"local_system.GetSerialNumber","members":{}})";
+    EXPECT_THAT(Post("ask", question), HasSubstr(R"({"reply":{"ret":0,"serialNumber":"DE-118842"}})"));
+    End();
+    Serve({}, [](Record& record) { Redaction().Apply(record); });
+    EXPECT_THAT(Post("ask", question), HasSubstr(R"({"reply":{"ret":0,"serialNumber":"redacted-1"}})"));
 }
 
 TEST_F(Web, ListensOnThisMachineOnly) {

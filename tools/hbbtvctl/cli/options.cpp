@@ -66,6 +66,11 @@ void AddArguments(CLI::App& command, ArgumentOptions& options) {
     command.add_option(kJsonArguments, options.given.json)->group("");
 }
 
+void AddRedact(CLI::App& command, bool& redacted) {
+    command.add_flag("--redact", redacted,
+                     "Replace what belongs to one television or its viewer: ids, keys, entered text, queries of URLs");
+}
+
 void AddJson(CLI::App& command, bool& json) {
     command.add_flag("--json", json, "Print JSON");
 }

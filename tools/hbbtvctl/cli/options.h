@@ -45,6 +45,9 @@ void AddJson(CLI::App& command, bool& json);
 // Adds --take-over, of commands that register callback objects.
 CLI::Option* AddTakeOver(CLI::App& command, bool& takeOver);
 
+// Adds --redact, for commands that show or write messages.
+void AddRedact(CLI::App& command, bool& redacted);
+
 // Returns the words of the command line as the parser needs them. In commands that take arguments, "--json {...}"
 // becomes "--json --json-arguments={...}", so that --json takes a value only if the next word looks like one, and
 // "[...]" is marked as one argument.

@@ -31,15 +31,23 @@ std::string NameOf(const Json::Value& open) {
     return family + "." + (operation.empty() ? "(unknown)" : operation);
 }
 
+// By the name that the relay has seen: a process that has ended has none.
+std::string Describe(const Json::Value& peer) {
+    const pid_t process = peer["pid"].asInt();
+    const std::string name = peer["name"].asString();
+    return name.empty() ? DescribeProcess(process) : name + " (" + std::to_string(process) + ")";
+}
+
 // Whoever has to reply to it: the platform to a request, the library to an event.
 Check OpenExchange(const Json::Value& open) {
     const bool event = open["event"].asBool();
     const Json::Value& peer = open[event ? "library" : "platform"];
     const pid_t process = peer["pid"].asInt();
     const std::string begin = NameOf(open) + " has been open for " + Seconds(open["age_ms"].asUInt64());
-    const std::string who = (event ? "the library, " : "the platform, ") + DescribeProcess(process);
+    const std::string who = (event ? "the library, " : "the platform, ") + Describe(peer);
     if (process != 0 && kill(process, 0) != 0 && errno == ESRCH) {
-        return {"requests", Check::Level::Problem, begin + "; " + who + ", has ended", "start it again", kUnavailable};
+        return {"requests", Check::Level::Problem, begin + "; " + who + ", has ended",
+                "another process keeps its connections: end that one, too, and start it again", kUnavailable};
     }
     if (process != 0 && IsStopped(process)) {
         return {"requests", Check::Level::Problem, begin + "; " + who + ", is stopped",

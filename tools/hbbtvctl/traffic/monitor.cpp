@@ -78,6 +78,7 @@ void AddMonitor(CLI::App& app, Invocation& invocation) {
         ->type_name("FILTER");
     AddJson(*command, options->observer.json);
     command->add_option("--record", options->observer.file, "Write all records to a new file")->type_name("FILE");
+    AddRedact(*command, options->observer.redacted);
     command->add_flag("--stats", options->observer.statistics, "Show statistics every second instead of the records");
     command->add_option("--count", options->observer.count, "Stop after this many records have been shown")
         ->type_name("NUMBER")
@@ -100,7 +101,7 @@ void AddMonitor(CLI::App& app, Invocation& invocation) {
         "Examples:\n"
         "  hbbtvctl monitor channel channel_config --for 1s\n"
         "  hbbtvctl monitor --filter 'op:SetChannel | ms>5 | event' --for 1s\n"
-        "  hbbtvctl monitor --record new.ndjson --stats --for 1s\n"
+        "  hbbtvctl monitor --record new.ndjson --redact --stats --for 1s\n"
         "  hbbtvctl monitor --break --json --for 1s\n"
         "  hbbtvctl monitor --rule 'op:SetChannel delay=2s' --rule 'p=0.01 corrupt' --for 1s");
     command->callback([options, &invocation] {

@@ -20,31 +20,41 @@ constexpr char kClear[] = "\x1b[H\x1b[J";
 
 Observer::Observer(const ObserverSettings& settings, Output& output, std::function<void()> onCount)
     : mSettings(settings), mFilter(settings.filter), mOutput(output), mOnCount(std::move(onCount)) {
-    if (!settings.file.empty()) mWriter = std::make_unique<traffic::RecordingWriter>(settings.file, settings.head);
+    if (settings.file.empty()) return;
+    traffic::RecordingHead head = settings.head;
+    if (settings.redacted) traffic::Redaction::Apply(head);
+    mWriter = std::make_unique<traffic::RecordingWriter>(settings.file, head);
 }
 
-void Observer::Take(const traffic::Record& record) {
-    if (mWriter != nullptr) Record(record);
-    if (!mFilter.Matches(record)) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        mNames.Learn(record);
-        return;
-    }
+// The filter selects by what is then redacted.
+void Observer::Take(const traffic::Record& seen) {
+    const bool selected = mFilter.Matches(seen);
+    const std::optional<traffic::Record> redacted = Redacted(seen);
+    const traffic::Record& record = redacted ? *redacted : seen;
     std::string line;
     {
         std::lock_guard<std::mutex> lock(mMutex);
         mNames.Learn(record);
-        mStatistics.Add(record);
-        if (!mSettings.json && !mSettings.statistics) line = Line(record, mNames, mSettings.head.zone);
+        if (selected) mStatistics.Add(record);
+        if (selected && !mSettings.json && !mSettings.statistics) line = Line(record, mNames, mSettings.head.zone);
     }
-    if (mSettings.count != 0 && mShown == mSettings.count) return;
+    if (mWriter != nullptr) Write(record);
+    if (!selected || (mSettings.count != 0 && mShown == mSettings.count)) return;
     if (mSettings.json) line = WriteJson(ToJson(record));
     if (!mSettings.statistics) mOutput.Print(line);
     if (++mShown == mSettings.count) mOnCount();
 }
 
+std::optional<traffic::Record> Observer::Redacted(const traffic::Record& record) {
+    if (!mSettings.redacted) return std::nullopt;
+    traffic::Record redacted = record;
+    std::lock_guard<std::mutex> lock(mMutex);
+    mRedaction.Apply(redacted);
+    return redacted;
+}
+
 // The file is tried again with each record: there may be room later.
-void Observer::Record(const traffic::Record& record) {
+void Observer::Write(const traffic::Record& record) {
     const std::string problem = mWriter->Write(record);
     if (problem.empty()) {
         ++mWritten;
@@ -78,8 +88,10 @@ void Observer::Show(const std::vector<traffic::Record>& open) {
         ages[key] = shown == mAges.end() ? 0 : shown->second;
         if (age < kLong || age < 2 * ages[key]) continue;
         ages[key] = age;
+        const std::optional<traffic::Record> redacted = Redacted(record);
         std::lock_guard<std::mutex> lock(mMutex);
-        mOutput.Print(Line(record, mNames, mSettings.head.zone) + "  open for " + traffic::DurationText(age));
+        mOutput.Print(Line(redacted ? *redacted : record, mNames, mSettings.head.zone) + "  open for " +
+                      traffic::DurationText(age));
     }
     mAges.swap(ages);
 }

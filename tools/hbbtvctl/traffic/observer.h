@@ -5,12 +5,14 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "traffic/output.h"
 #include "traffic/record/recording.h"
+#include "traffic/select/redaction.h"
 #include "traffic/view/filter.h"
 #include "traffic/view/names.h"
 #include "traffic/view/statistics.h"
@@ -22,6 +24,7 @@ struct ObserverSettings {
     bool json = false;
     bool statistics = false;  // instead of the records
     std::string file;         // of the recording; empty: none
+    bool redacted = false;    // what is shown and what is written
     uint64_t count = 0;       // of shown records, 0: no limit
     traffic::RecordingHead head;
 };
@@ -42,7 +45,10 @@ class Observer {
     void Finish();
 
   private:
-    void Record(const traffic::Record& record);
+    void Write(const traffic::Record& record);
+
+    // Returns nothing if records are shown as they are.
+    std::optional<traffic::Record> Redacted(const traffic::Record& record);
     void ShowStatistics(const std::vector<traffic::Record>& open);
 
     const ObserverSettings mSettings;
@@ -56,6 +62,7 @@ class Observer {
     uint64_t mShown = 0;
     uint64_t mTicks = 0;
     std::mutex mMutex;
+    traffic::Redaction mRedaction;                            // guarded by mMutex
     traffic::Names mNames;                                    // guarded by mMutex
     traffic::Statistics mStatistics;                          // guarded by mMutex
     std::map<std::pair<uint64_t, uint64_t>, uint64_t> mAges;  // of open exchanges that were shown: connection, time

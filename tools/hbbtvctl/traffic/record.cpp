@@ -7,9 +7,11 @@
 #include "cli/options.h"
 #include "commands/commands.h"
 #include "common/failure.h"
+#include "common/text/counted.h"
 #include "common/text/printable.h"
 #include "traffic/log/log_import.h"
 #include "traffic/record/recording.h"
+#include "traffic/select/redaction.h"
 
 namespace hbbtv::ctl {
 
@@ -25,6 +27,7 @@ struct RecordOptions {
     LogSettings log;
     std::string file{"-"};
     std::string year;
+    bool redacted = false;
 };
 
 std::string ZoneHere() {
@@ -74,12 +77,12 @@ void Report(const LogImport& import) {
     for (const std::string& problem : import.Problems()) {
         std::fprintf(stderr, "hbbtvctl: %s\n", Printable(problem).c_str());
     }
-    const auto number = [](uint64_t count) { return static_cast<unsigned long long>(count); };
-    std::fprintf(stderr,
-                 "%llu lines: %llu requests, %llu events, %llu warnings of the library; %llu messages cut, %llu mixed, "
-                 "%llu unknown; %llu lines lost\n",
-                 number(counts.lines), number(counts.exchanges), number(counts.events), number(counts.notes),
-                 number(counts.cut), number(counts.mixed), number(counts.unknown), number(counts.lost));
+    const std::string text = Counted(counts.lines, "line") + ": " + Counted(counts.exchanges, "request") + ", " +
+                             Counted(counts.events, "event") + ", " + Counted(counts.notes, "warning") +
+                             " of the library; " + Counted(counts.cut, "message") + " cut, " +
+                             std::to_string(counts.mixed) + " mixed, " + std::to_string(counts.unknown) + " unknown; " +
+                             Counted(counts.lost, "line") + " lost";
+    std::fprintf(stderr, "%s\n", text.c_str());
 }
 
 int Run(RecordOptions options) {
@@ -87,7 +90,12 @@ int Run(RecordOptions options) {
     if (!options.year.empty()) options.log.year = std::stoi(options.year);
     Writer writer(options.file);
     LogImport* reader = nullptr;
-    LogImport import(options.log, [&](const Record& record) { writer.Write(record, reader->Zone()); });
+    traffic::Redaction redaction;
+    LogImport import(options.log, [&](const Record& record) {
+        Record written = record;
+        if (options.redacted) redaction.Apply(written);
+        writer.Write(written, reader->Zone());
+    });
     reader = &import;
     import.Run();
     Report(import);
@@ -118,6 +126,7 @@ void AddRecord(CLI::App& app, Invocation& invocation) {
     command->add_option("--year", options->year, "Year of the log's times (default: the latest that is possible)")
         ->type_name("YEAR")
         ->check(WholeNumber(1970, 2200));
+    AddRedact(*command, options->redacted);
     command->footer(
         "Reads the messages that the service writes at the level debug, from logcat in the formats brief, tag, "
         "process,\n"
@@ -127,6 +136,7 @@ void AddRecord(CLI::App& app, Invocation& invocation) {
         "the log also has the level verbose and the threads.\n\n"
         "Examples:\n"
         "  hbbtvctl record import log.txt --record imported.ndjson\n"
+        "  hbbtvctl record import log.txt --redact --record for-the-supplier.ndjson\n"
         "  hbbtvctl record import log.txt --zone +01:00 --year 2026 | hbbtvctl show -");
     command->callback([options, &invocation] { invocation.run = [options] { return Run(*options); }; });
 }

@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 
 #include "common/failure.h"
@@ -30,6 +31,21 @@ std::vector<std::string> RulesIn(const std::string& path) {
     return rules;
 }
 
+// A wrong name would be a relay that waits for sockets for ever.
+void CheckDirectories(const traffic::RelaySettings& settings) {
+    for (const std::string& directory : {settings.directory, settings.platform}) {
+        if (directory.empty()) continue;
+        std::error_code error;
+        if (std::filesystem::is_directory(directory, error)) continue;
+        const std::string reason = error ? error.message() : "not a directory";
+        throw Failure(kUnavailable, directory + ": " + reason + "; create it, or use that of the sockets");
+    }
+    std::error_code ignored;
+    if (!settings.platform.empty() && std::filesystem::equivalent(settings.directory, settings.platform, ignored)) {
+        throw Failure(kUsage, "--between needs two directories; leave it out if there is one");
+    }
+}
+
 }  // namespace
 
 void AddRelayOptions(CLI::App& command, RelayOptions& options) {
@@ -52,6 +68,7 @@ traffic::RelaySettings SettingsOf(const std::string& directory, const RelayOptio
     traffic::RelaySettings settings;
     settings.directory = options.between.empty() ? directory : options.between[0];
     if (!options.between.empty()) settings.platform = options.between[1];
+    CheckDirectories(settings);
     for (const std::string& name : options.families) {
         const WireFamily& family = FindFamily(name);
         settings.sockets.insert(RequestsOf(family).socket);

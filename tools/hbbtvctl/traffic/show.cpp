@@ -181,8 +181,7 @@ void AddSelection(CLI::App& command, ShowOptions& options) {
         .add_option("--from", options.selection.from, "Show only records from this time on, in the recording's zone")
         ->type_name("TIME");
     command.add_option("--to", options.selection.to, "Show only records up to this time")->type_name("TIME");
-    command.add_flag("--redact", options.selection.redacted,
-                     "Replace device ids, serial numbers and the queries of URLs");
+    AddRedact(command, options.selection.redacted);
 }
 
 void AddForms(CLI::App& command, ShowOptions& options) {
@@ -204,6 +203,10 @@ void AddForms(CLI::App& command, ShowOptions& options) {
         }
     }
     AddJson(command, options.json);
+    CLI::Option* const json = command.get_option("--json");
+    for (CLI::Option* form : forms) {
+        if (form->get_name() != "--stats" && form->get_name() != "--diff") form->excludes(json);
+    }
 }
 
 }  // namespace

@@ -133,37 +133,44 @@ WalkWriter::WalkWriter(const traffic::RecordingHead& head, std::function<void(co
 }
 
 void WalkWriter::Add(const Record& record) {
-    if (record.kind == Record::Kind::Exchange) mRecords.push_back(record);
+    if (record.kind != Record::Kind::Exchange) return;
+    mOrder.push_back({record.time.Wall(), mRecords.size()});
+    Record kept = record;
+    kept.library = kept.platform = {};  // not in the play
+    mRecords.Add(kept);
+    if (record.event) mHasEvents.insert(record.family);
 }
 
 void WalkWriter::Finish() {
-    std::stable_sort(mRecords.begin(), mRecords.end(),
-                     [](const Record& a, const Record& b) { return a.time.Wall() < b.time.Wall(); });
+    std::sort(mOrder.begin(), mOrder.end());
     std::optional<size_t> request;
     std::set<std::string> families;
-    for (size_t i = 0; i < mRecords.size(); ++i) {
-        const Record& record = mRecords[i];
+    for (size_t i = 0; i < mOrder.size(); ++i) {
+        const Record record = Recorded(i);
         if (!record.event) request = i;
         if (Registers(record)) families.insert(record.family);
         if (!record.event || !WasReceived(record) || ProtocolEntry(record) == nullptr) continue;
         // Some families register for events without a request.
         if (families.insert(record.family).second) mRegisterBefore[request.value_or(i)].push_back(record.family);
     }
-    uint64_t before = mRecords.empty() ? 0 : mRecords[0].time.Wall();
-    for (size_t i = 0; i < mRecords.size(); ++i) {
+    uint64_t before = mOrder.empty() ? 0 : mOrder[0].first;
+    for (size_t i = 0; i < mOrder.size(); ++i) {
+        const Record record = Recorded(i);
         RegisterBefore(i);
-        const uint64_t time = mRecords[i].time.Wall();
-        if (mRecords[i].event) {
-            WriteEvent(mRecords[i], time > before ? time - before : 0);
+        const uint64_t time = record.time.Wall();
+        if (record.event) {
+            WriteEvent(record, time > before ? time - before : 0);
         } else {
-            WriteRequest(mRecords[i]);
+            WriteRequest(record);
         }
-        before = time + mRecords[i].duration.value_or(0);
+        before = time + record.duration.value_or(0);
     }
 }
 
 void WalkWriter::RegisterBefore(size_t request) {
-    for (const std::string& family : mRegisterBefore[request]) Register(family);
+    const auto families = mRegisterBefore.find(request);
+    if (families == mRegisterBefore.end()) return;
+    for (const std::string& family : families->second) Register(family);
 }
 
 void WalkWriter::Register(const std::string& family) {
@@ -187,7 +194,8 @@ void WalkWriter::Register(const std::string& family) {
     }
     // What the recorded client replied.
     std::set<std::string> answered;
-    for (const Record& event : mRecords) {
+    for (size_t i = 0; i < mOrder.size() && mHasEvents.count(family) != 0; ++i) {
+        const Record event = Recorded(i);
         const Interface* callback = nullptr;
         if (!event.event || event.family != family || !event.reply || !event.reply->json.isObject()) continue;
         const Method* received = MethodOf(event, callback);
@@ -195,10 +203,10 @@ void WalkWriter::Register(const std::string& family) {
         const std::vector<Argument> members = ArgumentsOf((*ProtocolEntry(event))["reply"]);
         if (members.size() + 1 != received->results.size()) continue;
         std::string values = event.reply->json["ret"].asString();
-        for (size_t i = 0; i < members.size(); ++i) {
-            const Type& type = *received->results[i + 1].type;
-            const std::string value =
-                Value(type, *members[i].member, ValueIn(event.reply->json, *members[i].member), false);
+        for (size_t member = 0; member < members.size(); ++member) {
+            const Type& type = *received->results[member + 1].type;
+            const Json::Value& facts = *members[member].member;
+            const std::string value = Value(type, facts, ValueIn(event.reply->json, facts), false);
             values += value.empty() ? "" : ", " + value;
         }
         mWrite("answer " + callback->name + "." + received->name + " -> " + values + "\n");

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "package/description.h"
+#include "traffic/record/packed_records.h"
 #include "traffic/record/recording.h"
 
 namespace hbbtv::ctl {
@@ -43,8 +44,13 @@ class WalkWriter {
     std::string Value(const Type& type, const Json::Value& member, const Json::Value& value, bool names);
     std::string HandleText(const std::string& kind, uint64_t handle, bool names);
 
+    // Returns the record of a place in mOrder.
+    traffic::Record Recorded(size_t place) const { return mRecords.At(mOrder[place].second); }
+
     const std::function<void(const std::string&)> mWrite;
-    std::vector<traffic::Record> mRecords;
+    traffic::PackedRecords mRecords;
+    std::vector<std::pair<uint64_t, size_t>> mOrder;                 // times, and places in mRecords
+    std::set<std::string> mHasEvents;                                // families
     std::map<std::pair<std::string, uint64_t>, std::string> mNames;  // of handles, by kind
     std::set<std::pair<std::string, uint64_t>> mReleased;            // handles
     std::map<std::string, int> mCounts;                              // of names, by kind

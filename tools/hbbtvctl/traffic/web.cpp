@@ -2,6 +2,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <mutex>
 #include <thread>
 
 #include "cli/options.h"
@@ -12,6 +13,7 @@
 #include "common/time_stamp.h"
 #include "traffic/relay/relay.h"
 #include "traffic/relay_options.h"
+#include "traffic/select/redaction.h"
 #include "traffic/web/web_session.h"
 
 namespace hbbtv::ctl {
@@ -28,6 +30,7 @@ struct WebOptions {
     std::string file;
     uint16_t port = 0;
     std::string record;
+    bool redacted = false;
     RelayOptions relay;
     TimeOption duration{""};
 };
@@ -53,14 +56,38 @@ void PrintAddress(const WebSession& session) {
     std::fflush(stdout);
 }
 
+// Redacts records, if that is wanted. Thread-safe: the questions of a page come on another thread.
+class Redactor {
+  public:
+    explicit Redactor(bool wanted) : mWanted(wanted) {}
+
+    void Apply(Record& record) {
+        if (!mWanted) return;
+        std::lock_guard<std::mutex> lock(mMutex);
+        mRedaction.Apply(record);
+    }
+    void Apply(traffic::RecordingHead& head) const {
+        if (mWanted) traffic::Redaction::Apply(head);
+    }
+
+  private:
+    const bool mWanted;
+    std::mutex mMutex;
+    traffic::Redaction mRedaction;  // guarded by mMutex
+};
+
 // Serves a recording.
 int ShowFile(const std::string& directory, const WebOptions& options) {
     Interruption interruption;
     traffic::RecordingReader reader(options.file);
-    WebSession session({directory, "", options.port, reader.Head(), nullptr});
+    Redactor redactor(options.redacted);
+    traffic::RecordingHead head = reader.Head();
+    redactor.Apply(head);
+    WebSession session({directory, "", options.port, head, nullptr, [&redactor](Record& r) { redactor.Apply(r); }});
     const Serving serving(session);
     PrintAddress(session);
-    for (uint64_t count = 1; const std::optional<Record> record = reader.Next(); ++count) {
+    for (uint64_t count = 1; std::optional<Record> record = reader.Next(); ++count) {
+        redactor.Apply(*record);
         session.Add(*record);
         const bool look = count % kLookEvery == 0;
         if (look && interruption.Wait(Milliseconds(0)) != Interruption::Cause::Deadline) return kDone;
@@ -99,13 +126,18 @@ int ShowTraffic(const std::string& directory, const WebOptions& options) {
     KeepRunning();
     Interruption interruption{SIGHUP, SIGQUIT, SIGUSR1, SIGUSR2};
     const traffic::RelaySettings settings = SettingsOf(directory, options.relay, "hbbtvctl web");
-    const traffic::RecordingHead head = HeadOf(settings);
+    Redactor redactor(options.redacted);
+    traffic::RecordingHead head = HeadOf(settings);
+    redactor.Apply(head);
     Keeper keeper(options.record, head);
     traffic::Relay* known = nullptr;  // asked by the page, once it is served
     WebSession session(traffic::WebSettings{settings.directory, settings.platform, options.port, head,
-                                            [&known] { return known->Open(); }});
+                                            [&known] { return known->Open(); },
+                                            [&redactor](Record& record) { redactor.Apply(record); }});
     // The first records come while the relay is created.
-    traffic::Relay relay(settings, [&](const Record& record) {
+    traffic::Relay relay(settings, [&](const Record& seen) {
+        Record record = seen;
+        redactor.Apply(record);
         keeper.Keep(record);
         session.Add(record);
     });
@@ -133,6 +165,7 @@ void AddWeb(CLI::App& app, Invocation& invocation) {
         ->type_name("PORT")
         ->check(WholeNumber(1, 65535));
     command->add_option("--record", options->record, "Write all records to a new file")->type_name("FILE");
+    AddRedact(*command, options->redacted);
     AddTime(*command, "--for", options->duration, "Stop after this time");
     AddRelayOptions(*command, options->relay);
     command->footer(
