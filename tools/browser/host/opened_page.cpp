@@ -32,7 +32,8 @@ std::string UrlOf(const Options& options, Files& files) {
 
 }  // namespace
 
-OpenedPage::OpenedPage(const Options& options, devtools::Loop& loop, Platform& platform, Carousel& carousel, Files& files)
+OpenedPage::OpenedPage(const Options& options, devtools::Loop& loop, Platform& platform, Carousel& carousel,
+                       Files& files)
     : mOptions(options), mLoop(loop), mPlatform(platform), mCarousel(carousel), mUrl(UrlOf(options, files)) {}
 
 void OpenedPage::Open(Tabs& tabs, Pages& pages, const Errand::TakePicture& takePicture, const Errand::OnDone& onDone) {
