@@ -39,8 +39,7 @@ Record With(const PrivateMember& member, const Json::Value& entry, bool event, c
     const bool asked = MemberIn(entry[event ? "members" : "request"], member.key) != nullptr;
     Json::Value members(Json::objectValue);
     if (asked) members[member.key] = value;
-    const Json::Value message =
-        event ? MakeEvent(family, entry, members) : MakeRequest(family, entry, members);
+    const Json::Value message = event ? MakeEvent(family, entry, members) : MakeRequest(family, entry, members);
     Json::Value reply(Json::objectValue);
     reply["ret"] = 0;
     if (!asked) reply[member.key] = value;

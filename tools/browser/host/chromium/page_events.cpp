@@ -126,7 +126,9 @@ void Pages::Detached(const std::string& name) {
     const Session session = found->second;
     mSessions.erase(found);
     if (session.page == mHelper) mHelper.clear();
-    if (session.main) Report(session, Text(Kind::Gone, ""));
+    if (!session.main) return;
+    mProcesses.Gone(session.page);
+    Report(session, Text(Kind::Gone, ""));
 }
 
 void Pages::TakePageEvent(const std::string& name, Session& session, const std::string& method,
