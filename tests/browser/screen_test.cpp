@@ -2,11 +2,12 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
+#include "application_system.h"
 #include "common/failure.h"
-#include "system.h"
 
 namespace hbbtv::test {
 
@@ -49,6 +50,40 @@ bool TakesTheSignal(pid_t pid) {
         if (line.rfind("SigCgt:", 0) == 0) return (std::stoull(line.substr(7), nullptr, 16) >> (SIGUSR1 - 1) & 1) != 0;
     }
     return false;
+}
+
+// A display without a window manager. Its window has a title bar, whose height is Chromium's.
+class Display {
+  public:
+    bool Started() { return mServer.WaitForOutput("\n"); }
+    std::string Variable() const { return "DISPLAY=:" + mServer.Output().substr(0, mServer.Output().find('\n')); }
+
+    // Clicks at the places where the red key may be.
+    void ClickRed() const {
+        std::vector<std::string> words;
+        for (const int y : {60, 70, 80, 90, 100, 110}) {
+            for (const std::string& word : {std::string("mousemove"), std::string("1325"), std::to_string(y),
+                                            std::string("click"), std::string("1")})
+                words.push_back(word);
+        }
+        Do(words);
+    }
+
+    void Press(const std::string& key) const { Do({"key", key}); }
+
+  private:
+    void Do(std::vector<std::string> words) const {
+        words.insert(words.begin(), "xdotool");
+        const FinishedRun run = RunToEnd(words, std::nullopt, {Variable()});
+        EXPECT_EQ(run.exit, 0) << run.Text();
+    }
+
+    ChildProcess mServer{{"Xvfb", "-displayfd", "1", "-screen", "0", "1600x900x24", "-nolisten", "tcp"}};
+};
+
+std::string ReadAll(const std::string& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 }  // namespace
@@ -136,11 +171,10 @@ TEST(Screen, IsWrittenToTheFileAtEachSignal) {
 TEST(Screen, IsInAWindowBesideARemoteControlIfThereIsADisplay) {
     const BrowserSystem system;
     ASSERT_TRUE(system.ready);
-    ChildProcess display({"Xvfb", "-displayfd", "1", "-screen", "0", "1600x900x24", "-nolisten", "tcp"});
-    ASSERT_TRUE(display.WaitForOutput("\n"));
-    const std::string number = display.Output().substr(0, display.Output().find('\n'));
+    Display display;
+    ASSERT_TRUE(display.Started());
     const std::string picture = system.directory / "window.png";
-    ChildProcess browser({HBBTV_BROWSER_PROGRAM, "--screenshot", picture}, {"DISPLAY=:" + number});
+    ChildProcess browser({HBBTV_BROWSER_PROGRAM, "--screenshot", picture}, {display.Variable()});
     ASSERT_TRUE(WaitFor([&] { return TakesTheSignal(browser.Pid()); }));
     browser.Signal(SIGUSR1);
     EXPECT_TRUE(WaitFor([&] { return std::filesystem::exists(picture); })) << browser.Output();
@@ -149,6 +183,51 @@ TEST(Screen, IsInAWindowBesideARemoteControlIfThereIsADisplay) {
     EXPECT_EQ(browser.Output(), "");
     // The remote control is dark grey, a red key is at its upper left corner.
     EXPECT_EQ(ColoursOf(system, "window.png", "[[1285, 5], [1300, 30]]"), "[\"32,36,40\",\"221,51,51\"]\n");
+}
+
+TEST(Screen, SendsTheKeysOfItsRemoteControlAndOfTheKeyboardToTheApplication) {
+    const ApplicationSystem system(
+        "<script>const keys = new Set;\n"
+        "addEventListener('keydown', ({keyCode}) => { document.title = [...keys.add(keyCode)]; });</script>");
+    ASSERT_TRUE(system.ready);
+    Display display;
+    ASSERT_TRUE(display.Started());
+    std::vector<std::string> command = system.Command();
+    command.erase(std::find(command.begin(), command.end(), "--headless"));
+    ChildProcess browser(command, {display.Variable()});
+    ASSERT_TRUE(ApplicationSystem::OpenArte()) << browser.Output();
+    EXPECT_TRUE(WaitFor([&] {
+        display.ClickRed();
+        return ApplicationSystem::Tell("tabs").find("title \"403\"") != std::string::npos;
+    })) << ApplicationSystem::Tell("tabs");
+    display.Press("F2");
+    EXPECT_TRUE(ApplicationSystem::ShowsTab("title \"403,404\"")) << ApplicationSystem::Tell("tabs");
+    browser.Signal(SIGINT);
+    EXPECT_EQ(browser.WaitForExit(), kDone);
+}
+
+TEST(Screen, RunsAProgramForTheKeysOfItsRemoteControlInsteadIfOneIsGiven) {
+    const ApplicationSystem system(
+        "<script>addEventListener('keydown', ({keyCode}) => { document.title = 'key ' + keyCode; });</script>");
+    ASSERT_TRUE(system.ready);
+    const std::string keys = system.directory / "keys";
+    const std::string program = system.Write("remote", "#!/bin/sh\necho \"$1\" >>" + keys + "\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    Display display;
+    ASSERT_TRUE(display.Started());
+    std::vector<std::string> command = system.Command();
+    std::replace(command.begin(), command.end(), std::string("--headless"), "--remote=" + program);
+    ChildProcess browser(command, {display.Variable()});
+    ASSERT_TRUE(ApplicationSystem::OpenArte()) << browser.Output();
+    EXPECT_TRUE(WaitFor([&] {
+        display.ClickRed();
+        return ReadAll(keys).find("RED\n") != std::string::npos;
+    })) << browser.Output();
+    display.Press("Prior");
+    EXPECT_TRUE(WaitFor([&] { return ReadAll(keys).find("P+\n") != std::string::npos; })) << ReadAll(keys);
+    EXPECT_TRUE(ApplicationSystem::ShowsTab("title \"arte\"")) << ApplicationSystem::Tell("tabs");
+    browser.Signal(SIGINT);
+    EXPECT_EQ(browser.WaitForExit(), kDone);
 }
 
 TEST(Screen, SaysThatADisplayCannotBeUsed) {

@@ -135,6 +135,11 @@ class Pages {
         std::string url;
     };
 
+    std::string SessionOf(const std::string& page) const;
+    void ReadStream(const std::string& page, const std::string& stream, const std::string& begin,
+                    const std::function<void(const std::string&)>& onText);
+
+    // In page_events.cpp.
     void Attached(const std::string& parent, const Json::Value& params);
     void Detached(const std::string& name);
     void Prepare(const std::string& name, const Session& session);
@@ -148,11 +153,8 @@ class Pages {
     void Crashed(const Json::Value& params);
     bool ReportedNoMemory();
     void Called(const Request& request);
-    void ReadStream(const std::string& page, const std::string& stream, const std::string& begin,
-                    const std::function<void(const std::string&)>& onText);
     void LoadFailed(const std::string& name, const std::string& frame, const LoadFailure& failure);
     void Report(const Session& session, const PageChange& change);
-    std::string SessionOf(const std::string& page) const;
 
     devtools::DevTools& mChromium;
     Console& mConsole;

@@ -29,6 +29,9 @@ class RenderProcesses {
     // `onProcess` gets 0 if that fails.
     void Get(const std::string& page, OnProcess onProcess);
 
+    // Ends what has been asked about a page that has gone: Chromium does not report the end of its trace.
+    void Gone(const std::string& page);
+
     // Takes an event of Chromium. Returns whether it is one of traces.
     bool Take(const std::string& method, const Json::Value& params);
 
@@ -40,6 +43,7 @@ class RenderProcesses {
     const Send mSend;
     std::deque<std::pair<std::string, OnProcess>> mWanted;  // pages; the first one is being traced
     int mProcess = 0;                                       // of the first one
+    int mTrace = 0;                                         // number of its trace
 };
 
 }  // namespace hbbtv::browser

@@ -38,6 +38,9 @@ struct LoadFailure {
     std::string text;
 };
 
+// The code of a load that another one has replaced.
+inline constexpr int kAborted = -3;
+
 // Returns the failure with Chromium's code for this text, "net::ERR_NAME_NOT_RESOLVED", or of -2.
 LoadFailure FailureOf(const std::string& text);
 

@@ -102,8 +102,8 @@ void Platform::CheckOtherBrowser() {
 }
 
 void Platform::Register() {
-    const auto service = mServices.Of(Package::Get().FindInterface("IMtm"));
-    if (!service->Service()->linkToDeath(mDeath, 0).withDefault(false))
+    mService = mServices.Of(Package::Get().FindInterface("IMtm"));
+    if (!mService->Service()->linkToDeath(mDeath, 0).withDefault(false))
         throw Failure(kUnavailable, "the service has just ended; start it again");
     CallLater("IMtm.RegisterCallback", Arguments({{"callback", "@listen"}}));
     mWorkers[kWatcher].Post([this] { mPlatform = 0; });

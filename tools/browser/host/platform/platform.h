@@ -89,8 +89,9 @@ class Platform : public EventSink {
     std::map<std::string, Worker> mWorkers;  // by the interface
     Handlers mHandlers;
     android::sp<android::hardware::hidl_death_recipient> mDeath;
-    bool mLost = false;   // on the loop
-    pid_t mPlatform = 0;  // on the worker that watches it; 0: not known
+    std::shared_ptr<ServiceCaller> mService;  // kept, because the end of a service is not reported without its proxy
+    bool mLost = false;                       // on the loop
+    pid_t mPlatform = 0;                      // on the worker that watches it; 0: not known
 };
 
 }  // namespace hbbtv::browser
