@@ -1,6 +1,7 @@
 // What a viewer sees: the picture of the channel below the applications, in pictures and in a window.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -55,8 +56,13 @@ bool TakesTheSignal(pid_t pid) {
 // A display without a window manager. Its window has a title bar, whose height is Chromium's.
 class Display {
   public:
+    // Ended by a signal that lets the server remove its files.
+    ~Display() {
+        mServer.Signal(SIGTERM);
+        mServer.WaitForExit();
+    }
     bool Started() { return mServer.WaitForOutput("\n"); }
-    std::string Variable() const { return "DISPLAY=:" + mServer.Output().substr(0, mServer.Output().find('\n')); }
+    std::string Variable() const { return "DISPLAY=" + mName; }
 
     // Clicks at the places where the red key may be.
     void ClickRed() const {
@@ -78,7 +84,10 @@ class Display {
         EXPECT_EQ(run.exit, 0) << run.Text();
     }
 
-    ChildProcess mServer{{"Xvfb", "-displayfd", "1", "-screen", "0", "1600x900x24", "-nolisten", "tcp"}};
+    // Servers that look for a free number at the same time may find the same one.
+    const std::string mName = ":" + std::to_string(1000 + getpid() % 50000);
+    ChildProcess mServer{
+        {"Xvfb", mName, "-displayfd", "1", "-screen", "0", "1600x900x24", "-nolisten", "tcp", "-noreset"}};
 };
 
 std::string ReadAll(const std::string& path) {

@@ -27,7 +27,8 @@ void Screen::Start(bool window, std::function<void()> onReady) {
 }
 
 void Screen::Changed(const std::string& page, const PageChange& change) {
-    if (page != mPage || change.kind != PageChange::Kind::Finished) return;
+    // The window's first page may still be loading when it is replaced.
+    if (page != mPage || change.kind != PageChange::Kind::Finished || change.text != kTelevisionUrl) return;
     mReady = true;
     for (const auto& onReady : std::exchange(mOnReady, {})) onReady();
 }
