@@ -1,11 +1,12 @@
-# Headers of others that are parsed once for a target instead of in each of its files. Not with ccache, which would not
-# keep what is compiled with them; so a file must include what it uses in any case.
+# Headers that the tests parse once for a program instead of in each file. Not for what is installed, whose bytes would
+# then depend on it, and not with ccache, which would not keep what is compiled with them; so a file must include what it
+# uses in any case.
 
 set(precompile OFF)
 if(PROJECT_IS_TOP_LEVEL AND CMAKE_CXX_COMPILER_ID STREQUAL GNU AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(precompile ON)
 endif()
-option(HBBTV_PRECOMPILED_HEADERS "Precompile the headers of the C++ library and of other packages" ${precompile})
+option(HBBTV_PRECOMPILED_HEADERS "Precompile headers of the C++ library and of other packages for tests" ${precompile})
 
 # precompile_headers(<target> <header in brackets>...)
 #
