@@ -48,6 +48,8 @@ class Package {
     struct QualifiedMethod {
         const Interface* interface;
         const Method* method;
+
+        std::string Name() const { return interface->name + "." + method->name; }
     };
     QualifiedMethod FindMethod(const std::string& name) const;
 

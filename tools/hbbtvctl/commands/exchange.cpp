@@ -131,7 +131,11 @@ int Exchange(const Message& message, bool json, const ExchangeOptions& options) 
         reply.content = ParseReply(message, frame.payload);
     }
     reply.milliseconds = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
-    (json ? PrintForPrograms : PrintForPeople)(message, reply, options);
+    if (json) {
+        PrintForPrograms(message, reply, options);
+    } else {
+        PrintForPeople(message, reply, options);
+    }
     return reply.content.isNull() || reply.content["ret"].asInt() == 0 ? kDone : kStatusNotZero;
 }
 

@@ -51,7 +51,7 @@ void PrintLines(const char* what, const Json::Value& covered) {
 }  // namespace
 
 void Coverage::Called(const Package::QualifiedMethod& method) {
-    mMethods.insert(method.interface->name + "." + method.method->name);
+    mMethods.insert(method.Name());
 }
 
 void Coverage::Saw(const WireFamily& family, const Json::Value& event) {

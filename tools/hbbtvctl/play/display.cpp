@@ -8,11 +8,7 @@ namespace hbbtv::ctl {
 
 namespace {
 
-std::string FullName(const Package::QualifiedMethod& method) {
-    return method.interface->name + "." + method.method->name;
-}
-
-std::string Hexadecimal(int64_t handle) {
+std::string HandleText(int64_t handle) {
     return ForPeople(*MakeType("int64_t"), Json::Value(static_cast<Json::Int64>(handle)), true);
 }
 
@@ -43,7 +39,7 @@ std::string Display::NameOf(int64_t handle) const {
 std::string Display::Value(const Parameter& parameter, const Json::Value& value) const {
     if (IsHandle(parameter) && value.isIntegral()) {
         const std::string name = NameOf(value.asInt64());
-        if (!name.empty()) return OneLine(name) + " (" + Hexadecimal(value.asInt64()) + ")";
+        if (!name.empty()) return OneLine(name) + " (" + HandleText(value.asInt64()) + ")";
     }
     if (value.isString()) {
         const std::string line = OneLine(value.asString());
@@ -71,7 +67,7 @@ std::string Display::Call(const CallStep& step, const Json::Value& arguments) co
         }
         text += (i == 0 ? "" : ", ") + shown;
     }
-    return FullName(step.called) + "(" + text + ")";
+    return step.called.Name() + "(" + text + ")";
 }
 
 bool Display::InItsOwnWords(const Package::QualifiedMethod& method, const std::vector<Parameter>& parameters,
@@ -79,7 +75,7 @@ bool Display::InItsOwnWords(const Package::QualifiedMethod& method, const std::v
     Format format;
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        const auto found = mShown.find(FullName(method));
+        const auto found = mShown.find(method.Name());
         if (found == mShown.end()) return false;
         format = found->second;
     }

@@ -34,10 +34,6 @@ Milliseconds Left(Clock::time_point deadline) {
     return std::max(left, Milliseconds(0));
 }
 
-std::string FullName(const Package::QualifiedMethod& method) {
-    return method.interface->name + "." + method.method->name;
-}
-
 Json::Value ByName(const std::vector<Parameter>& parameters, const Json::Value& values) {
     Json::Value named(Json::objectValue);
     for (Json::ArrayIndex i = 0; i < parameters.size(); ++i) {
@@ -159,7 +155,7 @@ void Player::Do(const CallStep& step, StepReport& report) {
     }
     const auto deadline = Clock::now() + step.within.value_or(mStage.timeout);
     report.asked = mStage.display.Call(step, arguments);
-    report.details["method"] = FullName(step.called);
+    report.details["method"] = step.called.Name();
     int attempts = 0;
     // The library finds out by a request, which fails, that the platform has been restarted since the last one.
     bool mayBeDisconnected = mCalled.insert(step.called.interface->name).second;
@@ -241,15 +237,15 @@ void Player::Do(const EmitStep& step, StepReport& report) {
 }
 
 void Player::Do(const AnswerStep& step, StepReport&) {
-    mStage.arrivals.Answer(FullName(step.answered), ValuesOf(step.results, step.answered.method->results));
+    mStage.arrivals.Answer(step.answered.Name(), ValuesOf(step.results, step.answered.method->results));
 }
 
 Arrival Player::NextArrival(const EventStep& step, Clock::time_point deadline) {
-    const std::string method = step.which == EventStep::Which::NextOfAll ? "" : FullName(step.method);
+    const std::string method = step.which == EventStep::Which::NextOfAll ? "" : step.method.Name();
     while (true) {
         if (const auto arrival = mStage.arrivals.Take(method)) return *arrival;
         if (Clock::now() >= deadline) {
-            Unexpected(FullName(step.method) + "(" + Shown(step.arguments, mNames) + ")",
+            Unexpected(step.method.Name() + "(" + Shown(step.arguments, mNames) + ")",
                        "nothing of it within " + FormatDuration(step.within.value_or(mStage.timeout)));
         }
         mStage.arrivals.Wait(Left(deadline));
@@ -259,15 +255,15 @@ Arrival Player::NextArrival(const EventStep& step, Clock::time_point deadline) {
 void Player::Do(const EventStep& step, StepReport& report) {
     const auto deadline = Clock::now() + step.within.value_or(mStage.timeout);
     const std::vector<Parameter>& parameters = step.method.method->arguments;
-    report.details["method"] = FullName(step.method);
+    report.details["method"] = step.method.Name();
     while (true) {
         const Arrival arrival = NextArrival(step, deadline);
-        const bool same = arrival.method == FullName(step.method);
+        const bool same = arrival.method == step.method.Name();
         if (same) report.details["arguments"] = ByName(parameters, arrival.arguments);
         if (same && Match(step.arguments, arrival.arguments, parameters, mNames)) break;
         if (step.which == EventStep::Which::AmongOthers) continue;
         const auto [interface, method] = Package::Get().FindMethod(arrival.method);
-        Unexpected(FullName(step.method) + "(" + Shown(step.arguments, mNames) + ")",
+        Unexpected(step.method.Name() + "(" + Shown(step.arguments, mNames) + ")",
                    arrival.method + "(" + Listed(method->arguments, arrival.arguments) + ")");
     }
     if (step.event != nullptr) mStage.coverage.Saw(*step.family, *step.event);

@@ -311,8 +311,8 @@ void WalkWriter::WriteEvent(const Record& record, uint64_t waited) {
         }
         patterns += (i == 0 ? "" : ", ") + (value.empty() || HasNames(value) ? "_" : value);
     }
-    constexpr uint64_t kLong = 5000000;  // half of the limit that a line has anyway
-    const std::string limit = waited > kLong ? " within " + std::to_string(waited / 500000) + "s" : "";
+    constexpr uint64_t kLongWait = 5000000;  // half of the limit that a line has anyway
+    const std::string limit = waited > kLongWait ? " within " + std::to_string(waited / 500000) + "s" : "";
     mWrite("await " + callback->name + "." + method->name + "(" + patterns + ")" + limit + "\n");
 }
 

@@ -166,7 +166,7 @@ class Parser {
     static std::string AnyMethod(Cursor& cursor) {
         const bool ofClients = cursor.Peek().text.find("Callback") != std::string::npos;
         const auto method = Method(cursor, ofClients);
-        return method.interface->name + "." + method.method->name;
+        return method.Name();
     }
 
     static std::optional<Milliseconds> Within(Cursor& cursor) {
