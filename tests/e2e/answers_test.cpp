@@ -60,7 +60,7 @@ const Answer kAnswers[] = {
     {"program",
      R"({"ret": 0, "length": 4, "k0": 77, "k1": 0, "k2": 195, "k3": 191})",
      {"IProgramme.GetSIDescriptorByIndex", "1", "0"},
-     R"({"descriptor": "M\u0000\u00ff", "status": 0})"},
+     R"({"descriptor": "M\u0000\u00c3\u00bf", "status": 0})"},
     {"program", "", {"IProgramme.Release", "1"}, nullptr},
     {"av_com",
      R"({"ret": 0, "aspect_ratio": 1.78})",

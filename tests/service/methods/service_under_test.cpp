@@ -1,7 +1,7 @@
 // The service of a test program, which its CMakeLists.txt names.
 
+#include SERVICE_HEADER
 #include "method_rows.h"
-#include "service_header.h"
 
 namespace hbbtv::test {
 
