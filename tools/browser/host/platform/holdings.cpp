@@ -18,8 +18,8 @@ struct Rule {
     const char* releaser;
 };
 
-const char* const kDestroyVideo = "IVideoBroadcast.Destroy";
-const char* const kReleaseChannel = "IChannel.Release";
+constexpr char kDestroyVideo[] = "IVideoBroadcast.Destroy";
+constexpr char kReleaseChannel[] = "IChannel.Release";
 
 constexpr std::array<Rule, 19> kRules{{
     {"IVideoBroadcast", "Create", "vb", kDestroyVideo},
