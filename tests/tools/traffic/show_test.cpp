@@ -185,7 +185,7 @@ TEST_F(Show, KeepsRecordsAsTextWhereItNeedsAllOfThem) {
     const std::string small = Long(10);
     const std::string large = Long(count);
     const auto size = static_cast<long>(std::filesystem::file_size(large) >> 10);
-    const long allowed = size * 2 + (kSanitized ? 64 << 10 : 8 << 10);
+    const long allowed = size * 2 + (kSanitized ? 160 << 10 : 8 << 10);
     for (const std::vector<std::string>& form : {std::vector<std::string>{"show", "", "--walk", "/dev/null"},
                                                  {"replay", "", "--as", "platform", "--for", "1ms"}}) {
         std::vector<std::string> words = form;
