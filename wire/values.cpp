@@ -132,15 +132,7 @@ Json::Value StructFromJson(const Type& type, const Json::Value& value) {
 
 std::string CharactersOf(const std::string& bytes) {
     std::string text;
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x80) {
-            text += c;
-        } else {
-            text += static_cast<char>(0xC0 | byte >> 6);
-            text += static_cast<char>(0x80 | (byte & 0x3F));
-        }
-    }
+    for (const char c : bytes) AppendUtf8(text, static_cast<unsigned char>(c));
     return text;
 }
 

@@ -15,6 +15,9 @@ bool IsContinuation(char c);
 // string does not begin with a valid character. The string must not be empty.
 size_t Utf8Length(std::string_view text, uint32_t& code);
 
+// Appends a character. The code point must be at most 0x10ffff.
+void AppendUtf8(std::string& text, uint32_t code);
+
 // Returns the bytes without those that are not part of a valid character.
 std::string ValidUtf8(std::string_view bytes);
 

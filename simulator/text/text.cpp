@@ -59,8 +59,7 @@ std::string ReadableText(std::string_view raw) {
         const size_t length = Utf8Length(raw, code);
         if (length == 0) {
             code = static_cast<unsigned char>(raw[0]);
-            if (!IsControl(code))
-                text += {static_cast<char>(0xc0 | code >> 6), static_cast<char>(0x80 | (code & 0x3f))};
+            if (!IsControl(code)) AppendUtf8(text, code);
         } else if (code == '\t') {
             text += ' ';
         } else if (!IsControl(code)) {

@@ -4,30 +4,14 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "common/text/utf8.h"
+
 namespace hbbtv::ctl {
 
 namespace {
 
 bool IsWord(char c) {
     return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
-}
-
-void AppendUtf8(std::string& text, unsigned code) {
-    if (code < 0x80) {
-        text += static_cast<char>(code);
-    } else if (code < 0x800) {
-        text += static_cast<char>(0xc0 | code >> 6);
-        text += static_cast<char>(0x80 | (code & 0x3f));
-    } else if (code < 0x10000) {
-        text += static_cast<char>(0xe0 | code >> 12);
-        text += static_cast<char>(0x80 | (code >> 6 & 0x3f));
-        text += static_cast<char>(0x80 | (code & 0x3f));
-    } else {
-        text += static_cast<char>(0xf0 | code >> 18);
-        text += static_cast<char>(0x80 | (code >> 12 & 0x3f));
-        text += static_cast<char>(0x80 | (code >> 6 & 0x3f));
-        text += static_cast<char>(0x80 | (code & 0x3f));
-    }
 }
 
 // Reads one line; brackets may remain open.
