@@ -257,7 +257,7 @@ TEST_F(DoctorOfTheSystem, FindsAPlatformThatDoesNotReplyAndTheCallersThatWait) {
     }));
     const FinishedRun run = Ctl({"doctor"});
     EXPECT_EQ(run.exit, 4) << run.Text();
-    EXPECT_THAT(run.output, HasSubstr(" s, 1 callers wait (hbbtvctl (" + std::to_string(second.Pid()) +
+    EXPECT_THAT(run.output, HasSubstr(" s, 1 caller waits (hbbtvctl (" + std::to_string(second.Pid()) +
                                       ")); hbbtv-sim (" + std::to_string(mPlatform->Pid()) + ") does not reply; "));
 }
 

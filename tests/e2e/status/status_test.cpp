@@ -10,12 +10,14 @@
 #include <iterator>
 #include <memory>
 #include <optional>
+#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "common/text/json.h"
 #include "event_connection.h"
+#include "finished_run.h"
 #include "package/debug.h"
 #include "raw_listener.h"
 #include "raw_socket.h"
@@ -141,6 +143,13 @@ TEST_F(Status, ShowsTheOneWayMessageThatThePlatformDoesNotRead) {
     EXPECT_NE(Text().find("  sending      ComponentUpdate (0) of process "), std::string::npos) << Text();
     EXPECT_TRUE(mService.WaitForOutput(" (IAVControl.ComponentUpdate) of process " + std::to_string(getpid()) +
                                        " has been in the middle of being sent for "));
+    const FinishedRun doctor = RunToEnd({HBBTVCTL_PROGRAM, "doctor"});
+    const std::string self = "[^;]*\\(" + std::to_string(getpid()) + "\\)";
+    const std::regex trouble(
+        "PROBLEM  requests     IAVControl.ComponentUpdate has been in the middle of being sent for [0-9.]+ s, "
+        "1 caller waits \\(" +
+        self + "\\);" + self + " does not read; ");
+    EXPECT_TRUE(std::regex_search(doctor.output, trouble)) << doctor.Text();
     done = true;
     { const RawConnection closed = listener.Accept(); }
     for (std::thread& caller : callers) caller.join();

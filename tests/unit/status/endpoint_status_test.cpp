@@ -76,7 +76,7 @@ TEST(StatusOfRequests, NamesTheOneWayMessageThatIsBeingSentBesideTheOpenRequest)
     EXPECT_EQ(requests["waiting_to_send"][0].asInt(), 300);
     const std::string text = tolm::StatusText(tolm::StatusReport({&kVideoBroadcast}));
     EXPECT_NE(text.find("\n  sending      Post (12) of process 200 for 3."), std::string::npos) << text;
-    EXPECT_NE(text.find(" s\n  waiting      1 callers, of processes 300\n"), std::string::npos) << text;
+    EXPECT_NE(text.find(" s\n  waiting      1 caller, of process 300\n"), std::string::npos) << text;
 }
 
 // A turn ends before what was done in it.

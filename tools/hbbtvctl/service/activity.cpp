@@ -92,11 +92,15 @@ struct Overdue {
     const Json::Value& waiting;
 };
 
+std::string Waiting(const Json::Value& callers) {
+    if (callers.empty()) return "no callers wait";
+    const std::string count = callers.size() == 1 ? "1 caller waits" : std::to_string(callers.size()) + " callers wait";
+    return count + " (" + Listed(callers) + ")";
+}
+
 Check TroubleOf(const Json::Value& family, const Overdue& overdue) {
     const std::string operation = family["family"].asString() + "." + overdue.open["operation"].asString();
-    const std::string waiting = overdue.waiting.empty() ? "no callers wait"
-                                                        : std::to_string(overdue.waiting.size()) + " callers wait (" +
-                                                              Listed(overdue.waiting) + ")";
+    const std::string waiting = Waiting(overdue.waiting);
     const std::string begin =
         operation + " has been " + overdue.state + " for " + Seconds(overdue.open["age_ms"]) + ", " + waiting;
     const Json::Value& peer = family["requests"]["connected_to"];

@@ -147,7 +147,8 @@ std::string TextOfOpen(const char* name, const Json::Value& open, const Json::Va
                                Seconds(open["age_ms"]));
     }
     if (!waiting.empty()) {
-        text += Line("waiting", std::to_string(waiting.size()) + " callers, of processes" + List(waiting));
+        const char* const callers = waiting.size() == 1 ? " caller, of process" : " callers, of processes";
+        text += Line("waiting", std::to_string(waiting.size()) + callers + List(waiting));
     }
     return text;
 }
